@@ -1,0 +1,46 @@
+#include "engine/EngineState.h"
+
+namespace thntfs {
+
+EngineState Engine;
+
+namespace {
+
+template <typename Number> Number OrDefault(Number value, Number fallback) { return value != 0 ? value : fallback; }
+
+} // namespace
+
+void LoadVolumeParams(const PartitionCandidate& candidate) {
+    VolumeParams& volume = Engine.VolumeParams;
+    volume.BytesPerSector = OrDefault(candidate.BytesPerSector, Engine.SourceDisk.BytesPerSector);
+    const std::uint32_t sectorBytes = volume.BytesPerSector;
+
+    volume.SectorsPerFileRecord = OrDefault<std::uint8_t>(candidate.SectorsPerFileRecord, 2);
+    volume.FileRecordBytes =
+        OrDefault<std::uint32_t>(candidate.FileRecordBytes, volume.SectorsPerFileRecord * sectorBytes);
+    const std::uint32_t sectorsPerCluster = OrDefault<std::uint8_t>(candidate.SectorsPerCluster, 8);
+    volume.ClusterBytes = OrDefault(candidate.ClusterBytes, sectorsPerCluster * sectorBytes);
+    volume.SectorsPerIndexBlock = OrDefault<std::uint8_t>(candidate.SectorsPerIndexBlock, 8);
+    volume.IndexBlockBytes =
+        OrDefault(candidate.IndexBlockBytes, volume.SectorsPerIndexBlock * sectorBytes);
+
+    volume.MftSector = candidate.MftSector;
+    volume.StartSector = candidate.StartSector;
+    volume.MftCluster = candidate.MftCluster;
+    volume.MftMirrCluster = candidate.MftMirrCluster;
+    volume.TotalSectors = candidate.TotalSectors;
+    volume.VolumeSerial = candidate.VolumeSerial;
+    volume.SectorsPerCluster = candidate.SectorsPerCluster;
+}
+
+void ResetEngineState() {
+    Engine.VolumeParams = VolumeParams();
+    Engine.SourceDisk = DiskRecord();
+    Engine.TargetDisk = DiskRecord();
+}
+
+std::uint64_t SectorOfCluster(std::uint64_t cluster) {
+    return Engine.VolumeParams.StartSector + cluster * Engine.VolumeParams.SectorsPerCluster;
+}
+
+} // namespace thntfs

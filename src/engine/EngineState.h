@@ -1,0 +1,72 @@
+#pragma once
+
+#include "engine/CatalogueRecords.h"
+#include "engine/StoredRecords.h"
+#include "platform/File.h"
+#include "platform/PagedFile.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace thntfs {
+
+class FolderTree;
+struct MftEvidence;
+
+/// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is thrown,
+/// so it holds no data. Decoding passes it on, scans catch it.
+struct CUserException {};
+
+/// All that the engine works on. One exists, `Engine`. One job at a time uses it, on one thread.
+struct EngineState {
+    std::atomic<std::uint32_t> ScanRunFlag{0}; ///< 1 while a job may run, 0 to stop it
+
+    /// The progress pair, written by a job before it calls EngineHost::JobProgress.
+    std::uint64_t ProgressTotal = 0;
+    std::uint64_t ProgressDone = 0;
+
+    DiskRecord TargetDisk; ///< the target of a copy; only WriteHandle is used
+    DiskRecord SourceDisk; ///< the medium under recovery
+    thntfs::VolumeParams VolumeParams;
+
+    // The catalogue: three files and the folder tree, which exists only while a scan writes.
+    std::string CatalogueFolder; ///< where the three files lie, without a slash at the end
+    std::unique_ptr<PagedFile> TreeFile;
+    std::unique_ptr<PagedFile> EntryFile;
+    std::unique_ptr<PagedFile> NameFile;
+    std::uint32_t NamesEnd = 0;           ///< next free byte of NameFile
+    std::uint32_t TreeEnd = 0;            ///< byte offset of the block begun last
+    std::shared_ptr<FolderTree> Folders; ///< holds FolderRoot
+
+    // The selected image.
+    std::string ImagePath;
+    std::string ImageFolder;
+
+    // Content of one file on its way out.
+    std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far
+    std::uint8_t PreviewActive = 0; ///< 1: the writers send no progress
+    std::vector<std::uint8_t> PreviewBuffer;
+    std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
+
+    // The lost-partition search.
+    std::shared_ptr<ListHead<MftEvidence>> MftList;
+    std::shared_ptr<ListHead<MftEvidence>> MirrList;
+};
+
+extern EngineState Engine;
+
+/// Fills VolumeParams from a candidate, with defaults for what it leaves open. MftExtents and MftRecordCount are
+/// not touched. A candidate with 0 sectors per cluster leaves 0 there, and LocateMft refuses it.
+void LoadVolumeParams(const PartitionCandidate& candidate);
+
+/// Closes both media, frees both candidate lists and the extents, and clears SourceDisk, TargetDisk and
+/// VolumeParams. The catalogue and ScanRunFlag are not touched.
+void ResetEngineState();
+
+/// Absolute sector of a logical cluster of the volume in work.
+std::uint64_t SectorOfCluster(std::uint64_t cluster);
+
+} // namespace thntfs

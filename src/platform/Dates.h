@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace thntfs {
+
+/// DOS date of a file time (100 ns units since 1601-01-01 UTC): day in bits 0-4, month in bits 5-8, year less
+/// 1980 in bits 9-15. A time outside 1980 to 2107 gives 0, which means no date.
+std::uint16_t DosDateOfFileTime(std::uint64_t fileTime);
+
+/// "YYYY-MM-DD" of a DOS date, empty where it is 0 or no date of the calendar.
+std::string IsoDate(std::uint16_t dosDate);
+
+/// The present local time as "Thu Nov 19 2026 06:21:28": the layout of the process log's time column.
+std::string LogTimeNow();
+
+} // namespace thntfs

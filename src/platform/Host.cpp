@@ -1,0 +1,31 @@
+#include "platform/Host.h"
+
+#include <chrono>
+#include <thread>
+
+namespace thntfs {
+
+namespace {
+
+EngineHost& SilentHost() {
+    static EngineHost silent;
+    return silent;
+}
+
+EngineHost* hostInUse = nullptr;
+
+} // namespace
+
+void EngineHost::LogEvent(const ProcessLogEntry& /*entry*/) {}
+void EngineHost::JobProgress() {}
+void EngineHost::ErrorBox(const std::string& /*text*/) {}
+void EngineHost::PauseOneSecond() { std::this_thread::sleep_for(std::chrono::seconds(1)); }
+void EngineHost::PassGate() {}
+void EngineHost::SearchPosition(std::uint64_t /*sector*/, std::uint64_t /*endSector*/) {}
+void EngineHost::PartitionFound(std::uint64_t /*startSector*/) {}
+void EngineHost::CopyPosition(std::uint64_t /*sectorsDone*/, std::uint64_t /*totalSectors*/) {}
+
+EngineHost& Host() { return hostInUse != nullptr ? *hostInUse : SilentHost(); }
+void SetHost(EngineHost* host) { hostInUse = host; }
+
+} // namespace thntfs
