@@ -47,9 +47,14 @@ struct EngineState {
 
     // Content of one file on its way out.
     std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far
-    std::uint8_t PreviewActive = 0; ///< 1: the writers send no progress
+    std::uint64_t BytesBehindEnd = 0; ///< of these, bytes that would lie behind the end of the medium
+    std::uint8_t PreviewActive = 0;   ///< 1: the writers send no progress
     std::vector<std::uint8_t> PreviewBuffer;
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
+
+    std::uint64_t FailedReads = 0; ///< attempts at a read that failed since the program's start
+
+    std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
 
     // The lost-partition search.
     std::shared_ptr<ListHead<MftEvidence>> MftList;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 namespace thntfs {
@@ -12,7 +13,11 @@ std::uint16_t DosDateOfFileTime(std::uint64_t fileTime);
 /// "YYYY-MM-DD" of a DOS date, empty where it is 0 or no date of the calendar.
 std::string IsoDate(std::uint16_t dosDate);
 
-/// The present local time as "Thu Nov 19 2026 06:21:28": the layout of the process log's time column.
+/// A time as "Thu Nov 19 2026 06:21:28": the layout of the process log's time column. A day below 10 has a
+/// second space before it, as in "Mon Nov  9".
+std::string LogTimeText(const std::tm& local);
+
+/// The present local time in that layout.
 std::string LogTimeNow();
 
 } // namespace thntfs

@@ -19,7 +19,8 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// Writes all bytes at the current position and moves it. The position starts at 0 and only Write moves it.
+    /// Writes all bytes at the current position and moves it. The position starts at 0 and only Write moves
+    /// it.
     virtual ErrorCode Write(ConstBytes bytes) = 0;
 
     /// Writes all bytes at a byte offset; the current position stays.
@@ -56,6 +57,10 @@ public:
 
     /// Deletes a file.
     virtual ErrorCode Delete(const std::string& path) = 0;
+
+    /// Sees a file that was created by another road (TargetFolder) before its user does, and may put another
+    /// in its place. A failure makes that creation fail. The system's own store lets every file pass.
+    virtual ErrorCode Admit(std::unique_ptr<File>& file);
 };
 
 /// The store in use: the system's own unless a test has put another in its place.

@@ -19,6 +19,7 @@ EngineHost* hostInUse = nullptr;
 void EngineHost::LogEvent(const ProcessLogEntry& /*entry*/) {}
 void EngineHost::JobProgress() {}
 void EngineHost::ErrorBox(const std::string& /*text*/) {}
+void EngineHost::MessageBox(const std::string& /*text*/, const std::string& /*caption*/, BoxIcon /*icon*/) {}
 void EngineHost::PauseOneSecond() { std::this_thread::sleep_for(std::chrono::seconds(1)); }
 void EngineHost::PassGate() {}
 void EngineHost::SearchPosition(std::uint64_t /*sector*/, std::uint64_t /*endSector*/) {}

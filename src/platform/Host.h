@@ -13,6 +13,8 @@ struct ProcessLogEntry {
     std::uint8_t Status = 0; ///< kLogInProgress, kLogFailed or kLogDone
 };
 
+enum class BoxIcon { Information, Warning, Stop };
+
 inline constexpr std::uint8_t kLogInProgress = 0;
 inline constexpr std::uint8_t kLogFailed = 1;
 inline constexpr std::uint8_t kLogDone = 2;
@@ -36,6 +38,9 @@ public:
 
     /// A blocking box with the caption "Error" and the stop icon.
     virtual void ErrorBox(const std::string& text);
+
+    /// A blocking box with one button.
+    virtual void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon);
 
     /// One second's pause before a failed transport is tried again.
     virtual void PauseOneSecond();

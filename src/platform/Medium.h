@@ -9,8 +9,8 @@
 
 namespace thntfs {
 
-/// An open medium: anything that yields bytes at an offset and has a size. A disk, an image file, and in tests
-/// a medium that fails where it is told to. It can be read and nothing else.
+/// An open medium: anything that yields bytes at an offset and has a size. A disk, an image file, and in
+/// tests a medium that fails where it is told to. It can be read and nothing else.
 class Medium {
 public:
     Medium() = default;

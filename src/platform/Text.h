@@ -5,8 +5,8 @@
 
 namespace thntfs {
 
-/// Narrow text (UTF-8) of UTF-16 text. A surrogate without its partner becomes U+FFFD, so the result is always
-/// valid UTF-8.
+/// Narrow text (UTF-8) of UTF-16 text. A surrogate without its partner becomes U+FFFD, so the result is
+/// always valid UTF-8.
 std::string NarrowText(std::u16string_view wide);
 
 /// Appends the narrow text to `out`, which saves an allocation for each name of a long listing.

@@ -1,0 +1,206 @@
+#include "catalogue/Catalogue.h"
+
+#include "engine/SectorReader.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <new>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kRootRecordNumber = 5;
+constexpr std::size_t kMaxNameUnits = 256;
+
+// Bounds of the buffered pages. Chains are written all over TreeFile, so it has most of them while a scan
+// writes; entries and names are appended. Readers jump in all three.
+constexpr std::size_t kMegabyte = 1U << 20U;
+constexpr std::size_t kWriteTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kAppendPages = kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kReadTreePages = 8 * kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kReadPages = 16 * kMegabyte / PagedFile::kPageBytes;
+
+bool IsFailedWrite(ErrorCode code) { return code != kErrorNone && code != kErrorInvalidUserBuffer; }
+
+void RaiseFailedWrite(ErrorCode code) {
+    if (IsFailedWrite(code)) {
+        RaiseFatal(code);
+    }
+}
+
+void WritePaged(PagedFile& file, std::uint64_t offset, ConstBytes bytes) {
+    if (offset + bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
+        RaiseFatal(kErrorFileTooLarge); // offsets in the catalogue have 32 bits
+    }
+    RaiseFailedWrite(file.WriteAt(offset, bytes));
+}
+
+void WriteTreeWord(std::uint64_t offset, std::uint32_t word) {
+    std::array<std::uint8_t, 4> stored{};
+    PutNumber(stored, 0, word);
+    WritePaged(*Engine.TreeFile, offset, stored);
+}
+
+std::uint64_t SlotOffset(std::uint32_t block, std::size_t slot) { return std::uint64_t{block} + 8 + 4 * slot; }
+
+std::unique_ptr<PagedFile> OpenPaged(const char* name, FileMode mode, std::size_t pages) {
+    std::unique_ptr<File> file;
+    std::uint64_t size = 0;
+    if (Files().Open(Engine.CatalogueFolder + name, mode, file) != kErrorNone || file->Size(size) != kErrorNone) {
+        return nullptr;
+    }
+    return std::make_unique<PagedFile>(std::move(file), pages, size);
+}
+
+bool OpenThreeFiles(FileMode mode, std::size_t treePages, std::size_t otherPages) {
+    Engine.TreeFile = OpenPaged(kTreeFileName, mode, treePages);
+    Engine.NameFile = OpenPaged(kNameFileName, mode, otherPages);
+    Engine.EntryFile = OpenPaged(kEntryFileName, mode, otherPages);
+    return Engine.TreeFile && Engine.NameFile && Engine.EntryFile;
+}
+
+void CloseFiles() {
+    Engine.TreeFile.reset();
+    Engine.NameFile.reset();
+    Engine.EntryFile.reset();
+    Engine.Folders.reset();
+    Engine.NamesEnd = 0;
+    Engine.TreeEnd = 0;
+}
+
+// Takes the next block of TreeFile for a folder.
+std::uint32_t AppendBlock(const FolderIndexNode& owner, std::uint32_t firstSlot) {
+    const std::uint64_t offset = std::uint64_t{Engine.TreeEnd} + kStoredBlockBytes;
+    FolderBlock block;
+    block.OwnerNumber = owner.RecordNumber;
+    block.Slots[0] = firstSlot;
+    WritePaged(*Engine.TreeFile, offset, EncodeBlock(block));
+    Engine.TreeEnd = static_cast<std::uint32_t>(offset);
+    return Engine.TreeEnd;
+}
+
+void WriteSeeds() {
+    CatalogueEntry top;
+    top.Flags = kFlagLive | kFlagFolder;
+    AppendEntry(top, u"#");
+
+    CatalogueEntry root;
+    root.EntryId = 1;
+    root.RecordNumber = kRootRecordNumber;
+    root.BlockOffset = kStoredBlockBytes;
+    root.Flags = kFlagLive | kFlagFolder;
+    AppendEntry(root, u" Root");
+
+    FolderIndexNode& topNode = *Engine.Folders->FindOrAddFolder(0).Node;
+    FolderBlock topBlock;
+    topBlock.Slots[0] = 1;
+    topNode.UsedSlots = 1;
+    WritePaged(*Engine.TreeFile, 0, EncodeBlock(topBlock));
+
+    FolderIndexNode& rootNode = *Engine.Folders->FindOrAddFolder(kRootRecordNumber).Node;
+    rootNode.EntryId = 1;
+    BeginFolderBlock(rootNode);
+}
+
+void AppendLostFolder(FolderIndexNode& node, std::uint32_t entryId) {
+    CatalogueEntry lost;
+    lost.EntryId = entryId;
+    lost.RecordNumber = node.RecordNumber;
+    lost.BlockOffset = node.BlockOffset;
+    lost.Flags = kFlagFolder;
+    AppendEntry(lost, WideText("#" + std::to_string(node.RecordNumber)));
+    AddChild(*Engine.Folders->FindOrAddFolder(0).Node, entryId);
+}
+
+void FlushFiles() {
+    for (PagedFile* file : {Engine.TreeFile.get(), Engine.NameFile.get(), Engine.EntryFile.get()}) {
+        if (file != nullptr) {
+            RaiseFailedWrite(file->Flush());
+        }
+    }
+}
+
+} // namespace
+
+int CreateCatalogue() {
+    CloseFiles();
+    try {
+        Engine.Folders = std::make_shared<FolderTree>();
+        if (OpenThreeFiles(FileMode::CreateAlways, kWriteTreePages, kAppendPages)) {
+            WriteSeeds();
+            return 1;
+        }
+    } catch (const CUserException&) {
+    } catch (const std::bad_alloc&) {
+    }
+    CloseFiles();
+    return 0;
+}
+
+int OpenCatalogue() {
+    CloseFiles();
+    if (OpenThreeFiles(FileMode::OpenRead, kReadTreePages, kReadPages)) {
+        return 1;
+    }
+    CloseFiles();
+    return 0;
+}
+
+int CloseCatalogue() {
+    try {
+        FlushFiles();
+    } catch (const CUserException&) {
+        // The user has seen the box; what has been written is all that there is.
+    }
+    CloseFiles();
+    return 1;
+}
+
+int WriteCatalogue(File& file, ConstBytes bytes) {
+    RaiseFailedWrite(file.Write(bytes));
+    return 1;
+}
+
+void BeginFolderBlock(FolderIndexNode& node) {
+    node.BlockOffset = AppendBlock(node, 0);
+    node.LastBlock = node.BlockOffset;
+    node.UsedSlots = 0;
+}
+
+void AddChild(FolderIndexNode& node, std::uint32_t entryId) {
+    if (node.UsedSlots < kSlotsPerBlock) {
+        WriteTreeWord(SlotOffset(node.LastBlock, node.UsedSlots), entryId);
+        ++node.UsedSlots;
+        return;
+    }
+    const std::uint32_t added = AppendBlock(node, entryId);
+    WriteTreeWord(std::uint64_t{node.LastBlock} + 4, added);
+    node.LastBlock = added;
+    node.UsedSlots = 1;
+}
+
+void AppendEntry(CatalogueEntry& entry, std::u16string_view name) {
+    entry.NameOffset = Engine.NamesEnd;
+    entry.NameLength = static_cast<std::uint16_t>(name.size());
+    std::array<std::uint8_t, 2 * kMaxNameUnits> units;
+    const ConstBytes nameBytes(units.data(), 2 * std::min(name.size(), kMaxNameUnits));
+    std::memcpy(units.data(), name.data(), nameBytes.size());
+    WritePaged(*Engine.EntryFile, std::uint64_t{entry.EntryId} * kStoredEntryBytes, EncodeEntry(entry));
+    WritePaged(*Engine.NameFile, Engine.NamesEnd, nameBytes);
+    Engine.NamesEnd += static_cast<std::uint32_t>(nameBytes.size());
+}
+
+void FinishCatalogue(std::uint32_t nextEntryId) {
+    for (FolderIndexNode* node = Engine.Folders->FolderRoot(); node != nullptr;
+         node = FolderTree::NextInPreOrder(node)) {
+        if (node->Placeholder != 0) {
+            AppendLostFolder(*node, nextEntryId++);
+        }
+    }
+    FlushFiles();
+}
+
+} // namespace thntfs

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "catalogue/FolderTree.h"
+#include "engine/CatalogueRecords.h"
+#include "engine/EngineState.h"
+#include "platform/File.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace thntfs {
+
+// The catalogue: three files in EngineState::CatalogueFolder. docs/formats/catalogue.md shows their bytes.
+
+/// Names of the three files, with the separator in front.
+inline constexpr const char* kTreeFileName = "/NST.THT";
+inline constexpr const char* kNameFileName = "/NSN.THT";
+inline constexpr const char* kEntryFileName = "/NSE.THT";
+
+/// The first EntryId that a scan may give.
+inline constexpr std::uint32_t kFirstEntryId = 2;
+
+/// Creates the three files with their seed entries, the top "#" and " Root", and the folder tree. Gives 1, or 0
+/// where a file can't be created or written.
+int CreateCatalogue();
+
+/// Opens the three files for reading. Gives 1, or 0 where one can't be opened.
+int OpenCatalogue();
+
+/// Writes what is still buffered, frees the folder tree and closes the files. A write that fails shows its box.
+/// Always gives 1.
+int CloseCatalogue();
+
+/// Writes bytes at the current position of an output file. A failure with code 0 or 1784 counts as success; any
+/// other shows the system's text in a box and throws CUserException. Gives 1.
+int WriteCatalogue(File& file, ConstBytes bytes);
+
+/// Gives a folder that has just been added to the tree a new empty chain.
+void BeginFolderBlock(FolderIndexNode& node);
+
+/// Adds a child to a folder's chain.
+void AddChild(FolderIndexNode& node, std::uint32_t entryId);
+
+/// Appends an entry and its name. The entry's EntryId must be the number of entries written so far; its
+/// NameOffset is set here, and NamesEnd advances.
+void AppendEntry(CatalogueEntry& entry, std::u16string_view name);
+
+/// Turns all remaining placeholders into lost folders, "#" and the number, under the top, and writes what is
+/// buffered. `nextEntryId` is the next free one.
+void FinishCatalogue(std::uint32_t nextEntryId);
+
+} // namespace thntfs

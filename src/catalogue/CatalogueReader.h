@@ -1,0 +1,69 @@
+#pragma once
+
+#include "engine/CatalogueRecords.h"
+#include "engine/ListHead.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace thntfs {
+
+/// An entry loaded from the catalogue.
+struct CatalogueItem {
+    std::uint64_t RecordSector = 0;
+    std::uint64_t Size = 0;
+    std::uint32_t EntryId = 0;
+    std::uint32_t RecordNumber = 0;
+    std::uint32_t ParentNumber = 0;
+    std::uint32_t BlockOffset = 0;
+    std::u16string Name;
+    std::unique_ptr<CatalogueItem> Next;
+    std::uint16_t CreatedDate = 0;
+    std::uint16_t AccessedDate = 0;
+    std::uint16_t Flags = 0;
+    std::uint16_t NameLength = 0;
+
+    [[nodiscard]] bool IsFolder() const { return (Flags & kFlagFolder) != 0; }
+    [[nodiscard]] bool IsLive() const { return (Flags & kFlagLive) != 0; }
+};
+
+using EntryList = ListHead<CatalogueItem>;
+
+/// Number of entries: the size of EntryFile in bytes / 44. 0 where no catalogue is open.
+std::uint64_t CatalogueEntryCount();
+
+/// Loads one entry; null, after a box with the system's text, where it can't be read. An id behind the last
+/// entry gives an item that is all zero with an empty name.
+std::unique_ptr<CatalogueItem> LoadEntry(std::uint32_t entryId);
+
+/// The same into an item that the caller keeps, which saves two allocations an entry. Gives 1 or 0.
+int LoadEntryInto(std::uint32_t entryId, CatalogueItem& item);
+
+/// The children of a folder, in the order in which they were added. The walk ends also where a damaged chain
+/// runs in a circle.
+class ChildWalk {
+public:
+    /// `blockOffset`: byte offset in TreeFile of the folder's first block.
+    explicit ChildWalk(std::uint32_t blockOffset);
+
+    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't be
+    /// read.
+    std::uint32_t Next();
+
+private:
+    void LoadBlock();
+
+    FolderBlock block_;
+    std::uint32_t blockOffset_;
+    std::size_t slot_ = 0;
+    std::uint64_t blocksLeft_;
+};
+
+/// Lists a folder: files first, then folders, each group in the reverse of the order in which they were added.
+/// The three counters are added to. With `keepFiles` false, files are counted and summed but not listed.
+/// Throws CUserException where a block can't be read.
+EntryList ListFolder(std::uint32_t blockOffset, std::uint64_t& totalBytes, std::uint32_t& fileCount,
+                     std::uint32_t& folderCount, bool keepFiles);
+
+} // namespace thntfs

@@ -1,0 +1,86 @@
+#include "catalogue/FindEntry.h"
+
+#include "platform/Text.h"
+
+#include <memory>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kTopEntryId = 0;
+constexpr std::uint32_t kRootEntryId = 1;
+constexpr std::size_t kMaxDepth = 4096;
+
+// Looks below one folder for the entries whose path goes on as `rest`. A name that holds a slash is matched by
+// comparing texts rather than cutting the path at its slashes.
+class PathSearch {
+public:
+    explicit PathSearch(std::string_view path)
+        : path_(path) {}
+
+    void SearchFolder(std::uint32_t blockOffset, std::string_view rest) {
+        ChildWalk children(blockOffset);
+        for (std::uint32_t child = children.Next(); child != 0; child = children.Next()) {
+            const std::unique_ptr<CatalogueItem> item = LoadEntry(child);
+            if (item != nullptr && child != kRootEntryId) {
+                item->EntryId = child;
+                SearchItem(*item, rest);
+            }
+        }
+    }
+
+    std::vector<LocatedEntry> Found;
+
+private:
+    void SearchItem(CatalogueItem& item, std::string_view rest) {
+        const std::string name = NarrowText(item.Name);
+        if (name.empty() || rest.substr(0, name.size()) != name) {
+            return;
+        }
+        const std::string_view behind = rest.substr(name.size());
+        if (behind.empty() || behind == "/") {
+            LocatedEntry located;
+            located.Folders = folders_;
+            located.Path = path_.substr(0, path_.size() - behind.size());
+            located.Item = std::move(item);
+            Found.push_back(std::move(located));
+        } else if (behind.front() == '/' && item.IsFolder() && folders_.size() < kMaxDepth) {
+            folders_.push_back(item.Name);
+            SearchFolder(item.BlockOffset, behind.substr(1));
+            folders_.pop_back();
+        }
+    }
+
+    std::string path_;
+    std::vector<std::u16string> folders_;
+};
+
+void AddSeed(std::uint32_t entryId, std::vector<LocatedEntry>& found) {
+    if (std::unique_ptr<CatalogueItem> item = LoadEntry(entryId); item != nullptr) {
+        LocatedEntry located;
+        located.Item = std::move(*item);
+        found.push_back(std::move(located));
+    }
+}
+
+} // namespace
+
+std::vector<LocatedEntry> FindEntries(std::string_view path) {
+    PathSearch search(path);
+    if (path.empty()) {
+        AddSeed(kTopEntryId, search.Found);
+    } else if (path == "/") {
+        AddSeed(kRootEntryId, search.Found);
+    } else if (path.front() == '/') {
+        const std::unique_ptr<CatalogueItem> root = LoadEntry(kRootEntryId);
+        if (root != nullptr) {
+            search.SearchFolder(root->BlockOffset, path.substr(1));
+        }
+    } else {
+        search.SearchFolder(0, path);
+    }
+    return std::move(search.Found);
+}
+
+} // namespace thntfs

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "catalogue/CatalogueReader.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace thntfs {
+
+/// An entry and the names of the folders above it, from below " Root" or from a top-level folder down.
+struct LocatedEntry {
+    CatalogueItem Item;
+    std::vector<std::u16string> Folders; ///< names of the folders on the way, outermost first; " Root" left out
+    std::string Path;                    ///< as EntryWalk gives it
+};
+
+/// All entries with a path, live and deleted, in catalogue order. "/" is " Root"; "" is the top. A name may hold a slash.
+/// Throws CUserException where a block can't be read.
+std::vector<LocatedEntry> FindEntries(std::string_view path);
+
+} // namespace thntfs

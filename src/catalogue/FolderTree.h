@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace thntfs {
+
+/// One folder that a scan has met, or has been told of by a child.
+struct FolderIndexNode {
+    FolderIndexNode* Parent = nullptr;
+    FolderIndexNode* Left = nullptr;  ///< keys below
+    FolderIndexNode* Right = nullptr; ///< keys above
+    std::uint32_t RecordNumber = 0;   ///< the key
+    std::uint32_t EntryId = 0;        ///< the folder's entry; 0 while it is a placeholder
+    std::uint32_t BlockOffset = 0;    ///< first block of its chain in TreeFile, bytes
+    std::uint32_t LastBlock = 0;      ///< last block of the chain, which saves the walk along it for each child
+    std::uint8_t UsedSlots = 0;       ///< of the last block
+    std::uint8_t Placeholder = 0;     ///< 1: named as a parent, its own record not met yet
+    std::int8_t Balance = 0;          ///< +1 left subtree deeper, -1 right subtree deeper
+};
+
+/// The height-balanced tree of folders, keyed on the record number. Its shape matters beyond speed: lost
+/// folders are catalogued in the pre-order of this tree. Nodes live as long as the tree and never move.
+class FolderTree {
+public:
+    struct Found {
+        FolderIndexNode* Node; ///< never null
+        bool Added;
+    };
+
+    /// The node with a key, added and balanced in where it was missing. Throws std::bad_alloc.
+    Found FindOrAddFolder(std::uint32_t recordNumber);
+    /// The same; an added node is marked as a placeholder.
+    Found FindOrAddPlaceholder(std::uint32_t recordNumber);
+
+    [[nodiscard]] FolderIndexNode* FolderRoot() const { return root_; }
+    [[nodiscard]] std::size_t Count() const { return count_; }
+
+    /// The node that follows in the order node, left subtree, right subtree; null behind the last.
+    static FolderIndexNode* NextInPreOrder(FolderIndexNode* node);
+
+private:
+    static constexpr std::size_t kChunkNodes = 1024;
+    using Chunk = std::array<FolderIndexNode, kChunkNodes>;
+
+    [[nodiscard]] FolderIndexNode& NodeAt(std::uint32_t index) const;
+    [[nodiscard]] FolderIndexNode* Lookup(std::uint32_t recordNumber) const;
+    FolderIndexNode& NewNode(std::uint32_t recordNumber);
+    void GrowSlots();
+    void EnterSlot(std::uint32_t index);
+    void LinkIn(FolderIndexNode& added);
+    void Rebalance(FolderIndexNode& pivot, FolderIndexNode& added);
+    void TakePlace(FolderIndexNode& oldTop, FolderIndexNode& newTop);
+
+    FolderIndexNode* root_ = nullptr;
+    FolderIndexNode* lastFound_ = nullptr; ///< children of one folder often come in a row
+    std::vector<std::unique_ptr<Chunk>> chunks_;
+    std::size_t count_ = 0;
+    /// Open hashing beside the tree: index of a node + 1, 0 for free. A lookup touches one node in place of a
+    /// path of them.
+    std::vector<std::uint32_t> slots_;
+};
+
+} // namespace thntfs

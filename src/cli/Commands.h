@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/Options.h"
+
+namespace thntfs {
+
+// Each runs one command from its words to its exit code.
+
+int RunPartitions(const Options& options);
+int RunScan(const Options& options);
+int RunList(const Options& options);
+int RunCat(const Options& options);
+int RunSave(const Options& options);
+
+} // namespace thntfs

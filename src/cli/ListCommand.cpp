@@ -1,0 +1,98 @@
+#include "catalogue/EntryWalk.h"
+#include "catalogue/FindEntry.h"
+#include "cli/Commands.h"
+#include "cli/EntryText.h"
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "cli/Session.h"
+#include "engine/EngineState.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kRootEntryId = 1;
+
+class Lister {
+public:
+    Lister(const Options& options, Output& output)
+        : options_(options)
+        , output_(output) {}
+
+    void ListAll() { ListBelow(0, "", true); }
+
+    void List(const LocatedEntry& entry) {
+        if (entry.Item.IsFolder()) {
+            ListBelow(entry.Item.BlockOffset, entry.Path == "/" ? "" : entry.Path, entry.Item.EntryId == 0);
+        } else {
+            Print(entry.Item, entry.Path);
+        }
+    }
+
+private:
+    // The top holds " Root", which has no path of its own: what is in it counts as top-level too.
+    void ListBelow(std::uint32_t blockOffset, const std::string& path, bool underTop) {
+        EntryWalk walk(blockOffset, path, underTop);
+        while (walk.Next() && !output_.Closed()) {
+            if (walk.Item().EntryId == kRootEntryId) {
+                continue;
+            }
+            Print(walk.Item(), walk.Path());
+            if (!options_.Recursive) {
+                walk.SkipFolder();
+            }
+        }
+    }
+
+    void Print(const CatalogueItem& item, const std::string& path) {
+        if (options_.Deleted && item.IsLive()) {
+            return;
+        }
+        if (options_.Json) {
+            AppendEntryJson(output_.Buffer(), item, path);
+        } else {
+            AppendEntryLine(output_.Buffer(), item, path);
+        }
+        output_.Check();
+    }
+
+    const Options& options_;
+    Output& output_;
+};
+
+int ListWanted(const Options& options, Output& output) {
+    Lister lister(options, output);
+    if (options.Paths.empty()) {
+        lister.ListAll();
+        return kExitDone;
+    }
+    const std::vector<LocatedEntry> found = FindEntries(options.Paths.front());
+    if (found.empty()) {
+        PrintMessage("No entry has the path " + options.Paths.front());
+        return kExitFailed;
+    }
+    for (const LocatedEntry& entry : found) {
+        lister.List(entry);
+    }
+    return kExitDone;
+}
+
+} // namespace
+
+int RunList(const Options& options) {
+    Session session(options);
+    if (const int code = session.OpenCatalogueOfMedium(); code != kExitDone) {
+        return code;
+    }
+    Output output;
+    int code = kExitFailed;
+    try {
+        code = ListWanted(options, output);
+    } catch (const CUserException&) {
+        // The box has told why.
+    }
+    output.Flush();
+    return code == kExitDone && !session.Complete() ? kExitDoneInPart : code;
+}
+
+} // namespace thntfs

@@ -1,0 +1,38 @@
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+
+#include <exception>
+
+namespace {
+
+int RunChosen(const thntfs::Options& options) {
+    switch (options.Chosen) {
+    case thntfs::Command::Partitions:
+        return thntfs::RunPartitions(options);
+    case thntfs::Command::Scan:
+        return thntfs::RunScan(options);
+    case thntfs::Command::List:
+        return thntfs::RunList(options);
+    case thntfs::Command::Cat:
+        return thntfs::RunCat(options);
+    case thntfs::Command::Save:
+        return thntfs::RunSave(options);
+    case thntfs::Command::None:
+        break;
+    }
+    return thntfs::kExitWrongWords;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        int exitCode = thntfs::kExitDone;
+        const auto options = thntfs::ReadOptions(argc, argv, exitCode);
+        return options ? RunChosen(*options) : exitCode;
+    } catch (const std::exception& error) {
+        thntfs::PrintMessage(std::string("Error: ") + error.what());
+        return thntfs::kExitFailed;
+    }
+}

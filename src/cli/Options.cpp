@@ -1,0 +1,112 @@
+#include "cli/Options.h"
+
+#include "cli/ExitCode.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace thntfs {
+
+namespace {
+
+constexpr const char* kVersion = "Tarnholt Volume Salvage (NTFS) 2.0.1";
+
+constexpr const char* kFooter =
+    "Paths use '/'. What stands under the volume's root is /folder/file; a file whose folder is lost stands under\n"
+    "a folder named after the folder's record number, such as #1234/file.\n\n"
+    "Exit status: 0 done, 1 failed, 2 wrong words, 3 done in part (each entry that failed is named).\n"
+    "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan or a save;\n"
+    "what was found so far is shown. The medium is opened for reading only.";
+
+void AddMedium(CLI::App& command, Options& options) {
+    command.add_option("MEDIUM", options.Medium, "Disk image file or block device to read")->required();
+    command.add_flag("--json", options.Json, "Print JSON");
+}
+
+void AddPartition(CLI::App& command, Options& options) {
+    command.add_option("-p,--partition", options.Partition,
+                       "Number of the partition, as 'partitions' shows it; may be left out where there is one")
+        ->check(CLI::PositiveNumber);
+}
+
+void AddPartitions(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("partitions", "List the NTFS volumes of the partition table");
+    AddMedium(*command, options);
+    command->callback([&options] { options.Chosen = Command::Partitions; });
+}
+
+void AddScan(CLI::App& app, Options& options) {
+    CLI::App* command =
+        app.add_subcommand("scan", "Catalogue a volume along its Master File Table; print totals and folder tree");
+    AddMedium(*command, options);
+    AddPartition(*command, options);
+    command->add_flag("--files", options.Files, "Show files in the tree too");
+    command->callback([&options] { options.Chosen = Command::Scan; });
+}
+
+void AddList(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("list", "List the entries of a folder, live and deleted");
+    AddMedium(*command, options);
+    command->add_option("PATH", options.Paths, "Folder to list; without it, all top-level entries")->expected(0, 1);
+    AddPartition(*command, options);
+    command->add_flag("-r,--recursive", options.Recursive, "List all that is below, too");
+    command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    command->callback([&options] { options.Chosen = Command::List; });
+}
+
+void AddCat(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("cat", "Write one file's bytes to standard output");
+    AddMedium(*command, options);
+    CLI::Option* path = command->add_option("PATH", options.Paths, "File to write")->expected(0, 1);
+    CLI::Option* record =
+        command->add_option("--record", options.Record, "Number of the file's record, in place of a path");
+    record->excludes(path);
+    AddPartition(*command, options);
+    command->callback([&options] {
+        options.Chosen = Command::Cat;
+        if (options.Paths.empty() && !options.Record) {
+            throw CLI::RequiredError("PATH or --record");
+        }
+    });
+}
+
+void AddSave(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("save", "Save entries and all below them to a folder of another disk");
+    AddMedium(*command, options);
+    command->add_option("PATH", options.Paths, "Files or folders to save; without any, everything");
+    command->add_option("--to", options.Target, "Folder to save to; made if missing")->required();
+    AddPartition(*command, options);
+    command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    command->callback([&options] { options.Chosen = Command::Save; });
+}
+
+} // namespace
+
+std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode) {
+    Options options;
+    CLI::App app("Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors of a disk or image.\n"
+                 "It never writes to the medium.",
+                 "th-ntfs-cli");
+    app.set_version_flag("--version", kVersion);
+    app.footer(kFooter);
+    app.require_subcommand(1);
+    AddPartitions(app, options);
+    AddScan(app, options);
+    AddList(app, options);
+    AddCat(app, options);
+    AddSave(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& shown) {
+        exitCode = app.exit(shown, std::cout, std::cerr);
+        return std::nullopt;
+    } catch (const CLI::ParseError& wrong) {
+        app.exit(wrong, std::cout, std::cerr);
+        exitCode = kExitWrongWords;
+        return std::nullopt;
+    }
+    return options;
+}
+
+} // namespace thntfs

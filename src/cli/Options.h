@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace thntfs {
+
+enum class Command { None, Partitions, Scan, List, Cat, Save };
+
+/// The words of one call of the terminal program.
+struct Options {
+    Command Chosen = Command::None;
+    std::string Medium;
+    std::optional<unsigned> Partition; ///< counted from 1
+    bool Json = false;
+
+    bool Files = false;     ///< scan: files in the tree too
+    bool Recursive = false; ///< list
+    bool Deleted = false;   ///< list, save: deleted entries alone
+    std::string Target;     ///< save: the folder to save to
+    std::vector<std::string> Paths;
+    std::optional<std::uint32_t> Record; ///< cat: a record number in place of a path
+};
+
+/// Reads the words. Gives the options, or nothing where the program ends here: help was shown, or the words are
+/// wrong and standard error says how; `exitCode` is then set.
+std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode);
+
+} // namespace thntfs

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/File.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace thntfs {
+
+/// Standard output in big pieces. A reader that has gone away (a closed pipe) ends the output without a word; any
+/// other failure shows in Failed.
+class Output {
+public:
+    Output();
+
+    void Put(std::string_view text) {
+        text_ += text;
+        if (text_.size() >= kPieceBytes) {
+            Flush();
+        }
+    }
+    /// The buffer itself, for callers that append many small parts; they call Check now and then.
+    std::string& Buffer() { return text_; }
+    void Check() {
+        if (text_.size() >= kPieceBytes) {
+            Flush();
+        }
+    }
+    void Flush();
+
+    [[nodiscard]] ErrorCode Failed() const { return failure_; }
+    /// True where nothing that is still to come can be written.
+    [[nodiscard]] bool Closed() const { return failure_ != kErrorNone; }
+    [[nodiscard]] File& Handle() { return *file_; }
+
+private:
+    static constexpr std::size_t kPieceBytes = 1U << 16U;
+
+    std::unique_ptr<File> file_;
+    std::string text_;
+    ErrorCode failure_ = kErrorNone;
+};
+
+/// Appends text with control characters shown as \xNN, so that a name can't drive the terminal.
+void AppendPrintable(std::string& out, std::string_view text);
+
+/// Prints a line to standard error, after wiping the progress bar if one stands there.
+void PrintMessage(std::string_view text);
+
+/// A byte count for people: "512 bytes", "4.0 KB", "1.2 MB", "3.4 GB".
+std::string ByteText(std::uint64_t bytes);
+
+} // namespace thntfs

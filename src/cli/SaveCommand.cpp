@@ -1,0 +1,113 @@
+#include "catalogue/FindEntry.h"
+#include "cli/Commands.h"
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "cli/Session.h"
+#include "content/SaveEntries.h"
+#include "engine/EngineState.h"
+#include "platform/DiskIdentity.h"
+
+#include <nlohmann/json.hpp>
+
+namespace thntfs {
+
+namespace {
+
+class TerminalListener : public SaveListener {
+public:
+    void Renamed(const std::string& path, const std::string& targetName) override {
+        PrintMessage(path + ": saved under the name " + targetName);
+    }
+    void Warned(const std::string& path, const std::string& text) override { PrintMessage(path + ": " + text); }
+    void Failed(const std::string& path, const std::string& reason) override {
+        PrintMessage(path + ": not saved: " + reason);
+    }
+};
+
+int OpenTarget(const Options& options, std::unique_ptr<TargetFolder>& target) {
+    if (SharesMedium(options.Target, options.Medium)) {
+        PrintMessage(options.Target + " lies on the medium that is being read. Saving there would destroy what is "
+                                      "to be recovered; choose a folder on another disk.");
+        return kExitFailed;
+    }
+    const ErrorCode code = TargetFolder::OpenTargetFolder(options.Target, true, target);
+    if (code != kErrorNone) {
+        PrintMessage("Cannot save to " + options.Target + ": " + SystemErrorText(code));
+        return kExitFailed;
+    }
+    return kExitDone;
+}
+
+// Gives how many of the paths name nothing.
+std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver) {
+    std::size_t missing = 0;
+    for (const std::string& path : paths) {
+        const std::vector<LocatedEntry> found = FindEntries(path);
+        if (found.empty()) {
+            PrintMessage("No entry has the path " + path);
+            ++missing;
+        }
+        for (const LocatedEntry& entry : found) {
+            saver.Save(entry);
+        }
+    }
+    return missing;
+}
+
+void PrintTotals(const SaveTotals& totals, const Options& options) {
+    Output output;
+    if (options.Json) {
+        const nlohmann::ordered_json object = {{"files", totals.Files},     {"folders", totals.Folders},
+                                               {"bytes", totals.Bytes},     {"damaged", totals.Damaged},
+                                               {"failed", totals.Failed},   {"complete", !totals.Stopped},
+                                               {"target", options.Target}};
+        output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
+    } else {
+        std::string line = "Saved " + std::to_string(totals.Files) + " files (" + std::to_string(totals.Bytes) +
+                           " bytes) in " + std::to_string(totals.Folders) + " folders to " + options.Target;
+        if (totals.Damaged != 0) {
+            line += "; " + std::to_string(totals.Damaged) + " of them are damaged";
+        }
+        if (totals.Failed != 0) {
+            line += "; " + std::to_string(totals.Failed) + " entries could not be saved";
+        }
+        output.Put(line + "\n");
+    }
+    output.Flush();
+}
+
+int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked) {
+    if (totals.Files == 0 && totals.Folders == 0 && (totals.Failed != 0 || totals.Stopped || missing == asked)) {
+        return asked == 0 && totals.Failed == 0 && !totals.Stopped ? kExitDone : kExitFailed;
+    }
+    return totals.Failed != 0 || totals.Damaged != 0 || totals.Stopped || missing != 0 ? kExitDoneInPart : kExitDone;
+}
+
+} // namespace
+
+int RunSave(const Options& options) {
+    Session session(options);
+    std::unique_ptr<TargetFolder> target;
+    if (const int code = OpenTarget(options, target); code != kExitDone) {
+        return code;
+    }
+    if (const int code = session.OpenCatalogueOfMedium(); code != kExitDone) {
+        return code;
+    }
+    TerminalListener listener;
+    EntrySaver saver(std::move(target), listener, options.Deleted);
+    const std::vector<std::string> paths = options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
+    session.Host.Bar.Begin("Saving", ProgressBar::Unit::Byte);
+    std::size_t missing = 0;
+    try {
+        missing = SaveWanted(paths, saver);
+    } catch (const CUserException&) {
+        missing = paths.size();
+    }
+    session.Host.Bar.End();
+    PrintTotals(saver.Totals(), options);
+    const int code = ExitCodeOf(saver.Totals(), missing, options.Paths.size());
+    return code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code;
+}
+
+} // namespace thntfs

@@ -1,0 +1,126 @@
+#include "cli/Session.h"
+
+#include "catalogue/Catalogue.h"
+#include "cli/CandidateText.h"
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "engine/EngineState.h"
+#include "engine/LocateMft.h"
+#include "partitions/OpenSource.h"
+#include "partitions/PartitionTable.h"
+#include "platform/Interrupt.h"
+#include "scans/BasicScan.h"
+
+namespace thntfs {
+
+namespace {
+
+const PartitionCandidate* CandidateNumber(unsigned number) {
+    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
+    for (; candidate != nullptr && number > 1; --number) {
+        candidate = candidate->Next.get();
+    }
+    return candidate;
+}
+
+void TellCandidates() {
+    unsigned number = 0;
+    for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
+         candidate = candidate->Next.get()) {
+        PrintMessage("  " + CandidateText(++number, *candidate));
+    }
+}
+
+} // namespace
+
+Session::Session(const Options& options)
+    : options_(options) {
+    OnInterrupt(Engine.ScanRunFlag);
+}
+
+Session::~Session() {
+    Host.Bar.End();
+    Host.TellSuppressed();
+    CloseCatalogue();
+    ResetEngineState();
+}
+
+int Session::OpenMedium() {
+    const ErrorCode code = OpenSource(options_.Medium);
+    if (code != kErrorNone) {
+        PrintMessage("Cannot open " + options_.Medium + ": " + SystemErrorText(code));
+        if (code == kErrorAccessDenied) {
+            PrintMessage("Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
+        }
+        return kExitFailed;
+    }
+    if (Engine.SourceDisk.TotalSectors == 0) {
+        PrintMessage(options_.Medium + " is empty: there is not one sector to read.");
+        return kExitFailed;
+    }
+    if (ReadPartitionTable() == 0) {
+        PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
+        PrintMessage(SourceIsDevice() ? "Use search for lost partition(s) option."
+                                      : "Please use search for lost partition(s).");
+        return kExitFailed;
+    }
+    return kExitDone;
+}
+
+int Session::OpenVolume() {
+    const std::size_t count = Engine.SourceDisk.Partitions.Count();
+    if (!options_.Partition && count > 1) {
+        PrintMessage("There are " + std::to_string(count) + " partitions; choose one with --partition N:");
+        TellCandidates();
+        return kExitWrongWords;
+    }
+    const PartitionCandidate* candidate = CandidateNumber(options_.Partition.value_or(1));
+    if (candidate == nullptr) {
+        PrintMessage("There is no partition " + std::to_string(*options_.Partition) + "; these were found:");
+        TellCandidates();
+        return kExitWrongWords;
+    }
+    LoadVolumeParams(*candidate);
+    if (LocateMft() == 0) {
+        PrintMessage("Critical structures not found: the Master File Table of this volume can't be located.");
+        return kExitFailed;
+    }
+    return kExitDone;
+}
+
+int Session::ScanVolume() {
+    if (const ErrorCode code = folder_.Create(); code != kErrorNone) {
+        PrintMessage("Cannot make a temporary folder: " + SystemErrorText(code));
+        return kExitFailed;
+    }
+    Engine.CatalogueFolder = folder_.Path();
+    Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    if (CreateCatalogue() == 0) {
+        PrintMessage("Supporting Files couldn't be opened");
+        return kExitFailed;
+    }
+    Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
+    complete_ = BasicScan() != 0;
+    CloseCatalogue();
+    Host.Bar.End();
+    if (!complete_) {
+        PrintMessage("Stopped: what was found so far is shown.");
+    }
+    complete_ = complete_ && !Host.HadFatal();
+    if (OpenCatalogue() == 0) {
+        PrintMessage("Supporting Files couldn't be opened");
+        return kExitFailed;
+    }
+    return kExitDone;
+}
+
+int Session::OpenCatalogueOfMedium() {
+    for (const auto step : {&Session::OpenMedium, &Session::OpenVolume, &Session::ScanVolume}) {
+        if (const int code = (this->*step)(); code != kExitDone) {
+            return code;
+        }
+    }
+    return kExitDone;
+}
+
+} // namespace thntfs

@@ -1,0 +1,43 @@
+#include "cli/TerminalHost.h"
+
+#include "cli/Output.h"
+#include "engine/EngineState.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kShownReadErrors = 20; // a disk in ruins gives millions
+
+} // namespace
+
+TerminalHost::TerminalHost() { SetHost(this); }
+TerminalHost::~TerminalHost() { SetHost(nullptr); }
+
+void TerminalHost::LogEvent(const ProcessLogEntry& entry) {
+    if (entry.Status == kLogFailed && ++readErrors_ <= kShownReadErrors) {
+        PrintMessage(entry.Name + ": " + entry.Description);
+    }
+}
+
+void TerminalHost::JobProgress() { Bar.Update(Engine.ProgressDone, Engine.ProgressTotal); }
+
+void TerminalHost::ErrorBox(const std::string& text) {
+    if (text != lastBox_) {
+        PrintMessage("Error: " + text);
+    }
+    lastBox_ = text;
+}
+
+void TerminalHost::MessageBox(const std::string& text, const std::string& caption, BoxIcon /*icon*/) {
+    PrintMessage(caption + ": " + text);
+}
+
+void TerminalHost::TellSuppressed() {
+    if (readErrors_ > kShownReadErrors) {
+        PrintMessage(std::to_string(readErrors_ - kShownReadErrors) + " more failed reads");
+    }
+    readErrors_ = 0;
+}
+
+} // namespace thntfs

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "cli/ProgressBar.h"
+#include "platform/Host.h"
+
+#include <cstdint>
+#include <string>
+
+namespace thntfs {
+
+/// The engine's host in the terminal: boxes and read errors become lines on standard error, progress a bar.
+class TerminalHost : public EngineHost {
+public:
+    TerminalHost();
+    ~TerminalHost() override;
+
+    void LogEvent(const ProcessLogEntry& entry) override;
+    void JobProgress() override;
+    void ErrorBox(const std::string& text) override;
+    void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override;
+
+    /// Says how many read errors were not shown one by one, if any.
+    void TellSuppressed();
+
+    /// True once a fatal failure of the medium or of the catalogue has been shown.
+    [[nodiscard]] bool HadFatal() const { return !lastBox_.empty(); }
+
+    ProgressBar Bar;
+
+private:
+    std::uint64_t readErrors_ = 0;
+    std::string lastBox_;
+};
+
+} // namespace thntfs

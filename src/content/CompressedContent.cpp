@@ -1,0 +1,109 @@
+#include "catalogue/Catalogue.h"
+#include "content/ContentJob.h"
+#include "content/EntryContent.h"
+#include "content/Lznt1.h"
+#include "engine/EngineState.h"
+#include "engine/SectorReader.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kMaxUnitBytes = 64U << 20U;
+constexpr std::uint64_t kMaxRatio = 16; // a unit of 16 clusters takes at least one on the medium
+
+// Bytes of one compressed unit, 0 where the record states an impossible one.
+std::uint64_t UnitBytes(unsigned unitExponent) {
+    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+    if (clusterBytes == 0 || clusterBytes > kMaxUnitBytes || unitExponent > 16) {
+        return 0;
+    }
+    const std::uint64_t bytes = clusterBytes << unitExponent;
+    return bytes <= kMaxUnitBytes ? bytes : 0;
+}
+
+// Collects the clusters of one unit and puts the unit out when it is complete.
+class UnitWriter {
+public:
+    UnitWriter(File& outputHandle, std::uint64_t unitBytes)
+        : outputHandle_(outputHandle)
+        , raw_(static_cast<std::size_t>(unitBytes))
+        , plain_(static_cast<std::size_t>(unitBytes)) {}
+
+    /// Clusters that the unit can still take.
+    [[nodiscard]] std::uint32_t Room() const {
+        return static_cast<std::uint32_t>((raw_.size() - collected_) / Engine.VolumeParams.ClusterBytes);
+    }
+
+    void Collect(std::uint64_t sector, std::uint32_t clusters) {
+        const Bytes place =
+            Bytes(raw_).subspan(collected_, std::size_t{clusters} * Engine.VolumeParams.ClusterBytes);
+        std::fill(place.begin(), place.end(), std::uint8_t{0});
+        ReadSectors(place, sector);
+        Engine.BytesBehindEnd += BytesBehindMedium(sector, place.size());
+        collected_ += place.size();
+        if (collected_ == raw_.size()) {
+            Put(raw_); // a unit that compression would not have made smaller
+        }
+    }
+
+    /// A hole stands for the clusters that compression has saved: the unit is complete.
+    void Close() {
+        const ConstBytes collected = ConstBytes(raw_).first(collected_);
+        if (IsChunkChain(collected)) {
+            Put(ConstBytes(plain_).first(DecompressLznt1(collected, plain_)));
+        } else {
+            Put(collected);
+        }
+    }
+
+private:
+    void Put(ConstBytes bytes) {
+        Engine.BytesWritten += bytes.size();
+        if (!bytes.empty()) {
+            WriteCatalogue(outputHandle_, bytes);
+        }
+        collected_ = 0;
+    }
+
+    File& outputHandle_;
+    std::vector<std::uint8_t> raw_;
+    std::vector<std::uint8_t> plain_;
+    std::size_t collected_ = 0;
+};
+
+} // namespace
+
+int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs,
+                        unsigned unitExponent) {
+    const std::uint64_t unitBytes = UnitBytes(unitExponent);
+    if (unitBytes == 0) {
+        return 1;
+    }
+    const std::uint64_t limit = VolumeByteLimit();
+    const std::uint64_t end = std::min(entry.Size, limit > ~std::uint64_t{0} / kMaxRatio ? limit : kMaxRatio * limit);
+    UnitWriter unit(outputHandle, unitBytes);
+    for (const MftExtent* run = runs.First(); run != nullptr && !ContentStopped(); run = run->Next.get()) {
+        if (run->StartCluster == 0) {
+            if (Engine.BytesWritten >= end) {
+                break;
+            }
+            unit.Close();
+        }
+        std::uint64_t sector = SectorOfCluster(run->StartCluster);
+        std::uint32_t left = run->StartCluster == 0 ? 0 : run->Clusters;
+        while (left > 0 && Engine.BytesWritten < end && !ContentStopped()) {
+            const std::uint32_t clusters = std::min(left, unit.Room());
+            unit.Collect(sector, clusters);
+            left -= clusters;
+            sector += std::uint64_t{clusters} * Engine.VolumeParams.SectorsPerCluster;
+        }
+        ReportContentProgress(entry.Size);
+    }
+    return 1;
+}
+
+} // namespace thntfs

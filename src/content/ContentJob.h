@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+namespace thntfs {
+
+/// Bytes that the clusters of a volume can hold at the most: the volume's or the medium's size, whichever is
+/// more. What a record claims beyond that can't be true.
+std::uint64_t VolumeByteLimit();
+
+/// How many of `bytes` bytes from an absolute sector on lie behind the end of the medium.
+std::uint64_t BytesBehindMedium(std::uint64_t sector, std::uint64_t bytes);
+
+/// The gate between two pieces: true where a saving job has been stopped by ScanRunFlag. A preview runs outside
+/// a job and is never stopped.
+bool ContentStopped();
+
+/// Sets the progress pair to the bytes written of the file's size and reports it, but not from a preview.
+void ReportContentProgress(std::uint64_t size);
+
+} // namespace thntfs

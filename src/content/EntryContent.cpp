@@ -1,0 +1,150 @@
+#include "content/EntryContent.h"
+
+#include "catalogue/Catalogue.h"
+#include "content/ContentJob.h"
+#include "engine/DecodeRecord.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/RunList.h"
+#include "engine/SectorReader.h"
+
+#include <algorithm>
+#include <exception>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint16_t kFlagsCompressed = 1;
+constexpr std::uint32_t kClustersPerPiece = 16;
+constexpr std::size_t kMaxPieceBytes = 64U << 20U;
+
+using RecordBuffer = std::vector<std::uint8_t>;
+
+bool ReadCheckedRecord(RecordBuffer& record, std::uint64_t sector) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    std::fill(record.begin(), record.end(), std::uint8_t{0});
+    ReadSectors(record, sector);
+    return CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) != 0;
+}
+
+ListVisitor NodeCollector(ListHead<AttributeListNode>& nodes) {
+    return [&nodes](const AttributeListEntry& entry) {
+        if (!IsValidType(entry.Type())) {
+            return ListStep::End;
+        }
+        nodes.Append(MakeListNode(entry));
+        return ListStep::GoOn;
+    };
+}
+
+// The pieces of the data come out one behind the other in the order of the list.
+int WriteListedPieces(const CatalogueItem& entry, File& outputHandle, RecordBuffer& record) {
+    ListHead<AttributeListNode> nodes;
+    ReadAttributeList(record, nodes);
+    int result = 1;
+    for (const AttributeListNode* node = nodes.First(); node != nullptr; node = node->Next.get()) {
+        if (node->AttributeType != kTypeData) {
+            continue;
+        }
+        const auto sector = FindRecordSector(node->RecordNumber);
+        if (!sector) {
+            continue;
+        }
+        if (!ReadCheckedRecord(record, *sector)) {
+            return 0;
+        }
+        result = WriteDataAttribute(entry, outputHandle, record);
+    }
+    return result;
+}
+
+} // namespace
+
+int ReadEntryContent(const CatalogueItem& entry, File& outputHandle) try {
+    RecordBuffer record(Engine.VolumeParams.FileRecordBytes);
+    if (!ReadCheckedRecord(record, entry.RecordSector)) {
+        return 0;
+    }
+    if (HasAttributeList(record) == 0) {
+        return WriteDataAttribute(entry, outputHandle, record);
+    }
+    return WriteListedPieces(entry, outputHandle, record);
+} catch (const std::exception&) {
+    return 0;
+}
+
+int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record) {
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        if (attribute.Type() == kTypeEnd) {
+            break;
+        }
+        if (attribute.Type() != kTypeData || attribute.Named()) {
+            continue;
+        }
+        if (attribute.NonResident() == 0) {
+            return attribute.ValueLength() != 0 ? WriteCatalogue(outputHandle, attribute.Value()) : 1;
+        }
+        ListHead<MftExtent> runs;
+        DecodeRunList(record, attribute.RunListStart(), runs);
+        return attribute.Flags() == kFlagsCompressed
+                   ? WriteCompressedRuns(entry, outputHandle, runs, attribute.CompressionUnit())
+                   : WriteRuns(entry, outputHandle, runs);
+    }
+    return 1;
+}
+
+int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {
+    AttributeWalk walk(record);
+    walk.Next();
+    const Attribute list = walk.Current();
+    if (list.Type() != kTypeAttributeList) {
+        return 0;
+    }
+    if (list.NonResident() == 0) {
+        WalkResidentList(record, list, NodeCollector(nodes));
+        return 1;
+    }
+    ListHead<MftExtent> runs;
+    DecodeRunList(record, list.RunListStart(), runs);
+    WalkListClusters(runs, [&nodes](ConstBytes cluster) {
+        WalkListEntries(cluster, NodeCollector(nodes));
+        return true;
+    });
+    return 1;
+}
+
+int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs) {
+    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+    const std::uint64_t end = std::min(entry.Size, VolumeByteLimit());
+    if (clusterBytes == 0 || clusterBytes > kMaxPieceBytes / kClustersPerPiece) {
+        return 1;
+    }
+    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(kClustersPerPiece * clusterBytes));
+    for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
+        if (run->StartCluster == 0) {
+            continue; // a hole
+        }
+        std::uint64_t sector = SectorOfCluster(run->StartCluster);
+        std::uint32_t left = run->Clusters;
+        while (left > 0 && Engine.BytesWritten < end && !ContentStopped()) {
+            const std::uint32_t clusters = std::min(left, kClustersPerPiece);
+            left -= clusters;
+            Bytes piece(buffer.data(), static_cast<std::size_t>(clusters * clusterBytes));
+            std::fill(piece.begin(), piece.end(), std::uint8_t{0});
+            ReadSectors(piece, sector);
+            piece = piece.first(static_cast<std::size_t>(
+                std::min<std::uint64_t>(piece.size(), entry.Size - Engine.BytesWritten)));
+            Engine.BytesBehindEnd += BytesBehindMedium(sector, piece.size());
+            sector += std::uint64_t{clusters} * Engine.VolumeParams.SectorsPerCluster;
+            Engine.BytesWritten += piece.size();
+            WriteCatalogue(outputHandle, piece);
+            ReportContentProgress(entry.Size);
+        }
+    }
+    return 1;
+}
+
+} // namespace thntfs

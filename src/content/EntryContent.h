@@ -1,0 +1,32 @@
+#pragma once
+
+#include "catalogue/CatalogueReader.h"
+#include "engine/AttributeList.h"
+#include "platform/File.h"
+
+#include <cstdint>
+
+namespace thntfs {
+
+/// Writes an entry's unnamed data to an output file, from the medium, by RecordSector and Size. The caller has
+/// zeroed BytesWritten and BytesBehindEnd. Follows attribute lists and decompresses; holes add no bytes; the last
+/// unit of a compressed file isn't cut to the size. Gives 0 where the entry's record or an extension record fails
+/// its check, else not 0; what was written until then stays. In a job, clearing ScanRunFlag ends it.
+/// Passes CUserException on: a fatal read or a failed write, whose box has been shown.
+int ReadEntryContent(const CatalogueItem& entry, File& outputHandle);
+
+/// Writes the unnamed data attribute that one checked record holds. Gives 1.
+int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record);
+
+/// Decodes the attribute list of a checked record, which is taken to be its second attribute. Gives 1, or 0
+/// where that attribute is another.
+int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes);
+
+/// Writes the clusters of plain runs, up to the entry's size. Gives 1.
+int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs);
+
+/// Writes the data of compressed runs, unit by unit; a unit is ClusterBytes * 2^unitExponent bytes. Gives 1.
+int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs,
+                        unsigned unitExponent);
+
+} // namespace thntfs

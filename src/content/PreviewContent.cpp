@@ -1,0 +1,95 @@
+#include "content/PreviewContent.h"
+
+#include "engine/Attribute.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/RunList.h"
+#include "engine/SectorReader.h"
+#include "platform/Host.h"
+
+#include <algorithm>
+#include <new>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kMaxPreviewBytes = 0x1E00000;
+constexpr std::uint64_t kMaxClusterBytes = 64U << 20U;
+constexpr std::uint16_t kFlagsCompressed = 1;
+
+void CopyValue(ConstBytes value) {
+    const std::size_t bytes = std::min(value.size(), Engine.PreviewBuffer.size());
+    std::copy_n(value.begin(), bytes, Engine.PreviewBuffer.begin());
+    Engine.PreviewLength += bytes;
+}
+
+// Reads cluster by cluster up to the entry's size; holes add nothing.
+void ReadRunsToPreviewBuffer(const CatalogueItem& entry, const ListHead<MftExtent>& runs) {
+    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+    for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
+        for (std::uint32_t i = 0; run->StartCluster != 0 && i < run->Clusters; ++i) {
+            const Bytes place = Bytes(Engine.PreviewBuffer)
+                                    .subspan(static_cast<std::size_t>(Engine.PreviewLength),
+                                             static_cast<std::size_t>(clusterBytes));
+            ReadSectors(place, SectorOfCluster(run->StartCluster + i));
+            Engine.PreviewLength = std::min(Engine.PreviewLength + clusterBytes, entry.Size);
+            if (Engine.PreviewLength == entry.Size) {
+                return;
+            }
+        }
+    }
+}
+
+// The first data attribute, named or not.
+void TakeData(const CatalogueItem& entry, ConstBytes record, const Attribute& data) {
+    if (data.NonResident() == 0) {
+        if (!data.Named()) {
+            CopyValue(data.Value());
+        }
+    } else if (data.Flags() == kFlagsCompressed) {
+        Host().MessageBox("Preview not available", "Compressed data", BoxIcon::Warning);
+    } else {
+        ListHead<MftExtent> runs;
+        DecodeRunList(record, data.RunListStart(), runs);
+        ReadRunsToPreviewBuffer(entry, runs);
+    }
+}
+
+int FillPreviewBuffer(const CatalogueItem& entry) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    std::vector<std::uint8_t> record(volume.FileRecordBytes);
+    ReadSectors(record, entry.RecordSector);
+    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        return 0;
+    }
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        if (attribute.Type() == kTypeEnd) {
+            break;
+        }
+        if (attribute.Type() == kTypeData) {
+            TakeData(entry, record, attribute);
+            break;
+        }
+    }
+    return 1;
+}
+
+} // namespace
+
+int LoadPreviewBuffer(const CatalogueItem& entry) try {
+    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+    if (entry.Size == 0 || entry.Size > kMaxPreviewBytes || clusterBytes == 0 || clusterBytes > kMaxClusterBytes) {
+        return 0;
+    }
+    Engine.PreviewLength = 0;
+    Engine.PreviewBuffer.assign(static_cast<std::size_t>((entry.Size / clusterBytes + 1) * clusterBytes), 0);
+    FillPreviewBuffer(entry);
+    return 1;
+} catch (const std::bad_alloc&) {
+    Engine.PreviewBuffer.clear();
+    return 0;
+}
+
+} // namespace thntfs

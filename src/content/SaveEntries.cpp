@@ -1,0 +1,261 @@
+#include "content/SaveEntries.h"
+
+#include "catalogue/EntryWalk.h"
+#include "content/EntryContent.h"
+#include "content/TargetName.h"
+#include "engine/EngineState.h"
+#include "platform/Text.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kRootEntryId = 1;
+constexpr std::uint16_t kFlagSparse = 0x200;
+constexpr std::uint16_t kFlagCompressed = 0x800;
+
+/// An output file that counts what goes into it and keeps the code of a failed write.
+class CountingFile : public File {
+public:
+    explicit CountingFile(File& inner)
+        : inner_(inner) {}
+
+    ErrorCode Write(ConstBytes bytes) override {
+        Failure = inner_.Write(bytes);
+        if (Failure == kErrorNone) {
+            Written += bytes.size();
+        }
+        return Failure;
+    }
+    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override { return inner_.WriteAt(offset, bytes); }
+    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
+        return inner_.ReadAt(offset, buffer, got);
+    }
+    ErrorCode Size(std::uint64_t& bytes) override { return inner_.Size(bytes); }
+    ErrorCode Sync() override { return inner_.Sync(); }
+
+    std::uint64_t Written = 0;
+    ErrorCode Failure = kErrorNone;
+
+private:
+    File& inner_;
+};
+
+bool IsSeed(const CatalogueItem& item) { return item.EntryId <= kRootEntryId; }
+
+} // namespace
+
+EntrySaver::EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& listener, bool deletedOnly)
+    : listener_(listener)
+    , deletedOnly_(deletedOnly) {
+    levels_.emplace_back();
+    levels_.front().Handle = std::move(target);
+}
+
+void EntrySaver::Save(const LocatedEntry& entry) {
+    levels_.resize(1);
+    for (const std::u16string& folder : entry.Folders) {
+        levels_.emplace_back().Name = folder;
+    }
+    try {
+        if (entry.Item.IsFolder()) {
+            SaveBelow(entry);
+        } else if (Wanted(entry.Item)) {
+            SaveFile(entry.Item, entry.Path);
+        }
+    } catch (const CUserException&) {
+        totals_.Stopped = true; // the user has seen the box; what comes after would fail the same way
+    }
+}
+
+void EntrySaver::SaveBelow(const LocatedEntry& entry) {
+    if (!IsSeed(entry.Item)) {
+        EnterFolder(entry.Item, entry.Path);
+    }
+    const std::size_t base = levels_.size();
+    EntryWalk walk(entry.Item.BlockOffset, entry.Path == "/" ? "" : entry.Path, entry.Item.EntryId == 0);
+    while (walk.Next()) {
+        if (Engine.ScanRunFlag == 0) {
+            totals_.Stopped = true;
+            return;
+        }
+        levels_.resize(base + walk.Depth());
+        if (walk.Item().IsFolder()) {
+            EnterFolder(walk.Item(), walk.Path());
+        } else if (Wanted(walk.Item())) {
+            SaveFile(walk.Item(), walk.Path());
+        }
+    }
+}
+
+// Lost folders have no record of their own: they stand for a name that isn't known, and are made only for what
+// is in them.
+void EntrySaver::EnterFolder(const CatalogueItem& item, const std::string& path) {
+    Level& level = levels_.emplace_back();
+    level.Name = item.Name;
+    level.Transparent = item.EntryId == kRootEntryId;
+    const bool lost = item.RecordSector == 0;
+    if (!level.Transparent && Wanted(item) && !(deletedOnly_ && lost)) {
+        OpenLevel(path);
+    }
+}
+
+void EntrySaver::SaveFile(const CatalogueItem& item, const std::string& path) {
+    Level* folder = OpenLevel(path);
+    if (folder == nullptr) {
+        Fail(path, "its folder could not be made");
+        return;
+    }
+    if (!HasRoom(item, path)) {
+        return;
+    }
+    std::string name;
+    std::unique_ptr<File> file;
+    const ErrorCode code = CreateFileIn(*folder, item, path, name, file);
+    if (code != kErrorNone) {
+        Fail(path, SystemErrorText(code));
+        return;
+    }
+    WriteContent(item, path, name, *file);
+}
+
+void EntrySaver::WriteContent(const CatalogueItem& item, const std::string& path, const std::string& name,
+                              File& file) {
+    CountingFile counted(file);
+    Engine.BytesWritten = 0;
+    Engine.BytesBehindEnd = 0;
+    const std::uint64_t failedReads = Engine.FailedReads;
+    int result = 0;
+    try {
+        result = ReadEntryContent(item, counted);
+    } catch (const CUserException&) {
+        Abandon(path, name,
+                counted.Failure != kErrorNone ? SystemErrorText(counted.Failure) : "the medium could not be read");
+        if (counted.Failure == kErrorNone) {
+            throw;
+        }
+        return;
+    }
+    if (Engine.ScanRunFlag == 0) {
+        Abandon(path, name, "stopped");
+    } else if (result == 0 && counted.Written == 0) {
+        Abandon(path, name, "its file record is damaged");
+    } else if (result == 0) {
+        Fail(path, "a record of its data is damaged; the first " + std::to_string(counted.Written) +
+                       " bytes were saved");
+    } else {
+        FinishFile(item, path, counted.Written, Engine.FailedReads - failedReads);
+    }
+}
+
+void EntrySaver::FinishFile(const CatalogueItem& item, const std::string& path, std::uint64_t written,
+                            std::uint64_t failedReads) {
+    ++totals_.Files;
+    totals_.Bytes += written;
+    if (failedReads != 0 || Engine.BytesBehindEnd != 0) {
+        ++totals_.Damaged;
+    }
+    if (failedReads != 0) {
+        listener_.Warned(path, std::to_string(failedReads) + " reads failed; what could not be read is zeros");
+    }
+    if (Engine.BytesBehindEnd != 0) {
+        listener_.Warned(path, std::to_string(Engine.BytesBehindEnd) +
+                                   " bytes lie behind the end of the medium and are zeros");
+    }
+    if (written < item.Size) {
+        listener_.Warned(path, "saved " + std::to_string(written) + " of " + std::to_string(item.Size) +
+                                   " bytes; holes and missing clusters are left out");
+    } else if (written > item.Size) {
+        listener_.Warned(path, "saved " + std::to_string(written) + " bytes, more than its size of " +
+                                   std::to_string(item.Size) + "; the rest of its last unit is kept");
+    }
+}
+
+// Takes back a file that isn't worth keeping.
+void EntrySaver::Abandon(const std::string& path, const std::string& name, const std::string& reason) {
+    if (Level* folder = OpenLevel(path); folder != nullptr) {
+        folder->Handle->DeleteFile(name);
+    }
+    Fail(path, reason);
+}
+
+void EntrySaver::Fail(const std::string& path, const std::string& reason) {
+    ++totals_.Failed;
+    listener_.Failed(path, reason);
+}
+
+// A file with holes or compressed data may need less room than its size.
+bool EntrySaver::HasRoom(const CatalogueItem& item, const std::string& path) {
+    const auto room = levels_.front().Handle->FreeBytes();
+    if (!room || item.Size <= *room || (item.Flags & (kFlagSparse | kFlagCompressed)) != 0) {
+        return true;
+    }
+    Fail(path, "it needs " + std::to_string(item.Size) + " bytes and the target has room for " +
+                   std::to_string(*room));
+    return false;
+}
+
+// The innermost level, made together with those above it; null where one can't be.
+EntrySaver::Level* EntrySaver::OpenLevel(const std::string& path) {
+    Level* above = &levels_.front();
+    for (std::size_t i = 1; i < levels_.size(); ++i) {
+        Level& level = levels_[i];
+        if (level.Transparent) {
+            continue;
+        }
+        if (!level.Tried) {
+            level.Tried = true;
+            if (const ErrorCode code = MakeLevel(level, *above, path); code != kErrorNone) {
+                Fail(path, "folder " + NarrowText(level.Name) + ": " + SystemErrorText(code));
+            }
+        }
+        if (level.Handle == nullptr) {
+            return nullptr;
+        }
+        above = &level;
+    }
+    return above;
+}
+
+ErrorCode EntrySaver::MakeLevel(Level& level, Level& above, const std::string& path) {
+    const std::string plain = TargetName(level.Name);
+    std::string name = plain;
+    ErrorCode code = above.Handle->MakeSubfolder(name, level.Handle);
+    while (code == kErrorFileExists) {
+        name = NextName(above, plain);
+        code = above.Handle->MakeSubfolder(name, level.Handle);
+    }
+    if (code == kErrorNone) {
+        ++totals_.Folders;
+        TellName(path, level.Name, name);
+    }
+    return code;
+}
+
+ErrorCode EntrySaver::CreateFileIn(Level& level, const CatalogueItem& item, const std::string& path,
+                                   std::string& name, std::unique_ptr<File>& file) {
+    const std::string plain = TargetName(item.Name);
+    name = plain;
+    ErrorCode code = level.Handle->CreateFile(name, file);
+    while (code == kErrorFileExists) {
+        name = NextName(level, plain);
+        code = level.Handle->CreateFile(name, file);
+    }
+    if (code == kErrorNone) {
+        TellName(path, item.Name, name);
+    }
+    return code;
+}
+
+std::string EntrySaver::NextName(Level& level, const std::string& name) {
+    unsigned& next = level.NextNumbers.try_emplace(name, 2U).first->second;
+    return NumberedName(name, next++);
+}
+
+void EntrySaver::TellName(const std::string& path, std::u16string_view name, const std::string& targetName) {
+    if (NarrowText(name) != targetName) {
+        listener_.Renamed(path, targetName);
+    }
+}
+
+} // namespace thntfs

@@ -1,0 +1,83 @@
+#include "content/TargetName.h"
+
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::size_t kMaxExtensionBytes = 32;
+
+// Names that mean a device to systems which the saved files may be taken to.
+constexpr std::array<std::string_view, 4> kDeviceNames = {"CON", "PRN", "AUX", "NUL"};
+constexpr std::array<std::string_view, 2> kNumberedDeviceNames = {"COM", "LPT"};
+
+bool IsForbidden(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7F || std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos;
+}
+
+bool IsDeviceName(const std::string& name) {
+    std::string stem = name.substr(0, name.find('.'));
+    std::transform(stem.begin(), stem.end(), stem.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    if (std::find(kDeviceNames.begin(), kDeviceNames.end(), stem) != kDeviceNames.end()) {
+        return true;
+    }
+    return stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' &&
+           std::find(kNumberedDeviceNames.begin(), kNumberedDeviceNames.end(), stem.substr(0, 3)) !=
+               kNumberedDeviceNames.end();
+}
+
+// Cuts text to a number of bytes without leaving a part of a character behind.
+std::string CutText(const std::string& text, std::size_t bytes) {
+    if (text.size() <= bytes) {
+        return text;
+    }
+    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0U) == 0x80U) {
+        --bytes;
+    }
+    return text.substr(0, bytes);
+}
+
+struct NameParts {
+    std::string Stem;
+    std::string Extension; ///< with its dot; empty where there is none worth keeping
+};
+
+NameParts SplitName(const std::string& name) {
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string::npos || dot == 0 || name.size() - dot > kMaxExtensionBytes) {
+        return {name, ""};
+    }
+    return {name.substr(0, dot), name.substr(dot)};
+}
+
+std::string JoinWithin(const NameParts& parts, const std::string& between) {
+    return CutText(parts.Stem, kMaxTargetNameBytes - between.size() - parts.Extension.size()) + between +
+           parts.Extension;
+}
+
+} // namespace
+
+std::string TargetName(std::u16string_view name) {
+    std::string safe = NarrowText(name);
+    std::replace_if(safe.begin(), safe.end(), IsForbidden, '_');
+    if (safe.find_first_not_of('.') == std::string::npos) {
+        safe.assign(std::max<std::size_t>(safe.size(), 1), '_'); // "", "." and ".." among them
+    }
+    if (IsDeviceName(safe)) {
+        safe.insert(0, "_");
+    }
+    return JoinWithin(SplitName(safe), "");
+}
+
+std::string NumberedName(const std::string& name, unsigned number) {
+    return JoinWithin(SplitName(name), " (" + std::to_string(number) + ")");
+}
+
+} // namespace thntfs

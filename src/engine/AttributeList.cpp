@@ -1,0 +1,61 @@
+#include "engine/AttributeList.h"
+
+#include "engine/EngineState.h"
+#include "engine/SectorReader.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint16_t kMinEntryBytes = 24;
+constexpr std::uint64_t kMaxListBytes = 1U << 20U;
+
+} // namespace
+
+std::unique_ptr<AttributeListNode> MakeListNode(const AttributeListEntry& entry) {
+    auto node = std::make_unique<AttributeListNode>();
+    node->AttributeType = entry.Type();
+    node->StartVcn = entry.StartVcn();
+    node->RecordNumber = entry.RecordNumber();
+    node->AttributeId = entry.AttributeId();
+    return node;
+}
+
+void WalkListEntries(ConstBytes bytes, const ListVisitor& visit) {
+    while (!bytes.empty()) {
+        const AttributeListEntry entry(bytes);
+        if (visit(entry) == ListStep::End || entry.Length() < kMinEntryBytes) {
+            return;
+        }
+        bytes = Part(bytes, entry.Length(), bytes.size());
+    }
+}
+
+void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisitor& visit) {
+    if (list.ValueOffset() < list.Length()) {
+        WalkListEntries(Part(record, list.ValueStart(), list.Length() - list.ValueOffset()), visit);
+    }
+}
+
+void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(ConstBytes)>& visit) {
+    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+    if (clusterBytes == 0 || clusterBytes > kMaxListBytes) {
+        return;
+    }
+    std::uint64_t clustersLeft = kMaxListBytes / clusterBytes;
+    std::vector<std::uint8_t> cluster(static_cast<std::size_t>(clusterBytes));
+    for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
+        for (std::uint64_t i = 0; i < run->Clusters && clustersLeft > 0; ++i, --clustersLeft) {
+            std::fill(cluster.begin(), cluster.end(), std::uint8_t{0});
+            ReadSectors(cluster, SectorOfCluster(run->StartCluster + i));
+            if (!visit(cluster)) {
+                return;
+            }
+        }
+    }
+}
+
+} // namespace thntfs

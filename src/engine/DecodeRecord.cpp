@@ -1,0 +1,263 @@
+#include "engine/DecodeRecord.h"
+
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/RunList.h"
+#include "engine/SectorReader.h"
+#include "platform/Dates.h"
+
+#include <algorithm>
+#include <new>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint8_t kNamespaceDos = 2;
+constexpr std::uint64_t kNamespaceInAttribute = 89; // where it stands when the value starts at 24
+constexpr std::uint32_t kMinIndexBytes = 40;        // an index root of this size holds no key
+
+constexpr std::array<std::u16string_view, 11> kMetafileNames = {
+    u"$MFT", u"$MFTMirr", u"$LogFile", u"$Volume", u"$AttrDef", u".",
+    u"$Bitmap", u"$Boot", u"$BadClus", u"$Secure", u"$UpCase"};
+
+bool IsMetafileName(std::u16string_view name) {
+    if (name.empty() || (name.front() != u'$' && name.front() != u'.')) {
+        return false;
+    }
+    return std::find(kMetafileNames.begin(), kMetafileNames.end(), name) != kMetafileNames.end();
+}
+
+// The catalogue's own two bits, from the in-use and directory bits of the record.
+std::uint16_t CatalogueFlags(std::uint16_t attributeBits, bool inUse, bool directory) {
+    std::uint16_t flags = attributeBits;
+    if (inUse) {
+        flags |= kFlagLive;
+    }
+    if (directory) {
+        flags |= kFlagFolder;
+    } else {
+        flags &= static_cast<std::uint16_t>(~kFlagFolder);
+    }
+    return flags;
+}
+
+void TakeStandardInformation(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
+    const std::uint64_t value = attribute.ValueStart();
+    entry.CreatedDate = DosDateOfFileTime(U64At(record, value));
+    entry.AccessedDate = DosDateOfFileTime(U64At(record, value + 24));
+    entry.Flags = CatalogueFlags(U16At(record, value + 32), IsInUse(record), IsDirectory(record));
+}
+
+// Every child of a folder names the folder as its parent, so the first key of the index tells the folder's own
+// number. It is the only source of that number in an older-form record.
+void TakeNumberFromIndex(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
+    const std::uint64_t value = attribute.ValueStart();
+    const std::uint32_t indexBytes = U32At(record, value + 20);
+    if (U32At(record, value) == kTypeFileName && indexBytes == U32At(record, value + 24) &&
+        indexBytes > kMinIndexBytes) {
+        entry.RecordNumber = U32At(record, value + 48);
+    }
+}
+
+bool FollowResidentList(ConstBytes record, const Attribute& list, DecodedEntry& entry) {
+    int result = 0;
+    WalkResidentList(record, list, [&](const AttributeListEntry& listEntry) {
+        const std::uint32_t type = listEntry.Type();
+        if (type == kTypeFileName) {
+            result = ReadExtensionName(listEntry, entry);
+            return result != 0 ? ListStep::GoOn : ListStep::End;
+        }
+        if (type == kTypeData && listEntry.StartVcn() == 0 && !listEntry.Named()) {
+            result = ReadExtensionSize(listEntry, entry);
+            return ListStep::End;
+        }
+        return type > kTypeData ? ListStep::End : ListStep::GoOn;
+    });
+    return result != 0;
+}
+
+bool FollowAttributeList(ConstBytes record, const Attribute& list, DecodedEntry& entry) {
+    if (list.NonResident() == 0) {
+        return FollowResidentList(record, list, entry);
+    }
+    ListHead<MftExtent> runs;
+    DecodeRunList(record, list.RunListStart(), runs);
+    return DecodeFromListRuns(runs, entry) != 0;
+}
+
+// Handles one attribute; false ends the walk.
+bool TakeAttribute(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
+    switch (attribute.Type()) {
+    case kTypeEnd:
+        return false;
+    case kTypeStandardInformation:
+        TakeStandardInformation(record, attribute, entry);
+        return true;
+    case kTypeAttributeList:
+        // A folder's index root still lies ahead, behind the list.
+        return FollowAttributeList(record, attribute, entry) && IsDirectory(record);
+    case kTypeFileName:
+        if (U8At(record, attribute.Offset() + kNamespaceInAttribute) != kNamespaceDos) {
+            TakeName(record, attribute.ValueStart(), entry);
+        }
+        return true;
+    case kTypeData:
+        if (attribute.Named()) {
+            return true;
+        }
+        entry.Size = attribute.NonResident() != 0 ? attribute.RealBytes() : attribute.ValueLength();
+        return false;
+    case kTypeIndexRoot:
+        TakeNumberFromIndex(record, attribute, entry);
+        return false;
+    default:
+        return true;
+    }
+}
+
+// Reads and checks the record that a list entry names; empty where it can't be had.
+std::vector<std::uint8_t> ReadListedRecord(const AttributeListEntry& listEntry) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    const auto sector = FindRecordSector(listEntry.RecordNumber());
+    if (!sector) {
+        return {};
+    }
+    std::vector<std::uint8_t> record(volume.FileRecordBytes);
+    ReadSectors(record, *sector);
+    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        return {};
+    }
+    return record;
+}
+
+void TakeExtensionSize(const Attribute& data, DecodedEntry& entry) {
+    if (data.NonResident() == 0) {
+        // The low half alone is replaced.
+        entry.Size = (entry.Size & 0xFFFFFFFF00000000U) | data.ValueLength();
+    } else {
+        entry.Size = data.RealBytes();
+    }
+}
+
+bool HoldsFirstPiece(const Attribute& data) {
+    if (data.NonResident() == 0) {
+        return data.ValueLength() != 0;
+    }
+    return data.LastCluster() != ~std::uint64_t{0} && data.RealBytes() != 0 && data.FirstCluster() == 0;
+}
+
+} // namespace
+
+void DecodedEntry::SetName(std::u16string_view name) {
+    NameLength = static_cast<std::uint16_t>(std::min(name.size(), kNameUnits));
+    std::copy_n(name.data(), NameLength, NameBuffer.data());
+}
+
+void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry) {
+    entry.ParentNumber = U32At(bytes, valueStart);
+    entry.NameLength = U8At(bytes, valueStart + 64);
+    const ConstBytes units = Part(bytes, valueStart + 66, 2U * entry.NameLength);
+    std::memcpy(entry.NameBuffer.data(), units.data(), units.size());
+    if (units.size() < 2U * entry.NameLength) {
+        std::fill(entry.NameBuffer.begin() + static_cast<std::ptrdiff_t>(units.size() / 2),
+                  entry.NameBuffer.begin() + entry.NameLength, u'\0');
+    }
+}
+
+int DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
+    try {
+        for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+            if (!TakeAttribute(record, walk.Current(), entry)) {
+                break;
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        // What has been decoded so far counts.
+    }
+    if (IsMetafileName(entry.Name()) || entry.RecordNumber == entry.ParentNumber) {
+        entry.ClearName();
+        return 0;
+    }
+    return 1;
+}
+
+std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (volume.SectorsPerFileRecord == 0) {
+        return std::nullopt;
+    }
+    std::uint64_t before = 0;
+    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr; extent = extent->Next.get()) {
+        const std::uint32_t records = extent->Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
+        if (recordNumber - before < records) {
+            return SectorOfCluster(extent->StartCluster) + (recordNumber - before) * volume.SectorsPerFileRecord;
+        }
+        before += records;
+        if (before > recordNumber) {
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+int ReadExtensionName(const AttributeListEntry& listEntry, DecodedEntry& entry) try {
+    int result = 0;
+    const std::vector<std::uint8_t> record = ReadListedRecord(listEntry);
+    for (AttributeWalk walk(record); walk.Valid() && walk.Current().Type() <= kTypeFileName; walk.Next()) {
+        if (walk.Current().Type() == kTypeFileName) {
+            TakeName(record, walk.Current().ValueStart(), entry);
+            result = 1;
+        }
+    }
+    return result;
+} catch (const std::bad_alloc&) {
+    return 0;
+}
+
+int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry) try {
+    const std::vector<std::uint8_t> record = ReadListedRecord(listEntry);
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        if (attribute.Type() != kTypeData) {
+            continue;
+        }
+        if (!HoldsFirstPiece(attribute)) {
+            return 0;
+        }
+        TakeExtensionSize(attribute, entry);
+        return 1;
+    }
+    return 0;
+} catch (const std::bad_alloc&) {
+    return 0;
+}
+
+int DecodeFromListRuns(const ListHead<MftExtent>& runs, DecodedEntry& entry) {
+    int result = 0;
+    try {
+        WalkListClusters(runs, [&](ConstBytes cluster) {
+            WalkListEntries(cluster, [&](const AttributeListEntry& listEntry) {
+                const std::uint32_t type = listEntry.Type();
+                if (!IsValidType(type) || type > kTypeData) {
+                    return ListStep::End;
+                }
+                if (type == kTypeFileName) {
+                    result = ReadExtensionName(listEntry, entry);
+                }
+                if (type == kTypeData && listEntry.StartVcn() == 0 && !listEntry.Named()) {
+                    result = ReadExtensionSize(listEntry, entry);
+                    return ListStep::End;
+                }
+                return ListStep::GoOn;
+            });
+            return result == 0;
+        });
+    } catch (const std::bad_alloc&) {
+        // What has been read so far counts.
+    }
+    return result;
+}
+
+} // namespace thntfs

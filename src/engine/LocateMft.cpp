@@ -1,0 +1,177 @@
+#include "engine/LocateMft.h"
+
+#include "engine/AttributeList.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/RunList.h"
+#include "engine/SectorReader.h"
+
+#include <algorithm>
+#include <new>
+#include <optional>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+using RecordBuffer = std::vector<std::uint8_t>;
+
+void ReadRecord(RecordBuffer& record, std::uint64_t sector) {
+    std::fill(record.begin(), record.end(), std::uint8_t{0});
+    ReadSectors(record, sector);
+}
+
+bool ReadMftRecord(RecordBuffer& record, std::uint64_t sector) {
+    ReadRecord(record, sector);
+    return IsMftRecord(record, Engine.VolumeParams.FileRecordBytes) != 0;
+}
+
+bool SearchMftRecord(RecordBuffer& record) {
+    VolumeParams& volume = Engine.VolumeParams;
+    const std::uint64_t table = SectorOfCluster(volume.MftCluster);
+    const std::uint64_t mirror = SectorOfCluster(volume.MftMirrCluster);
+    for (std::uint64_t i = 0; i < volume.SectorsPerCluster; ++i) {
+        for (const std::uint64_t sector : {table + i, mirror + i}) {
+            if (ReadMftRecord(record, sector)) {
+                volume.MftSector = sector;
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+std::uint32_t RecordsInClusters(std::uint32_t clusters) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (volume.SectorsPerCluster == 1 || volume.SectorsPerFileRecord == 0) {
+        return clusters;
+    }
+    return clusters * (std::uint32_t{volume.SectorsPerCluster} / volume.SectorsPerFileRecord);
+}
+
+// Keeps the entries of data attributes. In the clusters of a non-resident list, unlike in a resident one, an
+// invalid type is the padding behind the last entry.
+ListVisitor DataNodeCollector(bool invalidTypeEnds, ListHead<AttributeListNode>& nodes) {
+    return [invalidTypeEnds, &nodes](const AttributeListEntry& entry) {
+        const std::uint32_t type = entry.Type();
+        if (type > kTypeData || (invalidTypeEnds && !IsValidType(type))) {
+            return ListStep::End;
+        }
+        if (type == kTypeData) {
+            nodes.Append(MakeListNode(entry));
+        }
+        return ListStep::GoOn;
+    };
+}
+
+// Whatever goes wrong on the way, the nodes collected so far are used.
+ListHead<AttributeListNode> ReadTableAttributeList(ConstBytes record, const Attribute& list) {
+    ListHead<AttributeListNode> nodes;
+    try {
+        if (list.NonResident() == 0) {
+            WalkResidentList(record, list, DataNodeCollector(false, nodes));
+        } else {
+            ListHead<MftExtent> runs;
+            DecodeRunList(record, list.RunListStart(), runs);
+            WalkListClusters(runs, [&nodes](ConstBytes cluster) {
+                WalkListEntries(cluster, DataNodeCollector(true, nodes));
+                return true;
+            });
+        }
+    } catch (const CUserException&) {
+    } catch (const std::bad_alloc&) {
+    }
+    return nodes;
+}
+
+std::optional<Attribute> FindAttribute(ConstBytes record, std::uint32_t type, std::uint16_t id) {
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        if (attribute.Type() == kTypeEnd) {
+            break;
+        }
+        if (attribute.Type() == type && attribute.Id() == id) {
+            return attribute;
+        }
+    }
+    return std::nullopt;
+}
+
+// Each node leads to an extension record. They are expected in the first run of the table, since the runs
+// aren't known yet.
+void CollectMftExtents(const ListHead<AttributeListNode>& nodes) try {
+    VolumeParams& volume = Engine.VolumeParams;
+    RecordBuffer record(volume.FileRecordBytes);
+    for (const AttributeListNode* node = nodes.First(); node != nullptr; node = node->Next.get()) {
+        ReadRecord(record, SectorOfCluster(volume.MftCluster) +
+                               std::uint64_t{node->RecordNumber} * volume.SectorsPerFileRecord);
+        if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+            continue;
+        }
+        const auto piece = FindAttribute(record, node->AttributeType, node->AttributeId);
+        if (!piece) {
+            continue;
+        }
+        const auto clusters = static_cast<std::uint32_t>(piece->LastCluster() - piece->FirstCluster() + 1);
+        volume.MftRecordCount += RecordsInClusters(clusters);
+        DecodeRunList(record, piece->RunListStart(), volume.MftExtents);
+    }
+} catch (const CUserException&) {
+} catch (const std::bad_alloc&) {
+}
+
+void TakeExtentsOfData(ConstBytes record, const Attribute& data) {
+    VolumeParams& volume = Engine.VolumeParams;
+    volume.MftRecordCount = RecordsInClusters(static_cast<std::uint32_t>(data.LastCluster()) + 1);
+    DecodeRunList(record, data.RunListStart(), volume.MftExtents);
+}
+
+// The first attribute is passed over unseen. The second, if it is an attribute list, decides; otherwise the
+// first data attribute from the third on does.
+void DecodeTableRuns(ConstBytes record) {
+    AttributeWalk walk(record);
+    walk.Next();
+    const Attribute second = walk.Current();
+    if (second.Type() == kTypeAttributeList) {
+        CollectMftExtents(ReadTableAttributeList(record, second));
+        return;
+    }
+    for (walk.Next(); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        if (attribute.Type() == kTypeData) {
+            TakeExtentsOfData(record, attribute);
+            return;
+        }
+        if (attribute.Type() == 0 || attribute.Type() > kTypeData) {
+            return;
+        }
+    }
+}
+
+void FindAndDecodeTable() {
+    VolumeParams& volume = Engine.VolumeParams;
+    RecordBuffer record(volume.FileRecordBytes);
+    if ((volume.MftSector != 0 && ReadMftRecord(record, volume.MftSector)) || SearchMftRecord(record)) {
+        DecodeTableRuns(record);
+    }
+}
+
+} // namespace
+
+int LocateMft() {
+    VolumeParams& volume = Engine.VolumeParams;
+    volume.MftExtents.Clear();
+    volume.MftRecordCount = 0;
+    if (volume.MftCluster == 0 || volume.FileRecordBytes == 0 || volume.SectorsPerCluster == 0) {
+        return 0;
+    }
+    try {
+        FindAndDecodeTable();
+    } catch (const CUserException&) {
+    } catch (const std::exception&) {
+    }
+    return volume.MftExtents.Empty() ? 0 : 1;
+}
+
+} // namespace thntfs

@@ -1,0 +1,83 @@
+#include "engine/SectorReader.h"
+
+#include "engine/EngineState.h"
+#include "platform/Host.h"
+
+#include <algorithm>
+#include <array>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kStampedSectorSizeOffset = 444;
+
+bool PassesOver(ErrorCode code) {
+    return code == kErrorNone || code == kErrorCrc || code == kErrorSectorNotFound || code == kErrorIoDevice;
+}
+
+void ReportFailedRead(std::uint64_t sector, ErrorCode code) {
+    ProcessLogEntry entry;
+    entry.Name = "Drive access error @ sector =" + std::to_string(sector) + " (Code =" + std::to_string(code) + ")";
+    entry.Description = SystemErrorText(code);
+    entry.Status = kLogFailed;
+    Host().LogEvent(entry);
+}
+
+ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
+    const std::size_t sectorBytes = Engine.SourceDisk.BytesPerSector;
+    if (sectorBytes == 0) {
+        return code;
+    }
+    std::uint64_t sector = firstSector;
+    for (std::size_t position = 0; position < buffer.size(); position += sectorBytes, ++sector) {
+        Host().PassGate();
+        if (Engine.ScanRunFlag == 0) {
+            return kErrorNone;
+        }
+        if (!PassesOver(code)) {
+            RaiseFatal(code);
+        }
+        if (code == kErrorIoDevice) {
+            Host().PauseOneSecond();
+        }
+        const std::size_t bytes = std::min(sectorBytes, buffer.size() - position);
+        code = ReadSectorsOnce(buffer.subspan(position, bytes), sector);
+    }
+    return code;
+}
+
+} // namespace
+
+void RaiseFatal(ErrorCode code) {
+    Host().ErrorBox(SystemErrorText(code));
+    throw CUserException();
+}
+
+ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector) {
+    const DiskRecord& disk = Engine.SourceDisk;
+    const ErrorCode code = disk.MediaHandle == nullptr
+                               ? kErrorInvalidHandle
+                               : disk.MediaHandle->ReadAt(firstSector * disk.BytesPerSector, buffer);
+    if (code != kErrorNone) {
+        ++Engine.FailedReads;
+        ReportFailedRead(firstSector, code);
+    }
+    return code;
+}
+
+ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector) {
+    const ErrorCode code = ReadSectorsOnce(buffer, firstSector);
+    if (code == kErrorNone || buffer.empty()) {
+        return code;
+    }
+    return WalkSectors(buffer, firstSector, code);
+}
+
+void ProbeImageSectorSize() {
+    std::array<std::uint8_t, 512> sector{};
+    ReadSectors(sector, 0);
+    Engine.SourceDisk.BytesPerSector = U16At(sector, kStampedSectorSizeOffset);
+}
+
+} // namespace thntfs

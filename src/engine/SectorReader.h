@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/Bytes.h"
+#include "platform/ErrorCodes.h"
+
+#include <cstdint>
+
+namespace thntfs {
+
+/// The one road by which the engine reads the medium. Sector N begins at byte N * SourceDisk.BytesPerSector.
+///
+/// Reads buffer.size() bytes at `firstSector`. The caller clears the buffer before each call: a sector that
+/// can't be read stays as it was, and so does what lies behind the end of the medium.
+///
+/// In a job (ScanRunFlag set) a failed request is walked sector by sector; codes 23 and 27 pass a bad sector
+/// over, 1117 costs a second's pause first. Outside a job a failed request is given up with status 0.
+/// Gives 0 or the code that the last single-sector read left.
+/// Throws CUserException, after a box with the system's text, on any other code.
+ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector);
+
+/// One attempt at a read. A failure leaves a line in the process log. Never throws.
+ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);
+
+/// Shows the system's text for a code in a blocking box and throws CUserException.
+[[noreturn]] void RaiseFatal(ErrorCode code);
+
+/// Takes the sector size of an image that has just been opened from the 16-bit word at byte 444 of its first
+/// 512 bytes, where the image writer leaves it. An image that can't be read gives 0.
+void ProbeImageSectorSize();
+
+} // namespace thntfs

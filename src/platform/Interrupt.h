@@ -1,0 +1,18 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace thntfs {
+
+/// From now on the first interrupt (Ctrl+C, a request to end, the terminal closed) stores 0 to the flag; the
+/// next one ends the program at once. What the program was started to ignore stays ignored. The flag must
+/// live as long as the program. A later call starts anew, with another flag if need be.
+///
+/// Writing to a pipe that nobody reads any more fails with kErrorBrokenPipe instead of ending the program.
+void OnInterrupt(std::atomic<std::uint32_t>& flag);
+
+/// True since the first interrupt after OnInterrupt.
+bool WasInterrupted();
+
+} // namespace thntfs

@@ -1,0 +1,135 @@
+#include "scans/BasicScan.h"
+
+#include "catalogue/Catalogue.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/SectorReader.h"
+#include "platform/Host.h"
+#include "scans/RecordCataloguing.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kBatchSectors = 128;
+
+class TableWalk {
+public:
+    TableWalk()
+        : batchRecords_(std::max(1U, kBatchSectors / Engine.VolumeParams.SectorsPerFileRecord))
+        , batch_(std::size_t{batchRecords_} * Engine.VolumeParams.FileRecordBytes) {}
+
+    void Run();
+    [[nodiscard]] bool Stopped() const { return stopped_; }
+    [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
+
+private:
+    void WalkExtent(const MftExtent& extent);
+    void ReportProgress() const;
+    void ReadBatch(std::uint32_t records);
+    void ProcessRecord(Bytes record);
+    [[nodiscard]] bool IsBehindMedium() const;
+
+    std::uint32_t batchRecords_;
+    std::vector<std::uint8_t> batch_;
+    std::uint64_t recordSector_ = 0; ///< absolute sector of the record slot in hand
+    std::uint32_t recordIndex_ = 0;  ///< record slots passed, valid or not
+    std::uint32_t nextEntryId_ = kFirstEntryId;
+    bool stopped_ = false;
+};
+
+void TableWalk::Run() {
+    const VolumeParams& volume = Engine.VolumeParams;
+    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr; extent = extent->Next.get()) {
+        WalkExtent(*extent);
+    }
+}
+
+void TableWalk::WalkExtent(const MftExtent& extent) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    recordSector_ = SectorOfCluster(extent.StartCluster);
+    std::uint32_t left = extent.Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
+    while (left > 0) {
+        Host().PassGate();
+        if (Engine.ScanRunFlag == 0) {
+            stopped_ = true;
+            return;
+        }
+        ReportProgress();
+        if (IsBehindMedium()) {
+            // Nothing but zeros can be read here, however long the run claims to be.
+            recordIndex_ += left;
+            return;
+        }
+        const std::uint32_t records = std::min(left, batchRecords_);
+        left -= records;
+        ReadBatch(records);
+        for (std::uint32_t i = 0; i < records; ++i) {
+            ProcessRecord(Bytes(batch_).subspan(std::size_t{i} * volume.FileRecordBytes, volume.FileRecordBytes));
+            recordSector_ += volume.SectorsPerFileRecord;
+            ++recordIndex_;
+        }
+    }
+}
+
+void TableWalk::ReportProgress() const {
+    Engine.ProgressTotal = Engine.VolumeParams.MftRecordCount;
+    Engine.ProgressDone = recordIndex_;
+    Host().JobProgress();
+}
+
+void TableWalk::ReadBatch(std::uint32_t records) {
+    const Bytes wanted(batch_.data(), std::size_t{records} * Engine.VolumeParams.FileRecordBytes);
+    std::fill(wanted.begin(), wanted.end(), std::uint8_t{0});
+    ReadSectors(wanted, recordSector_);
+}
+
+bool TableWalk::IsBehindMedium() const {
+    const DiskRecord& disk = Engine.SourceDisk;
+    return disk.MediaHandle != nullptr && disk.BytesPerSector != 0 &&
+           recordSector_ > disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
+}
+
+void TableWalk::ProcessRecord(Bytes record) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (U32At(record, 0) != kFileMagic || BaseReference(record) != 0 ||
+        CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        return;
+    }
+    DecodedEntry entry;
+    if (DecodeFileRecord(record, entry) == 0) {
+        return;
+    }
+    if (UsaOffset(record) == kUsaOffsetNew) {
+        entry.RecordNumber = OwnRecordNumber(record);
+    } else if (entry.RecordNumber == 0) {
+        entry.RecordNumber = recordIndex_;
+    }
+    entry.RecordSector = recordSector_;
+    CatalogueRecord(entry, IsDirectory(record), nextEntryId_);
+}
+
+} // namespace
+
+int BasicScan() {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (volume.FileRecordBytes == 0 || volume.BytesPerSector == 0 || volume.SectorsPerFileRecord == 0) {
+        return 0;
+    }
+    TableWalk walk;
+    try {
+        walk.Run();
+    } catch (const CUserException&) {
+        // The user has seen the box. What was found so far makes the catalogue.
+    }
+    try {
+        FinishCatalogue(walk.NextEntryId());
+    } catch (const CUserException&) {
+    }
+    return walk.Stopped() ? 0 : 1;
+}
+
+} // namespace thntfs

@@ -1,0 +1,71 @@
+#include "scans/RecordCataloguing.h"
+
+#include "catalogue/Catalogue.h"
+#include "platform/Text.h"
+
+#include <new>
+
+namespace thntfs {
+
+namespace {
+
+// The parent may come later, earlier or never: until its own record is met its node is a placeholder.
+FolderIndexNode& ParentNode(std::uint32_t parentNumber) {
+    const FolderTree::Found parent = Engine.Folders->FindOrAddPlaceholder(parentNumber);
+    if (parent.Added) {
+        BeginFolderBlock(*parent.Node);
+    }
+    return *parent.Node;
+}
+
+void WriteEntry(DecodedEntry& entry, std::uint32_t& nextEntryId) {
+    AppendEntry(entry, entry.Name());
+    ++nextEntryId;
+}
+
+void CatalogueFile(DecodedEntry& entry, std::uint32_t& nextEntryId) {
+    entry.EntryId = nextEntryId;
+    WriteEntry(entry, nextEntryId);
+    try {
+        AddChild(ParentNode(entry.ParentNumber), entry.EntryId);
+    } catch (const std::bad_alloc&) {
+        // The entry stands in no chain.
+    }
+}
+
+} // namespace
+
+void NameNameless(DecodedEntry& entry) {
+    if (entry.NameLength == 0) {
+        entry.SetName(WideText("#" + std::to_string(entry.RecordNumber)));
+    }
+}
+
+void CatalogueFolder(DecodedEntry& entry, std::uint32_t& nextEntryId) try {
+    FolderIndexNode& parent = ParentNode(entry.ParentNumber);
+    const FolderTree::Found folder = Engine.Folders->FindOrAddFolder(entry.RecordNumber);
+    if (folder.Added) {
+        BeginFolderBlock(*folder.Node);
+    } else if (folder.Node->Placeholder == 0) {
+        return;
+    }
+    folder.Node->Placeholder = 0;
+    folder.Node->EntryId = nextEntryId;
+    entry.EntryId = nextEntryId;
+    entry.BlockOffset = folder.Node->BlockOffset;
+    WriteEntry(entry, nextEntryId);
+    AddChild(parent, entry.EntryId);
+} catch (const std::bad_alloc&) {
+    // The folder isn't linked.
+}
+
+void CatalogueRecord(DecodedEntry& entry, bool directory, std::uint32_t& nextEntryId) {
+    NameNameless(entry);
+    if (directory) {
+        CatalogueFolder(entry, nextEntryId);
+    } else {
+        CatalogueFile(entry, nextEntryId);
+    }
+}
+
+} // namespace thntfs

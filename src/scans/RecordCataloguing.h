@@ -1,0 +1,20 @@
+#pragma once
+
+#include "engine/DecodeRecord.h"
+
+#include <cstdint>
+
+namespace thntfs {
+
+/// Gives an entry without a name the name "#" and its number.
+void NameNameless(DecodedEntry& entry);
+
+/// Catalogues a checked and decoded record whose RecordNumber and RecordSector are set: writes the entry and
+/// links it under its parent. `nextEntryId` advances if an entry was written: a folder whose number has been
+/// catalogued already writes nothing. Passes CUserException on.
+void CatalogueRecord(DecodedEntry& entry, bool directory, std::uint32_t& nextEntryId);
+
+/// The same for a folder that is known by number, parent and name alone.
+void CatalogueFolder(DecodedEntry& entry, std::uint32_t& nextEntryId);
+
+} // namespace thntfs

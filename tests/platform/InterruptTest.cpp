@@ -1,0 +1,67 @@
+#include "platform/Interrupt.h"
+
+#include "platform/File.h"
+#include "platform/Terminal.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace thntfs::test {
+
+namespace {
+
+std::atomic<std::uint32_t> runFlag{0};
+
+void StopTwice(int first, int second) {
+    OnInterrupt(runFlag);
+    runFlag = 1;
+    (void)std::raise(first);
+    if (runFlag != 0 || !WasInterrupted()) {
+        std::exit(3);
+    }
+    (void)std::raise(second);
+}
+
+/// Standard output on a pipe that nobody reads.
+void WriteToClosedPipe() {
+    std::array<int, 2> ends{};
+    OnInterrupt(runFlag);
+    if (::pipe(ends.data()) != 0 || ::dup2(ends[1], STDOUT_FILENO) < 0) {
+        std::exit(3);
+    }
+    ::close(ends[0]);
+    ::close(ends[1]);
+    const std::array<std::uint8_t, 4> bytes{};
+    std::exit(OpenStandardOutput()->Write(bytes) == kErrorBrokenPipe ? 7 : 4);
+}
+
+void ContinueWhenIgnored() {
+    (void)std::signal(SIGHUP, SIG_IGN);
+    OnInterrupt(runFlag);
+    (void)std::raise(SIGHUP);
+    std::exit(WasInterrupted() ? 3 : 7);
+}
+
+} // namespace
+
+TEST(InterruptDeathTest, FirstStopsTheJobAndSecondTheProgram) {
+    EXPECT_EXIT(StopTwice(SIGINT, SIGINT), ::testing::KilledBySignal(SIGINT), "");
+    EXPECT_EXIT(StopTwice(SIGTERM, SIGINT), ::testing::KilledBySignal(SIGINT), "");
+    EXPECT_EXIT(StopTwice(SIGHUP, SIGTERM), ::testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(InterruptDeathTest, BrokenPipeIsAnErrorAndIgnoredStaysIgnored) {
+    EXPECT_EXIT(WriteToClosedPipe(), ::testing::ExitedWithCode(7), "");
+    EXPECT_EXIT(ContinueWhenIgnored(), ::testing::ExitedWithCode(7), "");
+}
+
+TEST(TerminalTest, AnswersWithoutATerminal) {
+    EXPECT_GT(TerminalColumns(), 0U);
+    const double before = SecondsNow();
+    EXPECT_GE(SecondsNow(), before);
+}
+
+} // namespace thntfs::test

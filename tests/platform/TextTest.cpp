@@ -1,0 +1,120 @@
+#include "platform/Text.h"
+
+#include "platform/Dates.h"
+#include "platform/ErrorCodes.h"
+#include "platform/posix/ErrnoMap.h"
+
+#include <cerrno>
+#include <ctime>
+#include <gtest/gtest.h>
+
+namespace thntfs::test {
+
+TEST(TextTest, NarrowAndWideMeetOnValidText) {
+    const std::u16string wide = u"aä€\U0001F600\uFFFF\x7F";
+    const std::string narrow = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBF\x7F";
+    EXPECT_EQ(NarrowText(wide), narrow);
+    EXPECT_EQ(WideText(narrow), wide);
+    std::string out = "x";
+    AppendNarrowText(out, std::u16string_view(u"\0y", 2));
+    EXPECT_EQ(out, std::string("x\0y", 3));
+}
+
+TEST(TextTest, LoneSurrogatesAreReplaced) {
+    const std::string replaced = "\xEF\xBF\xBD";
+    const std::u16string high(1, 0xD83D);
+    const std::u16string low(1, 0xDE00);
+    EXPECT_EQ(NarrowText(high), replaced);
+    EXPECT_EQ(NarrowText(low + high + u"a"), replaced + replaced + "a");
+    EXPECT_EQ(NarrowText(high + high + low), replaced + "\xF0\x9F\x98\x80");
+}
+
+TEST(TextTest, InvalidNarrowTextIsReplacedAndReadOn) {
+    EXPECT_EQ(WideText("a\xFF"
+                       "b"),
+              u"a\uFFFDb");
+    EXPECT_EQ(WideText("\xE2\x82"
+                       "b"),
+              u"\uFFFDb")
+        << "cut short by another character";
+    EXPECT_EQ(WideText("b\xF0\x9F\x98"), u"b\uFFFD") << "cut short by the end";
+    EXPECT_EQ(WideText("\xC0\xAF"), u"\uFFFD\uFFFD") << "overlong slash";
+    EXPECT_EQ(WideText("\xE0\x80\xAF"), u"\uFFFD\uFFFD\uFFFD") << "overlong slash";
+    EXPECT_EQ(WideText("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD") << "a surrogate";
+    EXPECT_EQ(WideText("\xF4\x90\x80\x80"), u"\uFFFD\uFFFD\uFFFD\uFFFD") << "past the last character";
+}
+
+TEST(DatesTest, AgreesWithTheCalendarOnEveryDay) {
+    constexpr std::int64_t kSecondsFrom1601 = 11'644'473'600;
+    constexpr std::int64_t kDay = 86'400;
+    constexpr std::int64_t kTick = 10'000'000;
+    const auto dateAt = [](std::int64_t unixTime, std::int64_t ticks) {
+        return DosDateOfFileTime(static_cast<std::uint64_t>((unixTime + kSecondsFrom1601) * kTick + ticks));
+    };
+    constexpr std::int64_t kFirst = 315'532'800; // 1980-01-01
+    constexpr std::int64_t kEnd = 4'354'819'200; // 2108-01-01
+    for (std::int64_t day = kFirst; day < kEnd; day += kDay) {
+        const std::time_t time = day;
+        std::tm civil{};
+        ASSERT_NE(::gmtime_r(&time, &civil), nullptr);
+        const int expected = (civil.tm_year - 80) << 9 | (civil.tm_mon + 1) << 5 | civil.tm_mday;
+        ASSERT_EQ(dateAt(day, 0), expected) << "unix time " << day;
+        ASSERT_EQ(dateAt(day + kDay, -1), expected) << "unix time " << day;
+        std::array<char, 16> text{};
+        ASSERT_NE(std::strftime(text.data(), text.size(), "%Y-%m-%d", &civil), 0U);
+        ASSERT_EQ(IsoDate(static_cast<std::uint16_t>(expected)), text.data());
+    }
+    EXPECT_EQ(dateAt(kFirst, -1), 0);
+    EXPECT_EQ(dateAt(kEnd, 0), 0);
+    EXPECT_EQ(DosDateOfFileTime(0), 0);
+    EXPECT_EQ(DosDateOfFileTime(~0ULL), 0);
+}
+
+TEST(DatesTest, NoDateOfTheCalendarHasNoText) {
+    const auto dosDate = [](int year, int month, int day) {
+        return static_cast<std::uint16_t>((year - 1980) << 9 | month << 5 | day);
+    };
+    for (const auto date :
+         {dosDate(1980, 0, 0), dosDate(2001, 2, 29), dosDate(2100, 2, 29), dosDate(2004, 4, 31),
+          dosDate(2004, 13, 1), dosDate(2004, 15, 31), dosDate(2004, 0, 5), dosDate(2004, 7, 0)}) {
+        EXPECT_EQ(IsoDate(date), "") << date;
+    }
+}
+
+TEST(DatesTest, LogTimeHasTheLayoutOfTheLog) {
+    std::tm time{};
+    time.tm_year = 126;
+    time.tm_mon = 10;
+    time.tm_mday = 19;
+    time.tm_wday = 4;
+    time.tm_hour = 6;
+    time.tm_min = 21;
+    time.tm_sec = 28;
+    EXPECT_EQ(LogTimeText(time), "Thu Nov 19 2026 06:21:28");
+    time.tm_mday = 5;
+    EXPECT_EQ(LogTimeText(time), "Thu Nov  5 2026 06:21:28");
+    EXPECT_EQ(LogTimeNow().size(), 24U);
+}
+
+TEST(ErrorCodesTest, EveryFailureHasACodeAndASentence) {
+    EXPECT_EQ(SystemErrorText(kErrorCrc), "Data error (cyclic redundancy check).");
+    EXPECT_EQ(SystemErrorText(4711), "Unknown error 4711.");
+    for (int number = 1; number < 200; ++number) {
+        for (const ErrorCode code : {MediumErrorOfErrno(number), FileErrorOfErrno(number)}) {
+            EXPECT_NE(code, kErrorNone) << number;
+            EXPECT_EQ(SystemErrorText(code).find("Unknown"), std::string::npos) << number;
+        }
+    }
+}
+
+TEST(ErrorCodesTest, OneFailureMeansAnotherThingOnAMediumAndOnAFile) {
+    EXPECT_EQ(MediumErrorOfErrno(EIO), kErrorCrc);
+    EXPECT_EQ(FileErrorOfErrno(EIO), kErrorIoDevice);
+    EXPECT_EQ(MediumErrorOfErrno(ETIMEDOUT), kErrorIoDevice);
+    EXPECT_EQ(MediumErrorOfErrno(ENXIO), kErrorNotReady);
+    EXPECT_EQ(MediumErrorOfErrno(EACCES), kErrorAccessDenied);
+    EXPECT_EQ(FileErrorOfErrno(ENOSPC), kErrorDiskFull);
+    EXPECT_EQ(FileErrorOfErrno(EROFS), kErrorWriteProtect);
+}
+
+} // namespace thntfs::test

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/File.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace thntfs::test {
+
+/// Where a failing store stands and what it is to do, shared with the files that it has opened.
+struct FailurePlan {
+    std::uint64_t Calls = 0;          ///< calls seen so far, of the store and of all its files
+    std::uint64_t FailingCall = 0;    ///< which call fails, counted from 1; 0 for none
+    bool FailOn = false;              ///< all calls after that one fail too
+    ErrorCode Error = kErrorDiskFull; ///< what a failing call answers
+    std::uint64_t Failures = 0;       ///< calls that were made to fail
+
+    /// Counts a call. The answer is kErrorNone or the failure of this call.
+    ErrorCode NextCall();
+};
+
+/// A store over another one that fails at a chosen call: Open, Delete and Admit of the store, and every call
+/// of its files. A failing write leaves the first half of its bytes in the file, as a full disk does.
+///
+///     FailingFileStore store;
+///     SetFileStore(&store);
+///     store.Plan().FailingCall = k;
+class FailingFileStore final : public FileStore {
+public:
+    /// Over a store that must outlive this one.
+    explicit FailingFileStore(FileStore& inner = Files());
+
+    /// Takes itself out of use if it is in use.
+    ~FailingFileStore() override;
+
+    [[nodiscard]] FailurePlan& Plan() { return *plan_; }
+
+    /// Starts counting anew and lets the k-th call fail.
+    void FailAt(std::uint64_t call, ErrorCode error = kErrorDiskFull, bool failOn = false);
+
+    /// A file over another one that follows this store's plan.
+    std::unique_ptr<File> Wrap(std::unique_ptr<File> file);
+
+    ErrorCode Open(const std::string& path, FileMode mode, std::unique_ptr<File>& file) override;
+    ErrorCode Delete(const std::string& path) override;
+    ErrorCode Admit(std::unique_ptr<File>& file) override;
+
+private:
+    FileStore& inner_;
+    std::shared_ptr<FailurePlan> plan_;
+};
+
+} // namespace thntfs::test

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/Medium.h"
+
+#include <functional>
+#include <limits>
+#include <vector>
+
+namespace thntfs::test {
+
+inline constexpr std::uint64_t kForever = std::numeric_limits<std::uint64_t>::max();
+
+/// Bad sectors: a request that touches one of them fails with `Code`, `Times` requests long.
+struct FaultRule {
+    std::uint64_t FirstSector = 0;
+    std::uint64_t SectorCount = 1;
+    ErrorCode Code = kErrorCrc;
+    std::uint64_t Times = kForever;
+};
+
+/// One request as it came.
+struct ReadRequest {
+    std::uint64_t Offset = 0; ///< bytes
+    std::uint64_t Size = 0;   ///< bytes
+    ErrorCode Result = kErrorNone;
+};
+
+/// What a faulty medium does and what it saw. The test shares it with the medium, so it outlives it.
+struct FaultPlan {
+    std::uint32_t SectorBytes = 512;
+    std::vector<FaultRule> Rules; ///< the first one that matches counts
+    bool GivePart = true;         ///< a failed request leaves the sectors before the bad one in the buffer
+    std::vector<ReadRequest> Log; ///< all requests in order
+    std::function<void(std::uint64_t index, const ReadRequest& request)>
+        OnRead; ///< before each; index from 0
+
+    [[nodiscard]] std::uint64_t FailedReads() const;
+    [[nodiscard]] std::uint64_t BytesAsked() const;
+};
+
+/// A medium over another one that fails by a plan.
+class FaultyMedium : public Medium {
+public:
+    FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan);
+
+    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override;
+    [[nodiscard]] std::uint64_t SizeBytes() const override { return inner_->SizeBytes(); }
+    [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return inner_->DeviceSectorBytes(); }
+
+private:
+    ErrorCode Serve(std::uint64_t offset, Bytes buffer);
+    FaultRule* MatchingRule(std::uint64_t offset, std::uint64_t size);
+
+    std::unique_ptr<Medium> inner_;
+    std::shared_ptr<FaultPlan> plan_;
+};
+
+} // namespace thntfs::test

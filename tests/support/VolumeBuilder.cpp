@@ -1,0 +1,173 @@
+#include "support/VolumeBuilder.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::uint32_t kRootNumber = 5;
+constexpr std::uint32_t kMirroredRecords = 4;
+
+std::uint64_t ClustersFor(std::uint64_t bytes, std::uint32_t clusterBytes) {
+    return (bytes + clusterBytes - 1) / clusterBytes;
+}
+
+FileNameValue MetafileName(std::u16string name) {
+    return {.Parent = FileReference(kRootNumber, kRootNumber),
+            .Name = std::move(name),
+            .Namespace = kNamespaceBoth,
+            .AttributeBits = 6};
+}
+
+} // namespace
+
+VolumeBuilder::VolumeBuilder(VolumeGeometry geometry)
+    : geometry_(std::move(geometry))
+    , image_(std::make_shared<ByteVector>(geometry_.MediumSectors() * geometry_.SectorBytes)) {
+    for (const Run& run : geometry_.MftRuns) {
+        nextCluster_ = std::max(nextCluster_, run.Start.value() + run.Clusters);
+    }
+    WriteDiskStructures();
+    WriteMetafiles();
+}
+
+void VolumeBuilder::WriteDiskStructures() {
+    if (geometry_.StartSector != 0) {
+        PutSectors(0, EncodePartitionTable({{0x07, static_cast<std::uint32_t>(geometry_.StartSector),
+                                             static_cast<std::uint32_t>(geometry_.TotalSectors + 1)}}));
+    }
+    const ByteVector boot = EncodeBootSector(BootFieldsOf(geometry_));
+    PutSectors(geometry_.StartSector, boot);
+    PutSectors(geometry_.StartSector + geometry_.TotalSectors, boot);
+}
+
+void VolumeBuilder::WriteMetafiles() {
+    const std::uint64_t mirrorBytes = std::uint64_t{kMirroredRecords} * geometry_.RecordBytes;
+    const std::uint64_t mirrorClusters = ClustersFor(mirrorBytes, geometry_.ClusterBytes());
+    PlaceRecord(NewRecord(0)
+                    .AddStandardInformation(EqualTimes(), 6)
+                    .AddFileName(MetafileName(u"$MFT"))
+                    .AddData({.Runs = geometry_.MftRuns})
+                    .AddResident(kBitmap, ByteVector(8, 0xFF)));
+    PlaceRecord(NewRecord(1)
+                    .AddStandardInformation(EqualTimes(), 6)
+                    .AddFileName(MetafileName(u"$MFTMirr"))
+                    .AddData({.Runs = {{mirrorClusters, geometry_.MirrorCluster}}, .RealSize = mirrorBytes}));
+    AddFolder({.Number = kRootNumber, .Parent = kRootNumber, .Name = u"."});
+}
+
+RecordBuilder VolumeBuilder::NewRecord(std::uint32_t number, RecordForm form) const {
+    return RecordBuilder(geometry_, number, form);
+}
+
+IndexBlockBuilder VolumeBuilder::NewIndexBlock(std::uint64_t vcn) const {
+    return IndexBlockBuilder(geometry_, vcn);
+}
+
+void VolumeBuilder::PlaceRecord(const RecordBuilder& record) {
+    PlaceRecord(record.Number(), record.Finish());
+}
+
+void VolumeBuilder::PlaceRecord(std::uint32_t number, ConstBytes record) {
+    PutSectors(RecordSector(number), record);
+    if (number < kMirroredRecords) {
+        const std::uint64_t recordSectors = geometry_.RecordBytes / geometry_.SectorBytes;
+        PutSectors(geometry_.SectorOf(geometry_.MirrorCluster) + number * recordSectors, record);
+    }
+}
+
+std::uint64_t VolumeBuilder::RecordSector(std::uint32_t number) const {
+    std::uint64_t left = std::uint64_t{number} * geometry_.RecordBytes;
+    for (const Run& run : geometry_.MftRuns) {
+        const std::uint64_t runBytes = run.Clusters * geometry_.ClusterBytes();
+        if (left < runBytes) {
+            return geometry_.SectorOf(run.Start.value()) + left / geometry_.SectorBytes;
+        }
+        left -= runBytes;
+    }
+    throw std::out_of_range("no run of the table holds the record");
+}
+
+std::uint64_t VolumeBuilder::AllocateClusters(std::uint64_t count) {
+    const std::uint64_t mirrorEnd =
+        geometry_.MirrorCluster +
+        ClustersFor(std::uint64_t{kMirroredRecords} * geometry_.RecordBytes, geometry_.ClusterBytes());
+    if (nextCluster_ < mirrorEnd && nextCluster_ + count > geometry_.MirrorCluster) {
+        nextCluster_ = mirrorEnd;
+    }
+    return std::exchange(nextCluster_, nextCluster_ + count);
+}
+
+void VolumeBuilder::PutClusters(std::uint64_t cluster, ConstBytes data) {
+    PutSectors(geometry_.SectorOf(cluster), data);
+}
+
+void VolumeBuilder::PutSectors(std::uint64_t sector, ConstBytes data) {
+    const std::uint64_t offset = sector * geometry_.SectorBytes;
+    if (offset > image_->size() || image_->size() - offset < data.size()) {
+        throw std::out_of_range("beyond the end of the medium");
+    }
+    std::copy(data.begin(), data.end(), image_->begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+void VolumeBuilder::AddFile(const FileSpec& file) {
+    const FileNameValue name = {.Parent = FileReference(file.Parent),
+                                .Name = file.Name,
+                                .AttributeBits = file.AttributeBits,
+                                .Times = file.Times,
+                                .RealSize = file.Content.size()};
+    RecordBuilder record = NewRecord(file.Number);
+    record.SetInUse(file.Live).AddStandardInformation(file.Times, file.AttributeBits).AddFileName(name);
+    if (file.InClusters) {
+        const std::uint64_t count = ClustersFor(file.Content.size(), geometry_.ClusterBytes());
+        const std::uint64_t cluster = AllocateClusters(count);
+        PutClusters(cluster, file.Content);
+        record.AddData({.Runs = {{count, cluster}}, .RealSize = file.Content.size()});
+    } else {
+        record.AddData(ConstBytes(file.Content));
+    }
+    PlaceRecord(record);
+    LinkChild(file.Parent, FileReference(file.Number), name);
+}
+
+void VolumeBuilder::AddFolder(const FolderSpec& folder) {
+    folders_[folder.Number] = {folder, false};
+    PlaceFolder(folder, {});
+    if (folder.Number != folder.Parent) {
+        LinkChild(folder.Parent, FileReference(folder.Number),
+                  {.Parent = FileReference(folder.Parent),
+                   .Name = folder.Name,
+                   .AttributeBits = kFolderBit,
+                   .Times = folder.Times});
+    }
+}
+
+void VolumeBuilder::PlaceFolder(const FolderSpec& folder, const std::vector<IndexEntry>& entries) {
+    PlaceRecord(NewRecord(folder.Number)
+                    .SetInUse(folder.Live)
+                    .SetFolder(true)
+                    .AddStandardInformation(folder.Times, 0)
+                    .AddFileName({.Parent = FileReference(folder.Parent),
+                                  .Name = folder.Name,
+                                  .AttributeBits = kFolderBit,
+                                  .Times = folder.Times})
+                    .AddIndexRoot(entries));
+}
+
+void VolumeBuilder::LinkChild(std::uint32_t parent, std::uint64_t reference, const FileNameValue& name) {
+    const auto found = folders_.find(parent);
+    if (found == folders_.end() || found->second.HasChild) {
+        return;
+    }
+    found->second.HasChild = true;
+    PlaceFolder(found->second.Spec, {{.Reference = reference, .Key = name}});
+}
+
+std::unique_ptr<MemoryMedium> VolumeBuilder::MakeMedium(std::uint32_t deviceSectorBytes) const {
+    return std::make_unique<MemoryMedium>(image_, deviceSectorBytes);
+}
+
+} // namespace thntfs::test

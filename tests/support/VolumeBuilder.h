@@ -1,0 +1,84 @@
+#pragma once
+
+#include "support/VolumeBuilderDisk.h"
+#include "support/VolumeBuilderGeometry.h"
+#include "support/VolumeBuilderIndex.h"
+#include "support/VolumeBuilderMedium.h"
+#include "support/VolumeBuilderRecord.h"
+
+#include <map>
+
+namespace thntfs::test {
+
+/// A plain file. Without clusters its bytes are resident.
+struct FileSpec {
+    std::uint32_t Number = 0;
+    std::uint32_t Parent = 5;
+    std::u16string Name;
+    ByteVector Content = {};
+    bool InClusters = false; ///< put the content into fresh clusters, in one run
+    bool Live = true;
+    FileTimes Times = EqualTimes();
+    std::uint32_t AttributeBits = kArchiveBit;
+};
+
+/// A plain folder. Its index root gets the first child that is added to it as its first key.
+struct FolderSpec {
+    std::uint32_t Number = 0;
+    std::uint32_t Parent = 5;
+    std::u16string Name;
+    bool Live = true;
+    FileTimes Times = EqualTimes();
+};
+
+/// Lays out an NTFS volume on a medium in memory. The constructor writes a partition table with the one
+/// volume, the boot sector and its backup, $MFT, $MFTMirr, the root folder and the mirror's copies of the
+/// first four records. Everything is bytes at once: each later call writes over what stands there.
+class VolumeBuilder {
+public:
+    explicit VolumeBuilder(VolumeGeometry geometry = {});
+
+    [[nodiscard]] const VolumeGeometry& Geometry() const { return geometry_; }
+    /// A builder for record `number` with this volume's measures.
+    [[nodiscard]] RecordBuilder NewRecord(std::uint32_t number, RecordForm form = RecordForm::Newer) const;
+    [[nodiscard]] IndexBlockBuilder NewIndexBlock(std::uint64_t vcn = 0) const;
+
+    /// Puts a record into its place in the table, and into the mirror if its number is below 4.
+    void PlaceRecord(const RecordBuilder& record);
+    void PlaceRecord(std::uint32_t number, ConstBytes record);
+    /// Absolute sector of a record by the table's runs. A number that no run holds throws std::out_of_range.
+    [[nodiscard]] std::uint64_t RecordSector(std::uint32_t number) const;
+
+    /// Takes clusters that nothing else uses, in one run, and gives the first.
+    std::uint64_t AllocateClusters(std::uint64_t count);
+    void PutClusters(std::uint64_t cluster, ConstBytes data);
+    /// Bytes at an absolute sector. What reaches beyond the medium throws std::out_of_range.
+    void PutSectors(std::uint64_t sector, ConstBytes data);
+
+    void AddFile(const FileSpec& file);
+    void AddFolder(const FolderSpec& folder);
+
+    /// Direct access to the medium's bytes.
+    [[nodiscard]] ByteVector& Image() { return *image_; }
+    /// A medium over the same bytes, which later changes reach too.
+    [[nodiscard]] std::unique_ptr<MemoryMedium> MakeMedium(std::uint32_t deviceSectorBytes = 0) const;
+    void WriteTo(const std::string& path) const { WriteFileBytes(path, *image_); }
+
+private:
+    struct PlainFolder {
+        FolderSpec Spec;
+        bool HasChild = false;
+    };
+
+    void WriteDiskStructures();
+    void WriteMetafiles();
+    void PlaceFolder(const FolderSpec& folder, const std::vector<IndexEntry>& entries);
+    void LinkChild(std::uint32_t parent, std::uint64_t reference, const FileNameValue& name);
+
+    VolumeGeometry geometry_;
+    std::shared_ptr<ByteVector> image_;
+    std::uint64_t nextCluster_ = 0;
+    std::map<std::uint32_t, PlainFolder> folders_;
+};
+
+} // namespace thntfs::test

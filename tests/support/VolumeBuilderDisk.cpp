@@ -1,0 +1,60 @@
+#include "support/VolumeBuilderDisk.h"
+
+#include <algorithm>
+
+namespace thntfs::test {
+
+BootSectorFields BootFieldsOf(const VolumeGeometry& geometry) {
+    BootSectorFields fields;
+    fields.SectorBytes = static_cast<std::uint16_t>(geometry.SectorBytes);
+    fields.SectorsPerCluster = static_cast<std::uint8_t>(geometry.SectorsPerCluster);
+    fields.HiddenSectors = static_cast<std::uint32_t>(geometry.StartSector);
+    fields.TotalSectors = geometry.TotalSectors;
+    fields.MftCluster = geometry.MftCluster();
+    fields.MirrorCluster = geometry.MirrorCluster;
+    fields.RecordSizeCode = geometry.SizeCode(geometry.RecordBytes);
+    fields.IndexBlockSizeCode = geometry.SizeCode(geometry.IndexBlockBytes);
+    fields.Serial = geometry.Serial;
+    return fields;
+}
+
+ByteVector EncodeBootSector(const BootSectorFields& fields, std::uint32_t bytes) {
+    ByteVector sector(bytes);
+    std::copy(fields.Jump.begin(), fields.Jump.end(), sector.begin());
+    std::copy_n(fields.Label.begin(), std::min<std::size_t>(fields.Label.size(), 8), sector.begin() + 3);
+    PutNumber(sector, 11, fields.SectorBytes);
+    PutNumber(sector, 13, fields.SectorsPerCluster);
+    PutNumber(sector, 21, fields.MediaByte);
+    PutNumber(sector, 28, fields.HiddenSectors);
+    PutNumber(sector, 32, fields.Zero32);
+    PutNumber(sector, 36, fields.DriveWord);
+    PutNumber(sector, 38, std::uint16_t{0x80});
+    PutNumber(sector, 40, fields.TotalSectors);
+    PutNumber(sector, 48, fields.MftCluster);
+    PutNumber(sector, 56, fields.MirrorCluster);
+    PutNumber(sector, 64, fields.RecordSizeCode);
+    PutNumber(sector, 68, fields.IndexBlockSizeCode);
+    PutNumber(sector, 72, fields.Serial);
+    PutNumber(sector, 510, fields.Signature);
+    return sector;
+}
+
+ByteVector EncodePartitionTable(const std::vector<PartitionEntry>& entries, std::uint16_t signature) {
+    ByteVector sector(512);
+    std::size_t offset = 446;
+    for (const PartitionEntry& entry : entries) {
+        PutNumber(sector, offset + 4, entry.Type);
+        PutNumber(sector, offset + 8, entry.FirstSector);
+        PutNumber(sector, offset + 12, entry.SectorCount);
+        offset += 16;
+    }
+    PutNumber(sector, 510, signature);
+    return sector;
+}
+
+void StampImage(Bytes firstSector, std::uint64_t totalSectors, std::uint16_t sectorBytes) {
+    PutNumber(firstSector, 432, totalSectors);
+    PutNumber(firstSector, 444, sectorBytes);
+}
+
+} // namespace thntfs::test

@@ -1,0 +1,302 @@
+#include "support/VolumeBuilderRecord.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::size_t kResidentHeaderBytes = 24;
+
+ByteVector EncodeResident(std::uint32_t type, ConstBytes value, std::u16string_view name, std::uint16_t flags,
+                          std::uint16_t id) {
+    ByteVector bytes(kResidentHeaderBytes);
+    AppendText(bytes, name);
+    bytes.resize(RoundUp8(bytes.size()));
+    const std::size_t valueOffset = bytes.size();
+    AppendBytes(bytes, value);
+    bytes.resize(RoundUp8(bytes.size()));
+    PutNumber(bytes, 0, type);
+    PutNumber(bytes, 4, static_cast<std::uint32_t>(bytes.size()));
+    PutNumber(bytes, 9, static_cast<std::uint8_t>(name.size()));
+    PutNumber(bytes, 10, static_cast<std::uint16_t>(kResidentHeaderBytes));
+    PutNumber(bytes, 12, flags);
+    PutNumber(bytes, 14, id);
+    PutNumber(bytes, 16, static_cast<std::uint32_t>(value.size()));
+    PutNumber(bytes, 20, static_cast<std::uint16_t>(valueOffset));
+    PutNumber(bytes, 22, static_cast<std::uint8_t>(type == kFileName ? 1 : 0)); // indexed
+    return bytes;
+}
+
+std::uint64_t AllocatedClusters(const std::vector<Run>& runs) {
+    std::uint64_t sum = 0;
+    for (const Run& run : runs) {
+        sum += run.Start ? run.Clusters : 0;
+    }
+    return sum;
+}
+
+ByteVector EncodeNonResident(std::uint32_t type, const NonResidentValue& value, std::uint32_t clusterBytes,
+                             std::uint16_t id) {
+    const std::size_t headerBytes = value.CompressionExponent != 0 ? 72 : 64;
+    ByteVector bytes(headerBytes);
+    AppendText(bytes, value.Name);
+    bytes.resize(RoundUp8(bytes.size()));
+    const std::size_t runsOffset = bytes.size();
+    AppendBytes(bytes, EncodeRuns(value.Runs));
+    bytes.resize(RoundUp8(bytes.size()));
+    const std::uint64_t clusters = ClustersOf(value.Runs);
+    const std::uint64_t allocated = value.AllocatedSize.value_or(clusters * clusterBytes);
+    const std::uint64_t real = value.RealSize.value_or(allocated);
+    PutNumber(bytes, 0, type);
+    PutNumber(bytes, 4, static_cast<std::uint32_t>(bytes.size()));
+    PutNumber(bytes, 8, std::uint8_t{1});
+    PutNumber(bytes, 9, static_cast<std::uint8_t>(value.Name.size()));
+    PutNumber(bytes, 10, static_cast<std::uint16_t>(headerBytes));
+    PutNumber(bytes, 12, value.Flags);
+    PutNumber(bytes, 14, id);
+    PutNumber(bytes, 16, value.FirstVcn);
+    PutNumber(bytes, 24, value.LastVcn.value_or(value.FirstVcn + clusters - 1));
+    PutNumber(bytes, 32, static_cast<std::uint16_t>(runsOffset));
+    PutNumber(bytes, 34, value.CompressionExponent);
+    PutNumber(bytes, 40, allocated);
+    PutNumber(bytes, 48, real);
+    PutNumber(bytes, 56, value.InitializedSize.value_or(real));
+    if (value.CompressionExponent != 0) {
+        PutNumber(bytes, 64, value.CompressedSize.value_or(AllocatedClusters(value.Runs) * clusterBytes));
+    }
+    return bytes;
+}
+
+void PutTimes(Bytes bytes, std::size_t offset, const FileTimes& times) {
+    PutNumber(bytes, offset, times.Created);
+    PutNumber(bytes, offset + 8, times.Modified);
+    PutNumber(bytes, offset + 16, times.Changed);
+    PutNumber(bytes, offset + 24, times.Accessed);
+}
+
+} // namespace
+
+ByteVector EncodeFileName(const FileNameValue& value) {
+    ByteVector bytes(66);
+    PutNumber(bytes, 0, value.Parent);
+    PutTimes(bytes, 8, value.Times);
+    PutNumber(bytes, 40, value.AllocatedSize);
+    PutNumber(bytes, 48, value.RealSize);
+    PutNumber(bytes, 56, value.AttributeBits);
+    PutNumber(bytes, 64, static_cast<std::uint8_t>(value.Name.size()));
+    PutNumber(bytes, 65, value.Namespace);
+    AppendText(bytes, value.Name);
+    return bytes;
+}
+
+ByteVector EncodeAttributeList(const std::vector<ListEntry>& entries) {
+    ByteVector list;
+    for (const ListEntry& entry : entries) {
+        ByteVector bytes(26);
+        AppendText(bytes, entry.Name);
+        bytes.resize(RoundUp8(bytes.size()));
+        PutNumber(bytes, 0, entry.Type);
+        PutNumber(bytes, 4, static_cast<std::uint16_t>(bytes.size()));
+        PutNumber(bytes, 6, static_cast<std::uint8_t>(entry.Name.size()));
+        PutNumber(bytes, 7, std::uint8_t{26});
+        PutNumber(bytes, 8, entry.FirstVcn);
+        PutNumber(bytes, 16, entry.Reference);
+        PutNumber(bytes, 24, entry.AttributeId);
+        AppendBytes(list, bytes);
+    }
+    return list;
+}
+
+ByteVector EncodeIndexEntry(const IndexEntry& entry) {
+    const ByteVector key = EncodeFileName(entry.Key);
+    ByteVector bytes(16);
+    AppendBytes(bytes, key);
+    bytes.resize(RoundUp8(bytes.size()) + (entry.Subnode ? 8 : 0));
+    PutNumber(bytes, 0, entry.Reference);
+    PutNumber(bytes, 8, static_cast<std::uint16_t>(bytes.size()));
+    PutNumber(bytes, 10, static_cast<std::uint16_t>(key.size()));
+    PutNumber(bytes, 12, static_cast<std::uint16_t>(entry.Subnode ? 1 : 0));
+    if (entry.Subnode) {
+        PutNumber(bytes, bytes.size() - 8, *entry.Subnode);
+    }
+    return bytes;
+}
+
+ByteVector EncodeEndEntry(std::optional<std::uint64_t> subnode) {
+    ByteVector bytes(subnode ? 24 : 16);
+    PutNumber(bytes, 8, static_cast<std::uint16_t>(bytes.size()));
+    PutNumber(bytes, 12, static_cast<std::uint16_t>(subnode ? 3 : 2));
+    if (subnode) {
+        PutNumber(bytes, 16, *subnode);
+    }
+    return bytes;
+}
+
+ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries,
+                           std::optional<std::uint64_t> endSubnode) {
+    ByteVector bytes(32);
+    for (const IndexEntry& entry : entries) {
+        AppendBytes(bytes, EncodeIndexEntry(entry));
+    }
+    AppendBytes(bytes, EncodeEndEntry(endSubnode));
+    const auto indexBytes = static_cast<std::uint32_t>(bytes.size() - 16);
+    PutNumber(bytes, 0, kFileName);
+    PutNumber(bytes, 4, std::uint32_t{1}); // collated as file names
+    PutNumber(bytes, 8, geometry.IndexBlockBytes);
+    PutNumber(bytes, 12, geometry.SizeCode(geometry.IndexBlockBytes));
+    PutNumber(bytes, 16, std::uint32_t{16});
+    PutNumber(bytes, 20, indexBytes);
+    PutNumber(bytes, 24, indexBytes);
+    PutNumber(bytes, 28, static_cast<std::uint8_t>(endSubnode ? 1 : 0));
+    return bytes;
+}
+
+RecordBuilder::RecordBuilder(const VolumeGeometry& geometry, std::uint32_t number, RecordForm form)
+    : geometry_(geometry)
+    , number_(number)
+    , form_(form)
+    , first_(RoundUp8(ArrayOffset() + 2 * (geometry.RecordBytes / geometry.SectorBytes + 1))) {}
+
+RecordBuilder& RecordBuilder::SetInUse(bool inUse) {
+    flags_ = static_cast<std::uint16_t>((flags_ & ~1U) | (inUse ? 1U : 0U));
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::SetFolder(bool folder) {
+    flags_ = static_cast<std::uint16_t>((flags_ & ~2U) | (folder ? 2U : 0U));
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::SetBase(std::uint64_t baseReference) {
+    base_ = baseReference;
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::SetSequence(std::uint16_t sequence) {
+    sequence_ = sequence;
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::SetCheckWord(std::uint16_t checkWord) {
+    checkWord_ = checkWord;
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::AddStandardInformation(const FileTimes& times, std::uint32_t attributeBits) {
+    ByteVector value(72);
+    PutTimes(value, 0, times);
+    PutNumber(value, 32, attributeBits);
+    return AddResident(kStandardInformation, value);
+}
+
+RecordBuilder& RecordBuilder::AddFileName(const FileNameValue& value) {
+    return AddResident(kFileName, EncodeFileName(value));
+}
+
+RecordBuilder& RecordBuilder::AddData(ConstBytes value, std::u16string_view name, std::uint16_t flags) {
+    return AddResident(kData, value, name, flags);
+}
+
+RecordBuilder& RecordBuilder::AddData(const NonResidentValue& value) { return AddNonResident(kData, value); }
+
+RecordBuilder& RecordBuilder::AddAttributeList(const std::vector<ListEntry>& entries) {
+    return AddResident(kAttributeList, EncodeAttributeList(entries));
+}
+
+RecordBuilder& RecordBuilder::AddAttributeList(const NonResidentValue& value) {
+    return AddNonResident(kAttributeList, value);
+}
+
+RecordBuilder& RecordBuilder::AddIndexRoot(const std::vector<IndexEntry>& entries,
+                                           std::optional<std::uint64_t> endSubnode) {
+    return AddResident(kIndexRoot, EncodeIndexRoot(geometry_, entries, endSubnode), u"$I30");
+}
+
+RecordBuilder& RecordBuilder::AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name,
+                                          std::uint16_t flags) {
+    return AddRaw(EncodeResident(type, value, name, flags, static_cast<std::uint16_t>(offsets_.size())));
+}
+
+RecordBuilder& RecordBuilder::AddNonResident(std::uint32_t type, const NonResidentValue& value) {
+    return AddRaw(EncodeNonResident(type, value, geometry_.ClusterBytes(),
+                                    static_cast<std::uint16_t>(offsets_.size())));
+}
+
+RecordBuilder& RecordBuilder::AddRaw(ConstBytes attribute) {
+    if (first_ + attributes_.size() + attribute.size() > geometry_.RecordBytes) {
+        throw std::length_error("attribute doesn't fit into the record");
+    }
+    offsets_.push_back(first_ + attributes_.size());
+    AppendBytes(attributes_, attribute);
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::Poke(std::size_t offset, std::size_t width, std::uint64_t value) {
+    if (offset + width > geometry_.RecordBytes) {
+        throw std::length_error("poke beyond the record");
+    }
+    pokes_.push_back({offset, width, value});
+    return *this;
+}
+
+RecordBuilder& RecordBuilder::Poke8(std::size_t offset, std::uint8_t value) { return Poke(offset, 1, value); }
+RecordBuilder& RecordBuilder::Poke16(std::size_t offset, std::uint16_t value) {
+    return Poke(offset, 2, value);
+}
+RecordBuilder& RecordBuilder::Poke32(std::size_t offset, std::uint32_t value) {
+    return Poke(offset, 4, value);
+}
+RecordBuilder& RecordBuilder::Poke64(std::size_t offset, std::uint64_t value) {
+    return Poke(offset, 8, value);
+}
+
+RecordBuilder& RecordBuilder::OmitEndMarker() {
+    endMarker_ = false;
+    return *this;
+}
+
+void RecordBuilder::WriteHeader(Bytes record, std::size_t used) const {
+    PutNumber(record, 0, std::uint32_t{0x454C4946}); // "FILE"
+    PutNumber(record, 4, static_cast<std::uint16_t>(ArrayOffset()));
+    PutNumber(record, 6, static_cast<std::uint16_t>(geometry_.RecordBytes / geometry_.SectorBytes + 1));
+    PutNumber(record, 16, sequence_);
+    PutNumber(record, 18, std::uint16_t{1});
+    PutNumber(record, 20, static_cast<std::uint16_t>(first_));
+    PutNumber(record, 22, flags_);
+    PutNumber(record, 24, static_cast<std::uint32_t>(used));
+    PutNumber(record, 28, geometry_.RecordBytes);
+    PutNumber(record, 32, base_);
+    PutNumber(record, 40, static_cast<std::uint16_t>(offsets_.size()));
+    if (form_ == RecordForm::Newer) {
+        PutNumber(record, 44, number_);
+    }
+}
+
+ByteVector RecordBuilder::RawBytes() const {
+    const std::size_t end = first_ + attributes_.size();
+    if (endMarker_ && end + 8 > geometry_.RecordBytes) {
+        throw std::length_error("end marker doesn't fit into the record");
+    }
+    ByteVector record(geometry_.RecordBytes);
+    std::copy(attributes_.begin(), attributes_.end(), record.begin() + static_cast<std::ptrdiff_t>(first_));
+    if (endMarker_) {
+        PutNumber(record, end, std::uint32_t{0xFFFFFFFF});
+    }
+    WriteHeader(record, endMarker_ ? end + 8 : end);
+    for (const PokedBytes& poke : pokes_) {
+        for (std::size_t index = 0; index < poke.Width; ++index) {
+            record[poke.Offset + index] = static_cast<std::uint8_t>(poke.Value >> (index * 8));
+        }
+    }
+    return record;
+}
+
+ByteVector RecordBuilder::Finish() const {
+    ByteVector record = RawBytes();
+    ProtectBlock(record, ArrayOffset(), geometry_.SectorBytes, checkWord_);
+    return record;
+}
+
+} // namespace thntfs::test

@@ -1,0 +1,157 @@
+#pragma once
+
+#include "support/VolumeBuilderGeometry.h"
+
+namespace thntfs::test {
+
+inline constexpr std::uint32_t kStandardInformation = 0x10;
+inline constexpr std::uint32_t kAttributeList = 0x20;
+inline constexpr std::uint32_t kFileName = 0x30;
+inline constexpr std::uint32_t kVolumeName = 0x60;
+inline constexpr std::uint32_t kVolumeInformation = 0x70;
+inline constexpr std::uint32_t kData = 0x80;
+inline constexpr std::uint32_t kIndexRoot = 0x90;
+inline constexpr std::uint32_t kIndexAllocation = 0xA0;
+inline constexpr std::uint32_t kBitmap = 0xB0;
+
+inline constexpr std::uint8_t kNamespacePosix = 0;
+inline constexpr std::uint8_t kNamespaceWin32 = 1;
+inline constexpr std::uint8_t kNamespaceDos = 2;
+inline constexpr std::uint8_t kNamespaceBoth = 3;
+
+inline constexpr std::uint32_t kArchiveBit = 0x20;
+inline constexpr std::uint32_t kFolderBit = 0x10000000; ///< bit 28 of the attribute bits in a file name
+
+/// Value of a file name attribute, which is also the key of a folder's index.
+struct FileNameValue {
+    std::uint64_t Parent = FileReference(5, 5);
+    std::u16string Name;
+    std::uint8_t Namespace = kNamespaceWin32;
+    std::uint32_t AttributeBits = kArchiveBit;
+    FileTimes Times = EqualTimes();
+    std::uint64_t AllocatedSize = 0;
+    std::uint64_t RealSize = 0;
+};
+
+ByteVector EncodeFileName(const FileNameValue& value);
+
+/// A non-resident attribute. What is left open is computed from the runs.
+struct NonResidentValue {
+    std::vector<Run> Runs;
+    std::u16string Name = {};
+    std::uint16_t Flags = 0; ///< 1 compressed, 0x4000 encrypted, 0x8000 sparse
+    std::uint8_t CompressionExponent =
+        0; ///< log2 of clusters per compression unit; not 0 adds the field at 64
+    std::uint64_t FirstVcn = 0;
+    std::optional<std::uint64_t> LastVcn = {};
+    std::optional<std::uint64_t> AllocatedSize = {};
+    std::optional<std::uint64_t> RealSize = {};
+    std::optional<std::uint64_t> InitializedSize = {};
+    std::optional<std::uint64_t> CompressedSize = {};
+};
+
+/// One entry of an attribute list.
+struct ListEntry {
+    std::uint32_t Type = kData;
+    std::uint64_t Reference = 0; ///< file reference of the record that holds the attribute
+    std::uint64_t FirstVcn = 0;
+    std::uint16_t AttributeId = 0;
+    std::u16string Name = {};
+};
+
+ByteVector EncodeAttributeList(const std::vector<ListEntry>& entries);
+
+/// One entry of a folder's index.
+struct IndexEntry {
+    std::uint64_t Reference = 0; ///< file reference of the named file
+    FileNameValue Key;
+    std::optional<std::uint64_t> Subnode = {}; ///< VCN of the index block below
+};
+
+ByteVector EncodeIndexEntry(const IndexEntry& entry);
+/// The entry that closes an index node, with the VCN of a block below where one is given.
+ByteVector EncodeEndEntry(std::optional<std::uint64_t> subnode = {});
+/// Value of an index root over file names with these entries and the end entry.
+ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries,
+                           std::optional<std::uint64_t> endSubnode = {});
+
+/// The newer form has its update sequence array at 48 and the record's own number at 44, the older form has
+/// the array at 42 and no number.
+enum class RecordForm { Newer, Older };
+
+/// Builds one FILE record. Attributes stand in the order of the calls and get the ids 0, 1, 2, …
+/// An attribute that doesn't fit throws std::length_error.
+class RecordBuilder {
+public:
+    RecordBuilder(const VolumeGeometry& geometry, std::uint32_t number, RecordForm form = RecordForm::Newer);
+
+    RecordBuilder& SetInUse(bool inUse);
+    RecordBuilder& SetFolder(bool folder);
+    RecordBuilder& SetBase(std::uint64_t baseReference);
+    RecordBuilder& SetSequence(std::uint16_t sequence);
+    RecordBuilder& SetCheckWord(std::uint16_t checkWord);
+
+    RecordBuilder& AddStandardInformation(const FileTimes& times = EqualTimes(),
+                                          std::uint32_t attributeBits = kArchiveBit);
+    RecordBuilder& AddFileName(const FileNameValue& value);
+    RecordBuilder& AddData(ConstBytes value, std::u16string_view name = {}, std::uint16_t flags = 0);
+    RecordBuilder& AddData(const NonResidentValue& value);
+    RecordBuilder& AddAttributeList(const std::vector<ListEntry>& entries);
+    RecordBuilder& AddAttributeList(const NonResidentValue& value);
+    /// Resident index root "$I30" over file names.
+    RecordBuilder& AddIndexRoot(const std::vector<IndexEntry>& entries,
+                                std::optional<std::uint64_t> endSubnode = {});
+    RecordBuilder& AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name = {},
+                               std::uint16_t flags = 0);
+    RecordBuilder& AddNonResident(std::uint32_t type, const NonResidentValue& value);
+    /// Bytes taken as a whole attribute, header included, as they are.
+    RecordBuilder& AddRaw(ConstBytes attribute);
+
+    /// Byte offset in the record of the attribute added `index` calls after the first.
+    [[nodiscard]] std::size_t AttributeOffset(std::size_t index) const { return offsets_.at(index); }
+    [[nodiscard]] std::size_t LastAttributeOffset() const { return offsets_.back(); }
+    [[nodiscard]] std::uint16_t LastAttributeId() const {
+        return static_cast<std::uint16_t>(offsets_.size() - 1);
+    }
+    [[nodiscard]] std::uint32_t Number() const { return number_; }
+    [[nodiscard]] std::size_t FirstAttributeOffset() const { return first_; }
+
+    /// Puts a number at a byte offset of the record once all else is laid out, before the protection.
+    RecordBuilder& Poke8(std::size_t offset, std::uint8_t value);
+    RecordBuilder& Poke16(std::size_t offset, std::uint16_t value);
+    RecordBuilder& Poke32(std::size_t offset, std::uint32_t value);
+    RecordBuilder& Poke64(std::size_t offset, std::uint64_t value);
+    /// No end marker; bytes in use end with the last attribute.
+    RecordBuilder& OmitEndMarker();
+
+    /// The record without protection, as it stands after a check.
+    [[nodiscard]] ByteVector RawBytes() const;
+    /// The record as it stands on the medium.
+    [[nodiscard]] ByteVector Finish() const;
+
+private:
+    struct PokedBytes {
+        std::size_t Offset = 0;
+        std::size_t Width = 0;
+        std::uint64_t Value = 0;
+    };
+
+    RecordBuilder& Poke(std::size_t offset, std::size_t width, std::uint64_t value);
+    void WriteHeader(Bytes record, std::size_t used) const;
+    [[nodiscard]] std::size_t ArrayOffset() const { return form_ == RecordForm::Newer ? 48 : 42; }
+
+    VolumeGeometry geometry_;
+    std::uint32_t number_;
+    RecordForm form_;
+    std::size_t first_;
+    std::uint16_t flags_ = 1;
+    std::uint64_t base_ = 0;
+    std::uint16_t sequence_ = 1;
+    std::uint16_t checkWord_ = 0x0107;
+    bool endMarker_ = true;
+    ByteVector attributes_;
+    std::vector<std::size_t> offsets_;
+    std::vector<PokedBytes> pokes_;
+};
+
+} // namespace thntfs::test
