@@ -9,18 +9,24 @@ namespace {
 
 constexpr std::uint32_t kFanOut = 8; ///< folders in a folder where they aren't spread at random
 
-std::uint32_t Stride(const LayoutPlan& plan) { return std::max(plan.UserRecords / plan.Folders, 1U); }
-
-// Folders stand evenly between the files, except that the two folders of the alternating layout come first.
+// Folders stand evenly between the files, the last as full as the first, except that the alternating layout
+// has them all at the front.
 std::uint32_t FolderNumber(const LayoutPlan& plan, std::uint32_t folder) {
-    return kFirstUserRecord + (plan.Order == Layout::Alternating ? folder : folder * Stride(plan));
+    const std::uint64_t spread = std::uint64_t{folder} * plan.UserRecords / plan.Folders;
+    return kFirstUserRecord +
+           (plan.Order == Layout::Alternating ? folder : static_cast<std::uint32_t>(spread));
+}
+
+/// The last folder that stands at or before a slot.
+std::uint32_t FolderBefore(const LayoutPlan& plan, std::uint32_t slot) {
+    if (plan.Order == Layout::Alternating) {
+        return std::min(slot, plan.Folders - 1);
+    }
+    return static_cast<std::uint32_t>(((std::uint64_t{slot} + 1) * plan.Folders - 1) / plan.UserRecords);
 }
 
 bool IsFolderSlot(const LayoutPlan& plan, std::uint32_t slot) {
-    if (plan.Order == Layout::Alternating) {
-        return slot < plan.Folders;
-    }
-    return slot % Stride(plan) == 0 && slot / Stride(plan) < plan.Folders;
+    return FolderNumber(plan, FolderBefore(plan, slot)) == kFirstUserRecord + slot;
 }
 
 std::uint32_t ParentOfFolder(const LayoutPlan& plan, std::uint32_t folder, std::uint64_t random) {
@@ -48,7 +54,7 @@ std::uint32_t ParentOfFile(const LayoutPlan& plan, std::uint32_t slot, std::uint
     case Layout::Alternating:
         return ParentOfAlternating(plan, slot);
     case Layout::Grouped:
-        return FolderNumber(plan, std::min(slot / Stride(plan), plan.Folders - 1));
+        return FolderNumber(plan, FolderBefore(plan, slot));
     case Layout::Random:
         break;
     }
@@ -84,8 +90,7 @@ RecordRole RoleOf(const LayoutPlan& plan, std::uint32_t number) {
     RecordRole role;
     role.Folder = IsFolderSlot(plan, slot);
     if (role.Folder) {
-        const std::uint32_t folder = plan.Order == Layout::Alternating ? slot : slot / Stride(plan);
-        role.Parent = ParentOfFolder(plan, folder, random >> 8);
+        role.Parent = ParentOfFolder(plan, FolderBefore(plan, slot), random >> 8);
         return role;
     }
     role.Parent = ParentOfFile(plan, slot, random >> 8);

@@ -20,8 +20,8 @@ constexpr std::size_t kMaxNameUnits = 256;
 constexpr std::size_t kMegabyte = 1U << 20U;
 constexpr std::size_t kWriteTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kAppendPages = kMegabyte / PagedFile::kPageBytes;
-constexpr std::size_t kReadTreePages = 8 * kMegabyte / PagedFile::kPageBytes;
-constexpr std::size_t kReadPages = 16 * kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kReadTreePages = 16 * kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kReadPages = 4 * kMegabyte / PagedFile::kPageBytes;
 
 bool IsFailedWrite(ErrorCode code) { return code != kErrorNone && code != kErrorInvalidUserBuffer; }
 

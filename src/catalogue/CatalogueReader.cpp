@@ -4,6 +4,7 @@
 #include "engine/SectorReader.h"
 #include "platform/Host.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 
@@ -11,14 +12,49 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::size_t kMaxNameUnits = 0xFFFF;
-
 ErrorCode ReadPaged(PagedFile* file, std::uint64_t offset, Bytes buffer) {
     std::size_t got = 0;
     return file == nullptr ? kErrorInvalidHandle : file->ReadAt(offset, buffer, got);
 }
 
-void CopyFields(const CatalogueEntry& entry, CatalogueItem& item) {
+} // namespace
+
+std::uint64_t CatalogueEntryCount() {
+    return Engine.EntryFile == nullptr ? 0 : Engine.EntryFile->Size() / kStoredEntryBytes;
+}
+
+int LoadStoredEntry(std::uint32_t entryId, CatalogueEntry& entry) {
+    StoredEntry stored{};
+    const ErrorCode code =
+        ReadPaged(Engine.EntryFile.get(), std::uint64_t{entryId} * kStoredEntryBytes, stored);
+    if (code != kErrorNone) {
+        Host().ErrorBox(SystemErrorText(code));
+        return 0;
+    }
+    entry = DecodeEntry(stored);
+    return 1;
+}
+
+void AppendName(const CatalogueEntry& entry, std::u16string& names) {
+    const std::uint64_t fileBytes = Engine.NameFile == nullptr ? 0 : Engine.NameFile->Size();
+    const std::uint64_t room = fileBytes - std::min<std::uint64_t>(fileBytes, entry.NameOffset);
+    auto units = static_cast<std::size_t>(std::min<std::uint64_t>(entry.NameLength, room / 2));
+    std::array<std::uint8_t, 512> piece;
+    for (std::uint64_t offset = entry.NameOffset; units > 0;) {
+        const std::size_t now = std::min(units, piece.size() / 2);
+        const Bytes bytes(piece.data(), 2 * now);
+        if (ReadPaged(Engine.NameFile.get(), offset, bytes) != kErrorNone) {
+            return;
+        }
+        const std::size_t end = names.size();
+        names.resize(end + now);
+        std::memcpy(names.data() + end, bytes.data(), bytes.size());
+        units -= now;
+        offset += bytes.size();
+    }
+}
+
+void FillItem(const CatalogueEntry& entry, CatalogueItem& item) {
     item.RecordSector = entry.RecordSector;
     item.Size = entry.Size;
     item.EntryId = entry.EntryId;
@@ -31,37 +67,14 @@ void CopyFields(const CatalogueEntry& entry, CatalogueItem& item) {
     item.NameLength = entry.NameLength;
 }
 
-// What the file doesn't hold of a name stays zero.
-void LoadName(const CatalogueEntry& entry, std::u16string& name) {
-    static_assert(kMaxNameUnits >= 0xFFFF, "any stored length fits");
-    name.assign(entry.NameLength, u'\0');
-    std::array<std::uint8_t, 512> piece;
-    for (std::size_t done = 0; done < name.size();) {
-        const std::size_t units = std::min(name.size() - done, piece.size() / 2);
-        std::memset(piece.data(), 0, 2 * units);
-        ReadPaged(Engine.NameFile.get(), std::uint64_t{entry.NameOffset} + 2 * done, Bytes(piece.data(), 2 * units));
-        std::memcpy(name.data() + done, piece.data(), 2 * units);
-        done += units;
-    }
-}
-
-} // namespace
-
-std::uint64_t CatalogueEntryCount() {
-    return Engine.EntryFile == nullptr ? 0 : Engine.EntryFile->Size() / kStoredEntryBytes;
-}
-
 int LoadEntryInto(std::uint32_t entryId, CatalogueItem& item) {
-    StoredEntry stored{};
-    const ErrorCode code =
-        ReadPaged(Engine.EntryFile.get(), std::uint64_t{entryId} * kStoredEntryBytes, stored);
-    if (code != kErrorNone) {
-        Host().ErrorBox(SystemErrorText(code));
+    CatalogueEntry entry;
+    if (LoadStoredEntry(entryId, entry) == 0) {
         return 0;
     }
-    const CatalogueEntry entry = DecodeEntry(stored);
-    CopyFields(entry, item);
-    LoadName(entry, item.Name);
+    FillItem(entry, item);
+    item.Name.clear();
+    AppendName(entry, item.Name);
     return 1;
 }
 

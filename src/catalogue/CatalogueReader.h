@@ -40,6 +40,12 @@ std::unique_ptr<CatalogueItem> LoadEntry(std::uint32_t entryId);
 /// The same into an item that the caller keeps, which saves two allocations an entry. Gives 1 or 0.
 int LoadEntryInto(std::uint32_t entryId, CatalogueItem& item);
 
+/// The parts of which loading is made. LoadStoredEntry gives 1 or, after its box, 0. AppendName appends what
+/// NameFile holds of an entry's name. FillItem copies all fields but the name.
+int LoadStoredEntry(std::uint32_t entryId, CatalogueEntry& entry);
+void AppendName(const CatalogueEntry& entry, std::u16string& names);
+void FillItem(const CatalogueEntry& entry, CatalogueItem& item);
+
 /// The children of a folder, in the order in which they were added. The walk ends also where a damaged chain
 /// runs in a circle.
 class ChildWalk {

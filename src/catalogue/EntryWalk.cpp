@@ -7,55 +7,106 @@ namespace thntfs {
 namespace {
 
 constexpr std::uint32_t kRootEntryId = 1;
-constexpr std::size_t kMaxPathBytes = std::size_t{3} * 32767; // a path of NTFS has at most 32,767 UTF-16 units
+constexpr std::size_t kMaxPathUnits = 32767; // the longest path of NTFS
+constexpr std::size_t kMaxPathBytes = 3 * kMaxPathUnits;
+constexpr std::size_t kWholeBatch = 131072;
+constexpr std::size_t kNoLimit = ~std::size_t{0};
 
 } // namespace
 
-EntryWalk::EntryWalk(std::uint32_t blockOffset, std::string path, bool underTop)
-    : seen_(static_cast<std::size_t>(CatalogueEntryCount()))
-    , path_(std::move(path))
-    , underTop_(underTop) {
-    levels_.push_back({ChildWalk(blockOffset), path_.size()});
+EntryWalk::EntryWalk(WalkStart start, WalkReach reach)
+    : underTop_(start.IsTop)
+    , batchSize_(reach == WalkReach::Whole ? kWholeBatch : 1)
+    , seen_(static_cast<std::size_t>(CatalogueEntryCount()))
+    , path_(std::move(start.Path))
+    , pathLengths_{path_.size()}
+    , maxDepth_(kNoLimit) {
+    if (reach == WalkReach::Whole) {
+        offsets_ = std::make_unique<FolderOffsets>();
+    }
+    levels_.emplace_back(start.BlockOffset);
 }
 
 bool EntryWalk::Next() {
-    if (descend_) {
-        Descend();
+    for (;; ++next_) {
+        if (next_ == ids_.size() && !Plan()) {
+            return false;
+        }
+        const std::size_t depth = depths_[next_];
+        if (depth > maxDepth_) {
+            continue;
+        }
+        maxDepth_ = kNoLimit;
+        if (batch_.Take(next_, item_) != 0) {
+            item_.EntryId = ids_[next_++];
+            EnterPath(depth);
+            return true;
+        }
+        maxDepth_ = depth; // what is below an entry that can't be read can't be placed
     }
+}
+
+void EntryWalk::SkipFolder() {
+    maxDepth_ = Depth();
+    if (entered_ == item_.EntryId) {
+        entered_.reset();
+    }
+}
+
+bool EntryWalk::Plan() {
+    ids_.clear();
+    depths_.clear();
+    next_ = 0;
+    while (ids_.size() < batchSize_ && PlanNext()) {
+    }
+    batch_.Load(ids_);
+    return !ids_.empty();
+}
+
+bool EntryWalk::PlanNext() {
+    if (entered_ && levels_.size() < kMaxPathUnits) {
+        if (const auto blockOffset = BlockOffsetOf(*entered_)) {
+            levels_.emplace_back(*blockOffset);
+        }
+    }
+    entered_.reset();
     while (!levels_.empty()) {
-        path_.resize(levels_.back().PathLength);
-        const std::uint32_t child = levels_.back().Children.Next();
+        const std::uint32_t child = levels_.back().Next();
         if (child == 0) {
             levels_.pop_back();
-        } else if (Visit(child)) {
+        } else if (child < seen_.size() && !seen_[child]) {
+            seen_[child] = true;
+            ids_.push_back(child);
+            depths_.push_back(levels_.size() - 1);
+            entered_ = child;
             return true;
         }
     }
     return false;
 }
 
-bool EntryWalk::Visit(std::uint32_t entryId) {
-    if (entryId >= seen_.size() || seen_[entryId] || LoadEntryInto(entryId, item_) == 0) {
-        return false;
+// A walk that doesn't plan ahead has the entry itself in hand.
+std::optional<std::uint32_t> EntryWalk::BlockOffsetOf(std::uint32_t entryId) const {
+    if (offsets_ != nullptr) {
+        return offsets_->BlockOffset(entryId);
     }
-    seen_[entryId] = true;
-    item_.EntryId = entryId;
-    if (!underTop_ || levels_.size() > 1) {
-        path_ += '/';
-    }
-    if (entryId == kRootEntryId) {
-        path_.clear(); // what stands under it starts with the slash
-    } else {
-        AppendNarrowText(path_, item_.Name);
-    }
-    descend_ = item_.IsFolder();
-    return true;
+    return item_.EntryId == entryId && item_.IsFolder() ? std::optional(item_.BlockOffset) : std::nullopt;
 }
 
-void EntryWalk::Descend() {
-    descend_ = false;
-    if (path_.size() <= kMaxPathBytes) {
-        levels_.push_back({ChildWalk(item_.BlockOffset), path_.size()});
+void EntryWalk::EnterPath(std::size_t depth) {
+    path_.resize(pathLengths_[depth]);
+    if (item_.EntryId == kRootEntryId) {
+        path_.clear(); // what stands under it starts with the slash
+    } else {
+        if (!underTop_ || depth > 0) {
+            path_ += '/';
+        }
+        AppendNarrowText(path_, item_.Name);
+    }
+    pathLengths_.resize(depth + 1);
+    pathLengths_.push_back(path_.size());
+    if (path_.size() > kMaxPathBytes) {
+        SkipFolder();
     }
 }
 

@@ -56,9 +56,10 @@ private:
     std::vector<std::u16string> folders_;
 };
 
-void AddSeed(std::uint32_t entryId, std::vector<LocatedEntry>& found) {
+void AddSeed(std::uint32_t entryId, const char* path, std::vector<LocatedEntry>& found) {
     if (std::unique_ptr<CatalogueItem> item = LoadEntry(entryId); item != nullptr) {
         LocatedEntry located;
+        located.Path = path;
         located.Item = std::move(*item);
         found.push_back(std::move(located));
     }
@@ -69,9 +70,9 @@ void AddSeed(std::uint32_t entryId, std::vector<LocatedEntry>& found) {
 std::vector<LocatedEntry> FindEntries(std::string_view path) {
     PathSearch search(path);
     if (path.empty()) {
-        AddSeed(kTopEntryId, search.Found);
+        AddSeed(kTopEntryId, "", search.Found);
     } else if (path == "/") {
-        AddSeed(kRootEntryId, search.Found);
+        AddSeed(kRootEntryId, "/", search.Found);
     } else if (path.front() == '/') {
         const std::unique_ptr<CatalogueItem> root = LoadEntry(kRootEntryId);
         if (root != nullptr) {
@@ -81,6 +82,10 @@ std::vector<LocatedEntry> FindEntries(std::string_view path) {
         search.SearchFolder(0, path);
     }
     return std::move(search.Found);
+}
+
+WalkStart StartAt(const LocatedEntry& folder) {
+    return {folder.Item.BlockOffset, folder.Path == "/" ? "" : folder.Path, folder.Item.EntryId == kTopEntryId};
 }
 
 } // namespace thntfs

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/CatalogueReader.h"
+#include "catalogue/EntryWalk.h"
 
 #include <string>
 #include <string_view>
@@ -12,11 +13,14 @@ namespace thntfs {
 struct LocatedEntry {
     CatalogueItem Item;
     std::vector<std::u16string> Folders; ///< names of the folders on the way, outermost first; " Root" left out
-    std::string Path;                    ///< as EntryWalk gives it
+    std::string Path;                    ///< as EntryWalk gives it, but "/" for " Root"
 };
 
 /// All entries with a path, live and deleted, in catalogue order. "/" is " Root"; "" is the top. A name may hold a slash.
 /// Throws CUserException where a block can't be read.
 std::vector<LocatedEntry> FindEntries(std::string_view path);
+
+/// Where a walk over what is below a located folder starts.
+WalkStart StartAt(const LocatedEntry& folder);
 
 } // namespace thntfs

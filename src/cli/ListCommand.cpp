@@ -19,11 +19,11 @@ public:
         : options_(options)
         , output_(output) {}
 
-    void ListAll() { ListBelow(0, "", true); }
+    void ListAll() { ListBelow(WalkStart{}, options_.Recursive ? WalkReach::Whole : WalkReach::Part); }
 
     void List(const LocatedEntry& entry) {
         if (entry.Item.IsFolder()) {
-            ListBelow(entry.Item.BlockOffset, entry.Path == "/" ? "" : entry.Path, entry.Item.EntryId == 0);
+            ListBelow(StartAt(entry), WalkReach::Part);
         } else {
             Print(entry.Item, entry.Path);
         }
@@ -31,8 +31,8 @@ public:
 
 private:
     // The top holds " Root", which has no path of its own: what is in it counts as top-level too.
-    void ListBelow(std::uint32_t blockOffset, const std::string& path, bool underTop) {
-        EntryWalk walk(blockOffset, path, underTop);
+    void ListBelow(const WalkStart& start, WalkReach reach) {
+        EntryWalk walk(start, reach);
         while (walk.Next() && !output_.Closed()) {
             if (walk.Item().EntryId == kRootEntryId) {
                 continue;

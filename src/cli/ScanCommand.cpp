@@ -25,7 +25,7 @@ bool IsLost(const CatalogueItem& item) { return item.IsFolder() && item.RecordSe
 
 ScanTotals CountEntries() {
     ScanTotals totals;
-    EntryWalk walk(0, "", true);
+    EntryWalk walk(WalkStart{}, WalkReach::Whole);
     while (walk.Next()) {
         const CatalogueItem& item = walk.Item();
         ++(item.IsFolder() ? totals.Folders : totals.Files);
@@ -46,7 +46,7 @@ const char* Mark(const CatalogueItem& item) {
 }
 
 void PrintTree(Output& output, bool withFiles) {
-    EntryWalk walk(0, "", true);
+    EntryWalk walk(WalkStart{}, WalkReach::Whole);
     while (walk.Next() && !output.Closed()) {
         const CatalogueItem& item = walk.Item();
         if (!item.IsFolder() && !withFiles) {

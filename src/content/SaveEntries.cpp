@@ -73,7 +73,7 @@ void EntrySaver::SaveBelow(const LocatedEntry& entry) {
         EnterFolder(entry.Item, entry.Path);
     }
     const std::size_t base = levels_.size();
-    EntryWalk walk(entry.Item.BlockOffset, entry.Path == "/" ? "" : entry.Path, entry.Item.EntryId == 0);
+    EntryWalk walk(StartAt(entry), IsSeed(entry.Item) ? WalkReach::Whole : WalkReach::Part);
     while (walk.Next()) {
         if (Engine.ScanRunFlag == 0) {
             totals_.Stopped = true;

@@ -18,7 +18,7 @@ namespace thntfs {
 /// call that failed may be made again.
 class PagedFile {
 public:
-    static constexpr std::size_t kPageBytes = 16384;
+    static constexpr std::size_t kPageBytes = 4096;
 
     /// No offset reaches past this; it bounds the page table at 64 MiB.
     static constexpr std::uint64_t kMaxBytes = 1ULL << 38U;
@@ -69,7 +69,7 @@ private:
     using Slot = std::uint32_t;
 
     static constexpr std::uint64_t kNoPage = ~0ULL;
-    static constexpr std::size_t kJoinedPages = 16;
+    static constexpr std::size_t kJoinedPages = 64;
 
     void MarkWritten(std::uint64_t end) {
         last_->Changed = true;

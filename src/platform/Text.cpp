@@ -33,6 +33,19 @@ void AppendUtf8(std::string& out, char32_t point) {
     }
 }
 
+// Most names are plain ASCII from end to end: these need no look at each unit's kind. Gives the units taken.
+std::size_t AppendPlainStart(std::string& out, std::u16string_view wide) {
+    const std::size_t start = out.size();
+    out.resize(start + wide.size());
+    std::size_t taken = 0;
+    while (taken < wide.size() && wide[taken] < 0x80) {
+        out[start + taken] = static_cast<char>(wide[taken]);
+        ++taken;
+    }
+    out.resize(start + taken);
+    return taken;
+}
+
 void AppendUtf16(std::u16string& out, char32_t point) {
     if (point < 0x10000) {
         out += static_cast<char16_t>(point);
@@ -96,7 +109,7 @@ std::string NarrowText(std::u16string_view wide) {
 }
 
 void AppendNarrowText(std::string& out, std::u16string_view wide) {
-    for (std::size_t i = 0; i < wide.size(); ++i) {
+    for (std::size_t i = AppendPlainStart(out, wide); i < wide.size(); ++i) {
         const char16_t unit = wide[i];
         if (IsHighSurrogate(unit) && i + 1 < wide.size() && IsLowSurrogate(wide[i + 1])) {
             const auto high = static_cast<char32_t>(unit - 0xD800) << 10U;

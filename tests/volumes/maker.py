@@ -4,20 +4,19 @@ import hashlib
 import mmap
 import os
 import random
-import shutil
 import struct
 import subprocess
 import tempfile
 import time
+import zlib
 
 import ntfs_reader as ntfs
-from relayout import list_in_base
+from relayout import cut_short, drop_last_hole, list_in_base
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 COMPRESSED_ATTRIB = 0x800
 BITMAP_RECORD = 6
-FIRST_CLOCK = 1683187200        # 4 May 2023; each volume starts a week after the one before
-WEEK = 7 * 86400
+FIRST_CLOCK = 1683187200        # 4 May 2023; each volume starts some days later, told by its label
 
 work_dir = None
 clock_library = None
@@ -89,7 +88,7 @@ class Volume:
         self.cluster_bytes = cluster
         self.image = os.path.join(work_dir, 'volume%02d' % volumes_made)
         self.root = self.image + '.mnt'
-        self.clock = FIRST_CLOCK + volumes_made * WEEK
+        self.clock = FIRST_CLOCK + zlib.crc32(label.encode()) % 400 * 86400
         volumes_made += 1
         self.rows, self.live, self.driver = [], {}, None
         self.format(cluster, 4096 if records_4k else sector)
@@ -313,6 +312,23 @@ class Volume:
         self.live[path].notes.add('patched')
         with self:
             self.compare(path)
+
+    def cut_short(self, path, data):
+        """Makes a compressed file hold just `data`, though its last unit goes on."""
+        number, row = self.record_number(path), self.live[path]
+        with self.opened() as volume:
+            cut_short(volume, number, len(data))
+        row.size, row.sha256 = len(data), hashlib.sha256(data).hexdigest()
+        row.notes.add('patched')
+        with self:
+            self.compare(path)
+
+    def drop_last_hole(self, path):
+        """For files to be deleted next: the driver does not read them so."""
+        number = self.record_number(path)
+        with self.opened() as volume:
+            drop_last_hole(volume, number)
+        self.live[path].notes |= {'patched', 'open-end'}
 
     def compare(self, path):
         """Has the driver read a file back."""

@@ -11,7 +11,7 @@ import struct
 FIRST_USER_RECORD = 24
 ROOT_RECORD = 5
 DOS_NAMESPACE = 2
-ATTR_LIST, FILE_NAME, DATA, INDEX_ROOT = 0x20, 0x30, 0x80, 0x90
+ATTR_LIST, FILE_NAME, DATA = 0x20, 0x30, 0x80
 FLAG_COMPRESSED, FLAG_SPARSE = 0x00FF, 0x8000
 RECORD_MASK = (1 << 48) - 1
 EXTENDED_TYPES = (0x05, 0x0F)
@@ -357,7 +357,7 @@ class Volume:
         for raw, allocated in self.raw_units(stream):
             if allocated == 0:
                 piece = bytes(size)
-            elif allocated == stream.unit or (left < size and self.stored_raw(stream, allocated, left)):
+            elif allocated == stream.unit:
                 piece = raw
             else:
                 piece = bytes(unpack_lznt1(raw, size))
@@ -365,11 +365,6 @@ class Volume:
                     piece = piece.ljust(min(size, left), b'\0')
             left -= len(piece)
             yield piece
-
-    def stored_raw(self, stream, allocated, left):
-        """A last unit that isn't closed by a hole holds plain clusters."""
-        closed = sum(n for n, _ in stream.runs) % stream.unit == 0
-        return not closed and allocated * self.cluster >= left
 
     def raw_units(self, stream):
         unit, part, filled, allocated = stream.unit, [], 0, 0

@@ -1,9 +1,13 @@
-"""Gives the records of a fragmented file another layout, one ntfs-3g never chooses.
+"""Gives file records layouts that occur elsewhere but ntfs-3g never chooses.
 
 ntfs-3g puts the attribute list outside of the record and fills the base record
 with run lists.  list_in_base() brings the list and the file's name into the
 base record, and moves the first part of the run list out to the extension
 record where the name was.
+
+ntfs-3g ends the last unit of a compressed file with the file, and closes it by
+a hole.  cut_short() lets the unit give more bytes than the file has, and
+drop_last_hole() takes the hole away.
 """
 import struct
 
@@ -58,6 +62,31 @@ def resident_list(value, instance):
     size = 24 + len(value) + -len(value) % 8
     head = struct.pack('<IIBBHHHIHBB', ntfs.ATTR_LIST, size, 0, 0, 24, 0, instance, len(value), 24, 0, 0)
     return (head + value).ljust(size, b'\0')
+
+
+def cut_short(volume, number, size):
+    """Makes a compressed file end earlier, in the midst of its last unit."""
+    record = volume.record(number)
+    attributes = split(record.bytes)
+    data = bytearray(take(attributes, ntfs.DATA))
+    struct.pack_into('<QQ', data, 48, size, size)
+    write_record(volume, record, attributes + [data])
+
+
+def drop_last_hole(volume, number):
+    """Lets a run list of few runs end with the last clusters that hold data."""
+    record = volume.record(number)
+    attributes = split(record.bytes)
+    data = bytearray(take(attributes, ntfs.DATA))
+    at = last = ntfs.u16(data, 32)
+    while data[at]:
+        last, at = at, at + 1 + (data[at] & 15) + (data[at] >> 4)
+    if data[last] >> 4:
+        raise RuntimeError('the run list of record %d ends in no hole' % number)
+    length = int.from_bytes(data[last + 1:last + 1 + (data[last] & 15)], 'little')
+    data[last:at] = bytes(at - last)
+    struct.pack_into('<Q', data, 24, ntfs.u64(data, 24) - length)
+    write_record(volume, record, attributes + [data])
 
 
 def split(b):
