@@ -19,7 +19,7 @@ constexpr std::size_t kMaxNameUnits = 256;
 // writes; entries and names are appended. Readers jump in all three.
 constexpr std::size_t kMegabyte = 1U << 20U;
 constexpr std::size_t kWriteTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
-constexpr std::size_t kAppendPages = kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kAppendPages = kMegabyte / 8 / PagedFile::kPageBytes;
 constexpr std::size_t kReadTreePages = 16 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kReadPages = 4 * kMegabyte / PagedFile::kPageBytes;
 
@@ -115,12 +115,14 @@ void AppendLostFolder(FolderIndexNode& node, std::uint32_t entryId) {
     AddChild(*Engine.Folders->FindOrAddFolder(0).Node, entryId);
 }
 
+// Tries all three, so that the failure of one doesn't cost what the others hold.
 void FlushFiles() {
+    ErrorCode failure = kErrorNone;
     for (PagedFile* file : {Engine.TreeFile.get(), Engine.NameFile.get(), Engine.EntryFile.get()}) {
-        if (file != nullptr) {
-            RaiseFailedWrite(file->Flush());
-        }
+        const ErrorCode code = file != nullptr ? file->Flush() : kErrorNone;
+        failure = IsFailedWrite(failure) ? failure : code;
     }
+    RaiseFailedWrite(failure);
 }
 
 } // namespace
@@ -131,6 +133,7 @@ int CreateCatalogue() {
         Engine.Folders = std::make_shared<FolderTree>();
         if (OpenThreeFiles(FileMode::CreateAlways, kWriteTreePages, kAppendPages)) {
             WriteSeeds();
+            FlushFiles(); // a place that can't be written must show now, not at the end of a scan
             return 1;
         }
     } catch (const CUserException&) {

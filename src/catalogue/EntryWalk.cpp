@@ -95,7 +95,7 @@ std::optional<std::uint32_t> EntryWalk::BlockOffsetOf(std::uint32_t entryId) con
 
 void EntryWalk::EnterPath(std::size_t depth) {
     path_.resize(pathLengths_[depth]);
-    if (item_.EntryId == kRootEntryId) {
+    if (item_.EntryId == kRootEntryId && underTop_ && depth == 0) {
         path_.clear(); // what stands under it starts with the slash
     } else {
         if (!underTop_ || depth > 0) {

@@ -1,8 +1,6 @@
 #include "catalogue/FolderTree.h"
 
 #include <bit>
-#include <utility>
-
 namespace thntfs {
 
 namespace {
@@ -51,6 +49,20 @@ FolderTree::Found FolderTree::FindOrAddPlaceholder(std::uint32_t recordNumber) {
     return found;
 }
 
+void FolderTree::PrefetchSlot(std::uint32_t recordNumber) const {
+    if (!slots_.empty()) {
+        __builtin_prefetch(&slots_[SlotOf(recordNumber, slots_.size())]);
+    }
+}
+
+void FolderTree::PrefetchNode(std::uint32_t recordNumber) const {
+    if (!slots_.empty()) {
+        if (const std::uint32_t place = slots_[SlotOf(recordNumber, slots_.size())]; place != 0) {
+            __builtin_prefetch(&nodes_.At(place - 1), 1);
+        }
+    }
+}
+
 FolderIndexNode* FolderTree::NextInPreOrder(FolderIndexNode* node) {
     if (node->Left != nullptr) {
         return node->Left;
@@ -68,19 +80,15 @@ FolderIndexNode* FolderTree::NextInPreOrder(FolderIndexNode* node) {
     return nullptr;
 }
 
-FolderIndexNode& FolderTree::NodeAt(std::uint32_t index) const {
-    return (*chunks_[index / kChunkNodes])[index % kChunkNodes];
-}
-
 FolderIndexNode* FolderTree::Lookup(std::uint32_t recordNumber) const {
     if (slots_.empty()) {
         return nullptr;
     }
-    for (std::size_t slot = SlotOf(recordNumber, slots_.size());; slot = (slot + 1) % slots_.size()) {
+    for (std::size_t slot = SlotOf(recordNumber, slots_.size());; slot = (slot + 1) & (slots_.size() - 1)) {
         if (slots_[slot] == 0) {
             return nullptr;
         }
-        FolderIndexNode& node = NodeAt(slots_[slot] - 1);
+        FolderIndexNode& node = nodes_.At(slots_[slot] - 1);
         if (node.RecordNumber == recordNumber) {
             return &node;
         }
@@ -88,31 +96,27 @@ FolderIndexNode* FolderTree::Lookup(std::uint32_t recordNumber) const {
 }
 
 FolderIndexNode& FolderTree::NewNode(std::uint32_t recordNumber) {
-    if ((count_ + 1) * 4 > slots_.size() * 3) {
+    if ((nodes_.Count() + 1) * 4 > slots_.size() * 3) {
         GrowSlots();
     }
-    if (count_ == chunks_.size() * kChunkNodes) {
-        chunks_.push_back(std::make_unique<Chunk>());
-    }
-    const auto index = static_cast<std::uint32_t>(count_++);
-    FolderIndexNode& node = NodeAt(index);
+    FolderIndexNode& node = nodes_.Add();
     node.RecordNumber = recordNumber;
-    EnterSlot(index);
+    EnterSlot(static_cast<std::uint32_t>(nodes_.Count() - 1));
     return node;
 }
 
 void FolderTree::GrowSlots() {
     const std::size_t grown = slots_.empty() ? kFirstSlots : slots_.size() * 2;
     std::vector<std::uint32_t>(grown, 0).swap(slots_);
-    for (std::size_t i = 0; i < count_; ++i) {
+    for (std::size_t i = 0; i < nodes_.Count(); ++i) {
         EnterSlot(static_cast<std::uint32_t>(i));
     }
 }
 
 void FolderTree::EnterSlot(std::uint32_t index) {
-    std::size_t slot = SlotOf(NodeAt(index).RecordNumber, slots_.size());
+    std::size_t slot = SlotOf(nodes_.At(index).RecordNumber, slots_.size());
     while (slots_[slot] != 0) {
-        slot = (slot + 1) % slots_.size();
+        slot = (slot + 1) & (slots_.size() - 1);
     }
     slots_[slot] = index + 1;
 }

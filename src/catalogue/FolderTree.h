@@ -1,14 +1,15 @@
 #pragma once
 
-#include <array>
+#include "platform/BigBlock.h"
+
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace thntfs {
 
-/// One folder that a scan has met, or has been told of by a child.
-struct FolderIndexNode {
+/// One folder that a scan has met, or has been told of by a child. It fills one memory line: with many folders a
+/// lookup costs what fetching it costs.
+struct alignas(64) FolderIndexNode {
     FolderIndexNode* Parent = nullptr;
     FolderIndexNode* Left = nullptr;  ///< keys below
     FolderIndexNode* Right = nullptr; ///< keys above
@@ -35,17 +36,18 @@ public:
     /// The same; an added node is marked as a placeholder.
     Found FindOrAddPlaceholder(std::uint32_t recordNumber);
 
+    /// Hints that a key will be looked up soon: the first fetches its place in the index, the second, called some
+    /// lookups later, its node.
+    void PrefetchSlot(std::uint32_t recordNumber) const;
+    void PrefetchNode(std::uint32_t recordNumber) const;
+
     [[nodiscard]] FolderIndexNode* FolderRoot() const { return root_; }
-    [[nodiscard]] std::size_t Count() const { return count_; }
+    [[nodiscard]] std::size_t Count() const { return nodes_.Count(); }
 
     /// The node that follows in the order node, left subtree, right subtree; null behind the last.
     static FolderIndexNode* NextInPreOrder(FolderIndexNode* node);
 
 private:
-    static constexpr std::size_t kChunkNodes = 1024;
-    using Chunk = std::array<FolderIndexNode, kChunkNodes>;
-
-    [[nodiscard]] FolderIndexNode& NodeAt(std::uint32_t index) const;
     [[nodiscard]] FolderIndexNode* Lookup(std::uint32_t recordNumber) const;
     FolderIndexNode& NewNode(std::uint32_t recordNumber);
     void GrowSlots();
@@ -56,8 +58,7 @@ private:
 
     FolderIndexNode* root_ = nullptr;
     FolderIndexNode* lastFound_ = nullptr; ///< children of one folder often come in a row
-    std::vector<std::unique_ptr<Chunk>> chunks_;
-    std::size_t count_ = 0;
+    BigBlockPool<FolderIndexNode> nodes_;
     /// Open hashing beside the tree: index of a node + 1, 0 for free. A lookup touches one node in place of a
     /// path of them.
     std::vector<std::uint32_t> slots_;

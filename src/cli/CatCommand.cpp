@@ -63,7 +63,7 @@ Wanted FindWanted(const Options& options) {
     return wanted;
 }
 
-int TellOutcome(const CatalogueItem& item, int result, std::uint64_t failedReads) {
+int TellOutcome(int result, std::uint64_t failedReads) {
     if (Engine.ScanRunFlag == 0) {
         PrintMessage("Stopped after " + std::to_string(Engine.BytesWritten) + " bytes");
         return kExitDoneInPart;
@@ -78,7 +78,6 @@ int TellOutcome(const CatalogueItem& item, int result, std::uint64_t failedReads
     if (failedReads != 0) {
         PrintMessage(std::to_string(failedReads) + " reads failed; what could not be read is zeros");
     }
-    (void)item;
     return Engine.BytesBehindEnd != 0 || failedReads != 0 ? kExitDoneInPart : kExitDone;
 }
 
@@ -90,7 +89,7 @@ int WriteWanted(const CatalogueItem& item, Session& session) {
     session.Host.Bar.Begin("Reading", ProgressBar::Unit::Byte);
     const int result = ReadEntryContent(item, output.Handle());
     session.Host.Bar.End();
-    return TellOutcome(item, result, Engine.FailedReads - failedReads);
+    return TellOutcome(result, Engine.FailedReads - failedReads);
 }
 
 } // namespace
@@ -104,7 +103,7 @@ int RunCat(const Options& options) {
         const Wanted wanted = FindWanted(options);
         return wanted ? WriteWanted(*wanted, session) : int{kExitFailed};
     } catch (const CUserException&) {
-        return kExitFailed;
+        return session.Host.ReaderGone() ? kExitDone : kExitFailed;
     }
 }
 

@@ -91,8 +91,7 @@ int RunList(const Options& options) {
     } catch (const CUserException&) {
         // The box has told why.
     }
-    output.Flush();
-    return code == kExitDone && !session.Complete() ? kExitDoneInPart : code;
+    return output.Finish(code == kExitDone && !session.Complete() ? kExitDoneInPart : code);
 }
 
 } // namespace thntfs

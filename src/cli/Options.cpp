@@ -1,6 +1,7 @@
 #include "cli/Options.h"
 
 #include "cli/ExitCode.h"
+#include "cli/Output.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,6 +20,19 @@ constexpr const char* kFooter =
     "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan or a save;\n"
     "what was found so far is shown. The medium is opened for reading only.";
 
+// A whole number from a lowest one up to what an unsigned can hold.
+CLI::Validator WholeNumber(std::uint64_t lowest) {
+    return CLI::Validator(
+        [lowest](const std::string& text) {
+            const bool digits = text.size() <= 10 && text.find_first_not_of("0123456789") == std::string::npos;
+            const std::uint64_t number = digits && !text.empty() ? std::stoull(text) : ~std::uint64_t{0};
+            return number >= lowest && number <= 0xFFFFFFFFU
+                       ? std::string()
+                       : "'" + text + "' is not a whole number from " + std::to_string(lowest) + " on";
+        },
+        "");
+}
+
 void AddMedium(CLI::App& command, Options& options) {
     command.add_option("MEDIUM", options.Medium, "Disk image file or block device to read")->required();
     command.add_flag("--json", options.Json, "Print JSON");
@@ -27,7 +41,7 @@ void AddMedium(CLI::App& command, Options& options) {
 void AddPartition(CLI::App& command, Options& options) {
     command.add_option("-p,--partition", options.Partition,
                        "Number of the partition, as 'partitions' shows it; may be left out where there is one")
-        ->check(CLI::PositiveNumber);
+        ->check(WholeNumber(1));
 }
 
 void AddPartitions(CLI::App& app, Options& options) {
@@ -58,10 +72,11 @@ void AddList(CLI::App& app, Options& options) {
 void AddCat(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("cat", "Write one file's bytes to standard output");
     AddMedium(*command, options);
+    command->get_option("--json")->description("Makes no difference here: the file's bytes are written");
     CLI::Option* path = command->add_option("PATH", options.Paths, "File to write")->expected(0, 1);
     CLI::Option* record =
         command->add_option("--record", options.Record, "Number of the file's record, in place of a path");
-    record->excludes(path);
+    record->check(WholeNumber(0))->excludes(path);
     AddPartition(*command, options);
     command->callback([&options] {
         options.Chosen = Command::Cat;
@@ -81,6 +96,12 @@ void AddSave(CLI::App& app, Options& options) {
     command->callback([&options] { options.Chosen = Command::Save; });
 }
 
+void TellMissingCommand(int argc, const char* const* argv) {
+    PrintMessage(argc > 1 ? "'" + std::string(argv[1]) + "' is no command of this program."
+                          : "Tell what is to be done with which disk or image.");
+    PrintMessage("The commands are partitions, scan, list, cat and save; --help explains them.");
+}
+
 } // namespace
 
 std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode) {
@@ -91,6 +112,11 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
     app.set_version_flag("--version", kVersion);
     app.footer(kFooter);
     app.require_subcommand(1);
+    app.get_formatter()->label("TEXT", "");
+    app.get_formatter()->label("UINT", "N");
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.get_formatter()->label("Subcommands", "Commands");
+    app.get_formatter()->label("REQUIRED", "(required)");
     AddPartitions(app, options);
     AddScan(app, options);
     AddList(app, options);
@@ -102,7 +128,11 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
         exitCode = app.exit(shown, std::cout, std::cerr);
         return std::nullopt;
     } catch (const CLI::ParseError& wrong) {
-        app.exit(wrong, std::cout, std::cerr);
+        if (app.get_subcommands().empty()) {
+            TellMissingCommand(argc, argv);
+        } else {
+            app.exit(wrong, std::cout, std::cerr);
+        }
         exitCode = kExitWrongWords;
         return std::nullopt;
     }

@@ -1,5 +1,6 @@
 #include "cli/Output.h"
 
+#include "cli/ExitCode.h"
 #include "cli/ProgressBar.h"
 
 #include <array>
@@ -32,6 +33,15 @@ void Output::Flush() {
         failure_ = file_->Write(bytes);
     }
     text_.clear();
+}
+
+int Output::Finish(int code) {
+    Flush();
+    if (failure_ == kErrorNone || failure_ == kErrorBrokenPipe) {
+        return code;
+    }
+    PrintMessage("Cannot write to standard output: " + SystemErrorText(failure_));
+    return kExitFailed;
 }
 
 void AppendPrintable(std::string& out, std::string_view text) {
@@ -68,6 +78,10 @@ std::string ByteText(std::uint64_t bytes) {
         return Scaled(bytes, kKilobyte, "KB");
     }
     return bytes < kGigabyte ? Scaled(bytes, kMegabyte, "MB") : Scaled(bytes, kGigabyte, "GB");
+}
+
+std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {
+    return std::to_string(count) + " " + (count == 1 ? one : more);
 }
 
 } // namespace thntfs

@@ -9,7 +9,7 @@
 namespace thntfs {
 
 /// Standard output in big pieces. A reader that has gone away (a closed pipe) ends the output without a word; any
-/// other failure shows in Failed.
+/// other failure is told by Finish.
 class Output {
 public:
     Output();
@@ -29,7 +29,10 @@ public:
     }
     void Flush();
 
-    [[nodiscard]] ErrorCode Failed() const { return failure_; }
+    /// Flushes, and gives the exit code that a command is to end with: `code`, or kExitFailed, with a message,
+    /// where the data could not be written.
+    int Finish(int code);
+
     /// True where nothing that is still to come can be written.
     [[nodiscard]] bool Closed() const { return failure_ != kErrorNone; }
     [[nodiscard]] File& Handle() { return *file_; }
@@ -50,5 +53,8 @@ void PrintMessage(std::string_view text);
 
 /// A byte count for people: "512 bytes", "4.0 KB", "1.2 MB", "3.4 GB".
 std::string ByteText(std::uint64_t bytes);
+
+/// A number of things for people: "1 file", "2 files".
+std::string CountText(std::uint64_t count, const std::string& one, const std::string& more);
 
 } // namespace thntfs

@@ -24,7 +24,6 @@ void PrintCandidates(Output& output, bool asJson) {
     if (asJson) {
         output.Put(array.dump(2) + "\n");
     }
-    output.Flush();
 }
 
 } // namespace
@@ -32,11 +31,11 @@ void PrintCandidates(Output& output, bool asJson) {
 int RunPartitions(const Options& options) {
     Session session(options);
     const int code = session.OpenMedium();
+    Output output;
     if (code == kExitDone || options.Json) {
-        Output output;
         PrintCandidates(output, options.Json);
     }
-    return code;
+    return output.Finish(code);
 }
 
 } // namespace thntfs

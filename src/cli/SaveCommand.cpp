@@ -54,8 +54,7 @@ std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver)
     return missing;
 }
 
-void PrintTotals(const SaveTotals& totals, const Options& options) {
-    Output output;
+void PrintTotals(Output& output, const SaveTotals& totals, const Options& options) {
     if (options.Json) {
         const nlohmann::ordered_json object = {{"files", totals.Files},     {"folders", totals.Folders},
                                                {"bytes", totals.Bytes},     {"damaged", totals.Damaged},
@@ -63,20 +62,27 @@ void PrintTotals(const SaveTotals& totals, const Options& options) {
                                                {"target", options.Target}};
         output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
     } else {
-        std::string line = "Saved " + std::to_string(totals.Files) + " files (" + std::to_string(totals.Bytes) +
-                           " bytes) in " + std::to_string(totals.Folders) + " folders to " + options.Target;
+        std::string line = "Saved " + CountText(totals.Files, "file", "files") + " (" +
+                           CountText(totals.Bytes, "byte", "bytes") + ") in " +
+                           CountText(totals.Folders, "folder", "folders") + " to ";
+        AppendPrintable(line, options.Target);
         if (totals.Damaged != 0) {
-            line += "; " + std::to_string(totals.Damaged) + " of them are damaged";
+            line += "; " + std::to_string(totals.Damaged) + " of them damaged";
         }
         if (totals.Failed != 0) {
-            line += "; " + std::to_string(totals.Failed) + " entries could not be saved";
+            line += "; " + CountText(totals.Failed, "entry", "entries") + " could not be saved";
+        }
+        if (totals.Stopped) {
+            line += "; stopped before the end";
         }
         output.Put(line + "\n");
     }
-    output.Flush();
 }
 
 int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked) {
+    if (Engine.ScanRunFlag == 0) {
+        return kExitDoneInPart;
+    }
     if (totals.Files == 0 && totals.Folders == 0 && (totals.Failed != 0 || totals.Stopped || missing == asked)) {
         return asked == 0 && totals.Failed == 0 && !totals.Stopped ? kExitDone : kExitFailed;
     }
@@ -88,11 +94,12 @@ int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked)
 int RunSave(const Options& options) {
     Session session(options);
     std::unique_ptr<TargetFolder> target;
-    if (const int code = OpenTarget(options, target); code != kExitDone) {
-        return code;
-    }
-    if (const int code = session.OpenCatalogueOfMedium(); code != kExitDone) {
-        return code;
+    int opened = session.OpenMedium();
+    opened = opened == kExitDone ? session.OpenVolume() : opened;
+    opened = opened == kExitDone ? OpenTarget(options, target) : opened;
+    opened = opened == kExitDone ? session.ScanVolume() : opened;
+    if (opened != kExitDone) {
+        return opened;
     }
     TerminalListener listener;
     EntrySaver saver(std::move(target), listener, options.Deleted);
@@ -105,9 +112,10 @@ int RunSave(const Options& options) {
         missing = paths.size();
     }
     session.Host.Bar.End();
-    PrintTotals(saver.Totals(), options);
+    Output output;
+    PrintTotals(output, saver.Totals(), options);
     const int code = ExitCodeOf(saver.Totals(), missing, options.Paths.size());
-    return code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code;
+    return output.Finish(code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code);
 }
 
 } // namespace thntfs

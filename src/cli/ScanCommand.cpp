@@ -102,11 +102,9 @@ int RunScan(const Options& options) {
             PrintTotals(output, totals);
         }
     } catch (const CUserException&) {
-        output.Flush();
-        return kExitFailed;
+        return output.Finish(kExitFailed);
     }
-    output.Flush();
-    return session.Complete() ? kExitDone : kExitDoneInPart;
+    return output.Finish(session.Complete() ? kExitDone : kExitDoneInPart);
 }
 
 } // namespace thntfs

@@ -47,6 +47,10 @@ Session::~Session() {
 
 int Session::OpenMedium() {
     const ErrorCode code = OpenSource(options_.Medium);
+    if (code == kErrorDirectory) {
+        PrintMessage(options_.Medium + " is a folder. Give a disk, or a file that holds the image of one.");
+        return kExitFailed;
+    }
     if (code != kErrorNone) {
         PrintMessage("Cannot open " + options_.Medium + ": " + SystemErrorText(code));
         if (code == kErrorAccessDenied) {
@@ -60,8 +64,8 @@ int Session::OpenMedium() {
     }
     if (ReadPartitionTable() == 0) {
         PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
-        PrintMessage(SourceIsDevice() ? "Use search for lost partition(s) option."
-                                      : "Please use search for lost partition(s).");
+        PrintMessage("Give the whole disk (/dev/sdb rather than /dev/sdb1) or an image of it. Volumes that the "
+                     "partition table no longer names can't be read yet.");
         return kExitFailed;
     }
     return kExitDone;
@@ -82,7 +86,8 @@ int Session::OpenVolume() {
     }
     LoadVolumeParams(*candidate);
     if (LocateMft() == 0) {
-        PrintMessage("Critical structures not found: the Master File Table of this volume can't be located.");
+        PrintMessage("Critical structures not found: the Master File Table of this volume can't be located, neither "
+                     "where it should be nor by its mirror.");
         return kExitFailed;
     }
     return kExitDone;
@@ -104,7 +109,8 @@ int Session::ScanVolume() {
     CloseCatalogue();
     Host.Bar.End();
     if (!complete_) {
-        PrintMessage("Stopped: what was found so far is shown.");
+        PrintMessage(options_.Chosen == Command::Save ? "Stopped: the volume was not scanned to its end."
+                                                      : "Stopped: what was found so far is shown.");
     }
     complete_ = complete_ && !Host.HadFatal();
     if (OpenCatalogue() == 0) {

@@ -2,6 +2,7 @@
 
 #include "cli/Output.h"
 #include "engine/EngineState.h"
+#include "platform/ErrorCodes.h"
 
 namespace thntfs {
 
@@ -23,11 +24,13 @@ void TerminalHost::LogEvent(const ProcessLogEntry& entry) {
 void TerminalHost::JobProgress() { Bar.Update(Engine.ProgressDone, Engine.ProgressTotal); }
 
 void TerminalHost::ErrorBox(const std::string& text) {
-    if (text != lastBox_) {
+    if (text != lastBox_ && text != SystemErrorText(kErrorBrokenPipe)) {
         PrintMessage("Error: " + text);
     }
     lastBox_ = text;
 }
+
+bool TerminalHost::ReaderGone() const { return lastBox_ == SystemErrorText(kErrorBrokenPipe); }
 
 void TerminalHost::MessageBox(const std::string& text, const std::string& caption, BoxIcon /*icon*/) {
     PrintMessage(caption + ": " + text);

@@ -25,6 +25,9 @@ public:
     /// True once a fatal failure of the medium or of the catalogue has been shown.
     [[nodiscard]] bool HadFatal() const { return !lastBox_.empty(); }
 
+    /// True where the fatal failure was that nobody reads the output any more, which is no fault and isn't shown.
+    [[nodiscard]] bool ReaderGone() const;
+
     ProgressBar Bar;
 
 private:

@@ -33,9 +33,11 @@ TokenSplit SplitAt(std::uint16_t chunkOut) {
 
 class ChunkDecoder {
 public:
-    ChunkDecoder(ConstBytes chunk, Bytes target)
+    /// `behind` is the byte that follows the chunk: a token that begins with the chunk's last byte takes it along.
+    ChunkDecoder(ConstBytes chunk, std::uint8_t behind, Bytes target)
         : chunk_(chunk)
-        , target_(target) {}
+        , target_(target)
+        , behind_(behind) {}
 
     /// Decodes tokens up to the end of the chunk and gives the bytes put out, at most the target's size.
     std::size_t Run() {
@@ -67,7 +69,7 @@ private:
     bool DecodeGroup(unsigned flags) {
         for (unsigned token = 0; token < 8 && chunkIn_ < chunk_.size(); ++token, flags >>= 1U) {
             if ((flags & 1U) != 0) {
-                CopyMatch(NumberAt<std::uint16_t>(chunk_, chunkIn_));
+                CopyMatch(TokenAt(chunkIn_));
                 chunkIn_ += 2;
             } else if (chunkOut_ >= target_.size()) {
                 return false;
@@ -76,6 +78,11 @@ private:
             }
         }
         return true;
+    }
+
+    [[nodiscard]] std::uint16_t TokenAt(std::size_t at) const {
+        return chunk_.size() - at >= 2 ? NumberAt<std::uint16_t>(chunk_, at)
+                                       : static_cast<std::uint16_t>(chunk_[at] | behind_ << 8U);
     }
 
     void CopyMatch(std::uint16_t token) {
@@ -122,6 +129,7 @@ private:
 
     ConstBytes chunk_;
     Bytes target_;
+    std::uint8_t behind_;
     std::size_t chunkIn_ = 0;
     std::uint16_t chunkOut_ = 0;
 };
@@ -166,7 +174,9 @@ std::size_t DecompressLznt1(ConstBytes source, Bytes target) {
         const std::size_t length = (header & kLengthBits) + 1U;
         const ConstBytes chunk = Part(source, in + kHeaderBytes, length);
         const Bytes room = target.subspan(out);
-        out += (header & kCompressedBit) != 0 ? ChunkDecoder(chunk, room).Run() : CopyPlainChunk(chunk, length, room);
+        const std::uint8_t behind = U8At(source, in + kHeaderBytes + length);
+        out += (header & kCompressedBit) != 0 ? ChunkDecoder(chunk, behind, room).Run()
+                                              : CopyPlainChunk(chunk, length, room);
         in += kHeaderBytes + length;
     } while (in < source.size() && out < target.size());
     return out;

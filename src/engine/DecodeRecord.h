@@ -20,6 +20,7 @@ struct DecodedEntry : CatalogueEntry {
     [[nodiscard]] std::u16string_view Name() const { return {NameBuffer.data(), NameLength}; }
     void SetName(std::u16string_view name);
     void ClearName() { NameLength = 0; }
+    void Clear() { static_cast<CatalogueEntry&>(*this) = CatalogueEntry(); }
 };
 
 /// Turns a checked FILE record into an entry: name, parent, size, dates, Flags, and for a folder the number that

@@ -122,7 +122,10 @@ int IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord& 
         return 0;
     }
     int result = 0;
-    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+    // One attribute that starts right behind the used bytes is still looked at.
+    bool within = true;
+    for (AttributeWalk walk(record); within; walk.Next()) {
+        within = walk.Valid();
         const Attribute attribute = walk.Current();
         const std::uint32_t type = attribute.Type();
         if (type == kTypeEnd || (wanted.EndsAboveData && (type == 0 || type > kTypeData))) {

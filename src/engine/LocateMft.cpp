@@ -137,7 +137,8 @@ void DecodeTableRuns(ConstBytes record) {
         CollectMftExtents(ReadTableAttributeList(record, second));
         return;
     }
-    for (walk.Next(); walk.Valid(); walk.Next()) {
+    while (walk.Valid()) {
+        walk.Next(); // the attribute that starts right behind the used bytes is still looked at
         const Attribute attribute = walk.Current();
         if (attribute.Type() == kTypeData) {
             TakeExtentsOfData(record, attribute);

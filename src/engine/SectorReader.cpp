@@ -27,7 +27,7 @@ void ReportFailedRead(std::uint64_t sector, ErrorCode code) {
 ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
     const std::size_t sectorBytes = Engine.SourceDisk.BytesPerSector;
     if (sectorBytes == 0) {
-        return code;
+        return Engine.ScanRunFlag == 0 ? kErrorNone : code;
     }
     std::uint64_t sector = firstSector;
     for (std::size_t position = 0; position < buffer.size(); position += sectorBytes, ++sector) {

@@ -29,7 +29,7 @@ ErrorCode PagedFile::ReadPages(std::uint64_t offset, Bytes buffer, std::size_t& 
         }
         const std::size_t inPage = position % kPageBytes;
         const std::size_t count = std::min(wanted - got, kPageBytes - inPage);
-        std::memcpy(buffer.data() + got, last_->Data.data() + inPage, count);
+        std::memcpy(buffer.data() + got, last_->Data + inPage, count);
         got += count;
     }
     return kErrorNone;
@@ -48,7 +48,7 @@ ErrorCode PagedFile::WritePages(std::uint64_t offset, ConstBytes bytes) {
         }
         const std::size_t inPage = position % kPageBytes;
         const std::size_t count = std::min(bytes.size() - done, kPageBytes - inPage);
-        std::memcpy(last_->Data.data() + inPage, bytes.data() + done, count);
+        std::memcpy(last_->Data + inPage, bytes.data() + done, count);
         MarkWritten(position + count);
         done += count;
     }
@@ -70,11 +70,11 @@ ErrorCode PagedFile::UsePage(std::uint64_t number) {
     return kErrorNone;
 }
 
-PagedFile::Page* PagedFile::BufferedPage(std::uint64_t number) const {
+PagedFile::Page* PagedFile::BufferedPage(std::uint64_t number) {
     if (number >= table_.size() || table_[number] == 0) {
         return nullptr;
     }
-    return pages_[table_[number] - 1].get();
+    return &pages_[table_[number] - 1];
 }
 
 ErrorCode PagedFile::LoadPage(std::uint64_t number, Page*& page) {
@@ -86,7 +86,7 @@ ErrorCode PagedFile::LoadPage(std::uint64_t number, Page*& page) {
     if (error != kErrorNone) {
         return error;
     }
-    Page& place = *pages_[slot - 1];
+    Page& place = pages_[slot - 1];
     error = FillPage(number, place);
     if (error != kErrorNone) {
         return error;
@@ -98,30 +98,40 @@ ErrorCode PagedFile::LoadPage(std::uint64_t number, Page*& page) {
     return kErrorNone;
 }
 
+void PagedFile::AddPage() {
+    constexpr std::size_t pagesInBlock = kBigBlockBytes / kPageBytes;
+    ForgetLast(); // the pages may move
+    if (pages_.size() == blocks_.size() * pagesInBlock) {
+        blocks_.push_back(MakeBigBlock());
+    }
+    const std::size_t place = pages_.size() % pagesInBlock;
+    pages_.emplace_back().Data = blocks_.back().get() + place * kPageBytes;
+}
+
 ErrorCode PagedFile::FillPage(std::uint64_t number, Page& page) {
     const std::uint64_t start = number * kPageBytes;
     std::size_t got = 0;
     if (start < storedSize_) {
         const auto stored =
             static_cast<std::size_t>(std::min<std::uint64_t>(kPageBytes, storedSize_ - start));
-        const ErrorCode error = file_->ReadAt(start, Bytes(page.Data).first(stored), got);
+        const ErrorCode error = file_->ReadAt(start, Bytes(page.Data, stored), got);
         if (error != kErrorNone) {
             return error;
         }
     }
-    std::fill(page.Data.begin() + static_cast<std::ptrdiff_t>(got), page.Data.end(), std::uint8_t{0});
+    std::fill(page.Data + got, page.Data + kPageBytes, std::uint8_t{0});
     return kErrorNone;
 }
 
 /// A place that holds no page of the file. After a failed load there may be several.
 ErrorCode PagedFile::FreePlace(Slot& slot) {
     if (pages_.size() < maxPages_) {
-        pages_.push_back(std::make_unique_for_overwrite<Page>());
+        AddPage();
         slot = static_cast<Slot>(pages_.size());
         return kErrorNone;
     }
     slot = ChooseVictim();
-    Page& victim = *pages_[slot - 1];
+    Page& victim = pages_[slot - 1];
     if (victim.Changed) {
         const ErrorCode error = StoreRun(victim.Number);
         if (error != kErrorNone) {
@@ -143,7 +153,7 @@ PagedFile::Slot PagedFile::ChooseVictim() {
     while (true) {
         const std::size_t place = hand_;
         hand_ = (hand_ + 1) % pages_.size();
-        Page& page = *pages_[place];
+        Page& page = pages_[place];
         if (!page.Recent || page.Number == kNoPage) {
             return static_cast<Slot>(place + 1);
         }
@@ -176,12 +186,12 @@ ErrorCode PagedFile::StoreRun(std::uint64_t first) {
     while (end - first < kJoinedPages && next != nullptr && next->Changed) {
         next = BufferedPage(++end);
     }
-    ConstBytes bytes = ConstBytes(BufferedPage(first)->Data).first(BytesInUse(first));
+    ConstBytes bytes = ConstBytes(BufferedPage(first)->Data, BytesInUse(first));
     if (end - first > 1) {
         joined_.clear();
         for (std::uint64_t number = first; number < end; ++number) {
-            const auto data = BufferedPage(number)->Data.begin();
-            joined_.insert(joined_.end(), data, data + static_cast<std::ptrdiff_t>(BytesInUse(number)));
+            const std::uint8_t* data = BufferedPage(number)->Data;
+            joined_.insert(joined_.end(), data, data + BytesInUse(number));
         }
         bytes = joined_;
     }

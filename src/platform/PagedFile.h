@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/BigBlock.h"
 #include "platform/File.h"
 
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -33,7 +33,7 @@ public:
         const std::uint64_t inPage = offset - lastStart_;
         if (inPage < lastBytes_ && buffer.size() <= lastBytes_ - inPage && offset + buffer.size() <= size_ &&
             !buffer.empty()) {
-            std::memcpy(buffer.data(), last_->Data.data() + inPage, buffer.size());
+            std::memcpy(buffer.data(), last_->Data + inPage, buffer.size());
             got = buffer.size();
             return kErrorNone;
         }
@@ -45,7 +45,7 @@ public:
     ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) {
         const std::uint64_t inPage = offset - lastStart_;
         if (inPage < lastBytes_ && bytes.size() <= lastBytes_ - inPage && !bytes.empty()) {
-            std::memcpy(last_->Data.data() + inPage, bytes.data(), bytes.size());
+            std::memcpy(last_->Data + inPage, bytes.data(), bytes.size());
             MarkWritten(offset + bytes.size());
             return kErrorNone;
         }
@@ -62,7 +62,7 @@ private:
         std::uint64_t Number = kNoPage;
         bool Changed = false;
         bool Recent = false; ///< used since the hand last passed
-        std::array<std::uint8_t, kPageBytes> Data;
+        std::uint8_t* Data = nullptr; ///< kPageBytes in one of blocks_: apart, so that a look-up touches little memory
     };
 
     /// Place in pages_ plus one of a page of the file, 0 where it is not buffered.
@@ -80,20 +80,22 @@ private:
     ErrorCode WritePages(std::uint64_t offset, ConstBytes bytes);
     ErrorCode UsePage(std::uint64_t number);
     ErrorCode LoadPage(std::uint64_t number, Page*& page);
+    void AddPage();
     ErrorCode FillPage(std::uint64_t number, Page& page);
     ErrorCode FreePlace(Slot& slot);
     Slot ChooseVictim();
     void ForgetLast();
     ErrorCode StoreRun(std::uint64_t first);
     ErrorCode StoreBytes(std::uint64_t start, ConstBytes bytes);
-    [[nodiscard]] Page* BufferedPage(std::uint64_t number) const;
+    [[nodiscard]] Page* BufferedPage(std::uint64_t number);
     [[nodiscard]] std::size_t BytesInUse(std::uint64_t number) const;
 
     std::unique_ptr<File> file_;
     std::size_t maxPages_;
     std::uint64_t size_;
     std::uint64_t storedSize_; ///< bytes that the file itself holds
-    std::vector<std::unique_ptr<Page>> pages_;
+    std::vector<BigBlock> blocks_;
+    std::vector<Page> pages_;
     std::vector<Slot> table_;          ///< by page number, as long as the highest page that was used
     std::vector<std::uint8_t> joined_; ///< neighbouring pages on their way to one write
     std::size_t hand_ = 0;

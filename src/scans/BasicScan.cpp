@@ -16,11 +16,20 @@ namespace {
 
 constexpr std::uint32_t kBatchSectors = 128;
 
+// How far ahead of its use a folder's node is fetched from memory.
+constexpr std::size_t kPrefetchAhead = 8;
+
+struct DecodedRecord {
+    DecodedEntry Entry;
+    bool Directory = false;
+};
+
 class TableWalk {
 public:
     TableWalk()
         : batchRecords_(std::max(1U, kBatchSectors / Engine.VolumeParams.SectorsPerFileRecord))
-        , batch_(std::size_t{batchRecords_} * Engine.VolumeParams.FileRecordBytes) {}
+        , batch_(std::size_t{batchRecords_} * Engine.VolumeParams.FileRecordBytes)
+        , decoded_(batchRecords_) {}
 
     void Run();
     [[nodiscard]] bool Stopped() const { return stopped_; }
@@ -30,11 +39,15 @@ private:
     void WalkExtent(const MftExtent& extent);
     void ReportProgress() const;
     void ReadBatch(std::uint32_t records);
-    void ProcessRecord(Bytes record);
+    void DecodeBatch(std::uint32_t records);
+    void DecodeSlot(Bytes record);
+    void CatalogueBatch();
     [[nodiscard]] bool IsBehindMedium() const;
 
     std::uint32_t batchRecords_;
     std::vector<std::uint8_t> batch_;
+    std::vector<DecodedRecord> decoded_; ///< of the batch in hand; the first decodedCount_ count
+    std::size_t decodedCount_ = 0;
     std::uint64_t recordSector_ = 0; ///< absolute sector of the record slot in hand
     std::uint32_t recordIndex_ = 0;  ///< record slots passed, valid or not
     std::uint32_t nextEntryId_ = kFirstEntryId;
@@ -67,11 +80,13 @@ void TableWalk::WalkExtent(const MftExtent& extent) {
         const std::uint32_t records = std::min(left, batchRecords_);
         left -= records;
         ReadBatch(records);
-        for (std::uint32_t i = 0; i < records; ++i) {
-            ProcessRecord(Bytes(batch_).subspan(std::size_t{i} * volume.FileRecordBytes, volume.FileRecordBytes));
-            recordSector_ += volume.SectorsPerFileRecord;
-            ++recordIndex_;
+        try {
+            DecodeBatch(records);
+        } catch (const CUserException&) {
+            CatalogueBatch(); // what stood in front of the record that couldn't be followed
+            throw;
         }
+        CatalogueBatch();
     }
 }
 
@@ -93,13 +108,27 @@ bool TableWalk::IsBehindMedium() const {
            recordSector_ > disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
 }
 
-void TableWalk::ProcessRecord(Bytes record) {
+// A batch is decoded as a whole and then catalogued: the parents' places in the folder tree are on their way from
+// memory meanwhile.
+void TableWalk::DecodeBatch(std::uint32_t records) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    decodedCount_ = 0;
+    for (std::uint32_t i = 0; i < records; ++i) {
+        DecodeSlot(Bytes(batch_).subspan(std::size_t{i} * volume.FileRecordBytes, volume.FileRecordBytes));
+        recordSector_ += volume.SectorsPerFileRecord;
+        ++recordIndex_;
+    }
+}
+
+void TableWalk::DecodeSlot(Bytes record) {
     const VolumeParams& volume = Engine.VolumeParams;
     if (U32At(record, 0) != kFileMagic || BaseReference(record) != 0 ||
         CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
         return;
     }
-    DecodedEntry entry;
+    DecodedRecord& decoded = decoded_[decodedCount_];
+    DecodedEntry& entry = decoded.Entry;
+    entry.Clear();
     if (DecodeFileRecord(record, entry) == 0) {
         return;
     }
@@ -109,7 +138,19 @@ void TableWalk::ProcessRecord(Bytes record) {
         entry.RecordNumber = recordIndex_;
     }
     entry.RecordSector = recordSector_;
-    CatalogueRecord(entry, IsDirectory(record), nextEntryId_);
+    decoded.Directory = IsDirectory(record);
+    Engine.Folders->PrefetchSlot(entry.ParentNumber);
+    ++decodedCount_;
+}
+
+void TableWalk::CatalogueBatch() {
+    for (std::size_t i = 0; i < decodedCount_; ++i) {
+        if (i + kPrefetchAhead < decodedCount_) {
+            Engine.Folders->PrefetchNode(decoded_[i + kPrefetchAhead].Entry.ParentNumber);
+        }
+        CatalogueRecord(decoded_[i].Entry, decoded_[i].Directory, nextEntryId_);
+    }
+    decodedCount_ = 0;
 }
 
 } // namespace

@@ -46,12 +46,12 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
     EXPECT_EQ(volume.FileRecordBytes, 10U);
     EXPECT_EQ(volume.IndexBlockBytes, 11U);
     EXPECT_EQ(volume.VolumeSerial, 12U);
-    EXPECT_EQ(volume.MftSector, 640U);
+    EXPECT_EQ(volume.MftSector, 160U);
 }
 
 TEST_F(EngineStateTest, ResetClosesAndClears) {
     OpenVolume(VolumeBuilder());
-    Engine.SourceDisk.Description = u"x";
+    Engine.SourceDisk.Description.assign(1, u'x');
     Engine.SourceDisk.Partitions.Append(std::make_unique<PartitionCandidate>());
     Engine.ScanRunFlag = 1;
     Engine.NamesEnd = 12;
@@ -85,8 +85,8 @@ TEST_F(EngineStateTest, StoredVolumeAndExtentBytes) {
     const ByteVector head(stored.begin(), stored.begin() + 8);
     const ByteVector tail(stored.begin() + 40, stored.end());
     EXPECT_EQ(head, (ByteVector{8, 7, 6, 5, 4, 3, 2, 1}));
-    EXPECT_EQ(tail, (ByteVector{0x80, 0, 0,    0, 0, 0,    0, 0, 1, 0, 0,    0, 0x44, 0x33, 0x22, 0x11, 0,
-                                4,    0, 0,    0, 0x10, 0, 0, 0, 0x80, 0, 0, 0,    2,    2,    8,    64, 1}));
+    EXPECT_EQ(tail, (ByteVector{0x80, 0, 0, 0, 0,    0, 0, 0, 1,    0, 0, 0, 0x44, 0x33, 0x22, 0x11, 0,
+                                4,    0, 0, 0, 0x10, 0, 0, 0, 0x80, 0, 0, 0, 2,    2,    8,    64,   1}));
     bool linked = false;
     EXPECT_EQ(EncodeVolume(DecodeVolume(stored, linked))[48], 0) << "decoding brings no extents along";
     EXPECT_TRUE(linked);
@@ -95,7 +95,8 @@ TEST_F(EngineStateTest, StoredVolumeAndExtentBytes) {
     extent.Clusters = 0x01020304;
     extent.StartCluster = 0x0A0B0C0D0E;
     extent.Next = std::make_unique<MftExtent>();
-    EXPECT_EQ(EncodeMftExtent(extent), (StoredMftExtent{4, 3, 2, 1, 14, 13, 12, 11, 10, 0, 0, 0, 1, 0, 0, 0}));
+    EXPECT_EQ(EncodeMftExtent(extent),
+              (StoredMftExtent{4, 3, 2, 1, 14, 13, 12, 11, 10, 0, 0, 0, 1, 0, 0, 0}));
 }
 
 TEST_F(EngineStateTest, StoredDiskCutsAndClosesItsText) {

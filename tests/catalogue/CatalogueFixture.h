@@ -1,0 +1,84 @@
+#pragma once
+
+#include "catalogue/Catalogue.h"
+#include "engine/EngineFixture.h"
+#include "platform/WorkFolder.h"
+
+namespace thntfs::test {
+
+/// The engine with a folder of its own for the catalogue.
+class CatalogueFixture : public EngineFixture {
+protected:
+    CatalogueFixture() {
+        EXPECT_EQ(folder_.Create(), kErrorNone);
+        Engine.CatalogueFolder = folder_.Path();
+    }
+    ~CatalogueFixture() override {
+        CloseCatalogue();
+        Engine.CatalogueFolder.clear();
+    }
+
+    [[nodiscard]] static ByteVector Stored(const char* name) {
+        return ReadWholeFile(Engine.CatalogueFolder + name);
+    }
+    [[nodiscard]] static FolderBlock StoredBlockAt(std::uint32_t offset) {
+        const ByteVector tree = Stored(kTreeFileName);
+        return DecodeBlock(Part(tree, offset, kStoredBlockBytes));
+    }
+    [[nodiscard]] static CatalogueEntry StoredEntryAt(std::uint32_t entryId) {
+        const ByteVector entries = Stored(kEntryFileName);
+        return DecodeEntry(Part(entries, std::uint64_t{entryId} * kStoredEntryBytes, kStoredEntryBytes));
+    }
+
+private:
+    WorkFolder folder_;
+};
+
+/// A catalogue written by hand, entry by entry, as a scan does it.
+class HandWritten {
+public:
+    HandWritten() { EXPECT_EQ(CreateCatalogue(), 1); }
+
+    /// A folder with a chain of its own below another one; gives its node.
+    FolderIndexNode& AddFolder(FolderIndexNode& parent, std::uint32_t number, std::u16string_view name) {
+        FolderIndexNode& node = *Engine.Folders->FindOrAddFolder(number).Node;
+        BeginFolderBlock(node);
+        Append(parent, number, name, kFlagFolder | kFlagLive, node.BlockOffset, 0);
+        return node;
+    }
+
+    /// A file; gives its EntryId.
+    std::uint32_t AddFile(FolderIndexNode& parent, std::u16string_view name, std::uint64_t size = 0) {
+        return Append(parent, 1000 + next_, name, kFlagLive, 0, size);
+    }
+
+    static FolderIndexNode& Root() { return *Engine.Folders->FindOrAddFolder(5).Node; }
+    static FolderIndexNode& Top() { return *Engine.Folders->FindOrAddFolder(0).Node; }
+
+    /// Ends the writing and opens the catalogue for reading.
+    void Finish() const {
+        FinishCatalogue(next_);
+        CloseCatalogue();
+        EXPECT_EQ(OpenCatalogue(), 1);
+    }
+
+private:
+    std::uint32_t Append(FolderIndexNode& parent, std::uint32_t number, std::u16string_view name,
+                         std::uint16_t flags, std::uint32_t block, std::uint64_t size) {
+        CatalogueEntry entry;
+        entry.Size = size;
+        entry.EntryId = next_;
+        entry.RecordNumber = number;
+        entry.ParentNumber = parent.RecordNumber;
+        entry.BlockOffset = block;
+        entry.Flags = flags;
+        entry.RecordSector = 1;
+        AppendEntry(entry, name);
+        AddChild(parent, next_);
+        return next_++;
+    }
+
+    std::uint32_t next_ = kFirstEntryId;
+};
+
+} // namespace thntfs::test

@@ -1,0 +1,267 @@
+#include "catalogue/CatalogueReader.h"
+
+#include "catalogue/CatalogueFixture.h"
+#include "catalogue/EntryWalk.h"
+#include "catalogue/FindEntry.h"
+#include "support/FailingFileStore.h"
+
+#include <set>
+
+namespace thntfs::test {
+
+namespace {
+
+class CatalogueReaderTest : public CatalogueFixture {
+protected:
+    /// Puts a word into a file of the closed catalogue and opens it.
+    static void Damage(const char* name, std::uint64_t offset, std::uint32_t word) {
+        CloseCatalogue();
+        ByteVector bytes = Stored(name);
+        PutNumber(bytes, offset, word);
+        WriteFileBytes(Engine.CatalogueFolder + name, bytes);
+        ASSERT_EQ(OpenCatalogue(), 1);
+    }
+
+    EntryList List(std::uint32_t block, bool keepFiles = true) {
+        return ListFolder(block, Bytes, Files, Folders, keepFiles);
+    }
+
+    static std::vector<std::uint32_t> IdsOf(const EntryList& list) {
+        std::vector<std::uint32_t> ids;
+        for (const CatalogueItem* item = list.First(); item != nullptr; item = item->Next.get()) {
+            ids.push_back(item->EntryId);
+        }
+        return ids;
+    }
+
+    /// Paths of a walk, by both reaches.
+    static std::vector<std::string> WalkAll(const WalkStart& start = {}) {
+        std::vector<std::string> paths;
+        for (const WalkReach reach : {WalkReach::Part, WalkReach::Whole}) {
+            std::vector<std::string> found;
+            EntryWalk walk(start, reach);
+            while (walk.Next()) {
+                found.push_back(walk.Path());
+            }
+            EXPECT_FALSE(walk.Next());
+            EXPECT_TRUE(paths.empty() || found == paths);
+            paths = found;
+        }
+        return paths;
+    }
+
+    std::uint64_t Bytes = 0;
+    std::uint32_t Files = 0;
+    std::uint32_t Folders = 0;
+};
+
+using Ids = std::vector<std::uint32_t>;
+using Paths = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(CatalogueReaderTest, LoadsEveryField) {
+    HandWritten written;
+    CatalogueEntry entry;
+    entry.Size = 0x1122334455667788;
+    entry.RecordSector = 0x99AABBCCDDEE;
+    entry.EntryId = 2;
+    entry.RecordNumber = 3;
+    entry.ParentNumber = 4;
+    entry.BlockOffset = 5;
+    entry.Flags = 0x0829;
+    entry.CreatedDate = 7;
+    entry.AccessedDate = 8;
+    AppendEntry(entry, u"n\u00E4me");
+    written.Finish();
+    const auto item = LoadEntry(2);
+    EXPECT_EQ(item->Size, 0x1122334455667788U);
+    EXPECT_EQ(item->RecordSector, 0x99AABBCCDDEEU);
+    EXPECT_EQ((Ids{item->EntryId, item->RecordNumber, item->ParentNumber, item->BlockOffset}),
+              (Ids{2, 3, 4, 5}));
+    EXPECT_EQ((Ids{item->Flags, item->CreatedDate, item->AccessedDate, item->NameLength}),
+              (Ids{0x0829, 7, 8, 4}));
+    EXPECT_EQ(item->Name, u"n\u00E4me");
+    EXPECT_EQ(CatalogueEntryCount(), 3U);
+
+    EXPECT_EQ(LoadEntry(0)->Name, u"#");
+    EXPECT_EQ(LoadEntry(0)->BlockOffset, 0U);
+    const auto behind = LoadEntry(3);
+    EXPECT_EQ(behind->EntryId + behind->Flags + behind->NameLength, 0U);
+    EXPECT_TRUE(behind->Name.empty());
+    EXPECT_NE(LoadEntry(0xFFFFFFFF), nullptr);
+    EXPECT_TRUE(Reports.Boxes.empty());
+    CloseCatalogue();
+    EXPECT_EQ(LoadEntry(0), nullptr);
+    EXPECT_EQ(CatalogueEntryCount(), 0U);
+}
+
+TEST_F(CatalogueReaderTest, NamesThatTheFileDoesNotHold) {
+    HandWritten written;
+    written.AddFile(HandWritten::Root(), u"");
+    written.AddFile(HandWritten::Root(), u"abc");
+    written.Finish();
+    EXPECT_EQ(LoadEntry(2)->Name, u"");
+    Damage(kEntryFileName, 3 * 44 + 36, 0xFFFF); // and Flags to 0
+    EXPECT_EQ(LoadEntry(3)->Name, u"abc");
+    EXPECT_EQ(LoadEntry(3)->NameLength, 0xFFFF);
+    Damage(kEntryFileName, 3 * 44 + 32, 0xFFFFFFF0);
+    EXPECT_EQ(LoadEntry(3)->Name, u"");
+}
+
+TEST_F(CatalogueReaderTest, ListsFilesThenFoldersEachInReverse) {
+    HandWritten written;
+    for (std::uint32_t i = 0; i < 40; ++i) {
+        if (i % 4 == 3) {
+            written.AddFolder(HandWritten::Root(), 100 + i, u"folder");
+        } else {
+            written.AddFile(HandWritten::Root(), u"file", 0xFFFFFFFF);
+        }
+    }
+    written.Finish();
+    Ids expected;
+    for (std::uint32_t i = 40; i-- > 0;) {
+        if (i % 4 != 3) {
+            expected.push_back(i + 2);
+        }
+    }
+    const Ids files = expected;
+    Ids folders;
+    for (std::uint32_t i = 40; i-- > 0;) {
+        if (i % 4 == 3) {
+            folders.push_back(i + 2);
+        }
+    }
+    expected.insert(expected.end(), folders.begin(), folders.end());
+    Files = 7;
+    EXPECT_EQ(IdsOf(List(128)), expected);
+    EXPECT_EQ(Bytes, 30 * std::uint64_t{0xFFFFFFFF});
+    EXPECT_EQ(Files, 37U) << "counters are added to";
+    EXPECT_EQ(Folders, 10U);
+    EXPECT_EQ(IdsOf(List(128, false)), folders);
+    EXPECT_EQ(Files, 67U);
+    EXPECT_EQ(Bytes, 60 * std::uint64_t{0xFFFFFFFF});
+    EXPECT_TRUE(List(StoredEntryAt(5).BlockOffset).Empty());
+    EXPECT_EQ(Folders, 20U);
+    EXPECT_EQ(IdsOf(List(0)), (Ids{1}));
+
+    Damage(kTreeFileName, 128 + 8 + 4 * 5, 0); // a free slot in the middle
+    EXPECT_EQ(IdsOf(List(128)).size(), 39U);
+    EXPECT_TRUE(List(0x7FFFFF80).Empty()) << "behind the end of TreeFile";
+}
+
+TEST_F(CatalogueReaderTest, BlocksAndEntriesThatCannotBeRead) {
+    HandWritten written;
+    written.AddFile(HandWritten::Root(), u"file");
+    written.Finish();
+    CloseCatalogue();
+    FailingFileStore store;
+    SetFileStore(&store);
+    ASSERT_EQ(OpenCatalogue(), 1);
+    store.FailAt(1, kErrorCrc);
+    EXPECT_THROW(List(128), CUserException);
+    EXPECT_EQ(Reports.Boxes.size(), 1U);
+    store.FailAt(2, kErrorCrc);
+    EXPECT_TRUE(List(128).Empty()) << "the entry is left out, the listing goes on";
+    EXPECT_EQ(Reports.Boxes.size(), 2U);
+    EXPECT_EQ(IdsOf(List(128)), (Ids{2}));
+}
+
+TEST_F(CatalogueReaderTest, WalksDepthFirst) {
+    HandWritten written;
+    FolderIndexNode& one = written.AddFolder(HandWritten::Root(), 100, u"one"); // 2
+    written.AddFile(HandWritten::Root(), u"last");
+    FolderIndexNode& deep = written.AddFolder(one, 101, u"deep");
+    written.AddFile(deep, u"x");
+    written.AddFile(one, u"y");
+    FolderIndexNode& lost = *Engine.Folders->FindOrAddPlaceholder(300).Node;
+    BeginFolderBlock(lost);
+    written.AddFile(lost, u"z");
+    written.AddFile(HandWritten::Top(), u"topfile");
+    written.Finish();
+    EXPECT_EQ(WalkAll(), (Paths{"", "/one", "/one/deep", "/one/deep/x", "/one/y", "/last", "topfile", "#300",
+                                "#300/z"}));
+    EXPECT_EQ(WalkAll({StoredEntryAt(2).BlockOffset, "/one", false}),
+              (Paths{"/one/deep", "/one/deep/x", "/one/y"}));
+
+    EntryWalk walk({128, "", false});
+    ASSERT_TRUE(walk.Next());
+    EXPECT_EQ(walk.Depth(), 0U);
+    walk.SkipFolder();
+    ASSERT_TRUE(walk.Next());
+    EXPECT_EQ(walk.Path(), "/last");
+}
+
+TEST_F(CatalogueReaderTest, CirclesEnd) {
+    HandWritten written;
+    FolderIndexNode& one = written.AddFolder(HandWritten::Root(), 100, u"one"); // 2, block 256
+    FolderIndexNode& two = written.AddFolder(one, 101, u"two");                 // 3, block 384
+    written.AddFile(two, u"x");                                                 // 4
+    written.AddFile(HandWritten::Root(), u"last");                              // 5
+    written.Finish();
+    const Paths whole = {"", "/one", "/one/two", "/one/two/x", "/last"};
+    Damage(kTreeFileName, 384 + 12, 2); // the inner folder holds the outer one
+    EXPECT_EQ(WalkAll(), whole);
+    Damage(kTreeFileName, 384 + 4, 256); // and its chain leads into the outer one's
+    EXPECT_EQ(WalkAll(), whole);
+    Damage(kTreeFileName, 128 + 4, 128); // a block that follows itself
+    EXPECT_EQ(WalkAll(), whole);
+    EXPECT_LE(List(128).Count(), 40U);
+    EXPECT_FALSE(FindEntries("/one/two/x").empty());
+    EXPECT_TRUE(FindEntries("/one/two/x/one").empty());
+    Damage(kTreeFileName, 256 + 12, 0xFFFFFFFF); // no such entry
+    EXPECT_EQ(WalkAll(), whole);
+    Damage(kTreeFileName, 8, 2); // the root is gone from the top and stands in the inner folder
+    Damage(kTreeFileName, 384 + 16, 1);
+    Damage(kTreeFileName, 384 + 20, 5);
+    Damage(kTreeFileName, 128 + 12, 0);
+    EXPECT_EQ(WalkAll(), (Paths{"one", "one/two", "one/two/x", "one/two/ Root", "one/two/last"}));
+}
+
+TEST_F(CatalogueReaderTest, FindsAllEntriesOfAPath) {
+    HandWritten written;
+    FolderIndexNode& first = written.AddFolder(HandWritten::Root(), 100, u"a");  // 2
+    FolderIndexNode& second = written.AddFolder(HandWritten::Root(), 101, u"a"); // 3
+    written.AddFile(first, u"x");                                                // 4
+    written.AddFile(second, u"x");                                               // 5
+    written.AddFile(HandWritten::Root(), u"a/x");                                // 6
+    FolderIndexNode& slashed = written.AddFolder(first, 102, u"b/c");            // 7
+    written.AddFile(slashed, u"d");                                              // 8
+    FolderIndexNode& lost = written.AddFolder(HandWritten::Top(), 103, u"#9");   // 9
+    written.AddFile(lost, u"\u00E4");                                            // 10
+    written.AddFile(second, u"");                                                // 11
+    written.Finish();
+    const auto ids = [](std::string_view path) {
+        Ids found;
+        for (const LocatedEntry& entry : FindEntries(path)) {
+            found.push_back(entry.Item.EntryId);
+        }
+        return found;
+    };
+    EXPECT_EQ(ids(""), (Ids{0}));
+    EXPECT_EQ(ids("/"), (Ids{1}));
+    EXPECT_EQ(ids("/a"), (Ids{2, 3}));
+    EXPECT_EQ(ids("/a/"), (Ids{2, 3}));
+    EXPECT_EQ(ids("/a/x"), (Ids{4, 5, 6}));
+    EXPECT_EQ(ids("/a/b/c/d"), (Ids{8}));
+    EXPECT_EQ(ids("#9"), (Ids{9}));
+    EXPECT_EQ(ids("#9/\xC3\xA4"), (Ids{10}));
+    for (const char* none : {"/A", "a", "/a/x/y", "//a", "/#9", "/a//x", "x", " Root", "/a/x/"}) {
+        EXPECT_EQ(ids(none), std::string_view(none) == "/a/x/" ? (Ids{4, 5, 6}) : Ids{}) << none;
+    }
+    const auto found = FindEntries("/a/b/c/d");
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].Path, "/a/b/c/d");
+    EXPECT_EQ(found[0].Folders, (std::vector<std::u16string>{u"a", u"b/c"}));
+
+    // Whatever path a walk tells leads back to its entry.
+    EntryWalk walk({});
+    while (walk.Next()) {
+        const Ids back = ids(walk.Item().EntryId == 1 ? "/" : walk.Path());
+        if (!walk.Item().Name.empty()) {
+            EXPECT_EQ(std::count(back.begin(), back.end(), walk.Item().EntryId), 1) << walk.Path();
+        }
+    }
+}
+
+} // namespace thntfs::test

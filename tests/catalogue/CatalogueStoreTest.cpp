@@ -1,0 +1,203 @@
+#include "catalogue/CatalogueFixture.h"
+#include "catalogue/CatalogueReader.h"
+#include "support/FailingFileStore.h"
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::uint64_t kReadCalls = 3; ///< at the end of WriteAndRead, names among them
+
+class CatalogueStoreTest : public CatalogueFixture {};
+
+/// Writes a small catalogue with lost folders and reads it back. Gives 1 if every step said so.
+int WriteAndRead() {
+    if (CreateCatalogue() == 0) {
+        return 0;
+    }
+    int result = 1;
+    try {
+        std::uint32_t id = kFirstEntryId;
+        for (std::uint32_t number = 100; number < 140; ++number) {
+            FolderIndexNode& node = *Engine.Folders->FindOrAddPlaceholder(number).Node;
+            BeginFolderBlock(node);
+            CatalogueEntry entry;
+            entry.EntryId = id++;
+            AppendEntry(entry, std::u16string(200, u'n'));
+            AddChild(node, entry.EntryId);
+        }
+        FinishCatalogue(id);
+    } catch (const CUserException&) {
+        result = 0;
+    }
+    CloseCatalogue();
+    if (OpenCatalogue() == 0) {
+        return 0;
+    }
+    try {
+        std::uint64_t bytes = 0;
+        std::uint32_t files = 0;
+        std::uint32_t folders = 0;
+        result &= ListFolder(0, bytes, files, folders, true).Count() == 41 ? 1 : 0;
+    } catch (const CUserException&) {
+        result = 0;
+    }
+    CloseCatalogue();
+    return result;
+}
+
+} // namespace
+
+TEST_F(CatalogueStoreTest, SeedsByteForByte) {
+    ASSERT_EQ(CreateCatalogue(), 1);
+    EXPECT_EQ(Engine.NamesEnd, 12U);
+    EXPECT_EQ(Engine.TreeEnd, 128U);
+    FinishCatalogue(kFirstEntryId);
+    CloseCatalogue();
+    EXPECT_EQ(Engine.NamesEnd, 0U);
+    EXPECT_EQ(Engine.Folders, nullptr);
+
+    EXPECT_EQ(Stored(kNameFileName), (ByteVector{0x23, 0, 0x20, 0, 0x52, 0, 0x6F, 0, 0x6F, 0, 0x74, 0}));
+    ByteVector tree(256);
+    tree[8] = 1;
+    tree[128] = 5;
+    EXPECT_EQ(Stored(kTreeFileName), tree);
+    ByteVector entries(88);
+    entries[36] = 1;
+    entries[38] = 0x18;
+    entries[44 + 16] = 1;
+    entries[44 + 20] = 5;
+    entries[44 + 28] = 128;
+    entries[44 + 32] = 2;
+    entries[44 + 36] = 5;
+    entries[44 + 38] = 0x18;
+    EXPECT_EQ(Stored(kEntryFileName), entries);
+}
+
+TEST_F(CatalogueStoreTest, ANewCatalogueReplacesTheOld) {
+    EXPECT_EQ(WriteAndRead(), 1);
+    ASSERT_EQ(CreateCatalogue(), 1);
+    FinishCatalogue(kFirstEntryId);
+    CloseCatalogue();
+    EXPECT_EQ(Stored(kTreeFileName).size(), 256U);
+    EXPECT_EQ(Stored(kEntryFileName).size(), 88U);
+    EXPECT_EQ(CloseCatalogue(), 1) << "closing what is closed";
+}
+
+TEST_F(CatalogueStoreTest, TheThirtyFirstChildBeginsABlock) {
+    for (const std::uint32_t children : {30U, 31U, 60U, 61U}) {
+        SCOPED_TRACE(children);
+        HandWritten written;
+        for (std::uint32_t i = 0; i < children; ++i) {
+            written.AddFile(HandWritten::Root(), u"f");
+        }
+        written.Finish();
+        EXPECT_EQ(Stored(kTreeFileName).size(), 128U * (1 + (children + 29) / 30));
+        std::uint32_t child = kFirstEntryId;
+        std::uint32_t offset = 128;
+        for (std::uint32_t left = children; left > 0; left -= std::min(left, 30U)) {
+            const FolderBlock block = StoredBlockAt(offset);
+            EXPECT_EQ(block.OwnerNumber, 5U);
+            for (std::uint32_t slot = 0; slot < 30; ++slot) {
+                ASSERT_EQ(block.Slots.at(slot), slot < left ? child++ : 0U);
+            }
+            EXPECT_EQ(block.NextBlock, left > 30 ? offset + 128 : 0U);
+            offset = block.NextBlock;
+        }
+    }
+}
+
+TEST_F(CatalogueStoreTest, LostFoldersComeInThePreOrderOfTheTree) {
+    HandWritten written;
+    // 0 with 5 to its right; 9 turns them to 5 over 0 and 9; the others hang below.
+    for (const std::uint32_t number : {9U, 7U, 4000000000U, 3U}) {
+        BeginFolderBlock(*Engine.Folders->FindOrAddPlaceholder(number).Node);
+        written.AddFile(*Engine.Folders->FindOrAddPlaceholder(number).Node, u"child");
+    }
+    written.Finish();
+    std::uint32_t id = 6;
+    for (const std::uint32_t number : {3U, 9U, 7U, 4000000000U}) {
+        const CatalogueEntry entry = StoredEntryAt(id);
+        EXPECT_EQ(entry.EntryId, id);
+        EXPECT_EQ(entry.RecordNumber, number);
+        EXPECT_EQ(entry.ParentNumber, 0U);
+        EXPECT_EQ(entry.Flags, kFlagFolder);
+        EXPECT_EQ(entry.Size + entry.RecordSector + entry.CreatedDate + entry.AccessedDate, 0U);
+        EXPECT_EQ(StoredBlockAt(entry.BlockOffset).OwnerNumber, number);
+        EXPECT_EQ(LoadEntry(id)->Name.substr(0, 2),
+                  std::u16string(u"#") + static_cast<char16_t>('0' + number % 10 + (number > 9 ? 4 : 0)));
+        EXPECT_EQ(StoredBlockAt(0).Slots.at(id - 5), id);
+        ++id;
+    }
+    EXPECT_EQ(LoadEntry(9)->Name, u"#4000000000");
+}
+
+TEST_F(CatalogueStoreTest, WriteCatalogueTakesTwoCodesForSuccess) {
+    FailingFileStore store;
+    std::unique_ptr<File> file;
+    ASSERT_EQ(store.Open(Engine.CatalogueFolder + "/out", FileMode::CreateAlways, file), kErrorNone);
+    const ByteVector bytes(4, 1);
+    EXPECT_EQ(WriteCatalogue(*file, bytes), 1);
+    store.FailAt(1, kErrorInvalidUserBuffer);
+    EXPECT_EQ(WriteCatalogue(*file, bytes), 1);
+    EXPECT_TRUE(Reports.Boxes.empty());
+    store.FailAt(1, kErrorDiskFull);
+    EXPECT_THROW(WriteCatalogue(*file, bytes), CUserException);
+    EXPECT_EQ(Reports.Boxes, std::vector<std::string>{"There is not enough space on the disk."});
+}
+
+TEST_F(CatalogueStoreTest, AStoreThatFailsAtAnyCallIsReported) {
+    FailingFileStore store;
+    SetFileStore(&store);
+    ASSERT_EQ(WriteAndRead(), 1);
+    const std::uint64_t calls = store.Plan().Calls;
+    ASSERT_GT(calls, 15U);
+    for (const bool failOn : {false, true}) {
+        for (std::uint64_t call = 1; call <= calls; ++call) {
+            SCOPED_TRACE(testing::Message() << "call " << call << (failOn ? " and all after it" : ""));
+            store.FailAt(call, kErrorDiskFull, failOn);
+            Reports.Boxes.clear();
+            const int result = WriteAndRead();
+            EXPECT_GE(store.Plan().Failures, 1U);
+            if (call <= calls - kReadCalls) {
+                EXPECT_EQ(result, 0) << "a name that can't be read would do no harm";
+            }
+            EXPECT_EQ(Engine.TreeFile, nullptr);
+            EXPECT_EQ(Engine.Folders, nullptr);
+        }
+    }
+    store.FailAt(0);
+    EXPECT_EQ(WriteAndRead(), 1) << "nothing lasts";
+}
+
+TEST_F(CatalogueStoreTest, APlaceThatCannotBeWrittenShowsAtOnce) {
+    FailingFileStore store;
+    SetFileStore(&store);
+    ASSERT_EQ(CreateCatalogue(), 1);
+    const std::uint64_t calls = store.Plan().Calls;
+    CloseCatalogue();
+    for (std::uint64_t call = 7; call <= calls; ++call) { // behind the three opens and sizes
+        store.FailAt(call);
+        Reports.Boxes.clear();
+        EXPECT_EQ(CreateCatalogue(), 0) << call;
+        EXPECT_EQ(Reports.Boxes.size(), 1U);
+    }
+    SetFileStore(nullptr);
+    Engine.CatalogueFolder += "/missing";
+    EXPECT_EQ(CreateCatalogue(), 0);
+    EXPECT_EQ(OpenCatalogue(), 0);
+}
+
+TEST_F(CatalogueStoreTest, AFailureThatPassesCostsNothing) {
+    FailingFileStore store;
+    SetFileStore(&store);
+    HandWritten written;
+    written.AddFile(HandWritten::Root(), u"kept");
+    store.FailAt(1);
+    EXPECT_THROW(FinishCatalogue(3), CUserException);
+    EXPECT_EQ(Stored(kEntryFileName).size(), 132U) << "the other files are written all the same";
+    CloseCatalogue();
+    EXPECT_EQ(StoredBlockAt(128).Slots[0], 2U);
+}
+
+} // namespace thntfs::test

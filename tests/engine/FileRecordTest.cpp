@@ -1,0 +1,307 @@
+#include "engine/FileRecord.h"
+
+#include "engine/EngineFixture.h"
+
+namespace thntfs::test {
+
+namespace {
+
+const VolumeGeometry kGeometry;
+
+// Standard information at 56 (96 bytes long), file name at 152 (96 long), data at 248 (32 long), end marker
+// at 280, 288 bytes used in the newer form; all of it 8 bytes earlier in the older one.
+RecordBuilder GoodRecord(RecordForm form = RecordForm::Newer) {
+    RecordBuilder record(kGeometry, 30, form);
+    record.AddStandardInformation().AddFileName(NameIn(5, u"abc")).AddData(BytesOf("12345678"));
+    return record;
+}
+
+int Check(ByteVector record, std::uint32_t recordBytes = 1024, std::uint16_t sectorBytes = 512) {
+    return CheckFileRecord(record, recordBytes, sectorBytes);
+}
+
+struct PokeCase {
+    const char* Name;
+    std::size_t Offset;
+    std::size_t Width;
+    std::uint32_t Value;
+    int Expected;
+};
+
+RecordBuilder& Apply(RecordBuilder& record, const PokeCase& poke) {
+    switch (poke.Width) {
+    case 1:
+        return record.Poke8(poke.Offset, static_cast<std::uint8_t>(poke.Value));
+    case 2:
+        return record.Poke16(poke.Offset, static_cast<std::uint16_t>(poke.Value));
+    default:
+        return record.Poke32(poke.Offset, poke.Value);
+    }
+}
+
+class FileRecordTest : public EngineFixture {
+protected:
+    FileRecordTest() { Engine.SourceDisk.BytesPerSector = 512; }
+};
+
+} // namespace
+
+TEST_F(FileRecordTest, OneWrongFieldIsEnough) {
+    const PokeCase cases[] = {
+        {"as it is", 8, 4, 0, 1},
+        {"magic", 0, 4, 0x44414142, 0},
+        {"magic of an index block", 0, 4, 0x58444E49, 0},
+        {"array at 40", 4, 2, 40, 0},
+        {"array at 50", 4, 2, 50, 0},
+        {"array a word short", 6, 2, 2, 0},
+        {"array a word long", 6, 2, 4, 0},
+        {"no array", 6, 2, 0, 0},
+        {"first attribute 8 on", 20, 2, 64, 0},
+        {"first attribute 4 on", 20, 2, 60, 0},
+        {"first attribute 0", 20, 2, 0, 0},
+        {"used above allocated", 24, 4, 1032, 0},
+        {"all used", 24, 4, 1024, 1},
+        {"used not a multiple of 8", 24, 4, 300, 0},
+        {"used up to the first attribute", 24, 4, 48, 0},
+        {"used huge", 24, 4, 0xFFFFFFF8, 0},
+        {"allocated too small", 28, 4, 512, 0},
+        {"allocated too big", 28, 4, 4096, 0},
+        {"not in use", 22, 2, 0, 1},
+        {"odd sequence number", 16, 2, 0xFFFF, 1},
+        {"base reference", 32, 4, 9, 1},
+    };
+    for (const RecordForm form : {RecordForm::Newer, RecordForm::Older}) {
+        for (const PokeCase& poke : cases) {
+            SCOPED_TRACE(std::string(poke.Name) + (form == RecordForm::Older ? ", older form" : ""));
+            RecordBuilder record = GoodRecord(form);
+            EXPECT_EQ(Check(Apply(record, poke).Finish()), poke.Expected);
+        }
+    }
+    EXPECT_EQ(Check(GoodRecord(RecordForm::Newer).Poke16(4, 42).Finish()), 0) << "first attribute too late";
+    EXPECT_EQ(Check(GoodRecord(RecordForm::Older).Poke16(4, 48).Finish()), 0) << "first attribute too early";
+}
+
+TEST_F(FileRecordTest, OneWrongAttributeFieldIsEnough) {
+    const PokeCase cases[] = {
+        {"type 0", 152, 4, 0, 0},
+        {"type between", 152, 4, 0x38, 0},
+        {"type 0x100", 152, 4, 0x100, 1},
+        {"type 0x110", 152, 4, 0x110, 0},
+        {"length 0", 156, 4, 0, 0},
+        {"length odd", 156, 4, 108, 0},
+        {"length to the used end", 156, 4, 136, 1},
+        {"length beyond the used end", 156, 4, 0xFFFFFFF8, 1},
+        {"first one's length beyond the used end", 60, 4, 512, 0},
+        {"standard information in clusters", 64, 1, 1, 0},
+        {"file name in clusters", 160, 1, 1, 1}, // its word at 32 is 0
+        {"form 2", 160, 1, 2, 0},
+        {"value ends with the attribute", 168, 4, 96 - 24, 1},
+        {"value ends behind the attribute", 168, 4, 96 - 23, 0},
+        {"value length wraps", 168, 4, 0xFFFFFFF0, 0},
+        {"value starts behind the attribute", 172, 2, 200, 0},
+        {"end first", 56, 4, 0xFFFFFFFF, 0},
+        {"end second", 152, 4, 0xFFFFFFFF, 1},
+        {"order doesn't count", 56, 4, 0xF0, 1},
+    };
+    for (const PokeCase& poke : cases) {
+        SCOPED_TRACE(poke.Name);
+        RecordBuilder record = GoodRecord();
+        EXPECT_EQ(Check(Apply(record, poke).Finish()), poke.Expected);
+    }
+    EXPECT_EQ(Check(GoodRecord().OmitEndMarker().Finish()), 1);
+    EXPECT_EQ(Check(RecordBuilder(kGeometry, 1).AddStandardInformation().OmitEndMarker().Finish()), 0);
+    EXPECT_EQ(Check(RecordBuilder(kGeometry, 1).AddStandardInformation().Finish()), 1);
+    EXPECT_EQ(Check(RecordBuilder(kGeometry, 1).Finish()), 0) << "nothing but the end marker";
+}
+
+TEST_F(FileRecordTest, RunListMustStartWithinItsAttribute) {
+    for (const auto& [offset, expected] : {std::pair{64, 1}, {72, 1}, {73, 0}, {0xFFFF, 0}}) {
+        RecordBuilder record(kGeometry, 30);
+        record.AddStandardInformation().AddData({.Runs = {{4, 100}}});
+        record.Poke16(record.LastAttributeOffset() + 32, static_cast<std::uint16_t>(offset));
+        EXPECT_EQ(Check(record.Finish()), expected) << offset;
+    }
+}
+
+TEST_F(FileRecordTest, SizesOfRecordAndSector) {
+    struct Case {
+        std::uint32_t RecordBytes;
+        std::uint32_t SectorBytes;
+        RecordForm Form;
+        std::uint16_t First;
+        int Expected;
+    };
+    const Case cases[] = {
+        {1024, 512, RecordForm::Newer, 56, 1},  {1024, 512, RecordForm::Older, 48, 1},
+        {1024, 1024, RecordForm::Newer, 56, 1}, {1024, 1024, RecordForm::Older, 48, 1},
+        {4096, 512, RecordForm::Newer, 72, 1},  {4096, 512, RecordForm::Older, 64, 1},
+        {4096, 4096, RecordForm::Newer, 56, 1}, {4096, 1024, RecordForm::Newer, 64, 1},
+        {1536, 512, RecordForm::Newer, 56, 1}, // an array of 8 bytes to the letter
+        {1536, 512, RecordForm::Older, 48, 0}, // and in the older form no place that is a multiple of 8
+        {1536, 512, RecordForm::Older, 50, 0},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(testing::Message()
+                     << test.RecordBytes << " / " << test.SectorBytes << " " << test.First);
+        VolumeGeometry geometry;
+        geometry.RecordBytes = test.RecordBytes;
+        geometry.SectorBytes = test.SectorBytes;
+        RecordBuilder record(geometry, 30, test.Form);
+        record.AddStandardInformation().AddData(BytesOf("x"));
+        if (test.Expected != 0) {
+            EXPECT_EQ(record.FirstAttributeOffset(), test.First);
+        }
+        record.Poke16(20, test.First);
+        EXPECT_EQ(Check(record.Finish(), test.RecordBytes, static_cast<std::uint16_t>(test.SectorBytes)),
+                  test.Expected);
+    }
+    EXPECT_EQ(Check(GoodRecord().Finish(), 4096), 0);
+    EXPECT_EQ(Check(GoodRecord().Finish(), 1024, 1024), 0);
+    EXPECT_EQ(Check(GoodRecord().Finish(), 1024, 0), 0);
+    EXPECT_EQ(Check(ByteVector(1024)), 0);
+}
+
+TEST_F(FileRecordTest, ProtectionIsUndoneWithinTheUsedBytes) {
+    RecordBuilder small = GoodRecord();
+    RecordBuilder large = GoodRecord().AddData(PatternBytes(400), u"stream");
+    ByteVector fixedUp = large.Finish();
+    ASSERT_EQ(CheckFileRecord(fixedUp, 1024, 512), 1);
+    const ByteVector raw = large.RawBytes();
+    EXPECT_TRUE(std::equal(raw.begin() + 56, raw.begin() + 1022, fixedUp.begin() + 56));
+
+    for (const auto& [sectorEnd, smallExpected] : {std::pair{510U, 1}, {1022U, 1}}) {
+        ByteVector torn = large.Finish();
+        torn[sectorEnd] ^= 1U;
+        EXPECT_EQ(Check(torn), sectorEnd == 510 ? 0 : BytesInUse(raw) < 1024) << sectorEnd;
+        torn = small.Finish();
+        torn[sectorEnd] ^= 1U;
+        EXPECT_EQ(Check(torn), smallExpected) << "sectors that end behind the used bytes aren't tested";
+    }
+    ByteVector full = GoodRecord().Poke32(24, 1024).Finish();
+    full[1023] ^= 0x80U;
+    EXPECT_EQ(Check(full), 0);
+
+    ByteVector untouched = small.Finish();
+    const ByteVector before = untouched;
+    ASSERT_EQ(CheckFileRecord(untouched, 1024, 512), 1);
+    EXPECT_EQ(untouched, before) << "nor repaired";
+}
+
+TEST_F(FileRecordTest, IndexBlocks) {
+    Engine.VolumeParams.SectorsPerIndexBlock = 8;
+    const PokeCase cases[] = {
+        {"as it is", 16, 4, 3, 1},
+        {"magic", 0, 4, 0x454C4946, 0},
+        {"array at 44", 4, 2, 44, 0},
+        {"array of another size", 6, 2, 5, 0},
+        {"no array", 6, 2, 0, 0},
+        {"first entry", 24, 4, 44, 0},
+        {"used above allocated", 28, 4, 4080, 0},
+        {"used as allocated", 28, 4, 4072, 1},
+        {"used odd", 28, 4, 84, 0},
+        {"allocated odd", 32, 4, 4076, 0},
+    };
+    for (const PokeCase& poke : cases) {
+        SCOPED_TRACE(poke.Name);
+        IndexBlockBuilder block(kGeometry);
+        block.Add({.Reference = 40, .Key = NameIn(5, u"a")});
+        poke.Width == 2 ? block.Poke16(poke.Offset, static_cast<std::uint16_t>(poke.Value))
+                        : block.Poke32(poke.Offset, poke.Value);
+        ByteVector bytes = block.Finish();
+        EXPECT_EQ(CheckIndexBlock(bytes, 512), poke.Expected);
+    }
+    // The last word of a sector is tested where the sector ends within the used bytes + 24.
+    for (const auto& [used, expected] : {std::pair{480U, 1}, {488U, 0}}) {
+        ByteVector torn = IndexBlockBuilder(kGeometry).Poke32(28, used).Finish();
+        torn[510] ^= 1U;
+        EXPECT_EQ(CheckIndexBlock(torn, 512), expected) << used;
+    }
+    Engine.VolumeParams.SectorsPerIndexBlock = 4;
+    ByteVector bytes = IndexBlockBuilder(kGeometry).Finish();
+    EXPECT_EQ(CheckIndexBlock(bytes, 512), 0);
+}
+
+TEST_F(FileRecordTest, TheTableAndItsMirror) {
+    const auto names = [](std::initializer_list<const char16_t*> list) {
+        RecordBuilder record(kGeometry, 0);
+        record.AddStandardInformation();
+        for (const char16_t* name : list) {
+            record.AddFileName(NameIn(5, name));
+        }
+        return record.AddData({.Runs = {{4, 64}}});
+    };
+    struct Case {
+        const char* Name;
+        ByteVector Record;
+        int Mft;
+        int Mirr;
+    };
+    FileTimes late = EqualTimes();
+    late.Accessed += 1;
+    RecordBuilder behindBitmap(kGeometry, 0);
+    behindBitmap.AddStandardInformation()
+        .AddResident(kBitmap, ByteVector(8))
+        .AddFileName(NameIn(5, u"$MFTMirr"));
+    RecordBuilder behindUsed = names({u"x", u"$MFT"});
+    behindUsed.Poke32(24, static_cast<std::uint32_t>(behindUsed.AttributeOffset(2)))
+        .Poke32(behindUsed.AttributeOffset(1), 0x40);
+    const Case cases[] = {
+        {"$MFT", names({u"$MFT"}).Finish(), 1, 0},
+        {"$MFTMirr", names({u"$MFTMirr"}).Finish(), 0, 1},
+        {"case", names({u"$Mft"}).Finish(), 0, 0},
+        {"shorter", names({u"$MF"}).Finish(), 0, 0},
+        {"longer", names({u"$MFT1"}).Finish(), 0, 0},
+        {"wrong name first", names({u"x", u"$MFT"}).Finish(), 0, 0},
+        {"wrong name afterwards", names({u"$MFT", u"xxxxxxxxxxxxx"}).Finish(), 1, 0},
+        {"no name", names({}).Finish(), 0, 0},
+        {"old form",
+         RecordBuilder(kGeometry, 0, RecordForm::Older)
+             .AddStandardInformation()
+             .AddFileName(NameIn(5, u"$MFT"))
+             .Finish(),
+         1, 0},
+        {"unequal times behind the name", names({u"$MFT"}).AddStandardInformation(late).Finish(), 1, 0},
+        {"name behind a bitmap", behindBitmap.Finish(), 0, 1},
+        {"name right behind the used bytes", behindUsed.Finish(), 1, 0},
+        {"no record", ByteVector(1024), 0, 0},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.Name);
+        ByteVector record = test.Record;
+        EXPECT_EQ(IsMftRecord(record, 1024), test.Mft);
+        record = test.Record;
+        EXPECT_EQ(IsMftMirrRecord(record, 1024), test.Mirr);
+    }
+    for (std::size_t stamp = 0; stamp < 4; ++stamp) {
+        RecordBuilder record = names({u"$MFT"});
+        ByteVector bytes = record.Poke8(record.AttributeOffset(0) + 24 + 8 * stamp + 7, 0x55).Finish();
+        EXPECT_EQ(IsMftRecord(bytes, 1024), 0) << stamp;
+    }
+    Engine.SourceDisk.BytesPerSector = 1024;
+    ByteVector record = names({u"$MFT"}).Finish();
+    EXPECT_EQ(IsMftRecord(record, 1024), 0) << "the medium's sector size counts";
+}
+
+TEST_F(FileRecordTest, FindsAnAttributeList) {
+    const auto with = [](std::uint32_t type) {
+        return RecordBuilder(kGeometry, 1)
+            .AddStandardInformation()
+            .AddResident(type, ByteVector(8))
+            .RawBytes();
+    };
+    EXPECT_EQ(HasAttributeList(with(kAttributeList)), 1);
+    EXPECT_EQ(HasAttributeList(with(kFileName)), 0);
+    EXPECT_EQ(HasAttributeList(with(0x18)), 0);
+    EXPECT_EQ(HasAttributeList(RecordBuilder(kGeometry, 1)
+                                   .AddFileName(NameIn(5, u"a"))
+                                   .AddAttributeList(std::vector<ListEntry>{})
+                                   .RawBytes()),
+              0)
+        << "a list behind a name is not reached";
+    EXPECT_EQ(
+        HasAttributeList(
+            RecordBuilder(kGeometry, 1).AddAttributeList(NonResidentValue{.Runs = {{1, 9}}}).RawBytes()),
+        1);
+}
+
+} // namespace thntfs::test

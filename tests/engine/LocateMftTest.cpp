@@ -1,0 +1,197 @@
+#include "engine/LocateMft.h"
+
+#include "engine/EngineFixture.h"
+#include "engine/FileRecord.h"
+
+namespace thntfs::test {
+
+namespace {
+
+using Runs = std::vector<std::pair<std::uint32_t, std::uint64_t>>;
+
+class LocateMftTest : public EngineFixture {
+protected:
+    LocateMftTest() { Open({}); }
+
+    void Open(const VolumeGeometry& geometry) {
+        Volume = std::make_unique<VolumeBuilder>(geometry);
+        OpenVolume(*Volume);
+    }
+
+    [[nodiscard]] std::uint64_t TableSector() const { return Volume->RecordSector(0); }
+    [[nodiscard]] std::uint64_t MirrorSector() const {
+        return Volume->Geometry().SectorOf(Volume->Geometry().MirrorCluster);
+    }
+    void Wipe(std::uint64_t sector) { Volume->PutSectors(sector, ByteVector(1024)); }
+
+    [[nodiscard]] RecordBuilder Table() const {
+        return Volume->NewRecord(0).AddStandardInformation().AddFileName(NameIn(5, u"$MFT"));
+    }
+
+    /// Puts a record of the table in place of the one there, in the table and in its mirror, and locates.
+    int LocateWith(const RecordBuilder& record) {
+        Volume->PlaceRecord(record);
+        return LocateMft();
+    }
+
+    [[nodiscard]] static Runs Extents() { return RunsIn(Engine.VolumeParams.MftExtents); }
+
+    std::unique_ptr<VolumeBuilder> Volume;
+};
+
+} // namespace
+
+TEST_F(LocateMftTest, FindsTheRecordAtEachOfItsPlaces) {
+    struct Case {
+        const char* Name;
+        std::uint64_t
+            Table; ///< where the table's record stands, counted from where it should; 99 for nowhere
+        std::uint64_t Mirror; ///< the same of the mirror's
+        std::int64_t Stated;  ///< MftSector, counted likewise; -1 for 0
+        int Result;
+        bool FoundInMirror;
+    };
+    const Case cases[] = {
+        {"where it is stated", 0, 0, 0, 1, false},
+        {"nothing stated", 0, 0, -1, 1, false},
+        {"wrongly stated", 0, 0, 5, 1, false},
+        {"late in its cluster", 3, 99, 0, 1, false},
+        {"at the last sector of the cluster", 7, 99, 0, 1, false},
+        {"behind the cluster", 8, 99, 0, 0, false},
+        {"in the mirror", 99, 0, 0, 1, true},
+        {"late in the mirror", 99, 7, -1, 1, true},
+        {"behind the mirror's cluster", 99, 8, 0, 0, false},
+        {"the table's before the mirror's at one step", 4, 4, 0, 1, false},
+        {"the mirror's at an earlier step", 4, 3, 0, 1, true},
+        {"stated far away", 400, 99, 400, 1, false},
+        {"nowhere", 99, 99, 0, 0, false},
+    };
+    const ByteVector record = Table().AddData({.Runs = {{4, 64}}}).Finish();
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.Name);
+        Open({});
+        const std::uint64_t table = TableSector();
+        const std::uint64_t mirror = MirrorSector();
+        Wipe(table);
+        Wipe(mirror);
+        if (test.Table != 99) {
+            Volume->PutSectors(table + test.Table, record);
+        }
+        if (test.Mirror != 99) {
+            Volume->PutSectors(mirror + test.Mirror, record);
+        }
+        Engine.VolumeParams.MftSector = test.Stated < 0 ? 0 : table + static_cast<std::uint64_t>(test.Stated);
+        const std::uint64_t stated = Engine.VolumeParams.MftSector;
+        EXPECT_EQ(LocateMft(), test.Result);
+        const std::uint64_t found = test.FoundInMirror ? mirror + test.Mirror : table + test.Table;
+        EXPECT_EQ(Engine.VolumeParams.MftSector, test.Result != 0 ? found : stated);
+        EXPECT_EQ(Extents(), test.Result != 0 ? (Runs{{4, 64}}) : Runs{});
+    }
+}
+
+TEST_F(LocateMftTest, RefusesAVolumeWithoutItsMeasures) {
+    for (int field = 0; field < 3; ++field) {
+        Open({});
+        VolumeParams& volume = Engine.VolumeParams;
+        volume.MftRecordCount = 9;
+        volume.MftCluster = field == 0 ? 0 : volume.MftCluster;
+        volume.FileRecordBytes = field == 1 ? 0 : volume.FileRecordBytes;
+        volume.SectorsPerCluster = field == 2 ? std::uint8_t{0} : volume.SectorsPerCluster;
+        EXPECT_EQ(LocateMft(), 0);
+        EXPECT_TRUE(volume.MftExtents.Empty());
+        EXPECT_EQ(volume.MftRecordCount, 0U);
+        EXPECT_TRUE(Plan->Log.empty());
+    }
+}
+
+TEST_F(LocateMftTest, CountsRecordsFromClusters) {
+    struct Case {
+        std::uint32_t SectorsPerCluster;
+        std::uint32_t RecordBytes;
+        std::uint32_t Count; ///< for 100 clusters
+    };
+    for (const Case& test :
+         {Case{8, 1024, 400}, {1, 1024, 100}, {2, 1024, 100}, {4, 4096, 0}, {8, 2048, 200}}) {
+        SCOPED_TRACE(testing::Message() << test.SectorsPerCluster << " " << test.RecordBytes);
+        VolumeGeometry geometry;
+        geometry.SectorsPerCluster = test.SectorsPerCluster;
+        geometry.RecordBytes = test.RecordBytes;
+        geometry.MftRuns = {{60, 64}, {40, 200}};
+        Open(geometry);
+        EXPECT_EQ(LocateMft(), 1);
+        EXPECT_EQ(Engine.VolumeParams.MftRecordCount, test.Count);
+        EXPECT_EQ(Extents(), (Runs{{60, 64}, {40, 200}}));
+        EXPECT_EQ(LocateMft(), 1) << "again";
+        EXPECT_EQ(Extents().size(), 2U);
+    }
+}
+
+TEST_F(LocateMftTest, TheFirstDataFromTheThirdAttributeOnCounts) {
+    const NonResidentValue data = {.Runs = {{4, 64}}};
+    EXPECT_EQ(LocateWith(Table().AddData(data).AddData({.Runs = {{9, 9}}})), 1);
+    EXPECT_EQ(Extents(), (Runs{{4, 64}}));
+    EXPECT_EQ(LocateWith(Table().AddResident(0x50, ByteVector(8)).AddData({.Runs = {{4, 70}}, .Name = u"s"})),
+              1);
+    EXPECT_EQ(Extents(), (Runs{{4, 70}})) << "named or not";
+    EXPECT_EQ(LocateWith(Table().AddResident(kBitmap, ByteVector(8)).AddData(data)), 0) << "above data";
+    EXPECT_EQ(LocateWith(Table()), 0) << "no data";
+    EXPECT_EQ(LocateWith(Table().AddData({.Runs = {}})), 0) << "no runs";
+    RecordBuilder second = Volume->NewRecord(0).AddFileName(NameIn(5, u"$MFT")).AddData(data);
+    EXPECT_EQ(LocateWith(second), 0) << "the second attribute is passed over";
+}
+
+TEST_F(LocateMftTest, BadRunsLeaveWhatCameBefore) {
+    RecordBuilder record = Table().AddData({.Runs = {{4, 64}, {4, 80}, {4, 90}}});
+    record.Poke8(record.LastAttributeOffset() + 64 + 3, 0x51);
+    EXPECT_EQ(LocateWith(record), 1);
+    EXPECT_EQ(Extents(), (Runs{{4, 64}}));
+    record.Poke8(record.LastAttributeOffset() + 64, 0x15);
+    EXPECT_EQ(LocateWith(record), 0);
+    RecordBuilder outside = Table().AddData({.Runs = {{4, 64}}});
+    EXPECT_EQ(LocateWith(outside.OmitEndMarker().Poke16(outside.LastAttributeOffset() + 32, 72)), 0);
+}
+
+TEST_F(LocateMftTest, AnAttributeListLeadsThroughItsPieces) {
+    const auto piece = [this](std::uint32_t number, std::uint64_t vcn, std::uint64_t clusters,
+                              std::uint64_t start) {
+        Volume->PlaceRecord(Volume->NewRecord(number)
+                                .SetBase(FileReference(0))
+                                .AddResident(0x40, ByteVector(8)) // takes id 0
+                                .AddData({.Runs = {{clusters, start}}, .FirstVcn = vcn}));
+    };
+    piece(10, 4, 3, 300);
+    piece(11, 7, 2, 400);
+    Volume->PlaceRecord(12, ByteVector(1024));
+    const std::vector<ListEntry> list = {{kStandardInformation, 0}, {kData, 0, 0, 3},    {kData, 11, 7, 1},
+                                         {kData, 12, 9, 1},         {kData, 10, 4, 1},   {kData, 10, 4, 9},
+                                         {kData, 0x300000, 9, 1},   {kBitmap, 10, 0, 0}, {kData, 11, 7, 1}};
+    const auto base = [&] { return Volume->NewRecord(0).AddStandardInformation(); };
+    const auto close = [](RecordBuilder record) {
+        return record.AddFileName(NameIn(5, u"$MFT")).AddData({.Runs = {{4, 64}}});
+    };
+    EXPECT_EQ(LocateWith(close(base().AddAttributeList(list))), 1);
+    const Runs expected = {{4, 64}, {2, 400}, {3, 300}};
+    EXPECT_EQ(Extents(), expected) << "in the order of the list, as far as a piece can be had";
+    EXPECT_EQ(Engine.VolumeParams.MftRecordCount, 4U * 9);
+
+    const std::uint64_t clusters = Volume->AllocateClusters(2);
+    Volume->PutClusters(clusters, EncodeAttributeList({list.begin(), list.begin() + 3}));
+    Volume->PutClusters(clusters + 1, EncodeAttributeList({list.begin() + 3, list.end()}));
+    EXPECT_EQ(LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{2, clusters}}}))), 1);
+    EXPECT_EQ(Extents(), expected);
+    EXPECT_EQ(LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{0xFFFFFF, clusters}}}))), 1)
+        << "a list that claims to be endless";
+    EXPECT_EQ(LocateWith(close(base().AddAttributeList(std::vector<ListEntry>{}))), 0);
+}
+
+TEST_F(LocateMftTest, FailuresGiveNothingAndThrowNothing) {
+    Plan->Rules = {{0, 100000, kErrorNotReady}};
+    EXPECT_EQ(LocateMft(), 0);
+    EXPECT_EQ(Reports.Log.size(), 17U) << "MftSector, then two places for each sector of a cluster";
+    EXPECT_TRUE(Reports.Boxes.empty());
+    Engine.ScanRunFlag = 1;
+    EXPECT_EQ(LocateMft(), 0);
+    EXPECT_EQ(Reports.Boxes.size(), 1U);
+}
+
+} // namespace thntfs::test

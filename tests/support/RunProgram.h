@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace thntfs::test {
+
+/// How a program ended and what it printed.
+struct RunResult {
+    int Status = -1; ///< exit status; 128 and the signal's number where a signal ended it
+    std::string Out;
+    std::string Err;
+};
+
+/// What is out of the ordinary with a run.
+struct RunSetup {
+    std::string OutPath;             ///< standard output goes to this file or device, not to Out
+    bool BrokenPipe = false;         ///< standard output is a pipe that nobody reads
+    std::string TempFolder;          ///< value of TMPDIR
+    std::uint64_t MaxFileBytes = 0;  ///< no file may grow beyond this; 0 for no limit
+    bool AsNobody = false;           ///< runs without any rights
+    std::function<bool()> Interrupt; ///< asked again and again; once it says yes, Ctrl+C comes
+};
+
+/// Runs a program to its end. One that takes longer than two minutes is killed, which shows in Status.
+RunResult RunProgram(const std::string& program, const std::vector<std::string>& words,
+                     const RunSetup& setup = {});
+
+/// The whole of a file; empty where it can't be read.
+std::string ReadWholeFile(const std::string& path);
+
+/// A folder in the temporary folder that goes away, with all that is in it, at the end.
+class ScratchFolder {
+public:
+    ScratchFolder();
+    ~ScratchFolder();
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    [[nodiscard]] const std::string& Path() const { return path_; }
+    /// Path of something in it.
+    [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+} // namespace thntfs::test

@@ -1,0 +1,111 @@
+#include "support/Sha256.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::array<std::uint32_t, 64> kRound = {
+    0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
+    0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
+    0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
+    0x983e5152, 0xa831c66d, 0xb00327c8, 0xbf597fc7, 0xc6e00bf3, 0xd5a79147, 0x06ca6351, 0x14292967,
+    0x27b70a85, 0x2e1b2138, 0x4d2c6dfc, 0x53380d13, 0x650a7354, 0x766a0abb, 0x81c2c92e, 0x92722c85,
+    0xa2bfe8a1, 0xa81a664b, 0xc24b8b70, 0xc76c51a3, 0xd192e819, 0xd6990624, 0xf40e3585, 0x106aa070,
+    0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
+    0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
+
+std::uint32_t BigEndian32(const std::uint8_t* at) {
+    return std::uint32_t{at[0]} << 24 | std::uint32_t{at[1]} << 16 | std::uint32_t{at[2]} << 8 | at[3];
+}
+
+std::array<std::uint32_t, 64> Schedule(const std::uint8_t* block) {
+    std::array<std::uint32_t, 64> w{};
+    for (std::size_t i = 0; i < 16; ++i) {
+        w[i] = BigEndian32(block + 4 * i);
+    }
+    for (std::size_t i = 16; i < 64; ++i) {
+        const std::uint32_t a = w[i - 15];
+        const std::uint32_t b = w[i - 2];
+        w[i] = w[i - 16] + (std::rotr(a, 7) ^ std::rotr(a, 18) ^ a >> 3) + w[i - 7] +
+               (std::rotr(b, 17) ^ std::rotr(b, 19) ^ b >> 10);
+    }
+    return w;
+}
+
+} // namespace
+
+void Sha256::Compress(const std::uint8_t* block) {
+    const std::array<std::uint32_t, 64> w = Schedule(block);
+    auto [a, b, c, d, e, f, g, h] = state_;
+    for (std::size_t i = 0; i < 64; ++i) {
+        const std::uint32_t one = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) +
+                                  ((e & f) ^ (~e & g)) + kRound[i] + w[i];
+        const std::uint32_t two =
+            (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & b) ^ (a & c) ^ (b & c));
+        h = g;
+        g = f;
+        f = e;
+        e = d + one;
+        d = c;
+        c = b;
+        b = a;
+        a = one + two;
+    }
+    const std::array<std::uint32_t, 8> added = {a, b, c, d, e, f, g, h};
+    for (std::size_t i = 0; i < 8; ++i) {
+        state_[i] += added[i];
+    }
+}
+
+void Sha256::Add(ConstBytes bytes) {
+    while (!bytes.empty()) {
+        const std::size_t filled = length_ % block_.size();
+        const std::size_t count = std::min(bytes.size(), block_.size() - filled);
+        if (count == block_.size()) {
+            Compress(bytes.data());
+        } else {
+            std::copy_n(bytes.begin(), count, block_.begin() + static_cast<std::ptrdiff_t>(filled));
+            if (filled + count == block_.size()) {
+                Compress(block_.data());
+            }
+        }
+        length_ += count;
+        bytes = bytes.subspan(count);
+    }
+}
+
+void Sha256::AddZeros(std::uint64_t count) {
+    static constexpr std::array<std::uint8_t, 4096> kZeros{};
+    for (; count > 0; count -= std::min<std::uint64_t>(count, kZeros.size())) {
+        Add(ConstBytes(kZeros).first(static_cast<std::size_t>(std::min<std::uint64_t>(count, kZeros.size()))));
+    }
+}
+
+std::string Sha256::Finish() {
+    const std::uint64_t bits = length_ * 8;
+    Add(std::array<std::uint8_t, 1>{0x80});
+    AddZeros((120 - length_ % 64) % 64);
+    std::array<std::uint8_t, 8> size{};
+    for (std::size_t i = 0; i < 8; ++i) {
+        size[i] = static_cast<std::uint8_t>(bits >> (56 - 8 * i));
+    }
+    Add(size);
+    std::string text;
+    for (const std::uint32_t word : state_) {
+        for (int shift = 28; shift >= 0; shift -= 4) {
+            text += "0123456789abcdef"[word >> shift & 15U];
+        }
+    }
+    return text;
+}
+
+std::string Sha256Of(ConstBytes bytes) {
+    Sha256 digest;
+    digest.Add(bytes);
+    return digest.Finish();
+}
+
+} // namespace thntfs::test
