@@ -41,8 +41,7 @@ public:
     void Collect(std::uint64_t sector, std::uint32_t clusters) {
         const Bytes place =
             Bytes(raw_).subspan(collected_, std::size_t{clusters} * Engine.VolumeParams.ClusterBytes);
-        std::fill(place.begin(), place.end(), std::uint8_t{0});
-        ReadSectors(place, sector);
+        ReadSectorsCleared(place, sector);
         Engine.BytesBehindEnd += BytesBehindMedium(sector, place.size());
         collected_ += place.size();
         if (collected_ == raw_.size()) {

@@ -24,8 +24,7 @@ using RecordBuffer = std::vector<std::uint8_t>;
 
 bool ReadCheckedRecord(RecordBuffer& record, std::uint64_t sector) {
     const VolumeParams& volume = Engine.VolumeParams;
-    std::fill(record.begin(), record.end(), std::uint8_t{0});
-    ReadSectors(record, sector);
+    ReadSectorsCleared(record, sector);
     return CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) != 0;
 }
 
@@ -133,8 +132,7 @@ int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<Mft
             const std::uint32_t clusters = std::min(left, kClustersPerPiece);
             left -= clusters;
             Bytes piece(buffer.data(), static_cast<std::size_t>(clusters * clusterBytes));
-            std::fill(piece.begin(), piece.end(), std::uint8_t{0});
-            ReadSectors(piece, sector);
+            ReadSectorsCleared(piece, sector);
             piece = piece.first(static_cast<std::size_t>(
                 std::min<std::uint64_t>(piece.size(), entry.Size - Engine.BytesWritten)));
             Engine.BytesBehindEnd += BytesBehindMedium(sector, piece.size());

@@ -49,8 +49,7 @@ void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(
     std::vector<std::uint8_t> cluster(static_cast<std::size_t>(clusterBytes));
     for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
         for (std::uint64_t i = 0; i < run->Clusters && clustersLeft > 0; ++i, --clustersLeft) {
-            std::fill(cluster.begin(), cluster.end(), std::uint8_t{0});
-            ReadSectors(cluster, SectorOfCluster(run->StartCluster + i));
+            ReadSectorsCleared(cluster, SectorOfCluster(run->StartCluster + i));
             if (!visit(cluster)) {
                 return;
             }

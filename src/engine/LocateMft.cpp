@@ -18,8 +18,7 @@ namespace {
 using RecordBuffer = std::vector<std::uint8_t>;
 
 void ReadRecord(RecordBuffer& record, std::uint64_t sector) {
-    std::fill(record.begin(), record.end(), std::uint8_t{0});
-    ReadSectors(record, sector);
+    ReadSectorsCleared(record, sector);
 }
 
 bool ReadMftRecord(RecordBuffer& record, std::uint64_t sector) {

@@ -74,6 +74,22 @@ ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector) {
     return WalkSectors(buffer, firstSector, code);
 }
 
+ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector) {
+    const DiskRecord& disk = Engine.SourceDisk;
+    const std::uint64_t size = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
+    const std::uint64_t offset = firstSector * disk.BytesPerSector;
+    const bool within = offset <= size && buffer.size() <= size - offset;
+    if (!within) {
+        std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+    }
+    const ErrorCode code = ReadSectorsOnce(buffer, firstSector);
+    if (code == kErrorNone || buffer.empty()) {
+        return code;
+    }
+    std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+    return WalkSectors(buffer, firstSector, code);
+}
+
 void ProbeImageSectorSize() {
     std::array<std::uint8_t, 512> sector{};
     ReadSectors(sector, 0);

@@ -18,6 +18,10 @@ namespace thntfs {
 /// Throws CUserException, after a box with the system's text, on any other code.
 ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector);
 
+/// ReadSectors into a buffer that is cleared for the caller, and only where that shows: a read that succeeds within
+/// the medium overwrites it all.
+ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector);
+
 /// One attempt at a read. A failure leaves a line in the process log. Never throws.
 ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);
 

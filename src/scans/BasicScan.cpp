@@ -98,8 +98,7 @@ void TableWalk::ReportProgress() const {
 
 void TableWalk::ReadBatch(std::uint32_t records) {
     const Bytes wanted(batch_.data(), std::size_t{records} * Engine.VolumeParams.FileRecordBytes);
-    std::fill(wanted.begin(), wanted.end(), std::uint8_t{0});
-    ReadSectors(wanted, recordSector_);
+    ReadSectorsCleared(wanted, recordSector_);
 }
 
 bool TableWalk::IsBehindMedium() const {

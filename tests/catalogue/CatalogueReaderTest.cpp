@@ -5,6 +5,7 @@
 #include "catalogue/FindEntry.h"
 #include "support/FailingFileStore.h"
 
+#include <random>
 #include <set>
 
 namespace thntfs::test {
@@ -216,6 +217,46 @@ TEST_F(CatalogueReaderTest, CirclesEnd) {
     Damage(kTreeFileName, 384 + 20, 5);
     Damage(kTreeFileName, 128 + 12, 0);
     EXPECT_EQ(WalkAll(), (Paths{"one", "one/two", "one/two/x", "one/two/ Root", "one/two/last"}));
+}
+
+TEST_F(CatalogueReaderTest, AnyDamageLeavesWalksThatEndAndAgree) {
+    std::mt19937 random(5);
+    HandWritten written;
+    std::vector<FolderIndexNode*> folders = {&HandWritten::Root()};
+    for (std::uint32_t i = 0; i < 400; ++i) {
+        FolderIndexNode& parent = *folders[random() % folders.size()];
+        if (i % 5 == 0) {
+            folders.push_back(&written.AddFolder(parent, 100 + i, u"folder"));
+        } else {
+            written.AddFile(parent, u"file");
+        }
+    }
+    written.Finish();
+    EXPECT_EQ(WalkAll().size(), 401U);
+    const ByteVector tree = Stored(kTreeFileName);
+    const ByteVector entries = Stored(kEntryFileName);
+    for (int round = 0; round < 200; ++round) {
+        CloseCatalogue();
+        ByteVector badTree = tree;
+        ByteVector badEntries = entries;
+        for (int i = 0; i < 8; ++i) {
+            const auto value =
+                static_cast<std::uint32_t>(random() % 3 == 0 ? 128 * (random() % 80) : random() % 420);
+            PutNumber(badTree, 4 * (random() % (tree.size() / 4)), value);
+            PutNumber(badEntries, 44 * (random() % 402) + (random() % 2 == 0 ? 28 : 36), value);
+        }
+        WriteFileBytes(Engine.CatalogueFolder + kTreeFileName, badTree);
+        WriteFileBytes(Engine.CatalogueFolder + kEntryFileName, badEntries);
+        ASSERT_EQ(OpenCatalogue(), 1);
+        ASSERT_LE(WalkAll().size(), 402U) << round;
+        std::set<std::uint32_t> seen;
+        for (EntryWalk walk({}); walk.Next();) {
+            ASSERT_TRUE(seen.insert(walk.Item().EntryId).second) << round;
+        }
+        List(static_cast<std::uint32_t>(128 * (random() % 80)));
+        FindEntries("/folder/folder/file");
+    }
+    EXPECT_TRUE(Reports.Boxes.empty());
 }
 
 TEST_F(CatalogueReaderTest, FindsAllEntriesOfAPath) {

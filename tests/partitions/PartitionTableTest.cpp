@@ -1,0 +1,142 @@
+#include "partitions/PartitionTable.h"
+
+#include "engine/EngineFixture.h"
+
+#include <algorithm>
+
+namespace thntfs::test {
+
+namespace {
+
+using Starts = std::vector<std::uint64_t>;
+
+class PartitionTableTest : public EngineFixture {
+protected:
+    PartitionTableTest() { Open(512); }
+
+    void Open(std::uint16_t sectorBytes) {
+        Image = std::make_shared<ByteVector>(std::size_t{4000} * sectorBytes);
+        OpenDisk(std::make_unique<MemoryMedium>(Image), sectorBytes);
+    }
+
+    void Put(std::uint64_t sector, const ByteVector& bytes) {
+        std::copy(bytes.begin(), bytes.end(),
+                  Image->begin() + static_cast<std::ptrdiff_t>(sector * Engine.SourceDisk.BytesPerSector));
+    }
+    void PutTable(std::uint64_t sector, const std::vector<PartitionEntry>& entries) {
+        Put(sector, EncodePartitionTable(entries));
+    }
+    void PutVolume(std::uint64_t sector) { Put(sector, EncodeBootSector(BootFieldsOf({}))); }
+
+    /// Start sectors of the volumes that are found.
+    Starts Read() {
+        Starts starts;
+        const int result = ReadPartitionTable();
+        for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
+             candidate = candidate->Next.get()) {
+            starts.push_back(candidate->StartSector);
+        }
+        EXPECT_EQ(result, starts.empty() ? 0 : 1);
+        return starts;
+    }
+
+    std::shared_ptr<ByteVector> Image;
+};
+
+} // namespace
+
+TEST_F(PartitionTableTest, PrimaryVolumesInEntryOrder) {
+    for (const std::uint64_t sector : {100U, 200U, 300U, 400U}) {
+        PutVolume(sector);
+    }
+    PutTable(0, {{0x07, 300, 50}, {0x0C, 400, 50}, {0x07, 500, 50}, {0x07, 100, 60}});
+    EXPECT_EQ(Read(), (Starts{300, 100})) << "another type and a bad boot sector are left out";
+    EXPECT_EQ(Engine.SourceDisk.Partitions.First()->TotalSectors, 50U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.Last()->TotalSectors, 60U);
+    EXPECT_EQ(Read().size(), 2U) << "the old list is freed";
+    EXPECT_EQ(Plan->Log.size(), 8U) << "a table and three boot sectors, twice";
+
+    PutTable(0, {{0, 0, 0}, {0x07, 300, 50}});
+    EXPECT_EQ(Read(), Starts{}) << "an empty first entry ends the walk";
+    Put(0, EncodePartitionTable({{0x07, 300, 50}}, 0x55AA));
+    EXPECT_EQ(Read(), Starts{});
+}
+
+TEST_F(PartitionTableTest, ExtendedChains) {
+    for (const std::uint64_t sector : {100U, 1063U, 1163U, 1263U, 2063U, 3000U}) {
+        PutVolume(sector);
+    }
+    for (const std::uint8_t link : {0x05, 0x0F, 0x85}) {
+        PutTable(0, {{link, 1000, 900}, {0x07, 100, 60}});
+        PutTable(1000, {{0x07, 63, 30}, {link, 100, 100}});
+        PutTable(1100, {{0x07, 63, 31}, {link, 200, 100}});
+        PutTable(1200, {{0x07, 63, 32}});
+        EXPECT_EQ(Read(), (Starts{100, 1063, 1163, 1263})) << int{link};
+    }
+    EXPECT_EQ(Engine.SourceDisk.Partitions.Last()->TotalSectors, 32U);
+
+    PutTable(0, {{0x05, 1000, 900}, {0x05, 2000, 900}});
+    PutTable(2000, {{0x07, 63, 30}});
+    EXPECT_EQ(Read(), (Starts{2063})) << "a later link overrides an earlier one";
+    PutTable(2000, {{0x05, 1000, 900}, {0x07, 63, 30}});
+    PutTable(3000, {{0x07, 0, 30}});
+    PutVolume(3000); // a table and a boot sector in one, as its signature and type byte are 0xAA55 and 0
+    EXPECT_EQ(Read(), (Starts{2063}));
+}
+
+TEST_F(PartitionTableTest, ChainsThatRunInACircleEnd) {
+    for (const std::uint64_t sector : {1063U, 1163U}) {
+        PutVolume(sector);
+    }
+    PutTable(0, {{0x05, 1000, 900}});
+    PutTable(1000, {{0x07, 63, 30}, {0x05, 100, 100}});
+    PutTable(1100, {{0x07, 63, 30}, {0x05, 100, 100}});
+    EXPECT_EQ(Read(), (Starts{1063, 1163})) << "a table that names itself";
+    PutTable(1100, {{0x07, 63, 30}, {0x05, 0, 100}});
+    EXPECT_EQ(Read(), (Starts{1063, 1163})) << "a table that names the first one";
+    PutTable(0, {{0x05, 0, 1}, {0x07, 1063, 30}});
+    EXPECT_EQ(Read(), (Starts{1063})) << "a link to nowhere";
+    PutTable(1000, {{0x05, 0xFFFFFFFF, 1}, {0x07, 0xFFFFFFFF, 1}});
+    PutTable(0, {{0x05, 1000, 1}});
+    EXPECT_EQ(Read(), Starts{});
+
+    Image->assign(Image->size(), 0);
+    for (std::uint32_t table = 1; table < 3900; ++table) {
+        PutTable(table, {{0x05, table, 1}}); // each names the next, counted from sector 1
+    }
+    PutTable(0, {{0x05, 1, 1}});
+    Plan->Log.clear();
+    EXPECT_EQ(Read(), Starts{});
+    EXPECT_LE(Plan->Log.size(), 1025U);
+}
+
+TEST_F(PartitionTableTest, LargeSectors) {
+    Open(4096);
+    PutVolume(100);
+    PutTable(0, {{0x07, 100, 60}});
+    EXPECT_EQ(Read(), (Starts{100}));
+    EXPECT_EQ(Plan->Log[0].Size, 512U);
+    EXPECT_EQ(Plan->Log[1].Size, 4096U);
+    EXPECT_EQ(Plan->Log[1].Offset, 409600U);
+}
+
+TEST_F(PartitionTableTest, ReadsThatFail) {
+    PutVolume(100);
+    PutVolume(200);
+    PutTable(0, {{0x07, 100, 60}, {0x07, 200, 60}});
+    Plan->Rules = {{100, 1, kErrorCrc}};
+    EXPECT_EQ(Read(), (Starts{200}));
+    Plan->Rules = {{200, 1, kErrorNotReady}};
+    EXPECT_EQ(Read(), (Starts{100}));
+    EXPECT_TRUE(Reports.Boxes.empty()) << "outside a job";
+    Engine.ScanRunFlag = 1;
+    EXPECT_EQ(Read(), (Starts{100})) << "what was found so far counts";
+    EXPECT_EQ(Reports.Boxes.size(), 1U);
+    Plan->Rules = {{0, 1, kErrorCrc}};
+    EXPECT_EQ(Read(), Starts{});
+    Engine.SourceDisk.MediaHandle.reset();
+    Engine.ScanRunFlag = 0;
+    EXPECT_EQ(Read(), Starts{});
+}
+
+} // namespace thntfs::test

@@ -1,0 +1,264 @@
+#include "scans/BasicScan.h"
+
+#include "catalogue/CatalogueFixture.h"
+#include "catalogue/EntryWalk.h"
+#include "support/FailingFileStore.h"
+
+#include <set>
+
+namespace thntfs::test {
+
+namespace {
+
+class BasicScanTest : public CatalogueFixture {
+protected:
+    BasicScanTest() {
+        OpenVolume(Volume);
+        Engine.ScanRunFlag = 1;
+        Engine.VolumeParams.MftRecordCount = 256;
+    }
+
+    /// Scans and opens the catalogue; gives the scan's result.
+    int Scan() {
+        EXPECT_EQ(CreateCatalogue(), 1);
+        const int result = BasicScan();
+        CloseCatalogue();
+        EXPECT_EQ(OpenCatalogue(), 1);
+        return result;
+    }
+
+    /// "path number" of all entries below the top in walking order, deleted ones with a minus in front.
+    static std::vector<std::string> Picture() {
+        std::vector<std::string> lines;
+        EntryWalk walk({});
+        while (walk.Next()) {
+            if (walk.Item().EntryId != 1) {
+                lines.push_back((walk.Item().IsLive() ? "" : "-") + walk.Path() + " " +
+                                std::to_string(walk.Item().RecordNumber));
+            }
+        }
+        return lines;
+    }
+
+    RecordBuilder Record(std::uint32_t number, std::uint32_t parent, const char16_t* name,
+                         RecordForm form = RecordForm::Newer) {
+        RecordBuilder record = Volume.NewRecord(number, form);
+        return record.AddStandardInformation().AddFileName(NameIn(parent, name));
+    }
+
+    VolumeBuilder Volume;
+};
+
+using Lines = std::vector<std::string>;
+
+/// What must hold of every finished catalogue: ids, name ranges, owners of chains, each entry in one chain.
+void ExpectSoundCatalogue() {
+    const ByteVector entries = ReadWholeFile(Engine.CatalogueFolder + kEntryFileName);
+    const ByteVector names = ReadWholeFile(Engine.CatalogueFolder + kNameFileName);
+    const ByteVector tree = ReadWholeFile(Engine.CatalogueFolder + kTreeFileName);
+    const std::size_t count = entries.size() / kStoredEntryBytes;
+    EXPECT_EQ(entries.size() % kStoredEntryBytes + tree.size() % kStoredBlockBytes, 0U);
+    std::multiset<std::uint32_t> children;
+    for (std::size_t id = 0; id < count; ++id) {
+        const CatalogueEntry entry = DecodeEntry(Part(entries, id * kStoredEntryBytes, kStoredEntryBytes));
+        EXPECT_EQ(entry.EntryId, id);
+        EXPECT_LE(entry.NameOffset + 2U * entry.NameLength, names.size());
+        if ((entry.Flags & kFlagFolder) == 0) {
+            EXPECT_EQ(entry.BlockOffset, 0U);
+            continue;
+        }
+        std::uint32_t offset = entry.BlockOffset;
+        do {
+            const FolderBlock block = DecodeBlock(Part(tree, offset, kStoredBlockBytes));
+            EXPECT_EQ(block.OwnerNumber, entry.RecordNumber);
+            for (const std::uint32_t slot : block.Slots) {
+                if (slot != 0) {
+                    children.insert(slot);
+                }
+            }
+            offset = block.NextBlock;
+        } while (offset != 0);
+    }
+    ASSERT_EQ(children.size(), count - 1);
+    EXPECT_EQ(std::set<std::uint32_t>(children.begin(), children.end()).size(), count - 1);
+}
+
+} // namespace
+
+TEST_F(BasicScanTest, PlacesEntriesByTheirParentNumbers) {
+    Volume.AddFolder({.Number = 30, .Name = u"folder"});
+    Volume.AddFile({.Number = 31, .Parent = 40, .Name = u"early child", .Content = BytesOf("abc")});
+    Volume.AddFile({.Number = 32, .Parent = 30, .Name = u"gone", .Live = false});
+    Volume.AddFolder({.Number = 40, .Parent = 30, .Name = u"late folder", .Live = false});
+    Volume.AddFile({.Number = 41, .Parent = 77, .Name = u"orphan"});
+    Volume.AddFile({.Number = 42, .Parent = 31, .Name = u"in a file's number"});
+    Volume.AddFile({.Number = 53, .Parent = 0, .Name = u"a file without any number"});
+    Volume.PlaceRecord(Record(43, 0, u"on top")
+                           .SetFolder(true)
+                           .AddIndexRoot({{.Reference = 9, .Key = NameIn(43, u"child")}}));
+    Volume.AddFile({.Number = 44, .Parent = 30, .Name = u"$Boot"});
+    Volume.AddFile({.Number = 45, .Parent = 30, .Name = u"twin"});
+    Volume.PlaceRecord(46, Record(45, 5, u"other twin").Finish());
+    Volume.PlaceRecord(47, Record(30, 5, u"second of its number").SetFolder(true).Finish());
+    Volume.PlaceRecord(Record(48, 30, u"extension").SetBase(FileReference(31)));
+    Volume.PlaceRecord(50, ByteVector(1024, 0xAA));
+    Volume.PlaceRecord(
+        Volume.NewRecord(51).SetFolder(true).AddStandardInformation().AddFileName(NameIn(5, u"")));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Picture(),
+              (Lines{"/folder 30", "-/folder/gone 32", "-/folder/late folder 40",
+                     "/folder/late folder/early child 31", "/folder/twin 45", "/other twin 45", "/#51 51",
+                     "on top 43", "-#31 31", "#31/in a file's number 42", "-#77 77", "#77/orphan 41"}));
+    ExpectSoundCatalogue();
+    EXPECT_EQ(CatalogueEntryCount(), 14U);
+    const auto file = LoadEntry(3);
+    EXPECT_EQ(file->Name, u"early child");
+    EXPECT_EQ(file->RecordSector, Volume.RecordSector(31));
+    EXPECT_EQ(file->Size, 3U);
+    EXPECT_EQ(file->BlockOffset, 0U);
+}
+
+TEST_F(BasicScanTest, NumbersOfTheOlderForm) {
+    Volume.PlaceRecord(30, Record(0, 5, u"file", RecordForm::Older).Finish());
+    Volume.PlaceRecord(31, Record(0, 5, u"full", RecordForm::Older)
+                               .SetFolder(true)
+                               .AddIndexRoot({{.Reference = 9, .Key = NameIn(99, u"child")}})
+                               .Finish());
+    Volume.PlaceRecord(32,
+                       Record(0, 5, u"empty", RecordForm::Older).SetFolder(true).AddIndexRoot({}).Finish());
+    Volume.PlaceRecord(33, Record(500, 5, u"newer")
+                               .SetFolder(true)
+                               .AddIndexRoot({{.Reference = 9, .Key = NameIn(99, u"child")}})
+                               .Finish());
+    Volume.PlaceRecord(34, Record(0, 99, u"inside", RecordForm::Older).Finish());
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Picture(), (Lines{"/file 30", "/full 99", "/full/inside 34", "/empty 32", "/newer 500"}));
+}
+
+TEST_F(BasicScanTest, CountsSlotsOverAllExtents) {
+    // 100 clusters hold 400 records; the second extent's rest of a cluster is dropped.
+    SetTableRuns({{100, 100}, {3, {}}, {1, 300}, {1, 310}});
+    Engine.VolumeParams.SectorsPerFileRecord = 3;
+    Engine.VolumeParams.FileRecordBytes = 1536;
+    VolumeGeometry geometry;
+    geometry.RecordBytes = 1536;
+    const auto put = [&](std::uint64_t sector, const char16_t* name) {
+        RecordBuilder record(geometry, 7777);
+        Volume.PutSectors(sector, record.AddStandardInformation().AddFileName(NameIn(5, name)).Finish());
+    };
+    put(128 + 800 + 3 * 265, u"last of the first");
+    put(128 + 2400, u"first");
+    put(128 + 2400 + 3, u"second");
+    put(128 + 2480, u"third");
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Picture(), (Lines{"/last of the first 7777", "/first 7777", "/second 7777", "/third 7777"}));
+    ASSERT_GE(Reports.Progress.size(), 3U);
+    // Batches of 42 records; the second and third extents hold 2 each.
+    EXPECT_EQ(Reports.Progress[1], (TestHost::Pair{42, 256}));
+    EXPECT_EQ(Reports.Progress[Reports.Progress.size() - 2].first, 266U);
+    EXPECT_EQ(Reports.Progress.back().first, 268U);
+}
+
+TEST_F(BasicScanTest, OldNumbersGoOnBehindUnreadableSlots) {
+    Volume.PlaceRecord(200, Record(0, 5, u"late", RecordForm::Older).Finish());
+    Volume.AddFile({.Number = 70, .Name = u"lost"});
+    Volume.AddFile({.Number = 71, .Name = u"kept"});
+    Plan->Rules = {{Volume.RecordSector(70), 1, kErrorCrc}, {Volume.RecordSector(128), 128, kErrorIoDevice}};
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Picture(), (Lines{"/kept 71", "/late 200"}));
+    EXPECT_EQ(Reports.Progress, (std::vector<TestHost::Pair>{{0, 256}, {64, 256}, {128, 256}, {192, 256}}));
+    EXPECT_EQ(Reports.Pauses, 128U);
+}
+
+TEST_F(BasicScanTest, NothingToScan) {
+    SetTableRuns({});
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(CatalogueEntryCount(), 2U);
+    SetTableRuns({{1, 100}});
+    Engine.VolumeParams.SectorsPerCluster = 1; // less than a record
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(CatalogueEntryCount(), 2U);
+    EXPECT_TRUE(Reports.Progress.empty());
+    EXPECT_TRUE(Plan->Log.empty());
+
+    ASSERT_EQ(CreateCatalogue(), 1);
+    Engine.VolumeParams.FileRecordBytes = 0;
+    EXPECT_EQ(BasicScan(), 0);
+    Engine.VolumeParams.FileRecordBytes = 1024;
+    Engine.VolumeParams.BytesPerSector = 0;
+    EXPECT_EQ(BasicScan(), 0);
+}
+
+TEST_F(BasicScanTest, StoppingKeepsWhatWasFound) {
+    for (std::uint32_t number = 30; number < 250; ++number) {
+        Volume.AddFile({.Number = number, .Parent = number < 60 ? 900U : 5U, .Name = u"f"});
+    }
+    Reports.OnProgress = [this] {
+        if (Reports.Progress.size() == 2) {
+            Engine.ScanRunFlag = 0; // the batch in hand is still taken
+        }
+    };
+    EXPECT_EQ(Scan(), 0);
+    EXPECT_EQ(CatalogueEntryCount(), 2U + 98 + 1) << "and its lost folder";
+    ExpectSoundCatalogue();
+
+    Engine.ScanRunFlag = 1;
+    Reports.OnProgress = [this] {
+        if (Reports.Progress.back().first == 192) {
+            Engine.ScanRunFlag = 0;
+        }
+    };
+    EXPECT_EQ(Scan(), 1) << "too late to stop the last batch";
+    EXPECT_EQ(CatalogueEntryCount(), 2U + 220 + 1);
+}
+
+TEST_F(BasicScanTest, AFatalReadEndsTheReadingAndIsNoStop) {
+    for (std::uint32_t number = 30; number < 250; ++number) {
+        Volume.AddFile({.Number = number, .Parent = 900, .Name = u"f"});
+    }
+    Plan->Rules = {{Volume.RecordSector(130), 1, kErrorNotReady}};
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(CatalogueEntryCount(), 2U + 98 + 1);
+    EXPECT_EQ(Reports.Boxes, std::vector<std::string>{"The device is not ready."});
+    ExpectSoundCatalogue();
+
+    // The same while a record's list is followed: the records of the batch in front of it are kept.
+    Volume.PlaceRecord(Volume.NewRecord(100).AddStandardInformation().AddAttributeList(
+        std::vector<ListEntry>{{kFileName, 240}}));
+    Plan->Rules = {{Volume.RecordSector(240), 2, kErrorNotReady}};
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(CatalogueEntryCount(), 2U + 70 + 1);
+    ExpectSoundCatalogue();
+}
+
+TEST_F(BasicScanTest, ExtentsBehindTheMediumAreSkippedQuickly) {
+    Volume.AddFile({.Number = 30, .Name = u"file"});
+    SetTableRuns({{0x10000000, 0xFFFFFFFF}, {64, 4}, {0x1FFFFFFF, 0xFFFFFFFFFFFF}});
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Picture(), (Lines{"/file 30"}));
+    EXPECT_LT(Plan->Log.size(), 10U);
+    EXPECT_LT(Reports.Progress.size(), 10U);
+}
+
+TEST_F(BasicScanTest, ACatalogueThatCannotBeWrittenEndsWithItsBox) {
+    FailingFileStore store;
+    SetFileStore(&store);
+    Volume.AddFile({.Number = 30, .Name = u"file"});
+    ASSERT_EQ(CreateCatalogue(), 1);
+    store.FailAt(1, kErrorDiskFull, true);
+    EXPECT_EQ(BasicScan(), 1);
+    EXPECT_FALSE(Reports.Boxes.empty());
+    EXPECT_EQ(CloseCatalogue(), 1);
+}
+
+TEST_F(BasicScanTest, FoldersThatNameEachOtherAreOutOfReach) {
+    Volume.PlaceRecord(Record(30, 31, u"one").SetFolder(true));
+    Volume.PlaceRecord(Record(31, 30, u"two").SetFolder(true));
+    Volume.PlaceRecord(Record(32, 32, u"itself").SetFolder(true));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(CatalogueEntryCount(), 5U);
+    EXPECT_TRUE(Picture().empty());
+    ExpectSoundCatalogue();
+}
+
+} // namespace thntfs::test
