@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <map>
 
 namespace thntfs {
 
@@ -28,7 +29,7 @@ CLI::Validator WholeNumber(std::uint64_t lowest) {
             const std::uint64_t number = digits && !text.empty() ? std::stoull(text) : ~std::uint64_t{0};
             return number >= lowest && number <= 0xFFFFFFFFU
                        ? std::string()
-                       : "'" + text + "' is not a whole number from " + std::to_string(lowest) + " on";
+                       : "'" + text + "' is not a whole number from " + std::to_string(lowest) + " to 4294967295";
         },
         "");
 }
@@ -38,15 +39,53 @@ void AddMedium(CLI::App& command, Options& options) {
     command.add_flag("--json", options.Json, "Print JSON");
 }
 
+// Two sector numbers with a colon between them, the second not included.
+std::string ReadRange(const std::string& text, Options& options) {
+    const std::size_t colon = text.find(':');
+    const auto isNumber = [](const std::string& part) {
+        return !part.empty() && part.size() <= 18 && part.find_first_not_of("0123456789") == std::string::npos;
+    };
+    if (colon == std::string::npos || !isNumber(text.substr(0, colon)) || !isNumber(text.substr(colon + 1))) {
+        return "'" + text + "' is no range of sectors; give FIRST:END, such as 0:2000000";
+    }
+    options.RangeFirst = std::stoull(text.substr(0, colon));
+    options.RangeEnd = std::stoull(text.substr(colon + 1));
+    return {};
+}
+
+void AddSearch(CLI::App& command, Options& options) {
+    static const std::map<std::string, SearchMethod> kMethods = {{"quick", SearchMethod::Quick},
+                                                                 {"thorough", SearchMethod::Thorough}};
+    CLI::Option* search = command
+                              .add_option("--search", options.Search,
+                                          "Search the sectors for lost volumes in place of reading the partition "
+                                          "table: 'quick' looks at cylinder borders, 'thorough' at every sector")
+                              ->transform(CLI::CheckedTransformer(kMethods).description(""))
+                              ->type_name("quick|thorough");
+    command.add_option_function<std::string>(
+               "--range", [](const std::string&) {}, "Sectors that a thorough search looks at, the end not included")
+        ->type_name("FIRST:END")
+        ->check(CLI::Validator([&options](const std::string& text) { return ReadRange(text, options); }, ""))
+        ->needs(search);
+}
+
+void AddTurbo(CLI::App& command, Options& options) {
+    command.add_flag("--turbo", options.Turbo,
+                     "Read the whole volume for records (Turbo Scan) in place of following its Master File Table");
+}
+
 void AddPartition(CLI::App& command, Options& options) {
     command.add_option("-p,--partition", options.Partition,
                        "Number of the partition, as 'partitions' shows it; may be left out where there is one")
         ->check(WholeNumber(1));
+    AddSearch(command, options);
+    AddTurbo(command, options);
 }
 
 void AddPartitions(CLI::App& app, Options& options) {
-    CLI::App* command = app.add_subcommand("partitions", "List the NTFS volumes of the partition table");
+    CLI::App* command = app.add_subcommand("partitions", "List the NTFS volumes of the partition table, or search for lost ones");
     AddMedium(*command, options);
+    AddSearch(*command, options);
     command->callback([&options] { options.Chosen = Command::Partitions; });
 }
 
@@ -90,7 +129,7 @@ void AddSave(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("save", "Save entries and all below them to a folder of another disk");
     AddMedium(*command, options);
     command->add_option("PATH", options.Paths, "Files or folders to save; without any, everything");
-    command->add_option("--to", options.Target, "Folder to save to; made if missing")->required();
+    command->add_option("--to", options.Target, "Folder to save to; made if missing")->type_name("DIR")->required();
     AddPartition(*command, options);
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
     command->callback([&options] { options.Chosen = Command::Save; });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "partitions/PartitionSearch.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,6 +17,11 @@ struct Options {
     std::string Medium;
     std::optional<unsigned> Partition; ///< counted from 1
     bool Json = false;
+
+    std::optional<SearchMethod> Search;      ///< the candidates come from a search, not from the partition table
+    std::optional<std::uint64_t> RangeFirst; ///< Thorough search: first sector
+    std::optional<std::uint64_t> RangeEnd;   ///< Thorough search: end sector, not included
+    bool Turbo = false;                      ///< Turbo Scan in place of Basic Scan
 
     bool Files = false;     ///< scan: files in the tree too
     bool Recursive = false; ///< list

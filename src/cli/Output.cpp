@@ -4,7 +4,6 @@
 #include "cli/ProgressBar.h"
 
 #include <array>
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -61,12 +60,8 @@ void AppendPrintable(std::string& out, std::string_view text) {
 void PrintMessage(std::string_view text) {
     ProgressBar::Wipe();
     std::string line;
-    for (std::size_t start = 0; start <= text.size();) {
-        const std::size_t end = std::min(text.find('\n', start), text.size());
-        AppendPrintable(line, text.substr(start, end - start));
-        line += '\n';
-        start = end + 1;
-    }
+    AppendPrintable(line, text);
+    line += '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

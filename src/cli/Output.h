@@ -48,7 +48,8 @@ private:
 /// Appends text with control characters shown as \xNN, so that a name can't drive the terminal.
 void AppendPrintable(std::string& out, std::string_view text);
 
-/// Prints a line to standard error, after wiping the progress bar if one stands there.
+/// Prints one line to standard error, after wiping the progress bar if one stands there. Control characters in it
+/// (it may hold a name from the medium), line ends too, are shown as \xNN.
 void PrintMessage(std::string_view text);
 
 /// A byte count for people: "512 bytes", "4.0 KB", "1.2 MB", "3.4 GB".

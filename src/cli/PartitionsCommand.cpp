@@ -32,7 +32,7 @@ int RunPartitions(const Options& options) {
     Session session(options);
     const int code = session.OpenMedium();
     Output output;
-    if (code == kExitDone || options.Json) {
+    if (code == kExitDone || code == kExitDoneInPart || options.Json) {
         PrintCandidates(output, options.Json);
     }
     return output.Finish(code);

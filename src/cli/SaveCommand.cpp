@@ -31,6 +31,10 @@ int OpenTarget(const Options& options, std::unique_ptr<TargetFolder>& target) {
         return kExitFailed;
     }
     const ErrorCode code = TargetFolder::OpenTargetFolder(options.Target, true, target);
+    if (code == kErrorDirectory) {
+        PrintMessage("Cannot save to " + options.Target + ": it is a file or lies below one. Give a folder.");
+        return kExitFailed;
+    }
     if (code != kErrorNone) {
         PrintMessage("Cannot save to " + options.Target + ": " + SystemErrorText(code));
         return kExitFailed;

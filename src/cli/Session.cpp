@@ -4,12 +4,14 @@
 #include "cli/CandidateText.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "cli/SearchMedium.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 #include "platform/Interrupt.h"
 #include "scans/BasicScan.h"
+#include "scans/TurboScan.h"
 
 namespace thntfs {
 
@@ -62,10 +64,23 @@ int Session::OpenMedium() {
         PrintMessage(options_.Medium + " is empty: there is not one sector to read.");
         return kExitFailed;
     }
+    return FindVolumes();
+}
+
+int Session::FindVolumes() {
+    if (options_.Search) {
+        const int code = SearchMedium(options_, Host);
+        if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
+            PrintMessage(*options_.Search == SearchMethod::Quick
+                             ? "The quick search found no NTFS volume; try --search thorough."
+                             : "The search found no NTFS volume.");
+            return kExitFailed;
+        }
+        return code;
+    }
     if (ReadPartitionTable() == 0) {
         PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
-        PrintMessage("Give the whole disk (/dev/sdb rather than /dev/sdb1) or an image of it. Volumes that the "
-                     "partition table no longer names can't be read yet.");
+        PrintMessage("Use --search quick or --search thorough to find volumes that the table doesn't name.");
         return kExitFailed;
     }
     return kExitDone;
@@ -85,12 +100,22 @@ int Session::OpenVolume() {
         return kExitWrongWords;
     }
     LoadVolumeParams(*candidate);
-    if (LocateMft() == 0) {
+    if (LocateMft() == 0 && !options_.Turbo) {
         PrintMessage("Critical structures not found: the Master File Table of this volume can't be located, neither "
-                     "where it should be nor by its mirror.");
+                     "where it should be nor by its mirror. --turbo finds its records by reading the whole volume.");
         return kExitFailed;
     }
     return kExitDone;
+}
+
+bool Session::RunScan() {
+    if (!options_.Turbo) {
+        Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
+        return BasicScan() != 0;
+    }
+    Host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
+    Engine.VolumeParams.TurboScanRun = 1;
+    return TurboScan() != 0;
 }
 
 int Session::ScanVolume() {
@@ -104,8 +129,7 @@ int Session::ScanVolume() {
         PrintMessage("Supporting Files couldn't be opened");
         return kExitFailed;
     }
-    Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
-    complete_ = BasicScan() != 0;
+    complete_ = RunScan();
     CloseCatalogue();
     Host.Bar.End();
     if (!complete_) {

@@ -15,7 +15,7 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Opens the medium and reads its partition table.
+    /// Opens the medium and reads its partition table, or searches it for lost volumes.
     int OpenMedium();
 
     /// Takes the wanted candidate into use and locates its Master File Table.
@@ -34,6 +34,9 @@ public:
     TerminalHost Host;
 
 private:
+    int FindVolumes();
+    bool RunScan();
+
     const Options& options_;
     WorkFolder folder_;
     bool complete_ = true;

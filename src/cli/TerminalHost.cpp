@@ -23,6 +23,14 @@ void TerminalHost::LogEvent(const ProcessLogEntry& entry) {
 
 void TerminalHost::JobProgress() { Bar.Update(Engine.ProgressDone, Engine.ProgressTotal); }
 
+void TerminalHost::SearchPosition(std::uint64_t sector, std::uint64_t endSector) {
+    Bar.Update(sector - searchFirst_, endSector - searchFirst_);
+}
+
+void TerminalHost::PartitionFound(std::uint64_t startSector) {
+    PrintMessage("Found a volume at sector " + std::to_string(startSector));
+}
+
 void TerminalHost::ErrorBox(const std::string& text) {
     if (text != lastBox_ && text != SystemErrorText(kErrorBrokenPipe)) {
         PrintMessage("Error: " + text);

@@ -17,7 +17,12 @@ public:
     void LogEvent(const ProcessLogEntry& entry) override;
     void JobProgress() override;
     void ErrorBox(const std::string& text) override;
+    void SearchPosition(std::uint64_t sector, std::uint64_t endSector) override;
+    void PartitionFound(std::uint64_t startSector) override;
     void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override;
+
+    /// Where the search begins, for its progress.
+    void SearchFrom(std::uint64_t sector) { searchFirst_ = sector; }
 
     /// Says how many read errors were not shown one by one, if any.
     void TellSuppressed();
@@ -32,6 +37,7 @@ public:
 
 private:
     std::uint64_t readErrors_ = 0;
+    std::uint64_t searchFirst_ = 0;
     std::string lastBox_;
 };
 

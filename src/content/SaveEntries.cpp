@@ -53,6 +53,10 @@ EntrySaver::EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& liste
 }
 
 void EntrySaver::Save(const LocatedEntry& entry) {
+    if (Engine.ScanRunFlag == 0) {
+        totals_.Stopped = true;
+        return;
+    }
     levels_.resize(1);
     for (const std::u16string& folder : entry.Folders) {
         levels_.emplace_back().Name = folder;
@@ -137,6 +141,7 @@ void EntrySaver::WriteContent(const CatalogueItem& item, const std::string& path
         return;
     }
     if (Engine.ScanRunFlag == 0) {
+        totals_.Stopped = true;
         Abandon(path, name, "stopped");
     } else if (result == 0 && counted.Written == 0) {
         Abandon(path, name, "its file record is damaged");

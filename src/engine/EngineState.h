@@ -14,7 +14,6 @@
 namespace thntfs {
 
 class FolderTree;
-struct MftEvidence;
 
 /// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is thrown,
 /// so it holds no data. Decoding passes it on, scans catch it.
@@ -56,9 +55,6 @@ struct EngineState {
 
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
 
-    // The lost-partition search.
-    std::shared_ptr<ListHead<MftEvidence>> MftList;
-    std::shared_ptr<ListHead<MftEvidence>> MirrList;
 };
 
 extern EngineState Engine;

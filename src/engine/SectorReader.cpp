@@ -47,6 +47,16 @@ ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
     return code;
 }
 
+// A read that reaches behind the end of the medium leaves that part of the buffer alone.
+void ClearBehindEnd(Bytes buffer, std::uint64_t firstSector) {
+    const DiskRecord& disk = Engine.SourceDisk;
+    const std::uint64_t size = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
+    const std::uint64_t offset = firstSector * disk.BytesPerSector;
+    if (offset > size || buffer.size() > size - offset) {
+        std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+    }
+}
+
 } // namespace
 
 void RaiseFatal(ErrorCode code) {
@@ -74,14 +84,15 @@ ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector) {
     return WalkSectors(buffer, firstSector, code);
 }
 
-ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector) {
+bool TryReadSectors(Bytes buffer, std::uint64_t firstSector) {
     const DiskRecord& disk = Engine.SourceDisk;
-    const std::uint64_t size = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
-    const std::uint64_t offset = firstSector * disk.BytesPerSector;
-    const bool within = offset <= size && buffer.size() <= size - offset;
-    if (!within) {
-        std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
-    }
+    ClearBehindEnd(buffer, firstSector);
+    return disk.MediaHandle != nullptr &&
+           disk.MediaHandle->ReadAt(firstSector * disk.BytesPerSector, buffer) == kErrorNone;
+}
+
+ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector) {
+    ClearBehindEnd(buffer, firstSector);
     const ErrorCode code = ReadSectorsOnce(buffer, firstSector);
     if (code == kErrorNone || buffer.empty()) {
         return code;

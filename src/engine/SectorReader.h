@@ -25,6 +25,10 @@ ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector);
 /// One attempt at a read. A failure leaves a line in the process log. Never throws.
 ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);
 
+/// One attempt at a read ahead, into a buffer that is cleared for the caller. A failure is nobody's concern: it
+/// leaves no line in the log, and the caller then reads what it needs by ReadSectors. Gives false where it failed.
+bool TryReadSectors(Bytes buffer, std::uint64_t firstSector);
+
 /// Shows the system's text for a code in a blocking box and throws CUserException.
 [[noreturn]] void RaiseFatal(ErrorCode code);
 

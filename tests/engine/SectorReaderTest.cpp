@@ -201,6 +201,29 @@ TEST_F(SectorReaderTest, BehindTheEndTheBufferKeepsItsZeros) {
     EXPECT_TRUE(Reports.Log.empty());
 }
 
+TEST_F(SectorReaderTest, ReadsIntoABufferThatCountsAsCleared) {
+    const auto read = [this](std::uint64_t first) {
+        Buffer.assign(2048, 0xEE);
+        return ReadSectorsCleared(Buffer, first);
+    };
+    EXPECT_EQ(read(kFirst), kErrorNone);
+    EXPECT_EQ(Picture(), "++++");
+    Plan->Rules = {{10, 1, kErrorCrc}};
+    EXPECT_EQ(read(kFirst), kErrorNone);
+    EXPECT_EQ(Picture(), "++0+");
+    Engine.ScanRunFlag = 0;
+    EXPECT_EQ(read(kFirst), kErrorNone);
+    EXPECT_EQ(Picture(), "0000") << "whatever the failed read left";
+    for (const std::uint64_t first : {62ULL, 64ULL, 65ULL, ~0ULL, ~0ULL >> 9U}) {
+        EXPECT_EQ(read(first), kErrorNone);
+        EXPECT_EQ(Buffer[0], first == 62 ? 63 : 0) << first;
+        EXPECT_EQ(Buffer[1024], 0) << first;
+    }
+    Engine.SourceDisk.MediaHandle.reset();
+    EXPECT_EQ(read(kFirst), kErrorNone);
+    EXPECT_EQ(Picture(), "0000");
+}
+
 TEST_F(SectorReaderTest, WithoutAMedium) {
     Engine.SourceDisk.MediaHandle.reset();
     EXPECT_EQ(ReadSectors({}, 0), kErrorInvalidHandle) << "a request of nothing gives its code back";

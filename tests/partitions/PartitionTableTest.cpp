@@ -66,7 +66,7 @@ TEST_F(PartitionTableTest, ExtendedChains) {
     for (const std::uint64_t sector : {100U, 1063U, 1163U, 1263U, 2063U, 3000U}) {
         PutVolume(sector);
     }
-    for (const std::uint8_t link : {0x05, 0x0F, 0x85}) {
+    for (const std::uint8_t link : {std::uint8_t{0x05}, std::uint8_t{0x0F}, std::uint8_t{0x85}}) {
         PutTable(0, {{link, 1000, 900}, {0x07, 100, 60}});
         PutTable(1000, {{0x07, 63, 30}, {link, 100, 100}});
         PutTable(1100, {{0x07, 63, 31}, {link, 200, 100}});

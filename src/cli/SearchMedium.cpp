@@ -1,0 +1,35 @@
+#include "cli/SearchMedium.h"
+
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "engine/EngineState.h"
+#include "partitions/PartitionSearch.h"
+#include "platform/Interrupt.h"
+
+#include <algorithm>
+
+namespace thntfs {
+
+int SearchMedium(const Options& options, TerminalHost& host) {
+    const DiskRecord& disk = Engine.SourceDisk;
+    const std::uint64_t first = options.RangeFirst.value_or(0);
+    const std::uint64_t end = std::min(options.RangeEnd.value_or(disk.TotalSectors), disk.TotalSectors);
+    if (first >= end) {
+        PrintMessage("The range holds no sector: the medium has sectors 0 to " +
+                     std::to_string(disk.TotalSectors - 1) + ".");
+        return kExitWrongWords;
+    }
+    Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    host.Bar.Begin("Searching", ProgressBar::Unit::Sector, disk.BytesPerSector);
+    host.SearchFrom(first);
+    const std::uint32_t complete = RunPartitionSearch(*options.Search, first, end);
+    Engine.ScanRunFlag = 0;
+    host.Bar.End();
+    if (complete == 0) {
+        PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) + " volumes were found so far.");
+        return kExitDoneInPart;
+    }
+    return host.HadFatal() ? kExitDoneInPart : kExitDone;
+}
+
+} // namespace thntfs

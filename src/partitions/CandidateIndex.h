@@ -1,0 +1,53 @@
+#pragma once
+
+#include "engine/StoredRecords.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <tuple>
+
+namespace thntfs {
+
+/// The candidate list of SourceDisk while a search fills it, with the two look-ups that a search needs. A disk full
+/// of look-alikes would make a candidate of every pair of them; beyond kMaxCandidates none is added.
+class CandidateIndex {
+public:
+    static constexpr std::size_t kMaxCandidates = 10000;
+
+    /// Frees the list of SourceDisk.
+    CandidateIndex();
+
+    /// The first candidate with the same serial, clusters of the table and its mirror, cluster and record size,
+    /// wherever it starts; null where there is none.
+    [[nodiscard]] PartitionCandidate* FindSameVolume(const PartitionCandidate& wanted) const;
+
+    /// The first candidate with the same layout, whatever its serial, that starts where the wanted one starts or at
+    /// most its own SectorsPerCluster sectors below; null where there is none.
+    [[nodiscard]] PartitionCandidate* FindSameLayout(const PartitionCandidate& wanted) const;
+
+    [[nodiscard]] bool Full() const { return count_ >= kMaxCandidates; }
+
+    /// Adds a candidate at the tail of the list. Gives false, and drops it, where the list is full.
+    bool Add(std::unique_ptr<PartitionCandidate> candidate);
+
+private:
+    using Layout = std::tuple<std::uint64_t, std::uint64_t, std::uint32_t, std::uint16_t>;
+    using Volume = std::pair<std::uint64_t, Layout>;
+
+    struct Listed {
+        PartitionCandidate* Candidate;
+        std::size_t Position;
+    };
+    using ByStart = std::multimap<std::uint64_t, Listed>;
+
+    static void TakeFirst(const ByStart& starts, std::uint64_t lowest, std::uint64_t highest, std::uint64_t start,
+                          const Listed*& first);
+    static Layout LayoutOf(const PartitionCandidate& candidate);
+
+    std::map<Volume, PartitionCandidate*> volumes_; ///< the first of each
+    std::map<Layout, ByStart> layouts_;
+    std::size_t count_ = 0;
+};
+
+} // namespace thntfs

@@ -1,0 +1,154 @@
+#include "partitions/MftEvidence.h"
+
+#include "engine/Attribute.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kLowNineBits = 0x1FF;
+
+// First cluster of an attribute's first run, low byte first and without a sign.
+std::uint64_t FirstRunCluster(ConstBytes record, const Attribute& attribute) {
+    const std::uint64_t run = attribute.RunListStart();
+    const std::uint8_t header = U8At(record, run);
+    const std::uint64_t lengthBytes = header & 0x0FU;
+    const std::uint64_t clusterBytes = std::min<std::uint64_t>(header >> 4U, 8);
+    std::uint64_t cluster = 0;
+    for (std::uint64_t i = 0; i < clusterBytes; ++i) {
+        cluster |= std::uint64_t{U8At(record, run + 1 + lengthBytes + i)} << (8 * i);
+    }
+    return cluster;
+}
+
+bool TakeFormatTime(ConstBytes record, const Attribute& attribute, MftEvidence& evidence) {
+    const std::uint64_t value = attribute.ValueStart();
+    evidence.FormatTime = U64At(record, value);
+    for (const std::uint64_t at : {8U, 16U, 24U}) {
+        if (U64At(record, value + at) != evidence.FormatTime) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A cluster's size follows from what the attribute takes on the medium and the clusters that it counts.
+bool TakeClusterBytes(const Attribute& attribute, MftEvidence& evidence) {
+    const std::uint64_t clusters = attribute.LastCluster() - attribute.FirstCluster() + 1;
+    if (clusters == 0) {
+        return false;
+    }
+    evidence.ClusterBytes = static_cast<std::uint32_t>(attribute.AllocatedBytes() / clusters);
+    return (evidence.ClusterBytes & kLowNineBits) == 0;
+}
+
+bool TakeBitmap(ConstBytes record, const Attribute& attribute, MftEvidence& evidence) {
+    if (evidence.DataCluster == 0) {
+        evidence.DataCluster = FirstRunCluster(record, attribute) + 1;
+    }
+    return attribute.InitialisedBytes() == attribute.RealBytes() && TakeClusterBytes(attribute, evidence);
+}
+
+bool TakeMirrorData(ConstBytes record, const Attribute& attribute, MftEvidence& evidence) {
+    evidence.DataCluster = FirstRunCluster(record, attribute);
+    return attribute.AllocatedBytes() == attribute.InitialisedBytes() &&
+           attribute.InitialisedBytes() == attribute.RealBytes() && TakeClusterBytes(attribute, evidence);
+}
+
+// Two FNV-1a sums with different starts: records with equal sums are taken for copies.
+void HashContent(ConstBytes record, MftEvidence& evidence) {
+    constexpr std::uint64_t kPrime = 0x100000001B3;
+    std::uint64_t first = 0xCBF29CE484222325;
+    std::uint64_t second = 0x9E3779B97F4A7C15;
+    for (const std::uint8_t byte : record) {
+        first = (first ^ byte) * kPrime;
+        second = (second ^ byte) * 0xD6E8FEB86659FD93;
+        second ^= second >> 29U;
+    }
+    evidence.ContentHash[0] = first;
+    evidence.ContentHash[1] = second;
+}
+
+// Cluster sizes that no sector count of 8 bits can tell make no volume.
+bool Complete(MftEvidence& evidence) {
+    const std::uint32_t sectorBytes = Engine.SourceDisk.BytesPerSector;
+    evidence.SectorsPerRecord = static_cast<std::uint8_t>(evidence.RecordBytes / sectorBytes);
+    evidence.SectorsPerCluster = static_cast<std::uint8_t>(evidence.ClusterBytes / sectorBytes);
+    return evidence.SectorsPerRecord != 0 && evidence.SectorsPerCluster != 0;
+}
+
+using EvidenceReader = int (*)(ConstBytes, MftEvidence&);
+
+void Collect(ConstBytes record, EvidenceReader read, const MftEvidence& seen, EvidenceList& list,
+             std::size_t& count) {
+    auto evidence = std::make_unique<MftEvidence>();
+    evidence->SectorNumber = seen.SectorNumber;
+    evidence->ContentHash[0] = seen.ContentHash[0];
+    evidence->ContentHash[1] = seen.ContentHash[1];
+    if (count < EvidenceCollector::kMaxEvidence && read(record, *evidence) != 0 && Complete(*evidence)) {
+        list.Append(std::move(evidence));
+        ++count;
+    }
+}
+
+} // namespace
+
+int ReadMftEvidence(ConstBytes record, MftEvidence& evidence) {
+    evidence.RecordBytes = BytesAllocated(record);
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        switch (attribute.Type()) {
+        case kTypeEnd:
+            return 0;
+        case kTypeStandardInformation:
+            if (!TakeFormatTime(record, attribute, evidence)) {
+                return 0;
+            }
+            break;
+        case kTypeData:
+            evidence.DataCluster = FirstRunCluster(record, attribute);
+            break;
+        case kTypeBitmap:
+            return TakeBitmap(record, attribute, evidence) ? 1 : 0;
+        default:
+            break;
+        }
+    }
+    return 0;
+}
+
+int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence) {
+    evidence.RecordBytes = BytesAllocated(record);
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
+        const Attribute attribute = walk.Current();
+        if (attribute.Type() == kTypeEnd) {
+            return 0;
+        }
+        if (attribute.Type() == kTypeStandardInformation && !TakeFormatTime(record, attribute, evidence)) {
+            return 0;
+        }
+        if (attribute.Type() == kTypeData) {
+            return TakeMirrorData(record, attribute, evidence) ? 1 : 0;
+        }
+    }
+    return 0;
+}
+
+// The second check meets a record that the first has fixed up. Only one that stays below one sector, the normal form
+// of a mirror's record, passes it.
+void EvidenceCollector::Examine(Bytes record, std::uint64_t sector) {
+    MftEvidence seen;
+    seen.SectorNumber = sector;
+    HashContent(record, seen);
+    const auto bytes = static_cast<std::uint32_t>(record.size());
+    if (IsMftRecord(record, bytes) != 0) {
+        Collect(record, ReadMftEvidence, seen, MftList, mftCount_);
+    }
+    if (IsMftMirrRecord(record, bytes) != 0) {
+        Collect(record, ReadMirrEvidence, seen, MirrList, mirrCount_);
+    }
+}
+
+} // namespace thntfs

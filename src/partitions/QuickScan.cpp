@@ -1,0 +1,65 @@
+#include "engine/EngineState.h"
+#include "engine/SectorReader.h"
+#include "partitions/BootSector.h"
+#include "partitions/BootSectorRoute.h"
+#include "partitions/PartitionSearch.h"
+#include "platform/Host.h"
+
+#include <algorithm>
+#include <new>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kCylinderSectors = 16065; // 255 heads by 63 sectors
+constexpr std::uint64_t kTrackSectors = 63;
+constexpr std::uint64_t kHalfCylinder = 8032;
+constexpr std::size_t kProbeSectors = 4;
+
+std::uint64_t RoundToCylinder(std::uint64_t sector, std::uint64_t smallest) {
+    if (sector <= kCylinderSectors) {
+        return smallest;
+    }
+    const std::uint64_t rest = sector % kCylinderSectors;
+    return rest > kHalfCylinder ? sector + (kCylinderSectors - rest) : sector - rest;
+}
+
+void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_t endSector, CandidateIndex& index) {
+    Host().SearchPosition(sector, endSector);
+    ReadSectorsCleared(buffer, sector);
+    const ConstBytes first = ConstBytes(buffer).first(kBootSectorBytes);
+    if (IsNtfsBootSector(first) != 0) {
+        FollowBootSector(first, sector, SecondSight::Ignore, index);
+    }
+}
+
+} // namespace
+
+std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
+    std::uint64_t position = RoundToCylinder(firstSector, 0);
+    const std::uint64_t end = RoundToCylinder(endSector, kCylinderSectors);
+    CandidateIndex index;
+    std::vector<std::uint8_t> buffer(kProbeSectors * std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, 512));
+    try {
+        while (position < end && Engine.ScanRunFlag != 0) {
+            Host().PassGate();
+            Probe(buffer, position, end, index);
+            Probe(buffer, position + kTrackSectors, end, index);
+            position += kCylinderSectors;
+        }
+        Host().SearchPosition(std::min(position, end), end);
+    } catch (const CUserException&) {
+        // The user has seen the box. What was found so far stands.
+    } catch (const std::bad_alloc&) {
+    }
+    return Engine.ScanRunFlag;
+}
+
+std::uint32_t RunPartitionSearch(SearchMethod method, std::uint64_t firstSector, std::uint64_t endSector) {
+    return method == SearchMethod::Thorough ? ThoroughScan(firstSector, endSector)
+                                            : QuickScan(firstSector, endSector);
+}
+
+} // namespace thntfs

@@ -1,0 +1,172 @@
+#include "scans/TurboScan.h"
+
+#include "catalogue/Catalogue.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/SectorReader.h"
+#include "platform/Host.h"
+#include "scans/RecordCataloguing.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kIndexMagic = 0x58444E49; // "INDX"
+constexpr std::size_t kReadBytes = std::size_t{128} << 10U;
+constexpr std::uint32_t kMaxSpanBytes = 1U << 20U; // far above any index block that NTFS makes
+
+// A span is one index block. A volume that states an impossible size is read in spans of four records.
+struct SpanSize {
+    std::uint32_t Bytes;
+    std::uint32_t Sectors;
+};
+
+SpanSize SpanOfVolume() {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (volume.IndexBlockBytes != 0 && volume.IndexBlockBytes <= kMaxSpanBytes && volume.SectorsPerIndexBlock != 0) {
+        return {volume.IndexBlockBytes, volume.SectorsPerIndexBlock};
+    }
+    return {4 * volume.FileRecordBytes, 4U * volume.SectorsPerFileRecord};
+}
+
+class VolumeWalk {
+public:
+    VolumeWalk();
+
+    void Run();
+    [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
+
+private:
+    void ReadAhead();
+    void ReadSpan(Bytes span, std::uint64_t sector);
+    void ProcessSpan(Bytes span);
+    void ProcessRecord(Bytes record);
+    std::uint32_t NumberOfRecord(ConstBytes record, std::uint32_t decodedNumber);
+    void ReportProgress() const;
+
+    SpanSize span_;
+    std::size_t spansAtATime_;
+    std::vector<std::uint8_t> buffer_; ///< the spans of one read
+    std::size_t spansRead_ = 0;
+    std::uint64_t spanSector_;
+    std::uint64_t endSector_;
+    std::uint64_t recordSector_;
+    std::uint32_t runningNumber_ = 1; ///< guess at the record number of the position in hand
+    std::uint32_t nextEntryId_ = kFirstEntryId;
+};
+
+VolumeWalk::VolumeWalk()
+    : span_(SpanOfVolume())
+    , spansAtATime_(1)
+    , spanSector_(Engine.VolumeParams.StartSector)
+    , endSector_(spanSector_ + Engine.VolumeParams.TotalSectors)
+    , recordSector_(spanSector_) {
+    const DiskRecord& disk = Engine.SourceDisk;
+    // Spans that lie one behind the other can be read together.
+    if (std::uint64_t{span_.Sectors} * disk.BytesPerSector == span_.Bytes) {
+        spansAtATime_ = std::max<std::size_t>(1, kReadBytes / span_.Bytes);
+    }
+    buffer_.resize(spansAtATime_ * span_.Bytes);
+    // Behind the medium's end there is nothing to find, however large the volume claims to be.
+    if (disk.MediaHandle != nullptr && disk.BytesPerSector != 0) {
+        endSector_ = std::min(endSector_, disk.MediaHandle->SizeBytes() / disk.BytesPerSector + 1);
+    }
+}
+
+void VolumeWalk::Run() {
+    for (std::size_t next = 0; spanSector_ < endSector_ && Engine.ScanRunFlag != 0; ++next) {
+        if (next % spansAtATime_ == 0) {
+            next = 0;
+            Host().PassGate();
+            ReportProgress();
+            ReadAhead();
+        }
+        const Bytes span = Bytes(buffer_).subspan(next * span_.Bytes, span_.Bytes);
+        if (next >= spansRead_) {
+            ReadSpan(span, spanSector_);
+        }
+        ProcessSpan(span);
+        spanSector_ += span_.Sectors;
+    }
+}
+
+// Reads many spans at once where all of them can be read. Where one can't, each is read by itself.
+void VolumeWalk::ReadAhead() { spansRead_ = TryReadSectors(buffer_, spanSector_) ? spansAtATime_ : 0; }
+
+void VolumeWalk::ReadSpan(Bytes span, std::uint64_t sector) { ReadSectorsCleared(span, sector); }
+
+void VolumeWalk::ProcessSpan(Bytes span) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (U32At(span, 0) == kIndexMagic && CheckIndexBlock(span, volume.BytesPerSector) != 0) {
+        HarvestIndexBlock(span, nextEntryId_);
+        recordSector_ += span_.Sectors;
+        runningNumber_ = 0;
+        return;
+    }
+    for (std::size_t at = 0; at < span.size(); at += volume.FileRecordBytes) {
+        if (span.size() - at >= volume.FileRecordBytes) {
+            ProcessRecord(span.subspan(at, volume.FileRecordBytes));
+        }
+        recordSector_ += volume.SectorsPerFileRecord;
+        ++runningNumber_;
+    }
+}
+
+void VolumeWalk::ProcessRecord(Bytes record) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (U32At(record, 0) != kFileMagic || BaseReference(record) != 0 ||
+        CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        return;
+    }
+    DecodedEntry entry;
+    if (DecodeFileRecord(record, entry) == 0) {
+        return;
+    }
+    entry.RecordNumber = NumberOfRecord(record, entry.RecordNumber);
+    entry.RecordSector = recordSector_;
+    CatalogueRecord(entry, IsDirectory(record), nextEntryId_);
+}
+
+std::uint32_t VolumeWalk::NumberOfRecord(ConstBytes record, std::uint32_t decodedNumber) {
+    if (UsaOffset(record) == kUsaOffsetNew) {
+        runningNumber_ = OwnRecordNumber(record);
+    } else if (decodedNumber != 0) {
+        if (!IsDirectory(record)) {
+            return decodedNumber;
+        }
+        runningNumber_ = decodedNumber;
+    }
+    return runningNumber_;
+}
+
+void VolumeWalk::ReportProgress() const {
+    Engine.ProgressDone = spanSector_ - Engine.VolumeParams.StartSector;
+    Engine.ProgressTotal = Engine.VolumeParams.TotalSectors;
+    Host().JobProgress();
+}
+
+} // namespace
+
+std::uint32_t TurboScan() {
+    const VolumeParams& volume = Engine.VolumeParams;
+    std::uint32_t nextEntryId = kFirstEntryId;
+    if (volume.FileRecordBytes != 0 && volume.SectorsPerFileRecord != 0 && volume.BytesPerSector != 0) {
+        VolumeWalk walk;
+        try {
+            walk.Run();
+        } catch (const CUserException&) {
+            // The user has seen the box. What was found so far makes the catalogue.
+        }
+        nextEntryId = walk.NextEntryId();
+    }
+    try {
+        FinishCatalogue(nextEntryId);
+    } catch (const CUserException&) {
+    }
+    return Engine.ScanRunFlag;
+}
+
+} // namespace thntfs

@@ -1,0 +1,298 @@
+#include "content/ContentFixture.h"
+#include "support/Lznt1Compressor.h"
+
+#include <algorithm>
+#include <random>
+
+namespace thntfs::test {
+
+namespace {
+
+class EntryContentTest : public ContentFixture {};
+
+ByteVector Join(std::initializer_list<ByteVector> parts) {
+    ByteVector bytes;
+    for (const ByteVector& part : parts) {
+        AppendBytes(bytes, part);
+    }
+    return bytes;
+}
+
+ByteVector Clusters(std::size_t count, std::uint64_t seed = 1) { return PatternBytes(count * 4096, seed); }
+
+/// Bytes that compress well, but not to almost nothing.
+ByteVector Compressible(std::size_t length) {
+    ByteVector bytes = PatternBytes(length, 5);
+    for (std::size_t i = 0; i < length; ++i) {
+        bytes[i] = i % 64 < 16 ? bytes[i] : 'x';
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST_F(EntryContentTest, ResidentData) {
+    const ByteVector value = BytesOf("resident");
+    EXPECT_EQ(Read(Record().AddData(value), 3), 1);
+    EXPECT_EQ(Out.Content, value) << "the whole value, whatever the size says";
+    EXPECT_NE(Read(Record().AddData(ByteVector{}), 0), 0);
+    EXPECT_TRUE(Out.Sizes.empty());
+    EXPECT_NE(Read(Record(), 5), 0) << "no data at all";
+    EXPECT_NE(Read(Record().AddData(BytesOf("stream"), u"s"), 6), 0);
+    EXPECT_TRUE(Out.Content.empty());
+    Read(Record().AddData(BytesOf("stream"), u"s").AddData(value).AddData(BytesOf("more")), 8);
+    EXPECT_EQ(Out.Content, value) << "the first unnamed one";
+}
+
+TEST_F(EntryContentTest, PlainRunsAreCutToTheSize) {
+    const ByteVector first = Clusters(20, 1);
+    const ByteVector second = Clusters(3, 2);
+    const NonResidentValue data = {.Runs = {PutRun(first), PutRun(second)}};
+    const ByteVector whole = Join({first, second});
+    struct Case {
+        std::uint64_t Size;
+        std::vector<std::size_t> Pieces;
+    };
+    for (const Case& test : {Case{94208, {65536, 16384, 12288}},
+                             {94207, {65536, 16384, 12287}},
+                             {81920, {65536, 16384}},
+                             {81921, {65536, 16384, 1}},
+                             {65536, {65536}},
+                             {1, {1}},
+                             {0, {}},
+                             {200000, {65536, 16384, 12288}}}) {
+        SCOPED_TRACE(test.Size);
+        Plan->Log.clear();
+        EXPECT_EQ(Read(Record().AddData(data), test.Size), 1);
+        EXPECT_EQ(Out.Sizes, test.Pieces);
+        EXPECT_EQ(Out.Content, FirstOf(whole, std::min<std::size_t>(test.Size, whole.size())));
+        EXPECT_EQ(Plan->Log.size(), 1 + test.Pieces.size()) << "nothing behind the size is read";
+        ASSERT_EQ(Reports.Progress.size(), test.Pieces.size());
+        std::uint64_t done = 0;
+        for (std::size_t i = 0; i < test.Pieces.size(); ++i) {
+            done += test.Pieces[i];
+            EXPECT_EQ(Reports.Progress[i], (TestHost::Pair{done, test.Size}));
+        }
+        EXPECT_EQ(Engine.BytesWritten, Out.Content.size());
+    }
+    Engine.PreviewActive = 1;
+    Engine.ScanRunFlag = 0;
+    EXPECT_EQ(Read(Record().AddData(data), 94208), 1);
+    EXPECT_EQ(Out.Content, whole);
+    EXPECT_TRUE(Reports.Progress.empty()) << "a preview sends none";
+}
+
+TEST_F(EntryContentTest, HolesAddNothing) {
+    const ByteVector first = Clusters(2, 1);
+    const ByteVector second = Clusters(2, 2);
+    for (const std::uint16_t flags : std::initializer_list<std::uint16_t>{0, 0x8000, 0x4000, 0x8001}) {
+        EXPECT_EQ(Read(Record().AddData({.Runs = {PutRun(first), {30, {}}, PutRun(second)}, .Flags = flags}),
+                       34 * 4096),
+                  1);
+        EXPECT_EQ(Out.Content, Join({first, second})) << flags;
+        EXPECT_EQ(Engine.BytesWritten, 4U * 4096);
+    }
+}
+
+TEST_F(EntryContentTest, CompressedUnits) {
+    const ByteVector plain = Compressible(65536);
+    const ByteVector packed = CompressLznt1(plain);
+    const auto packedClusters = (packed.size() + 4095) / 4096;
+    ASSERT_LT(packedClusters, 15U);
+    const ByteVector raw = Clusters(16, 3);
+    const auto read = [&](std::vector<DataRun> runs, std::uint64_t size, std::uint8_t exponent = 4) {
+        return Read(Record().AddData({.Runs = std::move(runs), .Flags = 1, .CompressionExponent = exponent}),
+                    size);
+    };
+    const DataRun hole = {16 - packedClusters, {}};
+    ByteVector zeroEnded = packed; // zeros behind the last chunk close the stream
+    zeroEnded.resize(packedClusters * 4096);
+
+    EXPECT_EQ(read({PutRun(zeroEnded), hole}, 65536), 1);
+    EXPECT_EQ(Out.Content, plain);
+    EXPECT_EQ(Reports.Progress, (std::vector<TestHost::Pair>{{0, 65536}, {65536, 65536}}))
+        << "one behind each node";
+
+    EXPECT_EQ(read({PutRun(zeroEnded), hole}, 60000), 1);
+    EXPECT_EQ(Out.Content, plain) << "the last unit isn't cut";
+
+    EXPECT_EQ(read({PutRun(raw), PutRun(zeroEnded), hole}, 131072), 1);
+    EXPECT_EQ(Out.Content, Join({raw, plain})) << "a unit stored as it is";
+
+    const DataRun half = PutRun(Join({raw, FirstOf(zeroEnded, 4096)}));
+    const ByteVector rest(zeroEnded.begin() + 4096, zeroEnded.end());
+    EXPECT_EQ(read({half, PutRun(rest), hole}, 131072), 1);
+    EXPECT_EQ(Out.Content, Join({raw, plain})) << "runs and units needn't meet";
+
+    ByteVector noChain = Clusters(3, 4);
+    PutNumber(noChain, 0, std::uint16_t{0xBFFE}); // a chunk of 4095 bytes, and then
+    PutNumber(noChain, 4097, std::uint16_t{0xBFFF});
+    PutNumber(noChain, 8195, std::uint16_t{0xBFFF});
+    EXPECT_EQ(read({PutRun(noChain), {13, {}}, PutRun(zeroEnded), hole}, 131072), 1);
+    EXPECT_EQ(Out.Content, Join({noChain, plain})) << "what isn't a chain goes out as it is";
+
+    EXPECT_EQ(read({{16, {}}, PutRun(zeroEnded), hole, {16, {}}}, 65536), 1);
+    EXPECT_EQ(Out.Content, plain) << "a unit that is all hole adds nothing";
+
+    EXPECT_EQ(read({PutRun(zeroEnded)}, 65536), 1);
+    EXPECT_TRUE(Out.Content.empty()) << "no hole closes the unit";
+
+    EXPECT_EQ(read({PutRun(raw), {1, {}}, PutRun(raw)}, 65536), 1);
+    EXPECT_EQ(Out.Content, raw) << "nothing behind the size";
+
+    ByteVector fourClusters = CompressLznt1(FirstOf(plain, 16384));
+    fourClusters.resize((fourClusters.size() + 4095) / 4096 * 4096);
+    ASSERT_LT(fourClusters.size(), 16384U);
+    EXPECT_EQ(read({PutRun(fourClusters), {1, {}}}, 16384, 2), 1);
+    EXPECT_EQ(Out.Content, FirstOf(plain, 16384)) << "units of 4 clusters";
+}
+
+TEST_F(EntryContentTest, HostileUnitSizesAndRuns) {
+    const DataRun run = PutRun(Clusters(16));
+    for (const std::uint8_t exponent : std::initializer_list<std::uint8_t>{14, 20, 32, 63, 255}) {
+        EXPECT_EQ(
+            Read(Record().AddData({.Runs = {run, {1, {}}}, .Flags = 1, .CompressionExponent = exponent}),
+                 65536),
+            1);
+        EXPECT_LE(Out.Content.size(), 65536U);
+    }
+    RecordBuilder unitOfOne = Record().AddData({.Runs = {run}, .Flags = 1});
+    Read(unitOfOne, 65536);
+    EXPECT_EQ(Out.Content, Clusters(16)) << "units of one cluster are never compressed";
+
+    const NonResidentValue endless = {.Runs = {{0xFFFFFF, 100}, {0xFFFFFF, 200}}, .RealSize = ~0ULL};
+    EXPECT_EQ(Read(Record().AddData(endless), ~0ULL), 1);
+    EXPECT_LE(Out.Content.size(), 2 * Volume.Image().size()) << "no more than a volume can hold";
+    EXPECT_GT(Engine.BytesBehindEnd, 0U);
+}
+
+TEST_F(EntryContentTest, AttributeListsInTheirOrder) {
+    const ByteVector first = Clusters(3, 1);
+    const ByteVector second = Clusters(2, 2);
+    const auto place = [&](std::uint32_t number, const NonResidentValue& data, bool streamToo) {
+        RecordBuilder record =
+            Volume.NewRecord(number).SetBase(FileReference(40)).AddResident(0x40, ByteVector(8));
+        if (streamToo) {
+            record.AddData(BytesOf("stream"), u"s");
+        }
+        Volume.PlaceRecord(record.AddData(data));
+    };
+    place(41, {.Runs = {PutRun(first)}, .RealSize = 5 * 4096}, false);
+    place(42, {.Runs = {PutRun(second)}, .FirstVcn = 3}, true);
+    const auto with = [&](const std::vector<ListEntry>& list) {
+        return Volume.NewRecord(40).AddStandardInformation().AddAttributeList(list);
+    };
+    const std::vector<ListEntry> list = {{kStandardInformation, 40}, {kData, 41}, {kData, 42, 3}};
+    EXPECT_EQ(Read(with(list), 20480), 1);
+    EXPECT_EQ(Out.Content, Join({first, second}));
+    Read(with(list), 16000);
+    EXPECT_EQ(Out.Content, FirstOf(Join({first, second}), 16000)) << "cut over all pieces";
+    Read(with({{kData, 42, 3}, {kData, 41}}), 20480);
+    EXPECT_EQ(Out.Content, Join({second, first})) << "the list's order, not the clusters'";
+    Read(with({{kData, 41}, {kData, 42, 0, 0, u"s"}, {kData, 42, 3}}), 40960);
+    EXPECT_EQ(Out.Content, Join({first, second, second})) << "a stream beside a piece repeats it";
+    Read(with({{kData, 41}, {kData, 70000}, {kIndexRoot, 42}, {kData, 42}}), 20480);
+    EXPECT_EQ(Out.Content, Join({first, second})) << "other types and unknown numbers are dropped";
+    Read(with({{kData, 41}, {0x88, 1}, {kData, 42}}), 20480);
+    EXPECT_EQ(Out.Content, first) << "an invalid type ends the list";
+    Volume.PlaceRecord(43, ByteVector(1024));
+    EXPECT_EQ(Read(with({{kData, 41}, {kData, 43}, {kData, 42}}), 20480), 0);
+    EXPECT_EQ(Out.Content, first) << "what was written stays";
+    EXPECT_NE(Read(with({}), 20480), 0);
+    EXPECT_TRUE(Out.Content.empty());
+
+    const DataRun clusters = PutRun(Join({EncodeAttributeList(list), ByteVector(8192)}));
+    Volume.PutClusters(*clusters.Start + 2, EncodeAttributeList({{kData, 42, 3}}));
+    EXPECT_EQ(Read(Volume.NewRecord(40).AddStandardInformation().AddAttributeList(
+                       NonResidentValue{.Runs = {clusters}}),
+                   28672),
+              1);
+    EXPECT_EQ(Out.Content, Join({first, second, second})) << "each cluster begins anew behind its padding";
+
+    RecordBuilder third = Volume.NewRecord(40).AddStandardInformation().AddResident(0x10, ByteVector(48));
+    EXPECT_EQ(Read(third.AddAttributeList(list).AddData(BytesOf("own")), 3), 1);
+    EXPECT_TRUE(Out.Content.empty()) << "a list that isn't the second attribute";
+}
+
+TEST_F(EntryContentTest, DamagedRecords) {
+    ByteVector torn = Record().AddData(BytesOf("x")).Finish();
+    torn[0] = 'X';
+    Volume.PlaceRecord(40, torn);
+    Out.Forget();
+    EXPECT_EQ(ReadEntryContent(ItemOf(40, 1), Out), 0);
+    CatalogueItem nowhere = ItemOf(40, 1);
+    nowhere.RecordSector = ~0ULL / 512;
+    EXPECT_EQ(ReadEntryContent(nowhere, Out), 0);
+    EXPECT_TRUE(Out.Sizes.empty());
+}
+
+TEST_F(EntryContentTest, BadSectorsAreZerosInAJobAndAWholePieceOutsideOne) {
+    const ByteVector plain = Clusters(20);
+    const DataRun run = PutRun(plain);
+    const RecordBuilder record = Record().AddData({.Runs = {run}});
+    Plan->Rules = {{Volume.Geometry().SectorOf(*run.Start) + 9, 1, kErrorCrc}};
+    ByteVector expected = plain;
+    std::fill_n(expected.begin() + 9 * 512, 512, std::uint8_t{0});
+    EXPECT_EQ(Read(record, plain.size()), 1);
+    EXPECT_EQ(Out.Content, expected);
+    EXPECT_EQ(Reports.Log.size(), 2U);
+
+    Engine.PreviewActive = 1;
+    Engine.ScanRunFlag = 0;
+    std::fill_n(expected.begin(), 65536, std::uint8_t{0});
+    EXPECT_EQ(Read(record, plain.size()), 1);
+    EXPECT_EQ(Out.Content, expected);
+}
+
+TEST_F(EntryContentTest, AStopEndsBetweenPieces) {
+    const NonResidentValue plain = {.Runs = {PutRun(Clusters(64))}};
+    Reports.OnProgress = [] { Engine.ScanRunFlag = 0; };
+    EXPECT_NE(Read(Record().AddData(plain), 64 * 4096), 0);
+    EXPECT_EQ(Out.Content.size(), 65536U);
+
+    Engine.ScanRunFlag = 1;
+    NonResidentValue packed = {.Runs = {}, .Flags = 1, .CompressionExponent = 4};
+    for (int i = 0; i < 4; ++i) {
+        packed.Runs.push_back(PutRun(Clusters(16)));
+    }
+    Read(Record().AddData(packed), 64 * 4096);
+    EXPECT_EQ(Out.Content.size(), 65536U);
+}
+
+TEST_F(EntryContentTest, FatalReadsAndFailedWritesPassThrough) {
+    const DataRun run = PutRun(Clusters(40));
+    const RecordBuilder record = Record().AddData({.Runs = {run}});
+    Plan->Rules = {{Volume.Geometry().SectorOf(*run.Start) + 130, 1, kErrorNotReady}};
+    EXPECT_THROW(Read(record, 163840), CUserException);
+    EXPECT_EQ(Out.Content.size(), 65536U);
+    Plan->Rules.clear();
+    Out.FailingWrite = Out.Sizes.size();
+    EXPECT_THROW(ReadEntryContent(ItemOf(40, 163840), Out), CUserException);
+    EXPECT_EQ(Reports.Boxes, (std::vector<std::string>{"The device is not ready.",
+                                                       "There is not enough space on the disk."}));
+}
+
+TEST_F(EntryContentTest, MutatedRecordsNeverHang) {
+    std::mt19937 random(6);
+    const DataRun run = PutRun(Compressible(16 * 4096));
+    const std::vector<RecordBuilder> seeds = {
+        Record().AddData({.Runs = {run, {16, {}}, run}}),
+        Record().AddData({.Runs = {run, {16, {}}, run}, .Flags = 1, .CompressionExponent = 4}),
+        Record().AddData(BytesOf("resident")),
+        Volume.NewRecord(40).AddStandardInformation().AddAttributeList(
+            std::vector<ListEntry>{{kData, 40}, {kData, 41}, {kData, 4}})};
+    for (int round = 0; round < 4000; ++round) {
+        ByteVector record = seeds[random() % seeds.size()].Finish();
+        for (std::size_t i = 1 + random() % 4; i > 0; --i) {
+            record[48 + random() % 400] =
+                static_cast<std::uint8_t>(random() % 4 == 0 ? random() : random() % 20);
+        }
+        Volume.PlaceRecord(40, record);
+        Out.Forget();
+        Engine.BytesWritten = 0;
+        ReadEntryContent(ItemOf(40, 200000), Out);
+        ASSERT_LE(Out.Content.size(), 16 * Volume.Image().size());
+    }
+}
+
+} // namespace thntfs::test

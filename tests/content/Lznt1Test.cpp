@@ -1,0 +1,217 @@
+#include "content/Lznt1.h"
+
+#include "support/Lznt1Compressor.h"
+#include "support/VolumeBuilderBytes.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace thntfs::test {
+
+namespace {
+
+/// A chunk with its header: `compressed` tells its bit 15; the length is the data's.
+ByteVector Chunk(bool compressed, const ByteVector& data) {
+    const auto header = static_cast<std::uint16_t>((compressed ? 0xB000U : 0x3000U) | (data.size() - 1));
+    ByteVector bytes = {static_cast<std::uint8_t>(header), static_cast<std::uint8_t>(header >> 8U)};
+    AppendBytes(bytes, data);
+    return bytes;
+}
+
+ByteVector Join(std::initializer_list<ByteVector> parts) {
+    ByteVector bytes;
+    for (const ByteVector& part : parts) {
+        AppendBytes(bytes, part);
+    }
+    return bytes;
+}
+
+ByteVector Decompress(const ByteVector& source, std::size_t room = 65536) {
+    ByteVector target(room);
+    target.resize(DecompressLznt1(source, target));
+    return target;
+}
+
+/// The decoder in the plainest words, byte by byte.
+ByteVector PlainDecompress(const ByteVector& source, std::size_t room) {
+    ByteVector target(room);
+    const auto at = [&source](std::size_t i) { return i < source.size() ? source[i] : std::uint8_t{0}; };
+    std::size_t in = 0;
+    std::size_t out = 0;
+    do {
+        const unsigned header = in + 2 <= source.size() ? at(in) | at(in + 1) << 8U : 0U;
+        if ((header & 0xFFFU) == 0 || (header & 0xFFFU) == 3) {
+            break;
+        }
+        in += 2;
+        const std::size_t length = (header & 0xFFFU) + 1;
+        const std::size_t given = std::min(length, source.size() - in);
+        if ((header & 0x8000U) == 0) {
+            for (std::size_t i = 0; i < length && out + length <= room; ++i) {
+                target[out + i] = at(in + i);
+            }
+            out = std::min(out + length, room);
+            in += length;
+            continue;
+        }
+        std::size_t chunkOut = 0;
+        bool full = false;
+        unsigned flags = 0;
+        std::size_t chunkIn = 0;
+        for (unsigned token = 0; chunkIn < given && !full; ++token) {
+            if (token % 8 == 0) {
+                flags = at(in + chunkIn++);
+                if (chunkIn >= given) {
+                    break;
+                }
+            }
+            if ((flags >> (token % 8) & 1U) == 0) {
+                full = out + chunkOut >= room;
+                if (!full) {
+                    target[out + chunkOut++] = at(in + chunkIn++);
+                }
+                continue;
+            }
+            const unsigned word = at(in + chunkIn) | at(in + chunkIn + 1) << 8U;
+            chunkIn += 2;
+            unsigned mask = 0xFFF;
+            unsigned shift = 12;
+            for (std::size_t p = chunkOut == 0 ? 0 : chunkOut - 1; p >= 16; p /= 2) {
+                mask /= 2;
+                --shift;
+            }
+            const std::size_t distance = (word >> shift) + 1;
+            std::size_t from = distance > chunkOut ? 0 : chunkOut - distance;
+            for (unsigned i = 0; i < (word & mask) + 3 && out + chunkOut < room; ++i) {
+                target[out + chunkOut++] = target[out + from++];
+            }
+        }
+        out = std::min(out + chunkOut, room);
+        in += length;
+    } while (in < source.size() && out < room);
+    target.resize(out);
+    return target;
+}
+
+ByteVector TextLike(std::size_t length, std::mt19937& random) {
+    ByteVector bytes(length);
+    for (std::size_t i = 0; i < length; ++i) {
+        bytes[i] = i > 40 && random() % 8 != 0 ? bytes[i - 1 - random() % 40]
+                                               : static_cast<std::uint8_t>('a' + random() % 26);
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST(Lznt1Test, ChunkChains) {
+    const ByteVector ten(10, 0x55);
+    struct Case {
+        const char* Name;
+        ByteVector Bytes;
+        bool Expected;
+    };
+    const Case cases[] = {
+        {"nothing", {}, false},
+        {"one byte", {9}, false},
+        {"one chunk", Chunk(true, ten), true},
+        {"two chunks", Join({Chunk(true, ten), Chunk(false, ten)}), true},
+        {"a byte too few", {9, 0xB0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, false},
+        {"a header alone", {9, 0xB0}, false},
+        {"a zero header", {0, 0}, true},
+        {"zeros", ByteVector(4096), true},
+        {"a closing header and anything", Join({Chunk(true, ten), {0, 0, 1, 2, 3}}), true},
+        {"length field 0 with other bits", Join({{0, 0xB0}, ten}), true},
+        {"length field 3 ends", Join({Chunk(true, ten), {3, 0xB0}}), true},
+        {"length field 3 cut", Join({Chunk(true, ten), {3}}), false},
+        {"length field 3 first", {3, 0, 9}, true},
+        {"garbage behind", Join({Chunk(true, ten), {0xFF, 0x0F, 1}}), false},
+        {"one odd byte behind", Join({Chunk(true, ten), {0}}), false},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(IsChunkChain(test.Bytes), test.Expected) << test.Name;
+    }
+}
+
+TEST(Lznt1Test, StreamsByHand) {
+    const ByteVector abc = {0, 'a', 'b', 'c', 'd', 'e'};
+    struct Case {
+        const char* Name;
+        ByteVector Source;
+        std::string Expected;
+        std::size_t Room = 4096;
+    };
+    const Case cases[] = {
+        {"literals", Chunk(true, abc), "abcde"},
+        {"a plain chunk", Chunk(false, abc), std::string("\0abcde", 6)},
+        {"a short chunk isn't padded", Join({Chunk(true, abc), Chunk(true, {0, 'x', 'y'})}), "abcdexy"},
+        {"an overlapping match", Chunk(true, {2, 'a', 4, 0, 'b'}), "aaaaaaaab"},
+        {"a match two back", Chunk(true, {4, 'a', 'b', 2, 0x10}), "abababa"},
+        {"a distance beyond the chunk", Chunk(true, {4, 'a', 'b', 1, 0x70}), "ababab"},
+        {"a match at the start", Chunk(true, {1, 0, 0, 'z', 'y'}), std::string("\0\0\0zy", 5)},
+        {"matches stay within their chunk", Join({Chunk(true, abc), Chunk(true, {2, 'x', 0, 0x50, 'q'})}),
+         "abcdexxxxq"},
+        {"length field 0 ends", Join({Chunk(true, abc), {0, 0xB0}, Chunk(true, abc)}), "abcde"},
+        {"length field 3 ends", Join({Chunk(true, abc), Chunk(true, {0, 1, 2, 3}), Chunk(true, abc)}),
+         "abcde"},
+        {"nothing", {}, ""},
+        {"a literal too many", Chunk(true, abc), "abc", 3},
+        {"a match too long", Chunk(true, {2, 'a', 4, 0, 'b'}), "aaaa", 4},
+        {"a plain chunk that fits", Join({Chunk(true, abc), Chunk(false, {'x', 'y', 'z'})}), "abcdexyz", 8},
+        {"a plain chunk that doesn't", Join({Chunk(true, abc), Chunk(false, {'x', 'y', 'z'})}),
+         std::string("abcde\0\0", 7), 7},
+        {"nothing behind a full target", Join({Chunk(true, abc), Chunk(false, {'x', 'y'})}), "abcde", 5},
+        {"a token across the chunk's end takes a header along",
+         Join({Chunk(true, {2, 'a', 1}), Chunk(false, abc)}),
+         std::string(1285, 'a') + std::string("\0abcde", 6)},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.Name);
+        EXPECT_EQ(Decompress(test.Source, test.Room), BytesOf(test.Expected));
+        EXPECT_EQ(PlainDecompress(test.Source, test.Room), BytesOf(test.Expected));
+    }
+}
+
+TEST(Lznt1Test, RoundTrips) {
+    std::mt19937 random(3);
+    for (const std::size_t length : {2U, 3U, 100U, 4095U, 4096U, 4098U, 40000U, 65536U}) {
+        for (const ByteVector& plain :
+             {TextLike(length, random), PatternBytes(length), ByteVector(length, 7)}) {
+            const ByteVector packed = CompressLznt1(plain, true);
+            // A chunk of one byte over and over takes 4 bytes, which ends a stream.
+            if (plain.size() < 4 || plain[0] != 7) {
+                EXPECT_EQ(Decompress(packed), plain) << length;
+            }
+            EXPECT_EQ(Decompress(packed), PlainDecompress(packed, 65536)) << length;
+            EXPECT_TRUE(IsChunkChain(packed));
+        }
+    }
+}
+
+TEST(Lznt1Test, AFullUnitReachesItsLastByte) {
+    std::mt19937 random(4);
+    ByteVector plain = TextLike(61440, random);
+    AppendBytes(plain, PatternBytes(4096)); // the last chunk is stored as it is
+    EXPECT_EQ(Decompress(CompressLznt1(plain), 65536), plain);
+}
+
+TEST(Lznt1Test, AnyBytesGiveWhatThePlainDecoderGives) {
+    std::mt19937 random(9);
+    for (int round = 0; round < 2500; ++round) {
+        ByteVector source = random() % 2 == 0 ? CompressLznt1(TextLike(random() % 9000, random))
+                                              : PatternBytes(random() % 300, random());
+        for (std::size_t i = random() % 5; i > 0 && !source.empty(); --i) {
+            source[random() % source.size()] = static_cast<std::uint8_t>(random());
+        }
+        source.resize(source.size() - std::min<std::size_t>(source.size(), random() % 3));
+        const std::size_t room = random() % 3 == 0 ? random() % 9000 : 50000;
+        ByteVector target(room);
+        const std::size_t bytes = DecompressLznt1(source, target);
+        ASSERT_LE(bytes, room);
+        target.resize(bytes);
+        ASSERT_TRUE(target == PlainDecompress(source, room)) << round;
+        IsChunkChain(source);
+    }
+}
+
+} // namespace thntfs::test

@@ -1,0 +1,89 @@
+#include "content/TargetName.h"
+
+#include "platform/TargetFolder.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace thntfs::test {
+
+namespace {
+
+std::string Repeat(std::string_view text, std::size_t times) {
+    std::string result;
+    for (std::size_t i = 0; i < times; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(TargetNameTest, HostileNames) {
+    struct Case {
+        std::u16string Name;
+        std::string Expected;
+    };
+    const Case cases[] = {
+        {u"plain.txt", "plain.txt"},
+        {u"", "_"},
+        {u".", "_"},
+        {u"..", "__"},
+        {u"...", "___"},
+        {u".profile", ".profile"},
+        {u"../../etc/passwd", ".._.._etc_passwd"},
+        {u"/etc/passwd", "_etc_passwd"},
+        {u"C:\\x", "C__x"},
+        {u"a*b?c\"d<e>f|g", "a_b_c_d_e_f_g"},
+        {std::u16string(u"nul\0byte", 8), "nul_byte"},
+        {u"line\nfeed\x1B[2J\x7F", "line_feed_[2J_"},
+        {u"CON", "_CON"},
+        {u"con.txt", "_con.txt"},
+        {u"Aux.tar.gz", "_Aux.tar.gz"},
+        {u"COM1", "_COM1"},
+        {u"lpt9.log", "_lpt9.log"},
+        {u"COM0", "COM0"},
+        {u"COM10", "COM10"},
+        {u"CONSOLE", "CONSOLE"},
+        {u"\u00E4\u4E2D\U0001F600", "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80"},
+        {u"\xD800x", "\xEF\xBF\xBDx"},
+        {u" ", " "},
+        {std::u16string(255, u'n'), std::string(255, 'n')},
+        {std::u16string(255, u'\u4E2D'), Repeat("\xE4\xB8\xAD", 85)},
+        {std::u16string(254, u'\u4E2D') + u"x", Repeat("\xE4\xB8\xAD", 85)},
+        {std::u16string(251, u'\u00E4') + u".jpg", Repeat("\xC3\xA4", 125) + ".jpg"},
+        {u"x." + std::u16string(200, u'\u4E2D'), "x." + Repeat("\xE4\xB8\xAD", 84)},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(TargetName(test.Name), test.Expected);
+        EXPECT_TRUE(IsPlainName(TargetName(test.Name)));
+    }
+}
+
+TEST(TargetNameTest, NumberedNames) {
+    EXPECT_EQ(NumberedName("photo.jpg", 2), "photo (2).jpg");
+    EXPECT_EQ(NumberedName("folder", 10), "folder (10)");
+    EXPECT_EQ(NumberedName(".profile", 2), ".profile (2)");
+    EXPECT_EQ(NumberedName("a.b.c", 3), "a.b (3).c");
+    EXPECT_EQ(NumberedName(std::string(251, 'n') + ".jpg", 4294967295U),
+              std::string(238, 'n') + " (4294967295).jpg");
+}
+
+TEST(TargetNameTest, AnyNameIsOneComponentThatFits) {
+    std::mt19937 random(1);
+    constexpr char16_t kUnits[] = u"ab./\\:\0 \x01\u00E4\u4E2D\xD83D\xDE00*CONU1";
+    for (int round = 0; round < 5000; ++round) {
+        std::u16string name(random() % 256, u' ');
+        for (char16_t& unit : name) {
+            unit = kUnits[random() % (std::size(kUnits) - 1)];
+        }
+        for (const std::string& safe : {TargetName(name), NumberedName(TargetName(name), 7)}) {
+            ASSERT_TRUE(IsPlainName(safe));
+            ASSERT_LE(safe.size(), kMaxTargetNameBytes);
+            ASSERT_EQ(safe.find('\\'), std::string::npos);
+            ASSERT_NE(static_cast<unsigned char>(safe[0]) & 0xC0U, 0x80U) << "no character is cut";
+        }
+    }
+}
+
+} // namespace thntfs::test
