@@ -1,12 +1,13 @@
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
+#include "cli/LogFile.h"
 #include "cli/Output.h"
 
 #include <exception>
 
 namespace {
 
-int RunChosen(const thntfs::Options& options) {
+int RunCommand(const thntfs::Options& options) {
     switch (options.Chosen) {
     case thntfs::Command::Partitions:
         return thntfs::RunPartitions(options);
@@ -24,13 +25,28 @@ int RunChosen(const thntfs::Options& options) {
     return thntfs::kExitWrongWords;
 }
 
+// The log gets its end whatever becomes of the run.
+int RunLogged(const thntfs::Options& options) {
+    int code = thntfs::RunLog().Open(options);
+    if (code != thntfs::kExitDone) {
+        return code;
+    }
+    try {
+        code = RunCommand(options);
+    } catch (const std::exception& error) {
+        thntfs::PrintMessage(std::string("Error: ") + error.what());
+        code = thntfs::kExitFailed;
+    }
+    return thntfs::RunLog().Finish(code);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     try {
         int exitCode = thntfs::kExitDone;
         const auto options = thntfs::ReadOptions(argc, argv, exitCode);
-        return options ? RunChosen(*options) : exitCode;
+        return options ? RunLogged(*options) : exitCode;
     } catch (const std::exception& error) {
         thntfs::PrintMessage(std::string("Error: ") + error.what());
         return thntfs::kExitFailed;

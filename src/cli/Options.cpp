@@ -35,7 +35,10 @@ CLI::Validator WholeNumber(std::uint64_t lowest) {
 }
 
 void AddMedium(CLI::App& command, Options& options) {
-    command.add_option("MEDIUM", options.Medium, "Disk image file or block device to read")->required();
+    command
+        .add_option("MEDIUM", options.Medium,
+                    "Disk image file or block device to read, or a scan information file (.tht, .thd) made from one")
+        ->required();
     command.add_flag("--json", options.Json, "Print JSON");
 }
 
@@ -69,6 +72,25 @@ void AddSearch(CLI::App& command, Options& options) {
         ->needs(search);
 }
 
+// A path that can only name a file.
+CLI::Validator FileName() {
+    return CLI::Validator(
+        [](const std::string& text) {
+            return text.empty() || text.back() == '/' ? "'" + text + "' is not the name of a file" : std::string();
+        },
+        "");
+}
+
+void AddSaveInfo(CLI::App& command, Options& options, const std::string& what) {
+    command.add_option("--save-info", options.SaveInfo, what)->type_name("FILE")->check(FileName());
+}
+
+void AddLog(CLI::App& command, Options& options) {
+    command.add_option("--log", options.Log, "Write an account of what was done to a text file")
+        ->type_name("FILE")
+        ->check(FileName());
+}
+
 void AddTurbo(CLI::App& command, Options& options) {
     command.add_flag("--turbo", options.Turbo,
                      "Read the whole volume for records (Turbo Scan) in place of following its Master File Table");
@@ -86,6 +108,7 @@ void AddPartitions(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("partitions", "List the NTFS volumes of the partition table, or search for lost ones");
     AddMedium(*command, options);
     AddSearch(*command, options);
+    AddSaveInfo(*command, options, "Keep the volumes found in a partition scan information file (.thd)");
     command->callback([&options] { options.Chosen = Command::Partitions; });
 }
 
@@ -95,6 +118,7 @@ void AddScan(CLI::App& app, Options& options) {
     AddMedium(*command, options);
     AddPartition(*command, options);
     command->add_flag("--files", options.Files, "Show files in the tree too");
+    AddSaveInfo(*command, options, "Keep the scan's result in a tree scan information file (.tht)");
     command->callback([&options] { options.Chosen = Command::Scan; });
 }
 
@@ -161,6 +185,9 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
     AddList(app, options);
     AddCat(app, options);
     AddSave(app, options);
+    for (CLI::App* command : app.get_subcommands({})) {
+        AddLog(*command, options);
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& shown) {

@@ -17,6 +17,8 @@ struct Options {
     std::string Medium;
     std::optional<unsigned> Partition; ///< counted from 1
     bool Json = false;
+    std::optional<std::string> Log;      ///< file that gets the process log
+    std::optional<std::string> SaveInfo; ///< scan, partitions: scan information file to be written
 
     std::optional<SearchMethod> Search;      ///< the candidates come from a search, not from the partition table
     std::optional<std::uint64_t> RangeFirst; ///< Thorough search: first sector

@@ -2,6 +2,7 @@
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "cli/ScanInfoSteps.h"
 #include "cli/Session.h"
 #include "engine/EngineState.h"
 
@@ -30,7 +31,10 @@ void PrintCandidates(Output& output, bool asJson) {
 
 int RunPartitions(const Options& options) {
     Session session(options);
-    const int code = session.OpenMedium();
+    int code = session.OpenMedium();
+    if (!Engine.SourceDisk.Partitions.Empty()) {
+        code = SaveScanInfo(options, code);
+    }
     Output output;
     if (code == kExitDone || code == kExitDoneInPart || options.Json) {
         PrintCandidates(output, options.Json);

@@ -24,8 +24,8 @@ public:
     }
 };
 
-int OpenTarget(const Options& options, std::unique_ptr<TargetFolder>& target) {
-    if (SharesMedium(options.Target, options.Medium)) {
+int OpenTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
+    if (SharesMedium(options.Target, medium)) {
         PrintMessage(options.Target + " lies on the medium that is being read. Saving there would destroy what is "
                                       "to be recovered; choose a folder on another disk.");
         return kExitFailed;
@@ -100,7 +100,7 @@ int RunSave(const Options& options) {
     std::unique_ptr<TargetFolder> target;
     int opened = session.OpenMedium();
     opened = opened == kExitDone ? session.OpenVolume() : opened;
-    opened = opened == kExitDone ? OpenTarget(options, target) : opened;
+    opened = opened == kExitDone ? OpenTarget(options, session.MediumPath(), target) : opened;
     opened = opened == kExitDone ? session.ScanVolume() : opened;
     if (opened != kExitDone) {
         return opened;

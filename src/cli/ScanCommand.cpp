@@ -2,6 +2,7 @@
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "cli/ScanInfoSteps.h"
 #include "cli/Session.h"
 #include "engine/EngineState.h"
 #include "platform/Text.h"
@@ -92,6 +93,7 @@ int RunScan(const Options& options) {
     if (const int code = session.OpenCatalogueOfMedium(); code != kExitDone) {
         return code;
     }
+    const int code = SaveScanInfo(options, session.Complete() ? kExitDone : kExitDoneInPart);
     Output output;
     try {
         const ScanTotals totals = CountEntries();
@@ -104,7 +106,7 @@ int RunScan(const Options& options) {
     } catch (const CUserException&) {
         return output.Finish(kExitFailed);
     }
-    return output.Finish(session.Complete() ? kExitDone : kExitDoneInPart);
+    return output.Finish(code);
 }
 
 } // namespace thntfs

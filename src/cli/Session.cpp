@@ -3,13 +3,18 @@
 #include "catalogue/Catalogue.h"
 #include "cli/CandidateText.h"
 #include "cli/ExitCode.h"
+#include "cli/JobLog.h"
 #include "cli/Output.h"
+#include "cli/ScanInfoSteps.h"
 #include "cli/SearchMedium.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 #include "platform/Interrupt.h"
+#include "platform/Paths.h"
+#include "scaninfo/PartitionInfoFile.h"
+#include "scaninfo/TreeInfoFile.h"
 #include "scans/BasicScan.h"
 #include "scans/TurboScan.h"
 
@@ -47,7 +52,64 @@ Session::~Session() {
     ResetEngineState();
 }
 
+const std::string& Session::MediumPath() const {
+    return saved_.Kind == ScanInfoKind::None ? options_.Medium : saved_.Medium;
+}
+
 int Session::OpenMedium() {
+    saved_ = ProbeScanInfo(options_.Medium);
+    int code = CheckSavedResultWords(options_, saved_.Kind);
+    code = code == kExitDone ? CheckSaveInfo(options_, MediumPath()) : code;
+    if (code != kExitDone) {
+        return code;
+    }
+    switch (saved_.Kind) {
+    case ScanInfoKind::Tree:
+        return LoadTree();
+    case ScanInfoKind::Partitions:
+        return LoadPartitions();
+    case ScanInfoKind::None:
+        break;
+    }
+    return OpenWantedMedium();
+}
+
+int Session::LoadTree() {
+    if (const int code = MakeCatalogueFolder(); code != kExitDone) {
+        return code;
+    }
+    const ScanInfoResult result = LoadTreeInfo(options_.Medium);
+    if (!result.Done) {
+        return TellLoadFailure(options_.Medium, result);
+    }
+    TellChangedMedium();
+    if (options_.Chosen == Command::Partitions && Engine.SourceDisk.Partitions.Empty()) {
+        return TellNoVolume();
+    }
+    Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    return kExitDone;
+}
+
+// The volume is taken while the load still runs: the log tells of the choice first, and then that the load is done.
+int Session::LoadPartitions() {
+    const ScanInfoResult result = LoadPartitionInfo(options_.Medium, [this] {
+        TellChangedMedium();
+        if (options_.Chosen != Command::Partitions && !Engine.SourceDisk.Partitions.Empty()) {
+            volumeTaken_ = TakeVolume();
+        }
+    });
+    if (!result.Done) {
+        return TellLoadFailure(options_.Medium, result);
+    }
+    return Engine.SourceDisk.Partitions.Empty() ? TellNoVolume() : int{kExitDone};
+}
+
+int Session::TellNoVolume() {
+    PrintMessage(options_.Medium + " holds no volume.");
+    return kExitFailed;
+}
+
+int Session::OpenWantedMedium() {
     const ErrorCode code = OpenSource(options_.Medium);
     if (code == kErrorDirectory) {
         PrintMessage(options_.Medium + " is a folder. Give a disk, or a file that holds the image of one.");
@@ -69,6 +131,7 @@ int Session::OpenMedium() {
 
 int Session::FindVolumes() {
     if (options_.Search) {
+        LogMedium();
         const int code = SearchMedium(options_, Host);
         if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
             PrintMessage(*options_.Search == SearchMethod::Quick
@@ -79,28 +142,58 @@ int Session::FindVolumes() {
         return code;
     }
     if (ReadPartitionTable() == 0) {
+        switch (ScanInfoKindOfName(options_.Medium)) {
+        case ScanInfoKind::Tree:
+            return LoadTree();
+        case ScanInfoKind::Partitions:
+            return LoadPartitions();
+        case ScanInfoKind::None:
+            break;
+        }
         PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
         PrintMessage("Use --search quick or --search thorough to find volumes that the table doesn't name.");
         return kExitFailed;
     }
+    LogMedium();
     return kExitDone;
 }
 
+void Session::LogMedium() const {
+    const std::string path = AbsolutePath(options_.Medium);
+    if (SourceIsDevice()) {
+        LogDiskChosen(path, "", "", options_.Search.has_value());
+    } else {
+        LogImageChosen(path, options_.Search.has_value());
+    }
+}
+
 int Session::OpenVolume() {
+    if (saved_.Kind == ScanInfoKind::Tree) {
+        return kExitDone;
+    }
+    return volumeTaken_ ? *volumeTaken_ : TakeVolume();
+}
+
+int Session::TakeVolume() {
     const std::size_t count = Engine.SourceDisk.Partitions.Count();
     if (!options_.Partition && count > 1) {
         PrintMessage("There are " + std::to_string(count) + " partitions; choose one with --partition N:");
         TellCandidates();
         return kExitWrongWords;
     }
-    const PartitionCandidate* candidate = CandidateNumber(options_.Partition.value_or(1));
+    const unsigned number = options_.Partition.value_or(1);
+    const PartitionCandidate* candidate = CandidateNumber(number);
     if (candidate == nullptr) {
-        PrintMessage("There is no partition " + std::to_string(*options_.Partition) + "; these were found:");
+        PrintMessage("There is no partition " + std::to_string(number) + "; these were found:");
         TellCandidates();
         return kExitWrongWords;
     }
     LoadVolumeParams(*candidate);
-    if (LocateMft() == 0 && !options_.Turbo) {
+    const bool located = LocateMft() != 0;
+    if (located) {
+        LogPartitionChosen(number, *candidate);
+    }
+    if (!located && !options_.Turbo) {
         PrintMessage("Critical structures not found: the Master File Table of this volume can't be located, neither "
                      "where it should be nor by its mirror. --turbo finds its records by reading the whole volume.");
         return kExitFailed;
@@ -108,26 +201,48 @@ int Session::OpenVolume() {
     return kExitDone;
 }
 
+void Session::BeginScan() {
+    if (options_.Turbo) {
+        Engine.VolumeParams.TurboScanRun = 1;
+        LogTurboScanStarted(options_.Partition.value_or(1));
+    } else {
+        LogBasicScanStarted();
+    }
+}
+
 bool Session::RunScan() {
     if (!options_.Turbo) {
         Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
-        return BasicScan() != 0;
+        const bool complete = BasicScan() != 0;
+        LogBasicScanEnded(complete);
+        return complete;
     }
     Host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
-    Engine.VolumeParams.TurboScanRun = 1;
-    return TurboScan() != 0;
+    const bool complete = TurboScan() != 0;
+    LogTurboScanEnded(options_.Partition.value_or(1), complete);
+    return complete;
 }
 
-int Session::ScanVolume() {
+int Session::MakeCatalogueFolder() {
     if (const ErrorCode code = folder_.Create(); code != kErrorNone) {
         PrintMessage("Cannot make a temporary folder: " + SystemErrorText(code));
         return kExitFailed;
     }
     Engine.CatalogueFolder = folder_.Path();
+    return kExitDone;
+}
+
+int Session::ScanVolume() {
+    if (saved_.Kind == ScanInfoKind::Tree) {
+        return kExitDone;
+    }
+    if (const int code = MakeCatalogueFolder(); code != kExitDone) {
+        return code;
+    }
     Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    BeginScan();
     if (CreateCatalogue() == 0) {
-        PrintMessage("Supporting Files couldn't be opened");
-        return kExitFailed;
+        return TellNoCatalogue();
     }
     complete_ = RunScan();
     CloseCatalogue();
@@ -137,11 +252,27 @@ int Session::ScanVolume() {
                                                       : "Stopped: what was found so far is shown.");
     }
     complete_ = complete_ && !Host.HadFatal();
+    return ReopenCatalogue();
+}
+
+// The line of the log says that the tree is being filled; here it is only opened, and filled as it is printed.
+int Session::ReopenCatalogue() {
+    if (!options_.Turbo) {
+        LogTreeFillStarted();
+    }
     if (OpenCatalogue() == 0) {
-        PrintMessage("Supporting Files couldn't be opened");
-        return kExitFailed;
+        return TellNoCatalogue();
+    }
+    if (!options_.Turbo) {
+        LogTreeFillEnded();
     }
     return kExitDone;
+}
+
+int Session::TellNoCatalogue() {
+    LogNoCatalogue();
+    PrintMessage("Supporting Files couldn't be opened");
+    return kExitFailed;
 }
 
 int Session::OpenCatalogueOfMedium() {

@@ -3,6 +3,10 @@
 #include "cli/Options.h"
 #include "cli/TerminalHost.h"
 #include "platform/WorkFolder.h"
+#include "scaninfo/ScanInfo.h"
+
+#include <optional>
+#include <string>
 
 namespace thntfs {
 
@@ -15,7 +19,8 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Opens the medium and reads its partition table, or searches it for lost volumes.
+    /// Opens the medium and reads its partition table, or searches it for lost volumes. A scan information file in
+    /// its place is loaded; what it holds then needs no step of its own, and the later ones do nothing for it.
     int OpenMedium();
 
     /// Takes the wanted candidate into use and locates its Master File Table.
@@ -28,17 +33,32 @@ public:
     /// All three steps.
     int OpenCatalogueOfMedium();
 
+    /// Path of the medium itself, also where a scan information file stands for it. Valid after OpenMedium.
+    [[nodiscard]] const std::string& MediumPath() const;
+
     /// False where the scan was stopped or met a fatal error.
     [[nodiscard]] bool Complete() const { return complete_; }
 
     TerminalHost Host;
 
 private:
+    int OpenWantedMedium();
+    int TellNoVolume();
+    int LoadTree();
+    int LoadPartitions();
     int FindVolumes();
+    void LogMedium() const;
+    int TakeVolume();
+    int MakeCatalogueFolder();
+    void BeginScan();
     bool RunScan();
+    int ReopenCatalogue();
+    static int TellNoCatalogue();
 
     const Options& options_;
     WorkFolder folder_;
+    ScanInfoProbe saved_;               ///< what the file in place of the medium is, if it is one
+    std::optional<int> volumeTaken_;    ///< exit code of taking a candidate, once that was done
     bool complete_ = true;
 };
 

@@ -1,5 +1,6 @@
 #include "cli/TerminalHost.h"
 
+#include "cli/LogFile.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
 #include "platform/ErrorCodes.h"
@@ -10,13 +11,18 @@ namespace {
 
 constexpr std::uint64_t kShownReadErrors = 20; // a disk in ruins gives millions
 
+bool IsReadError(const ProcessLogEntry& entry) {
+    return entry.Status == kLogFailed && entry.Name.starts_with("Drive access error");
+}
+
 } // namespace
 
 TerminalHost::TerminalHost() { SetHost(this); }
 TerminalHost::~TerminalHost() { SetHost(nullptr); }
 
 void TerminalHost::LogEvent(const ProcessLogEntry& entry) {
-    if (entry.Status == kLogFailed && ++readErrors_ <= kShownReadErrors) {
+    RunLog().Add(entry);
+    if (IsReadError(entry) && ++readErrors_ <= kShownReadErrors) {
         PrintMessage(entry.Name + ": " + entry.Description);
     }
 }

@@ -8,7 +8,8 @@
 
 namespace thntfs {
 
-/// The engine's host in the terminal: boxes and read errors become lines on standard error, progress a bar.
+/// The engine's host in the terminal: boxes and read errors become lines on standard error, progress a bar. All
+/// records go to the log file of the run; of what else failed, the command itself tells.
 class TerminalHost : public EngineHost {
 public:
     TerminalHost();

@@ -19,6 +19,8 @@ class FolderTree;
 /// so it holds no data. Decoding passes it on, scans catch it.
 struct CUserException {};
 
+inline constexpr std::uint64_t kAllWereTried = ~std::uint64_t{0};
+
 /// All that the engine works on. One exists, `Engine`. One job at a time uses it, on one thread.
 struct EngineState {
     std::atomic<std::uint32_t> ScanRunFlag{0}; ///< 1 while a job may run, 0 to stop it
@@ -52,6 +54,10 @@ struct EngineState {
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
 
     std::uint64_t FailedReads = 0; ///< attempts at a read that failed since the program's start
+
+    // What the last ReadSectors left open, in sectors of the medium.
+    std::vector<std::uint64_t> BadSectors;     ///< tried one by one and not given, in order
+    std::uint64_t UntriedFrom = kAllWereTried; ///< the first that a stop or a fatal code kept from being tried
 
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
 

@@ -24,8 +24,16 @@ void ReportFailedRead(std::uint64_t sector, ErrorCode code) {
     Host().LogEvent(entry);
 }
 
+void NoteTried(std::uint64_t sector, ErrorCode code) {
+    if (code != kErrorNone) {
+        Engine.BadSectors.push_back(sector);
+    }
+    Engine.UntriedFrom = sector + 1;
+}
+
 ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
     const std::size_t sectorBytes = Engine.SourceDisk.BytesPerSector;
+    Engine.UntriedFrom = firstSector;
     if (sectorBytes == 0) {
         return Engine.ScanRunFlag == 0 ? kErrorNone : code;
     }
@@ -43,8 +51,16 @@ ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
         }
         const std::size_t bytes = std::min(sectorBytes, buffer.size() - position);
         code = ReadSectorsOnce(buffer.subspan(position, bytes), sector);
+        NoteTried(sector, code);
     }
+    Engine.UntriedFrom = kAllWereTried;
     return code;
+}
+
+ErrorCode ReadWhole(Bytes buffer, std::uint64_t firstSector) {
+    Engine.BadSectors.clear();
+    Engine.UntriedFrom = kAllWereTried;
+    return ReadSectorsOnce(buffer, firstSector);
 }
 
 // A read that reaches behind the end of the medium leaves that part of the buffer alone.
@@ -77,7 +93,7 @@ ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector) {
 }
 
 ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector) {
-    const ErrorCode code = ReadSectorsOnce(buffer, firstSector);
+    const ErrorCode code = ReadWhole(buffer, firstSector);
     if (code == kErrorNone || buffer.empty()) {
         return code;
     }
@@ -93,7 +109,7 @@ bool TryReadSectors(Bytes buffer, std::uint64_t firstSector) {
 
 ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector) {
     ClearBehindEnd(buffer, firstSector);
-    const ErrorCode code = ReadSectorsOnce(buffer, firstSector);
+    const ErrorCode code = ReadWhole(buffer, firstSector);
     if (code == kErrorNone || buffer.empty()) {
         return code;
     }

@@ -16,6 +16,7 @@ namespace thntfs {
 /// over, 1117 costs a second's pause first. Outside a job a failed request is given up with status 0.
 /// Gives 0 or the code that the last single-sector read left.
 /// Throws CUserException, after a box with the system's text, on any other code.
+/// BadSectors and UntriedFrom of the engine state then tell which sectors the call could not give.
 ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector);
 
 /// ReadSectors into a buffer that is cleared for the caller, and only where that shows: a read that succeeds within

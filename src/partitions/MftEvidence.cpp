@@ -81,13 +81,12 @@ bool Complete(MftEvidence& evidence) {
 
 using EvidenceReader = int (*)(ConstBytes, MftEvidence&);
 
-void Collect(ConstBytes record, EvidenceReader read, const MftEvidence& seen, EvidenceList& list,
-             std::size_t& count) {
+void Collect(ConstBytes checked, ConstBytes asItStands, std::uint64_t sector, EvidenceReader read,
+             EvidenceList& list, std::size_t& count) {
     auto evidence = std::make_unique<MftEvidence>();
-    evidence->SectorNumber = seen.SectorNumber;
-    evidence->ContentHash[0] = seen.ContentHash[0];
-    evidence->ContentHash[1] = seen.ContentHash[1];
-    if (count < EvidenceCollector::kMaxEvidence && read(record, *evidence) != 0 && Complete(*evidence)) {
+    evidence->SectorNumber = sector;
+    if (count < EvidenceCollector::kMaxEvidence && read(checked, *evidence) != 0 && Complete(*evidence)) {
+        HashContent(asItStands, *evidence);
         list.Append(std::move(evidence));
         ++count;
     }
@@ -138,16 +137,14 @@ int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence) {
 
 // The second check meets a record that the first has fixed up. Only one that stays below one sector, the normal form
 // of a mirror's record, passes it.
-void EvidenceCollector::Examine(Bytes record, std::uint64_t sector) {
-    MftEvidence seen;
-    seen.SectorNumber = sector;
-    HashContent(record, seen);
+void EvidenceCollector::Examine(ConstBytes record, std::uint64_t sector) {
+    checked_.assign(record.begin(), record.end());
     const auto bytes = static_cast<std::uint32_t>(record.size());
-    if (IsMftRecord(record, bytes) != 0) {
-        Collect(record, ReadMftEvidence, seen, MftList, mftCount_);
+    if (IsMftRecord(checked_, bytes) != 0) {
+        Collect(checked_, record, sector, ReadMftEvidence, MftList, mftCount_);
     }
-    if (IsMftMirrRecord(record, bytes) != 0) {
-        Collect(record, ReadMirrEvidence, seen, MirrList, mirrCount_);
+    if (IsMftMirrRecord(checked_, bytes) != 0) {
+        Collect(checked_, record, sector, ReadMirrEvidence, MirrList, mirrCount_);
     }
 }
 

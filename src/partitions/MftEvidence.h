@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace thntfs {
 
@@ -38,13 +39,14 @@ public:
     static constexpr std::size_t kMaxEvidence = 16384;
 
     /// Looks at a record that may be one of the two. `record` holds its allocated size in bytes, as read from
-    /// `sector`; it is changed by the checks.
-    void Examine(Bytes record, std::uint64_t sector);
+    /// `sector`.
+    void Examine(ConstBytes record, std::uint64_t sector);
 
     EvidenceList MftList;
     EvidenceList MirrList;
 
 private:
+    std::vector<std::uint8_t> checked_; ///< the record in hand, as the checks leave it
     std::size_t mftCount_ = 0;
     std::size_t mirrCount_ = 0;
 };

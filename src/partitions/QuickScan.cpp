@@ -42,6 +42,9 @@ std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
     const std::uint64_t end = RoundToCylinder(endSector, kCylinderSectors);
     CandidateIndex index;
     std::vector<std::uint8_t> buffer(kProbeSectors * std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, 512));
+    if (Engine.SourceDisk.MediaHandle != nullptr) {
+        Engine.SourceDisk.MediaHandle->ExpectScatteredReads(true);
+    }
     try {
         while (position < end && Engine.ScanRunFlag != 0) {
             Host().PassGate();
@@ -53,6 +56,9 @@ std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
     } catch (const CUserException&) {
         // The user has seen the box. What was found so far stands.
     } catch (const std::bad_alloc&) {
+    }
+    if (Engine.SourceDisk.MediaHandle != nullptr) {
+        Engine.SourceDisk.MediaHandle->ExpectScatteredReads(false);
     }
     return Engine.ScanRunFlag;
 }

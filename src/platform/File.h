@@ -35,6 +35,17 @@ public:
 
     /// Waits until what was written has reached the device.
     virtual ErrorCode Sync() = 0;
+
+    // Hints for a file that is written from end to end. They change no byte and no size, and do nothing by default.
+
+    /// Sets room aside for bytes still to be written.
+    virtual void Reserve(std::uint64_t offset, std::uint64_t bytes);
+
+    /// Gives back what was set aside behind the end of the file.
+    virtual void ReleaseReserve();
+
+    /// Has what was written to a range go to the device from now on, so that Sync has less to wait for.
+    virtual void StartSync(std::uint64_t offset, std::uint64_t bytes);
 };
 
 enum class FileMode {

@@ -262,7 +262,7 @@ TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
         const RunResult run = Save({"--json"}, setup);
         EXPECT_EQ(run.Status, 3) << run.Err;
         EXPECT_LT(Json::parse(run.Out)["bytes"], 200U << 20U);
-        EXPECT_FALSE(Contains(run.Err, "too large")) << "only the limit held it: " << run.Err;
+        EXPECT_FALSE(Contains(run.Err, "exceeds the limit")) << "only the limit held it: " << run.Err;
         EXPECT_EQ(ReadWholeFile(target_ + "/good.txt"), "good");
         fs::remove_all(target_);
     }

@@ -93,7 +93,32 @@ public:
         return ::fdatasync(descriptor_.Get()) == 0 ? kErrorNone : FileErrorOfErrno(errno);
     }
 
+    void Reserve(std::uint64_t offset, std::uint64_t bytes) override {
+        if (offset <= kMaxOffset && bytes <= kMaxOffset - offset && IsOrdinary()) {
+            (void)::fallocate(descriptor_.Get(), FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
+                              static_cast<off_t>(bytes));
+        }
+    }
+
+    void ReleaseReserve() override {
+        std::uint64_t size = 0;
+        if (IsOrdinary() && Size(size) == kErrorNone) {
+            (void)!::ftruncate(descriptor_.Get(), static_cast<off_t>(size));
+        }
+    }
+
+    void StartSync(std::uint64_t offset, std::uint64_t bytes) override {
+        (void)::sync_file_range(descriptor_.Get(), static_cast<off64_t>(offset), static_cast<off64_t>(bytes),
+                                SYNC_FILE_RANGE_WRITE);
+    }
+
 private:
+    /// On a device the room is there, and setting it aside anew would clear it.
+    [[nodiscard]] bool IsOrdinary() const {
+        struct stat status {};
+        return ::fstat(descriptor_.Get(), &status) == 0 && S_ISREG(status.st_mode);
+    }
+
     FileDescriptor descriptor_;
 };
 
@@ -158,6 +183,10 @@ FileStore* storeInUse = &systemStore;
 std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor) {
     return std::make_unique<PosixFile>(std::move(descriptor));
 }
+
+void File::Reserve(std::uint64_t /*offset*/, std::uint64_t /*bytes*/) {}
+void File::ReleaseReserve() {}
+void File::StartSync(std::uint64_t /*offset*/, std::uint64_t /*bytes*/) {}
 
 ErrorCode FileStore::Admit(std::unique_ptr<File>& /*file*/) { return kErrorNone; }
 

@@ -1,6 +1,7 @@
 #include "platform/Medium.h"
 #include "platform/posix/ErrnoMap.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/HoleFinder.h"
 
 #include <algorithm>
 #include <array>
@@ -108,6 +109,7 @@ public:
     PosixMedium(FileDescriptor descriptor, const std::string& path, std::uint64_t sizeBytes,
                 std::uint32_t sectorBytes)
         : descriptor_(std::move(descriptor))
+        , holes_(descriptor_.Get())
         , sizeBytes_(sizeBytes)
         , sectorBytes_(sectorBytes)
         , direct_(path, sectorBytes != 0 ? sectorBytes : kImageSectorBytes) {}
@@ -122,6 +124,10 @@ public:
         std::size_t got = 0;
         const int error = IsDevice() ? ReadDevice(offset, wanted, got) : ReadImage(offset, wanted, got);
         return error == 0 && got == wanted.size() ? kErrorNone : Judge(error);
+    }
+
+    void ExpectScatteredReads(bool scattered) override {
+        ::posix_fadvise(descriptor_.Get(), 0, 0, scattered ? POSIX_FADV_RANDOM : POSIX_FADV_SEQUENTIAL);
     }
 
     [[nodiscard]] std::uint64_t SizeBytes() const override { return sizeBytes_; }
@@ -145,6 +151,11 @@ private:
     /// An image may lie on a failing disk itself. Its good sectors are mostly cached, so the direct road is
     /// only the second try.
     int ReadImage(std::uint64_t offset, Bytes buffer, std::size_t& got) {
+        if (holes_.IsHole(offset, buffer.size())) {
+            std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+            got = buffer.size();
+            return 0;
+        }
         const int error = ReadFully(descriptor_.Get(), offset, buffer, got);
         if (error == 0 || buffer.size() > kBounceBytes) {
             return error;
@@ -168,6 +179,7 @@ private:
     }
 
     FileDescriptor descriptor_;
+    HoleFinder holes_;
     std::uint64_t sizeBytes_;
     std::uint32_t sectorBytes_;
     DirectReader direct_;

@@ -1,0 +1,93 @@
+#include "cli/JobLog.h"
+
+#include "platform/Host.h"
+
+#include <array>
+#include <cstdio>
+
+namespace thntfs {
+
+namespace {
+
+constexpr const char* kScanRule = "-----------------------------------";
+constexpr const char* kSearchRule = "-----------------";
+
+void Log(const std::string& name, const std::string& description, std::uint8_t status) {
+    ProcessLogEntry entry;
+    entry.Name = name;
+    entry.Description = description;
+    entry.Status = status;
+    Host().LogEvent(entry);
+}
+
+std::string ModeText(bool searched) { return searched ? "Logical Volume Scan" : "Partition Table"; }
+
+std::uint8_t EndStatus(bool complete) { return complete ? kLogDone : kLogFailed; }
+
+std::string SizeText(std::uint64_t bytes) {
+    struct Unit {
+        std::uint64_t Bytes;
+        const char* Name;
+    };
+    constexpr Unit kKilobytes{1024, "KB"};
+    constexpr Unit kMegabytes{1048576, "MB"};
+    constexpr Unit kGigabytes{1073741824, "GB"};
+    const Unit unit = bytes < kMegabytes.Bytes ? kKilobytes : bytes < kGigabytes.Bytes ? kMegabytes : kGigabytes;
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%7.3f %s", static_cast<double>(bytes) / static_cast<double>(unit.Bytes),
+                  unit.Name);
+    return text.data();
+}
+
+std::string TurboText(const char* what, unsigned number) {
+    return std::string(what) + " turbo scan of logical drive " + std::to_string(number % 10);
+}
+
+} // namespace
+
+void LogImageChosen(const std::string& path, bool searched) {
+    Log("Selected: " + path, "Image Processing Mode:" + ModeText(searched), kLogInProgress);
+}
+
+void LogDiskChosen(const std::string& name, const std::string& model, const std::string& serial, bool searched) {
+    Log(name + ",  " + model + ", Serial:" + serial, "Disk Processing :" + ModeText(searched), kLogInProgress);
+}
+
+// The list of volumes shows the low 32 bits of a start sector, and the log what the list shows.
+void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate) {
+    const auto start = static_cast<std::uint32_t>(candidate.StartSector);
+    Log("Selected NTFS logical drive " + std::to_string(number),
+        "Starting Sector " + std::to_string(start) + ", Size " +
+            SizeText(candidate.TotalSectors * candidate.BytesPerSector),
+        kLogInProgress);
+}
+
+void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector) {
+    Log("Searching Logical Volumes",
+        "Sectors Range " + std::to_string(firstSector) + " to " + std::to_string(endSector), kLogInProgress);
+}
+
+void LogSearchEnded(bool complete) {
+    Log(complete ? "Completed Searching partitions" : "Aborted searching partitions", kSearchRule,
+        EndStatus(complete));
+}
+
+void LogBasicScanStarted() { Log("Processing Internal File System Structure...", kScanRule, kLogInProgress); }
+
+void LogBasicScanEnded(bool complete) {
+    Log(std::string(complete ? "Completed" : "Aborted") + " processing Internal File System Structure", kScanRule,
+        EndStatus(complete));
+}
+
+void LogTreeFillStarted() { Log("Populating Directory Structure...", kScanRule, kLogInProgress); }
+void LogTreeFillEnded() { Log("Completed Populating Directory Structure", kScanRule, kLogDone); }
+
+void LogTurboScanStarted(unsigned number) { Log(TurboText("Started", number), kScanRule, kLogInProgress); }
+
+void LogTurboScanEnded(unsigned number, bool complete) {
+    Log(TurboText(complete ? "Completed" : "Aborted", number), kScanRule, EndStatus(complete));
+}
+
+void LogNoCatalogue() { Log("Supporting Files couldn't be opened", kScanRule, kLogDone); }
+
+} // namespace thntfs

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "engine/StoredRecords.h"
+
+#include <cstdint>
+#include <string>
+
+namespace thntfs {
+
+// The process log's lines of the steps that the terminal program takes, each sent to the host.
+
+/// The medium has been chosen. `searched`: its volumes come from a search, not from its partition table.
+void LogImageChosen(const std::string& path, bool searched);
+void LogDiskChosen(const std::string& name, const std::string& model, const std::string& serial, bool searched);
+
+/// A candidate has been taken into use; `number` counts from 1.
+void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate);
+
+void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector);
+void LogSearchEnded(bool complete);
+
+void LogBasicScanStarted();
+void LogBasicScanEnded(bool complete);
+void LogTreeFillStarted();
+void LogTreeFillEnded();
+
+/// `number` is that of the candidate; the lines show its last digit.
+void LogTurboScanStarted(unsigned number);
+void LogTurboScanEnded(unsigned number, bool complete);
+
+/// The catalogue's files can't be made, or not opened again.
+void LogNoCatalogue();
+
+} // namespace thntfs

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "disktools/CopyMapText.h"
+#include "platform/ErrorCodes.h"
+
+#include <optional>
+#include <string>
+
+namespace thntfs {
+
+/// Path of the map that lies beside an image.
+std::string MapPathOf(const std::string& imagePath);
+
+/// Puts a map into its file, whose old content stands until the new one is on the disk.
+ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& place, const std::string& comment);
+
+/// Reads the map file of a source of `totalBytes`. None where that fails; `why` then says so in a sentence without its
+/// full stop.
+std::optional<CopyMap> LoadMap(const std::string& path, std::uint64_t totalBytes, std::string& why);
+
+} // namespace thntfs

@@ -1,0 +1,96 @@
+#include "scaninfo/TreeInfoFile.h"
+
+#include "catalogue/Catalogue.h"
+#include "engine/EngineState.h"
+#include "scaninfo/ScanInfoJob.h"
+
+#include <limits>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kSeparator = 0x01010101;
+constexpr std::uint64_t kMaxCatalogueFileBytes = std::numeric_limits<std::uint32_t>::max();
+
+// No volume has records of more than a few sectors. Each read of a file begins with a buffer of this size.
+constexpr std::uint32_t kMaxFileRecordBytes = 1U << 20U;
+
+std::string CataloguePath(const char* name) { return Engine.CatalogueFolder + name; }
+
+void PutVolume(ScanInfoWriter& writer) {
+    writer.Put(EncodeVolume(Engine.VolumeParams));
+    for (const MftExtent* extent = Engine.VolumeParams.MftExtents.First(); extent != nullptr;
+         extent = extent->Next.get()) {
+        writer.Put(EncodeMftExtent(*extent));
+    }
+}
+
+void TakeVolume(ScanInfoReader& reader) {
+    bool more = false;
+    Engine.VolumeParams = DecodeVolume(reader.TakeRecord<kStoredVolumeBytes>(), more);
+    if (Engine.VolumeParams.FileRecordBytes > kMaxFileRecordBytes) {
+        throw ScanInfoFault{};
+    }
+    while (more) {
+        Engine.VolumeParams.MftExtents.Append(
+            std::make_unique<MftExtent>(DecodeMftExtent(reader.TakeRecord<kStoredMftExtentBytes>(), more)));
+    }
+}
+
+void TakeSeparator(ScanInfoReader& reader) {
+    if (reader.TakeU32() != kSeparator) {
+        throw ScanInfoFault{};
+    }
+}
+
+// The size is looked at before anything is created, so a size that can't be true costs nothing.
+void TakeCatalogueFile(ScanInfoReader& reader, const char* name) {
+    const std::uint64_t size = reader.TakeU64();
+    if (size > reader.Left() || size > kMaxCatalogueFileBytes) {
+        throw ScanInfoFault{};
+    }
+    std::unique_ptr<File> file;
+    CheckScanInfo(Files().Open(CataloguePath(name), FileMode::CreateAlways, file));
+    reader.CopyTo(*file, size);
+}
+
+void ReadTreeInfo(ScanInfoReader& reader) {
+    TakeMediumAndCandidates(reader, kTreeInfoMagic);
+    TakeVolume(reader);
+    TakeSeparator(reader);
+    OpenDescribedMedium();
+    TakeCatalogueFile(reader, kTreeFileName);
+    TakeSeparator(reader);
+    TakeCatalogueFile(reader, kEntryFileName);
+    TakeSeparator(reader);
+    TakeCatalogueFile(reader, kNameFileName);
+    if (OpenCatalogue() == 0) {
+        throw ScanInfoFault{kErrorNone, "Supporting Files couldn't be opened", {}};
+    }
+}
+
+} // namespace
+
+ScanInfoResult SaveTreeInfo(const std::string& path) {
+    return RunScanInfoSave(ScanInfoPlaceOf(path, kTreeInfoExtension), kTreeInfoTexts, [](ScanInfoWriter& writer) {
+        PutMediumAndCandidates(writer, kTreeInfoMagic);
+        PutVolume(writer);
+        writer.PutU32(kSeparator);
+        writer.PutFile(CataloguePath(kTreeFileName));
+        writer.PutU32(kSeparator);
+        writer.PutFile(CataloguePath(kEntryFileName));
+        writer.PutU32(kSeparator);
+        writer.PutFile(CataloguePath(kNameFileName));
+    });
+}
+
+ScanInfoResult LoadTreeInfo(const std::string& path) {
+    const ScanInfoPlace place = ScanInfoPlaceOf(path);
+    LogScanInfoLoad(place);
+    ResetEngineState();
+    CloseCatalogue();
+    return RunScanInfoLoad(place, kTreeInfoTexts, ReadTreeInfo);
+}
+
+} // namespace thntfs
