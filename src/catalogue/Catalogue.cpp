@@ -44,12 +44,15 @@ void WriteTreeWord(std::uint64_t offset, std::uint32_t word) {
     WritePaged(*Engine.TreeFile, offset, stored);
 }
 
-std::uint64_t SlotOffset(std::uint32_t block, std::size_t slot) { return std::uint64_t{block} + 8 + 4 * slot; }
+std::uint64_t SlotOffset(std::uint32_t block, std::size_t slot) {
+    return std::uint64_t{block} + 8 + 4 * slot;
+}
 
 std::unique_ptr<PagedFile> OpenPaged(const char* name, FileMode mode, std::size_t pages) {
     std::unique_ptr<File> file;
     std::uint64_t size = 0;
-    if (Files().Open(Engine.CatalogueFolder + name, mode, file) != kErrorNone || file->Size(size) != kErrorNone) {
+    if (Files().Open(Engine.CatalogueFolder + name, mode, file) != kErrorNone ||
+        file->Size(size) != kErrorNone) {
         return nullptr;
     }
     return std::make_unique<PagedFile>(std::move(file), pages, size);

@@ -21,19 +21,19 @@ inline constexpr const char* kEntryFileName = "/NSE.THT";
 /// The first EntryId that a scan may give.
 inline constexpr std::uint32_t kFirstEntryId = 2;
 
-/// Creates the three files with their seed entries, the top "#" and " Root", and the folder tree. Gives 1, or 0
-/// where a file can't be created or written.
+/// Creates the three files with their seed entries, the top "#" and " Root", and the folder tree. Gives 1, or
+/// 0 where a file can't be created or written.
 int CreateCatalogue();
 
 /// Opens the three files for reading. Gives 1, or 0 where one can't be opened.
 int OpenCatalogue();
 
-/// Writes what is still buffered, frees the folder tree and closes the files. A write that fails shows its box.
-/// Always gives 1.
+/// Writes what is still buffered, frees the folder tree and closes the files. A write that fails shows its
+/// box. Always gives 1.
 int CloseCatalogue();
 
-/// Writes bytes at the current position of an output file. A failure with code 0 or 1784 counts as success; any
-/// other shows the system's text in a box and throws CUserException. Gives 1.
+/// Writes bytes at the current position of an output file. A failure with code 0 or 1784 counts as success;
+/// any other shows the system's text in a box and throws CUserException. Gives 1.
 int WriteCatalogue(File& file, ConstBytes bytes);
 
 /// Gives a folder that has just been added to the tree a new empty chain.

@@ -53,8 +53,8 @@ public:
     /// `blockOffset`: byte offset in TreeFile of the folder's first block.
     explicit ChildWalk(std::uint32_t blockOffset);
 
-    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't be
-    /// read.
+    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't
+    /// be read.
     std::uint32_t Next();
 
 private:
@@ -66,9 +66,9 @@ private:
     std::uint64_t blocksLeft_;
 };
 
-/// Lists a folder: files first, then folders, each group in the reverse of the order in which they were added.
-/// The three counters are added to. With `keepFiles` false, files are counted and summed but not listed.
-/// Throws CUserException where a block can't be read.
+/// Lists a folder: files first, then folders, each group in the reverse of the order in which they were
+/// added. The three counters are added to. With `keepFiles` false, files are counted and summed but not
+/// listed. Throws CUserException where a block can't be read.
 EntryList ListFolder(std::uint32_t blockOffset, std::uint64_t& totalBytes, std::uint32_t& fileCount,
                      std::uint32_t& folderCount, bool keepFiles);
 

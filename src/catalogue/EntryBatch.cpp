@@ -15,7 +15,8 @@ constexpr std::size_t kMaxNameUnits = std::size_t{16} << 20U;
 void EntryBatch::Load(std::span<const std::uint32_t> ids) {
     order_.resize(ids.size());
     std::iota(order_.begin(), order_.end(), 0U);
-    std::sort(order_.begin(), order_.end(), [&](std::uint32_t a, std::uint32_t b) { return ids[a] < ids[b]; });
+    std::sort(order_.begin(), order_.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return ids[a] < ids[b]; });
 
     loaded_.assign(ids.size(), Loaded());
     names_.clear();

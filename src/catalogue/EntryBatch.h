@@ -9,11 +9,12 @@
 
 namespace thntfs {
 
-/// Many entries loaded at once, in the order in which the files hold them, whatever the order in which they were
-/// asked for: each page of the files is then read once a batch.
+/// Many entries loaded at once, in the order in which the files hold them, whatever the order in which they
+/// were asked for: each page of the files is then read once a batch.
 class EntryBatch {
 public:
-    /// Loads the entries with these ids; place i holds the entry of ids[i]. One that can't be read shows its box.
+    /// Loads the entries with these ids; place i holds the entry of ids[i]. One that can't be read shows its
+    /// box.
     void Load(std::span<const std::uint32_t> ids);
 
     /// Copies the entry at a place. Gives 1, or 0 where it couldn't be read.

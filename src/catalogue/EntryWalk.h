@@ -20,16 +20,16 @@ struct WalkStart {
     bool IsTop = true;             ///< the top: its children's paths have no slash in front
 };
 
-/// How much of the catalogue a walk is going to see. The order is the same; a walk over the whole plans ahead, so
-/// that the files are read along and not across.
+/// How much of the catalogue a walk is going to see. The order is the same; a walk over the whole plans
+/// ahead, so that the files are read along and not across.
 enum class WalkReach { Part, Whole };
 
-/// The entries below a folder, depth first: a folder's children in the order in which the catalogue holds them,
-/// each folder followed by what is below it. No entry comes twice, however a damaged catalogue links them, and a
-/// path longer than NTFS allows isn't followed further down, so every walk ends.
+/// The entries below a folder, depth first: a folder's children in the order in which the catalogue holds
+/// them, each folder followed by what is below it. No entry comes twice, however a damaged catalogue links
+/// them, and a path longer than NTFS allows isn't followed further down, so every walk ends.
 ///
-/// Path: what stands under " Root" is "/name", under the top the bare name, below any other folder that folder's
-/// path, a slash and the name. " Root" itself has the path "".
+/// Path: what stands under " Root" is "/name", under the top the bare name, below any other folder that
+/// folder's path, a slash and the name. " Root" itself has the path "".
 class EntryWalk {
 public:
     explicit EntryWalk(WalkStart start, WalkReach reach = WalkReach::Part);
@@ -66,8 +66,9 @@ private:
 
     CatalogueItem item_;
     std::string path_;
-    std::vector<std::size_t> pathLengths_; ///< of the paths of the folders above the entry in hand, and its own
-    std::size_t maxDepth_;                 ///< entries below it belong to a folder that is passed over
+    std::vector<std::size_t>
+        pathLengths_;      ///< of the paths of the folders above the entry in hand, and its own
+    std::size_t maxDepth_; ///< entries below it belong to a folder that is passed over
 };
 
 } // namespace thntfs

@@ -12,8 +12,8 @@ constexpr std::uint32_t kTopEntryId = 0;
 constexpr std::uint32_t kRootEntryId = 1;
 constexpr std::size_t kMaxDepth = 4096;
 
-// Looks below one folder for the entries whose path goes on as `rest`. A name that holds a slash is matched by
-// comparing texts rather than cutting the path at its slashes.
+// Looks below one folder for the entries whose path goes on as `rest`. A name that holds a slash is matched
+// by comparing texts rather than cutting the path at its slashes.
 class PathSearch {
 public:
     explicit PathSearch(std::string_view path)
@@ -85,7 +85,8 @@ std::vector<LocatedEntry> FindEntries(std::string_view path) {
 }
 
 WalkStart StartAt(const LocatedEntry& folder) {
-    return {folder.Item.BlockOffset, folder.Path == "/" ? "" : folder.Path, folder.Item.EntryId == kTopEntryId};
+    return {folder.Item.BlockOffset, folder.Path == "/" ? "" : folder.Path,
+            folder.Item.EntryId == kTopEntryId};
 }
 
 } // namespace thntfs

@@ -6,8 +6,9 @@
 
 namespace thntfs {
 
-/// Which entries are folders, and where their chains begin: a bit an entry and 4 bytes a folder, from one pass
-/// along EntryFile. With it the order of a walk over the whole catalogue is known before any entry is loaded.
+/// Which entries are folders, and where their chains begin: a bit an entry and 4 bytes a folder, from one
+/// pass along EntryFile. With it the order of a walk over the whole catalogue is known before any entry is
+/// loaded.
 class FolderOffsets {
 public:
     /// Reads the catalogue that is open. Entries that can't be read count as files.
@@ -21,9 +22,9 @@ private:
 
     void Add(std::uint32_t entryId, bool folder, std::uint32_t blockOffset);
 
-    std::vector<std::uint64_t> folderBits_;   ///< a word a group of 64 entries
+    std::vector<std::uint64_t> folderBits_;    ///< a word a group of 64 entries
     std::vector<std::uint32_t> foldersBefore_; ///< folders in front of each group
-    std::vector<std::uint32_t> blockOffsets_; ///< of the folders, by rising EntryId
+    std::vector<std::uint32_t> blockOffsets_;  ///< of the folders, by rising EntryId
 };
 
 } // namespace thntfs

@@ -129,7 +129,8 @@ void FolderTree::LinkIn(FolderIndexNode& added) {
     }
     FolderIndexNode* pivot = root_;
     FolderIndexNode* parent = nullptr;
-    for (FolderIndexNode* node = root_; node != nullptr; node = Child(*node, SideOf(added.RecordNumber, *node))) {
+    for (FolderIndexNode* node = root_; node != nullptr;
+         node = Child(*node, SideOf(added.RecordNumber, *node))) {
         if (node->Balance != 0) {
             pivot = node;
         }

@@ -7,8 +7,8 @@
 
 namespace thntfs {
 
-/// One folder that a scan has met, or has been told of by a child. It fills one memory line: with many folders a
-/// lookup costs what fetching it costs.
+/// One folder that a scan has met, or has been told of by a child. It fills one memory line: with many
+/// folders a lookup costs what fetching it costs.
 struct alignas(64) FolderIndexNode {
     FolderIndexNode* Parent = nullptr;
     FolderIndexNode* Left = nullptr;  ///< keys below
@@ -16,10 +16,10 @@ struct alignas(64) FolderIndexNode {
     std::uint32_t RecordNumber = 0;   ///< the key
     std::uint32_t EntryId = 0;        ///< the folder's entry; 0 while it is a placeholder
     std::uint32_t BlockOffset = 0;    ///< first block of its chain in TreeFile, bytes
-    std::uint32_t LastBlock = 0;      ///< last block of the chain, which saves the walk along it for each child
-    std::uint8_t UsedSlots = 0;       ///< of the last block
-    std::uint8_t Placeholder = 0;     ///< 1: named as a parent, its own record not met yet
-    std::int8_t Balance = 0;          ///< +1 left subtree deeper, -1 right subtree deeper
+    std::uint32_t LastBlock = 0;  ///< last block of the chain, which saves the walk along it for each child
+    std::uint8_t UsedSlots = 0;   ///< of the last block
+    std::uint8_t Placeholder = 0; ///< 1: named as a parent, its own record not met yet
+    std::int8_t Balance = 0;      ///< +1 left subtree deeper, -1 right subtree deeper
 };
 
 /// The height-balanced tree of folders, keyed on the record number. Its shape matters beyond speed: lost
@@ -36,8 +36,8 @@ public:
     /// The same; an added node is marked as a placeholder.
     Found FindOrAddPlaceholder(std::uint32_t recordNumber);
 
-    /// Hints that a key will be looked up soon: the first fetches its place in the index, the second, called some
-    /// lookups later, its node.
+    /// Hints that a key will be looked up soon: the first fetches its place in the index, the second, called
+    /// some lookups later, its node.
     void PrefetchSlot(std::uint32_t recordNumber) const;
     void PrefetchNode(std::uint32_t recordNumber) const;
 

@@ -11,5 +11,8 @@ int RunScan(const Options& options);
 int RunList(const Options& options);
 int RunCat(const Options& options);
 int RunSave(const Options& options);
+int RunDisks(const Options& options);
+int RunImage(const Options& options);
+int RunClone(const Options& options);
 
 } // namespace thntfs

@@ -19,6 +19,12 @@ int RunCommand(const thntfs::Options& options) {
         return thntfs::RunCat(options);
     case thntfs::Command::Save:
         return thntfs::RunSave(options);
+    case thntfs::Command::Disks:
+        return thntfs::RunDisks(options);
+    case thntfs::Command::Image:
+        return thntfs::RunImage(options);
+    case thntfs::Command::Clone:
+        return thntfs::RunClone(options);
     case thntfs::Command::None:
         break;
     }

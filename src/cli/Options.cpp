@@ -2,6 +2,9 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "disktools/CopyMapFile.h"
+#include "platform/DiskIdentity.h"
+#include "platform/Paths.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,8 +21,8 @@ constexpr const char* kFooter =
     "Paths use '/'. What stands under the volume's root is /folder/file; a file whose folder is lost stands under\n"
     "a folder named after the folder's record number, such as #1234/file.\n\n"
     "Exit status: 0 done, 1 failed, 2 wrong words, 3 done in part (each entry that failed is named).\n"
-    "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan or a save;\n"
-    "what was found so far is shown. The medium is opened for reading only.";
+    "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan, a save or a copy;\n"
+    "what was found so far is shown, and an image goes on with --resume. The medium is opened for reading only.";
 
 // A whole number from a lowest one up to what an unsigned can hold.
 CLI::Validator WholeNumber(std::uint64_t lowest) {
@@ -159,10 +162,60 @@ void AddSave(CLI::App& app, Options& options) {
     command->callback([&options] { options.Chosen = Command::Save; });
 }
 
+void AddDisks(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("disks", "List the disks of this machine");
+    command->add_flag("--json", options.Json, "Print JSON");
+    command->callback([&options] { options.Chosen = Command::Disks; });
+}
+
+void AddSource(CLI::App& command, Options& options) {
+    command.add_option("SOURCE", options.Medium, "Block device or disk image file to copy")->required();
+    command.add_flag("--json", options.Json, "Print JSON");
+}
+
+// The log is made before the copy begins, and must not go to where that does.
+void CheckLogOfCopy(const Options& options) {
+    if (options.Log && (SharesMedium(*options.Log, options.Target) ||
+                        AbsolutePath(*options.Log) == AbsolutePath(options.Target) ||
+                        AbsolutePath(*options.Log) == AbsolutePath(MapPathOf(options.Target)))) {
+        throw CLI::ValidationError("--log", "The log can't go to where the copy goes");
+    }
+}
+
+void AddImage(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand(
+        "image", "Copy a whole disk to an image file, bad sectors as zeros, with a map of them beside it");
+    AddSource(*command, options);
+    command->add_option("FILE", options.Target, "Image file to make, such as disk.th2; its map is FILE.map")
+        ->required()
+        ->check(FileName());
+    command->add_flag("--resume", options.Resume, "Go on with an image that was stopped");
+    command
+        ->add_option("--retry", options.Retries,
+                     "Read the bad sectors again, up to N times; of an image that is there already only these")
+        ->check(WholeNumber(1));
+    command->callback([&options] {
+        options.Chosen = Command::Image;
+        CheckLogOfCopy(options);
+    });
+}
+
+void AddClone(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("clone", "Copy a whole disk onto another one, which loses all that is on it");
+    AddSource(*command, options);
+    command->add_option("TARGET", options.Target, "Block device to write over, or a file that is large enough")
+        ->required();
+    command->add_flag("--yes", options.Yes, "Really do it; without it, what would be lost is shown");
+    command->callback([&options] {
+        options.Chosen = Command::Clone;
+        CheckLogOfCopy(options);
+    });
+}
+
 void TellMissingCommand(int argc, const char* const* argv) {
     PrintMessage(argc > 1 ? "'" + std::string(argv[1]) + "' is no command of this program."
                           : "Tell what is to be done with which disk or image.");
-    PrintMessage("The commands are partitions, scan, list, cat and save; --help explains them.");
+    PrintMessage("The commands are disks, partitions, scan, list, cat, save, image and clone; --help explains them.");
 }
 
 } // namespace
@@ -180,11 +233,14 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.get_formatter()->label("Subcommands", "Commands");
     app.get_formatter()->label("REQUIRED", "(required)");
+    AddDisks(app, options);
     AddPartitions(app, options);
     AddScan(app, options);
     AddList(app, options);
     AddCat(app, options);
     AddSave(app, options);
+    AddImage(app, options);
+    AddClone(app, options);
     for (CLI::App* command : app.get_subcommands({})) {
         AddLog(*command, options);
     }

@@ -9,7 +9,7 @@
 
 namespace thntfs {
 
-enum class Command { None, Partitions, Scan, List, Cat, Save };
+enum class Command { None, Partitions, Scan, List, Cat, Save, Disks, Image, Clone };
 
 /// The words of one call of the terminal program.
 struct Options {
@@ -28,9 +28,13 @@ struct Options {
     bool Files = false;     ///< scan: files in the tree too
     bool Recursive = false; ///< list
     bool Deleted = false;   ///< list, save: deleted entries alone
-    std::string Target;     ///< save: the folder to save to
+    std::string Target;     ///< save: the folder to save to; image, clone: where the copy goes
     std::vector<std::string> Paths;
     std::optional<std::uint32_t> Record; ///< cat: a record number in place of a path
+
+    bool Resume = false;  ///< image: go on with one that was stopped
+    unsigned Retries = 0; ///< image: how often the bad sectors are read again
+    bool Yes = false;     ///< clone: the target may be written over
 };
 
 /// Reads the words. Gives the options, or nothing where the program ends here: help was shown, or the words are

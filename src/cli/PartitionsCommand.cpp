@@ -10,20 +10,32 @@ namespace thntfs {
 
 namespace {
 
+std::string Indented(const std::string& text) {
+    std::string out = "  ";
+    for (const char c : text) {
+        out += c;
+        if (c == '\n') {
+            out += "  ";
+        }
+    }
+    return out;
+}
+
+// One at a time: a saved list may hold millions.
 void PrintCandidates(Output& output, bool asJson) {
-    auto array = nlohmann::ordered_json::array();
     unsigned number = 0;
     for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
          candidate = candidate->Next.get()) {
         ++number;
         if (asJson) {
-            array.push_back(CandidateJson(number, *candidate));
+            output.Put(number == 1 ? "[\n" : ",\n");
+            output.Put(Indented(CandidateJson(number, *candidate).dump(2)));
         } else {
             output.Put(CandidateText(number, *candidate) + "\n");
         }
     }
     if (asJson) {
-        output.Put(array.dump(2) + "\n");
+        output.Put(number == 0 ? "[]\n" : "\n]\n");
     }
 }
 

@@ -63,15 +63,11 @@ int Session::OpenMedium() {
     if (code != kExitDone) {
         return code;
     }
-    switch (saved_.Kind) {
-    case ScanInfoKind::Tree:
-        return LoadTree();
-    case ScanInfoKind::Partitions:
-        return LoadPartitions();
-    case ScanInfoKind::None:
-        break;
-    }
-    return OpenWantedMedium();
+    return saved_.Kind == ScanInfoKind::None ? OpenWantedMedium() : LoadSavedResult(saved_.Kind);
+}
+
+int Session::LoadSavedResult(ScanInfoKind kind) {
+    return kind == ScanInfoKind::Tree ? LoadTree() : LoadPartitions();
 }
 
 int Session::LoadTree() {
@@ -122,7 +118,7 @@ int Session::OpenWantedMedium() {
         }
         return kExitFailed;
     }
-    if (Engine.SourceDisk.TotalSectors == 0) {
+    if (Engine.SourceDisk.TotalSectors == 0 && (options_.Search || ScanInfoKindOfName(options_.Medium) == ScanInfoKind::None)) {
         PrintMessage(options_.Medium + " is empty: there is not one sector to read.");
         return kExitFailed;
     }
@@ -142,13 +138,8 @@ int Session::FindVolumes() {
         return code;
     }
     if (ReadPartitionTable() == 0) {
-        switch (ScanInfoKindOfName(options_.Medium)) {
-        case ScanInfoKind::Tree:
-            return LoadTree();
-        case ScanInfoKind::Partitions:
-            return LoadPartitions();
-        case ScanInfoKind::None:
-            break;
+        if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
+            return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
         PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
         PrintMessage("Use --search quick or --search thorough to find volumes that the table doesn't name.");

@@ -44,6 +44,7 @@ public:
 private:
     int OpenWantedMedium();
     int TellNoVolume();
+    int LoadSavedResult(ScanInfoKind kind);
     int LoadTree();
     int LoadPartitions();
     int FindVolumes();

@@ -83,7 +83,8 @@ int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const Li
         return 1;
     }
     const std::uint64_t limit = VolumeByteLimit();
-    const std::uint64_t end = std::min(entry.Size, limit > ~std::uint64_t{0} / kMaxRatio ? limit : kMaxRatio * limit);
+    const std::uint64_t end =
+        std::min(entry.Size, limit > ~std::uint64_t{0} / kMaxRatio ? limit : kMaxRatio * limit);
     UnitWriter unit(outputHandle, unitBytes);
     for (const MftExtent* run = runs.First(); run != nullptr && !ContentStopped(); run = run->Next.get()) {
         if (run->StartCluster == 0) {

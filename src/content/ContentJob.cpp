@@ -10,7 +10,8 @@ namespace thntfs {
 std::uint64_t VolumeByteLimit() {
     const DiskRecord& disk = Engine.SourceDisk;
     const std::uint64_t sectorBytes = std::max<std::uint64_t>(disk.BytesPerSector, 1);
-    const std::uint64_t volumeSectors = std::min(Engine.VolumeParams.TotalSectors, ~std::uint64_t{0} / sectorBytes);
+    const std::uint64_t volumeSectors =
+        std::min(Engine.VolumeParams.TotalSectors, ~std::uint64_t{0} / sectorBytes);
     const std::uint64_t mediumBytes = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
     return std::max(volumeSectors * sectorBytes, mediumBytes);
 }

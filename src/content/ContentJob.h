@@ -11,8 +11,8 @@ std::uint64_t VolumeByteLimit();
 /// How many of `bytes` bytes from an absolute sector on lie behind the end of the medium.
 std::uint64_t BytesBehindMedium(std::uint64_t sector, std::uint64_t bytes);
 
-/// The gate between two pieces: true where a saving job has been stopped by ScanRunFlag. A preview runs outside
-/// a job and is never stopped.
+/// The gate between two pieces: true where a saving job has been stopped by ScanRunFlag. A preview runs
+/// outside a job and is never stopped.
 bool ContentStopped();
 
 /// Sets the progress pair to the bytes written of the file's size and reports it, but not from a preview.

@@ -33,7 +33,8 @@ TokenSplit SplitAt(std::uint16_t chunkOut) {
 
 class ChunkDecoder {
 public:
-    /// `behind` is the byte that follows the chunk: a token that begins with the chunk's last byte takes it along.
+    /// `behind` is the byte that follows the chunk: a token that begins with the chunk's last byte takes it
+    /// along.
     ChunkDecoder(ConstBytes chunk, std::uint8_t behind, Bytes target)
         : chunk_(chunk)
         , target_(target)
@@ -108,7 +109,8 @@ private:
         const std::size_t gap = chunkOut_ - from;
         if (gap >= 8 && chunkOut_ + length + 8 <= target_.size()) {
             for (std::size_t i = 0; i < length; i += 8) {
-                std::memcpy(out + i, source + i, 8); // may write up to 7 bytes more, which the next token replaces
+                std::memcpy(out + i, source + i,
+                            8); // may write up to 7 bytes more, which the next token replaces
             }
         } else if (gap >= length) {
             std::memcpy(out, source, length);
@@ -139,8 +141,8 @@ std::size_t CopyPlainChunk(ConstBytes chunk, std::size_t length, Bytes target) {
     const std::size_t copied = length > target.size() ? 0 : chunk.size();
     const std::size_t out = std::min(length, target.size());
     std::copy_n(chunk.begin(), copied, target.begin());
-    std::fill(target.begin() + static_cast<std::ptrdiff_t>(copied), target.begin() + static_cast<std::ptrdiff_t>(out),
-              std::uint8_t{0});
+    std::fill(target.begin() + static_cast<std::ptrdiff_t>(copied),
+              target.begin() + static_cast<std::ptrdiff_t>(out), std::uint8_t{0});
     return out;
 }
 

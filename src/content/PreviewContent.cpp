@@ -80,7 +80,8 @@ int FillPreviewBuffer(const CatalogueItem& entry) {
 
 int LoadPreviewBuffer(const CatalogueItem& entry) try {
     const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
-    if (entry.Size == 0 || entry.Size > kMaxPreviewBytes || clusterBytes == 0 || clusterBytes > kMaxClusterBytes) {
+    if (entry.Size == 0 || entry.Size > kMaxPreviewBytes || clusterBytes == 0 ||
+        clusterBytes > kMaxClusterBytes) {
         return 0;
     }
     Engine.PreviewLength = 0;

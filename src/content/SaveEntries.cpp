@@ -27,7 +27,9 @@ public:
         }
         return Failure;
     }
-    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override { return inner_.WriteAt(offset, bytes); }
+    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
+        return inner_.WriteAt(offset, bytes);
+    }
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
         return inner_.ReadAt(offset, buffer, got);
     }
@@ -92,8 +94,8 @@ void EntrySaver::SaveBelow(const LocatedEntry& entry) {
     }
 }
 
-// Lost folders have no record of their own: they stand for a name that isn't known, and are made only for what
-// is in them.
+// Lost folders have no record of their own: they stand for a name that isn't known, and are made only for
+// what is in them.
 void EntrySaver::EnterFolder(const CatalogueItem& item, const std::string& path) {
     Level& level = levels_.emplace_back();
     level.Name = item.Name;
@@ -134,7 +136,8 @@ void EntrySaver::WriteContent(const CatalogueItem& item, const std::string& path
         result = ReadEntryContent(item, counted);
     } catch (const CUserException&) {
         Abandon(path, name,
-                counted.Failure != kErrorNone ? SystemErrorText(counted.Failure) : "the medium could not be read");
+                counted.Failure != kErrorNone ? SystemErrorText(counted.Failure)
+                                              : "the medium could not be read");
         if (counted.Failure == kErrorNone) {
             throw;
         }
@@ -161,7 +164,8 @@ void EntrySaver::FinishFile(const CatalogueItem& item, const std::string& path, 
         ++totals_.Damaged;
     }
     if (failedReads != 0) {
-        listener_.Warned(path, std::to_string(failedReads) + " reads failed; what could not be read is zeros");
+        listener_.Warned(path,
+                         std::to_string(failedReads) + " reads failed; what could not be read is zeros");
     }
     if (Engine.BytesBehindEnd != 0) {
         listener_.Warned(path, std::to_string(Engine.BytesBehindEnd) +

@@ -37,8 +37,8 @@ struct SaveTotals {
 };
 
 /// Writes catalogue entries, and all below them, into a folder of a healthy disk, with the folders above and
-/// below them made again. Nothing that stands there is written over, and nothing is written outside it. A job:
-/// ScanRunFlag must be set.
+/// below them made again. Nothing that stands there is written over, and nothing is written outside it. A
+/// job: ScanRunFlag must be set.
 class EntrySaver {
 public:
     /// `deletedOnly`: live files are left out, and folders are made only for what is in them.
@@ -61,7 +61,8 @@ private:
     void SaveBelow(const LocatedEntry& entry);
     void EnterFolder(const CatalogueItem& item, const std::string& path);
     void SaveFile(const CatalogueItem& item, const std::string& path);
-    void WriteContent(const CatalogueItem& item, const std::string& path, const std::string& name, File& file);
+    void WriteContent(const CatalogueItem& item, const std::string& path, const std::string& name,
+                      File& file);
     void FinishFile(const CatalogueItem& item, const std::string& path, std::uint64_t written,
                     std::uint64_t failedReads);
     void Abandon(const std::string& path, const std::string& name, const std::string& reason);
@@ -71,8 +72,8 @@ private:
 
     Level* OpenLevel(const std::string& path);
     ErrorCode MakeLevel(Level& level, Level& above, const std::string& path);
-    ErrorCode CreateFileIn(Level& level, const CatalogueItem& item, const std::string& path, std::string& name,
-                           std::unique_ptr<File>& file);
+    ErrorCode CreateFileIn(Level& level, const CatalogueItem& item, const std::string& path,
+                           std::string& name, std::unique_ptr<File>& file);
     static std::string NextName(Level& level, const std::string& name);
     void TellName(const std::string& path, std::u16string_view name, const std::string& targetName);
 

@@ -9,8 +9,9 @@ namespace thntfs {
 /// Longest name that a file system of today takes, in bytes.
 inline constexpr std::size_t kMaxTargetNameBytes = 255;
 
-/// The name under which an entry is saved: one plain component, whatever the medium says. Characters that could
-/// lead elsewhere or that no file system takes (slashes, NUL, control characters and the reserved ones) become
+/// The name under which an entry is saved: one plain component, whatever the medium says. Characters that
+/// could lead elsewhere or that no file system takes (slashes, NUL, control characters and the reserved ones)
+/// become
 /// "_", so do names that mean a folder or a device, and a name that is too long is cut before its extension.
 std::string TargetName(std::u16string_view name);
 

@@ -32,7 +32,7 @@ public:
     /// `fromStart` copies the first transfer whatever the ledger says of it.
     std::uint32_t Run(bool fromStart) {
         Engine.ProgressDone = 0;
-        Engine.ProgressTotal = ledger_.Map().BytesOf(AreaState::Unread) / std::max<std::uint64_t>(1, sectorBytes_);
+        Engine.ProgressTotal = ledger_.Map().BytesOf(AreaState::Unread) / sectorBytes_;
         try {
             CopyPieces(fromStart ? Piece{0, perTransfer_} : NextPiece());
             ledger_.Close(target_, Place());
@@ -134,7 +134,7 @@ private:
     }
 
     File& target_;
-    std::size_t sectorBytes_ = Engine.SourceDisk.BytesPerSector;
+    std::size_t sectorBytes_ = std::max<std::size_t>(1, Engine.SourceDisk.BytesPerSector);
     std::uint64_t total_;
     std::uint32_t perTransfer_;
     CopyLedger& ledger_;

@@ -3,12 +3,16 @@
 #include "platform/File.h"
 #include "platform/ReplaceFile.h"
 
+#include <algorithm>
 #include <memory>
+#include <string_view>
+#include <utility>
 
 namespace thntfs {
 
 namespace {
 
+constexpr const char* kSerialWord = "Serial number: ";
 constexpr std::uint64_t kMaxMapBytes = std::uint64_t{64} << 20U; ///< well over what kMaxAreas areas take
 
 ErrorCode ReadText(const std::string& path, std::string& text) {
@@ -31,6 +35,22 @@ ErrorCode ReadText(const std::string& path, std::string& text) {
     return error;
 }
 
+/// Comments are lines, so a text that goes into one must not end it.
+std::string OneLine(std::string text) {
+    std::replace_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+    return text;
+}
+
+std::string SerialIn(std::string_view text) {
+    const std::string line = std::string("# ") + kSerialWord;
+    const std::size_t start = text.starts_with(line) ? 0 : text.find("\n" + line);
+    if (start == std::string_view::npos) {
+        return {};
+    }
+    const std::size_t first = text.find(kSerialWord, start) + std::string_view(kSerialWord).size();
+    return std::string(text.substr(first, std::min(text.find_first_of("\r\n", first), text.size()) - first));
+}
+
 } // namespace
 
 std::string MapPathOf(const std::string& imagePath) { return imagePath + ".map"; }
@@ -40,7 +60,15 @@ ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& 
     return ReplaceFile(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
-std::optional<CopyMap> LoadMap(const std::string& path, std::uint64_t totalBytes, std::string& why) {
+std::string MapComment(const std::string& source, const std::string& serial) {
+    std::string comment = "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\nSource: " + OneLine(source);
+    if (!serial.empty()) {
+        comment += std::string("\n") + kSerialWord + OneLine(serial);
+    }
+    return comment;
+}
+
+std::optional<SavedMap> LoadMap(const std::string& path, std::uint64_t totalBytes, std::string& why) {
     std::string text;
     const ErrorCode error = ReadText(path, text);
     if (error != kErrorNone) {
@@ -48,7 +76,8 @@ std::optional<CopyMap> LoadMap(const std::string& path, std::uint64_t totalBytes
         why.resize(why.size() - 1);
         return std::nullopt;
     }
-    return MapOfText(text, totalBytes, why);
+    auto map = MapOfText(text, totalBytes, why);
+    return map ? std::optional<SavedMap>({std::move(*map), SerialIn(text)}) : std::nullopt;
 }
 
 } // namespace thntfs

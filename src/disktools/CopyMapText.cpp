@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <limits>
+#include <utility>
 #include <vector>
 
 namespace thntfs {

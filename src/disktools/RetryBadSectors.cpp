@@ -18,12 +18,11 @@ public:
         , buffer_(sectorBytes_) {}
 
     void Run(unsigned passes) {
-        for (pass_ = 1; pass_ <= passes && Engine.ScanRunFlag != 0 && Bytes(AreaState::Bad) != 0; ++pass_) {
-            Engine.ProgressDone = 0;
-            Engine.ProgressTotal = Bytes(AreaState::Bad) / sectorBytes_;
+        while (pass_ < passes && Engine.ScanRunFlag != 0 && BytesOf(AreaState::Bad) != 0) {
+            ++pass_;
             RunPass();
         }
-        ledger_.Close(target_, {place_, Bytes(AreaState::Unread) != 0 ? '?' : Ended() ? '+' : '-', pass_});
+        ledger_.Close(target_, {place_, EndStatus(), std::max(1U, pass_)});
     }
 
     void KeepWhatIsThere() {
@@ -36,6 +35,8 @@ public:
 
 private:
     void RunPass() {
+        Engine.ProgressDone = 0;
+        Engine.ProgressTotal = BytesOf(AreaState::Bad) / sectorBytes_;
         std::uint64_t sector = 0;
         while (const auto area = ledger_.Map().Find(AreaState::Bad, sector * sectorBytes_)) {
             sector = area->First / sectorBytes_;
@@ -74,15 +75,21 @@ private:
         }
     }
 
-    [[nodiscard]] std::uint64_t Bytes(AreaState state) const { return ledger_.Map().BytesOf(state); }
-    [[nodiscard]] bool Ended() const { return place_ == ledger_.Map().TotalBytes() || Bytes(AreaState::Bad) == 0; }
+    [[nodiscard]] std::uint64_t BytesOf(AreaState state) const { return ledger_.Map().BytesOf(state); }
+
+    [[nodiscard]] char EndStatus() const {
+        if (BytesOf(AreaState::Unread) != 0) {
+            return '?';
+        }
+        return Engine.ScanRunFlag != 0 ? '+' : '-';
+    }
 
     File& target_;
     CopyLedger& ledger_;
     std::size_t sectorBytes_ = Engine.SourceDisk.BytesPerSector;
     std::vector<std::uint8_t> buffer_;
     std::uint64_t place_ = 0;
-    unsigned pass_ = 1;
+    unsigned pass_ = 0;
 };
 
 } // namespace

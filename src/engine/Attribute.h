@@ -16,7 +16,9 @@ inline constexpr std::uint32_t kTypeBitmap = 0xB0;
 inline constexpr std::uint32_t kTypeEnd = 0xFFFFFFFF;
 
 /// The sixteen attribute types of NTFS: the multiples of 16 from 0x10 to 0x100.
-[[nodiscard]] inline bool IsValidType(std::uint32_t type) { return type >= 0x10 && type <= 0x100 && type % 16 == 0; }
+[[nodiscard]] inline bool IsValidType(std::uint32_t type) {
+    return type >= 0x10 && type <= 0x100 && type % 16 == 0;
+}
 
 /// One attribute of a record, read where it lies. Fields that would lie outside the record read as 0.
 class Attribute {
@@ -63,8 +65,9 @@ private:
     std::uint64_t offset_;
 };
 
-/// The walk over a record's attributes: valid while the offset is below the bytes in use and inside the record.
-/// What else ends a walk is each reader's own rule. An attribute of length 0 ends it, so every walk ends.
+/// The walk over a record's attributes: valid while the offset is below the bytes in use and inside the
+/// record. What else ends a walk is each reader's own rule. An attribute of length 0 ends it, so every walk
+/// ends.
 class AttributeWalk {
 public:
     explicit AttributeWalk(ConstBytes record);

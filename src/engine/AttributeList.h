@@ -42,8 +42,8 @@ std::unique_ptr<AttributeListNode> MakeListNode(const AttributeListEntry& entry)
 enum class ListStep { GoOn, End };
 using ListVisitor = std::function<ListStep(const AttributeListEntry&)>;
 
-/// Walks the entries in a span of bytes, by each entry's own length. An entry too short to hold its fields ends
-/// the walk, so it always ends.
+/// Walks the entries in a span of bytes, by each entry's own length. An entry too short to hold its fields
+/// ends the walk, so it always ends.
 void WalkListEntries(ConstBytes bytes, const ListVisitor& visit);
 
 /// Entries of a resident attribute list: from its value's start to the attribute's end.

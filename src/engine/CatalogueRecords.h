@@ -15,9 +15,10 @@ inline constexpr std::uint16_t kFlagFolder = 16;
 
 /// One entry of EntryFile.
 struct CatalogueEntry {
-    std::uint64_t Size = 0;         ///< data size in bytes, 0 for a folder
-    std::uint64_t RecordSector = 0; ///< absolute sector of the FILE record, 0 where none stands behind the entry
-    std::uint32_t EntryId = 0;      ///< the entry's own index
+    std::uint64_t Size = 0; ///< data size in bytes, 0 for a folder
+    std::uint64_t RecordSector =
+        0;                     ///< absolute sector of the FILE record, 0 where none stands behind the entry
+    std::uint32_t EntryId = 0; ///< the entry's own index
     std::uint32_t RecordNumber = 0;
     std::uint32_t ParentNumber = 0; ///< RecordNumber of the parent folder
     std::uint32_t BlockOffset = 0;  ///< folder: byte offset in TreeFile of its first FolderBlock
@@ -40,8 +41,8 @@ inline constexpr std::size_t kSlotsPerBlock = 30;
 
 /// One block of a folder's chain in TreeFile.
 struct FolderBlock {
-    std::uint32_t OwnerNumber = 0;                      ///< RecordNumber of the folder
-    std::uint32_t NextBlock = 0;                        ///< byte offset of the next block, 0 at the end
+    std::uint32_t OwnerNumber = 0;                     ///< RecordNumber of the folder
+    std::uint32_t NextBlock = 0;                       ///< byte offset of the next block, 0 at the end
     std::array<std::uint32_t, kSlotsPerBlock> Slots{}; ///< EntryId of a child, 0 for a free slot
 };
 

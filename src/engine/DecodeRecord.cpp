@@ -19,8 +19,8 @@ constexpr std::uint64_t kNamespaceInAttribute = 89; // where it stands when the 
 constexpr std::uint32_t kMinIndexBytes = 40;        // an index root of this size holds no key
 
 constexpr std::array<std::u16string_view, 11> kMetafileNames = {
-    u"$MFT", u"$MFTMirr", u"$LogFile", u"$Volume", u"$AttrDef", u".",
-    u"$Bitmap", u"$Boot", u"$BadClus", u"$Secure", u"$UpCase"};
+    u"$MFT",    u"$MFTMirr", u"$LogFile", u"$Volume", u"$AttrDef", u".",
+    u"$Bitmap", u"$Boot",    u"$BadClus", u"$Secure", u"$UpCase"};
 
 bool IsMetafileName(std::u16string_view name) {
     if (name.empty() || (name.front() != u'$' && name.front() != u'.')) {
@@ -50,8 +50,8 @@ void TakeStandardInformation(ConstBytes record, const Attribute& attribute, Deco
     entry.Flags = CatalogueFlags(U16At(record, value + 32), IsInUse(record), IsDirectory(record));
 }
 
-// Every child of a folder names the folder as its parent, so the first key of the index tells the folder's own
-// number. It is the only source of that number in an older-form record.
+// Every child of a folder names the folder as its parent, so the first key of the index tells the folder's
+// own number. It is the only source of that number in an older-form record.
 void TakeNumberFromIndex(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
     const std::uint64_t value = attribute.ValueStart();
     const std::uint32_t indexBytes = U32At(record, value + 20);
@@ -191,10 +191,13 @@ std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber) {
         return std::nullopt;
     }
     std::uint64_t before = 0;
-    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr; extent = extent->Next.get()) {
-        const std::uint32_t records = extent->Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
+    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr;
+         extent = extent->Next.get()) {
+        const std::uint32_t records =
+            extent->Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
         if (recordNumber - before < records) {
-            return SectorOfCluster(extent->StartCluster) + (recordNumber - before) * volume.SectorsPerFileRecord;
+            return SectorOfCluster(extent->StartCluster) +
+                   (recordNumber - before) * volume.SectorsPerFileRecord;
         }
         before += records;
         if (before > recordNumber) {

@@ -23,8 +23,8 @@ struct DecodedEntry : CatalogueEntry {
     void Clear() { static_cast<CatalogueEntry&>(*this) = CatalogueEntry(); }
 };
 
-/// Turns a checked FILE record into an entry: name, parent, size, dates, Flags, and for a folder the number that
-/// its index root gives. Follows attribute lists into extension records. Gives 1 if the entry is to be
+/// Turns a checked FILE record into an entry: name, parent, size, dates, Flags, and for a folder the number
+/// that its index root gives. Follows attribute lists into extension records. Gives 1 if the entry is to be
 /// catalogued; 0, with the name cleared, for the volume's own metafiles and for a record that yields neither
 /// parent nor number. Passes CUserException on.
 int DecodeFileRecord(ConstBytes record, DecodedEntry& entry);

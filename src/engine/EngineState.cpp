@@ -6,7 +6,10 @@ EngineState Engine;
 
 namespace {
 
-template <typename Number> Number OrDefault(Number value, Number fallback) { return value != 0 ? value : fallback; }
+template <typename Number>
+Number OrDefault(Number value, Number fallback) {
+    return value != 0 ? value : fallback;
+}
 
 } // namespace
 
@@ -21,8 +24,7 @@ void LoadVolumeParams(const PartitionCandidate& candidate) {
     const std::uint32_t sectorsPerCluster = OrDefault<std::uint8_t>(candidate.SectorsPerCluster, 8);
     volume.ClusterBytes = OrDefault(candidate.ClusterBytes, sectorsPerCluster * sectorBytes);
     volume.SectorsPerIndexBlock = OrDefault<std::uint8_t>(candidate.SectorsPerIndexBlock, 8);
-    volume.IndexBlockBytes =
-        OrDefault(candidate.IndexBlockBytes, volume.SectorsPerIndexBlock * sectorBytes);
+    volume.IndexBlockBytes = OrDefault(candidate.IndexBlockBytes, volume.SectorsPerIndexBlock * sectorBytes);
 
     volume.MftSector = candidate.MftSector;
     volume.StartSector = candidate.StartSector;

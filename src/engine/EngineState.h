@@ -15,8 +15,8 @@ namespace thntfs {
 
 class FolderTree;
 
-/// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is thrown,
-/// so it holds no data. Decoding passes it on, scans catch it.
+/// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is
+/// thrown, so it holds no data. Decoding passes it on, scans catch it.
 struct CUserException {};
 
 inline constexpr std::uint64_t kAllWereTried = ~std::uint64_t{0};
@@ -38,8 +38,8 @@ struct EngineState {
     std::unique_ptr<PagedFile> TreeFile;
     std::unique_ptr<PagedFile> EntryFile;
     std::unique_ptr<PagedFile> NameFile;
-    std::uint32_t NamesEnd = 0;           ///< next free byte of NameFile
-    std::uint32_t TreeEnd = 0;            ///< byte offset of the block begun last
+    std::uint32_t NamesEnd = 0;          ///< next free byte of NameFile
+    std::uint32_t TreeEnd = 0;           ///< byte offset of the block begun last
     std::shared_ptr<FolderTree> Folders; ///< holds FolderRoot
 
     // The selected image.
@@ -47,7 +47,7 @@ struct EngineState {
     std::string ImageFolder;
 
     // Content of one file on its way out.
-    std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far
+    std::uint64_t BytesWritten = 0;   ///< bytes of the current file put out so far
     std::uint64_t BytesBehindEnd = 0; ///< of these, bytes that would lie behind the end of the medium
     std::uint8_t PreviewActive = 0;   ///< 1: the writers send no progress
     std::vector<std::uint8_t> PreviewBuffer;
@@ -56,17 +56,17 @@ struct EngineState {
     std::uint64_t FailedReads = 0; ///< attempts at a read that failed since the program's start
 
     // What the last ReadSectors left open, in sectors of the medium.
-    std::vector<std::uint64_t> BadSectors;     ///< tried one by one and not given, in order
-    std::uint64_t UntriedFrom = kAllWereTried; ///< the first that a stop or a fatal code kept from being tried
+    std::vector<std::uint64_t> BadSectors; ///< tried one by one and not given, in order
+    std::uint64_t UntriedFrom =
+        kAllWereTried; ///< the first that a stop or a fatal code kept from being tried
 
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
-
 };
 
 extern EngineState Engine;
 
-/// Fills VolumeParams from a candidate, with defaults for what it leaves open. MftExtents and MftRecordCount are
-/// not touched. A candidate with 0 sectors per cluster leaves 0 there, and LocateMft refuses it.
+/// Fills VolumeParams from a candidate, with defaults for what it leaves open. MftExtents and MftRecordCount
+/// are not touched. A candidate with 0 sectors per cluster leaves 0 there, and LocateMft refuses it.
 void LoadVolumeParams(const PartitionCandidate& candidate);
 
 /// Closes both media, frees both candidate lists and the extents, and clears SourceDisk, TargetDisk and

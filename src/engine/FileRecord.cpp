@@ -23,12 +23,14 @@ std::uint32_t ExpectedFirstAttribute(std::uint16_t usaOffset, std::uint16_t usaC
     return usaOffset + arrayBytes;
 }
 
-// Puts back the last word of each sector that ends within `limit` bytes; 0 where one doesn't hold the check word.
+// Puts back the last word of each sector that ends within `limit` bytes; 0 where one doesn't hold the check
+// word.
 bool UndoProtection(Bytes bytes, std::uint64_t limit, std::uint16_t sectorBytes) {
     const std::uint16_t usaOffset = UsaOffset(bytes);
     const std::uint16_t checkWord = U16At(bytes, usaOffset);
     std::uint64_t saved = usaOffset + 2U;
-    for (std::uint64_t end = sectorBytes; end <= limit && end <= bytes.size(); end += sectorBytes, saved += 2) {
+    for (std::uint64_t end = sectorBytes; end <= limit && end <= bytes.size();
+         end += sectorBytes, saved += 2) {
         if (U16At(bytes, end - 2) != checkWord) {
             return false;
         }

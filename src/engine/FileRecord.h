@@ -24,10 +24,10 @@ inline constexpr std::uint16_t kUsaOffsetNew = 48;      ///< newer form
 /// Valid only in the newer form.
 [[nodiscard]] inline std::uint32_t OwnRecordNumber(ConstBytes record) { return U32At(record, 44); }
 
-/// Decides whether a block of bytes counts as a FILE record, and undoes its update sequence protection while it
-/// does so. The record is changed in place: it can be checked once only, and a rejected one may be left partly
-/// fixed. `recordBytes` is the record size in bytes, `sectorBytes` the sector size that the protection uses.
-/// Reports nothing. Gives 1 or 0.
+/// Decides whether a block of bytes counts as a FILE record, and undoes its update sequence protection while
+/// it does so. The record is changed in place: it can be checked once only, and a rejected one may be left
+/// partly fixed. `recordBytes` is the record size in bytes, `sectorBytes` the sector size that the protection
+/// uses. Reports nothing. Gives 1 or 0.
 int CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes);
 
 /// The same decision for an INDX block. Its size enters only through VolumeParams.SectorsPerIndexBlock.

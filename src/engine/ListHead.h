@@ -6,9 +6,10 @@
 
 namespace thntfs {
 
-/// Owner of a singly linked list of heap records: the first record is owned by the head, each following one by
-/// the `Next` of the record before it (a std::unique_ptr<Node>). Freeing a long list does not recurse.
-template <typename Node> class ListHead {
+/// Owner of a singly linked list of heap records: the first record is owned by the head, each following one
+/// by the `Next` of the record before it (a std::unique_ptr<Node>). Freeing a long list does not recurse.
+template <typename Node>
+class ListHead {
 public:
     ListHead() = default;
     ~ListHead() { Clear(); }

@@ -11,9 +11,10 @@ namespace thntfs {
 
 static_assert(std::endian::native == std::endian::little, "stored numbers are read as they lie");
 
-/// A little-endian number at an offset of a span of bytes. A number that would reach beyond the span reads as 0,
-/// so a walk over hostile bytes never leaves its buffer.
-template <typename Number> [[nodiscard]] inline Number NumberAt(ConstBytes bytes, std::uint64_t offset) {
+/// A little-endian number at an offset of a span of bytes. A number that would reach beyond the span reads as
+/// 0, so a walk over hostile bytes never leaves its buffer.
+template <typename Number>
+[[nodiscard]] inline Number NumberAt(ConstBytes bytes, std::uint64_t offset) {
     Number value = 0;
     if (offset <= bytes.size() && bytes.size() - offset >= sizeof(Number)) {
         std::memcpy(&value, bytes.data() + offset, sizeof(Number));
@@ -35,7 +36,8 @@ template <typename Number> [[nodiscard]] inline Number NumberAt(ConstBytes bytes
 }
 
 /// Puts a number at an offset, little-endian. A place that would reach beyond the span is left alone.
-template <typename Number> inline void PutNumber(Bytes bytes, std::uint64_t offset, Number value) {
+template <typename Number>
+inline void PutNumber(Bytes bytes, std::uint64_t offset, Number value) {
     if (offset <= bytes.size() && bytes.size() - offset >= sizeof(Number)) {
         std::memcpy(bytes.data() + offset, &value, sizeof(Number));
     }
@@ -47,7 +49,8 @@ template <typename Number> inline void PutNumber(Bytes bytes, std::uint64_t offs
         return {};
     }
     const std::uint64_t left = bytes.size() - offset;
-    return bytes.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(length < left ? length : left));
+    return bytes.subspan(static_cast<std::size_t>(offset),
+                         static_cast<std::size_t>(length < left ? length : left));
 }
 
 } // namespace thntfs

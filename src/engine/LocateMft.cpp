@@ -17,9 +17,7 @@ namespace {
 
 using RecordBuffer = std::vector<std::uint8_t>;
 
-void ReadRecord(RecordBuffer& record, std::uint64_t sector) {
-    ReadSectorsCleared(record, sector);
-}
+void ReadRecord(RecordBuffer& record, std::uint64_t sector) { ReadSectorsCleared(record, sector); }
 
 bool ReadMftRecord(RecordBuffer& record, std::uint64_t sector) {
     ReadRecord(record, sector);

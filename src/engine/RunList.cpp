@@ -26,7 +26,8 @@ std::uint64_t SignedFieldValue(ConstBytes field) {
 }
 
 bool IsAllOnes(ConstBytes field) {
-    return !field.empty() && std::all_of(field.begin(), field.end(), [](std::uint8_t b) { return b == 0xFF; });
+    return !field.empty() &&
+           std::all_of(field.begin(), field.end(), [](std::uint8_t b) { return b == 0xFF; });
 }
 
 } // namespace
@@ -42,7 +43,8 @@ int DecodeRunList(ConstBytes buffer, std::uint64_t offset, ListHead<MftExtent>& 
         }
         const ConstBytes length = Part(buffer, at + 1, lengthBytes);
         const ConstBytes start = Part(buffer, at + 1 + lengthBytes, offsetBytes);
-        if (length.size() < lengthBytes || start.size() < offsetBytes || IsAllOnes(length) || IsAllOnes(start)) {
+        if (length.size() < lengthBytes || start.size() < offsetBytes || IsAllOnes(length) ||
+            IsAllOnes(start)) {
             return 1;
         }
         MftExtent& extent = extents.Append(std::make_unique<MftExtent>());

@@ -19,15 +19,16 @@ namespace thntfs {
 /// BadSectors and UntriedFrom of the engine state then tell which sectors the call could not give.
 ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector);
 
-/// ReadSectors into a buffer that is cleared for the caller, and only where that shows: a read that succeeds within
-/// the medium overwrites it all.
+/// ReadSectors into a buffer that is cleared for the caller, and only where that shows: a read that succeeds
+/// within the medium overwrites it all.
 ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector);
 
 /// One attempt at a read. A failure leaves a line in the process log. Never throws.
 ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);
 
-/// One attempt at a read ahead, into a buffer that is cleared for the caller. A failure is nobody's concern: it
-/// leaves no line in the log, and the caller then reads what it needs by ReadSectors. Gives false where it failed.
+/// One attempt at a read ahead, into a buffer that is cleared for the caller. A failure is nobody's concern:
+/// it leaves no line in the log, and the caller then reads what it needs by ReadSectors. Gives false where it
+/// failed.
 bool TryReadSectors(Bytes buffer, std::uint64_t firstSector);
 
 /// Shows the system's text for a code in a blocking box and throws CUserException.

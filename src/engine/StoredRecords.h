@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/LittleEndian.h"
 #include "engine/ListHead.h"
+#include "engine/LittleEndian.h"
 #include "platform/File.h"
 #include "platform/Medium.h"
 
@@ -78,7 +78,8 @@ using StoredDisk = std::array<std::uint8_t, kStoredDiskBytes>;
 static_assert(sizeof(StoredDisk) == kStoredDiskBytes);
 
 StoredDisk EncodeDisk(const DiskRecord& disk);
-/// Decodes all but the handles and the list, which stay empty; `hasPartitions` tells whether a candidate follows.
+/// Decodes all but the handles and the list, which stay empty; `hasPartitions` tells whether a candidate
+/// follows.
 DiskRecord DecodeDisk(const StoredDisk& stored, bool& hasPartitions);
 
 /// The volume in work.

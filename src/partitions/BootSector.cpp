@@ -23,11 +23,12 @@ bool IsPossibleSectorSize(std::uint16_t bytes) {
 }
 
 bool IsPossiblePosition(std::uint64_t value) {
-    return value != 0 && (static_cast<std::uint32_t>(value) & static_cast<std::uint32_t>(value >> 32U)) != 0xFFFFFFFF;
+    return value != 0 &&
+           (static_cast<std::uint32_t>(value) & static_cast<std::uint32_t>(value >> 32U)) != 0xFFFFFFFF;
 }
 
-// Size of a file record or an index block. The stored byte counts clusters, or, negative, is a power of two of
-// bytes.
+// Size of a file record or an index block. The stored byte counts clusters, or, negative, is a power of two
+// of bytes.
 struct StructureSize {
     std::uint8_t Sectors;
     std::uint64_t Bytes;
@@ -73,7 +74,8 @@ int IsNtfsBootSector(ConstBytes sector) {
     if (U8At(sector, kRecordSizeAt) == 0 || U8At(sector, kIndexSizeAt) == 0) {
         return 0;
     }
-    return IsPossiblePosition(U64At(sector, kMftClusterAt)) && IsPossiblePosition(U64At(sector, kMftMirrClusterAt)) &&
+    return IsPossiblePosition(U64At(sector, kMftClusterAt)) &&
+                   IsPossiblePosition(U64At(sector, kMftMirrClusterAt)) &&
                    IsPossiblePosition(U64At(sector, kTotalSectorsAt))
                ? 1
                : 0;

@@ -8,17 +8,18 @@ namespace thntfs {
 
 inline constexpr std::size_t kBootSectorBytes = 512;
 
-/// Gives 1 if 512 bytes are an NTFS boot sector by its jump, its fixed fields, its sector and cluster sizes and
-/// its three cluster numbers, else 0. The signature 0xAA55 isn't looked at.
+/// Gives 1 if 512 bytes are an NTFS boot sector by its jump, its fixed fields, its sector and cluster sizes
+/// and its three cluster numbers, else 0. The signature 0xAA55 isn't looked at.
 int IsNtfsBootSector(ConstBytes sector);
 
-/// Total sectors, first logical cluster of the Master File Table and sectors per cluster that a boot sector states.
+/// Total sectors, first logical cluster of the Master File Table and sectors per cluster that a boot sector
+/// states.
 std::uint64_t BootTotalSectors(ConstBytes sector);
 std::uint64_t BootMftCluster(ConstBytes sector);
 std::uint8_t BootSectorsPerCluster(ConstBytes sector);
 
-/// Fills a candidate from a boot sector that passed the test and that stands at absolute sector `start` on the
-/// medium, for a partition table entry that gives the volume `totalSectors` sectors.
+/// Fills a candidate from a boot sector that passed the test and that stands at absolute sector `start` on
+/// the medium, for a partition table entry that gives the volume `totalSectors` sectors.
 void DecodeTableBootSector(ConstBytes sector, std::uint64_t start, std::uint32_t totalSectors,
                            PartitionCandidate& candidate);
 

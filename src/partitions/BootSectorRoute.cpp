@@ -18,7 +18,8 @@ bool FitsOnMedium(ConstBytes bootSector, std::uint64_t sector) {
 
 } // namespace
 
-void FollowBootSector(ConstBytes bootSector, std::uint64_t sector, SecondSight secondSight, CandidateIndex& index) {
+void FollowBootSector(ConstBytes bootSector, std::uint64_t sector, SecondSight secondSight,
+                      CandidateIndex& index) {
     if (!FitsOnMedium(bootSector, sector)) {
         return;
     }

@@ -13,7 +13,8 @@ constexpr std::uint64_t kMaxSectorsPerCluster = 255;
 CandidateIndex::CandidateIndex() { Engine.SourceDisk.Partitions.Clear(); }
 
 CandidateIndex::Layout CandidateIndex::LayoutOf(const PartitionCandidate& candidate) {
-    return {candidate.MftCluster, candidate.MftMirrCluster, candidate.ClusterBytes, candidate.FileRecordBytes};
+    return {candidate.MftCluster, candidate.MftMirrCluster, candidate.ClusterBytes,
+            candidate.FileRecordBytes};
 }
 
 PartitionCandidate* CandidateIndex::FindSameVolume(const PartitionCandidate& wanted) const {

@@ -9,8 +9,9 @@
 
 namespace thntfs {
 
-/// The candidate list of SourceDisk while a search fills it, with the two look-ups that a search needs. A disk full
-/// of look-alikes would make a candidate of every pair of them; beyond kMaxCandidates none is added.
+/// The candidate list of SourceDisk while a search fills it, with the two look-ups that a search needs. A
+/// disk full of look-alikes would make a candidate of every pair of them; beyond kMaxCandidates none is
+/// added.
 class CandidateIndex {
 public:
     static constexpr std::size_t kMaxCandidates = 10000;
@@ -18,12 +19,12 @@ public:
     /// Frees the list of SourceDisk.
     CandidateIndex();
 
-    /// The first candidate with the same serial, clusters of the table and its mirror, cluster and record size,
-    /// wherever it starts; null where there is none.
+    /// The first candidate with the same serial, clusters of the table and its mirror, cluster and record
+    /// size, wherever it starts; null where there is none.
     [[nodiscard]] PartitionCandidate* FindSameVolume(const PartitionCandidate& wanted) const;
 
-    /// The first candidate with the same layout, whatever its serial, that starts where the wanted one starts or at
-    /// most its own SectorsPerCluster sectors below; null where there is none.
+    /// The first candidate with the same layout, whatever its serial, that starts where the wanted one starts
+    /// or at most its own SectorsPerCluster sectors below; null where there is none.
     [[nodiscard]] PartitionCandidate* FindSameLayout(const PartitionCandidate& wanted) const;
 
     [[nodiscard]] bool Full() const { return count_ >= kMaxCandidates; }
@@ -41,8 +42,8 @@ private:
     };
     using ByStart = std::multimap<std::uint64_t, Listed>;
 
-    static void TakeFirst(const ByStart& starts, std::uint64_t lowest, std::uint64_t highest, std::uint64_t start,
-                          const Listed*& first);
+    static void TakeFirst(const ByStart& starts, std::uint64_t lowest, std::uint64_t highest,
+                          std::uint64_t start, const Listed*& first);
     static Layout LayoutOf(const PartitionCandidate& candidate);
 
     std::map<Volume, PartitionCandidate*> volumes_; ///< the first of each

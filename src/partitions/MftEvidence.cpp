@@ -135,8 +135,8 @@ int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence) {
     return 0;
 }
 
-// The second check meets a record that the first has fixed up. Only one that stays below one sector, the normal form
-// of a mirror's record, passes it.
+// The second check meets a record that the first has fixed up. Only one that stays below one sector, the
+// normal form of a mirror's record, passes it.
 void EvidenceCollector::Examine(ConstBytes record, std::uint64_t sector) {
     checked_.assign(record.begin(), record.end());
     const auto bytes = static_cast<std::uint32_t>(record.size());

@@ -20,7 +20,7 @@ struct MftEvidence {
     std::unique_ptr<MftEvidence> Next;
     std::uint8_t SectorsPerRecord = 0;
     std::uint8_t SectorsPerCluster = 0;
-    std::uint32_t Paired = 0;               ///< 1 when a twin pair has used this evidence
+    std::uint32_t Paired = 0;              ///< 1 when a twin pair has used this evidence
     std::uint64_t ContentHash[2] = {0, 0}; ///< of the record as it stands on the medium; equal for copies
 };
 
@@ -32,8 +32,8 @@ int ReadMftEvidence(ConstBytes record, MftEvidence& evidence);
 /// The same for a checked $MFTMirr record.
 int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence);
 
-/// The two lists of a Thorough search, in the order of discovery. A list takes kMaxEvidence records; a disk with
-/// more holds nothing but copies.
+/// The two lists of a Thorough search, in the order of discovery. A list takes kMaxEvidence records; a disk
+/// with more holds nothing but copies.
 class EvidenceCollector {
 public:
     static constexpr std::size_t kMaxEvidence = 16384;

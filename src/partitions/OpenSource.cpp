@@ -23,12 +23,14 @@ void CountSectors() {
 }
 
 void TakeDevice(const std::string& path) {
-    Engine.SourceDisk.BytesPerSector = static_cast<std::uint16_t>(Engine.SourceDisk.MediaHandle->DeviceSectorBytes());
+    Engine.SourceDisk.BytesPerSector =
+        static_cast<std::uint16_t>(Engine.SourceDisk.MediaHandle->DeviceSectorBytes());
     CountSectors();
     DescribeSource(path);
 }
 
-// The stamp is 0 in an image made by another tool, and bytes of boot code where the image begins with a volume.
+// The stamp is 0 in an image made by another tool, and bytes of boot code where the image begins with a
+// volume.
 void TakeImage(const std::string& path) {
     DiskRecord& disk = Engine.SourceDisk;
     ProbeImageSectorSize();
@@ -52,7 +54,8 @@ ErrorCode OpenHandle(const std::string& path) {
 } // namespace
 
 bool SourceIsDevice() {
-    return Engine.SourceDisk.MediaHandle != nullptr && Engine.SourceDisk.MediaHandle->DeviceSectorBytes() != 0;
+    return Engine.SourceDisk.MediaHandle != nullptr &&
+           Engine.SourceDisk.MediaHandle->DeviceSectorBytes() != 0;
 }
 
 ErrorCode OpenPhysicalDisk(const std::string& devicePath) {

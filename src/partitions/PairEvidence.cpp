@@ -1,6 +1,5 @@
-#include "partitions/MftEvidence.h"
-
 #include "engine/EngineState.h"
+#include "partitions/MftEvidence.h"
 
 #include <map>
 #include <tuple>
@@ -27,8 +26,8 @@ void TakeSizeFromMirror(PartitionCandidate& candidate) {
     candidate.TotalSectors = 2 * std::uint64_t{candidate.SectorsPerCluster} * candidate.MftMirrCluster;
 }
 
-// Of many copies of one record almost all pairs come here for nothing, so a candidate is made to last only once it
-// is going to be listed.
+// Of many copies of one record almost all pairs come here for nothing, so a candidate is made to last only
+// once it is going to be listed.
 void AddOrMark(PartitionCandidate&& candidate, CandidateIndex& index) {
     if (PartitionCandidate* known = index.FindSameLayout(candidate); known != nullptr) {
         known->EvidenceFlags |= candidate.EvidenceFlags;

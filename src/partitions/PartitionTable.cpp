@@ -37,7 +37,8 @@ TableEntry EntryAt(const TableBytes& table, std::size_t index) {
 bool IsLink(std::uint8_t type) { return type == 0x05 || type == 0x0F || type == 0x85; }
 
 void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
-    std::vector<std::uint8_t> sector(std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
+    std::vector<std::uint8_t> sector(
+        std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
     ReadSectors(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), start);
     if (IsNtfsBootSector(sector) == 0) {
         return;

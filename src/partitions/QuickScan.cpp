@@ -26,7 +26,8 @@ std::uint64_t RoundToCylinder(std::uint64_t sector, std::uint64_t smallest) {
     return rest > kHalfCylinder ? sector + (kCylinderSectors - rest) : sector - rest;
 }
 
-void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_t endSector, CandidateIndex& index) {
+void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_t endSector,
+           CandidateIndex& index) {
     Host().SearchPosition(sector, endSector);
     ReadSectorsCleared(buffer, sector);
     const ConstBytes first = ConstBytes(buffer).first(kBootSectorBytes);
@@ -41,7 +42,8 @@ std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
     std::uint64_t position = RoundToCylinder(firstSector, 0);
     const std::uint64_t end = RoundToCylinder(endSector, kCylinderSectors);
     CandidateIndex index;
-    std::vector<std::uint8_t> buffer(kProbeSectors * std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, 512));
+    std::vector<std::uint8_t> buffer(kProbeSectors *
+                                     std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, 512));
     if (Engine.SourceDisk.MediaHandle != nullptr) {
         Engine.SourceDisk.MediaHandle->ExpectScatteredReads(true);
     }

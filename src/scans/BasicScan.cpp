@@ -56,7 +56,8 @@ private:
 
 void TableWalk::Run() {
     const VolumeParams& volume = Engine.VolumeParams;
-    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr; extent = extent->Next.get()) {
+    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr;
+         extent = extent->Next.get()) {
         WalkExtent(*extent);
     }
 }
@@ -107,8 +108,8 @@ bool TableWalk::IsBehindMedium() const {
            recordSector_ > disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
 }
 
-// A batch is decoded as a whole and then catalogued: the parents' places in the folder tree are on their way from
-// memory meanwhile.
+// A batch is decoded as a whole and then catalogued: the parents' places in the folder tree are on their way
+// from memory meanwhile.
 void TableWalk::DecodeBatch(std::uint32_t records) {
     const VolumeParams& volume = Engine.VolumeParams;
     decodedCount_ = 0;

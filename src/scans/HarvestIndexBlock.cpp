@@ -14,7 +14,8 @@ constexpr std::uint8_t kNamespaceDos = 2;
 constexpr std::uint16_t kMinEntryWithKey = 67;
 constexpr std::uint8_t kLastEntry = 2;
 
-// The attribute bits of a key, with the two bits of the catalogue set: a folder that an index lists counts as live.
+// The attribute bits of a key, with the two bits of the catalogue set: a folder that an index lists counts as
+// live.
 std::uint16_t FlagsOfKey(std::uint32_t attributeBits) {
     return static_cast<std::uint16_t>((attributeBits | 6U) << 2U);
 }

@@ -26,7 +26,8 @@ struct SpanSize {
 
 SpanSize SpanOfVolume() {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (volume.IndexBlockBytes != 0 && volume.IndexBlockBytes <= kMaxSpanBytes && volume.SectorsPerIndexBlock != 0) {
+    if (volume.IndexBlockBytes != 0 && volume.IndexBlockBytes <= kMaxSpanBytes &&
+        volume.SectorsPerIndexBlock != 0) {
         return {volume.IndexBlockBytes, volume.SectorsPerIndexBlock};
     }
     return {4 * volume.FileRecordBytes, 4U * volume.SectorsPerFileRecord};

@@ -6,7 +6,9 @@ namespace thntfs::test {
 
 namespace {
 
-bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 class BrowseTest : public testing::Test {
 protected:
@@ -58,7 +60,8 @@ TEST_F(BrowseTest, ListGivesFoldersAndWhatIsBelow) {
               (Paths{"/Letters/Old", "/Letters/Old/two.txt", "/Letters/one.txt", "#1234"}));
     EXPECT_EQ(PathsOf({"list", "/Letters/Old/two.txt"}), (Paths{"/Letters/Old/two.txt"}));
     EXPECT_EQ(PathsOf({"list", "#1234"}), (Paths{"#1234/lost.txt"}));
-    EXPECT_EQ(PathsOf({"list", "/"}).size() + 1, PathsOf({"list"}).size()) << "the lost folder stands at the top";
+    EXPECT_EQ(PathsOf({"list", "/"}).size() + 1, PathsOf({"list"}).size())
+        << "the lost folder stands at the top";
 }
 
 TEST_F(BrowseTest, ListMarksDeletedEntries) {
@@ -72,7 +75,8 @@ TEST_F(BrowseTest, CatTakesTheLiveOneOfSeveral) {
     const RunResult run = Run({"cat", "/Letters/one.txt"});
     EXPECT_EQ(run.Status, 0);
     EXPECT_EQ(run.Out, "the live one");
-    EXPECT_TRUE(Contains(run.Err, "2 files have the path /Letters/one.txt; this is record 41, live")) << run.Err;
+    EXPECT_TRUE(Contains(run.Err, "2 files have the path /Letters/one.txt; this is record 41, live"))
+        << run.Err;
     EXPECT_EQ(Run({"cat", "--record", "44"}).Out, "its deleted twin");
     EXPECT_EQ(Run({"cat", "#1234/lost.txt"}).Out, "no folder");
     EXPECT_EQ(Run({"cat", "/a/b"}).Out, "slash") << "a name may hold a slash";
@@ -98,10 +102,12 @@ TEST_F(BrowseTest, WhatIsNotThereIsTold) {
 }
 
 TEST_F(BrowseTest, ControlCharactersNeverReachTheTerminal) {
-    for (const Words& words : {Words{"list", "-r"}, Words{"scan", "--files"}, Words{"save", "--to", scratch_ / "to"}}) {
+    for (const Words& words :
+         {Words{"list", "-r"}, Words{"scan", "--files"}, Words{"save", "--to", scratch_ / "to"}}) {
         const RunResult run = Run(words);
         for (const char c : run.Out + run.Err) {
-            EXPECT_TRUE(c == '\n' || (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F)) << int{c} << words.front();
+            EXPECT_TRUE(c == '\n' || (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F))
+                << int{c} << words.front();
         }
         EXPECT_TRUE(Contains(run.Out + run.Err, "bell\\x07\\x1b[31m\\x0ared\\x7f.txt")) << words.front();
     }

@@ -11,7 +11,9 @@ RunResult RunCli(const Words& words, const RunSetup& setup) {
     return RunProgram(THNTFS_CLI_PATH, words, setup);
 }
 
-std::string PackedPath(const std::string& name) { return std::string(THNTFS_VOLUME_FOLDER "/") + name + ".img"; }
+std::string PackedPath(const std::string& name) {
+    return std::string(THNTFS_VOLUME_FOLDER "/") + name + ".img";
+}
 
 std::vector<Json> JsonLines(const std::string& text) {
     std::vector<Json> lines;

@@ -3,9 +3,8 @@
 #include "support/RunProgram.h"
 #include "support/VolumeBuilder.h"
 
-#include <nlohmann/json.hpp>
-
 #include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -27,6 +26,7 @@ std::vector<Json> JsonLines(const std::string& text);
 std::map<std::string, std::string> FilesBelow(const std::string& folder);
 
 /// A file with short text in it.
-FileSpec TextFile(std::uint32_t number, std::u16string name, const std::string& text, std::uint32_t parent = 5);
+FileSpec TextFile(std::uint32_t number, std::u16string name, const std::string& text,
+                  std::uint32_t parent = 5);
 
 } // namespace thntfs::test

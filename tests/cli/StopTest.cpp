@@ -13,7 +13,9 @@ namespace fs = std::filesystem;
 constexpr std::uint64_t kGibibyte = 1U << 30U;
 constexpr std::uint64_t kFarCluster = 4096; ///< behind the small volume, in the part that is all hole
 
-bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 class StopTest : public testing::Test {
 protected:

@@ -6,7 +6,9 @@ namespace thntfs::test {
 
 namespace {
 
-bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 struct WrongWords {
     Words Given;
@@ -17,7 +19,7 @@ TEST(WordsTest, WrongWordsAreToldAndGiveTwo) {
     const std::string image = PackedPath("basic");
     const std::string many = PackedPath("logical");
     const std::vector<WrongWords> cases = {
-        {{}, "partitions, scan, list, cat and save"},
+        {{}, "--help"},
         {{"frobnicate", image}, "'frobnicate'"},
         {{"--frobnicate"}, "'--frobnicate'"},
         {{"list"}, "MEDIUM"},
@@ -86,21 +88,32 @@ TEST(WordsTest, HelpTellsEveryWord) {
 using Type = Json::value_t;
 
 const std::vector<std::pair<std::string, Type>> kPartitionFields = {
-    {"number", Type::number_unsigned},          {"startSector", Type::number_unsigned},
-    {"totalSectors", Type::number_unsigned},    {"bytesPerSector", Type::number_unsigned},
-    {"sectorsPerCluster", Type::number_unsigned}, {"clusterBytes", Type::number_unsigned},
-    {"fileRecordBytes", Type::number_unsigned}, {"indexBlockBytes", Type::number_unsigned},
-    {"mftSector", Type::number_unsigned},       {"mftCluster", Type::number_unsigned},
-    {"mftMirrCluster", Type::number_unsigned},  {"serial", Type::string},
+    {"number", Type::number_unsigned},
+    {"startSector", Type::number_unsigned},
+    {"totalSectors", Type::number_unsigned},
+    {"bytesPerSector", Type::number_unsigned},
+    {"sectorsPerCluster", Type::number_unsigned},
+    {"clusterBytes", Type::number_unsigned},
+    {"fileRecordBytes", Type::number_unsigned},
+    {"indexBlockBytes", Type::number_unsigned},
+    {"mftSector", Type::number_unsigned},
+    {"mftCluster", Type::number_unsigned},
+    {"mftMirrCluster", Type::number_unsigned},
+    {"serial", Type::string},
     {"evidence", Type::number_unsigned}};
 
-const std::vector<std::pair<std::string, Type>> kEntryFields = {
-    {"id", Type::number_unsigned},     {"path", Type::string},
-    {"name", Type::string},            {"folder", Type::boolean},
-    {"live", Type::boolean},           {"size", Type::number_unsigned},
-    {"record", Type::number_unsigned}, {"parent", Type::number_unsigned},
-    {"recordSector", Type::number_unsigned}, {"flags", Type::number_unsigned},
-    {"created", Type::string},         {"accessed", Type::string}};
+const std::vector<std::pair<std::string, Type>> kEntryFields = {{"id", Type::number_unsigned},
+                                                                {"path", Type::string},
+                                                                {"name", Type::string},
+                                                                {"folder", Type::boolean},
+                                                                {"live", Type::boolean},
+                                                                {"size", Type::number_unsigned},
+                                                                {"record", Type::number_unsigned},
+                                                                {"parent", Type::number_unsigned},
+                                                                {"recordSector", Type::number_unsigned},
+                                                                {"flags", Type::number_unsigned},
+                                                                {"created", Type::string},
+                                                                {"accessed", Type::string}};
 
 void ExpectFields(const Json& object, const std::vector<std::pair<std::string, Type>>& fields) {
     ASSERT_EQ(object.size(), fields.size()) << object;
@@ -117,7 +130,8 @@ TEST(JsonTest, FieldsAreThoseOfTheContract) {
     ASSERT_TRUE(partitions.is_array());
     for (const Json& object : partitions) {
         ExpectFields(object, kPartitionFields);
-        EXPECT_EQ(object["serial"].get<std::string>().find_first_not_of("0123456789ABCDEF"), std::string::npos);
+        EXPECT_EQ(object["serial"].get<std::string>().find_first_not_of("0123456789ABCDEF"),
+                  std::string::npos);
         EXPECT_EQ(object["serial"].get<std::string>().size(), 16U);
     }
     for (const Json& object : JsonLines(RunCli({"list", PackedPath("names"), "--json", "--recursive"}).Out)) {
@@ -132,7 +146,8 @@ TEST(JsonTest, TotalsAreOneObject) {
         EXPECT_TRUE(scan.at(field).is_number_unsigned()) << field;
     }
     EXPECT_EQ(scan.at("complete"), true);
-    const Json save = Json::parse(RunCli({"save", PackedPath("basic"), "--json", "--to", scratch / "to"}).Out);
+    const Json save =
+        Json::parse(RunCli({"save", PackedPath("basic"), "--json", "--to", scratch / "to"}).Out);
     for (const char* field : {"files", "folders", "bytes", "damaged", "failed"}) {
         EXPECT_TRUE(save.at(field).is_number_unsigned()) << field;
     }

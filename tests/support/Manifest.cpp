@@ -41,7 +41,7 @@ std::vector<std::vector<std::string>> ReadTable(const std::string& path, std::si
 LayoutRow MakeLayoutRow(const std::vector<std::string>& cells) {
     const auto number = [&](std::size_t i) { return std::stoull(cells[i]); };
     const auto small = [&](std::size_t i) { return static_cast<std::uint32_t>(number(i)); };
-    return {small(0), number(1), small(2), small(3), small(4), small(5),
+    return {small(0), number(1), small(2),  small(3),  small(4), small(5),
             small(6), number(7), number(8), number(9), cells[10]};
 }
 

@@ -52,7 +52,8 @@ void Prepare(const RunSetup& setup, int out, int err) {
         const rlimit limit{setup.MaxFileBytes, setup.MaxFileBytes};
         ::setrlimit(RLIMIT_FSIZE, &limit);
     }
-    if (setup.AsNobody && (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) {
+    if (setup.AsNobody &&
+        (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) {
         ::_exit(127);
     }
 }
@@ -94,7 +95,8 @@ int Await(pid_t child, const RunSetup& setup) {
 
 } // namespace
 
-RunResult RunProgram(const std::string& program, const std::vector<std::string>& words, const RunSetup& setup) {
+RunResult RunProgram(const std::string& program, const std::vector<std::string>& words,
+                     const RunSetup& setup) {
     const ScratchFolder scratch;
     const int out = OpenOutput(setup, scratch / "out");
     const int err = ::open((scratch / "err").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);

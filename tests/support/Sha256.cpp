@@ -80,7 +80,8 @@ void Sha256::Add(ConstBytes bytes) {
 void Sha256::AddZeros(std::uint64_t count) {
     static constexpr std::array<std::uint8_t, 4096> kZeros{};
     for (; count > 0; count -= std::min<std::uint64_t>(count, kZeros.size())) {
-        Add(ConstBytes(kZeros).first(static_cast<std::size_t>(std::min<std::uint64_t>(count, kZeros.size()))));
+        Add(ConstBytes(kZeros).first(
+            static_cast<std::size_t>(std::min<std::uint64_t>(count, kZeros.size()))));
     }
 }
 

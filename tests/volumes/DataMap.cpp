@@ -84,8 +84,8 @@ std::vector<DataMap::Run> RunsAt(ConstBytes record, std::size_t at) {
     return runs;
 }
 
-// How many bytes a unit's compressed chunks give. Each gives 4096, and a chunk of four bytes or an empty header
-// ends the unit.
+// How many bytes a unit's compressed chunks give. Each gives 4096, and a chunk of four bytes or an empty
+// header ends the unit.
 std::uint64_t BytesOfChunks(ConstBytes raw, std::uint64_t limit) {
     std::uint64_t out = 0;
     std::size_t at = 0;
@@ -218,7 +218,8 @@ std::string HashWithHoles(ConstBytes saved, const DataMap& map, std::uint64_t si
             whole.resize(whole.size() + static_cast<std::size_t>(piece.Bytes));
         } else if (!piece.Hole) {
             const std::size_t left = saved.size() - used; // a file's last chunk may give less than others
-            const ConstBytes part = saved.subspan(used, std::min(left, static_cast<std::size_t>(piece.Bytes)));
+            const ConstBytes part =
+                saved.subspan(used, std::min(left, static_cast<std::size_t>(piece.Bytes)));
             whole.insert(whole.end(), part.begin(), part.end());
             used += part.size();
         }

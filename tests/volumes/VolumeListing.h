@@ -2,9 +2,8 @@
 
 #include "support/Manifest.h"
 
-#include <nlohmann/json.hpp>
-
 #include <map>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -24,7 +23,9 @@ struct VolumeCase {
 std::vector<VolumeCase> AllVolumes();
 
 /// What a failed test prints of its case.
-inline void PrintTo(const VolumeCase& volume, std::ostream* out) { *out << volume.Image.Name << volume.Layout.Number; }
+inline void PrintTo(const VolumeCase& volume, std::ostream* out) {
+    *out << volume.Image.Name << volume.Layout.Number;
+}
 
 /// What `list --recursive --json` says of a volume.
 class VolumeListing {

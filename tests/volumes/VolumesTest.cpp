@@ -79,11 +79,13 @@ protected:
         if (row.Has("reused") || Sha256Of(BytesOfText(bytes)) == row.Sha256) {
             return;
         }
-        ASSERT_TRUE(row.Has("sparse") || row.Has("compressed")) << row.Path << ": " << bytes.size() << " bytes";
+        ASSERT_TRUE(row.Has("sparse") || row.Has("compressed"))
+            << row.Path << ": " << bytes.size() << " bytes";
         const VolumeCase& volume = GetParam();
         const DataMap map = ReadDataMap(volume.Image, volume.Layout, entry["recordSector"]);
         ASSERT_TRUE(map.Complete) << row.Path;
-        const std::string hash = HashWithHoles(BytesOfText(bytes), map, row.Size, volume.Image, volume.Layout);
+        const std::string hash =
+            HashWithHoles(BytesOfText(bytes), map, row.Size, volume.Image, volume.Layout);
         if (row.Has("open-end")) {
             const std::uint64_t unit = map.UnitClusters * volume.Layout.ClusterBytes();
             EXPECT_EQ(bytes.size(), row.Size / unit * unit) << row.Path << ": units that a hole closes";
@@ -158,7 +160,8 @@ TEST_P(VolumeTest, ListHasAllThatWasEverThere) {
     for (const auto& [hash, names] : HardLinkGroups(rows_)) {
         ExpectOneName(names, listing);
     }
-    const bool nameless = std::any_of(rows_.begin(), rows_.end(), [](const auto& r) { return r.Has("nameless"); });
+    const bool nameless =
+        std::any_of(rows_.begin(), rows_.end(), [](const auto& r) { return r.Has("nameless"); });
     for (const json& entry : listing.Entries) {
         const bool numbered = nameless && entry["name"].get<std::string>().starts_with('#');
         EXPECT_TRUE(numbered || IsInRows(entry, paths, orphans)) << entry["path"] << " never was there";
@@ -186,7 +189,8 @@ Saved WhatWasSaved(const std::string& folder) {
 }
 
 // Files of one path stand beside each other with numbers; the one that fits is taken away.
-std::string TakeSavedFile(const ManifestRow& row, const std::string& target, const std::string& folder, Saved& saved) {
+std::string TakeSavedFile(const ManifestRow& row, const std::string& target, const std::string& folder,
+                          Saved& saved) {
     const std::size_t slash = target.rfind('/') + 1;
     std::string first;
     for (unsigned number = 1; number <= kMaxTwins; ++number) {

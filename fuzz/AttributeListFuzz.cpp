@@ -1,0 +1,24 @@
+// A volume whose table and attribute lists come from the input: the table is located, scanned, listed and
+// read.
+
+#include "FuzzSupport.h"
+#include "catalogue/Catalogue.h"
+#include "engine/LocateMft.h"
+#include "scans/BasicScan.h"
+
+using namespace thntfs;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::WorkPath();
+    fuzz::OpenPlainVolume(ConstBytes(data, std::min<std::size_t>(size, 1U << 16U)));
+    LocateMft();
+    CreateCatalogue();
+    BasicScan();
+    CloseCatalogue();
+    if (OpenCatalogue() != 0) {
+        fuzz::WalkCatalogue();
+        fuzz::ReadContents();
+    }
+    CloseCatalogue();
+    return 0;
+}

@@ -1,0 +1,122 @@
+#include "FuzzSupport.h"
+
+#include "catalogue/CatalogueReader.h"
+#include "catalogue/EntryWalk.h"
+#include "catalogue/FindEntry.h"
+#include "content/EntryContent.h"
+#include "platform/Text.h"
+#include "platform/WorkFolder.h"
+#include "support/VolumeBuilderMedium.h"
+
+#include <cstdlib>
+
+namespace thntfs::fuzz {
+
+namespace {
+
+constexpr std::uint64_t kMaxContents = 64;
+constexpr std::size_t kMediumBytes = 65536;
+constexpr std::uint64_t kDescriptionAt = 4; // behind the magic
+
+/// Takes what is written and forgets it, up to a megabyte: then it is full.
+class NullFile : public File {
+public:
+    ErrorCode Write(ConstBytes bytes) override {
+        written_ += bytes.size();
+        return written_ < (1U << 20U) ? kErrorNone : kErrorDiskFull;
+    }
+    ErrorCode WriteAt(std::uint64_t /*offset*/, ConstBytes bytes) override { return Write(bytes); }
+    ErrorCode ReadAt(std::uint64_t /*offset*/, Bytes /*buffer*/, std::size_t& got) override {
+        got = 0;
+        return kErrorNone;
+    }
+    ErrorCode Size(std::uint64_t& bytes) override {
+        bytes = written_;
+        return kErrorNone;
+    }
+    ErrorCode Sync() override { return kErrorNone; }
+
+private:
+    std::uint64_t written_ = 0;
+};
+
+} // namespace
+
+void OpenPlainVolume(ConstBytes bytes) {
+    ResetEngineState();
+    Engine.SourceDisk.MediaHandle =
+        std::make_unique<test::MemoryMedium>(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+    Engine.SourceDisk.BytesPerSector = 512;
+    Engine.SourceDisk.TotalSectors = bytes.size() / 512;
+    Engine.ScanRunFlag = 1;
+
+    PartitionCandidate candidate;
+    candidate.TotalSectors = Engine.SourceDisk.TotalSectors;
+    candidate.MftCluster = 1;
+    candidate.MftMirrCluster = 8;
+    candidate.MftSector = 8;
+    candidate.SectorsPerCluster = 8;
+    LoadVolumeParams(candidate);
+
+    auto table = std::make_unique<MftExtent>();
+    table->Clusters = 4;
+    table->StartCluster = 1;
+    Engine.VolumeParams.MftExtents.Append(std::move(table));
+}
+
+const std::string& WorkPath() {
+    static WorkFolder folder;
+    if (folder.Path().empty()) {
+        if (folder.Create() != kErrorNone) {
+            std::abort();
+        }
+        Engine.CatalogueFolder = folder.Path();
+    }
+    return folder.Path();
+}
+
+std::string WriteInfoFile(ConstBytes input) {
+    static const std::string medium = WorkPath() + "/medium.img";
+    test::WriteFileBytes(medium, std::vector<std::uint8_t>(kMediumBytes));
+    std::vector<std::uint8_t> bytes(input.begin(), input.end());
+    const std::u16string path = WideText(medium);
+    for (std::size_t i = 0; i <= path.size(); ++i) {
+        PutNumber<std::uint16_t>(bytes, kDescriptionAt + 2 * i, i < path.size() ? path[i] : u'\0');
+    }
+    const std::string file = WorkPath() + "/input";
+    test::WriteFileBytes(file, bytes);
+    return file;
+}
+
+void WalkCatalogue() {
+    try {
+        for (const WalkReach reach : {WalkReach::Part, WalkReach::Whole}) {
+            EntryWalk walk(WalkStart{}, reach);
+            while (walk.Next()) {
+            }
+        }
+        FindEntries("/a/b");
+        std::uint64_t bytes = 0;
+        std::uint32_t files = 0;
+        std::uint32_t folders = 0;
+        ListFolder(0, bytes, files, folders, true);
+    } catch (const CUserException&) {
+    }
+}
+
+void ReadContents() {
+    const std::uint64_t count = std::min(CatalogueEntryCount(), kMaxContents);
+    for (std::uint64_t id = 0; id < count; ++id) {
+        CatalogueItem item;
+        NullFile sink;
+        try {
+            Engine.BytesWritten = 0;
+            if (LoadEntryInto(static_cast<std::uint32_t>(id), item) != 0) {
+                ReadEntryContent(item, sink);
+            }
+        } catch (const CUserException&) {
+        }
+    }
+}
+
+} // namespace thntfs::fuzz

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "engine/EngineState.h"
+#include "platform/Bytes.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace thntfs::fuzz {
+
+/// A plain volume as the engine knows it: 512-byte sectors, clusters of 4 KiB, records of 1 KiB, index blocks
+/// of 4 KiB, starting at sector 0, with its Master File Table in clusters 1 to 4. The medium holds `bytes`.
+void OpenPlainVolume(ConstBytes bytes);
+
+/// A folder of this process's own under the system's temporary folder, made at the first call; the catalogue
+/// of the engine lies there too.
+const std::string& WorkPath();
+
+/// Writes a scan information file from an input, with the medium's path in it replaced by that of an image
+/// that opens. Gives the file's path.
+std::string WriteInfoFile(ConstBytes input);
+
+/// Walks all of the catalogue that is open, as a listing, a sum and a look for a path do.
+void WalkCatalogue();
+
+/// Reads the content of every file of the catalogue that is open, up to some number, into nothing.
+void ReadContents();
+
+} // namespace thntfs::fuzz

@@ -1,0 +1,20 @@
+// The index block check and the harvest of its folders, by a Turbo Scan over the input.
+
+#include "FuzzSupport.h"
+#include "catalogue/Catalogue.h"
+#include "scans/TurboScan.h"
+
+using namespace thntfs;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::WorkPath();
+    fuzz::OpenPlainVolume(ConstBytes(data, std::min<std::size_t>(size, 1U << 16U)));
+    CreateCatalogue();
+    TurboScan();
+    CloseCatalogue();
+    if (OpenCatalogue() != 0) {
+        fuzz::WalkCatalogue();
+    }
+    CloseCatalogue();
+    return 0;
+}

@@ -1,0 +1,145 @@
+#include "cli/CandidateText.h"
+#include "cli/Commands.h"
+#include "cli/CopySession.h"
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "disktools/CopyDisk.h"
+#include "engine/EngineState.h"
+#include "partitions/DiskEnumeration.h"
+#include "partitions/OpenSource.h"
+#include "partitions/PartitionTable.h"
+#include "platform/DiskIdentity.h"
+#include "platform/Medium.h"
+#include "platform/TargetDisk.h"
+
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+int Refuse(const std::string& text) {
+    PrintMessage(text);
+    return kExitFailed;
+}
+
+/// What a target is before it is written over.
+struct TargetFacts {
+    std::uint64_t Bytes = 0;
+    std::uint32_t SectorBytes = 0; ///< 0 for a file
+    Lines Contents;                ///< what will be lost, a line each
+};
+
+void AddDisk(Lines& lines, const DiskProperties& disk) {
+    const auto info = DescribeDisk(disk, 0);
+    if (!info) {
+        return;
+    }
+    lines.push_back("disk " + info->Name + ": " + info->Model + ", " + info->Size + ", serial number " + info->Serial);
+    for (const DiskPart& part : disk.Parts) {
+        lines.push_back("partition " + part.Path + ": " + ByteText(part.SizeBytes));
+    }
+}
+
+/// Opens the target as a source for a moment, as any disk whose volumes are listed.
+void AddVolumes(Lines& lines, const std::string& path) {
+    if (OpenSource(path) == kErrorNone && ReadPartitionTable() != 0) {
+        unsigned number = 0;
+        for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
+             candidate = candidate->Next.get()) {
+            lines.push_back("NTFS volume " + CandidateText(++number, *candidate));
+        }
+    }
+    ResetEngineState();
+}
+
+int LookAtTarget(const std::string& path, TargetFacts& facts) {
+    const MediumResult medium = OpenMedium(path);
+    if (medium.Handle == nullptr) {
+        return Refuse("Cannot open " + path + ": " + SystemErrorText(medium.Error));
+    }
+    facts.Bytes = medium.Handle->SizeBytes();
+    facts.SectorBytes = medium.Handle->DeviceSectorBytes();
+    for (const DiskProperties& disk : ListDisks()) {
+        if (SameMedium(disk.Path, path)) {
+            AddDisk(facts.Contents, disk);
+        }
+    }
+    AddVolumes(facts.Contents, path);
+    return kExitDone;
+}
+
+int CheckDisks(const Options& options) {
+    if (SameMedium(options.Target, options.Medium)) {
+        return Refuse(options.Target + " and " + options.Medium + " are one disk.");
+    }
+    if (SharesMedium(options.Medium, options.Target)) {
+        return Refuse(options.Medium + " lies on " + options.Target + " and would be written over by its own copy.");
+    }
+    if (IsMounted(options.Target)) {
+        return Refuse(options.Target + " is in use: it, or a part of it, is mounted or swapped to. Unmount it first.");
+    }
+    return kExitDone;
+}
+
+int CheckSize(const Options& options, const TargetFacts& facts) {
+    const std::uint64_t needed = CopiedBytes(Engine.SourceDisk.TotalSectors, kCopyTransferSectors);
+    if (facts.Bytes < needed) {
+        return Refuse(options.Target + " is too small: the copy needs " + std::to_string(needed) + " bytes (" +
+                      ByteText(needed) + "), and it has " + std::to_string(facts.Bytes) + " (" + ByteText(facts.Bytes) +
+                      ").");
+    }
+    if (facts.SectorBytes != 0 && facts.SectorBytes != Engine.SourceDisk.BytesPerSector) {
+        PrintMessage("Mind that " + options.Target + " has sectors of " + std::to_string(facts.SectorBytes) +
+                     " bytes and the source of " + std::to_string(Engine.SourceDisk.BytesPerSector) +
+                     ": the copy's partitions will not show there.");
+    }
+    return kExitDone;
+}
+
+int TellLoss(const Options& options, const TargetFacts& facts) {
+    PrintMessage("Cloning to " + options.Target + " (" + ByteText(facts.Bytes) + ") destroys all that is on it:");
+    for (const std::string& line : facts.Contents) {
+        PrintMessage("  " + line);
+    }
+    if (!options.Yes) {
+        PrintMessage("Nothing has been written. Give --yes to go on.");
+        return kExitWrongWords;
+    }
+    return kExitDone;
+}
+
+int OpenTarget(const Options& options) {
+    const ErrorCode code = OpenTargetDisk(options.Target, Engine.TargetDisk.WriteHandle);
+    if (code == kErrorSharingViolation) {
+        return Refuse(options.Target + " is in use by the system.");
+    }
+    return code == kErrorNone ? int{kExitDone}
+                              : Refuse("Cannot open " + options.Target + " for writing: " + SystemErrorText(code));
+}
+
+} // namespace
+
+int RunClone(const Options& options) {
+    CopySession session(options, CopyWork::Cloning);
+    TargetFacts facts;
+    int code = CheckDisks(options);
+    code = code == kExitDone ? LookAtTarget(options.Target, facts) : code;
+    code = code == kExitDone ? session.OpenSourceDisk() : code;
+    code = code == kExitDone ? CheckSize(options, facts) : code;
+    code = code == kExitDone ? TellLoss(options, facts) : code;
+    code = code == kExitDone ? OpenTarget(options) : code;
+    if (code != kExitDone) {
+        return code;
+    }
+    const std::uint64_t total = Engine.SourceDisk.TotalSectors;
+    CopyLedger ledger(CopyMap(total * Engine.SourceDisk.BytesPerSector));
+    session.Begin();
+    session.BeginPart("Cloning");
+    CopyDisk(*Engine.TargetDisk.WriteHandle, total, kCopyTransferSectors, &ledger);
+    return session.Finish(ledger, "");
+}
+
+} // namespace thntfs

@@ -1,0 +1,88 @@
+#include "cli/CopySession.h"
+
+#include "cli/CopyReport.h"
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "engine/EngineState.h"
+#include "partitions/OpenSource.h"
+#include "platform/Interrupt.h"
+
+namespace thntfs {
+
+void CopyHost::CopyPosition(std::uint64_t /*sectorsDone*/, std::uint64_t /*totalSectors*/) { JobProgress(); }
+void CopyHost::PassGate() { JobProgress(); }
+
+CopySession::CopySession(const Options& options, CopyWork work)
+    : options_(options)
+    , work_(work) {
+    OnInterrupt(Engine.ScanRunFlag);
+}
+
+CopySession::~CopySession() {
+    Host.Bar.End();
+    Host.TellSuppressed();
+    ResetEngineState();
+}
+
+int CopySession::OpenSourceDisk() {
+    const ErrorCode code = OpenSource(options_.Medium);
+    if (code == kErrorDirectory) {
+        PrintMessage(options_.Medium + " is a folder. Give a disk, or a file that holds the image of one.");
+        return kExitFailed;
+    }
+    if (code != kErrorNone) {
+        PrintMessage("Cannot open " + options_.Medium + ": " + SystemErrorText(code));
+        if (code == kErrorAccessDenied) {
+            PrintMessage("Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
+        }
+        return kExitFailed;
+    }
+    if (Engine.SourceDisk.TotalSectors == 0) {
+        PrintMessage(options_.Medium + " is empty: there is not one sector to copy.");
+        return kExitFailed;
+    }
+    return kExitDone;
+}
+
+void CopySession::Begin() { Engine.ScanRunFlag = WasInterrupted() ? 0 : 1; }
+
+void CopySession::BeginPart(const std::string& label) {
+    Engine.ProgressDone = 0;
+    Engine.ProgressTotal = 0;
+    Host.Bar.Begin(label, ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
+}
+
+int CopySession::Finish(const CopyLedger& ledger, const std::string& mapPath) {
+    Host.Bar.End();
+    Host.TellSuppressed();
+    CopyReport report;
+    report.Work = work_ == CopyWork::Imaging ? "Disk Imaging" : "Disk Cloning";
+    report.Source = options_.Medium;
+    report.Target = options_.Target;
+    report.MapPath = mapPath;
+    report.Failed = Host.HadFatal();
+    report.Stopped = Engine.ScanRunFlag == 0;
+    LogEnd(!report.Failed && !report.Stopped);
+    if (ledger.MapFailure() != kErrorNone) {
+        PrintMessage("Cannot write " + mapPath + ": " + SystemErrorText(ledger.MapFailure()) +
+                     " It tells less than has been read.");
+    }
+    Output output;
+    PrintCopyReport(output, report, ledger.Map(), options_.Json);
+    if (report.Failed) {
+        return output.Finish(kExitFailed);
+    }
+    const bool whole = ledger.Map().BytesOf(AreaState::Read) == ledger.Map().TotalBytes();
+    return output.Finish(whole && !report.Stopped && ledger.MapFailure() == kErrorNone ? kExitDone : kExitDoneInPart);
+}
+
+void CopySession::LogEnd(bool completed) const {
+    ProcessLogEntry entry;
+    entry.Name = std::string(completed ? "Completed " : "Aborted ") +
+                 (work_ == CopyWork::Imaging ? "Disk Imaging" : "Disk Cloning");
+    entry.Description = options_.Medium + " to " + options_.Target;
+    entry.Status = completed ? kLogDone : kLogFailed;
+    thntfs::Host().LogEvent(entry);
+}
+
+} // namespace thntfs
