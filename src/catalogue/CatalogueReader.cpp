@@ -88,21 +88,36 @@ std::unique_ptr<CatalogueItem> LoadEntry(std::uint32_t entryId) try {
     return nullptr;
 }
 
-ChildWalk::ChildWalk(std::uint32_t blockOffset)
+SeenBlocks::SeenBlocks()
+    : seen_(Engine.TreeFile == nullptr ? 0 : static_cast<std::size_t>(Engine.TreeFile->Size() / kStoredBlockBytes)) {}
+
+bool SeenBlocks::Mark(std::uint32_t blockOffset) {
+    const std::size_t block = blockOffset / kStoredBlockBytes;
+    if (block >= seen_.size() || seen_[block]) {
+        return false;
+    }
+    seen_[block] = true;
+    return true;
+}
+
+ChildWalk::ChildWalk(std::uint32_t blockOffset, SeenBlocks* seen)
     : blockOffset_(blockOffset)
-    , blocksLeft_(Engine.TreeFile == nullptr ? 1 : Engine.TreeFile->Size() / kStoredBlockBytes + 1) {
+    , seen_(seen) {
     LoadBlock();
 }
 
 void ChildWalk::LoadBlock() {
+    slot_ = 0;
+    if (seen_ != nullptr && !seen_->Mark(blockOffset_)) {
+        block_ = FolderBlock();
+        return;
+    }
     StoredBlock stored{};
     const ErrorCode code = ReadPaged(Engine.TreeFile.get(), blockOffset_, stored);
     if (code != kErrorNone) {
         RaiseFatal(code);
     }
     block_ = DecodeBlock(stored);
-    slot_ = 0;
-    --blocksLeft_;
 }
 
 std::uint32_t ChildWalk::Next() {
@@ -113,7 +128,7 @@ std::uint32_t ChildWalk::Next() {
                 return child;
             }
         }
-        if (block_.NextBlock == 0 || blocksLeft_ == 0) {
+        if (block_.NextBlock <= blockOffset_) {
             return 0;
         }
         blockOffset_ = block_.NextBlock;

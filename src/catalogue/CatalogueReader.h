@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace thntfs {
 
@@ -46,15 +47,27 @@ int LoadStoredEntry(std::uint32_t entryId, CatalogueEntry& entry);
 void AppendName(const CatalogueEntry& entry, std::u16string& names);
 void FillItem(const CatalogueEntry& entry, CatalogueItem& item);
 
-/// The children of a folder, in the order in which they were added. The walk ends also where a damaged chain
-/// runs in a circle.
+/// Which blocks of TreeFile a walk has been through. In a sound catalogue no two folders share one.
+class SeenBlocks {
+public:
+    SeenBlocks();
+    /// False where the block at this byte offset has been marked before, or lies outside the file.
+    bool Mark(std::uint32_t blockOffset);
+
+private:
+    std::vector<bool> seen_;
+};
+
+/// The children of a folder, in the order in which they were added. Blocks of a chain lie one behind the other in the
+/// file, as they were begun; a link that leads back ends the walk, so it ends in a damaged catalogue too.
 class ChildWalk {
 public:
-    /// `blockOffset`: byte offset in TreeFile of the folder's first block.
-    explicit ChildWalk(std::uint32_t blockOffset);
+    /// `blockOffset`: byte offset in TreeFile of the folder's first block. With `seen`, which must outlive the walk,
+    /// it ends at a block that has been marked there before.
+    explicit ChildWalk(std::uint32_t blockOffset, SeenBlocks* seen = nullptr);
 
-    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't
-    /// be read.
+    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't be
+    /// read.
     std::uint32_t Next();
 
 private:
@@ -63,7 +76,7 @@ private:
     FolderBlock block_;
     std::uint32_t blockOffset_;
     std::size_t slot_ = 0;
-    std::uint64_t blocksLeft_;
+    SeenBlocks* seen_;
 };
 
 /// Lists a folder: files first, then folders, each group in the reverse of the order in which they were

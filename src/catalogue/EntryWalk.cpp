@@ -24,7 +24,7 @@ EntryWalk::EntryWalk(WalkStart start, WalkReach reach)
     if (reach == WalkReach::Whole) {
         offsets_ = std::make_unique<FolderOffsets>();
     }
-    levels_.emplace_back(start.BlockOffset);
+    levels_.emplace_back(start.BlockOffset, &seenBlocks_);
 }
 
 bool EntryWalk::Next() {
@@ -66,7 +66,7 @@ bool EntryWalk::Plan() {
 bool EntryWalk::PlanNext() {
     if (entered_ && levels_.size() < kMaxPathUnits) {
         if (const auto blockOffset = BlockOffsetOf(*entered_)) {
-            levels_.emplace_back(*blockOffset);
+            levels_.emplace_back(*blockOffset, &seenBlocks_);
         }
     }
     entered_.reset();

@@ -56,6 +56,7 @@ private:
     std::unique_ptr<FolderOffsets> offsets_; ///< of a walk over the whole
 
     // The plan: ids in order, with the depth of each.
+    SeenBlocks seenBlocks_;
     std::vector<ChildWalk> levels_;
     std::vector<bool> seen_;
     std::optional<std::uint32_t> entered_; ///< the entry planned last; its children come next if it has any

@@ -2,6 +2,7 @@
 
 #include "platform/Text.h"
 
+#include <map>
 #include <memory>
 
 namespace thntfs {
@@ -20,7 +21,8 @@ public:
         : path_(path) {}
 
     void SearchFolder(std::uint32_t blockOffset, std::string_view rest) {
-        ChildWalk children(blockOffset);
+        // Each block once for each part of the path: names that repeat below themselves would multiply.
+        ChildWalk children(blockOffset, &seen_.try_emplace(rest.size()).first->second);
         for (std::uint32_t child = children.Next(); child != 0; child = children.Next()) {
             const std::unique_ptr<CatalogueItem> item = LoadEntry(child);
             if (item != nullptr && child != kRootEntryId) {
@@ -53,6 +55,7 @@ private:
     }
 
     std::string path_;
+    std::map<std::size_t, SeenBlocks> seen_; ///< by the length of the rest of the path
     std::vector<std::u16string> folders_;
 };
 

@@ -8,6 +8,7 @@
 #include "scans/RecordCataloguing.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 namespace thntfs {
@@ -155,22 +156,17 @@ void TableWalk::CatalogueBatch() {
 
 } // namespace
 
-int BasicScan() {
+int BasicScan() try {
     const VolumeParams& volume = Engine.VolumeParams;
     if (volume.FileRecordBytes == 0 || volume.BytesPerSector == 0 || volume.SectorsPerFileRecord == 0) {
         return 0;
     }
     TableWalk walk;
-    try {
-        walk.Run();
-    } catch (const CUserException&) {
-        // The user has seen the box. What was found so far makes the catalogue.
-    }
-    try {
-        FinishCatalogue(walk.NextEntryId());
-    } catch (const CUserException&) {
-    }
+    UpToFatalError([&walk] { walk.Run(); });
+    UpToFatalError([&walk] { FinishCatalogue(walk.NextEntryId()); });
     return walk.Stopped() ? 0 : 1;
+} catch (const std::bad_alloc&) {
+    return 0; // records of an absurd size
 }
 
 } // namespace thntfs

@@ -8,6 +8,7 @@
 #include "scans/RecordCataloguing.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 namespace thntfs {
@@ -151,23 +152,18 @@ void VolumeWalk::ReportProgress() const {
 
 } // namespace
 
-std::uint32_t TurboScan() {
+std::uint32_t TurboScan() try {
     const VolumeParams& volume = Engine.VolumeParams;
     std::uint32_t nextEntryId = kFirstEntryId;
     if (volume.FileRecordBytes != 0 && volume.SectorsPerFileRecord != 0 && volume.BytesPerSector != 0) {
         VolumeWalk walk;
-        try {
-            walk.Run();
-        } catch (const CUserException&) {
-            // The user has seen the box. What was found so far makes the catalogue.
-        }
+        UpToFatalError([&walk] { walk.Run(); });
         nextEntryId = walk.NextEntryId();
     }
-    try {
-        FinishCatalogue(nextEntryId);
-    } catch (const CUserException&) {
-    }
+    UpToFatalError([nextEntryId] { FinishCatalogue(nextEntryId); });
     return Engine.ScanRunFlag;
+} catch (const std::bad_alloc&) {
+    return 0; // records of an absurd size
 }
 
 } // namespace thntfs
