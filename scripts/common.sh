@@ -66,7 +66,7 @@ compiler_package() { command -v c++ >/dev/null || command -v g++ >/dev/null || e
 take_lock() {
     mkdir -p "$1"
     exec 9<"$1"
-    flock -n 9 && return
+    flock -w 2 9 && return
     say "Another build is at work in $1; waiting for it."
     flock 9
 }

@@ -17,7 +17,8 @@ constexpr std::uint64_t kGigabyte = 1073741824;
 
 std::string Scaled(std::uint64_t bytes, std::uint64_t unit, const char* name) {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.1f %s", static_cast<double>(bytes) / static_cast<double>(unit), name);
+    std::snprintf(text.data(), text.size(), "%.1f %s", static_cast<double>(bytes) / static_cast<double>(unit),
+                  name);
     return text.data();
 }
 

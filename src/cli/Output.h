@@ -8,8 +8,8 @@
 
 namespace thntfs {
 
-/// Standard output in big pieces. A reader that has gone away (a closed pipe) ends the output without a word; any
-/// other failure is told by Finish.
+/// Standard output in big pieces. A reader that has gone away (a closed pipe) ends the output without a word;
+/// any other failure is told by Finish.
 class Output {
 public:
     Output();
@@ -29,8 +29,8 @@ public:
     }
     void Flush();
 
-    /// Flushes, and gives the exit code that a command is to end with: `code`, or kExitFailed, with a message,
-    /// where the data could not be written.
+    /// Flushes, and gives the exit code that a command is to end with: `code`, or kExitFailed, with a
+    /// message, where the data could not be written.
     int Finish(int code);
 
     /// True where nothing that is still to come can be written.
@@ -48,8 +48,8 @@ private:
 /// Appends text with control characters shown as \xNN, so that a name can't drive the terminal.
 void AppendPrintable(std::string& out, std::string_view text);
 
-/// Prints one line to standard error, after wiping the progress bar if one stands there. Control characters in it
-/// (it may hold a name from the medium), line ends too, are shown as \xNN.
+/// Prints one line to standard error, after wiping the progress bar if one stands there. Control characters
+/// in it (it may hold a name from the medium), line ends too, are shown as \xNN.
 void PrintMessage(std::string_view text);
 
 /// A byte count for people: "512 bytes", "4.0 KB", "1.2 MB", "3.4 GB".

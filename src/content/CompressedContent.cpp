@@ -38,12 +38,16 @@ public:
         return static_cast<std::uint32_t>((raw_.size() - collected_) / Engine.VolumeParams.ClusterBytes);
     }
 
+    /// Bytes taken from the medium so far. A file can't take more than its volume holds.
+    [[nodiscard]] std::uint64_t Taken() const { return taken_; }
+
     void Collect(std::uint64_t sector, std::uint32_t clusters) {
         const Bytes place =
             Bytes(raw_).subspan(collected_, std::size_t{clusters} * Engine.VolumeParams.ClusterBytes);
         ReadSectorsCleared(place, sector);
         Engine.BytesBehindEnd += BytesBehindMedium(sector, place.size());
         collected_ += place.size();
+        taken_ += place.size();
         if (collected_ == raw_.size()) {
             Put(raw_); // a unit that compression would not have made smaller
         }
@@ -72,6 +76,7 @@ private:
     std::vector<std::uint8_t> raw_;
     std::vector<std::uint8_t> plain_;
     std::size_t collected_ = 0;
+    std::uint64_t taken_ = 0;
 };
 
 } // namespace
@@ -95,7 +100,7 @@ int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const Li
         }
         std::uint64_t sector = SectorOfCluster(run->StartCluster);
         std::uint32_t left = run->StartCluster == 0 ? 0 : run->Clusters;
-        while (left > 0 && Engine.BytesWritten < end && !ContentStopped()) {
+        while (left > 0 && Engine.BytesWritten < end && unit.Taken() < limit && !ContentStopped()) {
             const std::uint32_t clusters = std::min(left, unit.Room());
             unit.Collect(sector, clusters);
             left -= clusters;

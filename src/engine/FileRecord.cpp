@@ -10,6 +10,7 @@ namespace thntfs {
 namespace {
 
 constexpr std::uint32_t kIndexMagic = 0x58444E49; // "INDX"
+constexpr std::uint16_t kCommonStride = 512;
 
 // Where the first attribute must stand, from the place and size of the update sequence array.
 std::uint32_t ExpectedFirstAttribute(std::uint16_t usaOffset, std::uint16_t usaCount) {
@@ -39,7 +40,19 @@ bool UndoProtection(Bytes bytes, std::uint64_t limit, std::uint16_t sectorBytes)
     return true;
 }
 
-bool HeaderIsPlausible(ConstBytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes) {
+// Bytes between two protected words. Drivers protect every 512 bytes on disks with larger sectors too; the
+// count of the update sequence array tells. 0 where the count fits neither.
+std::uint16_t ProtectionStride(std::uint16_t usaCount, std::uint32_t blockBytes, std::uint16_t sectorBytes) {
+    const auto strides = static_cast<std::uint16_t>(usaCount - 1);
+    if (strides == static_cast<std::uint16_t>(blockBytes / sectorBytes)) {
+        return sectorBytes;
+    }
+    return sectorBytes > kCommonStride && strides == static_cast<std::uint16_t>(blockBytes / kCommonStride)
+               ? kCommonStride
+               : 0;
+}
+
+bool HeaderIsPlausible(ConstBytes record, std::uint32_t recordBytes) {
     if (U32At(record, 0) != kFileMagic) {
         return false;
     }
@@ -47,12 +60,8 @@ bool HeaderIsPlausible(ConstBytes record, std::uint32_t recordBytes, std::uint16
     if (usaOffset != kUsaOffsetOld && usaOffset != kUsaOffsetNew) {
         return false;
     }
-    const std::uint16_t usaCount = UsaCount(record);
-    if (static_cast<std::uint16_t>(usaCount - 1) != static_cast<std::uint16_t>(recordBytes / sectorBytes)) {
-        return false;
-    }
     const std::uint16_t first = FirstAttributeOffset(record);
-    if (first % 8 != 0 || first != ExpectedFirstAttribute(usaOffset, usaCount)) {
+    if (first % 8 != 0 || first != ExpectedFirstAttribute(usaOffset, UsaCount(record))) {
         return false;
     }
     const std::uint32_t used = BytesInUse(record);
@@ -149,17 +158,22 @@ int IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord& 
 } // namespace
 
 int CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes) {
-    if (sectorBytes < 2 || !HeaderIsPlausible(record, recordBytes, sectorBytes)) {
+    if (sectorBytes < 2 || !HeaderIsPlausible(record, recordBytes)) {
         return 0;
     }
-    return UndoProtection(record, BytesInUse(record), sectorBytes) && AttributesArePlausible(record) ? 1 : 0;
+    const std::uint16_t stride = ProtectionStride(UsaCount(record), recordBytes, sectorBytes);
+    return stride != 0 && UndoProtection(record, BytesInUse(record), stride) && AttributesArePlausible(record)
+               ? 1
+               : 0;
 }
 
 int CheckIndexBlock(Bytes block, std::uint16_t sectorBytes) {
     if (sectorBytes < 2 || U32At(block, 0) != kIndexMagic || UsaOffset(block) % 8 != 0) {
         return 0;
     }
-    if (UsaCount(block) - 1 != Engine.VolumeParams.SectorsPerIndexBlock) {
+    const std::uint32_t blockBytes = std::uint32_t{Engine.VolumeParams.SectorsPerIndexBlock} * sectorBytes;
+    const std::uint16_t stride = ProtectionStride(UsaCount(block), blockBytes, sectorBytes);
+    if (stride == 0) {
         return 0;
     }
     const std::uint32_t firstEntry = U32At(block, 24);
@@ -168,7 +182,7 @@ int CheckIndexBlock(Bytes block, std::uint16_t sectorBytes) {
     if (firstEntry % 8 != 0 || used > allocated || used % 8 != 0 || allocated % 8 != 0) {
         return 0;
     }
-    return UndoProtection(block, std::uint64_t{used} + 24, sectorBytes) ? 1 : 0;
+    return UndoProtection(block, std::uint64_t{used} + 24, stride) ? 1 : 0;
 }
 
 int IsMftRecord(Bytes record, std::uint32_t recordBytes) {

@@ -11,6 +11,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kKeptNameBytes = 200; // leaves room for what is appended
 constexpr unsigned kMaxTries = 100;
+constexpr unsigned kMaxLinks = 40;
 
 ErrorCode CodeOf(const std::error_code& failure) {
     if (failure == std::errc::permission_denied || failure == std::errc::operation_not_permitted) {
@@ -42,12 +43,12 @@ ErrorCode TryTarget(const std::string& target) {
 
 // A link keeps its place: the file that it leads to is replaced.
 std::string BehindLink(const std::string& path) {
+    fs::path place = path;
     std::error_code failure;
-    if (!fs::is_symlink(path, failure)) {
-        return path;
+    for (unsigned i = 0; i < kMaxLinks && fs::is_symlink(place, failure); ++i) {
+        place = place.parent_path() / fs::read_symlink(place, failure); // which may be missing
     }
-    const fs::path behind = fs::weakly_canonical(path, failure);
-    return failure ? path : behind.string();
+    return place.string();
 }
 
 } // namespace

@@ -2,16 +2,15 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
+#include "scaninfo/CatalogueRepair.h"
 #include "scaninfo/ScanInfoJob.h"
-
-#include <limits>
 
 namespace thntfs {
 
 namespace {
 
 constexpr std::uint32_t kSeparator = 0x01010101;
-constexpr std::uint64_t kMaxCatalogueFileBytes = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint64_t kMaxCatalogueFileBytes = 0xFFFFFF80; // offsets within it have 32 bits
 
 // No volume has records of more than a few sectors. Each read of a file begins with a buffer of this size.
 constexpr std::uint32_t kMaxFileRecordBytes = 1U << 20U;
@@ -50,8 +49,10 @@ void TakeCatalogueFile(ScanInfoReader& reader, const char* name) {
     if (size > reader.Left() || size > kMaxCatalogueFileBytes) {
         throw ScanInfoFault{};
     }
+    const std::string path = CataloguePath(name);
     std::unique_ptr<File> file;
-    CheckScanInfo(Files().Open(CataloguePath(name), FileMode::CreateAlways, file));
+    Files().Delete(path); // some file systems flush a file that was cut and written anew
+    CheckScanInfo(Files().Open(path, FileMode::CreateAlways, file));
     reader.CopyTo(*file, size);
 }
 
@@ -65,6 +66,7 @@ void ReadTreeInfo(ScanInfoReader& reader) {
     TakeCatalogueFile(reader, kEntryFileName);
     TakeSeparator(reader);
     TakeCatalogueFile(reader, kNameFileName);
+    RepairCatalogue();
     if (OpenCatalogue() == 0) {
         throw ScanInfoFault{kErrorNone, "Supporting Files couldn't be opened", {}};
     }

@@ -30,8 +30,7 @@ DataMap ReadDataMap(const PackedImage& image, const LayoutRow& layout, std::uint
 std::string HashWithHoles(ConstBytes saved, const DataMap& map, std::uint64_t size, const PackedImage& image,
                           const LayoutRow& layout);
 
-/// True where the table's own record can be known as such: it bears its name itself, and its protection
-/// counts the sectors that the boot sector tells.
+/// True where the table's own record can be known as such: it bears its name itself.
 bool TableIsKnown(const PackedImage& image, const LayoutRow& layout);
 
 /// Names in the records that lie partly in one piece of the table and partly in the next. Nothing of them can

@@ -52,6 +52,7 @@ void OnInterrupt(std::atomic<std::uint32_t>& flag) {
         }
     }
     SetAction(SIGPIPE, SIG_IGN);
+    SetAction(SIGXFSZ, SIG_IGN);
 }
 
 bool WasInterrupted() { return interrupted; }

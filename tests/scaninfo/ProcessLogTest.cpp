@@ -1,0 +1,71 @@
+#include "scaninfo/ProcessLog.h"
+
+#include "engine/EngineFixture.h"
+#include "support/FailingFileStore.h"
+#include "platform/WorkFolder.h"
+
+#include <regex>
+
+namespace thntfs::test {
+
+namespace {
+
+ProcessLogEntry Entry(const std::string& name, const std::string& description, const std::string& time = {}) {
+    ProcessLogEntry entry;
+    entry.Name = name;
+    entry.Description = description;
+    entry.Time = time;
+    return entry;
+}
+
+TEST(ProcessLogTest, ARowsTimeIsThatOfItsArrival) {
+    ProcessLog log;
+    ProcessLogEntry entry = Entry("first", "a step", "a time of the sender's");
+    log.Add(entry);
+    entry.Name = "second";
+    log.Add(entry);
+    ASSERT_EQ(log.Rows().size(), 2U);
+    EXPECT_EQ(log.Rows()[0].Name, "first");
+    EXPECT_EQ(log.Rows()[1].Name, "second");
+    const std::regex layout("(Sun|Mon|Tue|Wed|Thu|Fri|Sat) [A-Z][a-z]{2} [ 123][0-9] 20[0-9]{2} "
+                            "[0-9]{2}:[0-9]{2}:[0-9]{2}");
+    EXPECT_TRUE(std::regex_match(log.Rows()[0].Time, layout)) << log.Rows()[0].Time;
+    log.Clear();
+    EXPECT_TRUE(log.Rows().empty());
+}
+
+TEST(ProcessLogTest, TextOfTheFile) {
+    const std::string rule = "--------------------------------------------------------------------";
+    ASSERT_EQ(rule.size(), 68U);
+    const std::string head = "------------------------Tarnholt Volume Salvage (NTFS) v2\t.0.1  Process "
+                             "Log------------------------\r\n\r\n\r\n" +
+                             rule;
+    EXPECT_EQ(LogHeadText(), head);
+    EXPECT_EQ(LogRowText(Entry("Name", "Text", "Thu Nov 19 2026 06:21:28")),
+              "\r\nName\r\n\t\tText\r\n\t\tThu Nov 19 2026 06:21:28\r\n" + rule);
+
+    WorkFolder scratch;
+    ASSERT_EQ(scratch.Create(), kErrorNone);
+    ProcessLog log;
+    log.Add(Entry("one", ""));
+    log.Add(Entry("two", std::string(3U << 20U, 'x')));
+    std::unique_ptr<File> file;
+    ASSERT_EQ(Files().Open(scratch.Path() + "/log.txt", FileMode::CreateAlways, file), kErrorNone);
+    EXPECT_EQ(WriteLogText(log, *file), kErrorNone);
+    EXPECT_EQ(ReadWholeFile(scratch.Path() + "/log.txt"),
+              BytesOf(head + LogRowText(log.Rows()[0]) + LogRowText(log.Rows()[1])));
+}
+
+TEST(ProcessLogTest, AFailedWriteIsTold) {
+    WorkFolder scratch;
+    ASSERT_EQ(scratch.Create(), kErrorNone);
+    FailingFileStore store;
+    std::unique_ptr<File> file;
+    ASSERT_EQ(store.Open(scratch.Path() + "/log.txt", FileMode::CreateAlways, file), kErrorNone);
+    store.FailAt(1);
+    EXPECT_EQ(WriteLogText(ProcessLog(), *file), kErrorDiskFull);
+}
+
+} // namespace
+
+} // namespace thntfs::test
