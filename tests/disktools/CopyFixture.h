@@ -5,8 +5,10 @@
 #include "engine/EngineFixture.h"
 #include "platform/WorkFolder.h"
 
+#include <cstdlib>
 #include <functional>
 #include <optional>
+#include <unistd.h>
 
 namespace thntfs::test {
 
@@ -69,10 +71,15 @@ private:
     }
 };
 
-/// A folder of the test's own.
+/// A folder of the test's own, in memory where there is such a place: some tests sync after each transfer.
 class CopyFolder {
 public:
-    CopyFolder() { EXPECT_EQ(folder_.Create(), kErrorNone); }
+    CopyFolder() {
+        if (::access("/dev/shm", W_OK) == 0) {
+            ::setenv("TMPDIR", "/dev/shm", 0);
+        }
+        EXPECT_EQ(folder_.Create(), kErrorNone);
+    }
     [[nodiscard]] const std::string& Path() const { return folder_.Path(); }
     std::string operator/(const std::string& name) const { return folder_.Path() + "/" + name; }
 

@@ -160,16 +160,16 @@ TEST_F(PagedFileTest, KeepsWhatAFullDiskRefused) {
 
 TEST_F(PagedFileTest, AppendsWithFewCallsAndReadsNothingBack) {
     Store.FailAt(0);
-    PagedFile paged(Store.Wrap(Open(FileMode::CreateAlways)), 64, 0);
+    PagedFile paged(Store.Wrap(Open(FileMode::CreateAlways)), 256, 0);
     Store.FailAt(0);
     const std::vector<std::uint8_t> record(44, 1);
-    const std::uint64_t records = 64 * kPage / record.size();
+    const std::uint64_t records = 256 * kPage / record.size();
     for (std::uint64_t i = 0; i < records; ++i) {
         ASSERT_EQ(paged.WriteAt(i * record.size(), record), kErrorNone);
     }
     ASSERT_EQ(Store.Plan().Calls, 0U);
     ASSERT_EQ(paged.Flush(), kErrorNone);
-    EXPECT_EQ(Store.Plan().Calls, 4U) << "64 pages in writes of 16";
+    EXPECT_EQ(Store.Plan().Calls, 4U) << "256 pages in writes of 64";
     ASSERT_EQ(paged.Flush(), kErrorNone);
     EXPECT_EQ(Store.Plan().Calls, 4U);
 }

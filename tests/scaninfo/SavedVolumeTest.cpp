@@ -1,0 +1,94 @@
+#include "scaninfo/ScanInfoFixture.h"
+
+#include "content/EntryContent.h"
+#include "engine/LocateMft.h"
+#include "partitions/OpenSource.h"
+#include "partitions/PartitionTable.h"
+#include "scans/BasicScan.h"
+#include "support/Manifest.h"
+#include "support/Sha256.h"
+
+namespace thntfs::test {
+
+namespace {
+
+class HashingFile : public File {
+public:
+    ErrorCode Write(ConstBytes bytes) override {
+        hash_.Add(bytes);
+        return kErrorNone;
+    }
+    ErrorCode WriteAt(std::uint64_t, ConstBytes) override { return kErrorInvalidParameter; }
+    ErrorCode ReadAt(std::uint64_t, Bytes, std::size_t&) override { return kErrorInvalidParameter; }
+    ErrorCode Size(std::uint64_t&) override { return kErrorInvalidParameter; }
+    ErrorCode Sync() override { return kErrorNone; }
+    std::string Finish() { return hash_.Finish(); }
+
+private:
+    Sha256 hash_;
+};
+
+/// Scans of real volumes, kept and loaded again.
+class SavedVolumeTest : public ScanInfoFixture, public testing::WithParamInterface<std::string> {
+protected:
+    void TakeVolume(const PartitionCandidate& candidate) {
+        LoadVolumeParams(candidate);
+        ASSERT_EQ(LocateMft(), 1);
+        Engine.ScanRunFlag = 1;
+        ASSERT_EQ(CreateCatalogue(), 1);
+        ASSERT_EQ(BasicScan(), 1);
+        CloseCatalogue();
+        ASSERT_EQ(OpenCatalogue(), 1);
+    }
+
+    /// Each entry with the hash of its content.
+    static std::vector<std::string> Picture() {
+        std::vector<std::string> lines;
+        EntryWalk walk({}, WalkReach::Whole);
+        while (walk.Next()) {
+            const CatalogueItem& item = walk.Item();
+            lines.push_back(walk.Path() + " " + std::to_string(item.Size) + " " + std::to_string(item.Flags));
+            if (!item.IsFolder()) {
+                HashingFile content;
+                Engine.BytesWritten = 0;
+                ReadEntryContent(item, content);
+                lines.back() += " " + content.Finish();
+            }
+        }
+        return lines;
+    }
+};
+
+TEST_P(SavedVolumeTest, LoadsAsItWasScanned) {
+    const PackedImage image = PackedImageNamed(GetParam(), THNTFS_MANIFEST_FOLDER, THNTFS_VOLUME_FOLDER);
+    ASSERT_EQ(OpenSource(image.Path), kErrorNone);
+    ASSERT_EQ(ReadPartitionTable(), 1);
+    TakeVolume(*Engine.SourceDisk.Partitions.Last());
+    const std::vector<std::string> scanned = Picture();
+    const auto runs = RunsIn(Engine.VolumeParams.MftExtents);
+    const std::size_t candidates = Engine.SourceDisk.Partitions.Count();
+    EXPECT_GT(scanned.size(), 3U);
+    EXPECT_TRUE(SaveTreeInfo(At("scan.tht")).Done);
+    EXPECT_TRUE(SavePartitionInfo(At("found.thd")).Done);
+    const ByteVector saved = ReadWholeFile(At("scan.tht"));
+
+    EXPECT_TRUE(LoadTreeInfo(At("scan.tht")).Done);
+    EXPECT_EQ(Picture(), scanned);
+    EXPECT_EQ(RunsIn(Engine.VolumeParams.MftExtents), runs);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), candidates);
+    EXPECT_TRUE(SaveTreeInfo(At("again.tht")).Done);
+    EXPECT_EQ(ReadWholeFile(At("again.tht")), saved);
+
+    EXPECT_TRUE(LoadPartitionInfo(At("found.thd")).Done);
+    ASSERT_EQ(Engine.SourceDisk.Partitions.Count(), candidates);
+    TakeVolume(*Engine.SourceDisk.Partitions.Last());
+    EXPECT_EQ(Picture(), scanned);
+}
+
+INSTANTIATE_TEST_SUITE_P(Packed, SavedVolumeTest,
+                         testing::Values("basic", "compressed", "logical", "mftfrag", "names", "record4k", "sector4k"),
+                         [](const auto& info) { return info.param; });
+
+} // namespace
+
+} // namespace thntfs::test
