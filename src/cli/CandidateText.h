@@ -3,7 +3,6 @@
 #include "engine/StoredRecords.h"
 
 #include <nlohmann/json.hpp>
-
 #include <string>
 
 namespace thntfs {

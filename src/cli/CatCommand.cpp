@@ -50,11 +50,13 @@ Wanted FindByPath(const std::string& path, unsigned& count, bool& isFolder) {
 Wanted FindWanted(const Options& options) {
     unsigned count = 0;
     bool isFolder = false;
-    const std::string what = options.Record ? "record " + std::to_string(*options.Record) : options.Paths.front();
+    const std::string what =
+        options.Record ? "record " + std::to_string(*options.Record) : options.Paths.front();
     Wanted wanted = options.Record ? FindByRecord(*options.Record, count)
                                    : FindByPath(options.Paths.front(), count, isFolder);
     if (!wanted) {
-        PrintMessage(isFolder ? what + " is a folder" : "No file has the " + std::string(options.Record ? "" : "path ") + what);
+        PrintMessage(isFolder ? what + " is a folder"
+                              : "No file has the " + std::string(options.Record ? "" : "path ") + what);
     } else if (count > 1) {
         PrintMessage(std::to_string(count) + " files have the " + (options.Record ? "" : "path ") + what +
                      "; this is record " + std::to_string(wanted->RecordNumber) + ", " +
@@ -73,7 +75,8 @@ int TellOutcome(int result, std::uint64_t failedReads) {
         return kExitFailed;
     }
     if (Engine.BytesBehindEnd != 0) {
-        PrintMessage(std::to_string(Engine.BytesBehindEnd) + " bytes lie behind the end of the medium and are zeros");
+        PrintMessage(std::to_string(Engine.BytesBehindEnd) +
+                     " bytes lie behind the end of the medium and are zeros");
     }
     if (failedReads != 0) {
         PrintMessage(std::to_string(failedReads) + " reads failed; what could not be read is zeros");

@@ -37,7 +37,8 @@ void AddDisk(Lines& lines, const DiskProperties& disk) {
     if (!info) {
         return;
     }
-    lines.push_back("disk " + info->Name + ": " + info->Model + ", " + info->Size + ", serial number " + info->Serial);
+    lines.push_back("disk " + info->Name + ": " + info->Model + ", " + info->Size + ", serial number " +
+                    info->Serial);
     for (const DiskPart& part : disk.Parts) {
         lines.push_back("partition " + part.Path + ": " + ByteText(part.SizeBytes));
     }
@@ -76,10 +77,12 @@ int CheckDisks(const Options& options) {
         return Refuse(options.Target + " and " + options.Medium + " are one disk.");
     }
     if (SharesMedium(options.Medium, options.Target)) {
-        return Refuse(options.Medium + " lies on " + options.Target + " and would be written over by its own copy.");
+        return Refuse(options.Medium + " lies on " + options.Target +
+                      " and would be written over by its own copy.");
     }
     if (IsMounted(options.Target)) {
-        return Refuse(options.Target + " is in use: it, or a part of it, is mounted or swapped to. Unmount it first.");
+        return Refuse(options.Target +
+                      " is in use: it, or a part of it, is mounted or swapped to. Unmount it first.");
     }
     return kExitDone;
 }
@@ -87,9 +90,9 @@ int CheckDisks(const Options& options) {
 int CheckSize(const Options& options, const TargetFacts& facts) {
     const std::uint64_t needed = CopiedBytes(Engine.SourceDisk.TotalSectors, kCopyTransferSectors);
     if (facts.Bytes < needed) {
-        return Refuse(options.Target + " is too small: the copy needs " + std::to_string(needed) + " bytes (" +
-                      ByteText(needed) + "), and it has " + std::to_string(facts.Bytes) + " (" + ByteText(facts.Bytes) +
-                      ").");
+        return Refuse(options.Target + " is too small: the copy needs " + std::to_string(needed) +
+                      " bytes (" + ByteText(needed) + "), and it has " + std::to_string(facts.Bytes) + " (" +
+                      ByteText(facts.Bytes) + ").");
     }
     if (facts.SectorBytes != 0 && facts.SectorBytes != Engine.SourceDisk.BytesPerSector) {
         PrintMessage("Mind that " + options.Target + " has sectors of " + std::to_string(facts.SectorBytes) +
@@ -100,7 +103,8 @@ int CheckSize(const Options& options, const TargetFacts& facts) {
 }
 
 int TellLoss(const Options& options, const TargetFacts& facts) {
-    PrintMessage("Cloning to " + options.Target + " (" + ByteText(facts.Bytes) + ") destroys all that is on it:");
+    PrintMessage("Cloning to " + options.Target + " (" + ByteText(facts.Bytes) +
+                 ") destroys all that is on it:");
     for (const std::string& line : facts.Contents) {
         PrintMessage("  " + line);
     }
@@ -116,8 +120,9 @@ int OpenTarget(const Options& options) {
     if (code == kErrorSharingViolation) {
         return Refuse(options.Target + " is in use by the system.");
     }
-    return code == kErrorNone ? int{kExitDone}
-                              : Refuse("Cannot open " + options.Target + " for writing: " + SystemErrorText(code));
+    return code == kErrorNone
+               ? int{kExitDone}
+               : Refuse("Cannot open " + options.Target + " for writing: " + SystemErrorText(code));
 }
 
 } // namespace

@@ -21,7 +21,8 @@ std::uint64_t SectorsOf(std::uint64_t bytes) {
     return (bytes + sectorBytes - 1) / sectorBytes;
 }
 
-template <typename Take> void ForEachBadRange(const CopyMap& map, Take take) {
+template <typename Take>
+void ForEachBadRange(const CopyMap& map, Take take) {
     map.ForEach([&take](const Area& area) {
         if (area.State == AreaState::Bad) {
             const std::uint64_t first = area.First / Engine.SourceDisk.BytesPerSector;
@@ -34,8 +35,8 @@ std::string RangeText(const SectorRange& range) {
     if (range.Count == 1) {
         return "sector " + std::to_string(range.First);
     }
-    return "sectors " + std::to_string(range.First) + " to " + std::to_string(range.First + range.Count - 1) + " (" +
-           std::to_string(range.Count) + ")";
+    return "sectors " + std::to_string(range.First) + " to " + std::to_string(range.First + range.Count - 1) +
+           " (" + std::to_string(range.Count) + ")";
 }
 
 void PutBadRanges(Output& output, const CopyReport& report, const CopyMap& map) {
@@ -86,16 +87,17 @@ void PutJson(Output& output, const CopyReport& report, const CopyMap& map) {
         ranges.push_back({{"first", range.First}, {"count", range.Count}});
     });
     const auto none = nlohmann::ordered_json(nullptr);
-    const nlohmann::ordered_json object = {{"source", report.Source},
-                                           {"target", report.Target},
-                                           {"bytesPerSector", Engine.SourceDisk.BytesPerSector},
-                                           {"sectors", total},
-                                           {"copiedSectors", total - bad - unread},
-                                           {"badSectors", bad},
-                                           {"unreadSectors", unread},
-                                           {"badRanges", ranges},
-                                           {"complete", unread == 0 && !report.Failed},
-                                           {"map", report.MapPath.empty() ? none : nlohmann::ordered_json(report.MapPath)}};
+    const nlohmann::ordered_json object = {
+        {"source", report.Source},
+        {"target", report.Target},
+        {"bytesPerSector", Engine.SourceDisk.BytesPerSector},
+        {"sectors", total},
+        {"copiedSectors", total - bad - unread},
+        {"badSectors", bad},
+        {"unreadSectors", unread},
+        {"badRanges", ranges},
+        {"complete", unread == 0 && !report.Failed},
+        {"map", report.MapPath.empty() ? none : nlohmann::ordered_json(report.MapPath)}};
     output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
 }
 

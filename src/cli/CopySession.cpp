@@ -2,9 +2,9 @@
 
 #include "cli/CopyReport.h"
 #include "cli/ExitCode.h"
+#include "cli/OpenMediumStep.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
-#include "partitions/OpenSource.h"
 #include "platform/Interrupt.h"
 
 namespace thntfs {
@@ -25,17 +25,8 @@ CopySession::~CopySession() {
 }
 
 int CopySession::OpenSourceDisk() {
-    const ErrorCode code = OpenSource(options_.Medium);
-    if (code == kErrorDirectory) {
-        PrintMessage(options_.Medium + " is a folder. Give a disk, or a file that holds the image of one.");
-        return kExitFailed;
-    }
-    if (code != kErrorNone) {
-        PrintMessage("Cannot open " + options_.Medium + ": " + SystemErrorText(code));
-        if (code == kErrorAccessDenied) {
-            PrintMessage("Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
-        }
-        return kExitFailed;
+    if (const int code = OpenMediumOrTell(options_.Medium); code != kExitDone) {
+        return code;
     }
     if (Engine.SourceDisk.TotalSectors == 0) {
         PrintMessage(options_.Medium + " is empty: there is not one sector to copy.");
@@ -73,7 +64,8 @@ int CopySession::Finish(const CopyLedger& ledger, const std::string& mapPath) {
         return output.Finish(kExitFailed);
     }
     const bool whole = ledger.Map().BytesOf(AreaState::Read) == ledger.Map().TotalBytes();
-    return output.Finish(whole && !report.Stopped && ledger.MapFailure() == kErrorNone ? kExitDone : kExitDoneInPart);
+    return output.Finish(whole && !report.Stopped && ledger.MapFailure() == kErrorNone ? kExitDone
+                                                                                       : kExitDoneInPart);
 }
 
 void CopySession::LogEnd(bool completed) const {

@@ -19,7 +19,8 @@ public:
 
 enum class CopyWork { Imaging, Cloning };
 
-/// One run of the terminal program that copies a medium. Options::Medium is the source, Options::Target the target.
+/// One run of the terminal program that copies a medium. Options::Medium is the source, Options::Target the
+/// target.
 class CopySession {
 public:
     CopySession(const Options& options, CopyWork work);
@@ -27,7 +28,8 @@ public:
     CopySession(const CopySession&) = delete;
     CopySession& operator=(const CopySession&) = delete;
 
-    /// Opens the source as SourceDisk. Gives an exit code, and has said what is wrong where it isn't kExitDone.
+    /// Opens the source as SourceDisk. Gives an exit code, and has said what is wrong where it isn't
+    /// kExitDone.
     int OpenSourceDisk();
 
     /// The job may run from here on, unless it has been stopped already.
@@ -35,8 +37,8 @@ public:
     /// A new bar: "Imaging", "Reading bad places again".
     void BeginPart(const std::string& label);
 
-    /// Ends the job: tells in the log and on standard output what came of it, and gives the exit code. `mapPath` is
-    /// empty where there is no map file.
+    /// Ends the job: tells in the log and on standard output what came of it, and gives the exit code.
+    /// `mapPath` is empty where there is no map file.
     int Finish(const CopyLedger& ledger, const std::string& mapPath);
 
     CopyHost Host;

@@ -3,10 +3,9 @@
 #include "cli/Output.h"
 #include "partitions/DiskEnumeration.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 
 namespace thntfs {
 
@@ -14,7 +13,7 @@ namespace {
 
 struct Column {
     const char* Title;
-    std::string DiskInfo::* Field;
+    std::string DiskInfo::*Field;
     bool Right; ///< numbers stand at the right
 };
 

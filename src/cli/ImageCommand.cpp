@@ -49,12 +49,14 @@ public:
     /// Looks at all that may be wrong, then opens or makes the image and its map. Gives an exit code.
     int Open() {
         if (SharesMedium(options_.Target, options_.Medium)) {
-            return Refuse(options_.Target + " is or lies on the medium that is to be read. Writing there would destroy "
-                                            "what is to be recovered; choose a file on another disk.");
+            return Refuse(options_.Target +
+                          " is or lies on the medium that is to be read. Writing there would destroy "
+                          "what is to be recovered; choose a file on another disk.");
         }
         if (isOld_ && !options_.Resume && options_.Retries == 0) {
-            return Refuse(options_.Target + " exists already and is not written over; --resume goes on with an image "
-                                            "that was stopped.");
+            return Refuse(options_.Target +
+                          " exists already and is not written over; --resume goes on with an image "
+                          "that was stopped.");
         }
         if (!isOld_ && options_.Resume) {
             return Refuse("There is no " + options_.Target + " to go on with.");
@@ -97,12 +99,13 @@ private:
         std::string why;
         std::optional<SavedMap> saved = LoadMap(mapPath_, SourceBytes(), why);
         if (!saved) {
-            return Refuse("Cannot go on with " + options_.Target + ": its map " + mapPath_ + " can't be used: " + why +
-                          ".");
+            return Refuse("Cannot go on with " + options_.Target + ": its map " + mapPath_ +
+                          " can't be used: " + why + ".");
         }
         if (!serial_.empty() && !saved->Serial.empty() && saved->Serial != serial_) {
-            return Refuse("Cannot go on with " + options_.Target + ": it was taken from the disk with the serial number " +
-                          saved->Serial + ", and this one has " + serial_ + ".");
+            return Refuse("Cannot go on with " + options_.Target +
+                          ": it was taken from the disk with the serial number " + saved->Serial +
+                          ", and this one has " + serial_ + ".");
         }
         const ErrorCode code =
             Files().Open(options_.Target, FileMode::OpenReadWrite, Engine.TargetDisk.WriteHandle);
@@ -118,14 +121,17 @@ private:
             return Refuse("Cannot read " + options_.Target + ": " + SystemErrorText(code));
         }
         std::uint64_t coveredEnd = 0;
-        map.ForEach([&](const Area& area) { coveredEnd = area.State == AreaState::Unread ? coveredEnd : area.End(); });
+        map.ForEach([&](const Area& area) {
+            coveredEnd = area.State == AreaState::Unread ? coveredEnd : area.End();
+        });
         if (size < coveredEnd) {
-            return Refuse("Cannot go on with " + options_.Target + ": it holds less than its map " + mapPath_ + " says.");
+            return Refuse("Cannot go on with " + options_.Target + ": it holds less than its map " +
+                          mapPath_ + " says.");
         }
         const auto unread = map.Find(AreaState::Unread, 0);
         if ((!unread || unread->First != 0) && !IsStampedForSource()) {
-            return Refuse("Cannot go on with " + options_.Target + ": it is not an image of " + options_.Medium +
-                          ", which has another size or other sectors.");
+            return Refuse("Cannot go on with " + options_.Target + ": it is not an image of " +
+                          options_.Medium + ", which has another size or other sectors.");
         }
         TakeLedger(std::move(map));
         return CheckRoom(size);
@@ -144,8 +150,8 @@ private:
         const std::uint64_t needed = kMapRoomBytes + (bytes > bytesThere ? bytes - bytesThere : 0);
         const auto free = FreeBytesAt(options_.Target);
         if (free && *free < needed) {
-            return Refuse("There is too little room for " + options_.Target + ": it needs " + ByteText(needed) +
-                          ", and " + ByteText(*free) + " are free.");
+            return Refuse("There is too little room for " + options_.Target + ": it needs " +
+                          ByteText(needed) + ", and " + ByteText(*free) + " are free.");
         }
         return kExitDone;
     }
@@ -154,7 +160,9 @@ private:
         ledger_.emplace(std::move(map), mapPath_, MapComment(AbsolutePath(options_.Medium), serial_));
     }
 
-    static std::uint64_t SourceBytes() { return Engine.SourceDisk.TotalSectors * Engine.SourceDisk.BytesPerSector; }
+    static std::uint64_t SourceBytes() {
+        return Engine.SourceDisk.TotalSectors * Engine.SourceDisk.BytesPerSector;
+    }
 
     const Options& options_;
     std::string mapPath_;
@@ -190,7 +198,8 @@ int RunImage(const Options& options) {
         return code;
     }
     if (IsMounted(options.Medium)) {
-        PrintMessage(options.Medium + " is mounted: what is written to it meanwhile may stand in the image in part.");
+        PrintMessage(options.Medium +
+                     " is mounted: what is written to it meanwhile may stand in the image in part.");
     }
     TakeImageOf(session, target, options);
     return session.Finish(target.Ledger(), target.MapPath());

@@ -32,10 +32,12 @@ std::string SizeText(std::uint64_t bytes) {
     constexpr Unit kKilobytes{1024, "KB"};
     constexpr Unit kMegabytes{1048576, "MB"};
     constexpr Unit kGigabytes{1073741824, "GB"};
-    const Unit unit = bytes < kMegabytes.Bytes ? kKilobytes : bytes < kGigabytes.Bytes ? kMegabytes : kGigabytes;
+    const Unit unit = bytes < kMegabytes.Bytes   ? kKilobytes
+                      : bytes < kGigabytes.Bytes ? kMegabytes
+                                                 : kGigabytes;
     std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%7.3f %s", static_cast<double>(bytes) / static_cast<double>(unit.Bytes),
-                  unit.Name);
+    std::snprintf(text.data(), text.size(), "%7.3f %s",
+                  static_cast<double>(bytes) / static_cast<double>(unit.Bytes), unit.Name);
     return text.data();
 }
 
@@ -49,8 +51,10 @@ void LogImageChosen(const std::string& path, bool searched) {
     Log("Selected: " + path, "Image Processing Mode:" + ModeText(searched), kLogInProgress);
 }
 
-void LogDiskChosen(const std::string& name, const std::string& model, const std::string& serial, bool searched) {
-    Log(name + ",  " + model + ", Serial:" + serial, "Disk Processing :" + ModeText(searched), kLogInProgress);
+void LogDiskChosen(const std::string& name, const std::string& model, const std::string& serial,
+                   bool searched) {
+    Log(name + ",  " + model + ", Serial:" + serial, "Disk Processing :" + ModeText(searched),
+        kLogInProgress);
 }
 
 // The list of volumes shows the low 32 bits of a start sector, and the log what the list shows.
@@ -75,8 +79,8 @@ void LogSearchEnded(bool complete) {
 void LogBasicScanStarted() { Log("Processing Internal File System Structure...", kScanRule, kLogInProgress); }
 
 void LogBasicScanEnded(bool complete) {
-    Log(std::string(complete ? "Completed" : "Aborted") + " processing Internal File System Structure", kScanRule,
-        EndStatus(complete));
+    Log(std::string(complete ? "Completed" : "Aborted") + " processing Internal File System Structure",
+        kScanRule, EndStatus(complete));
 }
 
 void LogTreeFillStarted() { Log("Populating Directory Structure...", kScanRule, kLogInProgress); }

@@ -2,12 +2,12 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "cli/ScanInfoSteps.h"
 #include "platform/Dates.h"
 #include "platform/DiskIdentity.h"
 #include "platform/Paths.h"
 #include "scaninfo/ProcessLog.h"
 #include "scaninfo/ScanInfo.h"
-#include "cli/ScanInfoSteps.h"
 
 #include <utility>
 #include <vector>

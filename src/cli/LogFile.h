@@ -9,19 +9,19 @@
 
 namespace thntfs {
 
-/// The process log of a run, on its way into the file that --log names. Each record is written when it arrives:
-/// a disk in ruins gives millions of them, and a run that is cut off leaves its log up to there.
+/// The process log of a run, on its way into the file that --log names. Each record is written when it
+/// arrives: a disk in ruins gives millions of them, and a run that is cut off leaves its log up to there.
 class LogFile {
 public:
-    /// Creates the file, where the options name one, before any work is done. Gives an exit code; where it isn't
-    /// kExitDone, standard error says why. A place on the medium that is to be read is refused.
+    /// Creates the file, where the options name one, before any work is done. Gives an exit code; where it
+    /// isn't kExitDone, standard error says why. A place on the medium that is to be read is refused.
     int Open(const Options& options);
 
     /// Takes a record, with the present time. Does nothing where there is no file.
     void Add(ProcessLogEntry entry);
 
-    /// Closes the file. Gives the exit code that a run is to end with: `code`, or kExitFailed, with a message,
-    /// where it would be kExitDone but the log isn't complete.
+    /// Closes the file. Gives the exit code that a run is to end with: `code`, or kExitFailed, with a
+    /// message, where it would be kExitDone but the log isn't complete.
     int Finish(int code);
 
 private:

@@ -7,7 +7,6 @@
 #include "platform/Paths.h"
 
 #include <CLI/CLI.hpp>
-
 #include <iostream>
 #include <map>
 
@@ -18,29 +17,35 @@ namespace {
 constexpr const char* kVersion = "Tarnholt Volume Salvage (NTFS) 2.0.1";
 
 constexpr const char* kFooter =
-    "Paths use '/'. What stands under the volume's root is /folder/file; a file whose folder is lost stands under\n"
+    "Paths use '/'. What stands under the volume's root is /folder/file; a file whose folder is lost stands "
+    "under\n"
     "a folder named after the folder's record number, such as #1234/file.\n\n"
     "Exit status: 0 done, 1 failed, 2 wrong words, 3 done in part (each entry that failed is named).\n"
-    "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan, a save or a copy;\n"
-    "what was found so far is shown, and an image goes on with --resume. The medium is opened for reading only.";
+    "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan, a save or a "
+    "copy;\n"
+    "what was found so far is shown, and an image goes on with --resume. A disk or image that is read is "
+    "opened for\n"
+    "reading only; the target of clone is the one disk that is ever written.";
 
 // A whole number from a lowest one up to what an unsigned can hold.
 CLI::Validator WholeNumber(std::uint64_t lowest) {
     return CLI::Validator(
         [lowest](const std::string& text) {
-            const bool digits = text.size() <= 10 && text.find_first_not_of("0123456789") == std::string::npos;
+            const bool digits =
+                text.size() <= 10 && text.find_first_not_of("0123456789") == std::string::npos;
             const std::uint64_t number = digits && !text.empty() ? std::stoull(text) : ~std::uint64_t{0};
-            return number >= lowest && number <= 0xFFFFFFFFU
-                       ? std::string()
-                       : "'" + text + "' is not a whole number from " + std::to_string(lowest) + " to 4294967295";
+            return number >= lowest && number <= 0xFFFFFFFFU ? std::string()
+                                                             : "'" + text + "' is not a whole number from " +
+                                                                   std::to_string(lowest) + " to 4294967295";
         },
         "");
 }
 
 void AddMedium(CLI::App& command, Options& options) {
     command
-        .add_option("MEDIUM", options.Medium,
-                    "Disk image file or block device to read, or a scan information file (.tht, .thd) made from one")
+        .add_option(
+            "MEDIUM", options.Medium,
+            "Disk image file or block device to read, or a scan information file (.tht, .thd) made from one")
         ->required();
     command.add_flag("--json", options.Json, "Print JSON");
 }
@@ -49,7 +54,8 @@ void AddMedium(CLI::App& command, Options& options) {
 std::string ReadRange(const std::string& text, Options& options) {
     const std::size_t colon = text.find(':');
     const auto isNumber = [](const std::string& part) {
-        return !part.empty() && part.size() <= 18 && part.find_first_not_of("0123456789") == std::string::npos;
+        return !part.empty() && part.size() <= 18 &&
+               part.find_first_not_of("0123456789") == std::string::npos;
     };
     if (colon == std::string::npos || !isNumber(text.substr(0, colon)) || !isNumber(text.substr(colon + 1))) {
         return "'" + text + "' is no range of sectors; give FIRST:END, such as 0:2000000";
@@ -62,14 +68,17 @@ std::string ReadRange(const std::string& text, Options& options) {
 void AddSearch(CLI::App& command, Options& options) {
     static const std::map<std::string, SearchMethod> kMethods = {{"quick", SearchMethod::Quick},
                                                                  {"thorough", SearchMethod::Thorough}};
-    CLI::Option* search = command
-                              .add_option("--search", options.Search,
-                                          "Search the sectors for lost volumes in place of reading the partition "
-                                          "table: 'quick' looks at cylinder borders, 'thorough' at every sector")
-                              ->transform(CLI::CheckedTransformer(kMethods).description(""))
-                              ->type_name("quick|thorough");
-    command.add_option_function<std::string>(
-               "--range", [](const std::string&) {}, "Sectors that a thorough search looks at, the end not included")
+    CLI::Option* search =
+        command
+            .add_option("--search", options.Search,
+                        "Search the sectors for lost volumes in place of reading the partition "
+                        "table: 'quick' looks at cylinder borders, 'thorough' at every sector")
+            ->transform(CLI::CheckedTransformer(kMethods).description(""))
+            ->type_name("quick|thorough");
+    command
+        .add_option_function<std::string>(
+            "--range", [](const std::string&) {},
+            "Sectors that a thorough search looks at, the end not included")
         ->type_name("FIRST:END")
         ->check(CLI::Validator([&options](const std::string& text) { return ReadRange(text, options); }, ""))
         ->needs(search);
@@ -79,7 +88,8 @@ void AddSearch(CLI::App& command, Options& options) {
 CLI::Validator FileName() {
     return CLI::Validator(
         [](const std::string& text) {
-            return text.empty() || text.back() == '/' ? "'" + text + "' is not the name of a file" : std::string();
+            return text.empty() || text.back() == '/' ? "'" + text + "' is not the name of a file"
+                                                      : std::string();
         },
         "");
 }
@@ -95,20 +105,23 @@ void AddLog(CLI::App& command, Options& options) {
 }
 
 void AddTurbo(CLI::App& command, Options& options) {
-    command.add_flag("--turbo", options.Turbo,
-                     "Read the whole volume for records (Turbo Scan) in place of following its Master File Table");
+    command.add_flag(
+        "--turbo", options.Turbo,
+        "Read the whole volume for records (Turbo Scan) in place of following its Master File Table");
 }
 
 void AddPartition(CLI::App& command, Options& options) {
-    command.add_option("-p,--partition", options.Partition,
-                       "Number of the partition, as 'partitions' shows it; may be left out where there is one")
+    command
+        .add_option("-p,--partition", options.Partition,
+                    "Number of the partition, as 'partitions' shows it; may be left out where there is one")
         ->check(WholeNumber(1));
     AddSearch(command, options);
     AddTurbo(command, options);
 }
 
 void AddPartitions(CLI::App& app, Options& options) {
-    CLI::App* command = app.add_subcommand("partitions", "List the NTFS volumes of the partition table, or search for lost ones");
+    CLI::App* command = app.add_subcommand(
+        "partitions", "List the NTFS volumes of the partition table, or search for lost ones");
     AddMedium(*command, options);
     AddSearch(*command, options);
     AddSaveInfo(*command, options, "Keep the volumes found in a partition scan information file (.thd)");
@@ -116,8 +129,8 @@ void AddPartitions(CLI::App& app, Options& options) {
 }
 
 void AddScan(CLI::App& app, Options& options) {
-    CLI::App* command =
-        app.add_subcommand("scan", "Catalogue a volume along its Master File Table; print totals and folder tree");
+    CLI::App* command = app.add_subcommand(
+        "scan", "Catalogue a volume along its Master File Table; print totals and folder tree");
     AddMedium(*command, options);
     AddPartition(*command, options);
     command->add_flag("--files", options.Files, "Show files in the tree too");
@@ -128,7 +141,8 @@ void AddScan(CLI::App& app, Options& options) {
 void AddList(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("list", "List the entries of a folder, live and deleted");
     AddMedium(*command, options);
-    command->add_option("PATH", options.Paths, "Folder to list; without it, all top-level entries")->expected(0, 1);
+    command->add_option("PATH", options.Paths, "Folder to list; without it, all top-level entries")
+        ->expected(0, 1);
     AddPartition(*command, options);
     command->add_flag("-r,--recursive", options.Recursive, "List all that is below, too");
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
@@ -153,10 +167,13 @@ void AddCat(CLI::App& app, Options& options) {
 }
 
 void AddSave(CLI::App& app, Options& options) {
-    CLI::App* command = app.add_subcommand("save", "Save entries and all below them to a folder of another disk");
+    CLI::App* command =
+        app.add_subcommand("save", "Save entries and all below them to a folder of another disk");
     AddMedium(*command, options);
     command->add_option("PATH", options.Paths, "Files or folders to save; without any, everything");
-    command->add_option("--to", options.Target, "Folder to save to; made if missing")->type_name("DIR")->required();
+    command->add_option("--to", options.Target, "Folder to save to; made if missing")
+        ->type_name("DIR")
+        ->required();
     AddPartition(*command, options);
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
     command->callback([&options] { options.Chosen = Command::Save; });
@@ -191,8 +208,9 @@ void AddImage(CLI::App& app, Options& options) {
         ->check(FileName());
     command->add_flag("--resume", options.Resume, "Go on with an image that was stopped");
     command
-        ->add_option("--retry", options.Retries,
-                     "Read the bad sectors again, up to N times; of an image that is there already only these")
+        ->add_option(
+            "--retry", options.Retries,
+            "Read the bad sectors again, up to N times; of an image that is there already only these")
         ->check(WholeNumber(1));
     command->callback([&options] {
         options.Chosen = Command::Image;
@@ -201,9 +219,11 @@ void AddImage(CLI::App& app, Options& options) {
 }
 
 void AddClone(CLI::App& app, Options& options) {
-    CLI::App* command = app.add_subcommand("clone", "Copy a whole disk onto another one, which loses all that is on it");
+    CLI::App* command =
+        app.add_subcommand("clone", "Copy a whole disk onto another one, which loses all that is on it");
     AddSource(*command, options);
-    command->add_option("TARGET", options.Target, "Block device to write over, or a file that is large enough")
+    command
+        ->add_option("TARGET", options.Target, "Block device to write over, or a file that is large enough")
         ->required();
     command->add_flag("--yes", options.Yes, "Really do it; without it, what would be lost is shown");
     command->callback([&options] {
@@ -215,23 +235,24 @@ void AddClone(CLI::App& app, Options& options) {
 void TellMissingCommand(int argc, const char* const* argv) {
     PrintMessage(argc > 1 ? "'" + std::string(argv[1]) + "' is no command of this program."
                           : "Tell what is to be done with which disk or image.");
-    PrintMessage("The commands are disks, partitions, scan, list, cat, save, image and clone; --help explains them.");
+    PrintMessage(
+        "The commands are disks, partitions, scan, list, cat, save, image and clone; --help explains them.");
 }
 
 } // namespace
 
 std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode) {
     Options options;
-    CLI::App app("Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors of a disk or image.\n"
-                 "It never writes to the medium.",
-                 "th-ntfs-cli");
+    CLI::App app(
+        "Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors of a disk or image.\n"
+        "It never writes to the medium.",
+        "th-ntfs-cli");
     app.set_version_flag("--version", kVersion);
     app.footer(kFooter);
     app.require_subcommand(1);
     app.get_formatter()->label("TEXT", "");
     app.get_formatter()->label("UINT", "N");
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.get_formatter()->label("Subcommands", "Commands");
     app.get_formatter()->label("REQUIRED", "(required)");
     AddDisks(app, options);
     AddPartitions(app, options);
@@ -243,6 +264,9 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
     AddClone(app, options);
     for (CLI::App* command : app.get_subcommands({})) {
         AddLog(*command, options);
+    }
+    for (CLI::App* command : app.get_subcommands({})) {
+        command->group("Commands");
     }
     try {
         app.parse(argc, argv);

@@ -20,7 +20,7 @@ struct Options {
     std::optional<std::string> Log;      ///< file that gets the process log
     std::optional<std::string> SaveInfo; ///< scan, partitions: scan information file to be written
 
-    std::optional<SearchMethod> Search;      ///< the candidates come from a search, not from the partition table
+    std::optional<SearchMethod> Search; ///< the candidates come from a search, not from the partition table
     std::optional<std::uint64_t> RangeFirst; ///< Thorough search: first sector
     std::optional<std::uint64_t> RangeEnd;   ///< Thorough search: end sector, not included
     bool Turbo = false;                      ///< Turbo Scan in place of Basic Scan
@@ -37,8 +37,8 @@ struct Options {
     bool Yes = false;     ///< clone: the target may be written over
 };
 
-/// Reads the words. Gives the options, or nothing where the program ends here: help was shown, or the words are
-/// wrong and standard error says how; `exitCode` is then set.
+/// Reads the words. Gives the options, or nothing where the program ends here: help was shown, or the words
+/// are wrong and standard error says how; `exitCode` is then set.
 std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode);
 
 } // namespace thntfs

@@ -73,10 +73,12 @@ void ProgressBar::Wipe() {
 void ProgressBar::Draw(std::uint64_t done, std::uint64_t total, double now) {
     drawn_ = now;
     const double seconds = now - started_;
-    const double share = total == 0 ? 0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
+    const double share =
+        total == 0 ? 0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
     const double perSecond = static_cast<double>(done) / seconds;
     std::string line = label_ + " ";
-    std::string tail = " " + std::to_string(static_cast<unsigned>(share * 100)) + " %  " + RateText(perSecond);
+    std::string tail =
+        " " + std::to_string(static_cast<unsigned>(share * 100)) + " %  " + RateText(perSecond);
     if (share > 0) {
         tail += "  " + TimeText(seconds / share - seconds) + " left";
     }
@@ -95,7 +97,8 @@ std::string ProgressBar::RateText(double perSecond) const {
     if (unit_ == Unit::Record) {
         return std::to_string(static_cast<std::uint64_t>(perSecond)) + " records/s";
     }
-    return ByteText(static_cast<std::uint64_t>(perSecond * (unit_ == Unit::Sector ? sectorBytes_ : 1))) + "/s";
+    return ByteText(static_cast<std::uint64_t>(perSecond * (unit_ == Unit::Sector ? sectorBytes_ : 1))) +
+           "/s";
 }
 
 } // namespace thntfs

@@ -5,8 +5,8 @@
 
 namespace thntfs {
 
-/// The bar on standard error: label, bar, percent, rate and time left. It shows itself only on a terminal, and
-/// only once the work has taken a second; it is drawn anew at most ten times a second.
+/// The bar on standard error: label, bar, percent, rate and time left. It shows itself only on a terminal,
+/// and only once the work has taken a second; it is drawn anew at most ten times a second.
 class ProgressBar {
 public:
     /// What is counted, for the rate.

@@ -18,7 +18,9 @@ public:
     void Renamed(const std::string& path, const std::string& targetName) override {
         PrintMessage(path + ": saved under the name " + targetName);
     }
-    void Warned(const std::string& path, const std::string& text) override { PrintMessage(path + ": " + text); }
+    void Warned(const std::string& path, const std::string& text) override {
+        PrintMessage(path + ": " + text);
+    }
     void Failed(const std::string& path, const std::string& reason) override {
         PrintMessage(path + ": not saved: " + reason);
     }
@@ -26,8 +28,9 @@ public:
 
 int OpenTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
     if (SharesMedium(options.Target, medium)) {
-        PrintMessage(options.Target + " lies on the medium that is being read. Saving there would destroy what is "
-                                      "to be recovered; choose a folder on another disk.");
+        PrintMessage(options.Target +
+                     " lies on the medium that is being read. Saving there would destroy what is "
+                     "to be recovered; choose a folder on another disk.");
         return kExitFailed;
     }
     const ErrorCode code = TargetFolder::OpenTargetFolder(options.Target, true, target);
@@ -60,9 +63,9 @@ std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver)
 
 void PrintTotals(Output& output, const SaveTotals& totals, const Options& options) {
     if (options.Json) {
-        const nlohmann::ordered_json object = {{"files", totals.Files},     {"folders", totals.Folders},
-                                               {"bytes", totals.Bytes},     {"damaged", totals.Damaged},
-                                               {"failed", totals.Failed},   {"complete", !totals.Stopped},
+        const nlohmann::ordered_json object = {{"files", totals.Files},   {"folders", totals.Folders},
+                                               {"bytes", totals.Bytes},   {"damaged", totals.Damaged},
+                                               {"failed", totals.Failed}, {"complete", !totals.Stopped},
                                                {"target", options.Target}};
         output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
     } else {
@@ -87,10 +90,12 @@ int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked)
     if (Engine.ScanRunFlag == 0) {
         return kExitDoneInPart;
     }
-    if (totals.Files == 0 && totals.Folders == 0 && (totals.Failed != 0 || totals.Stopped || missing == asked)) {
+    if (totals.Files == 0 && totals.Folders == 0 &&
+        (totals.Failed != 0 || totals.Stopped || missing == asked)) {
         return asked == 0 && totals.Failed == 0 && !totals.Stopped ? kExitDone : kExitFailed;
     }
-    return totals.Failed != 0 || totals.Damaged != 0 || totals.Stopped || missing != 0 ? kExitDoneInPart : kExitDone;
+    return totals.Failed != 0 || totals.Damaged != 0 || totals.Stopped || missing != 0 ? kExitDoneInPart
+                                                                                       : kExitDone;
 }
 
 } // namespace
@@ -107,7 +112,8 @@ int RunSave(const Options& options) {
     }
     TerminalListener listener;
     EntrySaver saver(std::move(target), listener, options.Deleted);
-    const std::vector<std::string> paths = options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
+    const std::vector<std::string> paths =
+        options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
     session.Host.Bar.Begin("Saving", ProgressBar::Unit::Byte);
     std::size_t missing = 0;
     try {

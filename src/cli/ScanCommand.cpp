@@ -68,11 +68,11 @@ void PrintTree(Output& output, bool withFiles) {
 }
 
 void PrintTotals(Output& output, const ScanTotals& totals) {
-    output.Put("Files:   " + std::to_string(totals.Files) + ", of them " + std::to_string(totals.DeletedFiles) +
-               " deleted\nFolders: " + std::to_string(totals.Folders) + ", of them " +
-               std::to_string(totals.DeletedFolders) + " deleted, " + std::to_string(totals.LostFolders) +
-               " of these known by number alone\nBytes:   " + std::to_string(totals.Bytes) + " (" +
-               ByteText(totals.Bytes) + ")\n");
+    output.Put("Files:   " + std::to_string(totals.Files) + ", of them " +
+               std::to_string(totals.DeletedFiles) + " deleted\nFolders: " + std::to_string(totals.Folders) +
+               ", of them " + std::to_string(totals.DeletedFolders) + " deleted, " +
+               std::to_string(totals.LostFolders) + " of these known by number alone\nBytes:   " +
+               std::to_string(totals.Bytes) + " (" + ByteText(totals.Bytes) + ")\n");
 }
 
 void PrintJson(Output& output, const ScanTotals& totals, bool complete) {

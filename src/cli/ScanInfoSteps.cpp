@@ -55,13 +55,15 @@ int CheckSaveInfo(const Options& options, const std::string& medium) {
     }
     const std::string target = SaveInfoTarget(options);
     if (!DescriptionFits(medium)) {
-        PrintMessage("Scan information can't be saved for " + AbsolutePath(medium) + ": its path has more than " +
-                     std::to_string(kMaxDescriptionUnits) +
-                     " characters, or bytes that are no text. Open the medium by a link with a shorter path.");
+        PrintMessage(
+            "Scan information can't be saved for " + AbsolutePath(medium) + ": its path has more than " +
+            std::to_string(kMaxDescriptionUnits) +
+            " characters, or bytes that are no text. Open the medium by a link with a shorter path.");
         return kExitFailed;
     }
     if (SharesMedium(target, medium)) {
-        return TellFailedSave(target, "it lies on the medium that is being read; choose a place on another disk.");
+        return TellFailedSave(target,
+                              "it lies on the medium that is being read; choose a place on another disk.");
     }
     const ErrorCode code = TryToCreate(target);
     return code == kErrorNone ? int{kExitDone} : TellFailedSave(target, SystemErrorText(code));
@@ -102,9 +104,10 @@ void TellChangedMedium() {
     const DiskRecord& disk = Engine.SourceDisk;
     const std::uint64_t sectors = disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
     if (sectors != disk.TotalSectors) {
-        PrintMessage(NarrowText(disk.Description) + " has " + std::to_string(sectors) + " sectors now; it had " +
-                     std::to_string(disk.TotalSectors) +
-                     " when the information was saved. It may be another disk: what is read from it may be wrong.");
+        PrintMessage(
+            NarrowText(disk.Description) + " has " + std::to_string(sectors) + " sectors now; it had " +
+            std::to_string(disk.TotalSectors) +
+            " when the information was saved. It may be another disk: what is read from it may be wrong.");
     }
 }
 

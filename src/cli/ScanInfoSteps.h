@@ -7,8 +7,8 @@
 
 namespace thntfs {
 
-// What the terminal program does with scan information files. Each step that can fail gives an exit code, and has
-// said on standard error what went wrong.
+// What the terminal program does with scan information files. Each step that can fail gives an exit code, and
+// has said on standard error what went wrong.
 
 /// Refuses words that make no sense with a scan information file in place of the medium.
 int CheckSavedResultWords(const Options& options, ScanInfoKind kind);

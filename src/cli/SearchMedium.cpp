@@ -26,7 +26,8 @@ int SearchMedium(const Options& options, TerminalHost& host) {
     Engine.ScanRunFlag = 0;
     host.Bar.End();
     if (complete == 0) {
-        PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) + " volumes were found so far.");
+        PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) +
+                     " volumes were found so far.");
         return kExitDoneInPart;
     }
     return host.HadFatal() ? kExitDoneInPart : kExitDone;

@@ -4,6 +4,7 @@
 #include "cli/CandidateText.h"
 #include "cli/ExitCode.h"
 #include "cli/JobLog.h"
+#include "cli/OpenMediumStep.h"
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"
 #include "cli/SearchMedium.h"
@@ -86,7 +87,8 @@ int Session::LoadTree() {
     return kExitDone;
 }
 
-// The volume is taken while the load still runs: the log tells of the choice first, and then that the load is done.
+// The volume is taken while the load still runs: the log tells of the choice first, and then that the load is
+// done.
 int Session::LoadPartitions() {
     const ScanInfoResult result = LoadPartitionInfo(options_.Medium, [this] {
         TellChangedMedium();
@@ -106,19 +108,11 @@ int Session::TellNoVolume() {
 }
 
 int Session::OpenWantedMedium() {
-    const ErrorCode code = OpenSource(options_.Medium);
-    if (code == kErrorDirectory) {
-        PrintMessage(options_.Medium + " is a folder. Give a disk, or a file that holds the image of one.");
-        return kExitFailed;
+    if (const int code = OpenMediumOrTell(options_.Medium); code != kExitDone) {
+        return code;
     }
-    if (code != kErrorNone) {
-        PrintMessage("Cannot open " + options_.Medium + ": " + SystemErrorText(code));
-        if (code == kErrorAccessDenied) {
-            PrintMessage("Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
-        }
-        return kExitFailed;
-    }
-    if (Engine.SourceDisk.TotalSectors == 0 && (options_.Search || ScanInfoKindOfName(options_.Medium) == ScanInfoKind::None)) {
+    if (Engine.SourceDisk.TotalSectors == 0 &&
+        (options_.Search || ScanInfoKindOfName(options_.Medium) == ScanInfoKind::None)) {
         PrintMessage(options_.Medium + " is empty: there is not one sector to read.");
         return kExitFailed;
     }
@@ -185,8 +179,9 @@ int Session::TakeVolume() {
         LogPartitionChosen(number, *candidate);
     }
     if (!located && !options_.Turbo) {
-        PrintMessage("Critical structures not found: the Master File Table of this volume can't be located, neither "
-                     "where it should be nor by its mirror. --turbo finds its records by reading the whole volume.");
+        PrintMessage(
+            "Critical structures not found: the Master File Table of this volume can't be located, neither "
+            "where it should be nor by its mirror. --turbo finds its records by reading the whole volume.");
         return kExitFailed;
     }
     return kExitDone;
@@ -246,7 +241,8 @@ int Session::ScanVolume() {
     return ReopenCatalogue();
 }
 
-// The line of the log says that the tree is being filled; here it is only opened, and filled as it is printed.
+// The line of the log says that the tree is being filled; here it is only opened, and filled as it is
+// printed.
 int Session::ReopenCatalogue() {
     if (!options_.Turbo) {
         LogTreeFillStarted();

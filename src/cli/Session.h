@@ -10,8 +10,8 @@
 
 namespace thntfs {
 
-/// One run of the terminal program on one medium: the steps from the medium to an open catalogue. Each step gives
-/// an exit code, and has said on standard error what went wrong where it isn't kExitDone.
+/// One run of the terminal program on one medium: the steps from the medium to an open catalogue. Each step
+/// gives an exit code, and has said on standard error what went wrong where it isn't kExitDone.
 class Session {
 public:
     explicit Session(const Options& options);
@@ -19,15 +19,16 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Opens the medium and reads its partition table, or searches it for lost volumes. A scan information file in
-    /// its place is loaded; what it holds then needs no step of its own, and the later ones do nothing for it.
+    /// Opens the medium and reads its partition table, or searches it for lost volumes. A scan information
+    /// file in its place is loaded; what it holds then needs no step of its own, and the later ones do
+    /// nothing for it.
     int OpenMedium();
 
     /// Takes the wanted candidate into use and locates its Master File Table.
     int OpenVolume();
 
-    /// Runs the scan and opens its catalogue for reading. A scan that was stopped or that met a fatal error gives
-    /// kExitDone too: what it found is there, and Complete is false.
+    /// Runs the scan and opens its catalogue for reading. A scan that was stopped or that met a fatal error
+    /// gives kExitDone too: what it found is there, and Complete is false.
     int ScanVolume();
 
     /// All three steps.
@@ -58,8 +59,8 @@ private:
 
     const Options& options_;
     WorkFolder folder_;
-    ScanInfoProbe saved_;               ///< what the file in place of the medium is, if it is one
-    std::optional<int> volumeTaken_;    ///< exit code of taking a candidate, once that was done
+    ScanInfoProbe saved_;            ///< what the file in place of the medium is, if it is one
+    std::optional<int> volumeTaken_; ///< exit code of taking a candidate, once that was done
     bool complete_ = true;
 };
 

@@ -8,8 +8,8 @@
 
 namespace thntfs {
 
-/// The engine's host in the terminal: boxes and read errors become lines on standard error, progress a bar. All
-/// records go to the log file of the run; of what else failed, the command itself tells.
+/// The engine's host in the terminal: boxes and read errors become lines on standard error, progress a bar.
+/// All records go to the log file of the run; of what else failed, the command itself tells.
 class TerminalHost : public EngineHost {
 public:
     TerminalHost();
@@ -31,7 +31,8 @@ public:
     /// True once a fatal failure of the medium or of the catalogue has been shown.
     [[nodiscard]] bool HadFatal() const { return !lastBox_.empty(); }
 
-    /// True where the fatal failure was that nobody reads the output any more, which is no fault and isn't shown.
+    /// True where the fatal failure was that nobody reads the output any more, which is no fault and isn't
+    /// shown.
     [[nodiscard]] bool ReaderGone() const;
 
     ProgressBar Bar;

@@ -1,0 +1,26 @@
+#include "cli/OpenMediumStep.h"
+
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "partitions/OpenSource.h"
+
+namespace thntfs {
+
+int OpenMediumOrTell(const std::string& path) {
+    const ErrorCode code = OpenSource(path);
+    if (code == kErrorNone) {
+        return kExitDone;
+    }
+    if (code == kErrorDirectory) {
+        PrintMessage(path + " is a folder. Give a disk, or a file that holds the image of one.");
+        return kExitFailed;
+    }
+    PrintMessage("Cannot open " + path + ": " + SystemErrorText(code));
+    if (code == kErrorAccessDenied) {
+        PrintMessage(
+            "Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
+    }
+    return kExitFailed;
+}
+
+} // namespace thntfs
