@@ -87,7 +87,7 @@ TEST_P(SavedVolumeTest, LoadsAsItWasScanned) {
 
 INSTANTIATE_TEST_SUITE_P(Packed, SavedVolumeTest,
                          testing::Values("basic", "compressed", "logical", "mftfrag", "names", "record4k", "sector4k"),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& volume) { return volume.param; });
 
 } // namespace
 
