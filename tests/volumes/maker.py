@@ -411,6 +411,11 @@ def comb(width):
     return lambda lcn: lcn // width % 2 == 0
 
 
+def whole_records(v):
+    """Clusters in a group that holds whole file records, so that none is split between two runs of $MFT."""
+    return max(1, 1024 // v.cluster_bytes)
+
+
 def rubble(lcn):
     """Groups of one to some clusters, with no order in them."""
     return (lcn * 2654435761 >> 13) % 5 < 3
