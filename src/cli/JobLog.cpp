@@ -1,5 +1,7 @@
 #include "cli/JobLog.h"
 
+#include "partitions/DiskEnumeration.h"
+#include "platform/DiskIdentity.h"
 #include "platform/Host.h"
 
 #include <array>
@@ -18,6 +20,21 @@ void Log(const std::string& name, const std::string& description, std::uint8_t s
     entry.Description = description;
     entry.Status = status;
     Host().LogEvent(entry);
+}
+
+// The disk that a path names or is a partition of, as the list of disks shows it.
+DiskInfo DiskAt(const std::string& path) {
+    for (const DiskProperties& listed : ListDisks()) {
+        if (SameMedium(listed.Path, path)) {
+            if (auto disk = DescribeDisk(listed, listed.SizeBytes)) {
+                return *disk;
+            }
+        }
+    }
+    DiskInfo unlisted;
+    unlisted.Name = path;
+    unlisted.Serial = "N/A";
+    return unlisted;
 }
 
 std::string ModeText(bool searched) { return searched ? "Logical Volume Scan" : "Partition Table"; }
@@ -51,9 +68,9 @@ void LogImageChosen(const std::string& path, bool searched) {
     Log("Selected: " + path, "Image Processing Mode:" + ModeText(searched), kLogInProgress);
 }
 
-void LogDiskChosen(const std::string& name, const std::string& model, const std::string& serial,
-                   bool searched) {
-    Log(name + ",  " + model + ", Serial:" + serial, "Disk Processing :" + ModeText(searched),
+void LogDiskChosen(const std::string& path, bool searched) {
+    const DiskInfo disk = DiskAt(path);
+    Log(disk.Name + ",  " + disk.Model + ", Serial:" + disk.Serial, "Disk Processing :" + ModeText(searched),
         kLogInProgress);
 }
 

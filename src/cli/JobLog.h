@@ -11,8 +11,7 @@ namespace thntfs {
 
 /// The medium has been chosen. `searched`: its volumes come from a search, not from its partition table.
 void LogImageChosen(const std::string& path, bool searched);
-void LogDiskChosen(const std::string& name, const std::string& model, const std::string& serial,
-                   bool searched);
+void LogDiskChosen(const std::string& path, bool searched);
 
 /// A candidate has been taken into use; `number` counts from 1.
 void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate);

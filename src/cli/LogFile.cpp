@@ -25,8 +25,21 @@ bool WouldHarm(const std::string& path, const std::string& medium) {
     return SharesMedium(path, medium) || SharesMedium(path, ProbeScanInfo(medium).Medium);
 }
 
-bool IsSaveTarget(const std::string& path, const Options& options) {
-    return options.SaveInfo && AbsolutePath(path) == SaveInfoTarget(options);
+bool IsCopyTarget(const std::string& path, const Options& options) {
+    if (options.Chosen != Command::Image && options.Chosen != Command::Clone) {
+        return false;
+    }
+    const std::string target = AbsolutePath(options.Target);
+    const std::string place = AbsolutePath(path);
+    return place == target || place == target + ".map" || SharesMedium(path, options.Target);
+}
+
+// The file that the run itself is to write, so far as the words tell; empty where the log doesn't meet it.
+std::string TargetAt(const std::string& path, const Options& options) {
+    if (options.SaveInfo && AbsolutePath(path) == SaveInfoTarget(options)) {
+        return SaveInfoTarget(options);
+    }
+    return IsCopyTarget(path, options) ? options.Target : std::string();
 }
 
 } // namespace
@@ -40,8 +53,8 @@ int LogFile::Open(const Options& options) {
         PrintMessage("The log can't go to " + path_ + ", which is or lies on the medium that is to be read.");
         return kExitFailed;
     }
-    if (IsSaveTarget(path_, options)) {
-        PrintMessage("The log and the scan information can't both go to " + path_ + ".");
+    if (const std::string target = TargetAt(path_, options); !target.empty()) {
+        PrintMessage("The log can't go to " + path_ + ", since " + target + " is to be written.");
         return kExitWrongWords;
     }
     if (const ErrorCode code = Files().Open(path_, FileMode::CreateAlways, file_); code != kErrorNone) {

@@ -144,11 +144,11 @@ int Session::FindVolumes() {
 }
 
 void Session::LogMedium() const {
-    const std::string path = AbsolutePath(options_.Medium);
+    const bool searched = options_.Search.has_value();
     if (SourceIsDevice()) {
-        LogDiskChosen(path, "", "", options_.Search.has_value());
+        LogDiskChosen(options_.Medium, searched);
     } else {
-        LogImageChosen(path, options_.Search.has_value());
+        LogImageChosen(AbsolutePath(options_.Medium), searched);
     }
 }
 

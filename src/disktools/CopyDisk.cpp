@@ -89,7 +89,8 @@ private:
     /// A failed read of a single sector may have left a part of it.
     void ClearBadSectors(Bytes bytes, std::uint64_t first) const {
         for (const std::uint64_t sector : Engine.BadSectors) {
-            const Bytes bad = bytes.subspan(static_cast<std::size_t>((sector - first) * sectorBytes_), sectorBytes_);
+            const Bytes bad =
+                bytes.subspan(static_cast<std::size_t>((sector - first) * sectorBytes_), sectorBytes_);
             std::fill(bad.begin(), bad.end(), std::uint8_t{0});
         }
     }
@@ -162,7 +163,8 @@ std::uint64_t CopiedBytes(std::uint64_t totalSectors, std::uint32_t sectorsPerTr
     return std::max<std::uint64_t>(totalSectors, sectorsPerTransfer) * Engine.SourceDisk.BytesPerSector;
 }
 
-std::uint32_t CopyDisk(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer, CopyLedger* ledger) {
+std::uint32_t CopyDisk(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
+                       CopyLedger* ledger) {
     CopyLedger own(CopyMap(totalSectors * Engine.SourceDisk.BytesPerSector));
     return DiskCopier(target, totalSectors, sectorsPerTransfer, ledger != nullptr ? *ledger : own).Run(true);
 }

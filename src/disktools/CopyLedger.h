@@ -8,15 +8,15 @@
 
 namespace thntfs {
 
-/// The account of one copy and, where it has a map file, the keeping of that. The file never says of a byte that it is
-/// in the target before it has reached the target's device.
+/// The account of one copy and, where it has a map file, the keeping of that. The file never says of a byte
+/// that it is in the target before it has reached the target's device.
 class CopyLedger {
 public:
     /// An account in memory alone.
     explicit CopyLedger(CopyMap map);
 
-    /// With a map file, written anew about every `seconds` and never so often that a twentieth of the time goes into
-    /// it. `comment` stands in its head.
+    /// With a map file, written anew about every `seconds` and never so often that a twentieth of the time
+    /// goes into it. `comment` stands in its head.
     CopyLedger(CopyMap map, std::string mapPath, std::string comment, double seconds = 5);
 
     [[nodiscard]] const CopyMap& Map() const { return map_; }
@@ -24,19 +24,19 @@ public:
     /// Notes what has been handed to the target, in bytes.
     void Mark(std::uint64_t first, std::uint64_t size, AreaState state) { map_.Mark(first, size, state); }
 
-    /// Writes the map file without looking at the target: before a copy, which has given it nothing yet. Gives the
-    /// failure.
+    /// Writes the map file without looking at the target: before a copy, which has given it nothing yet.
+    /// Gives the failure.
     ErrorCode Begin(const CopyPlace& place);
 
-    /// To be called now and then: brings the map file up to date if it is time. Throws CUserException, after a box,
-    /// where the target's device did not take what was written.
+    /// To be called now and then: brings the map file up to date if it is time. Throws CUserException, after
+    /// a box, where the target's device did not take what was written.
     void Pass(File& target, const CopyPlace& place);
 
     /// Brings target and map file up to date at the end of a copy. Throws as Pass does.
     void Close(File& target, const CopyPlace& place);
 
-    /// How the last writing of the map file ended. It may fail without harm to the copy: the file then tells less than
-    /// is there.
+    /// How the last writing of the map file ended. It may fail without harm to the copy: the file then tells
+    /// less than is there.
     [[nodiscard]] ErrorCode MapFailure() const { return mapFailure_; }
 
 private:

@@ -59,7 +59,8 @@ Area CopyMap::AreaAt(Starts::const_iterator start) const {
     return {start->first, end - start->first, start->second};
 }
 
-/// The area that begins at a place, after it has been cut off there if need be; none at the end of the source.
+/// The area that begins at a place, after it has been cut off there if need be; none at the end of the
+/// source.
 CopyMap::Starts::iterator CopyMap::SplitAt(std::uint64_t place) {
     if (place >= totalBytes_) {
         return starts_.end();

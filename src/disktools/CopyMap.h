@@ -19,11 +19,12 @@ struct Area {
     [[nodiscard]] std::uint64_t End() const { return First + Size; }
 };
 
-/// The account of a copy: which bytes of the source are in the target, which could not be read, which are still to
-/// be read. Its areas touch each other, cover the source from end to end, and no two neighbours have one state.
+/// The account of a copy: which bytes of the source are in the target, which could not be read, which are
+/// still to be read. Its areas touch each other, cover the source from end to end, and no two neighbours have
+/// one state.
 ///
-/// Memory is bounded: beyond kMaxAreas areas the shortest read ones between bad ones count as bad, which costs
-/// another reading of them and loses nothing.
+/// Memory is bounded: beyond kMaxAreas areas the shortest read ones between bad ones count as bad, which
+/// costs another reading of them and loses nothing.
 class CopyMap {
 public:
     static constexpr std::size_t kMaxAreas = std::size_t{1} << 18U;
@@ -42,7 +43,8 @@ public:
     [[nodiscard]] std::size_t AreaCount() const { return starts_.size(); }
 
     /// Calls `take(area)` for all areas in order.
-    template <typename Take> void ForEach(Take take) const {
+    template <typename Take>
+    void ForEach(Take take) const {
         for (auto start = starts_.begin(); start != starts_.end(); ++start) {
             take(AreaAt(start));
         }

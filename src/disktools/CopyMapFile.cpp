@@ -37,7 +37,8 @@ ErrorCode ReadText(const std::string& path, std::string& text) {
 
 /// Comments are lines, so a text that goes into one must not end it.
 std::string OneLine(std::string text) {
-    std::replace_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
     return text;
 }
 
@@ -55,13 +56,15 @@ std::string SerialIn(std::string_view text) {
 
 std::string MapPathOf(const std::string& imagePath) { return imagePath + ".map"; }
 
-ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& place, const std::string& comment) {
+ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& place,
+                  const std::string& comment) {
     const std::string text = TextOfMap(map, place, comment);
     return ReplaceFile(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
 std::string MapComment(const std::string& source, const std::string& serial) {
-    std::string comment = "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\nSource: " + OneLine(source);
+    std::string comment =
+        "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\nSource: " + OneLine(source);
     if (!serial.empty()) {
         comment += std::string("\n") + kSerialWord + OneLine(serial);
     }

@@ -12,7 +12,8 @@ namespace thntfs {
 std::string MapPathOf(const std::string& imagePath);
 
 /// Puts a map into its file, whose old content stands until the new one is on the disk.
-ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& place, const std::string& comment);
+ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& place,
+                  const std::string& comment);
 
 /// What a map file tells.
 struct SavedMap {
@@ -23,8 +24,8 @@ struct SavedMap {
 /// The comment of a map: what was read, and the serial number of the disk if it is known.
 std::string MapComment(const std::string& source, const std::string& serial);
 
-/// Reads the map file of a source of `totalBytes`. None where that fails; `why` then says so in a sentence without its
-/// full stop.
+/// Reads the map file of a source of `totalBytes`. None where that fails; `why` then says so in a sentence
+/// without its full stop.
 std::optional<SavedMap> LoadMap(const std::string& path, std::uint64_t totalBytes, std::string& why);
 
 } // namespace thntfs

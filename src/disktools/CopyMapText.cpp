@@ -25,7 +25,8 @@ void AppendComment(std::string& out, std::string_view comment) {
     }
 }
 
-template <typename... Values> void AppendLine(std::string& out, const char* format, Values... values) {
+template <typename... Values>
+void AppendLine(std::string& out, const char* format, Values... values) {
     std::array<char, 80> line{};
     std::snprintf(line.data(), line.size(), format, values...);
     out += line.data();
@@ -50,7 +51,8 @@ Words WordsOf(std::string_view line) {
 bool ReadNumber(std::string_view word, std::uint64_t& number) {
     const bool hexadecimal = word.starts_with("0x") || word.starts_with("0X");
     word.remove_prefix(hexadecimal ? 2 : 0);
-    const auto result = std::from_chars(word.data(), word.data() + word.size(), number, hexadecimal ? 16 : 10);
+    const auto result =
+        std::from_chars(word.data(), word.data() + word.size(), number, hexadecimal ? 16 : 10);
     return result.ec == std::errc{} && result.ptr == word.data() + word.size();
 }
 
@@ -118,8 +120,8 @@ std::string TextOfMap(const CopyMap& map, const CopyPlace& place, std::string_vi
     text.reserve(map.AreaCount() * 36 + 512);
     AppendComment(text, comment);
     text += "# current_pos  current_status  current_pass\n";
-    AppendLine(text, "0x%08llX     %c               %u\n", static_cast<unsigned long long>(place.Position), place.Status,
-               place.Pass);
+    AppendLine(text, "0x%08llX     %c               %u\n", static_cast<unsigned long long>(place.Position),
+               place.Status, place.Pass);
     text += "#      pos        size  status\n";
     map.ForEach([&text](const Area& area) {
         AppendLine(text, "0x%08llX  0x%08llX  %c\n", static_cast<unsigned long long>(area.First),

@@ -6,9 +6,9 @@
 
 namespace thntfs {
 
-/// Keeps the device of a target busy while it is written from front to back: room is set aside ahead of the writing,
-/// and what was written starts on its way to the device behind it. The destructor gives back the room that was not
-/// used.
+/// Keeps the device of a target busy while it is written from front to back: room is set aside ahead of the
+/// writing, and what was written starts on its way to the device behind it. The destructor gives back the
+/// room that was not used.
 class TargetFlow {
 public:
     /// `endBytes` is the size that the target will have in the end.

@@ -16,19 +16,21 @@ struct DiskPart {
 struct DiskProperties {
     std::string Path; ///< of the block device, "/dev/sda"
     std::string Model;
-    std::string Serial; ///< readable
-    std::string Revision; ///< of the firmware
-    std::string Interface; ///< "USB", "IDE" (which SATA counts as), "SCSI", "NVMe", "MMC", "1394", "VirtIO", "Loop", "RAID"
+    std::string Serial;    ///< readable
+    std::string Revision;  ///< of the firmware
+    std::string Interface; ///< "USB", "IDE" (which SATA counts as), "SCSI", "NVMe", "MMC", "1394", "VirtIO",
+                           ///< "Loop", "RAID"
     std::string Media;     ///< "Fixed hard disk media", "Removable media" or "Disk image"
     std::uint32_t BytesPerSector = 0; ///< 0 for a drive without a medium
     std::uint64_t SizeBytes = 0;
-    std::uint64_t Cylinders = 0; ///< of the geometry that every system assumes today: 255 heads, 63 sectors a track
+    std::uint64_t Cylinders =
+        0; ///< of the geometry that every system assumes today: 255 heads, 63 sectors a track
     std::uint32_t Heads = 0;
     std::vector<DiskPart> Parts;
 };
 
-/// All disks: hard disks, memory cards and sticks, RAID arrays, and loop devices that show something. Ordered by kind,
-/// then as people count them (sda, sdb, …, sdaa).
+/// All disks: hard disks, memory cards and sticks, RAID arrays, and loop devices that show something. Ordered
+/// by kind, then as people count them (sda, sdb, …, sdaa).
 std::vector<DiskProperties> ListDisks();
 
 } // namespace thntfs

@@ -36,7 +36,8 @@ public:
     /// Waits until what was written has reached the device.
     virtual ErrorCode Sync() = 0;
 
-    // Hints for a file that is written from end to end. They change no byte and no size, and do nothing by default.
+    // Hints for a file that is written from end to end. They change no byte and no size, and do nothing by
+    // default.
 
     /// Sets room aside for bytes still to be written.
     virtual void Reserve(std::uint64_t offset, std::uint64_t bytes);

@@ -9,8 +9,8 @@
 namespace thntfs {
 
 /// Opens a disk for writing over: a block device that nothing else uses (a mounted one gives
-/// kErrorSharingViolation), or a regular file that exists already and keeps its size. The one place where a device is
-/// opened for anything but reading. The caller owns `file`, null on failure.
+/// kErrorSharingViolation), or a regular file that exists already and keeps its size. The one place where a
+/// device is opened for anything but reading. The caller owns `file`, null on failure.
 ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file);
 
 } // namespace thntfs

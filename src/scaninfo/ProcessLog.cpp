@@ -10,8 +10,9 @@ namespace thntfs {
 namespace {
 
 // The tab within the version is a part of the layout.
-constexpr std::string_view kHeader = "------------------------Tarnholt Volume Salvage (NTFS) v2\t.0.1  Process Log"
-                                     "------------------------\n\n";
+constexpr std::string_view kHeader =
+    "------------------------Tarnholt Volume Salvage (NTFS) v2\t.0.1  Process Log"
+    "------------------------\n\n";
 constexpr std::size_t kSeparatorHyphens = 68;
 constexpr std::size_t kPieceBytes = 1U << 20U;
 

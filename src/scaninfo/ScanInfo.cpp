@@ -31,7 +31,8 @@ ScanInfoKind KindOfMagic(ConstBytes start) {
 ScanInfoProbe ProbeScanInfo(const std::string& path) {
     ScanInfoProbe probe;
     const MediumResult file = OpenMedium(path);
-    if (file.Handle == nullptr || file.Handle->DeviceSectorBytes() != 0 || file.Handle->SizeBytes() < kMagicBytes) {
+    if (file.Handle == nullptr || file.Handle->DeviceSectorBytes() != 0 ||
+        file.Handle->SizeBytes() < kMagicBytes) {
         return probe;
     }
     std::array<std::uint8_t, kMagicBytes + kStoredDiskBytes> start{};

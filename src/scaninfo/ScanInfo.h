@@ -33,8 +33,8 @@ ScanInfoKind ScanInfoKindOfName(const std::string& path);
 /// The log's text for a file that isn't a scan information file of this kind.
 const char* InvalidScanInfoText(ScanInfoKind kind);
 
-/// True where a stored Description can hold the absolute form of a medium's path, so that a load finds it again:
-/// at most 255 UTF-16 units, and no bytes that aren't valid UTF-8.
+/// True where a stored Description can hold the absolute form of a medium's path, so that a load finds it
+/// again: at most 255 UTF-16 units, and no bytes that aren't valid UTF-8.
 bool DescriptionFits(const std::string& mediumPath);
 
 } // namespace thntfs

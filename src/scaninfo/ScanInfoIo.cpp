@@ -53,7 +53,8 @@ void ScanInfoReader::Take(Bytes wanted) {
 
 void ScanInfoReader::Fill() {
     window_.resize(kCopyBytes);
-    const Bytes wanted = Bytes(window_).first(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyBytes, Left())));
+    const Bytes wanted =
+        Bytes(window_).first(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyBytes, Left())));
     windowStart_ = position_;
     windowBytes_ = 0;
     CheckScanInfo(file_->ReadAt(position_, wanted, windowBytes_));

@@ -22,8 +22,8 @@ struct ScanInfoFault {
 inline constexpr std::size_t kCopyBytes = std::size_t{1} << 20U;
 
 /// Reads a scan information file from its beginning to its end, never beyond the size that it had when it was
-/// opened. All calls throw ScanInfoFault: with a code where reading fails, without one where the file ends before
-/// what was asked for.
+/// opened. All calls throw ScanInfoFault: with a code where reading fails, without one where the file ends
+/// before what was asked for.
 class ScanInfoReader {
 public:
     explicit ScanInfoReader(const std::string& path);
@@ -31,7 +31,8 @@ public:
     void Take(Bytes wanted);
     std::uint32_t TakeU32();
     std::uint64_t TakeU64();
-    template <std::size_t N> std::array<std::uint8_t, N> TakeRecord() {
+    template <std::size_t N>
+    std::array<std::uint8_t, N> TakeRecord() {
         std::array<std::uint8_t, N> record{};
         Take(record);
         return record;

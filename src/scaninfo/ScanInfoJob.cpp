@@ -26,7 +26,8 @@ std::string FailureText(const char* verb, const ScanInfoTexts& texts, ErrorCode 
     return std::string("Failed to ") + verb + " " + texts.Name + ". Errorcode =" + std::to_string(code);
 }
 
-// Runs the work; whatever it throws becomes a result. A fault without a code and a text leaves the text empty.
+// Runs the work; whatever it throws becomes a result. A fault without a code and a text leaves the text
+// empty.
 ScanInfoResult Attempt(const char* verb, const ScanInfoTexts& texts, const std::function<void()>& work) {
     ScanInfoResult result;
     try {

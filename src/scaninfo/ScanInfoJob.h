@@ -19,18 +19,21 @@ struct ScanInfoTexts {
     const char* Invalid;
 };
 
-inline constexpr ScanInfoTexts kTreeInfoTexts{"Partition scan information", "Not a valid Partition scan information."};
-inline constexpr ScanInfoTexts kPartitionInfoTexts{"Disk scan information", "Not a valid Disk scan information"};
+inline constexpr ScanInfoTexts kTreeInfoTexts{"Partition scan information",
+                                              "Not a valid Partition scan information."};
+inline constexpr ScanInfoTexts kPartitionInfoTexts{"Disk scan information",
+                                                   "Not a valid Disk scan information"};
 
-/// Writes a file at a place, from the log line that begins it to the one that ends it. `write` puts the content.
+/// Writes a file at a place, from the log line that begins it to the one that ends it. `write` puts the
+/// content.
 ScanInfoResult RunScanInfoSave(const ScanInfoPlace& place, const ScanInfoTexts& texts,
                                const std::function<void(ScanInfoWriter&)>& write);
 
 /// The line that begins a load.
 void LogScanInfoLoad(const ScanInfoPlace& place);
 
-/// The rest of a load, to the line that ends it. `read` takes the content, and throws what ends it. On failure
-/// the engine state is reset.
+/// The rest of a load, to the line that ends it. `read` takes the content, and throws what ends it. On
+/// failure the engine state is reset.
 ScanInfoResult RunScanInfoLoad(const ScanInfoPlace& place, const ScanInfoTexts& texts,
                                const std::function<void(ScanInfoReader&)>& read);
 

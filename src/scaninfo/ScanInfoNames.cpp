@@ -9,11 +9,12 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May",  "Jun",
+constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar",  "Apr", "May", "Jun",
                                               "Jul", "Aug", "Sept", "Oct", "Nov", "Dec"};
 constexpr std::array<const char*, 7> kWeekdays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
-template <std::size_t N> const char* TextAt(const std::array<const char*, N>& texts, int index) {
+template <std::size_t N>
+const char* TextAt(const std::array<const char*, N>& texts, int index) {
     return texts[static_cast<std::size_t>(index) % N];
 }
 
@@ -41,10 +42,13 @@ ScanInfoPlace ScanInfoPlaceOf(const std::string& path, std::string_view extensio
     return place;
 }
 
-std::string SuggestedTreeInfoName(const std::tm& local) { return "TH NTFS Scan Info# " + DayText(local) + ".tht"; }
+std::string SuggestedTreeInfoName(const std::tm& local) {
+    return "TH NTFS Scan Info# " + DayText(local) + ".tht";
+}
 
 std::string SuggestedPartitionInfoName(const std::tm& local) {
-    return std::string("TH NTFS Scan Information # ") + TextAt(kWeekdays, local.tm_wday) + ", " + DayText(local);
+    return std::string("TH NTFS Scan Information # ") + TextAt(kWeekdays, local.tm_wday) + ", " +
+           DayText(local);
 }
 
 } // namespace thntfs

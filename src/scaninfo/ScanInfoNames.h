@@ -16,8 +16,8 @@ struct ScanInfoPlace {
     std::string Target;   ///< path of the file itself
 };
 
-/// Where a path leads to. A file name whose last characters aren't exactly `extension`, in lower case, gets it
-/// appended in Target; an empty extension leaves the name alone.
+/// Where a path leads to. A file name whose last characters aren't exactly `extension`, in lower case, gets
+/// it appended in Target; an empty extension leaves the name alone.
 ScanInfoPlace ScanInfoPlaceOf(const std::string& path, std::string_view extension = {});
 
 /// The names that the save dialogs suggest on a day, such as "TH NTFS Scan Info# 19-Nov-2026.tht" and

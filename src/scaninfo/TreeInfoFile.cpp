@@ -75,16 +75,17 @@ void ReadTreeInfo(ScanInfoReader& reader) {
 } // namespace
 
 ScanInfoResult SaveTreeInfo(const std::string& path) {
-    return RunScanInfoSave(ScanInfoPlaceOf(path, kTreeInfoExtension), kTreeInfoTexts, [](ScanInfoWriter& writer) {
-        PutMediumAndCandidates(writer, kTreeInfoMagic);
-        PutVolume(writer);
-        writer.PutU32(kSeparator);
-        writer.PutFile(CataloguePath(kTreeFileName));
-        writer.PutU32(kSeparator);
-        writer.PutFile(CataloguePath(kEntryFileName));
-        writer.PutU32(kSeparator);
-        writer.PutFile(CataloguePath(kNameFileName));
-    });
+    return RunScanInfoSave(ScanInfoPlaceOf(path, kTreeInfoExtension), kTreeInfoTexts,
+                           [](ScanInfoWriter& writer) {
+                               PutMediumAndCandidates(writer, kTreeInfoMagic);
+                               PutVolume(writer);
+                               writer.PutU32(kSeparator);
+                               writer.PutFile(CataloguePath(kTreeFileName));
+                               writer.PutU32(kSeparator);
+                               writer.PutFile(CataloguePath(kEntryFileName));
+                               writer.PutU32(kSeparator);
+                               writer.PutFile(CataloguePath(kNameFileName));
+                           });
 }
 
 ScanInfoResult LoadTreeInfo(const std::string& path) {

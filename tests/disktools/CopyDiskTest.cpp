@@ -1,5 +1,4 @@
 #include "CopyFixture.h"
-
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 
@@ -175,7 +174,8 @@ TEST_F(CopyDiskTest, AFatalWriteEndsTheCopyWithoutALastPosition) {
     EXPECT_EQ(Copy(&ledger), 1U);
     ExpectBox(kErrorDiskFull);
     EXPECT_EQ(Reports.CopyPositions, (Pairs{{256, 1000}, {512, 1000}}));
-    EXPECT_EQ(PictureOf(ledger.Map()), "0+512+ 512+488?") << "half a transfer in the target counts for nothing";
+    EXPECT_EQ(PictureOf(ledger.Map()), "0+512+ 512+488?")
+        << "half a transfer in the target counts for nothing";
 }
 
 // After a sync that failed nobody knows what the device has.

@@ -66,7 +66,8 @@ public:
 
 private:
     void Put(std::uint64_t offset, ConstBytes bytes) {
-        Content.resize(std::max<std::size_t>(Content.size(), static_cast<std::size_t>(offset) + bytes.size()));
+        Content.resize(
+            std::max<std::size_t>(Content.size(), static_cast<std::size_t>(offset) + bytes.size()));
         std::copy(bytes.begin(), bytes.end(), Content.begin() + static_cast<std::ptrdiff_t>(offset));
     }
 };
@@ -125,8 +126,12 @@ protected:
 
     [[nodiscard]] static CopyMap FreshMap() { return CopyMap(Total() * SectorBytes()); }
 
-    std::uint32_t Copy(CopyLedger* ledger = nullptr) { return CopyDisk(Target, Total(), kCopyTransferSectors, ledger); }
-    std::uint32_t Resume(CopyLedger& ledger) { return ResumeCopy(Target, Total(), kCopyTransferSectors, ledger); }
+    std::uint32_t Copy(CopyLedger* ledger = nullptr) {
+        return CopyDisk(Target, Total(), kCopyTransferSectors, ledger);
+    }
+    std::uint32_t Resume(CopyLedger& ledger) {
+        return ResumeCopy(Target, Total(), kCopyTransferSectors, ledger);
+    }
 
     ByteVector Original;
     MemoryTarget Target;

@@ -1,6 +1,5 @@
-#include "disktools/CopyMapFile.h"
-
 #include "CopyFixture.h"
+#include "disktools/CopyMapFile.h"
 
 #include <filesystem>
 #include <random>
@@ -17,7 +16,8 @@ std::string Letters(const CopyMap& map) {
     map.ForEach([&letters](const Area& area) {
         EXPECT_EQ(area.First, letters.size()) << "areas touch each other";
         EXPECT_GT(area.Size, 0U);
-        EXPECT_TRUE(letters.empty() || letters.back() != static_cast<char>(area.State)) << "neighbours differ";
+        EXPECT_TRUE(letters.empty() || letters.back() != static_cast<char>(area.State))
+            << "neighbours differ";
         letters.append(area.Size, static_cast<char>(area.State));
     });
     return letters;
@@ -52,8 +52,9 @@ TEST(CopyMapTest, MarksAsAnArrayOfBytesWould) {
                     const std::size_t end = expected.find_first_not_of(static_cast<char>(wanted), place);
                     EXPECT_EQ(found->End(), std::min<std::uint64_t>(end, total));
                 }
-                EXPECT_EQ(map.BytesOf(wanted), static_cast<std::uint64_t>(std::count(
-                                                   expected.begin(), expected.end(), static_cast<char>(wanted))));
+                EXPECT_EQ(map.BytesOf(wanted),
+                          static_cast<std::uint64_t>(
+                              std::count(expected.begin(), expected.end(), static_cast<char>(wanted))));
             }
         }
     }
@@ -78,22 +79,24 @@ TEST(CopyMapTest, TheTextIsWhatOtherToolsRead) {
     CopyMap map(0x1234567890);
     map.Mark(0, 0x120000, AreaState::Read);
     map.Mark(0x8000, 0x200, AreaState::Bad);
-    EXPECT_EQ(TextOfMap(map, {0x120000, '?', 1}, "Map\nSource: /dev/sdz"), "# Map\n"
-                                                                           "# Source: /dev/sdz\n"
-                                                                           "# current_pos  current_status  current_pass\n"
-                                                                           "0x00120000     ?               1\n"
-                                                                           "#      pos        size  status\n"
-                                                                           "0x00000000  0x00008000  +\n"
-                                                                           "0x00008000  0x00000200  -\n"
-                                                                           "0x00008200  0x00117E00  +\n"
-                                                                           "0x00120000  0x1234447890  ?\n");
+    EXPECT_EQ(TextOfMap(map, {0x120000, '?', 1}, "Map\nSource: /dev/sdz"),
+              "# Map\n"
+              "# Source: /dev/sdz\n"
+              "# current_pos  current_status  current_pass\n"
+              "0x00120000     ?               1\n"
+              "#      pos        size  status\n"
+              "0x00000000  0x00008000  +\n"
+              "0x00008000  0x00000200  -\n"
+              "0x00008200  0x00117E00  +\n"
+              "0x00120000  0x1234447890  ?\n");
 }
 
 TEST(CopyMapTest, ReadsWhatOtherToolsWrite) {
     std::string why;
-    const auto map = MapOfText("# Rescue Logfile\r\n\n0x00000400  *\n"
-                               "0x00000000\t0x00000400  +  \n 0x400 512 *\n0x600 0x200 /\n0x800 0x200 -\n0xA00 0x200 ?",
-                               0xC00, why);
+    const auto map =
+        MapOfText("# Rescue Logfile\r\n\n0x00000400  *\n"
+                  "0x00000000\t0x00000400  +  \n 0x400 512 *\n0x600 0x200 /\n0x800 0x200 -\n0xA00 0x200 ?",
+                  0xC00, why);
     ASSERT_TRUE(map) << why;
     EXPECT_EQ(PictureOf(*map), "0+2+ 2+2? 4+1- 5+1?") << "what was tried by halves is still to be read";
 }

@@ -1,5 +1,4 @@
 #include "CopyFixture.h"
-
 #include "support/FailingFileStore.h"
 
 #include <set>
@@ -62,7 +61,8 @@ protected:
         }
         for (const MemoryTarget::WriteRequest& request : Target.Writes) {
             EXPECT_TRUE(isUnread(request.Offset, request.Size))
-                << "written " << request.Offset / 512 << "+" << request.Size / 512 << " of " << PictureOf(map);
+                << "written " << request.Offset / 512 << "+" << request.Size / 512 << " of "
+                << PictureOf(map);
         }
     }
 
@@ -129,8 +129,8 @@ TEST_F(ResumeCopyTest, SmallDiskThatWasStoppedStillGetsItsFullFirstTransfer) {
     EXPECT_EQ(Target.Content, Expected());
 }
 
-// Whatever call fails, with all that follow it, as when the machine stops: what the device has then agrees with the map
-// that is on the disk then.
+// Whatever call fails, with all that follow it, as when the machine stops: what the device has then agrees
+// with the map that is on the disk then.
 TEST_F(ResumeCopyTest, TheMapIsTrueWhereverTheRunIsKilled) {
     std::uint64_t kills = 0;
     for (std::uint64_t killAt = 1;; ++killAt) {
@@ -192,7 +192,8 @@ TEST_F(ResumeCopyTest, HolesBetweenWhatOthersHaveReadAreFilled) {
     EXPECT_EQ(Target.Content, Expected(kBad));
     ExpectOnlyUnreadTouched(map);
     EXPECT_EQ(Reports.CopyPositions,
-              (std::vector<TestHost::Pair>{{10, kSectors}, {250, kSectors}, {256, kSectors}, {500, kSectors}, {kSectors, kSectors}}));
+              (std::vector<TestHost::Pair>{
+                  {10, kSectors}, {250, kSectors}, {256, kSectors}, {500, kSectors}, {kSectors, kSectors}}));
 }
 
 // ---------------------------------------------------------------------- retry
@@ -203,7 +204,8 @@ TEST_F(ResumeCopyTest, RetryReadsTheBadSectorsOneByOneAndWritesWhatItGets) {
     ForgetRequests();
     Reports.Log.clear();
     // Sector 3 comes back at once, 256 at the third pass, the others never.
-    Plan->Rules = {{4, 1}, {255, 1}, {256, 1, kErrorSectorNotFound, 2}, {400, 1}, {520, 1, kErrorIoDevice}, {539, 1}};
+    Plan->Rules = {{4, 1},  {255, 1}, {256, 1, kErrorSectorNotFound, 2}, {400, 1}, {520, 1, kErrorIoDevice},
+                   {539, 1}};
     EXPECT_EQ(RetryBadSectors(Target, 4, ledger), 1U);
     EXPECT_EQ(Target.Content, Expected({4, 255, 400, 520, 539}));
     EXPECT_EQ(PictureOf(ledger.Map()),

@@ -38,12 +38,14 @@ protected:
     }
 
     [[nodiscard]] std::string Udev() const { return folder_.Path() + "/udev"; }
-    [[nodiscard]] std::vector<DiskProperties> List() const { return ListDisksIn(folder_.Path() + "/sys", Udev()); }
+    [[nodiscard]] std::vector<DiskProperties> List() const {
+        return ListDisksIn(folder_.Path() + "/sys", Udev());
+    }
 
     /// All eleven fields.
     static std::vector<std::string> Fields(const DiskInfo& i) {
-        return {i.Name,   i.MediaType, i.InterfaceType, i.TotalSectors, i.TotalCylinders, i.TotalHeads,
-                i.Size,   i.Serial,    i.Revision,      i.Model,        i.BytesPerSector};
+        return {i.Name, i.MediaType, i.InterfaceType, i.TotalSectors, i.TotalCylinders, i.TotalHeads,
+                i.Size, i.Serial,    i.Revision,      i.Model,        i.BytesPerSector};
     }
 
     static DiskInfo Describe(const DiskProperties& disk, std::uint64_t sizeBytes = 0) {
@@ -67,58 +69,85 @@ using Texts = std::vector<std::string>;
 
 TEST_F(DiskEnumerationTest, FieldsOfDisksOfAllKinds) {
     AddDisk("sda", "pci0000:00/ata1/host0/target0:0:0/0:0:0:0",
-            {{"dev", "8:0"}, {"size", "976773168"}, {"removable", "0"}, {"queue/logical_block_size", "512"},
-             {"device/vendor", "ATA     "}, {"device/model", "WDC WD5000AAKX-0"}, {"device/rev", "1H15"},
+            {{"dev", "8:0"},
+             {"size", "976773168"},
+             {"removable", "0"},
+             {"queue/logical_block_size", "512"},
+             {"device/vendor", "ATA     "},
+             {"device/model", "WDC WD5000AAKX-0"},
+             {"device/rev", "1H15"},
              {"device/vpd_pg80", std::string("\0\x80\0\x14     WD-WCC2E123456", 24)}});
     AddDisk("sdb", "pci0000:00/usb1/1-2/host6/target6:0:0/6:0:0:0",
-            {{"dev", "8:16"}, {"size", "30031872"}, {"removable", "1"}, {"queue/logical_block_size", "512"},
-             {"device/vendor", "SanDisk"}, {"device/model", "Cruzer Blade"}, {"device/rev", "1.00"}});
-    AddUdev("8:16", "S:disk/by-id/usb-x\nE:ID_MODEL_ENC=Cruzer\\x20Blade\\x20\\x20\nE:ID_SERIAL_SHORT=4C5300011\n"
-                    "E:ID_REVISION=1.27\nE:broken\n");
+            {{"dev", "8:16"},
+             {"size", "30031872"},
+             {"removable", "1"},
+             {"queue/logical_block_size", "512"},
+             {"device/vendor", "SanDisk"},
+             {"device/model", "Cruzer Blade"},
+             {"device/rev", "1.00"}});
+    AddUdev("8:16",
+            "S:disk/by-id/usb-x\nE:ID_MODEL_ENC=Cruzer\\x20Blade\\x20\\x20\nE:ID_SERIAL_SHORT=4C5300011\n"
+            "E:ID_REVISION=1.27\nE:broken\n");
     AddDisk("nvme0n1", "pci0000:00/nvme/nvme0",
-            {{"dev", "259:0"}, {"size", "250069680"}, {"queue/logical_block_size", "4096"},
-             {"device/model", "Samsung SSD 980 PRO"}, {"device/serial", "S5GX  "}, {"device/firmware_rev", "5B2QGXA7"}});
-    AddDisk("vda", "pci0000:00/virtio1", {{"dev", "254:0"}, {"size", "2097152"}, {"queue/logical_block_size", "512"},
-                                          {"device/vendor", "0x1af4"}, {"serial", "root"}});
+            {{"dev", "259:0"},
+             {"size", "250069680"},
+             {"queue/logical_block_size", "4096"},
+             {"device/model", "Samsung SSD 980 PRO"},
+             {"device/serial", "S5GX  "},
+             {"device/firmware_rev", "5B2QGXA7"}});
+    AddDisk("vda", "pci0000:00/virtio1",
+            {{"dev", "254:0"},
+             {"size", "2097152"},
+             {"queue/logical_block_size", "512"},
+             {"device/vendor", "0x1af4"},
+             {"serial", "root"}});
     const std::vector<DiskProperties> disks = List();
     ASSERT_EQ(disks.size(), 4U);
     EXPECT_EQ(Fields(Describe(disks[0])),
-              (Texts{"sda", "Fixed hard disk media", "IDE", "976773168", "60801", "255", "465.76 GB", "WD-WCC2E123456",
-                     "1H15", "WDC WD5000AAKX-0", "512"}));
+              (Texts{"sda", "Fixed hard disk media", "IDE", "976773168", "60801", "255", "465.76 GB",
+                     "WD-WCC2E123456", "1H15", "WDC WD5000AAKX-0", "512"}));
     EXPECT_EQ(Fields(Describe(disks[1])),
-              (Texts{"sdb", "Removable media", "USB", "30031872", "1869", "255", "14.32 GB", "4C5300011", "1.27",
-                     "USB mobile disk ", "512"}));
+              (Texts{"sdb", "Removable media", "USB", "30031872", "1869", "255", "14.32 GB", "4C5300011",
+                     "1.27", "USB mobile disk ", "512"}));
     EXPECT_EQ(disks[1].Model, "Cruzer Blade");
     EXPECT_EQ(Fields(Describe(disks[2])),
-              (Texts{"nvme0n1", "Fixed hard disk media", "NVMe", "31258710", "1945", "255", "119.24 GB", "S5GX",
-                     "5B2QGXA7", "Samsung SSD 980 PRO", "4096"}));
-    EXPECT_EQ(Fields(Describe(disks[3])),
-              (Texts{"vda", "Fixed hard disk media", "VirtIO", "2097152", "130", "255", "1.00 GB", "root", "",
-                     "Virtual disk", "512"}));
+              (Texts{"nvme0n1", "Fixed hard disk media", "NVMe", "31258710", "1945", "255", "119.24 GB",
+                     "S5GX", "5B2QGXA7", "Samsung SSD 980 PRO", "4096"}));
+    EXPECT_EQ(Fields(Describe(disks[3])), (Texts{"vda", "Fixed hard disk media", "VirtIO", "2097152", "130",
+                                                 "255", "1.00 GB", "root", "", "Virtual disk", "512"}));
 }
 
 TEST_F(DiskEnumerationTest, DisksAloneAndInTheOrderOfPeople) {
-    const std::vector<std::pair<std::string, std::string>> files = {{"size", "8"}, {"queue/logical_block_size", "512"}};
-    for (const char* name : {"sdaa", "sdz", "sda", "nvme1n1", "nvme10n1", "nvme0c0n1", "mmcblk0", "mmcblk0boot0", "dm-0",
-                             "zram0", "ram0", "sr0", "md127", "vda", "hda", "loop0", "loop7"}) {
+    const std::vector<std::pair<std::string, std::string>> files = {{"size", "8"},
+                                                                    {"queue/logical_block_size", "512"}};
+    for (const char* name :
+         {"sdaa", "sdz", "sda", "nvme1n1", "nvme10n1", "nvme0c0n1", "mmcblk0", "mmcblk0boot0", "dm-0",
+          "zram0", "ram0", "sr0", "md127", "vda", "hda", "loop0", "loop7"}) {
         AddDisk(name, "virtual", files);
     }
-    AddDisk("loop11", "virtual", {{"size", "8"}, {"queue/logical_block_size", "512"}, {"loop/backing_file", "/a b.img"}});
+    AddDisk("loop11", "virtual",
+            {{"size", "8"}, {"queue/logical_block_size", "512"}, {"loop/backing_file", "/a b.img"}});
     AddDisk("nvme2n1", "virtual", {{"size", "8"}, {"hidden", "1"}});
     AddDisk("md0", "virtual", {{"size", "0"}});
     Texts paths;
     for (const DiskProperties& disk : List()) {
         paths.push_back(disk.Path);
     }
-    EXPECT_EQ(paths, (Texts{"/dev/hda", "/dev/sda", "/dev/sdz", "/dev/sdaa", "/dev/nvme1n1", "/dev/nvme10n1", "/dev/vda",
-                            "/dev/mmcblk0", "/dev/md127", "/dev/loop11"}));
+    EXPECT_EQ(paths, (Texts{"/dev/hda", "/dev/sda", "/dev/sdz", "/dev/sdaa", "/dev/nvme1n1", "/dev/nvme10n1",
+                            "/dev/vda", "/dev/mmcblk0", "/dev/md127", "/dev/loop11"}));
     EXPECT_EQ(List().back().Model, "/a b.img");
     EXPECT_EQ(List().back().Media, "Disk image");
 }
 
 TEST_F(DiskEnumerationTest, PartitionsInTheirOrder) {
-    AddDisk("sda", "virtual", {{"size", "999"}, {"queue/logical_block_size", "512"}, {"sda10/partition", "10"},
-                               {"sda10/size", "3"}, {"sda2/partition", "2"}, {"sda2/size", "1"}, {"power/control", "on"}});
+    AddDisk("sda", "virtual",
+            {{"size", "999"},
+             {"queue/logical_block_size", "512"},
+             {"sda10/partition", "10"},
+             {"sda10/size", "3"},
+             {"sda2/partition", "2"},
+             {"sda2/size", "1"},
+             {"power/control", "on"}});
     ASSERT_EQ(List().size(), 1U);
     const std::vector<DiskPart> parts = List()[0].Parts;
     ASSERT_EQ(parts.size(), 2U);
@@ -133,16 +162,22 @@ TEST_F(DiskEnumerationTest, NoDisksAndNoSystemGiveAnEmptyList) {
 }
 
 TEST_F(DiskEnumerationTest, ADriveWithoutAMediumIsLeftOut) {
-    AddDisk("sdc", "usb1/x", {{"size", "0"}, {"queue/logical_block_size", "512"}, {"device/model", "Reader"}});
+    AddDisk("sdc", "usb1/x",
+            {{"size", "0"}, {"queue/logical_block_size", "512"}, {"device/model", "Reader"}});
     ASSERT_EQ(List().size(), 1U);
     EXPECT_FALSE(DescribeDisk(List()[0], 0));
 }
 
 TEST_F(DiskEnumerationTest, SizesForPeople) {
     const std::pair<std::uint64_t, const char*> cases[] = {
-        {500ULL << 20U, "500.00 MB"},       {1ULL << 30U, "1.00 GB"},      {(1ULL << 30U) - 1, "1.00 GB"},
-        {1023ULL << 20U, "1023.00 MB"},     {1, "0.00 MB"},                {500107862016, "465.76 GB"},
-        {8ULL << 40U, "8192.00 GB"},        {123456789012345, "114978.09 GB"},
+        {500ULL << 20U, "500.00 MB"},
+        {1ULL << 30U, "1.00 GB"},
+        {(1ULL << 30U) - 1, "1.00 GB"},
+        {1023ULL << 20U, "1023.00 MB"},
+        {1, "0.00 MB"},
+        {500107862016, "465.76 GB"},
+        {8ULL << 40U, "8192.00 GB"},
+        {123456789012345, "114978.09 GB"},
     };
     for (const auto& [bytes, text] : cases) {
         EXPECT_EQ(Describe(Sized(bytes)).Size, text) << bytes;
@@ -185,12 +220,12 @@ TEST_F(DiskEnumerationTest, OnlyASerialNumberInHexadecimalWordsIsDecoded) {
 TEST_F(DiskEnumerationTest, DecodesSerialsStepByStep) {
     const std::pair<const char*, const char*> cases[] = {
         {"", " "},
-        {"3141", " A1"},                 // swapped in the group
+        {"3141", " A1"}, // swapped in the group
         {"31413141", " A1A1"},
-        {"31414", " A1"},                // a half pair stands for 0x40, which is dropped
-        {"61316131", " 11"},             // 0x61 is no capital
-        {"20&._20", " "},                // all trimmed
-        {"zz4A", " J3"},                 // letters behind f count on: z is 35, 35 * 16 is cut to 0x30
+        {"31414", " A1"},    // a half pair stands for 0x40, which is dropped
+        {"61316131", " 11"}, // 0x61 is no capital
+        {"20&._20", " "},    // all trimmed
+        {"zz4A", " J3"},     // letters behind f count on: z is 35, 35 * 16 is cut to 0x30
     };
     for (const auto& [text, serial] : cases) {
         EXPECT_EQ(DecodeDiskSerial(text), serial) << text;

@@ -61,14 +61,14 @@ inline void LayDisk(ByteVector& bytes, const Laid& laid) {
         const std::size_t record = Grow(bytes, 76);
         Lay(bytes, record + 8, 8, candidate.StartSector);
         Lay(bytes, record + 16, 8, candidate.TotalSectors);
-        Lay(bytes, record + 24, 8, candidate.StartSector + 32);      // sector of the table
-        Lay(bytes, record + 32, 8, 4);                               // its cluster
-        Lay(bytes, record + 40, 8, 1024);                            // its mirror's
-        Lay(bytes, record + 48, 8, 0x1122334455667788);              // serial
-        Lay(bytes, record + 56, 4, 4096);                            // index block
+        Lay(bytes, record + 24, 8, candidate.StartSector + 32);         // sector of the table
+        Lay(bytes, record + 32, 8, 4);                                  // its cluster
+        Lay(bytes, record + 40, 8, 1024);                               // its mirror's
+        Lay(bytes, record + 48, 8, 0x1122334455667788);                 // serial
+        Lay(bytes, record + 56, 4, 4096);                               // index block
         Lay(bytes, record + 60, 4, 512U * candidate.SectorsPerCluster); // cluster
-        Lay(bytes, record + 64, 2, 1024);                            // file record
-        Lay(bytes, record + 66, 2, 512);                             // sector
+        Lay(bytes, record + 64, 2, 1024);                               // file record
+        Lay(bytes, record + 66, 2, 512);                                // sector
         Lay(bytes, record + 68, 1, candidate.SectorsPerCluster);
         Lay(bytes, record + 69, 1, 2);
         Lay(bytes, record + 70, 1, 8);

@@ -1,8 +1,7 @@
-#include "scaninfo/ScanInfoFixture.h"
-
 #include "catalogue/FindEntry.h"
 #include "content/EntryContent.h"
 #include "engine/LocateMft.h"
+#include "scaninfo/ScanInfoFixture.h"
 
 #include <random>
 
@@ -44,8 +43,8 @@ protected:
         ExpectReset();
     }
 
-    /// All that is done with a loaded result: the walk with its totals, finding by path, listing of folders as the
-    /// views do it, the content of each file. Gives the number of entries walked.
+    /// All that is done with a loaded result: the walk with its totals, finding by path, listing of folders
+    /// as the views do it, the content of each file. Gives the number of entries walked.
     static std::size_t UseLoaded() {
         Engine.ScanRunFlag = 1;
         std::vector<CatalogueItem> files;
@@ -126,8 +125,8 @@ TEST_F(HostileScanInfoTest, SizesThatCannotBeTrue) {
     const std::size_t entries = tree + 8 + laid_.Tree.size() + 4;
     const std::size_t names = entries + 8 + laid_.Entries.size() + 4;
     for (const std::size_t at : {tree, entries, names}) {
-        for (const std::uint64_t size :
-             {std::uint64_t{1} << 63U, ~std::uint64_t{0}, std::uint64_t{1} << 32U, std::uint64_t{good.size()}}) {
+        for (const std::uint64_t size : {std::uint64_t{1} << 63U, ~std::uint64_t{0}, std::uint64_t{1} << 32U,
+                                         std::uint64_t{good.size()}}) {
             ByteVector bytes = good;
             Lay(bytes, at, 8, size);
             ExpectInvalid(bytes);
@@ -212,8 +211,8 @@ TEST_F(HostileScanInfoTest, FoldersThatShareAChainKeepOne) {
     Lay(laid_.Tree, 128 + 20, 4, 6);
     Lay(laid_.Tree, 128 + 24, 4, 7);
     EXPECT_TRUE(LoadTree(LayTreeInfo(laid_)).Done);
-    EXPECT_EQ(Paths(), (std::vector<std::string>{"", "/folder", "/folder/file.txt", "/thief", "/top again", "/askew",
-                                                 "/beyond"}));
+    EXPECT_EQ(Paths(), (std::vector<std::string>{"", "/folder", "/folder/file.txt", "/thief", "/top again",
+                                                 "/askew", "/beyond"}));
     EXPECT_TRUE(FindEntries("/top again/top again").empty());
 }
 
@@ -344,8 +343,8 @@ TEST_F(MutatedScanInfoTest, PartitionListsToo) {
             bytes[516 + random() % (bytes.size() - 516)] = static_cast<std::uint8_t>(random());
         }
         const auto useEach = [] {
-            for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-                 candidate = candidate->Next.get()) {
+            for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
+                 candidate != nullptr; candidate = candidate->Next.get()) {
                 LoadVolumeParams(*candidate);
                 LocateMft();
             }

@@ -1,6 +1,5 @@
-#include "scaninfo/ScanInfoFixture.h"
-
 #include "platform/Text.h"
+#include "scaninfo/ScanInfoFixture.h"
 
 namespace thntfs::test {
 
@@ -14,8 +13,9 @@ protected:
     void ExpectFailedLoad(ConstBytes bytes, const std::string& text) {
         const ScanInfoResult result = LoadPartitions(bytes);
         EXPECT_FALSE(result.Done);
-        ExpectLog({"Processing Scan Info File : laid.thd", "Location : " + scratch_.Path(), "", kLogInProgress},
-                  {text, At("laid.thd"), "", kLogFailed});
+        ExpectLog(
+            {"Processing Scan Info File : laid.thd", "Location : " + scratch_.Path(), "", kLogInProgress},
+            {text, At("laid.thd"), "", kLogFailed});
         ExpectReset();
     }
 };

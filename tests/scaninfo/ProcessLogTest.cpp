@@ -1,10 +1,10 @@
 #include "scaninfo/ProcessLog.h"
 
 #include "engine/EngineFixture.h"
-#include "support/FailingFileStore.h"
 #include "platform/WorkFolder.h"
+#include "support/FailingFileStore.h"
 
-#include <regex>
+#include <cctype>
 
 namespace thntfs::test {
 
@@ -18,6 +18,15 @@ ProcessLogEntry Entry(const std::string& name, const std::string& description, c
     return entry;
 }
 
+/// Letters and digits of a text as "a" and "0".
+std::string ShapeOf(std::string text) {
+    for (char& c : text) {
+        c = std::isalpha(static_cast<unsigned char>(c)) != 0 ? 'a' : c;
+        c = std::isdigit(static_cast<unsigned char>(c)) != 0 ? '0' : c;
+    }
+    return text;
+}
+
 TEST(ProcessLogTest, ARowsTimeIsThatOfItsArrival) {
     ProcessLog log;
     ProcessLogEntry entry = Entry("first", "a step", "a time of the sender's");
@@ -27,9 +36,9 @@ TEST(ProcessLogTest, ARowsTimeIsThatOfItsArrival) {
     ASSERT_EQ(log.Rows().size(), 2U);
     EXPECT_EQ(log.Rows()[0].Name, "first");
     EXPECT_EQ(log.Rows()[1].Name, "second");
-    const std::regex layout("(Sun|Mon|Tue|Wed|Thu|Fri|Sat) [A-Z][a-z]{2} [ 123][0-9] 20[0-9]{2} "
-                            "[0-9]{2}:[0-9]{2}:[0-9]{2}");
-    EXPECT_TRUE(std::regex_match(log.Rows()[0].Time, layout)) << log.Rows()[0].Time;
+    std::string shape = ShapeOf(log.Rows()[0].Time);
+    shape[8] = '0'; // blank before the tenth
+    EXPECT_EQ(shape, "aaa aaa 00 0000 00:00:00");
     log.Clear();
     EXPECT_TRUE(log.Rows().empty());
 }

@@ -1,9 +1,8 @@
-#include "scaninfo/ScanInfoFixture.h"
-
 #include "content/EntryContent.h"
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
+#include "scaninfo/ScanInfoFixture.h"
 #include "scans/BasicScan.h"
 #include "support/Manifest.h"
 #include "support/Sha256.h"
@@ -86,7 +85,8 @@ TEST_P(SavedVolumeTest, LoadsAsItWasScanned) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Packed, SavedVolumeTest,
-                         testing::Values("basic", "compressed", "logical", "mftfrag", "names", "record4k", "sector4k"),
+                         testing::Values("basic", "compressed", "logical", "mftfrag", "names", "record4k",
+                                         "sector4k"),
                          [](const auto& volume) { return volume.param; });
 
 } // namespace

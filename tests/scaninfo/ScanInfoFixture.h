@@ -76,9 +76,11 @@ protected:
         expect(Reports.Log[Reports.Log.size() - 2], begins);
         expect(Reports.Log.back(), ends);
     }
-    void ExpectTreeLoadLog(const std::string& text, std::uint8_t status, const std::string& file = "laid.tht") {
-        ExpectLog({"Processing Scan Info File : " + file, "Location : " + scratch_.Path(), "", kLogInProgress},
-                  {text, At(file), "", status});
+    void ExpectTreeLoadLog(const std::string& text, std::uint8_t status,
+                           const std::string& file = "laid.tht") {
+        ExpectLog(
+            {"Processing Scan Info File : " + file, "Location : " + scratch_.Path(), "", kLogInProgress},
+            {text, At(file), "", status});
     }
 
     WorkFolder scratch_;

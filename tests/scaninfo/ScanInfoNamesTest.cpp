@@ -17,11 +17,12 @@ std::tm Day(int year, int month, int day, int weekday) {
 }
 
 TEST(ScanInfoNamesTest, SuggestedNamesOfEveryMonthAndWeekday) {
-    const char* const months[] = {"Jan", "Feb", "Mar", "Apr", "May",  "Jun",
+    const char* const months[] = {"Jan", "Feb", "Mar",  "Apr", "May", "Jun",
                                   "Jul", "Aug", "Sept", "Oct", "Nov", "Dec"};
     for (int month = 1; month <= 12; ++month) {
         const std::string text = months[month - 1];
-        EXPECT_EQ(SuggestedTreeInfoName(Day(2026, month, 9, 0)), "TH NTFS Scan Info# 09-" + text + "-2026.tht");
+        EXPECT_EQ(SuggestedTreeInfoName(Day(2026, month, 9, 0)),
+                  "TH NTFS Scan Info# 09-" + text + "-2026.tht");
     }
     const char* const weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     for (int weekday = 0; weekday < 7; ++weekday) {

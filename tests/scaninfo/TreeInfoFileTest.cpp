@@ -1,7 +1,6 @@
-#include "scaninfo/ScanInfoFixture.h"
-
 #include "engine/SectorReader.h"
 #include "platform/Text.h"
+#include "scaninfo/ScanInfoFixture.h"
 #include "support/FailingFileStore.h"
 
 namespace thntfs::test {
@@ -88,12 +87,16 @@ TEST_F(TreeInfoFileTest, NameOfTheTargetAndTheLog) {
         const char* Target;
     };
     FillEngine();
-    for (const NameCase& name : {NameCase{"a.tht", "a.tht"}, {"b", "b.tht"}, {"c.THT", "c.THT.tht"},
-                                 {"d.tht.bak", "d.tht.bak.tht"}, {"tht", "tht.tht"}, {".tht", ".tht"}}) {
+    for (const NameCase& name : {NameCase{"a.tht", "a.tht"},
+                                 {"b", "b.tht"},
+                                 {"c.THT", "c.THT.tht"},
+                                 {"d.tht.bak", "d.tht.bak.tht"},
+                                 {"tht", "tht.tht"},
+                                 {".tht", ".tht"}}) {
         EXPECT_TRUE(SaveTreeInfo(At(name.Given)).Done);
         EXPECT_TRUE(fs::exists(At(name.Target)));
-        ExpectLog({std::string("Saving Scan Info File : ") + name.Given, "To Location : " + scratch_.Path(), "",
-                   kLogInProgress},
+        ExpectLog({std::string("Saving Scan Info File : ") + name.Given, "To Location : " + scratch_.Path(),
+                   "", kLogInProgress},
                   {kSaved, At(name.Target), "", kLogDone});
     }
     EXPECT_EQ(Names().size(), 7U); // with the image
@@ -270,8 +273,8 @@ TEST_F(TreeInfoFileTest, LoadThatFailsAtAnyCallIsTold) {
     } while (store.Plan().Failures != 0 && call < 100);
     SetFileStore(nullptr);
     EXPECT_GT(call, 10U);
-    EXPECT_EQ(texts,
-              (std::set<std::string>{FailedOpen(kErrorIoDevice), "Supporting Files couldn't be opened", kOpened}));
+    EXPECT_EQ(texts, (std::set<std::string>{FailedOpen(kErrorIoDevice), "Supporting Files couldn't be opened",
+                                            kOpened}));
 }
 
 } // namespace

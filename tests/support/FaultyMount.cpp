@@ -16,7 +16,8 @@ namespace {
 constexpr auto kPoll = std::chrono::milliseconds(5);
 constexpr int kPolls = 2000;
 
-std::vector<std::string> WordsOf(const std::string& image, const std::string& folder, const FaultyMount::Setup& setup) {
+std::vector<std::string> WordsOf(const std::string& image, const std::string& folder,
+                                 const FaultyMount::Setup& setup) {
     std::vector<std::string> words = {THNTFS_FAULTY_FUSE, image, folder};
     for (const auto& [offset, size] : setup.BadBytes) {
         words.insert(words.end(), {"--bad", std::to_string(offset) + ":" + std::to_string(size)});

@@ -8,8 +8,8 @@
 
 namespace thntfs::test {
 
-/// An image shown as a file whose reads fail at chosen places with EIO, to a program under test as to any other. The
-/// destructor takes it away.
+/// An image shown as a file whose reads fail at chosen places with EIO, to a program under test as to any
+/// other. The destructor takes it away.
 class FaultyMount {
 public:
     struct Setup {
@@ -18,8 +18,10 @@ public:
         std::string LogPath; ///< gets a line "OFFSET SIZE ok" or "OFFSET SIZE bad" for each read
     };
 
-    /// Mounts at a folder, which must exist. Null where that can't be done here: no /dev/fuse, no libfuse3, no rights.
-    static std::unique_ptr<FaultyMount> Start(const std::string& image, const std::string& folder, const Setup& setup);
+    /// Mounts at a folder, which must exist. Null where that can't be done here: no /dev/fuse, no libfuse3,
+    /// no rights.
+    static std::unique_ptr<FaultyMount> Start(const std::string& image, const std::string& folder,
+                                              const Setup& setup);
 
     FaultyMount(std::string folder, int process);
     ~FaultyMount();

@@ -7,9 +7,7 @@
 #include <charconv>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
-#include <regex>
 #include <string_view>
 #include <system_error>
 
@@ -19,14 +17,54 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint64_t kKernelSectorBytes = 512; // sysfs counts sizes in these, whatever the disk's own sectors are
+constexpr std::uint64_t kKernelSectorBytes =
+    512; // sysfs counts sizes in these, whatever the disk's own sectors are
 constexpr std::uint32_t kHeads = 255;
 constexpr std::uint32_t kSectorsPerTrack = 63;
 constexpr std::size_t kMaxAttributeBytes = 4096;
 
-/// Names of whole disks, in the order of the list.
-constexpr std::array<const char*, 7> kKinds = {"(sd|hd|xvd)[a-z]+", "nvme[0-9]+n[0-9]+", "vd[a-z]+", "mmcblk[0-9]+",
-                                               "md.+", "nbd[0-9]+", "loop[0-9]+"};
+/// What follows the beginning of a whole disk's name. What is in front of partitions, boot areas of memory
+/// cards and roads to one of several has another tail.
+enum class Tail { Letters, Number, NumberNNumber, Any };
+
+struct NameKind {
+    const char* Beginning;
+    Tail Rest;
+    std::size_t Place; ///< in the order of the list
+};
+
+constexpr std::array<NameKind, 9> kKinds = {{{"sd", Tail::Letters, 0},
+                                             {"hd", Tail::Letters, 0},
+                                             {"xvd", Tail::Letters, 0},
+                                             {"nvme", Tail::NumberNNumber, 1},
+                                             {"vd", Tail::Letters, 2},
+                                             {"mmcblk", Tail::Number, 3},
+                                             {"md", Tail::Any, 4},
+                                             {"nbd", Tail::Number, 5},
+                                             {"loop", Tail::Number, 6}}};
+
+bool IsAll(std::string_view text, char first, char last) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [=](char c) { return c >= first && c <= last; });
+}
+
+bool IsNumber(std::string_view text) { return IsAll(text, '0', '9'); }
+
+bool HasTail(std::string_view text, Tail tail) {
+    const std::size_t letter = text.find('n');
+    switch (tail) {
+    case Tail::Letters:
+        return IsAll(text, 'a', 'z');
+    case Tail::Number:
+        return IsNumber(text);
+    case Tail::NumberNNumber:
+        return letter != std::string_view::npos && IsNumber(text.substr(0, letter)) &&
+               IsNumber(text.substr(letter + 1));
+    case Tail::Any:
+        break;
+    }
+    return !text.empty();
+}
 
 std::string RawText(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
@@ -54,7 +92,8 @@ bool Exists(const fs::path& path) {
 std::vector<fs::path> FoldersIn(const fs::path& folder) {
     std::vector<fs::path> found;
     std::error_code failure;
-    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end; entry.increment(failure)) {
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
         std::error_code ignored;
         if (entry->is_directory(ignored)) {
             found.push_back(entry->path());
@@ -63,17 +102,32 @@ std::vector<fs::path> FoldersIn(const fs::path& folder) {
     return found;
 }
 
-std::optional<std::size_t> KindOf(const std::string& name) {
-    for (std::size_t kind = 0; kind < kKinds.size(); ++kind) {
-        if (std::regex_match(name, std::regex(kKinds[kind]))) {
-            return kind;
+/// The place of a whole disk's name in the order of the list, none for any other name.
+std::optional<std::size_t> KindOf(std::string_view name) {
+    for (const NameKind& kind : kKinds) {
+        const std::string_view beginning = kind.Beginning;
+        if (name.starts_with(beginning) && HasTail(name.substr(beginning.size()), kind.Rest)) {
+            return kind.Place;
         }
     }
     return std::nullopt;
 }
 
+/// True where a folder on a road is a word alone or with a number behind it, as "usb1".
+bool LeadsThrough(std::string_view road, std::string_view word) {
+    for (std::size_t at = road.find(word); at != std::string_view::npos; at = road.find(word, at + 1)) {
+        const std::string_view rest = road.substr(at + word.size());
+        const std::string_view tail = rest.substr(0, rest.find('/'));
+        if (at > 0 && road[at - 1] == '/' && (tail.empty() || IsNumber(tail))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 std::string FirstOf(std::initializer_list<std::string> texts) {
-    const auto* found = std::find_if(texts.begin(), texts.end(), [](const std::string& text) { return !text.empty(); });
+    const auto* found =
+        std::find_if(texts.begin(), texts.end(), [](const std::string& text) { return !text.empty(); });
     return found == texts.end() ? std::string() : *found;
 }
 
@@ -89,10 +143,12 @@ public:
         road_ = failure ? std::string() : real.string();
     }
 
-    /// Some names stand for no disk: a road to one of several (NVMe multipath), a loop device with nothing behind it.
+    /// Some names stand for no disk: a road to one of several (NVMe multipath), a loop device with nothing
+    /// behind it.
     [[nodiscard]] bool IsDisk() const {
         const bool emptyLoop = name_.starts_with("loop") && BackingFile().empty();
-        const bool emptyArray = (name_.starts_with("md") || name_.starts_with("nbd")) && Number(folder_ / "size") == 0;
+        const bool emptyArray =
+            (name_.starts_with("md") || name_.starts_with("nbd")) && Number(folder_ / "size") == 0;
         return Text(folder_ / "hidden") != "1" && !emptyLoop && !emptyArray;
     }
 
@@ -101,7 +157,9 @@ public:
         disk.Path = DevicePathOf(name_);
         disk.SizeBytes = Number(folder_ / "size") * kKernelSectorBytes;
         disk.BytesPerSector =
-            disk.SizeBytes == 0 ? 0 : static_cast<std::uint32_t>(Number(folder_ / "queue" / "logical_block_size"));
+            disk.SizeBytes == 0
+                ? 0
+                : static_cast<std::uint32_t>(Number(folder_ / "queue" / "logical_block_size"));
         disk.Model = Model();
         disk.Serial = FirstOf({udev_.Value("ID_SERIAL_SHORT"), udev_.Value("ID_SCSI_SERIAL"),
                                Text(folder_ / "device" / "serial"), Text(folder_ / "serial"), SerialPage()});
@@ -110,9 +168,9 @@ public:
         disk.Interface = Interface();
         disk.Media = Media();
         disk.Heads = kHeads;
-        disk.Cylinders = disk.BytesPerSector == 0
-                             ? 0
-                             : disk.SizeBytes / disk.BytesPerSector / (std::uint64_t{kHeads} * kSectorsPerTrack);
+        disk.Cylinders = disk.BytesPerSector == 0 ? 0
+                                                  : disk.SizeBytes / disk.BytesPerSector /
+                                                        (std::uint64_t{kHeads} * kSectorsPerTrack);
         disk.Parts = Parts();
         return disk;
     }
@@ -149,21 +207,26 @@ private:
     }
 
     [[nodiscard]] std::string Interface() const {
-        static const std::array<std::pair<const char*, const char*>, 6> kRoads = {{{"/usb[0-9]+/", "USB"},
-                                                                                  {"/ata[0-9]+/", "IDE"},
-                                                                                  {"/ide[0-9]+/", "IDE"},
-                                                                                  {"/fw[0-9]+", "1394"},
-                                                                                  {"/nvme/", "NVMe"},
-                                                                                  {"/mmc_host/", "MMC"}}};
-        for (const auto& [pattern, text] : kRoads) {
-            if (std::regex_search(road_, std::regex(pattern))) {
-                return text;
-            }
+        using Pair = std::pair<const char*, const char*>;
+        constexpr std::array<Pair, 6> kRoads = {{{"usb", "USB"},
+                                                 {"ata", "IDE"},
+                                                 {"ide", "IDE"},
+                                                 {"fw", "1394"},
+                                                 {"nvme", "NVMe"},
+                                                 {"mmc_host", "MMC"}}};
+        constexpr std::array<Pair, 6> kNames = {{{"nvme", "NVMe"},
+                                                 {"mmc", "MMC"},
+                                                 {"vd", "VirtIO"},
+                                                 {"loop", "Loop"},
+                                                 {"md", "RAID"},
+                                                 {"hd", "IDE"}}};
+        const auto* road = std::find_if(kRoads.begin(), kRoads.end(),
+                                        [this](const Pair& pair) { return LeadsThrough(road_, pair.first); });
+        if (road != kRoads.end()) {
+            return road->second;
         }
-        constexpr std::array<std::pair<const char*, const char*>, 6> kNames = {
-            {{"nvme", "NVMe"}, {"mmc", "MMC"}, {"vd", "VirtIO"}, {"loop", "Loop"}, {"md", "RAID"}, {"hd", "IDE"}}};
         const auto* named = std::find_if(kNames.begin(), kNames.end(),
-                                         [this](const auto& pair) { return name_.starts_with(pair.first); });
+                                         [this](const Pair& pair) { return name_.starts_with(pair.first); });
         return named == kNames.end() ? "SCSI" : named->second;
     }
 
@@ -178,9 +241,9 @@ private:
         std::vector<std::pair<std::uint64_t, DiskPart>> found;
         for (const fs::path& folder : FoldersIn(folder_)) {
             if (Exists(folder / "partition")) {
-                found.emplace_back(Number(folder / "partition"),
-                                   DiskPart{DevicePathOf(folder.filename()),
-                                            Number(folder / "size") * kKernelSectorBytes});
+                found.emplace_back(
+                    Number(folder / "partition"),
+                    DiskPart{DevicePathOf(folder.filename()), Number(folder / "size") * kKernelSectorBytes});
             }
         }
         std::sort(found.begin(), found.end(), [](const auto& l, const auto& r) { return l.first < r.first; });

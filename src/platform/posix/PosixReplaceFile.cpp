@@ -25,7 +25,8 @@ ErrorCode WriteNew(const std::string& path, ConstBytes content) {
     return error;
 }
 
-/// A new name is on the disk only once its folder is. File systems that can't be asked for that are left alone.
+/// A new name is on the disk only once its folder is. File systems that can't be asked for that are left
+/// alone.
 void SyncFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);

@@ -34,7 +34,8 @@ ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file) {
     if (kind != S_IFBLK && kind != S_IFREG) {
         return kind == S_IFDIR ? kErrorDirectory : kErrorInvalidParameter;
     }
-    // On a block device O_EXCL makes the kernel refuse where a file system, a mapped device or a swap uses it.
+    // On a block device O_EXCL makes the kernel refuse where a file system, a mapped device or a swap uses
+    // it.
     const int alone = kind == S_IFBLK ? O_EXCL : 0;
     FileDescriptor descriptor = OpenDescriptor(path.c_str(), O_RDWR | O_NOCTTY | alone);
     if (!descriptor.IsOpen()) {

@@ -11,7 +11,9 @@ int DigitOf(char letter) {
     if (letter >= '0' && letter <= '9') {
         return letter - '0';
     }
-    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : letter >= 'A' && letter <= 'F' ? letter - 'A' + 10 : -1;
+    return letter >= 'a' && letter <= 'f'   ? letter - 'a' + 10
+           : letter >= 'A' && letter <= 'F' ? letter - 'A' + 10
+                                            : -1;
 }
 
 } // namespace
@@ -36,8 +38,8 @@ std::string UdevRecord::Unescaped(const std::string& name) const {
     const std::string raw = Value(name);
     std::string text;
     for (std::size_t i = 0; i < raw.size(); ++i) {
-        const bool escaped = raw[i] == '\\' && i + 3 < raw.size() && raw[i + 1] == 'x' && DigitOf(raw[i + 2]) >= 0 &&
-                             DigitOf(raw[i + 3]) >= 0;
+        const bool escaped = raw[i] == '\\' && i + 3 < raw.size() && raw[i + 1] == 'x' &&
+                             DigitOf(raw[i + 2]) >= 0 && DigitOf(raw[i + 3]) >= 0;
         text += escaped ? static_cast<char>(DigitOf(raw[i + 2]) * 16 + DigitOf(raw[i + 3])) : raw[i];
         i += escaped ? 3 : 0;
     }

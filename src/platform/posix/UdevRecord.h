@@ -5,7 +5,8 @@
 
 namespace thntfs {
 
-/// What the device manager has found out about a device: its "E:" lines by name. Empty where it keeps no record.
+/// What the device manager has found out about a device: its "E:" lines by name. Empty where it keeps no
+/// record.
 class UdevRecord {
 public:
     explicit UdevRecord(const std::string& path);

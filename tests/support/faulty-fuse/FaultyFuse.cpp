@@ -1,10 +1,11 @@
 // faulty-fuse IMAGE FOLDER [--bad OFFSET:SIZE]... [--slow MICROSECONDS] [--log FILE]
 //
-// Mounts a file system at FOLDER that shows IMAGE, read only, as its one file "disk". A read that touches a bad range
-// fails with EIO, as a disk does that can't give a sector; all other reads are served. Stays in the foreground until
-// it is unmounted. Nothing is cached: every read of a program arrives here as it was asked.
+// Mounts a file system at FOLDER that shows IMAGE, read only, as its one file "disk". A read that touches a
+// bad range fails with EIO, as a disk does that can't give a sector; all other reads are served. Stays in the
+// foreground until it is unmounted. Nothing is cached: every read of a program arrives here as it was asked.
 //
-// --slow makes each read take that long. --log gets a line "OFFSET SIZE ok" or "OFFSET SIZE bad" for each read.
+// --slow makes each read take that long. --log gets a line "OFFSET SIZE ok" or "OFFSET SIZE bad" for each
+// read.
 
 #define FUSE_USE_VERSION 31
 
@@ -68,8 +69,8 @@ int GetAttributes(const char* path, struct stat* status, fuse_file_info* /*info*
     return 0;
 }
 
-int ReadFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t /*offset*/, fuse_file_info* /*info*/,
-               fuse_readdir_flags /*flags*/) {
+int ReadFolder(const char* path, void* buffer, fuse_fill_dir_t fill, off_t /*offset*/,
+               fuse_file_info* /*info*/, fuse_readdir_flags /*flags*/) {
     if (std::string_view(path) != "/") {
         return -ENOTDIR;
     }
@@ -154,7 +155,8 @@ bool TakeWords(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     if (!TakeWords(argc, argv)) {
-        std::fputs("faulty-fuse IMAGE FOLDER [--bad OFFSET:SIZE]... [--slow MICROSECONDS] [--log FILE]\n", stderr);
+        std::fputs("faulty-fuse IMAGE FOLDER [--bad OFFSET:SIZE]... [--slow MICROSECONDS] [--log FILE]\n",
+                   stderr);
         return 2;
     }
     fuse_operations operations{};
