@@ -278,7 +278,7 @@ TEST_F(FileRecordTest, TheTableAndItsMirror) {
         ByteVector bytes = record.Poke8(record.AttributeOffset(0) + 24 + 8 * stamp + 7, 0x55).Finish();
         EXPECT_EQ(IsMftRecord(bytes, 1024), 0) << stamp;
     }
-    Engine.SourceDisk.BytesPerSector = 1024;
+    Engine.SourceDisk.BytesPerSector = 256;
     ByteVector record = names({u"$MFT"}).Finish();
     EXPECT_EQ(IsMftRecord(record, 1024), 0) << "the medium's sector size counts";
 }

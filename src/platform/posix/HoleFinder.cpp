@@ -16,11 +16,11 @@ void HoleFinder::Ask(std::uint64_t offset) {
     const off_t from = static_cast<off_t>(offset);
     const off_t data = ::lseek(descriptor_, from, SEEK_DATA);
     if (data < 0) {
-        // No data up to the end of the file, unless the file system can't tell.
+        // No data up to the end that the file has now, unless the file system can't tell.
         supported_ = errno == ENXIO;
         hole_ = true;
         start_ = offset;
-        end_ = ~std::uint64_t{0};
+        end_ = static_cast<std::uint64_t>(::lseek(descriptor_, 0, SEEK_END));
         return;
     }
     const off_t end = data > from ? data : ::lseek(descriptor_, from, SEEK_HOLE);
