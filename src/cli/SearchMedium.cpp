@@ -1,6 +1,7 @@
 #include "cli/SearchMedium.h"
 
 #include "cli/ExitCode.h"
+#include "cli/JobLog.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
 #include "partitions/PartitionSearch.h"
@@ -22,9 +23,11 @@ int SearchMedium(const Options& options, TerminalHost& host) {
     Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
     host.Bar.Begin("Searching", ProgressBar::Unit::Sector, disk.BytesPerSector);
     host.SearchFrom(first);
+    LogSearchStarted(first, end);
     const std::uint32_t complete = RunPartitionSearch(*options.Search, first, end);
     Engine.ScanRunFlag = 0;
     host.Bar.End();
+    LogSearchEnded(complete != 0);
     if (complete == 0) {
         PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) +
                      " volumes were found so far.");
