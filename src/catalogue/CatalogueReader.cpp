@@ -89,7 +89,9 @@ std::unique_ptr<CatalogueItem> LoadEntry(std::uint32_t entryId) try {
 }
 
 SeenBlocks::SeenBlocks()
-    : seen_(Engine.TreeFile == nullptr ? 0 : static_cast<std::size_t>(Engine.TreeFile->Size() / kStoredBlockBytes)) {}
+    : seen_(Engine.TreeFile == nullptr
+                ? 0
+                : static_cast<std::size_t>(Engine.TreeFile->Size() / kStoredBlockBytes)) {}
 
 bool SeenBlocks::Mark(std::uint32_t blockOffset) {
     const std::size_t block = blockOffset / kStoredBlockBytes;

@@ -58,16 +58,17 @@ private:
     std::vector<bool> seen_;
 };
 
-/// The children of a folder, in the order in which they were added. Blocks of a chain lie one behind the other in the
-/// file, as they were begun; a link that leads back ends the walk, so it ends in a damaged catalogue too.
+/// The children of a folder, in the order in which they were added. Blocks of a chain lie one behind the
+/// other in the file, as they were begun; a link that leads back ends the walk, so it ends in a damaged
+/// catalogue too.
 class ChildWalk {
 public:
-    /// `blockOffset`: byte offset in TreeFile of the folder's first block. With `seen`, which must outlive the walk,
-    /// it ends at a block that has been marked there before.
+    /// `blockOffset`: byte offset in TreeFile of the folder's first block. With `seen`, which must outlive
+    /// the walk, it ends at a block that has been marked there before.
     explicit ChildWalk(std::uint32_t blockOffset, SeenBlocks* seen = nullptr);
 
-    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't be
-    /// read.
+    /// The next child's EntryId; 0 behind the last. Throws CUserException, after a box, where a block can't
+    /// be read.
     std::uint32_t Next();
 
 private:

@@ -9,8 +9,9 @@
 
 namespace thntfs {
 
-/// Memory that is used all over at random: one block of kBigBlockBytes, zeroed, aligned to its own size, which the
-/// system is asked to map as one large page. A walk over many small pages spends its time on finding them.
+/// Memory that is used all over at random: one block of kBigBlockBytes, zeroed, aligned to its own size,
+/// which the system is asked to map as one large page. A walk over many small pages spends its time on
+/// finding them.
 inline constexpr std::size_t kBigBlockBytes = std::size_t{2} << 20U;
 
 struct BigBlockRelease {
@@ -22,7 +23,8 @@ using BigBlock = std::unique_ptr<std::uint8_t, BigBlockRelease>;
 BigBlock MakeBigBlock();
 
 /// A growing array of records in big blocks. They never move, and live as long as the pool.
-template <typename Record> class BigBlockPool {
+template <typename Record>
+class BigBlockPool {
     static_assert(std::is_trivially_destructible_v<Record> && alignof(Record) <= kBigBlockBytes);
 
 public:

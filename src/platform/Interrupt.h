@@ -9,8 +9,8 @@ namespace thntfs {
 /// next one ends the program at once. What the program was started to ignore stays ignored. The flag must
 /// live as long as the program. A later call starts anew, with another flag if need be.
 ///
-/// Writing to a pipe that nobody reads any more fails with kErrorBrokenPipe instead of ending the program, and a file
-/// that would grow beyond what the user may write fails with kErrorFileTooLarge.
+/// Writing to a pipe that nobody reads any more fails with kErrorBrokenPipe instead of ending the program,
+/// and a file that would grow beyond what the user may write fails with kErrorFileTooLarge.
 void OnInterrupt(std::atomic<std::uint32_t>& flag);
 
 /// True since the first interrupt after OnInterrupt.

@@ -28,7 +28,8 @@ public:
     virtual ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) = 0;
 
     /// A hint: single places all over the medium are going to be read (true), or stretches from front to back
-    /// (false, as it is at first). Reading ahead of single places costs a failing disk, and the user, its time.
+    /// (false, as it is at first). Reading ahead of single places costs a failing disk, and the user, its
+    /// time.
     virtual void ExpectScatteredReads(bool /*scattered*/) {}
 
     /// Size in bytes, as found when the medium was opened.

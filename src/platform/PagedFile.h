@@ -62,7 +62,8 @@ private:
         std::uint64_t Number = kNoPage;
         bool Changed = false;
         bool Recent = false; ///< used since the hand last passed
-        std::uint8_t* Data = nullptr; ///< kPageBytes in one of blocks_: apart, so that a look-up touches little memory
+        std::uint8_t* Data =
+            nullptr; ///< kPageBytes in one of blocks_: apart, so that a look-up touches little memory
     };
 
     /// Place in pages_ plus one of a page of the file, 0 where it is not buffered.

@@ -18,9 +18,10 @@ void CatalogueRecord(DecodedEntry& entry, bool directory, std::uint32_t& nextEnt
 /// The same for a folder that is known by number, parent and name alone.
 void CatalogueFolder(DecodedEntry& entry, std::uint32_t& nextEntryId);
 
-/// Runs a step of a scan. A fatal error of the medium or of the catalogue, whose box the user has seen, ends the step
-/// and not the scan: what was found up to then makes the catalogue.
-template <typename Step> void UpToFatalError(Step step) {
+/// Runs a step of a scan. A fatal error of the medium or of the catalogue, whose box the user has seen, ends
+/// the step and not the scan: what was found up to then makes the catalogue.
+template <typename Step>
+void UpToFatalError(Step step) {
     try {
         step();
     } catch (const CUserException&) {

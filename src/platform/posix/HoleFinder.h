@@ -4,8 +4,9 @@
 
 namespace thntfs {
 
-/// Knows the holes of a sparse file: stretches that the file system stores nothing for and that read as zeros. The
-/// system is asked once a stretch. A sparse image of a whole disk is mostly hole, and need not be read to know it.
+/// Knows the holes of a sparse file: stretches that the file system stores nothing for and that read as
+/// zeros. The system is asked once a stretch. A sparse image of a whole disk is mostly hole, and need not be
+/// read to know it.
 class HoleFinder {
 public:
     explicit HoleFinder(int descriptor)
