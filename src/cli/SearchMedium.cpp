@@ -1,7 +1,7 @@
 #include "cli/SearchMedium.h"
 
 #include "cli/ExitCode.h"
-#include "cli/JobLog.h"
+#include "scaninfo/JobLog.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
 #include "partitions/PartitionSearch.h"

@@ -3,7 +3,7 @@
 #include "catalogue/Catalogue.h"
 #include "cli/CandidateText.h"
 #include "cli/ExitCode.h"
-#include "cli/JobLog.h"
+#include "scaninfo/JobLog.h"
 #include "cli/OpenMediumStep.h"
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"

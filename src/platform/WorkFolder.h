@@ -25,4 +25,9 @@ private:
     std::string path_;
 };
 
+/// The folder that stays from run to run, in which the desktop program keeps its catalogue: $TMPDIR, or a
+/// folder below /tmp that no other user can look into. Made where it isn't there. Fails where the folder
+/// can't be made, or belongs to somebody else.
+ErrorCode LastingWorkFolder(std::string& path);
+
 } // namespace thntfs

@@ -88,12 +88,21 @@ ScanInfoResult SaveTreeInfo(const std::string& path) {
                            });
 }
 
-ScanInfoResult LoadTreeInfo(const std::string& path) {
+ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show) {
     const ScanInfoPlace place = ScanInfoPlaceOf(path);
     LogScanInfoLoad(place);
     ResetEngineState();
     CloseCatalogue();
-    return RunScanInfoLoad(place, kTreeInfoTexts, ReadTreeInfo);
+    const ScanInfoResult result = RunScanInfoLoad(place, kTreeInfoTexts, [&](ScanInfoReader& reader) {
+        ReadTreeInfo(reader);
+        if (show) {
+            show();
+        }
+    });
+    if (!result.Done) {
+        CloseCatalogue();
+    }
+    return result;
 }
 
 } // namespace thntfs

@@ -2,6 +2,7 @@
 
 #include "scaninfo/ScanInfo.h"
 
+#include <functional>
 #include <string>
 
 namespace thntfs {
@@ -18,8 +19,8 @@ ScanInfoResult SaveTreeInfo(const std::string& path);
 /// Puts the engine into the state that it was saved in: the medium opened anew by its stored path,
 /// candidates, VolumeParams, and the catalogue, written to CatalogueFolder and open for reading. What was
 /// loaded or scanned before is gone, whatever happens. After a failure the engine state is reset and no
-/// catalogue is open, but the catalogue's files may hold a part of the saved ones. Two records go to the
-/// process log.
-ScanInfoResult LoadTreeInfo(const std::string& path);
+/// catalogue is open, but the catalogue's files may hold a part of the saved ones. Once all is loaded, `show`
+/// is called, which may still fail by an exception. Two records go to the process log.
+ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show = {});
 
 } // namespace thntfs

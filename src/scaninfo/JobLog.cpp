@@ -1,11 +1,9 @@
-#include "cli/JobLog.h"
+#include "scaninfo/JobLog.h"
 
 #include "partitions/DiskEnumeration.h"
 #include "platform/DiskIdentity.h"
 #include "platform/Host.h"
-
-#include <array>
-#include <cstdio>
+#include "platform/SizeText.h"
 
 namespace thntfs {
 
@@ -40,23 +38,6 @@ DiskInfo DiskAt(const std::string& path) {
 std::string ModeText(bool searched) { return searched ? "Logical Volume Scan" : "Partition Table"; }
 
 std::uint8_t EndStatus(bool complete) { return complete ? kLogDone : kLogFailed; }
-
-std::string SizeText(std::uint64_t bytes) {
-    struct Unit {
-        std::uint64_t Bytes;
-        const char* Name;
-    };
-    constexpr Unit kKilobytes{1024, "KB"};
-    constexpr Unit kMegabytes{1048576, "MB"};
-    constexpr Unit kGigabytes{1073741824, "GB"};
-    const Unit unit = bytes < kMegabytes.Bytes   ? kKilobytes
-                      : bytes < kGigabytes.Bytes ? kMegabytes
-                                                 : kGigabytes;
-    std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%7.3f %s",
-                  static_cast<double>(bytes) / static_cast<double>(unit.Bytes), unit.Name);
-    return text.data();
-}
 
 std::string TurboText(const char* what, unsigned number) {
     return std::string(what) + " turbo scan of logical drive " + std::to_string(number % 10);

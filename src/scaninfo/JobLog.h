@@ -7,7 +7,7 @@
 
 namespace thntfs {
 
-// The process log's lines of the steps that the terminal program takes, each sent to the host.
+// The process log's lines of the steps from a medium to a catalogue, each sent to the host.
 
 /// The medium has been chosen. `searched`: its volumes come from a search, not from its partition table.
 void LogImageChosen(const std::string& path, bool searched);

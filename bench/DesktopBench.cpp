@@ -1,0 +1,125 @@
+// Figures of the desktop program's views, without a screen. Prints one "name=milliseconds" a line.
+//   desktop-bench SAVED.tht   a saved scan; its folder with the most files is the one that is listed
+
+#include "catalogue/CatalogueReader.h"
+#include "engine/EngineState.h"
+#include "frame/MainFrame.h"
+#include "platform/WorkFolder.h"
+#include "shell/Boxes.h"
+#include "shell/DesktopHost.h"
+#include "shell/WorkerThread.h"
+#include "views/FolderNodes.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QScrollBar>
+#include <QTreeView>
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+using namespace thntfs;
+
+constexpr int kLogRows = 50000;
+constexpr int kScrollSteps = 200;
+constexpr int kColumns = 7;
+
+template <typename Work>
+double MillisecondsOf(Work work) {
+    QElapsedTimer since;
+    since.start();
+    work();
+    QCoreApplication::processEvents();
+    return static_cast<double>(since.nsecsElapsed()) / 1e6;
+}
+
+void Print(const char* name, double milliseconds) { std::printf("%s=%.1f\n", name, milliseconds); }
+
+FolderNode BiggestFolder() {
+    const FolderNodes folders = CollectFolders();
+    return *std::max_element(folders.Nodes.begin(), folders.Nodes.end(),
+                             [](const FolderNode& left, const FolderNode& right) {
+                                 return left.DirectFiles < right.DirectFiles;
+                             });
+}
+
+void MeasureList(CMainFrame& frame) {
+    const FolderNode folder = BiggestFolder();
+    std::printf("list_files=%u\n", folder.DirectFiles);
+    Print("list_fill", MillisecondsOf([&] { SendWindowMessage(frame.ListView, WM_LIST_SHOW_FOLDER, folder.EntryId); }));
+    constexpr std::array<SortKind, kColumns> kKinds{SortKind::Text, SortKind::WholeNumber, SortKind::Text,
+                                                    SortKind::Date, SortKind::Date,        SortKind::Text,
+                                                    SortKind::WholeNumber};
+    double slowest = 0;
+    for (int column = 0; column < kColumns; ++column) {
+        slowest = std::max(slowest, MillisecondsOf([&] { frame.ListView->SortList(column, false, kKinds[column]); }));
+    }
+    Print("list_slowest_sort", slowest);
+
+    auto* details = frame.ListView->findChild<QTreeView*>();
+    QScrollBar* bar = details->verticalScrollBar();
+    double slowestStep = 0;
+    for (int step = 0; step <= kScrollSteps; ++step) {
+        slowestStep = std::max(slowestStep, MillisecondsOf([&] {
+                                   bar->setValue(bar->maximum() / kScrollSteps * step);
+                                   details->viewport()->repaint();
+                               }));
+    }
+    Print("list_slowest_scroll_step", slowestStep);
+}
+
+void MeasureLog(CMainFrame& frame) {
+    const auto send = [] {
+        ProcessLogEntry entry{"Drive access error @ sector =12345 (Code =23)", "Data error.", "", kLogFailed};
+        for (int i = 0; i < kLogRows; ++i) {
+            Host().LogEvent(entry);
+        }
+    };
+    for (const char* name : {"log_first_rows", "log_next_rows"}) {
+        bool sent = false;
+        Print(name, MillisecondsOf([&] {
+                  const CWorkerThread worker([&] {
+                      send();
+                      QMetaObject::invokeMethod(&frame, [&sent] { sent = true; }, Qt::QueuedConnection);
+                  });
+                  while (!sent) {
+                      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                  }
+              }));
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: desktop-bench SAVED.tht\n");
+        return 2;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    WorkFolder folder;
+    if (folder.Create() != kErrorNone) {
+        return 1;
+    }
+    Engine.CatalogueFolder = folder.Path();
+    PrepareBoxes();
+    SetHost(&TheDesktopHost());
+    CMainFrame frame;
+    frame.show();
+    QCoreApplication::processEvents();
+    Print("load", MillisecondsOf([&] { frame.LoadTreeInfoFrom(QString::fromLocal8Bit(argv[1])); }));
+    if (frame.TreeView->IsEmpty()) {
+        std::fprintf(stderr, "%s can't be loaded\n", argv[1]);
+        return 1;
+    }
+    std::printf("entries=%llu\nfolders=%u\n", static_cast<unsigned long long>(CatalogueEntryCount()),
+                Engine.TotalFolders);
+    Print("tree_fill", MillisecondsOf([&] { frame.TreeView->FillTree(); }));
+    MeasureList(frame);
+    MeasureLog(frame);
+    SetHost(nullptr);
+    return 0;
+}

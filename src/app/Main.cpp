@@ -1,0 +1,73 @@
+// The desktop program.
+
+#include "engine/EngineState.h"
+#include "frame/CommandIds.h"
+#include "frame/MainFrame.h"
+#include "platform/InstanceLock.h"
+#include "platform/Interrupt.h"
+#include "platform/WorkFolder.h"
+#include "shell/Boxes.h"
+#include "shell/DesktopHost.h"
+#include "shell/Settings.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+namespace {
+
+using namespace thntfs;
+
+void ReadCommandLine(const QApplication& application) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Gets files back from damaged NTFS volumes."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(application);
+}
+
+// False where the program runs already, or can't tell.
+bool TakeInstance(InstanceLock& lock) {
+    const ErrorCode code = lock.Take("GlobalMutexTH-WIN");
+    if (code == kErrorNone) {
+        return true;
+    }
+    ShowBox(code == kErrorAlreadyExists
+                ? QStringLiteral("Tarnholt Volume salvage is already running.\n"
+                                 "Please close the running instance first.")
+                : QStringLiteral("Failed to load Tarnholt Volume Salvage (NTFS)"),
+            QStringLiteral("Error"), BoxIcon::Stop);
+    return false;
+}
+
+bool WantsWizard() {
+    return OpenSettings().value(QStringLiteral("Wizard/StartUp"), 0).toInt() != 0;
+}
+
+// Where the folder can't be had, each scan says that its files could not be opened.
+void ChooseCatalogueFolder() { LastingWorkFolder(Engine.CatalogueFolder); }
+
+int RunProgram(QApplication& application) {
+    OnInterrupt(Engine.ScanRunFlag);
+    ChooseCatalogueFolder();
+    PrepareBoxes();
+    SetHost(&TheDesktopHost());
+    CMainFrame frame;
+    frame.showMaximized();
+    if (WantsWizard()) {
+        QTimer::singleShot(0, &frame, [&frame] { frame.RunCommand(kCmdWizard); });
+    }
+    const int status = application.exec();
+    SetHost(nullptr);
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
+    QApplication::setApplicationDisplayName(QLatin1String(kProgramName));
+    ReadCommandLine(application);
+    InstanceLock lock;
+    return TakeInstance(lock) ? RunProgram(application) : 1;
+}

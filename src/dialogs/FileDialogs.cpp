@@ -1,0 +1,45 @@
+#include "dialogs/FileDialogs.h"
+
+#include "shell/Boxes.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+
+namespace thntfs {
+
+namespace {
+
+QString RunDialog(QFileDialog& dialog) {
+    const bool chosen = dialog.exec() == QDialog::Accepted;
+    return chosen ? dialog.selectedFiles().value(0) : QString();
+}
+
+// The dialog has asked about the name as it was typed, not about the one with the extension.
+bool MayWrite(const QString& typed, const QString& extension) {
+    const QString target = typed + extension;
+    if (typed.endsWith(extension) || !QFileInfo::exists(target)) {
+        return true;
+    }
+    return AskYesNo(QFileInfo(target).fileName() + QStringLiteral(" already exists.\nDo you want to replace it?"),
+                    QStringLiteral("Confirm"));
+}
+
+} // namespace
+
+QString ChooseFileToOpen(QWidget* owner, const QString& title, const QString& filters) {
+    QFileDialog dialog(owner, title, QString(), filters);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    return RunDialog(dialog);
+}
+
+QString ChooseFileToSave(QWidget* owner, const QString& title, const QString& suggestedName,
+                         const QString& filters, const QString& extension) {
+    QFileDialog dialog(owner, title, QString(), filters);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.selectFile(suggestedName);
+    const QString path = RunDialog(dialog);
+    return !path.isEmpty() && MayWrite(path, extension) ? path : QString();
+}
+
+} // namespace thntfs

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace thntfs {
+
+/// Asks for a file to open; empty for Cancel. `filters` are Qt's: "Name (*.ext);;Other (*)".
+QString ChooseFileToOpen(QWidget* owner, const QString& title, const QString& filters);
+
+/// Asks for a file to save to; empty for Cancel. What will be written is the path with `extension` appended
+/// where it doesn't end exactly so: the user has been asked about writing over that file, too. The path comes
+/// back as it was typed.
+QString ChooseFileToSave(QWidget* owner, const QString& title, const QString& suggestedName,
+                         const QString& filters, const QString& extension = {});
+
+} // namespace thntfs

@@ -1,0 +1,51 @@
+#include "frame/CommandRules.h"
+
+#include "frame/CommandIds.h"
+
+namespace thntfs {
+
+namespace {
+
+bool TurboScanEnabled(const FrameState& state, bool idle) {
+    return state.StructuresMissing || (state.BasicScanDone && idle && state.HasTree && !state.TurboScanUsed);
+}
+
+} // namespace
+
+bool CommandEnabled(std::uint32_t command, const FrameState& state) {
+    const bool noRun = !state.ScanRunning;
+    const bool idle = noRun && !state.JobBusy;
+    switch (command) {
+    case kCmdWizard:
+        return idle;
+    case kCmdOpenFoundDrive:
+    case kCmdSavePartitionInfo:
+        return noRun && state.HasPartitions;
+    case kCmdLoadPartitionInfo:
+    case kCmdLoadTreeInfo:
+        return noRun;
+    case kCmdFind:
+    case kCmdSaveAll:
+    case kCmdSaveTreeInfo:
+        return state.HasTree && idle;
+    case kCmdFindNext:
+        return state.HasFound && idle;
+    case kCmdStop:
+        return state.ScanRunning && !state.HasCopyDialog;
+    case kCmdParentFolder:
+        return idle && state.CurrentHasParent;
+    case kCmdTurboScan:
+        return TurboScanEnabled(state, idle);
+    case kCmdHound:
+        return idle && !state.StructuresMissing;
+    case kCmdClearLog:
+    case kCmdSaveLog:
+        return state.HasLog;
+    case kCmdSaveChecked:
+        return false;
+    default:
+        return true;
+    }
+}
+
+} // namespace thntfs

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+namespace thntfs {
+
+/// What decides which commands are enabled.
+struct FrameState {
+    bool ScanRunning = false; ///< ScanRunFlag
+    bool JobBusy = false;
+    bool HasTree = false;       ///< the tree shows at least one item
+    bool HasPartitions = false; ///< the medium's candidate list isn't empty
+    bool HasLog = false;
+    bool HasFound = false;       ///< Find has picked out an entry
+    bool HasCopyDialog = false;  ///< a clone or image job's dialog stands
+    bool CurrentHasParent = false; ///< the tree's current folder has one above it
+    bool StructuresMissing = false;
+    bool BasicScanDone = false;
+    bool TurboScanUsed = false;
+};
+
+/// The rule of a command. Commands without one are always enabled.
+bool CommandEnabled(std::uint32_t command, const FrameState& state);
+
+} // namespace thntfs

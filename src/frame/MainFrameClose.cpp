@@ -1,0 +1,69 @@
+// How the program ends.
+
+#include "engine/EngineState.h"
+#include "frame/MainFrame.h"
+#include "platform/Interrupt.h"
+#include "shell/Boxes.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+
+namespace thntfs {
+
+// A result that could not be saved stays on the screen: the log tells why, and the user may try another place.
+bool CMainFrame::MayClose() {
+    if (Engine.WaitDialog != nullptr) {
+        return false;
+    }
+    if (Engine.ScanRunFlag != 0) {
+        ShowBox(QStringLiteral("Please stop running process"), QStringLiteral("Warning"), BoxIcon::Warning);
+        return false;
+    }
+    if (JobBusy != 0) {
+        ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
+        return false;
+    }
+    if (ScanInfoDirty == 0 || NoScanYet != 0) {
+        return true;
+    }
+    switch (ShowBox(QStringLiteral("Do you want to save scan information?"), QStringLiteral("Confirm"),
+                    BoxIcon::Information, BoxButtons::YesNoCancel)) {
+    case BoxAnswer::Yes:
+        return SaveTreeInfoByDialog();
+    case BoxAnswer::No:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event) {
+    if (!ending_ && !MayClose()) {
+        event->ignore();
+        return;
+    }
+    endTimer_.stop();
+    SaveSettings();
+    ResetEngineState();
+    event->accept();
+    QCoreApplication::quit(); // a help window may still stand
+}
+
+// The program was told to end, by its desktop session or by a signal: nobody is asked anything, the worker
+// comes to its end, and then the window goes.
+void CMainFrame::EndIfAsked() {
+    if (!WasInterrupted()) {
+        return;
+    }
+    ending_ = true;
+    Engine.ScanRunFlag = 0;
+    RefuseBoxes(true);
+    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+        dialog->done(QDialog::Rejected);
+    } else if (JobBusy == 0 && Engine.WaitDialog == nullptr) {
+        close();
+    }
+}
+
+} // namespace thntfs

@@ -1,0 +1,188 @@
+// The life of a job: its start, its progress, the user's stop, its end.
+
+#include "engine/EngineState.h"
+#include "frame/MainFrame.h"
+#include "frame/ScanWorkers.h"
+#include "frame/StatusTexts.h"
+#include "shell/Boxes.h"
+#include "shell/DesktopHost.h"
+#include "shell/PauseGate.h"
+#include "wizard/WizardSheet.h"
+
+#include <system_error>
+
+namespace thntfs {
+
+namespace {
+
+const char* FinishedText(std::uintptr_t kind) {
+    switch (kind) {
+    case kFinishedSave:
+        return "Saving data completed.";
+    case kFinishedFileTypes:
+        return "Searching for file type(s) finished.";
+    case kFinishedBasicScan:
+        return "You have just completed Basic Scan of a logical drive.\n\n"
+               "Please examine the tree created, if you find none of the\n"
+               "files listed are the one you were looking for, then use\n"
+               "more advanced disk scanning method i.e. Turbo Scan.\n\n"
+               "Go to Tools->TurboScan";
+    default:
+        return nullptr;
+    }
+}
+
+const char* WorkName(std::uintptr_t work) {
+    switch (work) {
+    case kWorkClone:
+        return "Disk Cloning";
+    case kWorkImage:
+        return "Disk Imaging";
+    default:
+        return "Internal File processing";
+    }
+}
+
+} // namespace
+
+void CMainFrame::TakeWizardResult(CWizardSheet& sheet) {
+    CurrentEntry = std::move(sheet.WizardLogEntry);
+    if (CurrentEntry && !CurrentEntry->Name.empty()) {
+        LogicalDriveNumber = static_cast<std::uint8_t>(CurrentEntry->Name.back() - '0');
+    }
+    Engine.TurboScanUsed = 0;
+    JobBusy = 1;
+    BeginBasicScan();
+}
+
+void CMainFrame::BeginBasicScan() {
+    Engine.TotalFiles = 0;
+    Engine.TotalFolders = 0;
+    Engine.TotalBytes = 0;
+    SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
+    ClearViews();
+    ClearFindMark();
+    Engine.ScanRunFlag = 1;
+    JobBusy = 1;
+    ScanInfoDirty = 1;
+    NoScanYet = 0;
+    SendWindowMessage(this, WM_START_BASIC_SCAN);
+}
+
+// A bar made before the worker starts is there for its first report.
+void CMainFrame::StartBasicScan() {
+    ScanInfoDirty = 1;
+    CreateProgressBar(QString(8, QLatin1Char(' ')));
+    StartWorker(&BasicScanThread);
+}
+
+void CMainFrame::StartTurboScan() {
+    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+        return;
+    }
+    Engine.ScanRunFlag = 1;
+    JobBusy = 1;
+    Engine.TurboScanUsed = 1;
+    ScanInfoDirty = 1;
+    Panes[1]->setText(QLatin1String(kNoTotalsText));
+    ClearFindMark();
+    CreateProgressBar(QStringLiteral("Scanning"));
+    StartWorker(&TurboScanThread);
+}
+
+// The worker before it has returned, or is about to: its last message has been handled.
+void CMainFrame::StartWorker(void (*work)(CMainFrame&)) {
+    worker_.reset();
+    try {
+        worker_ = std::make_unique<CWorkerThread>([this, work] { work(*this); });
+        WorkerThread = worker_.get();
+    } catch (const std::system_error& failure) {
+        ShowBox(QString::fromLocal8Bit(failure.what()), QStringLiteral("Error"), BoxIcon::Stop);
+        EndFailedJob();
+    }
+}
+
+void CMainFrame::CreateProgressBar(const QString& caption) {
+    constexpr int kWholePane = 100;
+    constexpr int kMaximum = 100;
+    ProgressBar.reset();
+    ProgressBar = std::make_unique<CProgressBar>(Panes[0], caption, kWholePane, kMaximum);
+    ProgressBar->Label = QStringLiteral("Scanning");
+    TheDesktopHost().BeginProgress();
+}
+
+void CMainFrame::ShowJobProgress() {
+    if (!ProgressBar) {
+        return;
+    }
+    const int percent = ProgressPercent();
+    if (percent == ProgressBar->LastPercent && percent != 0) {
+        return;
+    }
+    ProgressBar->SetText(ProgressBar->Label + QStringLiteral(" :%1%").arg(percent));
+    ProgressBar->LastPercent = percent;
+    ProgressBar->SetPos(percent);
+    Panes[0]->repaint(); // a load fills the tree on this thread, which does not get round to painting
+}
+
+// The worker stands still while the question is up. What it had sent before may still be handled meanwhile,
+// its last message too.
+void CMainFrame::StopProcess() {
+    if (Engine.ScanRunFlag == 0 || Engine.CopyDialog != nullptr) {
+        return;
+    }
+    const WorkerPause pause;
+    PostWindowMessage(MainWindow(), WM_COPY_EVENT, kWorkScan, kEventPaused);
+    if (Engine.ScanRunFlag != 0 &&
+        AskYesNo(QStringLiteral("Do you want to stop process?"), QStringLiteral("Confirm"))) {
+        Engine.ScanRunFlag = 0;
+        return;
+    }
+    PostWindowMessage(MainWindow(), WM_COPY_EVENT, kWorkScan, kEventResumed);
+}
+
+void CMainFrame::LogCopyEvent(std::uintptr_t work, std::uintptr_t event) {
+    ProcessLogEntry entry;
+    if (event == kEventPaused || event == kEventResumed) {
+        entry.Name = WorkName(work);
+        entry.Description = event == kEventPaused ? "Process Paused" : "Process Resumed";
+        SendWindowMessage(LogList, WM_LOG_ADD, WordOf(&entry));
+        return;
+    }
+    if (!CurrentEntry) {
+        CurrentEntry = std::make_unique<ProcessLogEntry>();
+    }
+    const bool completed = event == kEventCompleted;
+    CurrentEntry->Status = completed ? kLogDone : kLogFailed;
+    CurrentEntry->Name = (completed ? "Completed " : "Aborted ") + CurrentEntry->Name;
+    if (work == kWorkClone || work == kWorkImage) {
+        JobBusy = 0;
+    }
+    SendWindowMessage(LogList, WM_LOG_ADD, WordOf(CurrentEntry.get()));
+}
+
+void CMainFrame::FinishJob(std::uintptr_t kind) {
+    ProgressBar.reset();
+    if (const char* text = FinishedText(kind)) {
+        ShowBox(QLatin1String(text), QStringLiteral("Information"), BoxIcon::Information);
+    }
+    if (!ending_) {
+        showMaximized();
+    }
+    ReturnToIdle();
+    Panes[2]->clear();
+}
+
+void CMainFrame::EndFailedJob() {
+    ProgressBar.reset();
+    ReturnToIdle();
+}
+
+void CMainFrame::ReturnToIdle() {
+    Engine.ScanRunFlag = 0;
+    JobBusy = 0;
+    WorkerThread = nullptr;
+    UpdateCommands();
+}
+
+} // namespace thntfs

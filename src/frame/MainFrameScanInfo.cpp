@@ -1,0 +1,137 @@
+// The main window's commands that load and save: scan information of both kinds, the log's text.
+
+#include "dialogs/FileDialogs.h"
+#include "engine/EngineState.h"
+#include "frame/MainFrame.h"
+#include "platform/DiskIdentity.h"
+#include "platform/File.h"
+#include "platform/Text.h"
+#include "scaninfo/PartitionInfoFile.h"
+#include "scaninfo/ProcessLog.h"
+#include "scaninfo/ScanInfoNames.h"
+#include "scaninfo/TreeInfoFile.h"
+#include "shell/Boxes.h"
+#include "wizard/WizardSheet.h"
+
+#include <ctime>
+
+namespace thntfs {
+
+namespace {
+
+QString TreeFilter() { return QStringLiteral("Scan Info File (*.tht)"); }
+QString PartitionFilter() { return QStringLiteral("Scan Info File (*.thd)"); }
+
+std::tm LocalNow() {
+    const std::time_t now = std::time(nullptr);
+    return *std::localtime(&now);
+}
+
+// A file on the medium that is being read might land on what the user wants back.
+bool LiesElsewhere(const QString& path, std::string_view extension) {
+    const std::string medium = NarrowText(Engine.SourceDisk.Description);
+    const std::string target = ScanInfoPlaceOf(path.toStdString(), extension).Target;
+    if (SharesMedium(target, medium)) {
+        ShowBox(QStringLiteral("%1 lies on the medium that is being read.\nPlease choose a place on another disk.")
+                    .arg(QString::fromStdString(target)),
+                QStringLiteral("Warning"), BoxIcon::Warning);
+        return false;
+    }
+    return true;
+}
+
+// Scan information holds the medium's path, by which it is opened again.
+bool PathIsKept() {
+    if (Engine.SourceDisk.Description.size() < kMaxDescriptionUnits || DescriptionFits(Engine.ImagePath)) {
+        return true;
+    }
+    ShowBox(QStringLiteral("Scan information can't be saved: the path of the medium is too long.\n"
+                           "Please open the medium by a link with a shorter path."),
+            QStringLiteral("Warning"), BoxIcon::Warning);
+    return false;
+}
+
+} // namespace
+
+void CMainFrame::LoadTreeInfoByDialog() {
+    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+        return;
+    }
+    const QString path = ChooseFileToOpen(this, QStringLiteral("Load Tree Info"), TreeFilter());
+    if (!path.isEmpty()) {
+        LoadTreeInfoFrom(path);
+    }
+}
+
+void CMainFrame::LoadTreeInfoFrom(const QString& path) {
+    ClearViews();
+    const ScanInfoResult result = LoadTreeInfo(path.toStdString(), [this] {
+        CreateProgressBar(QString(8, QLatin1Char(' ')));
+        ScanInfoDirty = 1;
+        NoScanYet = 0;
+        TreeView->FillTree();
+    });
+    ProgressBar.reset();
+    if (!result.Done) {
+        ClearViews();
+    }
+    UpdateCommands();
+}
+
+bool CMainFrame::SaveTreeInfoByDialog() {
+    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+        return false;
+    }
+    const QString path =
+        ChooseFileToSave(this, QStringLiteral("Save Tree Info"),
+                         QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(),
+                         QString::fromLatin1(kTreeInfoExtension.data(), kTreeInfoExtension.size()));
+    if (path.isEmpty() || !LiesElsewhere(path, kTreeInfoExtension) || !PathIsKept()) {
+        return false;
+    }
+    const ScanInfoResult result = SaveTreeInfo(path.toStdString());
+    ScanInfoDirty = 0;
+    return result.Done;
+}
+
+void CMainFrame::LoadPartitionInfoByDialog() {
+    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+        return;
+    }
+    const QString path = ChooseFileToOpen(this, QStringLiteral("Load Partition Info"), PartitionFilter());
+    if (path.isEmpty()) {
+        return;
+    }
+    ClearViews();
+    LoadPartitionInfo(path.toStdString(), [this] { OpenFoundDrive(); });
+    UpdateCommands();
+}
+
+void CMainFrame::SavePartitionInfoByDialog() {
+    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
+        return;
+    }
+    const QString path =
+        ChooseFileToSave(this, QStringLiteral("Save Partition Info"),
+                         QString::fromStdString(SuggestedPartitionInfoName(LocalNow())), PartitionFilter(),
+                         QString::fromLatin1(kPartitionInfoExtension.data(), kPartitionInfoExtension.size()));
+    if (!path.isEmpty() && LiesElsewhere(path, kPartitionInfoExtension) && PathIsKept()) {
+        SavePartitionInfo(path.toStdString());
+    }
+}
+
+void CMainFrame::SaveLogByDialog() {
+    const QString path = ChooseFileToSave(this, QStringLiteral("Save Process Log"),
+                                          QLatin1String(kSuggestedLogName), QStringLiteral("Text File (*.txt)"));
+    if (path.isEmpty() || !LiesElsewhere(path, {})) {
+        return;
+    }
+    std::unique_ptr<File> file;
+    ErrorCode code = Files().Open(path.toStdString(), FileMode::CreateAlways, file);
+    code = code == kErrorNone ? WriteLogText(LogList->Log(), *file) : code;
+    if (code != kErrorNone) {
+        ShowBox(QStringLiteral("Error creating log file"), QStringLiteral("Error"), BoxIcon::Information);
+    }
+}
+
+} // namespace thntfs

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace thntfs {
+
+/// A size for people: seven places wide with three decimals, in KB below 1,048,576 bytes, in MB below
+/// 1,073,741,824, else in GB. 512 gives "  0.500 KB".
+std::string SizeText(std::uint64_t bytes);
+
+} // namespace thntfs

@@ -1,0 +1,137 @@
+#include "shell/Boxes.h"
+
+#include "shell/MessageTarget.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <memory>
+
+namespace thntfs {
+
+namespace {
+
+struct BoxRequest {
+    const QString& Text;
+    const QString& Caption;
+    BoxIcon Icon;
+    BoxButtons Buttons;
+};
+
+bool boxesRefused = false;
+
+QMessageBox::Icon IconOf(const BoxRequest& request) {
+    if (request.Buttons != BoxButtons::Ok) {
+        return QMessageBox::Question;
+    }
+    switch (request.Icon) {
+    case BoxIcon::Warning:
+        return QMessageBox::Warning;
+    case BoxIcon::Stop:
+        return QMessageBox::Critical;
+    default:
+        return QMessageBox::Information;
+    }
+}
+
+QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
+    switch (buttons) {
+    case BoxButtons::YesNo:
+        return QMessageBox::Yes | QMessageBox::No;
+    case BoxButtons::YesNoCancel:
+        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    default:
+        return QMessageBox::Ok;
+    }
+}
+
+BoxAnswer AnswerUnasked(BoxButtons buttons) {
+    switch (buttons) {
+    case BoxButtons::YesNo:
+        return BoxAnswer::No;
+    case BoxButtons::YesNoCancel:
+        return BoxAnswer::Cancel;
+    default:
+        return BoxAnswer::Ok;
+    }
+}
+
+QWidget* Owner() {
+    if (QWidget* modal = QApplication::activeModalWidget()) {
+        return modal;
+    }
+    return dynamic_cast<QWidget*>(MainWindow());
+}
+
+BoxAnswer AnswerOf(int button, BoxButtons buttons) {
+    switch (button) {
+    case QMessageBox::Yes:
+        return BoxAnswer::Yes;
+    case QMessageBox::No:
+        return BoxAnswer::No;
+    default:
+        return AnswerUnasked(buttons);
+    }
+}
+
+BoxAnswer RunBox(const BoxRequest& request) {
+    if (boxesRefused) {
+        return AnswerUnasked(request.Buttons);
+    }
+    QMessageBox box(Owner());
+    box.setIcon(IconOf(request));
+    box.setWindowTitle(request.Caption);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(request.Text);
+    box.setStandardButtons(ButtonsOf(request.Buttons));
+    if (request.Buttons == BoxButtons::YesNo) {
+        box.setEscapeButton(QMessageBox::No); // without it neither Escape nor the close button would do
+    }
+    return AnswerOf(box.exec(), request.Buttons);
+}
+
+/// Shows the boxes of workers, which wait in their send.
+class BoxService : public CMessageTarget {
+public:
+    std::intptr_t OnMessage(std::uint32_t /*message*/, std::uintptr_t wParam,
+                            std::uintptr_t /*lParam*/) override {
+        return static_cast<std::intptr_t>(RunBox(*PointerIn<const BoxRequest>(wParam)));
+    }
+};
+
+std::unique_ptr<BoxService> boxService;
+
+} // namespace
+
+BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon, BoxButtons buttons) {
+    const BoxRequest request{text, caption, icon, buttons};
+    if (OnInterfaceThread()) {
+        return RunBox(request);
+    }
+    return static_cast<BoxAnswer>(SendWindowMessage(boxService.get(), WM_APP, WordOf(&request)));
+}
+
+bool AskYesNo(const QString& text, const QString& caption) {
+    return ShowBox(text, caption, BoxIcon::Information, BoxButtons::YesNo) == BoxAnswer::Yes;
+}
+
+void PrepareBoxes() {
+    if (!boxService) {
+        boxService = std::make_unique<BoxService>();
+        qAddPostRoutine([] { boxService.reset(); });
+    }
+}
+
+void RefuseBoxes(bool refuse) {
+    boxesRefused = refuse;
+    if (!refuse) {
+        return;
+    }
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (auto* box = qobject_cast<QMessageBox*>(window)) {
+            box->reject();
+        }
+    }
+}
+
+} // namespace thntfs

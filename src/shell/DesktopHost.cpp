@@ -1,0 +1,64 @@
+#include "shell/DesktopHost.h"
+
+#include "engine/EngineState.h"
+#include "shell/Boxes.h"
+#include "shell/PauseGate.h"
+
+namespace thntfs {
+
+void DesktopHost::LogEvent(const ProcessLogEntry& entry) {
+    SendWindowMessage(MainWindow(), WM_LOG_EVENT, WordOf(&entry));
+}
+
+// The bar shows whole percents, so a look that would not change it is spared the way to the other thread.
+void DesktopHost::JobProgress() {
+    const int percent = ProgressPercent();
+    if (percent != 0 && percent == sentPercent_) {
+        return;
+    }
+    sentPercent_ = percent;
+    SendWindowMessage(MainWindow(), WM_JOB_PROGRESS);
+}
+
+void DesktopHost::ErrorBox(const std::string& text) {
+    ShowBox(QString::fromStdString(text), QStringLiteral("Error"), BoxIcon::Stop);
+}
+
+void DesktopHost::MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) {
+    ShowBox(QString::fromStdString(text), QString::fromStdString(caption), icon);
+}
+
+void DesktopHost::PassGate() {
+    if (!OnInterfaceThread()) {
+        WorkerGate().Pass();
+    }
+}
+
+void DesktopHost::SearchPosition(std::uint64_t sector, std::uint64_t endSector) {
+    SendWindowMessage(searchDialog_, WM_SEARCH_POSITION, static_cast<std::uint32_t>(sector),
+                      static_cast<std::uint32_t>(endSector));
+}
+
+void DesktopHost::PartitionFound(std::uint64_t startSector) {
+    SendWindowMessage(searchDialog_, WM_PARTITION_FOUND, static_cast<std::uint32_t>(startSector));
+}
+
+void DesktopHost::CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) {
+    SendWindowMessage(MainWindow(), WM_COPY_POSITION, static_cast<std::uint32_t>(sectorsDone),
+                      static_cast<std::uint32_t>(totalSectors));
+}
+
+DesktopHost& TheDesktopHost() {
+    static DesktopHost host;
+    return host;
+}
+
+int ProgressPercent() {
+    if (Engine.ProgressTotal == 0) {
+        return 0;
+    }
+    return static_cast<int>(static_cast<double>(Engine.ProgressDone) / static_cast<double>(Engine.ProgressTotal) *
+                            100);
+}
+
+} // namespace thntfs

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/Host.h"
+#include "shell/MessageTarget.h"
+
+#include <atomic>
+
+namespace thntfs {
+
+/// What the engine knows of the desktop program. Everything it says goes on as a sent message.
+class DesktopHost : public EngineHost {
+public:
+    void LogEvent(const ProcessLogEntry& entry) override;
+    void JobProgress() override;
+    void ErrorBox(const std::string& text) override;
+    void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override;
+    void PassGate() override;
+    void SearchPosition(std::uint64_t sector, std::uint64_t endSector) override;
+    void PartitionFound(std::uint64_t startSector) override;
+    void CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) override;
+
+    /// The dialog that a search reports to, null for none. Set while no search runs.
+    void SetSearchDialog(CMessageTarget* dialog) { searchDialog_ = dialog; }
+
+    /// To be called when a new progress bar stands: the next look at the progress is passed on whatever it
+    /// says.
+    void BeginProgress() { sentPercent_ = kNothingSent; }
+
+private:
+    static constexpr int kNothingSent = -1;
+
+    CMessageTarget* searchDialog_ = nullptr;
+    std::atomic<int> sentPercent_{kNothingSent};
+};
+
+/// The one that the program runs with.
+DesktopHost& TheDesktopHost();
+
+/// ProgressDone of ProgressTotal in whole percent, rounded down. A total of 0 gives 0.
+int ProgressPercent();
+
+} // namespace thntfs

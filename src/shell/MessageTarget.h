@@ -1,0 +1,60 @@
+#pragma once
+
+#include "shell/WindowMessages.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace thntfs {
+
+class MessagePort;
+
+/// Whoever takes window messages: the frame, a view, a dialog. To be made and destroyed on the interface
+/// thread, and not while a worker may still send to it.
+class CMessageTarget {
+public:
+    CMessageTarget();
+    virtual ~CMessageTarget();
+    CMessageTarget(const CMessageTarget&) = delete;
+    CMessageTarget& operator=(const CMessageTarget&) = delete;
+
+    /// Handles a message, on the interface thread. What it gives and what it throws comes back to who has
+    /// sent the message. Out of a posted message nothing may be thrown.
+    virtual std::intptr_t OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) = 0;
+
+private:
+    friend std::intptr_t SendWindowMessage(CMessageTarget*, std::uint32_t, std::uintptr_t, std::uintptr_t);
+    friend void PostWindowMessage(CMessageTarget*, std::uint32_t, std::uintptr_t, std::uintptr_t);
+
+    std::unique_ptr<MessagePort> port_;
+};
+
+/// Has the target handle a message and waits until it has done so, so pointers in it stay valid. On the
+/// interface thread this is a plain call. From a worker the message runs on the interface thread, in the
+/// order of sending and before what has been posted; a worker under pause neither begins nor ends a send.
+/// Without a target nothing happens. Gives what OnMessage gives, 0 where the target went away meanwhile.
+std::intptr_t SendWindowMessage(CMessageTarget* target, std::uint32_t message, std::uintptr_t wParam = 0,
+                                std::uintptr_t lParam = 0);
+
+/// Queues a message for the interface thread and goes on. It must carry numbers only.
+void PostWindowMessage(CMessageTarget* target, std::uint32_t message, std::uintptr_t wParam = 0,
+                       std::uintptr_t lParam = 0);
+
+/// True on the thread that owns the windows.
+bool OnInterfaceThread();
+
+/// The main frame, to which all report; null as long as there is none.
+CMessageTarget* MainWindow();
+void SetMainWindow(CMessageTarget* frame);
+
+/// A pointer in a message's word, and out of it.
+template <typename T>
+std::uintptr_t WordOf(const T* pointer) {
+    return reinterpret_cast<std::uintptr_t>(pointer);
+}
+template <typename T>
+T* PointerIn(std::uintptr_t word) {
+    return reinterpret_cast<T*>(word);
+}
+
+} // namespace thntfs

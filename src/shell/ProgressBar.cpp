@@ -1,0 +1,66 @@
+#include "shell/ProgressBar.h"
+
+#include <QEvent>
+#include <algorithm>
+
+namespace thntfs {
+
+CProgressBar::CProgressBar(QLabel* pane, const QString& message, int percentOfPane, int maximum)
+    : QProgressBar(pane)
+    , pane_(pane)
+    , percentOfPane_(percentOfPane) {
+    setRange(0, maximum);
+    setValue(0);
+    setTextVisible(false); // the percent stands in the pane
+    setMinimumSize(0, 0);  // the room of the pane counts, not what the style would like
+    pane->installEventFilter(this);
+    show();
+    SetText(message);
+}
+
+CProgressBar::~CProgressBar() {
+    if (pane_) {
+        hide();
+        pane_->setText(QStringLiteral("Ready"));
+    }
+}
+
+void CProgressBar::SetText(const QString& message) {
+    message_ = message;
+    if (pane_) {
+        pane_->setText(message);
+        Place();
+        pane_->repaint(); // a job on the interface thread runs no event loop
+    }
+}
+
+void CProgressBar::SetPos(int position) {
+    show();
+    setValue(position);
+}
+
+bool CProgressBar::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (watched == pane_ && (type == QEvent::Resize || type == QEvent::FontChange)) {
+        Place();
+    }
+    return QProgressBar::eventFilter(watched, event);
+}
+
+void CProgressBar::Place() { setGeometry(FreeRoom()); }
+
+QRect CProgressBar::FreeRoom() const {
+    const QFontMetrics metrics = pane_->fontMetrics();
+    QRect room = pane_->contentsRect();
+    if (!message_.isEmpty()) {
+        const int text =
+            metrics.horizontalAdvance(message_) + 4 * metrics.horizontalAdvance(QLatin1Char(' '));
+        room.setLeft(room.left() + pane_->margin() + text);
+    }
+    const int width = std::max(0, room.width());
+    room.setWidth(width - width * (100 - percentOfPane_) / 100);
+    const int edge = room.height() / 10;
+    return room.adjusted(0, edge, 0, -edge);
+}
+
+} // namespace thntfs

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QWidget>
+
+namespace thntfs {
+
+/// The small window that stands while the list is filled. Engine.WaitDialog names it from its construction to
+/// its destruction, which tells views and commands that the program is busy. It comes to the screen when the
+/// fill takes long enough for somebody to wonder.
+class CDlgWait : public QWidget {
+public:
+    explicit CDlgWait(QWidget* owner);
+    ~CDlgWait() override;
+
+    /// To be called now and then during the fill.
+    void Waiting();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QElapsedTimer since_;
+};
+
+} // namespace thntfs

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QPoint>
+#include <functional>
+
+class QWidget;
+
+namespace thntfs {
+
+inline constexpr int kCommandSave = 32825;
+inline constexpr int kCommandPreview = 32826;
+inline constexpr int kCommandProperties = 32827;
+inline constexpr int kCommandSearch = 32828;
+
+/// Which commands of the context menu can be chosen. "Save" always can.
+struct ContextMenuChoice {
+    bool Preview = false;
+    bool Search = true;
+    bool Properties = true;
+};
+
+/// Opens the context menu of the views at a place of the screen and returns. `run` gets the number of the
+/// command that is chosen later. The menu belongs to `owner` and goes when it closes.
+void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice,
+                     std::function<void(int command)> run);
+
+/// True while a window shows the content of a file; one at a time is enough.
+bool PreviewWindowOpen();
+void SetPreviewWindowOpen(bool open);
+
+} // namespace thntfs

@@ -1,0 +1,70 @@
+#include "views/DetailsView.h"
+
+#include "views/FileDelegate.h"
+#include "views/FileListModel.h"
+
+#include <QHeaderView>
+#include <array>
+#include <cmath>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60};
+constexpr int kIconPixels = 16;
+
+} // namespace
+
+DetailsView::DetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
+    : RowView(actions, parent) {
+    setModel(model);
+    setItemDelegate(new FileDelegate(FileDelegate::Look::Striped, this));
+    setIconSize({kIconPixels, kIconPixels});
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    header()->setSectionsClickable(true);
+    header()->setSortIndicatorShown(true);
+    header()->setContextMenuPolicy(Qt::PreventContextMenu);
+    for (int column = 0; column < FileListModel::kColumns; ++column) {
+        header()->resizeSection(column, kWidths.at(static_cast<std::size_t>(column)));
+    }
+    RememberShares();
+    connect(header(), &QHeaderView::sectionResized, this, [this] {
+        if (!fitting_) {
+            RememberShares();
+        }
+    });
+}
+
+void DetailsView::resizeEvent(QResizeEvent* event) {
+    RowView::resizeEvent(event);
+    FitColumns();
+}
+
+void DetailsView::RememberShares() {
+    shares_.clear();
+    for (int column = 0; column < FileListModel::kColumns; ++column) {
+        shares_.push_back(header()->sectionSize(column) / static_cast<double>(header()->length()));
+    }
+}
+
+// Each column ends where its share does, so that the rounding never adds up.
+void DetailsView::FitColumns() {
+    fitting_ = true;
+    double end = 0;
+    int left = 0;
+    for (int column = 0; column < FileListModel::kColumns; ++column) {
+        end += shares_[static_cast<std::size_t>(column)] * viewport()->width();
+        const int right = static_cast<int>(std::lround(end));
+        header()->resizeSection(column, right - left);
+        left = right;
+    }
+    fitting_ = false;
+}
+
+} // namespace thntfs

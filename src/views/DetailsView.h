@@ -1,0 +1,26 @@
+#pragma once
+
+#include "views/RowView.h"
+
+#include <QTreeView>
+#include <vector>
+
+namespace thntfs {
+
+/// The list with all its columns. They share the width of the view, as the user has last divided it.
+class DetailsView : public RowView<QTreeView> {
+public:
+    DetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void FitColumns();
+    void RememberShares();
+
+    std::vector<double> shares_; ///< of each column in the width of the view
+    bool fitting_ = false;
+};
+
+} // namespace thntfs

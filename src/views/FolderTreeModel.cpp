@@ -1,0 +1,210 @@
+#include "views/FolderTreeModel.h"
+
+#include "engine/EngineState.h"
+#include "shell/Icons.h"
+#include "views/ShownName.h"
+#include "views/TextOrder.h"
+
+#include <QFont>
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+Qt::CheckState CheckStateOf(FolderMark mark) {
+    switch (mark) {
+    case FolderMark::Checked:
+        return Qt::Checked;
+    case FolderMark::Partly:
+        return Qt::PartiallyChecked;
+    default:
+        return Qt::Unchecked;
+    }
+}
+
+} // namespace
+
+FolderTreeModel::FolderTreeModel(QObject* parent)
+    : QAbstractItemModel(parent)
+    , icons_{LoadIcon("folder-deleted"), LoadIcon("folder-live")}
+    , openIcons_{LoadIcon("folder-deleted-open"), LoadIcon("folder-live-open")} {}
+
+void FolderTreeModel::SetFolders(FolderNodes folders) {
+    beginResetModel();
+    folders_ = std::move(folders);
+    marks_.assign(folders_.Nodes.size(), FolderMark::Unchecked);
+    ListChildren();
+    current_ = kTop;
+    bold_ = true;
+    endResetModel();
+}
+
+void FolderTreeModel::ListChildren() {
+    const std::size_t count = folders_.Nodes.size();
+    childStart_.assign(count + 1, 0);
+    for (std::size_t place = 1; place < count; ++place) {
+        ++childStart_[folders_.Nodes[place].Parent + 1];
+    }
+    std::partial_sum(childStart_.begin(), childStart_.end(), childStart_.begin());
+
+    children_.assign(count, 0);
+    rows_.assign(count, 0);
+    sorted_.assign(count, false);
+    std::vector<std::uint32_t> next = childStart_;
+    for (std::uint32_t place = 1; place < count; ++place) {
+        children_[next[folders_.Nodes[place].Parent]++] = place;
+    }
+}
+
+void FolderTreeModel::SortChildren(std::uint32_t place) const {
+    if (sorted_[place]) {
+        return;
+    }
+    sorted_[place] = true;
+    const auto first = children_.begin() + childStart_[place];
+    const std::vector<std::uint32_t> unsorted(first, first + ChildCount(place));
+    const TextOrder order;
+    std::vector<TextOrder::Key> keys;
+    keys.reserve(unsorted.size());
+    for (const std::uint32_t child : unsorted) {
+        keys.push_back(order.KeyOf(ShownName(folders_.Name(child))));
+    }
+    auto to = first;
+    for (const std::uint32_t from : SortedPlaces(keys, true)) {
+        rows_[unsorted[from]] = static_cast<std::uint32_t>(to - first);
+        *to++ = unsorted[from];
+    }
+}
+
+std::uint32_t FolderTreeModel::ChildCount(std::uint32_t place) const {
+    return childStart_[place + 1] - childStart_[place];
+}
+
+std::optional<std::uint32_t> FolderTreeModel::PlaceOfEntry(std::uint32_t entryId) const {
+    const auto found = std::find_if(folders_.Nodes.begin(), folders_.Nodes.end(),
+                                    [entryId](const FolderNode& node) { return node.EntryId == entryId; });
+    if (found == folders_.Nodes.end()) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint32_t>(found - folders_.Nodes.begin());
+}
+
+std::uint32_t FolderTreeModel::PlaceOf(const QModelIndex& index) const {
+    return static_cast<std::uint32_t>(index.internalId());
+}
+
+QModelIndex FolderTreeModel::IndexOf(std::uint32_t place) const {
+    if (place != kTop) {
+        SortChildren(folders_.Nodes[place].Parent);
+    }
+    return createIndex(static_cast<int>(rows_[place]), 0, place);
+}
+
+void FolderTreeModel::SetCurrent(std::uint32_t place, bool bold) {
+    const std::uint32_t old = std::exchange(current_, place);
+    bold_ = bold;
+    TellChanged(old);
+    TellChanged(place);
+}
+
+void FolderTreeModel::TellChanged(std::uint32_t place) {
+    const QModelIndex index = IndexOf(place);
+    Q_EMIT dataChanged(index, index);
+}
+
+void FolderTreeModel::ToggleMark(std::uint32_t place) {
+    const FolderMark mark =
+        marks_[place] == FolderMark::Unchecked ? FolderMark::Checked : FolderMark::Unchecked;
+    std::fill(marks_.begin() + place, marks_.begin() + folders_.Nodes[place].End, mark);
+    for (std::uint32_t above = place; above != kTop;) {
+        above = folders_.Nodes[above].Parent;
+        marks_[above] = AllChildrenAre(above, mark) ? mark : FolderMark::Partly;
+    }
+    TellChanged(place);
+}
+
+bool FolderTreeModel::AllChildrenAre(std::uint32_t place, FolderMark mark) const {
+    const auto first = children_.begin() + childStart_[place];
+    return std::all_of(first, first + ChildCount(place),
+                       [&](std::uint32_t child) { return marks_[child] == mark; });
+}
+
+// The top is no folder of the volume: the totals leave it out too.
+void FolderTreeModel::SumMarks() const {
+    Engine.MarkedFiles = 0;
+    Engine.MarkedFolders = 0;
+    Engine.MarkedBytes = 0;
+    for (std::uint32_t place = 0; place < folders_.Nodes.size(); ++place) {
+        if (marks_[place] == FolderMark::Checked) {
+            Engine.MarkedFolders += place == kTop ? 0 : 1;
+            Engine.MarkedFiles += folders_.Nodes[place].DirectFiles;
+            Engine.MarkedBytes += folders_.Nodes[place].DirectBytes;
+        }
+    }
+}
+
+QModelIndex FolderTreeModel::index(int row, int column, const QModelIndex& parent) const {
+    if (!hasIndex(row, column, parent)) {
+        return {};
+    }
+    if (!parent.isValid()) {
+        return createIndex(row, column, kTop);
+    }
+    const std::uint32_t place = PlaceOf(parent);
+    SortChildren(place);
+    return createIndex(row, column, children_[childStart_[place] + static_cast<std::uint32_t>(row)]);
+}
+
+QModelIndex FolderTreeModel::parent(const QModelIndex& child) const {
+    const std::uint32_t place = PlaceOf(child);
+    return !child.isValid() || place == kTop ? QModelIndex() : IndexOf(folders_.Nodes[place].Parent);
+}
+
+int FolderTreeModel::rowCount(const QModelIndex& parent) const {
+    if (!parent.isValid()) {
+        return IsEmpty() ? 0 : 1;
+    }
+    return static_cast<int>(ChildCount(PlaceOf(parent)));
+}
+
+int FolderTreeModel::columnCount(const QModelIndex& /*parent*/) const { return 1; }
+
+bool FolderTreeModel::hasChildren(const QModelIndex& parent) const { return rowCount(parent) > 0; }
+
+QVariant FolderTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    const std::uint32_t place = PlaceOf(index);
+    const std::size_t live = folders_.Nodes[place].Live ? 1 : 0;
+    switch (role) {
+    case Qt::DisplayRole:
+        return ShownName(folders_.Name(place));
+    case Qt::DecorationRole:
+        return icons_.at(live);
+    case Qt::CheckStateRole:
+        return CheckStateOf(marks_[place]);
+    case Qt::FontRole:
+        return Font(place);
+    case kOpenIconRole:
+        return openIcons_.at(live);
+    case kCurrentRole:
+        return place == current_;
+    default:
+        return {};
+    }
+}
+
+QVariant FolderTreeModel::Font(std::uint32_t place) const {
+    if (place != current_ || !bold_) {
+        return {};
+    }
+    QFont font;
+    font.setBold(true);
+    return font;
+}
+
+} // namespace thntfs

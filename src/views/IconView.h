@@ -1,0 +1,19 @@
+#pragma once
+
+#include "views/RowView.h"
+
+#include <QListView>
+
+namespace thntfs {
+
+/// The list without its columns: large icons, small icons, or names one below the other.
+class IconView : public RowView<QListView> {
+public:
+    enum class Look { Large, Small, List };
+
+    IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
+
+    void SetLook(Look look);
+};
+
+} // namespace thntfs

@@ -1,0 +1,296 @@
+#include "views/TreeView.h"
+
+#include "engine/EngineState.h"
+#include "views/ContextMenu.h"
+#include "views/FolderDelegate.h"
+#include "views/FolderTreeModel.h"
+#include "views/ListView.h"
+#include "views/ViewsBusy.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+constexpr int kIconPixels = 16;
+
+} // namespace
+
+CTHNTFSTreeView::CTHNTFSTreeView(QWidget* parent)
+    : QTreeView(parent)
+    , model_(new FolderTreeModel(this))
+    , delegate_(new FolderDelegate(this)) {
+    setModel(model_);
+    setItemDelegate(delegate_);
+    SetUpLook();
+    connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
+        if (ViewsBusy()) {
+            collapse(index);
+        }
+    });
+}
+
+void CTHNTFSTreeView::SetUpLook() {
+    setHeaderHidden(true);
+    setUniformRowHeights(true);
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    setSelectionBehavior(SelectItems);
+    setIconSize({kIconPixels, kIconPixels});
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+}
+
+void CTHNTFSTreeView::FillTree() {
+    FolderNodes folders = CollectFolders();
+    SendWindowMessage(this, WM_TREE_FILLED, WordOf(&folders));
+}
+
+void CTHNTFSTreeView::Clear() {
+    model_->SetFolders({});
+    ForgetMarks();
+}
+
+bool CTHNTFSTreeView::IsEmpty() const { return model_->IsEmpty(); }
+
+std::uint32_t CTHNTFSTreeView::CurrentEntry() const {
+    return IsEmpty() ? 0 : model_->Node(model_->Current()).EntryId;
+}
+
+bool CTHNTFSTreeView::CurrentHasParent() const {
+    return !IsEmpty() && model_->Current() != FolderTreeModel::kTop;
+}
+
+void CTHNTFSTreeView::GoToParent() {
+    if (Engine.WaitDialog != nullptr || !CurrentHasParent()) {
+        return;
+    }
+    const std::uint32_t parent = model_->Node(model_->Current()).Parent;
+    ShowInList(parent);
+    model_->SetCurrent(parent);
+    Select(parent);
+}
+
+std::intptr_t CTHNTFSTreeView::OnMessage(std::uint32_t message, std::uintptr_t wParam,
+                                         std::uintptr_t /*lParam*/) {
+    switch (message) {
+    case WM_TREE_FILLED:
+        TakeFolders(*PointerIn<FolderNodes>(wParam));
+        break;
+    case WM_TREE_SELECT_CHILD:
+        SelectChild(static_cast<std::uint32_t>(wParam));
+        break;
+    case WM_TREE_SELECT_FOLDER:
+        SelectFolder(static_cast<std::uint32_t>(wParam));
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+void CTHNTFSTreeView::TakeFolders(FolderNodes& folders) {
+    model_->SetFolders(std::move(folders));
+    ForgetMarks();
+    Select(FolderTreeModel::kTop);
+    ExpandWithParents(model_->IndexOf(FolderTreeModel::kTop));
+    SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 1, 0);
+    ShowInList(FolderTreeModel::kTop);
+    if (listView_ != nullptr) {
+        listView_->SortList(0, true, SortKind::Text);
+    }
+    setFocus();
+}
+
+void CTHNTFSTreeView::ForgetMarks() {
+    model_->SumMarks();
+    SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 2, 1);
+}
+
+void CTHNTFSTreeView::SelectChild(std::uint32_t entryId) {
+    if (IsEmpty()) {
+        return;
+    }
+    const std::uint32_t parent = model_->Current();
+    model_->SetCurrent(parent, false);
+    Select(parent);
+    const auto child = model_->PlaceOfEntry(entryId);
+    if (!child || *child == FolderTreeModel::kTop || model_->Node(*child).Parent != parent) {
+        return;
+    }
+    model_->SetCurrent(*child);
+    Select(*child);
+    ExpandWithParents(model_->IndexOf(*child));
+}
+
+void CTHNTFSTreeView::SelectFolder(std::uint32_t entryId) {
+    const auto place = model_->PlaceOfEntry(entryId);
+    if (!place) {
+        return;
+    }
+    model_->SetCurrent(*place);
+    Select(*place);
+    ExpandWithParents(model_->IndexOf(*place));
+}
+
+void CTHNTFSTreeView::Select(std::uint32_t place) {
+    const QSignalBlocker unheard(this); // bringing it into view may expand, which is not the user's doing
+    setCurrentIndex(model_->IndexOf(place));
+    scrollTo(currentIndex());
+}
+
+void CTHNTFSTreeView::ExpandWithParents(QModelIndex index) {
+    const QSignalBlocker unheard(this);
+    for (; index.isValid(); index = index.parent()) {
+        expand(index);
+    }
+    scrollTo(currentIndex());
+}
+
+void CTHNTFSTreeView::ShowInList(std::uint32_t place) {
+    SendWindowMessage(listView_, WM_LIST_SHOW_FOLDER, model_->Node(place).EntryId);
+}
+
+void CTHNTFSTreeView::ChooseSelected() {
+    const std::uint32_t place = model_->PlaceOf(currentIndex());
+    model_->SetCurrent(place);
+    Select(place);
+    ExpandWithParents(currentIndex());
+    ShowInList(place);
+}
+
+void CTHNTFSTreeView::ToggleMark(std::uint32_t place) {
+    model_->ToggleMark(place);
+    viewport()->update();
+    model_->SumMarks();
+    SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 2, 1);
+}
+
+// Pressing and dragging selects nothing, and a busy program takes no clicks at all.
+bool CTHNTFSTreeView::viewportEvent(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        return ViewsBusy() || QTreeView::viewportEvent(event);
+    case QEvent::MouseMove:
+        return static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton || QTreeView::viewportEvent(event);
+    default:
+        return QTreeView::viewportEvent(event);
+    }
+}
+
+void CTHNTFSTreeView::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const Part part = PartAt(event->position().toPoint(), index);
+    if (part == Part::Branch || part == Part::Name) {
+        QTreeView::mousePressEvent(event);
+    }
+    if (part == Part::Mark && event->button() == Qt::LeftButton) {
+        ToggleMark(model_->PlaceOf(index));
+    } else if (part == Part::Name && event->button() == Qt::LeftButton) {
+        model_->SetCurrent(model_->PlaceOf(index));
+        ShowInList(model_->Current());
+    } else if (part == Part::Name && event->button() == Qt::RightButton) {
+        model_->SetCurrent(model_->PlaceOf(index));
+        Select(model_->Current());
+        OpenMenu(event->globalPosition().toPoint());
+    }
+}
+
+void CTHNTFSTreeView::mouseDoubleClickEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (PartAt(event->position().toPoint(), index) != Part::Name) {
+        mousePressEvent(event);
+    } else if (event->button() == Qt::LeftButton) {
+        QTreeView::mouseDoubleClickEvent(event);
+    }
+}
+
+void CTHNTFSTreeView::keyPressEvent(QKeyEvent* event) {
+    const int key = event->key();
+    if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Menu) {
+        QTreeView::keyPressEvent(event);
+        return;
+    }
+    if (ViewsBusy() || !currentIndex().isValid()) {
+        return;
+    }
+    ChooseSelected();
+    if (key == Qt::Key_Menu) {
+        const QRect text = PartRect(QStyle::SE_ItemViewItemText, currentIndex());
+        OpenMenu(viewport()->mapToGlobal(text.bottomRight()));
+    }
+}
+
+bool CTHNTFSTreeView::focusNextPrevChild(bool next) {
+    if (listView_ == nullptr) {
+        return QTreeView::focusNextPrevChild(next);
+    }
+    listView_->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
+// Only the name shows what is selected.
+void CTHNTFSTreeView::drawBranches(QPainter* painter, const QRect& rect, const QModelIndex& index) const {
+    painter->fillRect(rect, palette().base());
+    QTreeView::drawBranches(painter, rect, index);
+}
+
+void CTHNTFSTreeView::initViewItemOption(QStyleOptionViewItem* option) const {
+    QTreeView::initViewItemOption(option);
+    option->showDecorationSelected = false; // the text's rectangle is then no wider than the text
+}
+
+void CTHNTFSTreeView::OpenMenu(const QPoint& at) {
+    OpenContextMenu(this, at, {},
+                    [this, entryId = CurrentEntry()](int command) { RunCommand(command, entryId); });
+}
+
+void CTHNTFSTreeView::RunCommand(int command, std::uint32_t entryId) {
+    switch (command) {
+    case kCommandSave:
+        Engine.MarkedEntries = {entryId};
+        SendWindowMessage(MainWindow(), WM_SAVE_REQUEST, entryId);
+        break;
+    case kCommandSearch:
+        SendWindowMessage(MainWindow(), WM_FIND_FROM_VIEW, entryId);
+        break;
+    case kCommandProperties:
+        SendWindowMessage(MainWindow(), WM_SHOW_PROPERTIES, entryId);
+        break;
+    default:
+        break;
+    }
+}
+
+QRect CTHNTFSTreeView::PartRect(QStyle::SubElement part, const QModelIndex& index) const {
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.rect = visualRect(index);
+    return delegate_->PartRect(part, option, index);
+}
+
+CTHNTFSTreeView::Part CTHNTFSTreeView::PartAt(const QPoint& at, const QModelIndex& index) const {
+    if (!index.isValid()) {
+        return Part::None;
+    }
+    const int left = visualRect(index).left();
+    if (at.x() < left) {
+        const bool onButton = model_->hasChildren(index) && at.x() >= left - indentation();
+        return onButton ? Part::Branch : Part::None;
+    }
+    if (PartRect(QStyle::SE_ItemViewItemCheckIndicator, index).contains(at)) {
+        return Part::Mark;
+    }
+    const bool onName = PartRect(QStyle::SE_ItemViewItemDecoration, index).contains(at) ||
+                        PartRect(QStyle::SE_ItemViewItemText, index).contains(at);
+    return onName ? Part::Name : Part::None;
+}
+
+} // namespace thntfs

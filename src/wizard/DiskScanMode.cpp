@@ -1,0 +1,30 @@
+#include "wizard/DiskScanMode.h"
+
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace thntfs {
+
+CDiskScanMode::CDiskScanMode(QWidget* owner)
+    : QDialog(owner) {
+    setWindowTitle(QStringLiteral("Disk Scan Mode"));
+    auto* group = new QGroupBox(QStringLiteral("&Select Search Method"), this);
+    auto* quick = new QRadioButton(QStringLiteral("&Quick Scan"), group);
+    auto* thorough = new QRadioButton(QStringLiteral("&Thorough Scan"), group);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    auto* choices = new QVBoxLayout(group);
+    choices->addWidget(quick);
+    choices->addWidget(thorough);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(group);
+    layout->addWidget(buttons);
+    quick->setChecked(true);
+    connect(thorough, &QRadioButton::toggled, this,
+            [this](bool checked) { ScanMethod = checked ? SearchMethod::Thorough : SearchMethod::Quick; });
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+} // namespace thntfs

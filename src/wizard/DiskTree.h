@@ -1,0 +1,25 @@
+#pragma once
+
+#include "partitions/DiskEnumeration.h"
+
+#include <QTreeWidget>
+#include <cstdint>
+#include <vector>
+
+namespace thntfs {
+
+/// The disks of this machine under "My Computer".
+class CDiskTree : public QTreeWidget {
+public:
+    /// `looksUsb` tells which disks get the icon of a USB disk.
+    CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks, bool (*looksUsb)(const DiskInfo& disk));
+
+    /// Position of the selected disk, kNoDisk for none.
+    [[nodiscard]] std::uint8_t ChosenDisk() const;
+    /// Chooses no disk.
+    void SelectRoot();
+
+    [[nodiscard]] QSize sizeHint() const override;
+};
+
+} // namespace thntfs

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QListWidget>
+#include <QString>
+#include <vector>
+
+namespace thntfs {
+
+/// A row of an info list. A text that begins with "HDR" makes a header of the row at the top.
+struct InfoRow {
+    QString Text;
+    bool Bullet = false;
+};
+using InfoRows = std::vector<InfoRow>;
+
+/// The rows of a text, one a line. "* " before a line gives it the bullet.
+InfoRows RowsOf(const char* text);
+
+/// The box beside the choices of a page that explains them, or tells what has been chosen. Its colours are
+/// its own, whatever those of the desktop.
+class CInfoListBox : public QListWidget {
+public:
+    CInfoListBox(QWidget* parent, const QColor& textColour, const QSize& bulletSize);
+
+    /// Replaces what is shown. Heights are in pixels; a row gets more where the font needs it.
+    void ShowRows(const InfoRows& rows, int headerHeight, int rowHeight);
+
+    [[nodiscard]] QSize sizeHint() const override;
+};
+
+inline constexpr int kInfoRowHeight = 18;
+inline constexpr QSize kInfoBulletSize{16, 16};
+inline constexpr QColor kInfoTextColour{0x14, 0x14, 0x14};
+
+} // namespace thntfs

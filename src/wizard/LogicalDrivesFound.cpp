@@ -1,0 +1,190 @@
+#include "wizard/LogicalDrivesFound.h"
+
+#include "engine/EngineState.h"
+#include "scaninfo/JobLog.h"
+#include "shell/Boxes.h"
+#include "shell/DesktopHost.h"
+#include "shell/PauseGate.h"
+#include "wizard/RowTable.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStatusTipEvent>
+#include <QVBoxLayout>
+
+namespace thntfs {
+
+namespace {
+
+constexpr int kWidth = 64; // in letters
+
+void SetFrameStatus(const QString& text) {
+    if (auto* frame = dynamic_cast<QWidget*>(MainWindow())) {
+        QStatusTipEvent tip(text);
+        QApplication::sendEvent(frame, &tip);
+    }
+}
+
+void RunSearch(const SearchRequest& request, CMessageTarget* dialog) {
+    std::uint32_t ranOut = 0;
+    try {
+        ranOut = RunPartitionSearch(request.ScanMethod, request.FirstSector, request.EndSector);
+    } catch (const CUserException&) {
+        // The user has seen the box. The search counts as stopped.
+    } catch (const std::exception& failure) {
+        Host().ErrorBox(failure.what());
+    }
+    SendWindowMessage(dialog, WM_SEARCH_FINISHED, ranOut);
+    Engine.ScanRunFlag = 0;
+}
+
+} // namespace
+
+CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& request)
+    : QDialog(owner)
+    , request_(request)
+    , partitions_(new CRowTable(this, {QStringLiteral("Name"), QStringLiteral("Starting Location")}))
+    , percent_(new QLabel(QStringLiteral("0%"), this))
+    , position_(new QLabel(this))
+    , bar_(new QProgressBar(this))
+    , abort_(new QPushButton(QStringLiteral("&Abort Process"), this)) {
+    setWindowTitle(MethodText() + QStringLiteral(" Scan"));
+    bar_->setRange(0, 100);
+    bar_->setValue(0);
+    bar_->setTextVisible(false);
+    position_->hide();
+    LayOut();
+    connect(abort_, &QPushButton::clicked, this, [this] { AskToAbort(); });
+}
+
+CLogicalDrivesFound::~CLogicalDrivesFound() = default;
+
+void CLogicalDrivesFound::LayOut() {
+    auto* heading = new QLabel(QStringLiteral("Locating Partitions..."), this);
+    QFont bold = heading->font();
+    bold.setBold(true);
+    heading->setFont(bold);
+    auto* progress = new QHBoxLayout;
+    progress->addWidget(new QLabel(QStringLiteral("Process Completed..."), this));
+    progress->addWidget(percent_);
+    progress->addWidget(position_);
+    progress->addStretch();
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(heading);
+    layout->addWidget(partitions_);
+    layout->addLayout(progress);
+    layout->addWidget(bar_);
+    layout->addWidget(abort_, 0, Qt::AlignRight);
+    resize(kWidth * fontMetrics().averageCharWidth(), sizeHint().height());
+}
+
+void CLogicalDrivesFound::Run() {
+    SetFrameStatus(MethodText() + QStringLiteral(" scan in progress"));
+    SendWindowMessage(this, WM_START_PARTITION_SEARCH);
+    exec();
+    // Where the whole program was told to end meanwhile, the worker still wants its messages handled.
+    while (!over_) {
+        Engine.ScanRunFlag = 0;
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    searchThread_.reset();
+}
+
+std::intptr_t CLogicalDrivesFound::OnMessage(std::uint32_t message, std::uintptr_t wParam,
+                                             std::uintptr_t lParam) {
+    switch (message) {
+    case WM_START_PARTITION_SEARCH:
+        StartSearch();
+        break;
+    case WM_SEARCH_POSITION:
+        ShowPosition(static_cast<std::uint32_t>(wParam), static_cast<std::uint32_t>(lParam));
+        break;
+    case WM_PARTITION_FOUND:
+        AddPartition(static_cast<std::uint32_t>(wParam));
+        break;
+    case WM_SEARCH_FINISHED:
+        ranOut_ = wParam != 0;
+        if (!asking_) {
+            EndSearch();
+        }
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+void CLogicalDrivesFound::StartSearch() {
+    if (searchThread_ == nullptr) {
+        Engine.ScanRunFlag = 1;
+        TheDesktopHost().SetSearchDialog(this);
+        searchThread_ = std::make_unique<CWorkerThread>([this] { RunSearch(request_, this); });
+    }
+}
+
+void CLogicalDrivesFound::ShowPosition(std::uint32_t position, std::uint32_t total) {
+    if (total == 0) {
+        return;
+    }
+    const double part = static_cast<double>(position) / static_cast<double>(total);
+    const auto percent = static_cast<std::uint32_t>(part * 100);
+    if (percent != lastPercent_) {
+        lastPercent_ = percent;
+        bar_->setValue(static_cast<int>(percent));
+        percent_->setText(QStringLiteral("%1 %").arg(percent));
+    }
+    position_->setText(QStringLiteral("Scanning sector %1 of %2").arg(position).arg(total));
+}
+
+void CLogicalDrivesFound::AddPartition(std::uint32_t startSector) {
+    ++foundCount_;
+    partitions_->AddRow(
+        {QStringLiteral("NTFS logical drive #%1").arg(foundCount_), QString::number(startSector)});
+    partitions_->scrollToBottom();
+}
+
+// The search may end while the question stands: its end is shown once that is answered.
+void CLogicalDrivesFound::AskToAbort() {
+    asking_ = true;
+    {
+        const WorkerPause pause;
+        if (AskYesNo(QStringLiteral("Do you want to abort scanning?"), QStringLiteral("Confirm"))) {
+            Engine.ScanRunFlag = 0;
+        }
+    }
+    asking_ = false;
+    if (ranOut_) {
+        EndSearch();
+    }
+}
+
+// The worker waits in its send, or before the gate, so it is joined later.
+void CLogicalDrivesFound::EndSearch() {
+    Engine.ScanRunFlag = 0;
+    if (*ranOut_) {
+        SendWindowMessage(this, WM_SEARCH_POSITION, 1, 1);
+    }
+    ShowBox(EndText(), QStringLiteral("Information"), *ranOut_ ? BoxIcon::Information : BoxIcon::Stop);
+    over_ = true;
+    TheDesktopHost().SetSearchDialog(nullptr);
+    LogSearchEnded(*ranOut_);
+    SetFrameStatus(QStringLiteral("Ready"));
+    done(Rejected);
+}
+
+QString CLogicalDrivesFound::EndText() const {
+    if (!*ranOut_) {
+        return MethodText() + QStringLiteral(" scan of drives aborted.");
+    }
+    const bool advise = !IsThorough() && Engine.SourceDisk.Partitions.Empty();
+    return MethodText() + QStringLiteral(" scan of drives completed.") +
+           (advise ? QStringLiteral("\nNo logical drive(s) found.\nPlease use thorough scan.") : QString());
+}
+
+QString CLogicalDrivesFound::MethodText() const {
+    return IsThorough() ? QStringLiteral("Thorough") : QStringLiteral("Quick");
+}
+
+} // namespace thntfs

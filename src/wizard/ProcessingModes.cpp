@@ -1,0 +1,34 @@
+#include "wizard/ProcessingModes.h"
+
+#include "wizard/WizardSheet.h"
+
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace thntfs {
+
+CProcessingModes::CProcessingModes(CWizardSheet& sheet, const QString& title)
+    : QGroupBox(title)
+    , sheet_(sheet)
+    , fromTable_(new QRadioButton(QStringLiteral("&Display default partition(s)"), this))
+    , bySearch_(new QRadioButton(QStringLiteral("&Search for lost partition(s)"), this)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(fromTable_);
+    layout->addWidget(bySearch_);
+    fromTable_->setChecked(true);
+    connect(bySearch_, &QRadioButton::toggled, this, [this] { Apply(); });
+}
+
+void CProcessingModes::EnableChoice(bool enable) {
+    fromTable_->setEnabled(enable);
+    bySearch_->setEnabled(enable);
+}
+
+void CProcessingModes::Reset() {
+    fromTable_->setChecked(true);
+    Apply();
+}
+
+void CProcessingModes::Apply() { sheet_.ProcessingMode = bySearch_->isChecked() ? 1 : 0; }
+
+} // namespace thntfs

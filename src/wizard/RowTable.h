@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QStringList>
+#include <QTableWidget>
+
+namespace thntfs {
+
+/// A list with columns and grid lines, of which whole rows are selected, one at a time.
+class CRowTable : public QTableWidget {
+public:
+    CRowTable(QWidget* parent, const QStringList& titles);
+
+    void AddRow(const QStringList& texts, const QIcon& icon = {});
+
+    /// Position of the selected row, -1 for none.
+    [[nodiscard]] int SelectedRow() const;
+};
+
+} // namespace thntfs

@@ -1,0 +1,44 @@
+#include "wizard/SourceSteps.h"
+
+#include "engine/EngineState.h"
+#include "partitions/PartitionTable.h"
+#include "scaninfo/JobLog.h"
+#include "shell/Boxes.h"
+#include "shell/MessageTarget.h"
+#include "wizard/SearchForPartitions.h"
+
+namespace thntfs {
+
+const SourceKind kDiskSource = {LogDiskChosen, "Use search for lost partition(s) option."};
+const SourceKind kImageSource = {LogImageChosen, "Please use search for lost partition(s)."};
+
+namespace {
+
+bool ReadTable(const SourceKind& kind, const std::string& path) {
+    if (ReadPartitionTable() == 0) {
+        ShowBox(QString::fromLatin1(kind.NoPartitions), QStringLiteral("Volume Salvage (NTFS)"),
+                BoxIcon::Stop);
+        return false;
+    }
+    kind.LogChosen(path, false);
+    return true;
+}
+
+bool Search(const SourceKind& kind, const std::string& path, QWidget* owner) {
+    kind.LogChosen(path, true);
+    return SearchForPartitions(Engine.SourceDisk.TotalSectors, owner);
+}
+
+} // namespace
+
+void CloseOldMedium() {
+    ResetEngineState();
+    SendWindowMessage(MainWindow(), WM_CLEAR_VIEWS);
+}
+
+bool ListPartitions(const SourceKind& kind, const std::string& path, std::uint8_t processingMode,
+                    QWidget* owner) {
+    return processingMode == 0 ? ReadTable(kind, path) : Search(kind, path, owner);
+}
+
+} // namespace thntfs

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "wizard/WizardPage.h"
+
+#include <cstdint>
+
+class QLabel;
+
+namespace thntfs {
+
+class CDiskTree;
+class CInfoListBox;
+
+/// The choice of the disk to clone and of the disk to write over.
+class CWizardCloneDiskPage : public CWizardPage {
+public:
+    explicit CWizardCloneDiskPage(CWizardSheet& sheet);
+
+    void OnSetActive() override;
+    bool OnWizardFinish() override;
+
+private:
+    /// One of the two disks on the page.
+    struct Side {
+        const char* ListTitle; ///< of the properties' header
+        const char* NameTitle;
+        CDiskTree* Tree;
+        QLabel* Name;
+    };
+
+    void LayOut();
+    void OnSourceChanged();
+    void OnTargetChanged();
+    void UpdateButtons();
+    void ShowCloneDetails(std::uint8_t index, const Side& side);
+    [[nodiscard]] QString PathOf(std::uint8_t index) const;
+
+    CInfoListBox* info_;
+    Side source_;
+    Side target_;
+};
+
+} // namespace thntfs

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "wizard/WizardPage.h"
+
+#include <cstdint>
+
+namespace thntfs {
+
+class CDiskTree;
+class CInfoListBox;
+class CProcessingModes;
+struct DiskInfo;
+
+/// The choice of the disk to recover from.
+class CWizardDriveSelectionPage : public CWizardPage {
+public:
+    explicit CWizardDriveSelectionPage(CWizardSheet& sheet);
+
+    void OnSetActive() override;
+    int OnWizardNext() override;
+
+private:
+    void LayOut();
+    void Clear();
+    void ShowDiskDetails(std::uint8_t index);
+
+    CDiskTree* tree_;
+    CInfoListBox* info_;
+    CProcessingModes* modes_;
+    std::uint8_t chosenDisk_;
+};
+
+} // namespace thntfs

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "wizard/WizardPage.h"
+
+#include <cstdint>
+
+class QLabel;
+class QPushButton;
+
+namespace thntfs {
+
+class CDiskTree;
+class CInfoListBox;
+
+/// The choice of a disk and of the image file to make of it.
+class CWizardImageDiskPage : public CWizardPage {
+public:
+    explicit CWizardImageDiskPage(CWizardSheet& sheet);
+
+    void OnSetActive() override;
+    bool OnWizardFinish() override;
+
+private:
+    void LayOut();
+    void ShowImageDetails(std::uint8_t index);
+    void PickDestination();
+    void UpdateButtons();
+
+    CDiskTree* tree_;
+    CInfoListBox* info_;
+    QPushButton* pick_;
+    QLabel* pathText_;
+};
+
+} // namespace thntfs

@@ -1,0 +1,109 @@
+#include "wizard/WizardMainPage.h"
+
+#include "engine/EngineState.h"
+#include "shell/Icons.h"
+#include "wizard/PageTexts.h"
+#include "wizard/WizardSheet.h"
+
+#include <QButtonGroup>
+#include <QHBoxLayout>
+#include <QToolButton>
+#include <array>
+
+namespace thntfs {
+
+namespace {
+
+struct Task {
+    const char* Text;
+    const char* Icon;
+    const char* HelpTopic;
+    bool Offered; ///< one that isn't has its button hidden
+};
+
+constexpr std::array<Task, 4> kTasks = {
+    {{"  Recover &your Data", "task-recover-disk", "ntfsrecoverdata.htm", true},
+     {"  Recover your data from disk &image", "task-recover-image", "ntfsrecoverfromimage.htm", true},
+     {"  &Clone disk", "task-clone", "ntfsclonedisk.htm", false},
+     {"  Create &disk Image", "task-image", "ntfsdiskimaging.htm", true}}};
+
+// Flat, and with a chosen task that is seen under dark colours too.
+constexpr const char* kTaskLook =
+    "QToolButton { border: 1px solid transparent; border-radius: 3px; padding: 4px; }"
+    "QToolButton:hover, QToolButton:focus { border-color: palette(highlight); }"
+    "QToolButton:checked { background: palette(highlight); color: palette(highlighted-text); }";
+
+constexpr QSize kTaskIconSize{48, 48};
+constexpr QSize kBulletSize{15, 12};
+constexpr QColor kTextColour{0x1E, 0x1E, 0x1E};
+constexpr int kHeaderHeight = 16;
+constexpr int kRowHeight = 14;
+
+} // namespace
+
+CWizardMainPage::CWizardMainPage(CWizardSheet& sheet)
+    : CWizardPage(sheet, "Select appropriate Option", "ntfswizardwin.htm")
+    , tasks_(new QButtonGroup(this))
+    , info_(new CInfoListBox(this, kTextColour, kBulletSize)) {
+    auto* layout = new QHBoxLayout(this);
+    auto* buttons = new QVBoxLayout;
+    layout->addLayout(buttons, 1);
+    layout->addWidget(info_);
+    for (int task = 0; task < static_cast<int>(kTasks.size()); ++task) {
+        AddTaskButton(task);
+        buttons->addWidget(tasks_->button(task));
+    }
+    buttons->addStretch();
+    setFocusProxy(tasks_->button(kTaskRecoverDisk));
+    connect(tasks_, &QButtonGroup::idClicked, this,
+            [this](int task) { ChooseTask(static_cast<std::uint8_t>(task)); });
+}
+
+void CWizardMainPage::AddTaskButton(int task) {
+    const Task& told = kTasks[static_cast<std::size_t>(task)];
+    auto* button = new QToolButton(this);
+    button->setText(QString::fromLatin1(told.Text));
+    button->setIcon(LoadIcon(told.Icon));
+    button->setIconSize(kTaskIconSize);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setStyleSheet(QString::fromLatin1(kTaskLook));
+    button->setCheckable(true);
+    button->setEnabled(told.Offered);
+    button->setHidden(!told.Offered);
+    tasks_->addButton(button, task);
+}
+
+QString CWizardMainPage::HelpTopic() const {
+    const std::uint8_t task = Sheet().WizardTask;
+    return task == kNoTask ? CWizardPage::HelpTopic() : QString::fromLatin1(kTasks.at(task).HelpTopic);
+}
+
+void CWizardMainPage::OnSetActive() {
+    Sheet().ProcessingMode = 0;
+    Sheet().PagesFresh = 1;
+    Engine.StructuresMissing = 0;
+    ShowChosenTask();
+}
+
+int CWizardMainPage::OnWizardNext() { return Sheet().WizardTask + 1; }
+
+void CWizardMainPage::ChooseTask(std::uint8_t task) {
+    Sheet().WizardTask = task;
+    ShowChosenTask();
+}
+
+void CWizardMainPage::ShowChosenTask() {
+    const std::uint8_t task = Sheet().WizardTask;
+    if (task == kNoTask) {
+        info_->ShowRows(RowsOf(kMainPageText), kHeaderHeight, kRowHeight);
+        Sheet().SetWizardButtons(0);
+        return;
+    }
+    tasks_->button(task)->setChecked(true);
+    info_->ShowRows(RowsOf(kTaskTexts.at(task)), kHeaderHeight, kRowHeight);
+    Sheet().SetWizardButtons(kButtonNext);
+}
+
+} // namespace thntfs

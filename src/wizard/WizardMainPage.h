@@ -1,0 +1,31 @@
+#pragma once
+
+#include "wizard/WizardPage.h"
+
+#include <cstdint>
+
+class QButtonGroup;
+
+namespace thntfs {
+
+class CInfoListBox;
+
+/// The choice of the task.
+class CWizardMainPage : public CWizardPage {
+public:
+    explicit CWizardMainPage(CWizardSheet& sheet);
+
+    [[nodiscard]] QString HelpTopic() const override;
+    void OnSetActive() override;
+    int OnWizardNext() override;
+
+private:
+    void AddTaskButton(int task);
+    void ChooseTask(std::uint8_t task);
+    void ShowChosenTask();
+
+    QButtonGroup* tasks_;
+    CInfoListBox* info_;
+};
+
+} // namespace thntfs

@@ -1,0 +1,109 @@
+#include "wizard/WizardPartitionListPage.h"
+
+#include "engine/EngineState.h"
+#include "engine/LocateMft.h"
+#include "platform/SizeText.h"
+#include "shell/Boxes.h"
+#include "shell/Icons.h"
+#include "wizard/RowTable.h"
+#include "wizard/WizardSheet.h"
+
+#include <QVBoxLayout>
+
+namespace thntfs {
+
+namespace {
+
+QStringList RowTexts(int row, const PartitionCandidate& candidate) {
+    return {QStringLiteral("NTFS logical drive %1").arg(row + 1),
+            QString::number(static_cast<std::uint32_t>(candidate.StartSector)),
+            QString::fromStdString(SizeText(candidate.TotalSectors * candidate.BytesPerSector))};
+}
+
+const PartitionCandidate* CandidateAt(int row) {
+    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
+    for (int i = 0; i < row && candidate != nullptr; ++i) {
+        candidate = candidate->Next.get();
+    }
+    return candidate;
+}
+
+} // namespace
+
+CWizardPartitionListPage::CWizardPartitionListPage(CWizardSheet& sheet)
+    : CWizardPage(sheet, "Select the partition to recover", "ntfsrecoverdata.htm")
+    , list_(new CRowTable(this,
+                          {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size")})) {
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(list_);
+    setFocusProxy(list_);
+    connect(list_, &QTableWidget::itemSelectionChanged, this, [this] { TakeSelection(); });
+    connect(list_, &QTableWidget::cellClicked, this,
+            [this] { Sheet().LogicalDriveNumber = static_cast<std::uint8_t>(selectedRow_); });
+    connect(list_, &QTableWidget::cellDoubleClicked, this, [this] { Sheet().PressFinish(); });
+}
+
+QString CWizardPartitionListPage::CloseCaption() const { return QStringLiteral("Volume Salvage (NTFS)"); }
+
+void CWizardPartitionListPage::OnSetActive() {
+    Engine.ProcessingMode = Sheet().ProcessingMode;
+    Fill();
+    TakeSelection();
+}
+
+void CWizardPartitionListPage::Fill() {
+    list_->setRowCount(0);
+    int row = 0;
+    for (const PartitionCandidate* candidate = CandidateAt(0); candidate != nullptr;
+         candidate = candidate->Next.get()) {
+        list_->AddRow(RowTexts(row, *candidate), LoadIcon("disk"));
+        ++row;
+    }
+    list_->setEnabled(row != 0);
+    if (row == 0) {
+        list_->AddRow({QStringLiteral("No Logical Drives Found")});
+    }
+}
+
+void CWizardPartitionListPage::TakeSelection() {
+    selectedRow_ = list_->SelectedRow();
+    const unsigned finish = selectedRow_ < 0 ? kButtonDisabledFinish : kButtonFinish;
+    Sheet().SetWizardButtons(Sheet().ListPageOnly != 0 ? finish : finish | kButtonBack);
+}
+
+int CWizardPartitionListPage::OnWizardBack() const {
+    return Sheet().WizardTask == kTaskRecoverDisk ? kDriveSelectionPage : kImageSelectionPage;
+}
+
+bool CWizardPartitionListPage::OnWizardFinish() {
+    NameChoice();
+    if (!LoadChosenVolume()) {
+        ShowBox(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
+                               "Tools->Turbo Scan."),
+                QStringLiteral("Information"), BoxIcon::Warning);
+        Engine.StructuresMissing = 1;
+        return false;
+    }
+    Host().LogEvent(*Sheet().WizardLogEntry);
+    return true;
+}
+
+QString CWizardPartitionListPage::CellText(int column) const {
+    return list_->item(selectedRow_, column)->text();
+}
+
+void CWizardPartitionListPage::NameChoice() const {
+    ProcessLogEntry& entry = *Sheet().WizardLogEntry;
+    entry.Status = kLogInProgress;
+    entry.Name = (QStringLiteral("Selected ") + CellText(0)).toStdString();
+    entry.Description =
+        (QStringLiteral("Starting Sector ") + CellText(1) + QStringLiteral(", Size ") + CellText(2))
+            .toStdString();
+}
+
+bool CWizardPartitionListPage::LoadChosenVolume() const {
+    LoadVolumeParams(*CandidateAt(selectedRow_));
+    return LocateMft() != 0;
+}
+
+} // namespace thntfs

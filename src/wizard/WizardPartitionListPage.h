@@ -1,0 +1,30 @@
+#pragma once
+
+#include "wizard/WizardPage.h"
+
+namespace thntfs {
+
+class CRowTable;
+
+/// The choice of the partition among the candidates of SourceDisk. Its Finish takes the chosen one into use.
+class CWizardPartitionListPage : public CWizardPage {
+public:
+    explicit CWizardPartitionListPage(CWizardSheet& sheet);
+
+    [[nodiscard]] QString CloseCaption() const override;
+    void OnSetActive() override;
+    [[nodiscard]] int OnWizardBack() const override;
+    bool OnWizardFinish() override;
+
+private:
+    void Fill();
+    void TakeSelection();
+    [[nodiscard]] QString CellText(int column) const;
+    void NameChoice() const;
+    [[nodiscard]] bool LoadChosenVolume() const;
+
+    CRowTable* list_;
+    int selectedRow_ = -1;
+};
+
+} // namespace thntfs

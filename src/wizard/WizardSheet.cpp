@@ -1,0 +1,158 @@
+#include "wizard/WizardSheet.h"
+
+#include "dialogs/HelpViewer.h"
+#include "shell/Boxes.h"
+#include "shell/Icons.h"
+#include "wizard/WizardCloneDiskPage.h"
+#include "wizard/WizardDriveSelectionPage.h"
+#include "wizard/WizardHeader.h"
+#include "wizard/WizardImageDiskPage.h"
+#include "wizard/WizardImageSelectionPage.h"
+#include "wizard/WizardMainPage.h"
+#include "wizard/WizardPartitionListPage.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QPushButton>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+const QString kCompany = QStringLiteral("Tarnholt Works Inc.");
+const QString kProduct = QStringLiteral("Tarnholt Volume Salvage (NTFS)");
+const QString kStartUpKey = QStringLiteral("Wizard/StartUp");
+constexpr std::size_t kMaxDisks = kNoDisk; // positions are bytes, and this one means none
+constexpr int kMargin = 10;
+
+} // namespace
+
+CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std::vector<DiskInfo> disks)
+    : QDialog(owner)
+    , Disks(std::move(disks))
+    , LogicalDriveNumber(logicalDriveNumber) {
+    setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Wizard"));
+    setWindowIcon(LoadIcon("wizard"));
+    Disks.resize(std::min(Disks.size(), kMaxDisks));
+    RunAtStartup = QSettings(kCompany, kProduct).value(kStartUpKey, 0).toInt() != 0 ? 1 : 0;
+    header_ = new CWizardHeader(this);
+    stack_ = new QStackedWidget(this);
+    runAtStartup_ = new QCheckBox(QStringLiteral("&Run wizard on startup"), this);
+    runAtStartup_->setChecked(RunAtStartup != 0);
+    back_ = AddButton(QStringLiteral("< &Back"));
+    next_ = AddButton(QStringLiteral("&Next >"));
+    finish_ = AddButton(QStringLiteral("&Finish"));
+    cancel_ = AddButton(QStringLiteral("Cancel"));
+    help_ = AddButton(QStringLiteral("Help"));
+    help_->setShortcut(QKeySequence::HelpContents);
+    LayOut();
+    MakePages();
+    connect(runAtStartup_, &QCheckBox::toggled, this,
+            [this](bool checked) { RunAtStartup = checked ? 1 : 0; });
+    connect(back_, &QPushButton::clicked, this, [this] { ShowPage(ActivePage().OnWizardBack()); });
+    connect(next_, &QPushButton::clicked, this, [this] { OnNext(); });
+    connect(finish_, &QPushButton::clicked, this, [this] { OnFinish(); });
+    connect(cancel_, &QPushButton::clicked, this, [this] { reject(); });
+    connect(help_, &QPushButton::clicked, this, [this] { ShowHelp(ActivePage().HelpTopic()); });
+}
+
+CWizardSheet::~CWizardSheet() { QSettings(kCompany, kProduct).setValue(kStartUpKey, RunAtStartup); }
+
+// In the order of the pages' numbers.
+void CWizardSheet::MakePages() {
+    imagePage_ = new CwizardImageSelection(*this);
+    stack_->addWidget(new CWizardMainPage(*this));
+    stack_->addWidget(new CWizardDriveSelectionPage(*this));
+    stack_->addWidget(imagePage_);
+    stack_->addWidget(new CWizardCloneDiskPage(*this));
+    stack_->addWidget(new CWizardImageDiskPage(*this));
+    stack_->addWidget(new CWizardPartitionListPage(*this));
+}
+
+QPushButton* CWizardSheet::AddButton(const QString& text) {
+    auto* button = new QPushButton(text, this);
+    button->setAutoDefault(false);
+    return button;
+}
+
+void CWizardSheet::LayOut() {
+    auto* line = new QFrame(this);
+    line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
+    auto* buttons = new QHBoxLayout;
+    buttons->setContentsMargins(kMargin, 0, kMargin, kMargin);
+    buttons->addWidget(runAtStartup_);
+    buttons->addStretch();
+    for (QPushButton* button : {back_, next_, finish_, cancel_, help_}) {
+        buttons->addWidget(button);
+    }
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(header_);
+    layout->addWidget(stack_, 1);
+    layout->addWidget(line);
+    layout->addLayout(buttons);
+}
+
+void CWizardSheet::OpenOnPartitionList(std::uint8_t processingMode) {
+    ProcessingMode = processingMode;
+    ListPageOnly = 1;
+    firstPage_ = kPartitionListPage;
+}
+
+void CWizardSheet::OpenOnImage(const QString& path) {
+    WizardTask = kTaskRecoverImage;
+    imagePage_->ChooseImage(path);
+    firstPage_ = kImageSelectionPage;
+}
+
+int CWizardSheet::Run() {
+    ShowPage(firstPage_);
+    return exec();
+}
+
+CWizardPage& CWizardSheet::ActivePage() const { return *static_cast<CWizardPage*>(stack_->currentWidget()); }
+
+void CWizardSheet::ShowPage(int page) {
+    stack_->setCurrentIndex(page);
+    header_->SetHeading(ActivePage().Heading());
+    ActivePage().OnSetActive();
+    ActivePage().setFocus();
+}
+
+void CWizardSheet::SetWizardButtons(unsigned buttons) {
+    const bool finishing = (buttons & (kButtonFinish | kButtonDisabledFinish)) != 0;
+    back_->setEnabled((buttons & kButtonBack) != 0);
+    next_->setEnabled((buttons & kButtonNext) != 0);
+    next_->setHidden(finishing);
+    finish_->setEnabled((buttons & kButtonFinish) != 0);
+    finish_->setHidden(!finishing);
+    (finishing ? finish_ : next_)->setDefault(true);
+}
+
+void CWizardSheet::OnNext() {
+    const int page = ActivePage().OnWizardNext();
+    if (page != kStay) {
+        ShowPage(page);
+    }
+}
+
+void CWizardSheet::OnFinish() {
+    if (ActivePage().OnWizardFinish()) {
+        done(kWizardFinished);
+    }
+}
+
+void CWizardSheet::PressFinish() { finish_->click(); }
+
+void CWizardSheet::reject() {
+    if (AskYesNo(QStringLiteral("Do you want to close wizard?"), ActivePage().CloseCaption())) {
+        QDialog::reject();
+    }
+}
+
+} // namespace thntfs

@@ -1,0 +1,17 @@
+#include "shell/Boxes.h"
+#include "shell/DesktopHost.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+#include <gtest/gtest.h>
+
+// The tests' windows have no screen, and their settings are not those of whoever runs them.
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    QStandardPaths::setTestModeEnabled(true);
+    const QApplication application(argc, argv);
+    thntfs::PrepareBoxes();
+    thntfs::SetHost(&thntfs::TheDesktopHost());
+    return RUN_ALL_TESTS();
+}

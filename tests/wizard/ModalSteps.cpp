@@ -1,0 +1,51 @@
+#include "ModalSteps.h"
+
+#include <QDialog>
+#include <gtest/gtest.h>
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr int kPatienceMs = 20000;
+
+} // namespace
+
+ModalSteps::ModalSteps() {
+    since_.start();
+    timer_.setInterval(2);
+    QObject::connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
+    timer_.start();
+}
+
+// A timer isn't run again as long as its own call lasts, so a step that opens a window must not be in it.
+void ModalSteps::Look() {
+    QWidget* active = QApplication::activeModalWidget();
+    if (active == nullptr || queued_) {
+        return;
+    }
+    if (!steps_.empty() && steps_.front().Fits(active)) {
+        queued_ = true;
+        QTimer::singleShot(0, this, [this] { DoNext(); });
+    } else if (since_.elapsed() > kPatienceMs) {
+        GiveUp(*active);
+    }
+}
+
+void ModalSteps::DoNext() {
+    const Step step = steps_.front();
+    steps_.pop_front();
+    queued_ = false;
+    since_.restart();
+    step.Act(QApplication::activeModalWidget());
+}
+
+void ModalSteps::GiveUp(QWidget& active) {
+    ADD_FAILURE() << "no step for \"" << active.windowTitle().toStdString() << "\", " << steps_.size()
+                  << " to go";
+    if (auto* dialog = dynamic_cast<QDialog*>(&active)) {
+        dialog->done(-1);
+    }
+}
+
+} // namespace thntfs::test

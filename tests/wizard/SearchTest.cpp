@@ -1,0 +1,289 @@
+#include "WizardFixture.h"
+#include "engine/EngineState.h"
+#include "partitions/OpenSource.h"
+#include "shell/PauseGate.h"
+#include "wizard/ChooseSectorRange.h"
+#include "wizard/DiskScanMode.h"
+#include "wizard/LogicalDrivesFound.h"
+#include "wizard/ScanArea.h"
+#include "wizard/SearchForPartitions.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QTest>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::size_t kSector = 512;
+constexpr std::size_t kVolumeStart = 2048; // of the volume on the image "basic"
+
+/// A medium that takes its time.
+class SlowMedium : public Medium {
+public:
+    explicit SlowMedium(std::unique_ptr<Medium> under)
+        : under_(std::move(under)) {}
+
+    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        return under_->ReadAt(offset, buffer);
+    }
+    [[nodiscard]] std::uint64_t SizeBytes() const override { return under_->SizeBytes(); }
+    [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return 0; }
+
+private:
+    std::unique_ptr<Medium> under_;
+};
+
+class SearchTest : public WizardTest {
+protected:
+    /// The image "basic" without its partition table.
+    [[nodiscard]] std::string MakeWreck() const {
+        std::string disk = ReadWholeFile(VolumePath("basic").toStdString());
+        std::fill_n(disk.begin(), kSector, '\0');
+        std::ofstream(Scratch / "wreck.th2", std::ios::binary) << disk;
+        return Scratch / "wreck.th2";
+    }
+
+    void OpenWreck() { ASSERT_EQ(OpenImageFile(MakeWreck()), kErrorNone); }
+
+    void OpenSlowWreck() {
+        OpenWreck();
+        auto& handle = Engine.SourceDisk.MediaHandle;
+        handle = std::make_unique<SlowMedium>(std::move(handle));
+    }
+
+    /// Starts the search from the image page, in which the wreck is chosen.
+    void SearchFromSheet() {
+        Sheet->OpenOnImage(QString::fromStdString(MakeWreck()));
+        AtSheet([&] {
+            test::Press(*Sheet, "Search for lost partition(s)");
+            test::Press(*Sheet, "Next >");
+        });
+    }
+
+    void AnswerMode(const char* method, const char* button = "OK") {
+        Steps.When<CDiskScanMode>([method, button](CDiskScanMode& dialog) {
+            test::Press(dialog, method);
+            test::Press(dialog, button);
+        });
+    }
+
+    void AnswerRange(const char* button) {
+        Steps.When<CChooseSectorRange>([button](CChooseSectorRange& dialog) { test::Press(dialog, button); });
+    }
+
+    [[nodiscard]] Texts WreckLines(const std::string& method) const {
+        return {"clear views",
+                "0 Selected: " + (Scratch / "wreck.th2") + " | Image Processing Mode:Logical Volume Scan",
+                "0 Searching Logical Volumes | Sectors Range 0 to " + SectorsText(),
+                "2 Completed Searching partitions | -----------------" + method};
+    }
+
+    [[nodiscard]] static std::string SectorsText() { return std::to_string(Engine.SourceDisk.TotalSectors); }
+};
+
+TEST_F(SearchTest, QuickFindsNothingAndAdvises) {
+    SearchFromSheet();
+    AnswerMode("Quick Scan");
+    AtSheet([&] {
+        EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  | "});
+        EXPECT_EQ(Buttons(), "< Back (Finish)");
+        EXPECT_EQ(Frame.Arrived, WreckLines(""));
+        Close();
+    });
+    Run();
+    EXPECT_EQ(BoxTexts(Answers), Texts{"Information: Quick scan of drives completed.\nNo logical drive(s) "
+                                       "found.\nPlease use thorough scan."});
+    EXPECT_EQ(Engine.ScanRunFlag, 0U);
+}
+
+TEST_F(SearchTest, ThoroughFindsTheVolumeAndFinishes) {
+    SearchFromSheet();
+    AnswerMode("Thorough Scan");
+    AnswerRange("OK");
+    Texts found;
+    QString percent;
+    Answers.MayAnswer = [&](const QMessageBox& box) {
+        found = RowsShown(*box.parentWidget());
+        percent = box.parentWidget()->findChildren<QLabel*>().at(0)->text();
+        return true;
+    };
+    AtSheet([&] {
+        EXPECT_EQ(RowsShown(*Sheet), Texts{"NTFS logical drive 1 | 2048 |  23.999 MB"});
+        QTest::keyClick(Sheet->ActivePage().focusWidget(), Qt::Key_Space);
+        Press("Finish");
+    });
+    EXPECT_EQ(Run(), kWizardFinished);
+    EXPECT_EQ(found, Texts{"NTFS logical drive #1 | 2048"});
+    EXPECT_EQ(percent, QStringLiteral("100 %"));
+    EXPECT_EQ(BoxTexts(Answers), Texts{"Information: Thorough scan of drives completed."});
+    EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Information);
+    EXPECT_FALSE(Engine.VolumeParams.MftExtents.Empty());
+}
+
+TEST_F(SearchTest, CancelledQuestionKeepsThePage) {
+    SearchFromSheet();
+    AnswerMode("Thorough Scan", "Cancel");
+    AtSheet([&] {
+        EXPECT_EQ(Heading(), "Select image to recover data");
+        EXPECT_EQ(Buttons(), "< Back Next >");
+        Press("Next >");
+    });
+    AnswerMode("Thorough Scan");
+    AnswerRange("Cancel");
+    AtSheet([&] {
+        EXPECT_EQ(Heading(), "Select image to recover data");
+        Close();
+    });
+    Run();
+    const Texts once = {WreckLines("")[0], WreckLines("")[1]};
+    EXPECT_EQ(Frame.Arrived, (Texts{once[0], once[1], once[0], once[1]})) << "the choice is logged each time";
+}
+
+TEST_F(SearchTest, AbortKeepsWhatWasFound) {
+    OpenSlowWreck();
+    AnswerMode("Thorough Scan");
+    AnswerRange("OK");
+    Steps.When<CLogicalDrivesFound>([&](CLogicalDrivesFound& dialog) {
+        EXPECT_TRUE(WaitUntil([&] { return !RowsShown(dialog).empty(); }));
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Thorough Scan"));
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        dialog.close();
+        EXPECT_TRUE(dialog.isVisible());
+        Answers.Answer(QMessageBox::No);
+        Answers.Answer(QMessageBox::Yes);
+        Answers.MayAnswer = [](const QMessageBox& box) {
+            return box.windowTitle() != QLatin1String("Confirm") || WorkerGate().IsHolding();
+        };
+        test::Press(dialog, "Abort Process");
+        EXPECT_EQ(Engine.ScanRunFlag, 1U) << "No";
+        EXPECT_FALSE(WorkerGate().IsClosed());
+        test::Press(dialog, "Abort Process");
+    });
+    EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr)) << "the wizard goes on";
+    EXPECT_TRUE(Steps.AllDone());
+    EXPECT_EQ(BoxTexts(Answers),
+              (Texts{"Confirm: Do you want to abort scanning?", "Confirm: Do you want to abort scanning?",
+                     "Information: Thorough scan of drives aborted."}));
+    EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Critical);
+    EXPECT_EQ(Frame.Arrived.back(), "1 Aborted searching partitions | -----------------");
+    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
+    EXPECT_EQ(Engine.ScanRunFlag, 0U);
+}
+
+TEST_F(SearchTest, EndOfTheProgramEndsTheSearch) {
+    OpenSlowWreck();
+    AnswerMode("Thorough Scan");
+    AnswerRange("OK");
+    Steps.When<CLogicalDrivesFound>([&](CLogicalDrivesFound& dialog) {
+        EXPECT_TRUE(WaitUntil([&] { return !RowsShown(dialog).empty(); }));
+        dialog.done(QDialog::Rejected);
+    });
+    EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr));
+    EXPECT_EQ(Frame.Arrived.back(), "1 Aborted searching partitions | -----------------");
+    EXPECT_EQ(Engine.ScanRunFlag, 0U);
+}
+
+TEST_F(SearchTest, EndBehindTheAbortQuestionIsShownAfterIt) {
+    CLogicalDrivesFound dialog(nullptr, {SearchMethod::Quick, 0, 1000});
+    dialog.show();
+    Answers.MayAnswer = [&](const QMessageBox& box) {
+        if (box.windowTitle() == QLatin1String("Confirm")) {
+            dialog.OnMessage(WM_SEARCH_FINISHED, 1, 0);
+        }
+        return true;
+    };
+    test::Press(dialog, "Abort Process");
+    EXPECT_EQ(BoxTexts(Answers).size(), 2U);
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(SearchTest, PositionAndRowsReadAsTold) {
+    CLogicalDrivesFound dialog(nullptr, {SearchMethod::Quick, 0, 1000});
+    const auto& bar = *dialog.findChild<QProgressBar*>();
+    dialog.OnMessage(WM_SEARCH_POSITION, 5, 0);
+    EXPECT_EQ(bar.value(), 0);
+    dialog.OnMessage(WM_SEARCH_POSITION, 999, 1000);
+    EXPECT_EQ(bar.value(), 99);
+    for (unsigned i = 0; i < 256; ++i) {
+        dialog.OnMessage(WM_PARTITION_FOUND, 0xFFFFFF00U + i, 0);
+    }
+    EXPECT_EQ(RowsShown(dialog).at(254), "NTFS logical drive #255 | 4294967294");
+    EXPECT_EQ(RowsShown(dialog).at(255), "NTFS logical drive #0 | 4294967295");
+}
+
+struct RangeCase {
+    const char* Start;
+    const char* End;
+    const char* Text;
+    int BarStart;
+    int BarEnd;
+};
+
+TEST_F(SearchTest, RangeIsTestedWithEveryChange) {
+    constexpr const char* kStartFault = "Start sector should be less than total sectors";
+    constexpr const char* kOrderFault = "End sector should be greater than start sector";
+    constexpr const char* kEndFault = "End sector should be less than total sectors";
+    const RangeCase cases[] = {{"0", "20000", "9.77 MB", 0, 100},     {"0", "20001", kEndFault, 1, 0},
+                               {"20000", "20000", kStartFault, 1, 0}, {"12345", "12345", kOrderFault, 1, 0},
+                               {"0", "0", kOrderFault, 1, 0},         {"", "2", "1024 bytes", 0, 0},
+                               {"1", "4", "1.50 KB", 0, 0},           {"0", "2048", "1024.00 KB", 0, 10},
+                               {"5000", "15102", "4.93 MB", 25, 76},  {"5000", "", kOrderFault, 1, 0}};
+    Engine.SourceDisk.BytesPerSector = 512;
+    CChooseSectorRange dialog(nullptr, 20000);
+    dialog.show();
+    const auto edits = dialog.findChildren<QLineEdit*>();
+    auto* bar = dialog.findChild<CScanArea*>();
+    for (const RangeCase& range : cases) {
+        edits.at(0)->setText(QLatin1String(range.Start));
+        edits.at(1)->setText(QLatin1String(range.End));
+        const bool fault = range.BarStart > range.BarEnd;
+        EXPECT_EQ(dialog.findChild<QLabel*>()->text(), QLatin1String(range.Text)) << range.Start;
+        EXPECT_EQ(bar->RangeStart(), range.BarStart) << range.Start << " " << range.End;
+        EXPECT_EQ(bar->RangeEnd(), range.BarEnd) << range.Start << " " << range.End;
+        EXPECT_EQ(ButtonOf(dialog, "OK")->isEnabled(), !fault) << range.Start << " " << range.End;
+    }
+}
+
+TEST_F(SearchTest, RangeTakesDigitsAndFillsWhatIsLeftEmpty) {
+    Engine.SourceDisk.BytesPerSector = 512;
+    CChooseSectorRange dialog(nullptr, 20000);
+    dialog.show();
+    const auto edits = dialog.findChildren<QLineEdit*>();
+    edits.at(0)->clear();
+    QTest::keyClicks(edits.at(0), QStringLiteral("-1x2345678"));
+    EXPECT_EQ(edits.at(0)->text(), QStringLiteral("12345"));
+    edits.at(0)->clear();
+    QTest::keyClick(edits.at(0), Qt::Key_Tab);
+    EXPECT_EQ(edits.at(0)->text(), QStringLiteral("0"));
+    edits.at(1)->setFocus();
+    edits.at(1)->clear();
+    QTest::keyClick(edits.at(1), Qt::Key_Return);
+    EXPECT_EQ(dialog.EndSector, 20000U);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+}
+
+TEST_F(SearchTest, RangeGoesIntoTheSearch) {
+    OpenWreck();
+    AnswerMode("Thorough Scan");
+    Steps.When<CChooseSectorRange>([](CChooseSectorRange& dialog) {
+        dialog.findChildren<QLineEdit*>().at(0)->setText(QStringLiteral("3000"));
+        dialog.findChildren<QLineEdit*>().at(1)->setText(QStringLiteral("4000"));
+        test::Press(dialog, "OK");
+    });
+    EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr));
+    EXPECT_EQ(Frame.Arrived.at(0), "0 Searching Logical Volumes | Sectors Range 3000 to 4000");
+    EXPECT_TRUE(Engine.SourceDisk.Partitions.Empty());
+    EXPECT_EQ(BoxTexts(Answers), Texts{"Information: Thorough scan of drives completed."}) << "no advice";
+}
+
+} // namespace
+
+} // namespace thntfs::test
