@@ -66,7 +66,6 @@ int RunProgram(QApplication& application) {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
-    QApplication::setApplicationDisplayName(QLatin1String(kProgramName));
     ReadCommandLine(application);
     InstanceLock lock;
     return TakeInstance(lock) ? RunProgram(application) : 1;

@@ -72,6 +72,7 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
         TreeView->FillTree();
     });
     ProgressBar.reset();
+    Panes[2]->clear();
     if (!result.Done) {
         ClearViews();
     }

@@ -83,9 +83,6 @@ BoxAnswer RunBox(const BoxRequest& request) {
     box.setTextFormat(Qt::PlainText);
     box.setText(request.Text);
     box.setStandardButtons(ButtonsOf(request.Buttons));
-    if (request.Buttons == BoxButtons::YesNo) {
-        box.setEscapeButton(QMessageBox::No); // without it neither Escape nor the close button would do
-    }
     return AnswerOf(box.exec(), request.Buttons);
 }
 

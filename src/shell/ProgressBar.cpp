@@ -7,7 +7,6 @@ namespace thntfs {
 
 CProgressBar::CProgressBar(QLabel* pane, const QString& message, int percentOfPane, int maximum)
     : QProgressBar(pane)
-    , pane_(pane)
     , percentOfPane_(percentOfPane) {
     setRange(0, maximum);
     setValue(0);
@@ -19,19 +18,17 @@ CProgressBar::CProgressBar(QLabel* pane, const QString& message, int percentOfPa
 }
 
 CProgressBar::~CProgressBar() {
-    if (pane_) {
+    if (QLabel* pane = Pane()) {
         hide();
-        pane_->setText(QStringLiteral("Ready"));
+        pane->setText(QStringLiteral("Ready"));
     }
 }
 
 void CProgressBar::SetText(const QString& message) {
     message_ = message;
-    if (pane_) {
-        pane_->setText(message);
-        Place();
-        pane_->repaint(); // a job on the interface thread runs no event loop
-    }
+    Pane()->setText(message);
+    Place();
+    Pane()->repaint(); // a job on the interface thread runs no event loop
 }
 
 void CProgressBar::SetPos(int position) {
@@ -41,7 +38,7 @@ void CProgressBar::SetPos(int position) {
 
 bool CProgressBar::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
-    if (watched == pane_ && (type == QEvent::Resize || type == QEvent::FontChange)) {
+    if (watched == parent() && (type == QEvent::Resize || type == QEvent::FontChange)) {
         Place();
     }
     return QProgressBar::eventFilter(watched, event);
@@ -50,12 +47,12 @@ bool CProgressBar::eventFilter(QObject* watched, QEvent* event) {
 void CProgressBar::Place() { setGeometry(FreeRoom()); }
 
 QRect CProgressBar::FreeRoom() const {
-    const QFontMetrics metrics = pane_->fontMetrics();
-    QRect room = pane_->contentsRect();
+    const QFontMetrics metrics = Pane()->fontMetrics();
+    QRect room = Pane()->contentsRect();
     if (!message_.isEmpty()) {
         const int text =
             metrics.horizontalAdvance(message_) + 4 * metrics.horizontalAdvance(QLatin1Char(' '));
-        room.setLeft(room.left() + pane_->margin() + text);
+        room.setLeft(room.left() + Pane()->margin() + text);
     }
     const int width = std::max(0, room.width());
     room.setWidth(width - width * (100 - percentOfPane_) / 100);

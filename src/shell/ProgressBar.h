@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QLabel>
-#include <QPointer>
 #include <QProgressBar>
 #include <QString>
 
@@ -28,10 +27,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// Null while the pane is being destroyed, and the bar with it.
+    [[nodiscard]] QLabel* Pane() const { return qobject_cast<QLabel*>(parent()); }
     void Place();
     [[nodiscard]] QRect FreeRoom() const;
 
-    QPointer<QLabel> pane_;
     QString message_;
     int percentOfPane_;
 };

@@ -1,6 +1,6 @@
 #include "platform/DiskIdentity.h"
 
-#include "LoopDevice.h"
+#include "support/LoopDevice.h"
 #include "platform/WorkFolder.h"
 #include "platform/posix/MountTable.h"
 

@@ -1,6 +1,6 @@
 #include "platform/Medium.h"
 
-#include "LoopDevice.h"
+#include "support/LoopDevice.h"
 #include "platform/File.h"
 #include "platform/WorkFolder.h"
 

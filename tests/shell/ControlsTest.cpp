@@ -5,6 +5,7 @@
 #include "shell/WaitWindow.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStatusBar>
 #include <QTest>
 #include <memory>

@@ -141,13 +141,14 @@ TEST_F(PagesTest, TaskLeadsToItsPage) {
 
 TEST_F(PagesTest, KeysChooseATaskAndGoOn) {
     AtSheet([&] {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(Sheet.get()));
         QTest::keyClick(Sheet.get(), Qt::Key_Y, Qt::AltModifier);
-        EXPECT_EQ(Sheet->WizardTask, kTaskRecoverDisk);
-        QTest::keyClick(Sheet.get(), Qt::Key_N, Qt::AltModifier);
-        QTest::keyClick(&OnPage<QTreeWidget>(), Qt::Key_Down);
+        EXPECT_TRUE(WaitUntil([&] { return Sheet->WizardTask == kTaskRecoverDisk; }));
+        QTest::keyClick(Sheet.get(), Qt::Key_Return);
+        QTest::keyClick(Sheet->focusWidget(), Qt::Key_Down);
         EXPECT_EQ(Buttons(), "< Back Next >");
         QTest::keyClick(Sheet.get(), Qt::Key_S, Qt::AltModifier);
-        EXPECT_EQ(Sheet->ProcessingMode, 1);
+        EXPECT_TRUE(WaitUntil([&] { return Sheet->ProcessingMode == 1; }));
         Close();
     });
     Run();

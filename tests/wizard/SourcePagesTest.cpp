@@ -104,9 +104,10 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPage) {
         EXPECT_EQ(Buttons(), "(< Back) Next >");
         Press("Next >");
         Press("Next >");
+        ClickRow(4);
         auto& table = OnPage<QTableWidget>();
         QTest::mouseDClick(table.viewport(), Qt::LeftButton, {},
-                           table.visualItemRect(table.item(4, 0)).center());
+                           table.visualItemRect(table.item(4, 1)).center());
     });
     EXPECT_EQ(Run(), kWizardFinished);
     EXPECT_EQ(Engine.VolumeParams.StartSector, 53382U);

@@ -1,4 +1,4 @@
-#include "LoopDevice.h"
+#include "support/LoopDevice.h"
 
 #include <array>
 #include <cstdio>
