@@ -10,7 +10,6 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QSignalBlocker>
 #include <utility>
 
 namespace thntfs {
@@ -28,11 +27,6 @@ CTHNTFSTreeView::CTHNTFSTreeView(QWidget* parent)
     setModel(model_);
     setItemDelegate(delegate_);
     SetUpLook();
-    connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
-        if (ViewsBusy()) {
-            collapse(index);
-        }
-    });
 }
 
 void CTHNTFSTreeView::SetUpLook() {
@@ -140,13 +134,11 @@ void CTHNTFSTreeView::SelectFolder(std::uint32_t entryId) {
 }
 
 void CTHNTFSTreeView::Select(std::uint32_t place) {
-    const QSignalBlocker unheard(this); // bringing it into view may expand, which is not the user's doing
     setCurrentIndex(model_->IndexOf(place));
     scrollTo(currentIndex());
 }
 
 void CTHNTFSTreeView::ExpandWithParents(QModelIndex index) {
-    const QSignalBlocker unheard(this);
     for (; index.isValid(); index = index.parent()) {
         expand(index);
     }
@@ -213,12 +205,15 @@ void CTHNTFSTreeView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void CTHNTFSTreeView::keyPressEvent(QKeyEvent* event) {
+    if (ViewsBusy()) {
+        return; // some keys would unfold folders
+    }
     const int key = event->key();
     if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Menu) {
         QTreeView::keyPressEvent(event);
         return;
     }
-    if (ViewsBusy() || !currentIndex().isValid()) {
+    if (!currentIndex().isValid()) {
         return;
     }
     ChooseSelected();

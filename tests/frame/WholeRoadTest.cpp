@@ -8,6 +8,7 @@
 #include "wizard/DiskScanMode.h"
 #include "wizard/WizardSheet.h"
 
+#include <QAbstractButton>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTableWidget>

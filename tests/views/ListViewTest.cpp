@@ -1,3 +1,4 @@
+#include "shell/WaitWindow.h"
 #include "views/ViewsFixture.h"
 
 #include <QHeaderView>
@@ -198,10 +199,9 @@ TEST_F(ListViewTest, ContextMenuFitsTheRowAndTheSelection) {
 
 TEST_F(ListViewTest, BusyProgramTakesNoClicksAndNoOrders) {
     ClickRow(1);
-    CDlgWait* const wait = reinterpret_cast<CDlgWait*>(List); // only looked at for being there
     for (const bool job : {true, false}) {
         Engine.ScanRunFlag = job ? 1 : 0;
-        Engine.WaitDialog = job ? nullptr : wait;
+        const auto wait = job ? nullptr : std::make_unique<CDlgWait>(&Window);
         ClickRow(0);
         DoubleClickRow(0);
         ClickRow(0, Qt::RightButton);

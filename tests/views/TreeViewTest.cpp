@@ -1,4 +1,4 @@
-#include "views/ContextMenu.h"
+#include "shell/WaitWindow.h"
 #include "views/ViewsFixture.h"
 
 #include <QLocale>
@@ -230,35 +230,30 @@ TEST_F(TreeViewTest, ContextMenuActsOnTheFolderAndLeavesTheList) {
 }
 
 TEST_F(TreeViewTest, BusyProgramTakesNoOrders) {
-    CDlgWait* const wait = reinterpret_cast<CDlgWait*>(Tree); // only looked at for being there
     const QPoint onName = OnName(Docs());
     const QPoint onMark = OnMark(Docs());
-    Tree->collapse(Photos());
+    Tree->collapse(Docs());
+    Tree->setCurrentIndex(Docs());
     for (const bool job : {true, false}) {
         Engine.ScanRunFlag = job ? 1 : 0;
-        Engine.WaitDialog = job ? nullptr : wait;
+        const auto wait = job ? nullptr : std::make_unique<CDlgWait>(&Window);
         ClickTree(onName);
         ClickTree(onMark);
         QTest::mouseDClick(Tree->viewport(), Qt::LeftButton, {}, onName);
         ClickTree(onName, Qt::RightButton);
         EXPECT_EQ(OpenMenuText(), QString());
-        QTest::keyClick(Tree, Qt::Key_Menu);
-        QTest::keyClick(Tree, Qt::Key_Return);
-        QTest::keyClick(Tree, Qt::Key_Asterisk);
-        RunEvents();
-        ExpectCurrent(Item({}), 0);
+        for (const Qt::Key key :
+             {Qt::Key_Menu, Qt::Key_Return, Qt::Key_Right, Qt::Key_Plus, Qt::Key_Asterisk}) {
+            QTest::keyClick(Tree, key);
+        }
+        EXPECT_EQ(Tree->CurrentEntry(), 0U);
         EXPECT_EQ(MarkOf(Docs()), Qt::Unchecked);
-        Tree->collapse(Item({root}));
-        Tree->expand(Item({root}));
-        EXPECT_FALSE(Tree->isExpanded(Item({root})));
-        Engine.ScanRunFlag = 0;
-        Engine.WaitDialog = nullptr;
-        Tree->expandAll();
-        RunEvents();
+        EXPECT_FALSE(Tree->isExpanded(Docs()));
     }
     EXPECT_TRUE(Frame.Messages.empty());
-    Engine.WaitDialog = wait;
+
     SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, docsId);
+    const CDlgWait wait(&Window);
     Tree->GoToParent();
     EXPECT_EQ(Tree->CurrentEntry(), docsId);
 }

@@ -99,10 +99,7 @@ protected:
         QApplication::setActiveWindow(&Window);
         RunEvents();
     }
-    ~ViewsFixture() override {
-        Engine.WaitDialog = nullptr;
-        SetPreviewWindowOpen(false);
-    }
+    ~ViewsFixture() override { SetPreviewWindowOpen(false); }
 
     void Fill() {
         Tree->FillTree();

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "ModalSteps.h"
 #include "platform/Host.h"
 #include "shell/MessageTarget.h"
 #include "support/RunProgram.h"
 #include "support/desktop/BoxAnswers.h"
+#include "support/desktop/ModalSteps.h"
+#include "support/desktop/Widgets.h"
 #include "wizard/WizardSheet.h"
 
 #include <gtest/gtest.h>
@@ -12,11 +13,7 @@
 #include <string>
 #include <vector>
 
-class QAbstractButton;
-
 namespace thntfs::test {
-
-using Texts = std::vector<std::string>;
 
 /// Stands for the main frame: keeps what reaches it, in order, as "clear views" and "STATUS first | second".
 class RecordingFrame : public CMessageTarget {
@@ -28,16 +25,6 @@ public:
 
 /// Three disks that no machine has.
 std::vector<DiskInfo> MadeUpDisks();
-
-/// A button of a window by its text without the mnemonic's sign and blanks around it; null for none that
-/// shows.
-QAbstractButton* ButtonOf(const QWidget& window, const char* text);
-
-/// A click on it.
-void Press(const QWidget& window, const char* text);
-
-/// The cells of a table, a text a row, with " | " between.
-Texts RowsShown(const QWidget& window);
 
 /// The text and the caption of each box.
 Texts BoxTexts(const BoxAnswers& answers);

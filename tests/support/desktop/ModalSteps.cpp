@@ -1,4 +1,4 @@
-#include "ModalSteps.h"
+#include "support/desktop/ModalSteps.h"
 
 #include <QDialog>
 #include <gtest/gtest.h>
