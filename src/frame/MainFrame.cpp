@@ -101,6 +101,7 @@ void CMainFrame::UpdateCommands() {
 void CMainFrame::ClearViews() {
     TreeView->Clear();
     ListView->Clear();
+    Panes[2]->clear(); // the marks went with the folders
 }
 
 void CMainFrame::UpdateTotals(std::uintptr_t what) {

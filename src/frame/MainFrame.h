@@ -118,6 +118,7 @@ private:
     void ClearFindMark();
 
     // Jobs.
+    bool MayStartWork();
     void StartWorker(void (*work)(CMainFrame&));
     void StartBasicScan();
     void StartTurboScan();

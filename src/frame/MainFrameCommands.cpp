@@ -132,7 +132,7 @@ bool CMainFrame::RunHelpCommand(std::uint32_t command) {
 }
 
 void CMainFrame::RunWizard(const QString& imagePath) {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+    if (!MayStartWork()) {
         return;
     }
     CWizardSheet sheet(this, LogicalDriveNumber);
@@ -145,7 +145,7 @@ void CMainFrame::RunWizard(const QString& imagePath) {
 }
 
 void CMainFrame::OpenFoundDrive() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
+    if (!MayStartWork()) {
         return;
     }
     CWizardSheet sheet(this, LogicalDriveNumber);

@@ -45,6 +45,17 @@ const char* WorkName(std::uintptr_t work) {
 
 } // namespace
 
+// A stopped worker still fills the tree, and some commands are enabled meanwhile.
+bool CMainFrame::MayStartWork() {
+    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
+        return false;
+    }
+    if (JobBusy != 0) {
+        ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
+    }
+    return JobBusy == 0;
+}
+
 void CMainFrame::TakeWizardResult(CWizardSheet& sheet) {
     CurrentEntry = std::move(sheet.WizardLogEntry);
     if (CurrentEntry && !CurrentEntry->Name.empty()) {
@@ -77,7 +88,7 @@ void CMainFrame::StartBasicScan() {
 }
 
 void CMainFrame::StartTurboScan() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+    if (!MayStartWork()) {
         return;
     }
     Engine.ScanRunFlag = 1;
@@ -100,6 +111,7 @@ void CMainFrame::StartWorker(void (*work)(CMainFrame&)) {
         ShowBox(QString::fromLocal8Bit(failure.what()), QStringLiteral("Error"), BoxIcon::Stop);
         EndFailedJob();
     }
+    UpdateCommands();
 }
 
 void CMainFrame::CreateProgressBar(const QString& caption) {

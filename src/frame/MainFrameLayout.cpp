@@ -85,6 +85,7 @@ void CMainFrame::CreateActions() {
         action->setStatusTip(QLatin1String(text.Prompt));
         action->setToolTip(QLatin1String(text.ToolTip));
         action->setCheckable(IsChecked(text.Id));
+        action->setData(text.Id);
         if (*text.Icon != '\0') {
             action->setIcon(LoadIcon(text.Icon));
         }

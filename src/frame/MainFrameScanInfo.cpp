@@ -54,7 +54,7 @@ bool PathIsKept() {
 } // namespace
 
 void CMainFrame::LoadTreeInfoByDialog() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+    if (!MayStartWork()) {
         return;
     }
     const QString path = ChooseFileToOpen(this, QStringLiteral("Load Tree Info"), TreeFilter());
@@ -72,7 +72,6 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
         TreeView->FillTree();
     });
     ProgressBar.reset();
-    Panes[2]->clear();
     if (!result.Done) {
         ClearViews();
     }
@@ -80,7 +79,7 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
 }
 
 bool CMainFrame::SaveTreeInfoByDialog() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+    if (!MayStartWork()) {
         return false;
     }
     const QString path =
@@ -96,7 +95,7 @@ bool CMainFrame::SaveTreeInfoByDialog() {
 }
 
 void CMainFrame::LoadPartitionInfoByDialog() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0 || JobBusy != 0) {
+    if (!MayStartWork()) {
         return;
     }
     const QString path = ChooseFileToOpen(this, QStringLiteral("Load Partition Info"), PartitionFilter());
@@ -109,7 +108,7 @@ void CMainFrame::LoadPartitionInfoByDialog() {
 }
 
 void CMainFrame::SavePartitionInfoByDialog() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
+    if (!MayStartWork()) {
         return;
     }
     const QString path =

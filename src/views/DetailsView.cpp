@@ -5,7 +5,9 @@
 
 #include <QHeaderView>
 #include <array>
+#include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace thntfs {
 
@@ -53,13 +55,30 @@ void DetailsView::RememberShares() {
     }
 }
 
-// Each column ends where its share does, so that the rounding never adds up.
+// What a column's share has beyond its title. Where all have enough, each gets just its share.
+std::vector<double> DetailsView::RoomBeyondTitles() const {
+    std::vector<double> room;
+    for (int column = 0; column < FileListModel::kColumns; ++column) {
+        const double share = shares_[static_cast<std::size_t>(column)] * viewport()->width();
+        room.push_back(std::max(0.0, share - header()->sectionSizeHint(column)));
+    }
+    return room;
+}
+
+// Each column ends where the sum says, so that the rounding never adds up.
 void DetailsView::FitColumns() {
     fitting_ = true;
+    const std::vector<double> room = RoomBeyondTitles();
+    int titles = 0;
+    for (int column = 0; column < FileListModel::kColumns; ++column) {
+        titles += header()->sectionSizeHint(column);
+    }
+    const double wanted = std::max(1.0, std::accumulate(room.begin(), room.end(), 0.0));
+    const double part = std::max(0, viewport()->width() - titles) / wanted;
     double end = 0;
     int left = 0;
     for (int column = 0; column < FileListModel::kColumns; ++column) {
-        end += shares_[static_cast<std::size_t>(column)] * viewport()->width();
+        end += header()->sectionSizeHint(column) + room[static_cast<std::size_t>(column)] * part;
         const int right = static_cast<int>(std::lround(end));
         header()->resizeSection(column, right - left);
         left = right;

@@ -18,6 +18,7 @@ protected:
 private:
     void FitColumns();
     void RememberShares();
+    [[nodiscard]] std::vector<double> RoomBeyondTitles() const;
 
     std::vector<double> shares_; ///< of each column in the width of the view
     bool fitting_ = false;

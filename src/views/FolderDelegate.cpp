@@ -36,13 +36,19 @@ void FolderDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     const QRect text = StyleOf(item)->subElementRect(QStyle::SE_ItemViewItemText, &item, item.widget);
     const bool focused = item.state.testFlag(QStyle::State_HasFocus);
     item.state &= ~(QStyle::State_Selected | QStyle::State_HasFocus);
-    item.palette.setColor(QPalette::Text, kCurrentText);
+    StyleOf(item)->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
+
+    // Mark and icon keep the palette's colours.
+    painter->save();
+    painter->setClipRect(text, Qt::IntersectClip);
     painter->fillRect(text, Qt::white);
+    item.palette.setColor(QPalette::Text, kCurrentText);
     StyleOf(item)->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
     if (focused) { // the style's own sign of it would tint the ground
         painter->setPen(item.palette.color(QPalette::Highlight));
         painter->drawRect(text.adjusted(0, 0, -1, -1));
     }
+    painter->restore();
 }
 
 // Any folder can become bold, and the column is not measured again then.

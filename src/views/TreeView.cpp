@@ -48,7 +48,7 @@ void CTHNTFSTreeView::FillTree() {
 
 void CTHNTFSTreeView::Clear() {
     model_->SetFolders({});
-    ForgetMarks();
+    model_->SumMarks();
 }
 
 bool CTHNTFSTreeView::IsEmpty() const { return model_->IsEmpty(); }
@@ -91,7 +91,7 @@ std::intptr_t CTHNTFSTreeView::OnMessage(std::uint32_t message, std::uintptr_t w
 
 void CTHNTFSTreeView::TakeFolders(FolderNodes& folders) {
     model_->SetFolders(std::move(folders));
-    ForgetMarks();
+    model_->SumMarks();
     Select(FolderTreeModel::kTop);
     ExpandWithParents(model_->IndexOf(FolderTreeModel::kTop));
     SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 1, 0);
@@ -100,11 +100,6 @@ void CTHNTFSTreeView::TakeFolders(FolderNodes& folders) {
         listView_->SortList(0, true, SortKind::Text);
     }
     setFocus();
-}
-
-void CTHNTFSTreeView::ForgetMarks() {
-    model_->SumMarks();
-    SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 2, 1);
 }
 
 void CTHNTFSTreeView::SelectChild(std::uint32_t entryId) {

@@ -56,7 +56,6 @@ private:
 
     void SetUpLook();
     void TakeFolders(FolderNodes& folders);
-    void ForgetMarks();
     void SelectChild(std::uint32_t entryId);
     void SelectFolder(std::uint32_t entryId);
     void Select(std::uint32_t place);

@@ -29,7 +29,7 @@ std::uint64_t NumberIn(const QLineEdit& edit) {
     return fits || edit.text().isEmpty() ? number : std::numeric_limits<std::uint64_t>::max();
 }
 
-QString SizeText(std::uint64_t bytes) {
+QString RangeText(std::uint64_t bytes) {
     struct Unit {
         std::uint64_t Bytes;
         const char* Name;
@@ -171,7 +171,7 @@ void CChooseSectorRange::ShowFault(const char* text, QLineEdit* faulty) {
 }
 
 void CChooseSectorRange::ShowRange() {
-    size_->setText(SizeText((EndSector - StartSector) * Engine.SourceDisk.BytesPerSector));
+    size_->setText(RangeText((EndSector - StartSector) * Engine.SourceDisk.BytesPerSector));
     bar_->SetRange(PercentOf(StartSector), PercentOf(EndSector));
     ok_->setEnabled(true);
 }

@@ -16,7 +16,7 @@ QString Quoted(const QString& word) {
 } // namespace
 
 void TellCopyNotBuilt(const QString& work, const QStringList& words) {
-    QString line = QStringLiteral("th-ntfs-cli %1").arg(words.first());
+    QString line = QStringLiteral("./run %1").arg(words.first());
     for (qsizetype i = 1; i < words.size(); ++i) {
         line += QLatin1Char(' ') + Quoted(words[i]);
     }

@@ -7,6 +7,12 @@
 
 namespace thntfs {
 
+namespace {
+
+constexpr int kWidth = 40; // in letters
+
+} // namespace
+
 CDiskScanMode::CDiskScanMode(QWidget* owner)
     : QDialog(owner) {
     setWindowTitle(QStringLiteral("Disk Scan Mode"));
@@ -25,6 +31,7 @@ CDiskScanMode::CDiskScanMode(QWidget* owner)
             [this](bool checked) { ScanMethod = checked ? SearchMethod::Thorough : SearchMethod::Quick; });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    setMinimumWidth(kWidth * fontMetrics().averageCharWidth()); // for the title
 }
 
 } // namespace thntfs

@@ -15,7 +15,6 @@ QSize CElidedLabel::minimumSizeHint() const { return {0, QLabel::minimumSizeHint
 
 void CElidedLabel::paintEvent(QPaintEvent* /*event*/) {
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
-    setToolTip(shown == text() ? QString() : text());
     QPainter painter(this);
     style()->drawItemText(&painter, rect(), Qt::AlignVCenter | Qt::AlignLeft, palette(), isEnabled(), shown,
                           foregroundRole());

@@ -4,7 +4,7 @@
 
 namespace thntfs {
 
-/// A line of text that may hold a long path: what has no room is left out in its middle and shown as a tip.
+/// A line of text that may hold a long path: where there is no room its middle is left out.
 class CElidedLabel : public QLabel {
 public:
     CElidedLabel(const QString& text, QWidget* parent);

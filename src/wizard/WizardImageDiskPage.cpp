@@ -47,6 +47,7 @@ void CWizardImageDiskPage::LayOut() {
 void CWizardImageDiskPage::OnSetActive() {
     Sheet().ImageDestination.clear();
     pathText_->setText(QStringLiteral("File Path :"));
+    pathText_->setToolTip({});
     pathText_->setEnabled(false);
     tree_->SelectRoot();
     ShowImageDetails(kNoDisk);
@@ -79,6 +80,7 @@ void CWizardImageDiskPage::PickDestination() {
     }
     Sheet().ImageDestination = path.endsWith(kExtension) ? path : path + kExtension;
     pathText_->setText(QStringLiteral("Destination path :") + Sheet().ImageDestination);
+    pathText_->setToolTip(Sheet().ImageDestination);
     pathText_->setEnabled(true);
     UpdateButtons();
 }

@@ -76,6 +76,7 @@ void CwizardImageSelection::PickImage() {
 void CwizardImageSelection::ChooseImage(const QString& path) {
     imagePath_ = path.toStdString();
     pathText_->setText(QStringLiteral("File Path :") + path);
+    pathText_->setToolTip(path);
     pathText_->setEnabled(true);
     freeText_->setEnabled(true);
     failure_->clear();

@@ -3,6 +3,7 @@
 #include "dialogs/HelpViewer.h"
 #include "shell/Boxes.h"
 #include "shell/Icons.h"
+#include "shell/Settings.h"
 #include "wizard/WizardCloneDiskPage.h"
 #include "wizard/WizardDriveSelectionPage.h"
 #include "wizard/WizardHeader.h"
@@ -14,7 +15,6 @@
 #include <QCheckBox>
 #include <QFrame>
 #include <QPushButton>
-#include <QSettings>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -24,8 +24,6 @@ namespace thntfs {
 
 namespace {
 
-const QString kCompany = QStringLiteral("Tarnholt Works Inc.");
-const QString kProduct = QStringLiteral("Tarnholt Volume Salvage (NTFS)");
 const QString kStartUpKey = QStringLiteral("Wizard/StartUp");
 constexpr std::size_t kMaxDisks = kNoDisk; // positions are bytes, and this one means none
 constexpr int kMargin = 10;
@@ -39,7 +37,7 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std
     setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Wizard"));
     setWindowIcon(LoadIcon("wizard"));
     Disks.resize(std::min(Disks.size(), kMaxDisks));
-    RunAtStartup = QSettings(kCompany, kProduct).value(kStartUpKey, 0).toInt() != 0 ? 1 : 0;
+    RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0 ? 1 : 0;
     header_ = new CWizardHeader(this);
     stack_ = new QStackedWidget(this);
     runAtStartup_ = new QCheckBox(QStringLiteral("&Run wizard on startup"), this);
@@ -61,7 +59,7 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std
     connect(help_, &QPushButton::clicked, this, [this] { ShowHelp(ActivePage().HelpTopic()); });
 }
 
-CWizardSheet::~CWizardSheet() { QSettings(kCompany, kProduct).setValue(kStartUpKey, RunAtStartup); }
+CWizardSheet::~CWizardSheet() { OpenSettings().setValue(kStartUpKey, RunAtStartup); }
 
 // In the order of the pages' numbers.
 void CWizardSheet::MakePages() {

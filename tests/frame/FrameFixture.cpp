@@ -86,6 +86,9 @@ void FrameFixture::AskForStopAtRead(std::uint64_t read) {
         if (index != read) {
             return;
         }
+        while (pressing_) { // one key at a time
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         QMetaObject::invokeMethod(Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
         while (!WorkerGate().IsClosed()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -97,7 +100,9 @@ void FrameFixture::PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     Frame->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(Frame.get()));
     Frame->UpdateCommands();
+    pressing_ = true;
     QTest::keyClick(Frame.get(), key, modifiers);
+    pressing_ = false;
 }
 
 void FrameFixture::ChooseInMenu(const std::vector<QString>& titles) {

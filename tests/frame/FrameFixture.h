@@ -8,6 +8,7 @@
 #include "support/RunProgram.h"
 #include "support/desktop/BoxAnswers.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -65,6 +66,9 @@ protected:
     BoxAnswers Answers;
     std::shared_ptr<FaultPlan> Plan = std::make_shared<FaultPlan>();
     std::unique_ptr<CMainFrame> Frame;
+
+private:
+    std::atomic<bool> pressing_{false};
 };
 
 } // namespace thntfs::test

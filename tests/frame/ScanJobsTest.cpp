@@ -178,15 +178,27 @@ TEST_F(ScanJobs, ADiskThatGoesAwayEndsTheScanWithABox) {
     EXPECT_EQ(LogRows().back(), kBasicScanLines.back());
 }
 
+// Between the stop and the worker's end the catalogue is being read, though no scan runs any more.
 TEST_F(ScanJobs, CommandsThatStartWorkLookForThemselves) {
     Load();
+    const std::size_t dialogs = Answers.SuggestedFiles.size();
+    const std::vector<std::uint32_t> commands{kCmdWizard,     kCmdOpenFoundDrive,    kCmdLoadTreeInfo,
+                                              kCmdSaveTreeInfo, kCmdLoadPartitionInfo, kCmdTurboScan};
     Frame->JobBusy = 1;
-    for (const std::uint32_t command : {kCmdLoadTreeInfo, kCmdSaveTreeInfo, kCmdTurboScan, kCmdWizard}) {
+    for (const std::uint32_t command : commands) {
+        Answers.Boxes.clear();
+        Frame->RunCommand(command);
+        ASSERT_EQ(Answers.Boxes.size(), 1U) << command;
+        EXPECT_EQ(BoxText(0), "Please wait...");
+    }
+    Engine.ScanRunFlag = 1;
+    Answers.Boxes.clear();
+    for (const std::uint32_t command : commands) {
         Frame->RunCommand(command);
     }
     Frame->JobBusy = 0;
-    EXPECT_TRUE(Answers.SuggestedFiles.empty() || Answers.SuggestedFiles.size() == 1U);
-    EXPECT_EQ(Engine.ScanRunFlag, 0U);
+    EXPECT_TRUE(Answers.Boxes.empty());
+    EXPECT_EQ(Answers.SuggestedFiles.size(), dialogs);
     EXPECT_TRUE(LogRows().empty());
 }
 

@@ -238,7 +238,7 @@ TEST_F(PagesTest, ImagingWantsADiskAndAPath) {
     EXPECT_EQ(
         BoxTexts(Answers),
         Texts{"Information: Creating a disk image is not built into the desktop program yet; the terminal "
-              "program does it:\n\nth-ntfs-cli image '/dev/sdx' '" +
+              "program does it:\n\n./run image '/dev/sdx' '" +
               Scratch.Path() + "/it'\\''s a disk.th2'"});
     EXPECT_EQ(ImageFileName(QDate(2026, 9, 6)),
               QStringLiteral("Tarnholt Volume Salvage (NTFS) Image # Sun, 06-Sept-2026"));
@@ -263,7 +263,7 @@ TEST_F(PagesTest, CloningWantsBothDisks) {
     EXPECT_EQ(
         BoxTexts(Answers),
         Texts{"Information: Cloning a disk is not built into the desktop program yet; the terminal program "
-              "does it:\n\nth-ntfs-cli clone '/dev/no-such-disk' '/dev/sdy'"});
+              "does it:\n\n./run clone '/dev/no-such-disk' '/dev/sdy'"});
 }
 
 } // namespace
