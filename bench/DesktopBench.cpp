@@ -39,22 +39,23 @@ void Print(const char* name, double milliseconds) { std::printf("%s=%.1f\n", nam
 
 FolderNode BiggestFolder() {
     const FolderNodes folders = CollectFolders();
-    return *std::max_element(folders.Nodes.begin(), folders.Nodes.end(),
-                             [](const FolderNode& left, const FolderNode& right) {
-                                 return left.DirectFiles < right.DirectFiles;
-                             });
+    return *std::max_element(
+        folders.Nodes.begin(), folders.Nodes.end(),
+        [](const FolderNode& left, const FolderNode& right) { return left.DirectFiles < right.DirectFiles; });
 }
 
 void MeasureList(CMainFrame& frame) {
     const FolderNode folder = BiggestFolder();
     std::printf("list_files=%u\n", folder.DirectFiles);
-    Print("list_fill", MillisecondsOf([&] { SendWindowMessage(frame.ListView, WM_LIST_SHOW_FOLDER, folder.EntryId); }));
-    constexpr std::array<SortKind, kColumns> kKinds{SortKind::Text, SortKind::WholeNumber, SortKind::Text,
-                                                    SortKind::Date, SortKind::Date,        SortKind::Text,
-                                                    SortKind::WholeNumber};
+    Print("list_fill",
+          MillisecondsOf([&] { SendWindowMessage(frame.ListView, WM_LIST_SHOW_FOLDER, folder.EntryId); }));
+    constexpr std::array<SortKind, kColumns> kKinds{
+        SortKind::Text, SortKind::WholeNumber, SortKind::Text,       SortKind::Date,
+        SortKind::Date, SortKind::Text,        SortKind::WholeNumber};
     double slowest = 0;
     for (int column = 0; column < kColumns; ++column) {
-        slowest = std::max(slowest, MillisecondsOf([&] { frame.ListView->SortList(column, false, kKinds[column]); }));
+        slowest = std::max(slowest,
+                           MillisecondsOf([&] { frame.ListView->SortList(column, false, kKinds[column]); }));
     }
     Print("list_slowest_sort", slowest);
 
@@ -82,7 +83,8 @@ void MeasureLog(CMainFrame& frame) {
         Print(name, MillisecondsOf([&] {
                   const CWorkerThread worker([&] {
                       send();
-                      QMetaObject::invokeMethod(&frame, [&sent] { sent = true; }, Qt::QueuedConnection);
+                      QMetaObject::invokeMethod(
+                          &frame, [&sent] { sent = true; }, Qt::QueuedConnection);
                   });
                   while (!sent) {
                       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

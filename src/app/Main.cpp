@@ -31,17 +31,14 @@ bool TakeInstance(InstanceLock& lock) {
     if (code == kErrorNone) {
         return true;
     }
-    ShowBox(code == kErrorAlreadyExists
-                ? QStringLiteral("Tarnholt Volume salvage is already running.\n"
-                                 "Please close the running instance first.")
-                : QStringLiteral("Failed to load Tarnholt Volume Salvage (NTFS)"),
+    ShowBox(code == kErrorAlreadyExists ? QStringLiteral("Tarnholt Volume salvage is already running.\n"
+                                                         "Please close the running instance first.")
+                                        : QStringLiteral("Failed to load Tarnholt Volume Salvage (NTFS)"),
             QStringLiteral("Error"), BoxIcon::Stop);
     return false;
 }
 
-bool WantsWizard() {
-    return OpenSettings().value(QStringLiteral("Wizard/StartUp"), 0).toInt() != 0;
-}
+bool WantsWizard() { return OpenSettings().value(QStringLiteral("Wizard/StartUp"), 0).toInt() != 0; }
 
 // Where the folder can't be had, each scan says that its files could not be opened.
 void ChooseCatalogueFolder() { LastingWorkFolder(Engine.CatalogueFolder); }

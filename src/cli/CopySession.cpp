@@ -69,12 +69,9 @@ int CopySession::Finish(const CopyLedger& ledger, const std::string& mapPath) {
 }
 
 void CopySession::LogEnd(bool completed) const {
-    ProcessLogEntry entry;
-    entry.Name = std::string(completed ? "Completed " : "Aborted ") +
-                 (work_ == CopyWork::Imaging ? "Disk Imaging" : "Disk Cloning");
-    entry.Description = options_.Medium + " to " + options_.Target;
-    entry.Status = completed ? kLogDone : kLogFailed;
-    thntfs::Host().LogEvent(entry);
+    LogLine(std::string(completed ? "Completed " : "Aborted ") +
+                (work_ == CopyWork::Imaging ? "Disk Imaging" : "Disk Cloning"),
+            options_.Medium + " to " + options_.Target, completed ? kLogDone : kLogFailed);
 }
 
 } // namespace thntfs

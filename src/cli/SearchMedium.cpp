@@ -1,11 +1,11 @@
 #include "cli/SearchMedium.h"
 
 #include "cli/ExitCode.h"
-#include "scaninfo/JobLog.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
 #include "partitions/PartitionSearch.h"
 #include "platform/Interrupt.h"
+#include "scaninfo/JobLog.h"
 
 #include <algorithm>
 

@@ -20,7 +20,8 @@ bool MayWrite(const QString& typed, const QString& extension) {
     if (typed.endsWith(extension) || !QFileInfo::exists(target)) {
         return true;
     }
-    return AskYesNo(QFileInfo(target).fileName() + QStringLiteral(" already exists.\nDo you want to replace it?"),
+    return AskYesNo(QFileInfo(target).fileName() +
+                        QStringLiteral(" already exists.\nDo you want to replace it?"),
                     QStringLiteral("Confirm"));
 }
 

@@ -74,9 +74,9 @@ struct EngineState {
 
     // Where the desktop program stands.
     std::atomic<std::uint32_t> StructuresMissing{0}; ///< 1 when the chosen volume's table was not located
-    std::uint32_t TurboScanUsed = 0;     ///< 1 from a Turbo Scan to the next volume
-    std::uint8_t ProcessingMode = 0;     ///< 0 partition table, 1 search: how the candidates came about
-    CDlgWait* WaitDialog = nullptr;      ///< stands while a list is filled; not owned
+    std::uint32_t TurboScanUsed = 0;                 ///< 1 from a Turbo Scan to the next volume
+    std::uint8_t ProcessingMode = 0; ///< 0 partition table, 1 search: how the candidates came about
+    CDlgWait* WaitDialog = nullptr;  ///< stands while a list is filled; not owned
     CVarientCloneImageDialog* CopyDialog = nullptr; ///< of a running copy; not owned
 };
 

@@ -17,12 +17,9 @@ bool PassesOver(ErrorCode code) {
 }
 
 void ReportFailedRead(std::uint64_t sector, ErrorCode code) {
-    ProcessLogEntry entry;
-    entry.Name =
-        "Drive access error @ sector =" + std::to_string(sector) + " (Code =" + std::to_string(code) + ")";
-    entry.Description = SystemErrorText(code);
-    entry.Status = kLogFailed;
-    Host().LogEvent(entry);
+    LogLine("Drive access error @ sector =" + std::to_string(sector) + " (Code =" + std::to_string(code) +
+                ")",
+            SystemErrorText(code), kLogFailed);
 }
 
 void NoteTried(std::uint64_t sector, ErrorCode code) {

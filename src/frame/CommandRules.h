@@ -11,8 +11,8 @@ struct FrameState {
     bool HasTree = false;       ///< the tree shows at least one item
     bool HasPartitions = false; ///< the medium's candidate list isn't empty
     bool HasLog = false;
-    bool HasFound = false;       ///< Find has picked out an entry
-    bool HasCopyDialog = false;  ///< a clone or image job's dialog stands
+    bool HasFound = false;         ///< Find has picked out an entry
+    bool HasCopyDialog = false;    ///< a clone or image job's dialog stands
     bool CurrentHasParent = false; ///< the tree's current folder has one above it
     bool StructuresMissing = false;
     bool BasicScanDone = false;

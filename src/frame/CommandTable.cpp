@@ -13,8 +13,8 @@ constexpr auto kCommands = std::to_array<CommandText>({
     {kCmdWizard, "&Wizard\tCtrl+W", "Click here to launch wizard", "Wizard", "wizard"},
     {kCmdOpenFoundDrive, "Open found &Logical Drive\tCtrl+Shift+O", "Open found logical drives",
      " Open logical drive", "open-drive"},
-    {kCmdLoadPartitionInfo, "Load &Partition Info", "Loads a list of found partitions.", "Load Partition Info",
-     "load-info"},
+    {kCmdLoadPartitionInfo, "Load &Partition Info", "Loads a list of found partitions.",
+     "Load Partition Info", "load-info"},
     {kCmdLoadTreeInfo, "Load &Tree Info\tCtrl+O", "Loads the scan results of a partition.", "Load Tree Info",
      "load-info"},
     {kCmdExit, "E&xit\tAlt+F4", "Exit Tarnholt Volume Salvage (NTFS) ?", "Exit", "exit"},
@@ -74,9 +74,9 @@ constexpr auto kToolsMenu = std::to_array<MenuLine>(
      kEndSubmenu, Line(kCmdParentFolder), kSeparator, Line(kCmdTurboScan), Line(kCmdHound), kSeparator,
      Line(kCmdClearLog), Line(kCmdSaveLog)});
 
-constexpr auto kViewMenu = std::to_array<MenuLine>({Line(kCmdViewToolbar), Line(kCmdViewStatusBar), kSeparator,
-                                                    Line(kCmdLargeIcons), Line(kCmdSmallIcons), Line(kCmdList),
-                                                    Line(kCmdDetails)});
+constexpr auto kViewMenu =
+    std::to_array<MenuLine>({Line(kCmdViewToolbar), Line(kCmdViewStatusBar), kSeparator, Line(kCmdLargeIcons),
+                             Line(kCmdSmallIcons), Line(kCmdList), Line(kCmdDetails)});
 
 constexpr auto kHelpMenu = std::to_array<MenuLine>({Line(kCmdHelpContents), Line(kCmdTips), kSeparator,
                                                     Line(kCmdFeatures), Line(kCmdContact), Line(kCmdFaq),

@@ -106,11 +106,11 @@ void CMainFrame::ClearViews() {
 
 void CMainFrame::UpdateTotals(std::uintptr_t what) {
     if (what == 1) {
-        Panes[1]->setText(QString::fromStdString(
-            TotalsText(Engine.TotalBytes, Engine.TotalFiles, Engine.TotalFolders)));
+        Panes[1]->setText(
+            QString::fromStdString(TotalsText(Engine.TotalBytes, Engine.TotalFiles, Engine.TotalFolders)));
     } else if (what == 2) {
-        Panes[2]->setText(QString::fromStdString(
-            MarkedText(Engine.MarkedBytes, Engine.MarkedFiles, Engine.MarkedFolders)));
+        Panes[2]->setText(
+            QString::fromStdString(MarkedText(Engine.MarkedBytes, Engine.MarkedFiles, Engine.MarkedFolders)));
     }
 }
 
@@ -129,8 +129,8 @@ bool CMainFrame::event(QEvent* event) {
 
 void CMainFrame::TellNotBuilt(const QString& what) {
     constexpr int kNoticeMilliseconds = 6000;
-    notice_ = what.isEmpty() ? QString()
-                             : what + QStringLiteral(" is not built into the desktop program yet.");
+    notice_ =
+        what.isEmpty() ? QString() : what + QStringLiteral(" is not built into the desktop program yet.");
     QStatusTipEvent idle{QString()};
     event(&idle);
     if (!what.isEmpty()) {

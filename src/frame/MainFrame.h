@@ -74,17 +74,17 @@ public:
     std::array<QLabel*, kPanes> Panes{};
 
     // The job.
-    std::unique_ptr<ProcessLogEntry> CurrentEntry;    ///< of the wizard run that started the job
-    CWorkerThread* WorkerThread = nullptr;            ///< the running scan's, null when none runs
-    std::unique_ptr<CProgressBar> ProgressBar;        ///< over pane 0, null when none
-    std::uint8_t LogicalDriveNumber = 4;              ///< of the volume in work, for log lines
-    std::uint32_t JobBusy = 0;                        ///< 1 from the choice of a job to the end of its handling
-    std::uint32_t ScanInfoDirty = 0;                  ///< 1 while a scan's result is in no file
-    std::uint32_t NoScanYet = 1;                      ///< 1 until the first Basic Scan or load
-    std::atomic<std::uint32_t> BasicScanDone{0};      ///< 1 once a Basic Scan has ended
-    std::uint32_t FoundEntry = kNoEntry;              ///< that Find has picked out
-    std::uint32_t ViewMode = 60003;                   ///< command of the list's style
-    std::uint8_t ThemeIndex = 1;                      ///< theme command less the first one
+    std::unique_ptr<ProcessLogEntry> CurrentEntry; ///< of the wizard run that started the job
+    CWorkerThread* WorkerThread = nullptr;         ///< the running scan's, null when none runs
+    std::unique_ptr<CProgressBar> ProgressBar;     ///< over pane 0, null when none
+    std::uint8_t LogicalDriveNumber = 4;           ///< of the volume in work, for log lines
+    std::uint32_t JobBusy = 0;                     ///< 1 from the choice of a job to the end of its handling
+    std::uint32_t ScanInfoDirty = 0;               ///< 1 while a scan's result is in no file
+    std::uint32_t NoScanYet = 1;                   ///< 1 until the first Basic Scan or load
+    std::atomic<std::uint32_t> BasicScanDone{0};   ///< 1 once a Basic Scan has ended
+    std::uint32_t FoundEntry = kNoEntry;           ///< that Find has picked out
+    std::uint32_t ViewMode = 60003;                ///< command of the list's style
+    std::uint8_t ThemeIndex = 1;                   ///< theme command less the first one
 
     static constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
 

@@ -11,7 +11,8 @@
 
 namespace thntfs {
 
-// A result that could not be saved stays on the screen: the log tells why, and the user may try another place.
+// A result that could not be saved stays on the screen: the log tells why, and the user may try another
+// place.
 bool CMainFrame::MayClose() {
     if (Engine.WaitDialog != nullptr) {
         return false;

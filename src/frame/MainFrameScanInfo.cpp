@@ -32,7 +32,8 @@ bool LiesElsewhere(const QString& path, std::string_view extension) {
     const std::string medium = NarrowText(Engine.SourceDisk.Description);
     const std::string target = ScanInfoPlaceOf(path.toStdString(), extension).Target;
     if (SharesMedium(target, medium)) {
-        ShowBox(QStringLiteral("%1 lies on the medium that is being read.\nPlease choose a place on another disk.")
+        ShowBox(QStringLiteral(
+                    "%1 lies on the medium that is being read.\nPlease choose a place on another disk.")
                     .arg(QString::fromStdString(target)),
                 QStringLiteral("Warning"), BoxIcon::Warning);
         return false;
@@ -82,10 +83,9 @@ bool CMainFrame::SaveTreeInfoByDialog() {
     if (!MayStartWork()) {
         return false;
     }
-    const QString path =
-        ChooseFileToSave(this, QStringLiteral("Save Tree Info"),
-                         QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(),
-                         QString::fromLatin1(kTreeInfoExtension.data(), kTreeInfoExtension.size()));
+    const QString path = ChooseFileToSave(
+        this, QStringLiteral("Save Tree Info"), QString::fromStdString(SuggestedTreeInfoName(LocalNow())),
+        TreeFilter(), QString::fromLatin1(kTreeInfoExtension.data(), kTreeInfoExtension.size()));
     if (path.isEmpty() || !LiesElsewhere(path, kTreeInfoExtension) || !PathIsKept()) {
         return false;
     }
@@ -121,8 +121,9 @@ void CMainFrame::SavePartitionInfoByDialog() {
 }
 
 void CMainFrame::SaveLogByDialog() {
-    const QString path = ChooseFileToSave(this, QStringLiteral("Save Process Log"),
-                                          QLatin1String(kSuggestedLogName), QStringLiteral("Text File (*.txt)"));
+    const QString path =
+        ChooseFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName),
+                         QStringLiteral("Text File (*.txt)"));
     if (path.isEmpty() || !LiesElsewhere(path, {})) {
         return;
     }

@@ -29,4 +29,8 @@ void EngineHost::CopyPosition(std::uint64_t /*sectorsDone*/, std::uint64_t /*tot
 EngineHost& Host() { return hostInUse != nullptr ? *hostInUse : SilentHost(); }
 void SetHost(EngineHost* host) { hostInUse = host; }
 
+void LogLine(const std::string& name, const std::string& description, std::uint8_t status) {
+    Host().LogEvent({name, description, "", status});
+}
+
 } // namespace thntfs

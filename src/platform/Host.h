@@ -65,4 +65,7 @@ EngineHost& Host();
 /// Puts a host in place, null for the one that does nothing. The caller keeps ownership.
 void SetHost(EngineHost* host);
 
+/// Sends a record made of these three to the host's log.
+void LogLine(const std::string& name, const std::string& description, std::uint8_t status);
+
 } // namespace thntfs

@@ -12,14 +12,6 @@ namespace {
 constexpr const char* kScanRule = "-----------------------------------";
 constexpr const char* kSearchRule = "-----------------";
 
-void Log(const std::string& name, const std::string& description, std::uint8_t status) {
-    ProcessLogEntry entry;
-    entry.Name = name;
-    entry.Description = description;
-    entry.Status = status;
-    Host().LogEvent(entry);
-}
-
 // The disk that a path names or is a partition of, as the list of disks shows it.
 DiskInfo DiskAt(const std::string& path) {
     for (const DiskProperties& listed : ListDisks()) {
@@ -46,50 +38,55 @@ std::string TurboText(const char* what, unsigned number) {
 } // namespace
 
 void LogImageChosen(const std::string& path, bool searched) {
-    Log("Selected: " + path, "Image Processing Mode:" + ModeText(searched), kLogInProgress);
+    LogLine("Selected: " + path, "Image Processing Mode:" + ModeText(searched), kLogInProgress);
 }
 
 void LogDiskChosen(const std::string& path, bool searched) {
     const DiskInfo disk = DiskAt(path);
-    Log(disk.Name + ",  " + disk.Model + ", Serial:" + disk.Serial, "Disk Processing :" + ModeText(searched),
-        kLogInProgress);
+    LogLine(disk.Name + ",  " + disk.Model + ", Serial:" + disk.Serial,
+            "Disk Processing :" + ModeText(searched), kLogInProgress);
 }
 
 // The list of volumes shows the low 32 bits of a start sector, and the log what the list shows.
 void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate) {
     const auto start = static_cast<std::uint32_t>(candidate.StartSector);
-    Log("Selected NTFS logical drive " + std::to_string(number),
-        "Starting Sector " + std::to_string(start) + ", Size " +
-            SizeText(candidate.TotalSectors * candidate.BytesPerSector),
-        kLogInProgress);
+    LogLine("Selected NTFS logical drive " + std::to_string(number),
+            "Starting Sector " + std::to_string(start) + ", Size " +
+                SizeText(candidate.TotalSectors * candidate.BytesPerSector),
+            kLogInProgress);
 }
 
 void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector) {
-    Log("Searching Logical Volumes",
-        "Sectors Range " + std::to_string(firstSector) + " to " + std::to_string(endSector), kLogInProgress);
+    LogLine("Searching Logical Volumes",
+            "Sectors Range " + std::to_string(firstSector) + " to " + std::to_string(endSector),
+            kLogInProgress);
 }
 
 void LogSearchEnded(bool complete) {
-    Log(complete ? "Completed Searching partitions" : "Aborted searching partitions", kSearchRule,
-        EndStatus(complete));
+    LogLine(complete ? "Completed Searching partitions" : "Aborted searching partitions", kSearchRule,
+            EndStatus(complete));
 }
 
-void LogBasicScanStarted() { Log("Processing Internal File System Structure...", kScanRule, kLogInProgress); }
+void LogBasicScanStarted() {
+    LogLine("Processing Internal File System Structure...", kScanRule, kLogInProgress);
+}
 
 void LogBasicScanEnded(bool complete) {
-    Log(std::string(complete ? "Completed" : "Aborted") + " processing Internal File System Structure",
-        kScanRule, EndStatus(complete));
+    LogLine(std::string(complete ? "Completed" : "Aborted") + " processing Internal File System Structure",
+            kScanRule, EndStatus(complete));
 }
 
-void LogTreeFillStarted() { Log("Populating Directory Structure...", kScanRule, kLogInProgress); }
-void LogTreeFillEnded() { Log("Completed Populating Directory Structure", kScanRule, kLogDone); }
+void LogTreeFillStarted() { LogLine("Populating Directory Structure...", kScanRule, kLogInProgress); }
+void LogTreeFillEnded() { LogLine("Completed Populating Directory Structure", kScanRule, kLogDone); }
 
-void LogTurboScanStarted(unsigned number) { Log(TurboText("Started", number), kScanRule, kLogInProgress); }
+void LogTurboScanStarted(unsigned number) {
+    LogLine(TurboText("Started", number), kScanRule, kLogInProgress);
+}
 
 void LogTurboScanEnded(unsigned number, bool complete) {
-    Log(TurboText(complete ? "Completed" : "Aborted", number), kScanRule, EndStatus(complete));
+    LogLine(TurboText(complete ? "Completed" : "Aborted", number), kScanRule, EndStatus(complete));
 }
 
-void LogNoCatalogue() { Log("Supporting Files couldn't be opened", kScanRule, kLogDone); }
+void LogNoCatalogue() { LogLine("Supporting Files couldn't be opened", kScanRule, kLogDone); }
 
 } // namespace thntfs

@@ -14,14 +14,6 @@ namespace {
 constexpr const char* kUnknownError = "Unknown error";
 constexpr std::uint16_t kLowNineBits = 0x1FF;
 
-void Log(const std::string& name, const std::string& description, std::uint8_t status) {
-    ProcessLogEntry entry;
-    entry.Name = name;
-    entry.Description = description;
-    entry.Status = status;
-    Host().LogEvent(entry);
-}
-
 std::string FailureText(const char* verb, const ScanInfoTexts& texts, ErrorCode code) {
     return std::string("Failed to ") + verb + " " + texts.Name + ". Errorcode =" + std::to_string(code);
 }
@@ -49,14 +41,14 @@ ScanInfoResult Attempt(const char* verb, const ScanInfoTexts& texts, const std::
 }
 
 void LogEnd(const ScanInfoResult& result, const std::string& path) {
-    Log(result.Text, path, result.Done ? kLogDone : kLogFailed);
+    LogLine(result.Text, path, result.Done ? kLogDone : kLogFailed);
 }
 
 } // namespace
 
 ScanInfoResult RunScanInfoSave(const ScanInfoPlace& place, const ScanInfoTexts& texts,
                                const std::function<void(ScanInfoWriter&)>& write) {
-    Log("Saving Scan Info File : " + place.FileName, "To Location : " + place.Folder, kLogInProgress);
+    LogLine("Saving Scan Info File : " + place.FileName, "To Location : " + place.Folder, kLogInProgress);
     ScanInfoResult result = Attempt("save", texts, [&] {
         ReplacementFile target;
         CheckScanInfo(target.Create(place.Target));
@@ -75,7 +67,7 @@ ScanInfoResult RunScanInfoSave(const ScanInfoPlace& place, const ScanInfoTexts& 
 }
 
 void LogScanInfoLoad(const ScanInfoPlace& place) {
-    Log("Processing Scan Info File : " + place.FileName, "Location : " + place.Folder, kLogInProgress);
+    LogLine("Processing Scan Info File : " + place.FileName, "Location : " + place.Folder, kLogInProgress);
 }
 
 ScanInfoResult RunScanInfoLoad(const ScanInfoPlace& place, const ScanInfoTexts& texts,

@@ -57,8 +57,8 @@ int ProgressPercent() {
     if (Engine.ProgressTotal == 0) {
         return 0;
     }
-    return static_cast<int>(static_cast<double>(Engine.ProgressDone) / static_cast<double>(Engine.ProgressTotal) *
-                            100);
+    return static_cast<int>(static_cast<double>(Engine.ProgressDone) /
+                            static_cast<double>(Engine.ProgressTotal) * 100);
 }
 
 } // namespace thntfs

@@ -117,7 +117,8 @@ std::intptr_t SendWindowMessage(CMessageTarget* target, std::uint32_t message, s
 void PostWindowMessage(CMessageTarget* target, std::uint32_t message, std::uintptr_t wParam,
                        std::uintptr_t lParam) {
     if (target != nullptr) {
-        QCoreApplication::postEvent(target->port_.get(), new MessageEvent({message, wParam, lParam}, nullptr));
+        QCoreApplication::postEvent(target->port_.get(),
+                                    new MessageEvent({message, wParam, lParam}, nullptr));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "views/ContextMenu.h"
 
+#include "shell/MessageTarget.h"
+
 #include <QMenu>
 #include <utility>
 
@@ -9,10 +11,21 @@ namespace {
 
 bool previewWindowOpen = false;
 
+std::uint32_t MessageOf(int command) {
+    switch (command) {
+    case kCommandPreview:
+        return WM_SHOW_PREVIEW;
+    case kCommandSearch:
+        return WM_FIND_FROM_VIEW;
+    default:
+        return WM_SHOW_PROPERTIES;
+    }
+}
+
 } // namespace
 
-void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice,
-                     std::function<void(int command)> run) {
+void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice, std::uint32_t entryId,
+                     std::function<void()> save) {
     auto* menu = new QMenu(owner);
     const auto add = [menu](const QString& text, int command, bool enabled) {
         QAction* action = menu->addAction(text);
@@ -26,7 +39,14 @@ void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& 
     menu->addSeparator();
     add(QStringLiteral("P&roperties"), kCommandProperties, choice.Properties);
     QObject::connect(menu, &QMenu::triggered, owner,
-                     [run = std::move(run)](const QAction* action) { run(action->data().toInt()); });
+                     [entryId, save = std::move(save)](const QAction* action) {
+                         const int command = action->data().toInt();
+                         if (command == kCommandSave) {
+                             save();
+                         } else {
+                             SendWindowMessage(MainWindow(), MessageOf(command), entryId);
+                         }
+                     });
     QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     menu->popup(at);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <cstdint>
 #include <functional>
 
 class QWidget;
@@ -19,10 +20,10 @@ struct ContextMenuChoice {
     bool Properties = true;
 };
 
-/// Opens the context menu of the views at a place of the screen and returns. `run` gets the number of the
-/// command that is chosen later. The menu belongs to `owner` and goes when it closes.
-void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice,
-                     std::function<void(int command)> run);
+/// Opens the context menu of an entry at a place of the screen and returns. What is chosen later goes to the
+/// main frame, but for "Save", which calls `save`. The menu belongs to `owner` and goes when it closes.
+void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice, std::uint32_t entryId,
+                     std::function<void()> save);
 
 /// True while a window shows the content of a file; one at a time is enough.
 bool PreviewWindowOpen();

@@ -4,8 +4,8 @@
 #include "views/FileListModel.h"
 
 #include <QHeaderView>
-#include <array>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 

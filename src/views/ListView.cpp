@@ -191,35 +191,15 @@ void CTHNTFSListView::OpenMenu(int row, const QPoint& at) {
     choice.Preview = one && !hit.Folder && !PreviewWindowOpen();
     choice.Search = one && hit.Folder;
     choice.Properties = one;
-    OpenContextMenu(this, at, choice,
-                    [this, entryId = hit.EntryId](int command) { RunCommand(command, entryId); });
+    OpenContextMenu(this, at, choice, hit.EntryId, [this] { SaveSelected(); });
 }
 
-void CTHNTFSListView::RunCommand(int command, std::uint32_t entryId) {
-    switch (command) {
-    case kCommandSave:
-        MarkSelected();
-        SendWindowMessage(MainWindow(), WM_SAVE_REQUEST);
-        break;
-    case kCommandPreview:
-        SendWindowMessage(MainWindow(), WM_SHOW_PREVIEW, entryId);
-        break;
-    case kCommandSearch:
-        SendWindowMessage(MainWindow(), WM_FIND_FROM_VIEW, entryId);
-        break;
-    case kCommandProperties:
-        SendWindowMessage(MainWindow(), WM_SHOW_PROPERTIES, entryId);
-        break;
-    default:
-        break;
-    }
-}
-
-void CTHNTFSListView::MarkSelected() const {
+void CTHNTFSListView::SaveSelected() const {
     Engine.MarkedEntries.clear();
     for (const int row : SelectedRows()) {
         Engine.MarkedEntries.push_back(model_->Row(row).EntryId);
     }
+    SendWindowMessage(MainWindow(), WM_SAVE_REQUEST);
 }
 
 } // namespace thntfs

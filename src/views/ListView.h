@@ -57,8 +57,7 @@ private:
     void GoDown(std::uint32_t entryId);
     void HeaderClicked(int column);
     void OpenMenu(int row, const QPoint& at);
-    void RunCommand(int command, std::uint32_t entryId);
-    void MarkSelected() const;
+    void SaveSelected() const;
 
     FileListModel* model_;
     DetailsView* details_;

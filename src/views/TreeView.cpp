@@ -238,25 +238,11 @@ void CTHNTFSTreeView::initViewItemOption(QStyleOptionViewItem* option) const {
 }
 
 void CTHNTFSTreeView::OpenMenu(const QPoint& at) {
-    OpenContextMenu(this, at, {},
-                    [this, entryId = CurrentEntry()](int command) { RunCommand(command, entryId); });
-}
-
-void CTHNTFSTreeView::RunCommand(int command, std::uint32_t entryId) {
-    switch (command) {
-    case kCommandSave:
+    const std::uint32_t entryId = CurrentEntry();
+    OpenContextMenu(this, at, {}, entryId, [entryId] {
         Engine.MarkedEntries = {entryId};
         SendWindowMessage(MainWindow(), WM_SAVE_REQUEST, entryId);
-        break;
-    case kCommandSearch:
-        SendWindowMessage(MainWindow(), WM_FIND_FROM_VIEW, entryId);
-        break;
-    case kCommandProperties:
-        SendWindowMessage(MainWindow(), WM_SHOW_PROPERTIES, entryId);
-        break;
-    default:
-        break;
-    }
+    });
 }
 
 QRect CTHNTFSTreeView::PartRect(QStyle::SubElement part, const QModelIndex& index) const {

@@ -64,7 +64,6 @@ private:
     void ChooseSelected();
     void ToggleMark(std::uint32_t place);
     void OpenMenu(const QPoint& at);
-    void RunCommand(int command, std::uint32_t entryId);
     [[nodiscard]] QRect PartRect(QStyle::SubElement part, const QModelIndex& index) const;
     [[nodiscard]] Part PartAt(const QPoint& at, const QModelIndex& index) const;
 

@@ -1,5 +1,6 @@
-#include "frame/CommandIds.h"
 #include "frame/CommandRules.h"
+
+#include "frame/CommandIds.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -49,9 +50,9 @@ FrameState Full() {
 
 TEST(CommandRules, FollowTheStates) {
     const Names atStart{"wizard", "load partitions", "load tree", "hound"};
-    const Names all{"wizard",          "open drive", "load partitions", "load tree", "find",
-                    "find next",       "save all",   "save partitions", "save tree", "parent",
-                    "turbo",           "hound",      "clear log",       "save log"};
+    const Names all{"wizard",    "open drive", "load partitions", "load tree", "find",
+                    "find next", "save all",   "save partitions", "save tree", "parent",
+                    "turbo",     "hound",      "clear log",       "save log"};
 
     EXPECT_EQ(EnabledIn({}), atStart);
     EXPECT_EQ(EnabledIn(Full()), all);

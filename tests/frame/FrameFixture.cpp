@@ -34,7 +34,8 @@ QAction* ActionTitled(const QList<QAction*>& actions, const QString& title) {
 void AppendTree(const QAbstractItemModel& model, const QModelIndex& parent, int depth, std::string& text) {
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex index = model.index(row, 0, parent);
-        text += std::string(static_cast<std::size_t>(depth) * 2, ' ') + index.data().toString().toStdString() + "\n";
+        text += std::string(static_cast<std::size_t>(depth) * 2, ' ') +
+                index.data().toString().toStdString() + "\n";
         AppendTree(model, index, depth + 1, text);
     }
 }
@@ -73,7 +74,8 @@ std::string FrameFixture::SavedScanOf(const std::string& medium) {
 
 void FrameFixture::LoadByMenu(const std::string& path) {
     Answers.AnswerFile(QString::fromStdString(path));
-    ChooseInMenu({QStringLiteral("File"), QStringLiteral("Open Saved Scan Info"), QStringLiteral("Load Tree Info")});
+    ChooseInMenu(
+        {QStringLiteral("File"), QStringLiteral("Open Saved Scan Info"), QStringLiteral("Load Tree Info")});
 }
 
 void FrameFixture::WatchMedium() {
@@ -89,7 +91,8 @@ void FrameFixture::AskForStopAtRead(std::uint64_t read) {
         while (pressing_) { // one key at a time
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        QMetaObject::invokeMethod(Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
         while (!WorkerGate().IsClosed()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }

@@ -89,7 +89,9 @@ TEST_F(FrameLook, ToolbarShowsTitlesPromptsAndIcons) {
     const auto* toolbar = Frame->findChild<QToolBar*>();
     std::string text;
     for (const QAction* action : toolbar->actions()) {
-        text += action->isSeparator() ? "-" : action->toolTip().toStdString() + ": " + action->statusTip().toStdString();
+        text += action->isSeparator()
+                    ? "-"
+                    : action->toolTip().toStdString() + ": " + action->statusTip().toStdString();
         text += "\n";
         EXPECT_TRUE(action->isSeparator() || !action->icon().pixmap(32, 32).isNull()) << text;
     }

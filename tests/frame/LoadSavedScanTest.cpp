@@ -42,7 +42,8 @@ TEST_F(LoadSavedScan, FillsTreeListTotalsAndLog) {
 TEST_F(LoadSavedScan, CancelChangesNothing) {
     LoadByMenu(SavedScanOf(Volume("basic.img")));
     const std::string tree = TreeText();
-    ChooseInMenu({QStringLiteral("File"), QStringLiteral("Open Saved Scan Info"), QStringLiteral("Load Tree Info")});
+    ChooseInMenu(
+        {QStringLiteral("File"), QStringLiteral("Open Saved Scan Info"), QStringLiteral("Load Tree Info")});
     EXPECT_EQ(TreeText(), tree);
     EXPECT_EQ(LogRows().size(), 2U);
 }
@@ -52,7 +53,8 @@ TEST_F(LoadSavedScan, SavedAgainItIsTheSameFile) {
     LoadByMenu(path);
     const std::string copy = Folder / "copy";
     Answers.AnswerFile(QString::fromStdString(copy));
-    ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Save Scan Information"), QStringLiteral("Save Tree Info")});
+    ChooseInMenu(
+        {QStringLiteral("Tools"), QStringLiteral("Save Scan Information"), QStringLiteral("Save Tree Info")});
     EXPECT_EQ(ReadWholeFile(copy + ".tht"), ReadWholeFile(path));
     EXPECT_EQ(Frame->ScanInfoDirty, 0U);
     EXPECT_EQ(LogRows().at(2), "Saving Scan Info File : copy | To Location : " + Folder.Path() + " | 0");
@@ -66,7 +68,8 @@ TEST_F(LoadSavedScan, ANameThatGetsItsEndingIsAskedAboutToo) {
     std::ofstream(Folder / "old.tht") << "precious";
     Answers.AnswerFile(QString::fromStdString(Folder / "old"));
     Answers.Answer(QMessageBox::No);
-    ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Save Scan Information"), QStringLiteral("Save Tree Info")});
+    ChooseInMenu(
+        {QStringLiteral("Tools"), QStringLiteral("Save Scan Information"), QStringLiteral("Save Tree Info")});
     ASSERT_EQ(Answers.Boxes.size(), 1U);
     EXPECT_EQ(ReadWholeFile(Folder / "old.tht"), "precious");
     EXPECT_EQ(Frame->ScanInfoDirty, 1U);
@@ -78,7 +81,8 @@ TEST_F(LoadSavedScan, TheMediumIsNeverWrittenOver) {
     LoadByMenu(SavedScanOf(medium));
     for (const std::vector<QString>& command :
          {std::vector<QString>{QStringLiteral("Tools"), QStringLiteral("Save Process Log")},
-          {QStringLiteral("Tools"), QStringLiteral("Save Scan Information"), QStringLiteral("Save Partition Info")}}) {
+          {QStringLiteral("Tools"), QStringLiteral("Save Scan Information"),
+           QStringLiteral("Save Partition Info")}}) {
         const std::string link = Folder / "link.thd";
         std::filesystem::create_symlink(medium, link);
         Answers.AnswerFile(QString::fromStdString(link));

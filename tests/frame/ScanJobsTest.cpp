@@ -78,8 +78,9 @@ TEST_F(ScanJobs, TurboScanIsOfferedOnceForEachBasicScan) {
     PressKey(Qt::Key_T, Qt::ControlModifier);
     EXPECT_EQ(Pane(1), "Total 0 KB in 0 Files in 0 Folders");
     ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(LogRows(), (std::vector<std::string>{"Started turbo scan of logical drive 4" + kRule + " | 0",
-                                                   "Completed turbo scan of logical drive 4" + kRule + " | 2"}));
+    EXPECT_EQ(LogRows(),
+              (std::vector<std::string>{"Started turbo scan of logical drive 4" + kRule + " | 0",
+                                        "Completed turbo scan of logical drive 4" + kRule + " | 2"}));
     ASSERT_EQ(Answers.Boxes.size(), 1U);
     EXPECT_EQ(BoxText(0), "Turbo Scan Completed");
     EXPECT_EQ(TreeText(), basicTree);
@@ -182,7 +183,7 @@ TEST_F(ScanJobs, ADiskThatGoesAwayEndsTheScanWithABox) {
 TEST_F(ScanJobs, CommandsThatStartWorkLookForThemselves) {
     Load();
     const std::size_t dialogs = Answers.SuggestedFiles.size();
-    const std::vector<std::uint32_t> commands{kCmdWizard,     kCmdOpenFoundDrive,    kCmdLoadTreeInfo,
+    const std::vector<std::uint32_t> commands{kCmdWizard,       kCmdOpenFoundDrive,    kCmdLoadTreeInfo,
                                               kCmdSaveTreeInfo, kCmdLoadPartitionInfo, kCmdTurboScan};
     Frame->JobBusy = 1;
     for (const std::uint32_t command : commands) {

@@ -186,8 +186,8 @@ TEST_F(WholeRoad, MissingStructuresAndThenTurboScan) {
 TEST_F(WholeRoad, FoundPartitionsGoBothWaysBetweenThePrograms) {
     const std::string wreck = MakeWreck({{0, 1}});
     const std::string terminalFile = Folder / "terminal.thd";
-    const RunResult saved =
-        RunProgram(THNTFS_CLI_PATH, {"partitions", wreck, "--search", "thorough", "--save-info", terminalFile});
+    const RunResult saved = RunProgram(
+        THNTFS_CLI_PATH, {"partitions", wreck, "--search", "thorough", "--save-info", terminalFile});
     ASSERT_EQ(saved.Status, 0) << saved.Err;
 
     Answers.AnswerFile(QString::fromStdString(terminalFile));

@@ -1,5 +1,6 @@
-// Takes the pictures of docs/images: drives the real windows on a real screen (scripts/take-screenshots gives it
-// one) and saves what stands on it. THNTFS_SCREENS names the folder for them, THNTFS_SAMPLE the sample's image.
+// Takes the pictures of docs/images: drives the real windows on a real screen (scripts/take-screenshots gives
+// it one) and saves what stands on it. THNTFS_SCREENS names the folder for them, THNTFS_SAMPLE the sample's
+// image.
 
 #include "frame/FrameFixture.h"
 #include "shell/PauseGate.h"
@@ -41,7 +42,8 @@ protected:
 
     /// The image of the sample disk, or else one of the packed volumes.
     static std::string Sample() {
-        return qEnvironmentVariable("THNTFS_SAMPLE", QString::fromStdString(Volume("basic.img"))).toStdString();
+        return qEnvironmentVariable("THNTFS_SAMPLE", QString::fromStdString(Volume("basic.img")))
+            .toStdString();
     }
 
     void Choose(const std::vector<QString>& path) {
@@ -64,7 +66,8 @@ protected:
     void AtSheet(std::function<void(CWizardSheet&)> act) { Steps.When<CWizardSheet>(std::move(act)); }
 
     static void ClickRow(QTableWidget& table, int row) {
-        QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, table.visualItemRect(table.item(row, 0)).center());
+        QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
+                          table.visualItemRect(table.item(row, 0)).center());
     }
 
     void ChooseFirstDisk(const CWizardSheet& sheet) {
@@ -91,8 +94,10 @@ TEST_F(Screens, RunningScanAndStopQuestion) {
     WatchMedium();
     Plan->OnRead = [this](std::uint64_t index, const ReadRequest& /*request*/) {
         if (index == 12) {
-            QMetaObject::invokeMethod(Frame.get(), [] { Shoot("main-scanning"); }, Qt::BlockingQueuedConnection);
-            QMetaObject::invokeMethod(Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                Frame.get(), [] { Shoot("main-scanning"); }, Qt::BlockingQueuedConnection);
+            QMetaObject::invokeMethod(
+                Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
             while (!WorkerGate().IsClosed()) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
             }

@@ -87,7 +87,9 @@ TEST_F(ListViewTest, FoldersComeFirstEachGroupAsInTheCatalogue) {
     Window.resize(900, 500);
     RunEvents();
     EXPECT_EQ(header->length(), Rows()->viewport()->width());
-    EXPECT_NEAR(header->sectionSize(3), 2.2 * header->sectionSize(1), 3);
+    for (int column = 0; column < header->count(); ++column) {
+        EXPECT_GE(header->sectionSize(column), header->sectionSizeHint(column)) << column; // no title is cut
+    }
 }
 
 TEST_F(ListViewTest, EntriesOfOneFolderComeOnceAndBrokenOnesNotAtAll) {

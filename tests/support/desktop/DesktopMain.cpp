@@ -5,9 +5,11 @@
 #include <QStandardPaths>
 #include <gtest/gtest.h>
 
-// The tests' windows have no screen, unless THNTFS_TEST_PLATFORM names another platform plugin, and their settings are not those of whoever runs them.
+// The tests' windows have no screen, unless THNTFS_TEST_PLATFORM names another platform plugin, and their
+// settings are not those of whoever runs them.
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("THNTFS_TEST_PLATFORM", QStringLiteral("offscreen")).toUtf8());
+    qputenv("QT_QPA_PLATFORM",
+            qEnvironmentVariable("THNTFS_TEST_PLATFORM", QStringLiteral("offscreen")).toUtf8());
     testing::InitGoogleTest(&argc, argv);
     QStandardPaths::setTestModeEnabled(true);
     const QApplication application(argc, argv);

@@ -32,12 +32,17 @@ void ModalSteps::Look() {
     }
 }
 
+// Between the look and this call the window may have gone, or another one come over it.
 void ModalSteps::DoNext() {
+    queued_ = false;
+    QWidget* active = QApplication::activeModalWidget();
+    if (active == nullptr || !steps_.front().Fits(active)) {
+        return;
+    }
     const Step step = steps_.front();
     steps_.pop_front();
-    queued_ = false;
     since_.restart();
-    step.Act(QApplication::activeModalWidget());
+    step.Act(active);
 }
 
 void ModalSteps::GiveUp(QWidget& active) {
