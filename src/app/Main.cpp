@@ -1,5 +1,6 @@
 // The desktop program.
 
+#include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
 #include "frame/CommandIds.h"
 #include "frame/MainFrame.h"
@@ -16,6 +17,8 @@
 namespace {
 
 using namespace thntfs;
+
+constexpr const char* kNoFolder = "/dev/null"; // nothing can be created below it
 
 void ReadCommandLine(const QApplication& application) {
     QCommandLineParser parser;
@@ -40,12 +43,18 @@ bool TakeInstance(InstanceLock& lock) {
 
 bool WantsWizard() { return OpenSettings().value(QStringLiteral("Wizard/StartUp"), 0).toInt() != 0; }
 
-// Where the folder can't be had, each scan says that its files could not be opened.
-void ChooseCatalogueFolder() { LastingWorkFolder(Engine.CatalogueFolder); }
+// Where nothing can be written, each scan says that its files could not be opened.
+void ChooseCatalogueFolder(WorkFolder& ofThisRun) {
+    if (LastingWorkFolder(Engine.CatalogueFolder) == kErrorNone) {
+        return;
+    }
+    Engine.CatalogueFolder = ofThisRun.Create() == kErrorNone ? ofThisRun.Path() : kNoFolder;
+}
 
 int RunProgram(QApplication& application) {
     OnInterrupt(Engine.ScanRunFlag);
-    ChooseCatalogueFolder();
+    WorkFolder ofThisRun;
+    ChooseCatalogueFolder(ofThisRun);
     PrepareBoxes();
     SetHost(&TheDesktopHost());
     CMainFrame frame;
@@ -54,6 +63,7 @@ int RunProgram(QApplication& application) {
         QTimer::singleShot(0, &frame, [&frame] { frame.RunCommand(kCmdWizard); });
     }
     const int status = application.exec();
+    CloseCatalogue();
     SetHost(nullptr);
     return status;
 }

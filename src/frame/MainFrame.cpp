@@ -94,8 +94,10 @@ void CMainFrame::UpdateCommands() {
     ActionOf(kCmdViewStatusBar)->setChecked(!statusBar()->isHidden());
     ActionOf(ViewMode)->setChecked(true);
     const Qt::CursorShape shape = state.ScanRunning ? Qt::WaitCursor : Qt::ArrowCursor;
-    splitter_->setCursor(shape);
-    logPane_->setCursor(shape);
+    if (splitter_->cursor().shape() != shape) {
+        splitter_->setCursor(shape);
+        logPane_->setCursor(shape);
+    }
 }
 
 void CMainFrame::ClearViews() {

@@ -51,8 +51,9 @@ public:
     /// Runs the wizard; with a path, from the page of image files on.
     void RunWizard(const QString& imagePath = {});
 
-    /// Loads a scan's result from a file, as the command does once the file has been chosen.
+    /// Loads a scan's result, or a search's, from a file, as the commands do once the file has been chosen.
     void LoadTreeInfoFrom(const QString& path);
+    void LoadPartitionInfoFrom(const QString& path);
 
     /// Brings the enabled commands, the marks of the view menu and the cursor up to what holds now. Done
     /// whenever the event loop has nothing else to do.
@@ -110,6 +111,7 @@ private:
     bool RunViewCommand(std::uint32_t command);
     bool RunHelpCommand(std::uint32_t command);
     void OpenFoundDrive();
+    void OpenDropped(const QString& path);
     void ShowAbout();
     void TellNotBuilt(const QString& what);
     void SetViewMode(std::uint32_t command);

@@ -6,6 +6,7 @@
 #include "frame/CommandIds.h"
 #include "frame/CommandTable.h"
 #include "frame/MainFrame.h"
+#include "scaninfo/ScanInfo.h"
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
@@ -196,10 +197,19 @@ void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
     }
 }
 
-// The wizard is run once the drop is over: the program that the file comes from waits until then.
+// The file is opened once the drop is over: the program that it comes from waits until then.
 void CMainFrame::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { RunWizard(path); });
+    QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenDropped(path); });
+}
+
+void CMainFrame::OpenDropped(const QString& path) {
+    const ScanInfoKind kind = ProbeScanInfo(path.toStdString()).Kind;
+    if (kind == ScanInfoKind::None) {
+        RunWizard(path);
+    } else if (MayStartWork()) {
+        kind == ScanInfoKind::Tree ? LoadTreeInfoFrom(path) : LoadPartitionInfoFrom(path);
+    }
 }
 
 } // namespace thntfs

@@ -99,9 +99,12 @@ void CMainFrame::LoadPartitionInfoByDialog() {
         return;
     }
     const QString path = ChooseFileToOpen(this, QStringLiteral("Load Partition Info"), PartitionFilter());
-    if (path.isEmpty()) {
-        return;
+    if (!path.isEmpty()) {
+        LoadPartitionInfoFrom(path);
     }
+}
+
+void CMainFrame::LoadPartitionInfoFrom(const QString& path) {
     ClearViews();
     LoadPartitionInfo(path.toStdString(), [this] { OpenFoundDrive(); });
     UpdateCommands();

@@ -5,6 +5,7 @@
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
 #include "shell/MessageTarget.h"
+#include "shell/WaitCursor.h"
 #include "wizard/SearchForPartitions.h"
 
 namespace thntfs {
@@ -14,8 +15,13 @@ const SourceKind kImageSource = {LogImageChosen, "Please use search for lost par
 
 namespace {
 
+bool TableNamesVolumes() {
+    const WaitCursor slow; // a failing disk takes its time
+    return ReadPartitionTable() != 0;
+}
+
 bool ReadTable(const SourceKind& kind, const std::string& path) {
-    if (ReadPartitionTable() == 0) {
+    if (!TableNamesVolumes()) {
         ShowBox(QString::fromLatin1(kind.NoPartitions), QStringLiteral("Volume Salvage (NTFS)"),
                 BoxIcon::Stop);
         return false;

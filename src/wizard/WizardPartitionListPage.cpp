@@ -5,6 +5,7 @@
 #include "platform/SizeText.h"
 #include "shell/Boxes.h"
 #include "shell/Icons.h"
+#include "shell/WaitCursor.h"
 #include "wizard/RowTable.h"
 #include "wizard/WizardSheet.h"
 
@@ -102,6 +103,7 @@ void CWizardPartitionListPage::NameChoice() const {
 }
 
 bool CWizardPartitionListPage::LoadChosenVolume() const {
+    const WaitCursor slow; // a failing disk takes its time
     LoadVolumeParams(*CandidateAt(selectedRow_));
     return LocateMft() != 0;
 }

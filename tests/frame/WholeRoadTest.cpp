@@ -78,6 +78,16 @@ protected:
         });
     }
 
+    void Drop(const std::string& path) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+        QDragEnterEvent enter({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(Frame.get(), &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDropEvent drop({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(Frame.get(), &drop);
+    }
+
     void RunWizard() {
         PressKey(Qt::Key_W, Qt::ControlModifier);
         EXPECT_TRUE(Steps.AllDone());
@@ -229,21 +239,20 @@ TEST_F(WholeRoad, AFoundDriveIsOpenedAgain) {
 }
 
 TEST_F(WholeRoad, ADroppedImageOpensTheImagePage) {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(Volume("basic.img")))});
-    QDragEnterEvent enter({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(Frame.get(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
     AtSheet([](CWizardSheet& sheet) {
         EXPECT_EQ(sheet.ActivePage().Heading(), QStringLiteral("Select image to recover data"));
         Press(sheet, "Next >");
     });
     TakeRow(0);
-    QDropEvent drop({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(Frame.get(), &drop);
+    Drop(Volume("basic.img"));
     EXPECT_TRUE(WaitUntil([this] { return Steps.AllDone(); }));
     ASSERT_TRUE(WaitForIdle());
     EXPECT_FALSE(Frame->TreeView->IsEmpty());
+}
+
+TEST_F(WholeRoad, ADroppedSavedScanIsLoaded) {
+    Drop(SavedScanOf(Volume("basic.img")));
+    EXPECT_TRUE(WaitUntil([this] { return !Frame->TreeView->IsEmpty(); }));
 }
 
 TEST_F(WholeRoad, ADiskOfTheMachine) {
