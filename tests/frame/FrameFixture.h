@@ -69,6 +69,7 @@ protected:
 
 private:
     std::atomic<bool> pressing_{false};
+    std::atomic<bool> answered_{false}; ///< the stop question
 };
 
 } // namespace thntfs::test
