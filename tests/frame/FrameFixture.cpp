@@ -91,9 +91,12 @@ void FrameFixture::AskForStopAtRead(std::uint64_t read) {
         while (pressing_) { // one key at a time
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        QMetaObject::invokeMethod(
-            Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
-        while (!WorkerGate().IsClosed()) {
+        const auto press = [this] {
+            PressKey(Qt::Key_F4);
+            answered_ = true;
+        };
+        QMetaObject::invokeMethod(Frame.get(), press, Qt::QueuedConnection);
+        while (!WorkerGate().IsClosed() && !answered_) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     };

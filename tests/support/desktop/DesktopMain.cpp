@@ -2,7 +2,7 @@
 #include "shell/DesktopHost.h"
 
 #include <QApplication>
-#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 // The tests' windows have no screen, unless THNTFS_TEST_PLATFORM names another platform plugin, and their
@@ -11,7 +11,8 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM",
             qEnvironmentVariable("THNTFS_TEST_PLATFORM", QStringLiteral("offscreen")).toUtf8());
     testing::InitGoogleTest(&argc, argv);
-    QStandardPaths::setTestModeEnabled(true);
+    const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
     const QApplication application(argc, argv);
     thntfs::PrepareBoxes();
     thntfs::SetHost(&thntfs::TheDesktopHost());
