@@ -52,10 +52,10 @@ constexpr auto kCommands = std::to_array<CommandText>({
     {kCmdThemeOffice2003, "", "Applys Office 2003 theme to application window.", "", ""},
     {kCmdThemeOfficeXp, "", "Applys Office XP theme to application window.", "", ""},
     {kCmdThemeNative, "", "Applys Windows XP theme to application window.", "", ""},
-    {kCmdToolbar16, "", "Displays toolbar window in 16x16 pixels", "", ""},
-    {kCmdToolbar16 + 1, "", "Displays toolbar window in 24x24 pixels", "", ""},
-    {kCmdToolbar16 + 2, "", "Displays toolbar window in 32x32 pixels", "", ""},
-    {kCmdToolbar48, "", "Displays toolbar window in 48x48 pixels", "", ""},
+    {kCmdToolbar16, "16x16 pixels", "Displays toolbar window in 16x16 pixels", "", ""},
+    {kCmdToolbar16 + 1, "24x24 pixels", "Displays toolbar window in 24x24 pixels", "", ""},
+    {kCmdToolbar16 + 2, "32x32 pixels", "Displays toolbar window in 32x32 pixels", "", ""},
+    {kCmdToolbar48, "48x48 pixels", "Displays toolbar window in 48x48 pixels", "", ""},
     {kCmdEscape, "\tEsc", "", "", ""},
 });
 

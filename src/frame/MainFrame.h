@@ -102,6 +102,7 @@ private:
     void CreateActions();
     void CreateMenus();
     void CreateToolbar();
+    void OfferToolbarSizes(const QPoint& at);
     void CreateStatusBar();
     void CreateLogPane();
     void RestoreSettings();

@@ -124,7 +124,9 @@ void CMainFrame::CreateMenus() {
 void CMainFrame::CreateToolbar() {
     toolbar_ = addToolBar(QStringLiteral("ToolBar"));
     toolbar_->setObjectName(QStringLiteral("ToolBar"));
-    toolbar_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    toolbar_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(toolbar_, &QToolBar::customContextMenuRequested, this,
+            [this](const QPoint& at) { OfferToolbarSizes(toolbar_->mapToGlobal(at)); });
     for (const std::uint32_t command : ToolbarCommands()) {
         if (command == 0) {
             toolbar_->addSeparator();
@@ -133,6 +135,15 @@ void CMainFrame::CreateToolbar() {
         }
     }
     SetToolbarSize(kToolbarIcon);
+}
+
+void CMainFrame::OfferToolbarSizes(const QPoint& at) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (std::uint32_t command = kCmdToolbar16; command <= kCmdToolbar48; ++command) {
+        menu->addAction(ActionOf(command));
+    }
+    menu->popup(at);
 }
 
 void CMainFrame::CreateStatusBar() {

@@ -1,6 +1,7 @@
 #include "wizard/WizardSheet.h"
 
 #include "dialogs/HelpViewer.h"
+#include "engine/EngineState.h"
 #include "shell/Boxes.h"
 #include "shell/Icons.h"
 #include "shell/Settings.h"
@@ -104,6 +105,7 @@ void CWizardSheet::OpenOnPartitionList(std::uint8_t processingMode) {
 
 void CWizardSheet::OpenOnImage(const QString& path) {
     WizardTask = kTaskRecoverImage;
+    Engine.StructuresMissing = 0; // as the main page, which is passed over, does
     imagePage_->ChooseImage(path);
     firstPage_ = kImageSelectionPage;
 }

@@ -3,6 +3,7 @@
 #include "FrameFixture.h"
 #include "frame/StatusTexts.h"
 
+#include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -149,6 +150,21 @@ TEST_F(FrameLook, BarsAreHiddenAndShownAndTheirLinesMarked) {
     ChooseInMenu({QStringLiteral("View"), QStringLiteral("ToolBar")});
     EXPECT_FALSE(Frame->findChild<QToolBar*>()->isHidden());
     EXPECT_TRUE(Frame->ActionOf(kCmdViewToolbar)->isChecked());
+}
+
+TEST_F(FrameLook, ToolbarOffersItsSizesAndKeepsTheChoice) {
+    auto* toolbar = Frame->findChild<QToolBar*>();
+    Q_EMIT toolbar->customContextMenuRequested({10, 10});
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    ASSERT_EQ(menu->actions().size(), 4);
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().back()).center());
+    EXPECT_EQ(toolbar->iconSize(), QSize(48, 48));
+    Frame->close();
+    Frame = std::make_unique<CMainFrame>();
+    EXPECT_EQ(Frame->findChild<QToolBar*>()->iconSize(), QSize(48, 48));
+    Frame->RunCommand(kCmdToolbar16 + 2);
+    Frame->close();
 }
 
 TEST_F(FrameLook, ViewModeIsOneOfFourAndIsKept) {

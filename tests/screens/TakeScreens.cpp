@@ -11,7 +11,8 @@
 #include "wizard/LogicalDrivesFound.h"
 #include "wizard/WizardSheet.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QPalette>
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
@@ -26,9 +27,19 @@ namespace {
 constexpr int kSettleMilliseconds = 300;
 constexpr std::size_t kSector = 512;
 
+void UseDarkPalette() {
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QPalette dark(QColor(45, 45, 48));
+    dark.setColor(QPalette::Base, QColor(30, 30, 32));
+    QApplication::setPalette(dark);
+}
+
 class Screens : public FrameFixture {
 protected:
     Screens() {
+        if (qEnvironmentVariableIsSet("THNTFS_DARK")) {
+            UseDarkPalette();
+        }
         Frame->showMaximized();
         QTest::qWait(kSettleMilliseconds);
     }
