@@ -6,6 +6,14 @@
 
 namespace thntfs {
 
+namespace {
+
+int PercentOf(std::uint64_t done, std::uint64_t total) {
+    return total == 0 ? 0 : static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * 100);
+}
+
+} // namespace
+
 void DesktopHost::LogEvent(const ProcessLogEntry& entry) {
     SendWindowMessage(MainWindow(), WM_LOG_EVENT, WordOf(&entry));
 }
@@ -34,9 +42,20 @@ void DesktopHost::PassGate() {
     }
 }
 
+void DesktopHost::SetSearchDialog(CMessageTarget* dialog) {
+    searchDialog_ = dialog;
+    sentSearchPercent_ = kNothingSent;
+}
+
+// As with a job's progress; a search comes here for each piece of a disk.
 void DesktopHost::SearchPosition(std::uint64_t sector, std::uint64_t endSector) {
-    SendWindowMessage(searchDialog_, WM_SEARCH_POSITION, static_cast<std::uint32_t>(sector),
-                      static_cast<std::uint32_t>(endSector));
+    const auto position = static_cast<std::uint32_t>(sector);
+    const auto end = static_cast<std::uint32_t>(endSector);
+    const int percent = PercentOf(position, end);
+    if (percent != sentSearchPercent_) {
+        sentSearchPercent_ = percent;
+        SendWindowMessage(searchDialog_, WM_SEARCH_POSITION, position, end);
+    }
 }
 
 void DesktopHost::PartitionFound(std::uint64_t startSector) {
@@ -53,12 +72,6 @@ DesktopHost& TheDesktopHost() {
     return host;
 }
 
-int ProgressPercent() {
-    if (Engine.ProgressTotal == 0) {
-        return 0;
-    }
-    return static_cast<int>(static_cast<double>(Engine.ProgressDone) /
-                            static_cast<double>(Engine.ProgressTotal) * 100);
-}
+int ProgressPercent() { return PercentOf(Engine.ProgressDone, Engine.ProgressTotal); }
 
 } // namespace thntfs

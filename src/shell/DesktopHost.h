@@ -20,7 +20,7 @@ public:
     void CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) override;
 
     /// The dialog that a search reports to, null for none. Set while no search runs.
-    void SetSearchDialog(CMessageTarget* dialog) { searchDialog_ = dialog; }
+    void SetSearchDialog(CMessageTarget* dialog);
 
     /// To be called when a new progress bar stands: the next look at the progress is passed on whatever it
     /// says.
@@ -30,6 +30,7 @@ private:
     static constexpr int kNothingSent = -1;
 
     CMessageTarget* searchDialog_ = nullptr;
+    int sentSearchPercent_ = kNothingSent; ///< written by the search's thread while one runs
     std::atomic<int> sentPercent_{kNothingSent};
 };
 
