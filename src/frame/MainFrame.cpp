@@ -38,6 +38,7 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
     case WM_PROGRESS_CAPTION:
         if (ProgressBar) {
             ProgressBar->Label = QString::fromLatin1(PointerIn<const char>(wParam));
+            TheDesktopHost().BeginProgress();
         }
         break;
     case WM_UPDATE_TOTALS:

@@ -21,7 +21,7 @@ void DesktopHost::LogEvent(const ProcessLogEntry& entry) {
 // The bar shows whole percents, so a look that would not change it is spared the way to the other thread.
 void DesktopHost::JobProgress() {
     const int percent = ProgressPercent();
-    if (percent != 0 && percent == sentPercent_) {
+    if (percent == sentPercent_) {
         return;
     }
     sentPercent_ = percent;

@@ -22,8 +22,8 @@ public:
     /// The dialog that a search reports to, null for none. Set while no search runs.
     void SetSearchDialog(CMessageTarget* dialog);
 
-    /// To be called when a new progress bar stands: the next look at the progress is passed on whatever it
-    /// says.
+    /// To be called when a new progress bar stands, or the phase has changed that its text names: the next
+    /// look at the progress is passed on whatever it says.
     void BeginProgress() { sentPercent_ = kNothingSent; }
 
 private:
