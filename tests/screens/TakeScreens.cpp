@@ -46,6 +46,9 @@ protected:
 
     static void Shoot(const char* name) {
         QTest::qWait(kSettleMilliseconds);
+        QTimer::singleShot(0, [] {}); // the commands' states follow when the loop is about to wait
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QTest::qWait(kSettleMilliseconds);
         const QString folder = qEnvironmentVariable("THNTFS_SCREENS", QStringLiteral("."));
         const QPixmap picture = QGuiApplication::primaryScreen()->grabWindow(0);
         EXPECT_TRUE(picture.save(folder + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png")));
