@@ -4,10 +4,10 @@
 #include "engine/EngineState.h"
 #include "frame/MainFrame.h"
 #include "platform/DiskIdentity.h"
-#include "platform/File.h"
 #include "platform/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
 #include "scaninfo/ProcessLog.h"
+#include "scaninfo/ReplacementFile.h"
 #include "scaninfo/ScanInfoNames.h"
 #include "scaninfo/TreeInfoFile.h"
 #include "shell/Boxes.h"
@@ -130,9 +130,10 @@ void CMainFrame::SaveLogByDialog() {
     if (path.isEmpty() || !LiesElsewhere(path, {})) {
         return;
     }
-    std::unique_ptr<File> file;
-    ErrorCode code = Files().Open(path.toStdString(), FileMode::CreateAlways, file);
-    code = code == kErrorNone ? WriteLogText(LogList->Log(), *file) : code;
+    ReplacementFile file;
+    ErrorCode code = file.Create(path.toStdString());
+    code = code == kErrorNone ? WriteLogText(LogList->Log(), file.Handle()) : code;
+    code = code == kErrorNone ? file.Commit() : code;
     if (code != kErrorNone) {
         ShowBox(QStringLiteral("Error creating log file"), QStringLiteral("Error"), BoxIcon::Information);
     }

@@ -157,15 +157,21 @@ TEST_F(LoadSavedScan, TheLogIsSavedInItsLayout) {
 
 TEST_F(LoadSavedScan, ALogThatCannotBeWrittenIsTold) {
     LoadByMenu(SavedScanOf(Volume("basic.img")));
-    Answers.AnswerFile(QString::fromStdString(Folder / "log.txt"));
+    std::ofstream(Folder / "log.txt") << "the log of yesterday";
     FailingFileStore store;
     SetFileStore(&store);
-    store.FailAt(2);
-    ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Save Process Log")});
-    ASSERT_EQ(Answers.Boxes.size(), 1U);
-    EXPECT_EQ(Answers.Boxes[0].Text.toStdString(), "Error creating log file");
-    EXPECT_EQ(Answers.Boxes[0].Caption.toStdString(), "Error");
-    EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Information);
+    for (std::uint64_t call = 1; call <= 4; ++call) {
+        Answers.Boxes.clear();
+        Answers.AnswerFile(QString::fromStdString(Folder / "log.txt"));
+        Answers.Answer(QMessageBox::Yes); // replace it
+        store.FailAt(call);
+        ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Save Process Log")});
+        ASSERT_EQ(Answers.Boxes.size(), 2U) << call;
+        EXPECT_EQ(Answers.Boxes[1].Text.toStdString(), "Error creating log file");
+        EXPECT_EQ(Answers.Boxes[1].Caption.toStdString(), "Error");
+        EXPECT_EQ(Answers.Boxes[1].Icon, QMessageBox::Information);
+        EXPECT_EQ(ReadWholeFile(Folder / "log.txt"), "the log of yesterday");
+    }
     EXPECT_EQ(LogRows().size(), 2U);
 }
 
