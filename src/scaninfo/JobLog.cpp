@@ -5,6 +5,9 @@
 #include "platform/Host.h"
 #include "platform/SizeText.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace thntfs {
 
 namespace {
@@ -14,7 +17,11 @@ constexpr const char* kSearchRule = "-----------------";
 
 // The disk that a path names or is a partition of, as the list of disks shows it.
 DiskInfo DiskAt(const std::string& path) {
-    for (const DiskProperties& listed : ListDisks()) {
+    std::vector<DiskProperties> disks = ListDisks();
+    // Two devices may show one medium: the one that was named goes first.
+    std::stable_partition(disks.begin(), disks.end(),
+                          [&path](const DiskProperties& listed) { return listed.Path == path; });
+    for (const DiskProperties& listed : disks) {
         if (SameMedium(listed.Path, path)) {
             if (auto disk = DescribeDisk(listed, listed.SizeBytes)) {
                 return *disk;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <unistd.h>
 #include <utility>
 
@@ -22,7 +23,8 @@ std::string OutputOf(const std::string& command) {
 }
 
 std::unique_ptr<LoopDevice> LoopDevice::Attach(const std::string& imagePath, const std::string& options) {
-    if (::geteuid() != 0) {
+    // Without sysfs, as in a bare chroot, nobody can tell what a loop device shows, nor free it again.
+    if (::geteuid() != 0 || !std::filesystem::exists("/sys/block")) {
         return nullptr;
     }
     const std::string path =
