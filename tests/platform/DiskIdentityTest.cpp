@@ -1,8 +1,8 @@
 #include "platform/DiskIdentity.h"
 
-#include "support/LoopDevice.h"
 #include "platform/WorkFolder.h"
 #include "platform/posix/MountTable.h"
+#include "support/LoopDevice.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,8 +1,8 @@
 #include "platform/Medium.h"
 
-#include "support/LoopDevice.h"
 #include "platform/File.h"
 #include "platform/WorkFolder.h"
+#include "support/LoopDevice.h"
 
 #include <algorithm>
 #include <filesystem>

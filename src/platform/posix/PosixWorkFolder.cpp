@@ -55,8 +55,8 @@ ErrorCode LastingWorkFolder(std::string& path) {
     if (::lstat(path.c_str(), &status) != 0) {
         return FileErrorOfErrno(errno);
     }
-    const bool own = S_ISDIR(status.st_mode) && status.st_uid == ::getuid() &&
-                     (status.st_mode & kRightsOfOthers) == 0;
+    const bool own =
+        S_ISDIR(status.st_mode) && status.st_uid == ::getuid() && (status.st_mode & kRightsOfOthers) == 0;
     return own ? kErrorNone : kErrorAccessDenied;
 }
 
