@@ -6,6 +6,7 @@
 #include "content/EntryContent.h"
 #include "platform/Text.h"
 #include "platform/WorkFolder.h"
+#include "support/NullFile.h"
 #include "support/VolumeBuilderMedium.h"
 
 #include <cstdlib>
@@ -15,30 +16,9 @@ namespace thntfs::fuzz {
 namespace {
 
 constexpr std::uint64_t kMaxContents = 64;
+constexpr std::uint64_t kMostContent = 1U << 20U;
 constexpr std::size_t kMediumBytes = 65536;
 constexpr std::uint64_t kDescriptionAt = 4; // behind the magic
-
-/// Takes what is written and forgets it, up to a megabyte: then it is full.
-class NullFile : public File {
-public:
-    ErrorCode Write(ConstBytes bytes) override {
-        written_ += bytes.size();
-        return written_ < (1U << 20U) ? kErrorNone : kErrorDiskFull;
-    }
-    ErrorCode WriteAt(std::uint64_t /*offset*/, ConstBytes bytes) override { return Write(bytes); }
-    ErrorCode ReadAt(std::uint64_t /*offset*/, Bytes /*buffer*/, std::size_t& got) override {
-        got = 0;
-        return kErrorNone;
-    }
-    ErrorCode Size(std::uint64_t& bytes) override {
-        bytes = written_;
-        return kErrorNone;
-    }
-    ErrorCode Sync() override { return kErrorNone; }
-
-private:
-    std::uint64_t written_ = 0;
-};
 
 } // namespace
 
@@ -108,7 +88,7 @@ void ReadContents() {
     const std::uint64_t count = std::min(CatalogueEntryCount(), kMaxContents);
     for (std::uint64_t id = 0; id < count; ++id) {
         CatalogueItem item;
-        NullFile sink;
+        test::NullFile sink(kMostContent);
         try {
             Engine.BytesWritten = 0;
             if (LoadEntryInto(static_cast<std::uint32_t>(id), item) != 0) {

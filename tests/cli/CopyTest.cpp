@@ -1,4 +1,4 @@
-#include "CliHelpers.h"
+#include "LoopFixture.h"
 #include "support/FaultyMount.h"
 
 #include <filesystem>
@@ -13,44 +13,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNoLoops = "loop devices are not to be had here";
-
 bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-/// Runs a program of the system; gives what it printed, empty where it failed.
-std::string System(const std::string& program, const Words& words) {
-    for (const char* folder : {"/sbin/", "/usr/sbin/", "/bin/", "/usr/bin/"}) {
-        if (fs::exists(folder + program)) {
-            const RunResult run = RunProgram(folder + program, words);
-            return run.Status == 0 ? run.Out + "\n" : "";
-        }
-    }
-    return {};
-}
-
-class CopyTest : public testing::Test {
+class CopyTest : public LoopFixture {
 protected:
-    void TearDown() override {
-        System("umount", {mount_});
-        for (const std::string& device : devices_) {
-            System("losetup", {"--detach", device});
-        }
-    }
-
-    /// Path of a device over an image; empty where there can be none.
-    std::string Attach(const std::string& image, const Words& more = {}) {
-        Words words = {"--find", "--show"};
-        words.insert(words.end(), more.begin(), more.end());
-        words.push_back(image);
-        const std::string shown = ::geteuid() == 0 ? System("losetup", words) : "";
-        if (!shown.empty()) {
-            devices_.push_back(shown.substr(0, shown.find('\n')));
-        }
-        return shown.empty() ? "" : devices_.back();
-    }
-
     /// A file of random bytes that begins with a partition table and a volume.
     std::string MakeDisk(const std::string& name, std::uint64_t bytes) {
         VolumeBuilder().WriteTo(scratch_ / name);
@@ -79,11 +47,8 @@ protected:
         EXPECT_TRUE(Contains(run.Err, told)) << told << ", but: " << run.Err;
     }
 
-    ScratchFolder scratch_;
-    std::string mount_ = scratch_ / "mount";
     std::string image_ = scratch_ / "disk.th2";
     std::string map_ = image_ + ".map";
-    std::vector<std::string> devices_;
 };
 
 } // namespace
@@ -92,7 +57,7 @@ protected:
 
 TEST_F(CopyTest, DisksShowsALoopDeviceWithWhatItShows) {
     const std::string disk = MakeDisk("a disk", 3U << 20U);
-    const std::string device = Attach(disk, {"--sector-size", "4096"});
+    const std::string device = Attach(disk, "--sector-size 4096");
     if (device.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
@@ -186,8 +151,7 @@ TEST_F(CopyTest, ImageOnTheDiskItselfIsRefused) {
     MakeDisk("disk", 8U << 20U);
     const std::string device = Attach(scratch_ / "disk");
     fs::create_directory(mount_);
-    if (device.empty() || System("mkfs.ext4", {"-qF", device}).empty() ||
-        System("mount", {device, mount_}).empty()) {
+    if (device.empty() || !MountNewFileSystem(device)) {
         GTEST_SKIP() << kNoLoops;
     }
     ExpectRefused({"image", device, mount_ + "/disk.th2"}, "the medium that is to be read");
@@ -247,7 +211,7 @@ TEST_F(CopyTest, CloneRefusesBeforeAnythingIsWritten) {
 TEST_F(CopyTest, CloneToADevice) {
     const std::string disk = MakeDisk("disk", 3U << 20U);
     const std::string target = MakeDisk("target", 8U << 20U);
-    const std::string source = Attach(disk, {"--read-only"});
+    const std::string source = Attach(disk, "--read-only");
     const std::string device = Attach(target);
     fs::create_directory(mount_);
     if (source.empty() || device.empty()) {
@@ -264,7 +228,7 @@ TEST_F(CopyTest, CloneToADevice) {
     EXPECT_EQ(RunCli({"clone", source, device, "--yes"}).Status, 0);
     EXPECT_EQ(ReadWholeFile(device).substr(0, 3U << 20U), ImageOf(ReadWholeFile(disk)));
 
-    if (!System("mkfs.ext4", {"-qF", device}).empty() && !System("mount", {device, mount_}).empty()) {
+    if (MountNewFileSystem(device)) {
         ExpectRefused({"clone", source, device, "--yes"}, "is in use");
         ExpectRefused({"clone", source, target, "--yes"}, "is in use");
         fs::copy_file(disk, mount_ + "/disk");

@@ -1,61 +1,20 @@
-#include "CliHelpers.h"
-
-#include <cstdio>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <unistd.h>
+#include "LoopFixture.h"
 
 namespace thntfs::test {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-/// Runs a program of the system; gives what it printed, empty where it failed.
-std::string System(const std::string& program, const Words& words) {
-    for (const char* folder : {"/sbin/", "/usr/sbin/", "/bin/", "/usr/bin/"}) {
-        if (fs::exists(folder + program)) {
-            const RunResult run = RunProgram(folder + program, words);
-            return run.Status == 0 ? run.Out + "\n" : "";
-        }
-    }
-    return {};
-}
-
 /// Images behind loop devices that can't be written.
-class LoopTest : public testing::Test {
+class LoopTest : public LoopFixture {
 protected:
-    void SetUp() override { fs::create_directories(mount_); }
-
-    void TearDown() override {
-        System("umount", {mount_});
-        for (const std::string& device : devices_) {
-            System("losetup", {"--detach", device});
-        }
+    std::string AttachReadOnly(const std::string& image, const std::string& more = "") {
+        return Attach(image, "--read-only " + more);
     }
-
-    /// Path of a device; empty where there can be none.
-    std::string Attach(const std::string& image, const Words& more) {
-        Words words = {"--find", "--show", "--read-only"};
-        words.insert(words.end(), more.begin(), more.end());
-        words.push_back(image);
-        const std::string shown = ::geteuid() == 0 ? System("losetup", words) : "";
-        if (!shown.empty()) {
-            devices_.push_back(shown.substr(0, shown.find('\n')));
-        }
-        return shown.empty() ? "" : devices_.back();
-    }
-
-    ScratchFolder scratch_;
-    std::string mount_ = scratch_ / "mount";
-    std::vector<std::string> devices_;
 };
-
-constexpr const char* kNoLoops = "loop devices are not to be had here";
 
 TEST_F(LoopTest, DeviceGivesWhatItsImageGives) {
     const std::string image = PackedPath("logical");
-    const std::string device = Attach(image, {});
+    const std::string device = AttachReadOnly(image);
     if (device.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
@@ -74,7 +33,7 @@ TEST_F(LoopTest, DeviceGivesWhatItsImageGives) {
 }
 
 TEST_F(LoopTest, DeviceOfLargeSectorsIsReadByThem) {
-    const std::string device = Attach(PackedPath("sector4k"), {"--sector-size", "4096"});
+    const std::string device = AttachReadOnly(PackedPath("sector4k"), "--sector-size 4096");
     if (device.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
@@ -84,12 +43,12 @@ TEST_F(LoopTest, DeviceOfLargeSectorsIsReadByThem) {
 
 TEST_F(LoopTest, SavingToTheMediumItselfIsRefused) {
     const std::string image = PackedPath("basic");
-    const std::string disk = Attach(image, {});
-    const std::string volume = Attach(image, {"--offset", "1048576"});
+    const std::string disk = AttachReadOnly(image);
+    const std::string volume = AttachReadOnly(image, "--offset 1048576");
     if (disk.empty() || volume.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
-    if (System("mount", {"-t", "ntfs-3g", "-o", "ro", volume, mount_}).empty()) {
+    if (!Mount("-t ntfs-3g -o ro " + volume)) {
         GTEST_SKIP() << "the volume can't be mounted here";
     }
     for (const std::string& medium : {image, disk}) {

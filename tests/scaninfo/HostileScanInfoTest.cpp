@@ -2,6 +2,7 @@
 #include "content/EntryContent.h"
 #include "engine/LocateMft.h"
 #include "scaninfo/ScanInfoFixture.h"
+#include "support/NullFile.h"
 
 #include <random>
 
@@ -10,29 +11,7 @@ namespace thntfs::test {
 namespace {
 
 constexpr const char* kInvalid = "Not a valid Partition scan information.";
-
-/// Takes what is written to it and keeps nothing.
-class NoFile : public File {
-public:
-    ErrorCode Write(ConstBytes bytes) override {
-        written_ += bytes.size();
-        return written_ < kEnough ? kErrorNone : kErrorDiskFull;
-    }
-    ErrorCode WriteAt(std::uint64_t, ConstBytes) override { return kErrorNone; }
-    ErrorCode ReadAt(std::uint64_t, Bytes, std::size_t& got) override {
-        got = 0;
-        return kErrorNone;
-    }
-    ErrorCode Size(std::uint64_t& bytes) override {
-        bytes = written_;
-        return kErrorNone;
-    }
-    ErrorCode Sync() override { return kErrorNone; }
-
-private:
-    static constexpr std::uint64_t kEnough = 16U << 20U;
-    std::uint64_t written_ = 0;
-};
+constexpr std::uint64_t kEnoughContent = 16U << 20U;
 
 class HostileScanInfoTest : public ScanInfoFixture {
 protected:
@@ -85,7 +64,7 @@ protected:
         Engine.BytesWritten = 0;
         Engine.BytesBehindEnd = 0;
         try {
-            NoFile file;
+            NullFile file(kEnoughContent);
             ReadEntryContent(item, file);
         } catch (const CUserException&) {
         }
