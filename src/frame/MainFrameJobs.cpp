@@ -134,7 +134,6 @@ void CMainFrame::ShowJobProgress() {
     ProgressBar->SetText(ProgressBar->Label + QStringLiteral(" :%1%").arg(percent));
     ProgressBar->LastPercent = percent;
     ProgressBar->SetPos(percent);
-    Panes[0]->repaint(); // a load fills the tree on this thread, which does not get round to painting
 }
 
 // The worker stands still while the question is up. What it had sent before may still be handled meanwhile,

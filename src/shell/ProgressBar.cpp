@@ -28,12 +28,12 @@ void CProgressBar::SetText(const QString& message) {
     message_ = message;
     Pane()->setText(message);
     Place();
-    Pane()->repaint(); // a job on the interface thread runs no event loop
 }
 
 void CProgressBar::SetPos(int position) {
     show();
     setValue(position);
+    Pane()->repaint(); // a job on the interface thread runs no event loop
 }
 
 bool CProgressBar::eventFilter(QObject* watched, QEvent* event) {
