@@ -1,5 +1,7 @@
 #include "CliHelpers.h"
 
+#include "support/BuildPaths.h"
+
 #include <filesystem>
 #include <sstream>
 
@@ -7,13 +9,9 @@ namespace thntfs::test {
 
 namespace fs = std::filesystem;
 
-RunResult RunCli(const Words& words, const RunSetup& setup) {
-    return RunProgram(THNTFS_CLI_PATH, words, setup);
-}
+RunResult RunCli(const Words& words, const RunSetup& setup) { return RunProgram(CliPath(), words, setup); }
 
-std::string PackedPath(const std::string& name) {
-    return std::string(THNTFS_VOLUME_FOLDER "/") + name + ".img";
-}
+std::string PackedPath(const std::string& name) { return VolumeFolder() + "/" + name + ".img"; }
 
 std::vector<Json> JsonLines(const std::string& text) {
     std::vector<Json> lines;

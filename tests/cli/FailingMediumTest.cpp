@@ -1,4 +1,5 @@
 #include "CliHelpers.h"
+#include "support/BuildPaths.h"
 #include "support/FaultyMount.h"
 
 #include <filesystem>
@@ -40,7 +41,7 @@ json FirstFileOf(const std::string& medium, std::uint64_t least, std::uint64_t m
 // A bad sector in a record costs that record, one in a file's data its own bytes.
 TEST(FailingMediumTest, ScansAndSavesAroundBadSectors) {
     const ScratchFolder scratch;
-    const std::string image = std::string(THNTFS_VOLUME_FOLDER) + "/basic.img";
+    const std::string image = VolumeFolder() + "/basic.img";
     const json damaged = FirstFileOf(image, 20000, 1000000);
     const json lost = FirstFileOf(image, 1, 500);
     std::string content = RunCli({"cat", image, damaged["path"]}).Out;

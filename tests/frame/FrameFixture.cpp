@@ -3,6 +3,7 @@
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 #include "shell/PauseGate.h"
+#include "support/BuildPaths.h"
 
 #include <QAbstractItemView>
 #include <QHeaderView>
@@ -67,7 +68,7 @@ FrameFixture::~FrameFixture() {
 
 std::string FrameFixture::SavedScanOf(const std::string& medium) {
     const std::string path = Folder / "saved.tht";
-    const RunResult result = RunProgram(THNTFS_CLI_PATH, {"scan", medium, "--save-info", path});
+    const RunResult result = RunProgram(CliPath(), {"scan", medium, "--save-info", path});
     EXPECT_EQ(result.Status, 0) << result.Err;
     return path;
 }

@@ -4,6 +4,7 @@
 #include "engine/EngineState.h"
 #include "frame/CommandIds.h"
 #include "frame/MainFrame.h"
+#include "support/BuildPaths.h"
 #include "support/FaultyMedium.h"
 #include "support/RunProgram.h"
 #include "support/desktop/BoxAnswers.h"
@@ -23,9 +24,7 @@ protected:
     ~FrameFixture() override;
 
     /// Path of one of the packed volumes.
-    static std::string Volume(const std::string& name) {
-        return std::string(THNTFS_VOLUME_FOLDER) + "/" + name;
-    }
+    static std::string Volume(const std::string& name) { return VolumeFolder() + "/" + name; }
 
     /// Has the terminal program scan a medium and save the result; gives the path of the file.
     std::string SavedScanOf(const std::string& medium);

@@ -1,6 +1,7 @@
 // From Ctrl+W to a filled tree, by mouse and keys.
 
 #include "FrameFixture.h"
+#include "support/BuildPaths.h"
 #include "support/LoopDevice.h"
 #include "support/desktop/ModalSteps.h"
 #include "support/desktop/Widgets.h"
@@ -99,7 +100,7 @@ protected:
     std::string TerminalScan(const std::vector<std::string>& words) {
         std::vector<std::string> all{"scan", "--save-info", Folder / "terminal.tht"};
         all.insert(all.end(), words.begin(), words.end());
-        const RunResult result = RunProgram(THNTFS_CLI_PATH, all);
+        const RunResult result = RunProgram(CliPath(), all);
         EXPECT_EQ(result.Status, 0) << result.Err;
         return ReadWholeFile(Folder / "terminal.tht");
     }
@@ -196,8 +197,8 @@ TEST_F(WholeRoad, MissingStructuresAndThenTurboScan) {
 TEST_F(WholeRoad, FoundPartitionsGoBothWaysBetweenThePrograms) {
     const std::string wreck = MakeWreck({{0, 1}});
     const std::string terminalFile = Folder / "terminal.thd";
-    const RunResult saved = RunProgram(
-        THNTFS_CLI_PATH, {"partitions", wreck, "--search", "thorough", "--save-info", terminalFile});
+    const RunResult saved =
+        RunProgram(CliPath(), {"partitions", wreck, "--search", "thorough", "--save-info", terminalFile});
     ASSERT_EQ(saved.Status, 0) << saved.Err;
 
     Answers.AnswerFile(QString::fromStdString(terminalFile));
@@ -219,7 +220,7 @@ TEST_F(WholeRoad, FoundPartitionsGoBothWaysBetweenThePrograms) {
     ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Save Scan Information"),
                   QStringLiteral("Save Partition Info")});
     EXPECT_EQ(ReadWholeFile(Folder / "desktop.thd"), ReadWholeFile(terminalFile));
-    const RunResult listed = RunProgram(THNTFS_CLI_PATH, {"list", Folder / "desktop.thd"});
+    const RunResult listed = RunProgram(CliPath(), {"list", Folder / "desktop.thd"});
     EXPECT_NE(listed.Out.find("/Reused"), std::string::npos) << listed.Out << listed.Err;
 }
 

@@ -4,6 +4,7 @@
 #include "partitions/PartitionTable.h"
 #include "scaninfo/ScanInfoFixture.h"
 #include "scans/BasicScan.h"
+#include "support/BuildPaths.h"
 #include "support/Manifest.h"
 #include "support/Sha256.h"
 
@@ -59,7 +60,7 @@ protected:
 };
 
 TEST_P(SavedVolumeTest, LoadsAsItWasScanned) {
-    const PackedImage image = PackedImageNamed(GetParam(), THNTFS_MANIFEST_FOLDER, THNTFS_VOLUME_FOLDER);
+    const PackedImage image = PackedImageNamed(GetParam(), ManifestFolder(), VolumeFolder());
     ASSERT_EQ(OpenSource(image.Path), kErrorNone);
     ASSERT_EQ(ReadPartitionTable(), 1);
     TakeVolume(*Engine.SourceDisk.Partitions.Last());

@@ -1,5 +1,7 @@
 #include "support/FaultyMount.h"
 
+#include "support/BuildPaths.h"
+
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -18,7 +20,7 @@ constexpr int kPolls = 2000;
 
 std::vector<std::string> WordsOf(const std::string& image, const std::string& folder,
                                  const FaultyMount::Setup& setup) {
-    std::vector<std::string> words = {THNTFS_FAULTY_FUSE, image, folder};
+    std::vector<std::string> words = {FaultyFusePath(), image, folder};
     for (const auto& [offset, size] : setup.BadBytes) {
         words.insert(words.end(), {"--bad", std::to_string(offset) + ":" + std::to_string(size)});
     }
@@ -53,7 +55,7 @@ pid_t StartProgram(std::vector<std::string> words) {
 
 std::unique_ptr<FaultyMount> FaultyMount::Start(const std::string& image, const std::string& folder,
                                                 const Setup& setup) {
-    if (::access(THNTFS_FAULTY_FUSE, X_OK) != 0 || ::access("/dev/fuse", R_OK | W_OK) != 0) {
+    if (::access(FaultyFusePath().c_str(), X_OK) != 0 || ::access("/dev/fuse", R_OK | W_OK) != 0) {
         return nullptr;
     }
     const pid_t process = StartProgram(WordsOf(image, folder, setup));

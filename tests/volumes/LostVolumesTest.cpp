@@ -1,3 +1,4 @@
+#include "support/BuildPaths.h"
 #include "support/Manifest.h"
 #include "support/RunProgram.h"
 #include "support/Sha256.h"
@@ -28,7 +29,7 @@ void Wipe(Disk& disk, std::uint64_t sector, std::uint64_t count) {
 }
 
 PackedImage ImageNamed(const std::string& name) {
-    return PackedImageNamed(name, THNTFS_MANIFEST_FOLDER, THNTFS_VOLUME_FOLDER);
+    return PackedImageNamed(name, ManifestFolder(), VolumeFolder());
 }
 
 void WipeTable(Disk& disk) { Wipe(disk, 0, 1); }
@@ -88,7 +89,7 @@ protected:
 
     Lines Candidates(const std::string& method) const {
         const RunResult run =
-            RunProgram(THNTFS_CLI_PATH, {"partitions", scratch_ / "disk.img", "--search", method, "--json"});
+            RunProgram(CliPath(), {"partitions", scratch_ / "disk.img", "--search", method, "--json"});
         Lines lines;
         for (const json& candidate : json::parse(run.Out)) {
             lines.push_back(std::to_string(candidate["startSector"].get<std::uint64_t>()) + " e" +
@@ -100,7 +101,7 @@ protected:
     std::set<std::string> SavedHashes() const {
         Lines words = {"save", scratch_ / "disk.img", "--to", scratch_ / "out"};
         words.insert(words.end(), GetParam().Words.begin(), GetParam().Words.end());
-        const RunResult run = RunProgram(THNTFS_CLI_PATH, words);
+        const RunResult run = RunProgram(CliPath(), words);
         EXPECT_EQ(run.Status, 0) << run.Err;
         std::set<std::string> hashes;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(scratch_ / "out")) {

@@ -2,6 +2,7 @@
 
 #include "content/TargetName.h"
 #include "platform/Text.h"
+#include "support/BuildPaths.h"
 #include "support/RunProgram.h"
 
 #include <sstream>
@@ -19,7 +20,7 @@ std::vector<std::string> VolumeCase::Words(const std::string& command) const {
 
 std::vector<VolumeCase> AllVolumes() {
     std::vector<VolumeCase> volumes;
-    for (const PackedImage& image : PackedImages(THNTFS_MANIFEST_FOLDER, THNTFS_VOLUME_FOLDER)) {
+    for (const PackedImage& image : PackedImages(ManifestFolder(), VolumeFolder())) {
         for (const LayoutRow& layout : image.Partitions) {
             volumes.push_back({image, layout});
         }
@@ -30,7 +31,7 @@ std::vector<VolumeCase> AllVolumes() {
 VolumeListing::VolumeListing(const VolumeCase& volume) {
     std::vector<std::string> words = volume.Words("list");
     words.insert(words.end(), {"--recursive", "--json"});
-    const RunResult run = RunProgram(THNTFS_CLI_PATH, words);
+    const RunResult run = RunProgram(CliPath(), words);
     if (run.Status != 0) {
         throw std::runtime_error("list ended with " + std::to_string(run.Status) + ": " + run.Err);
     }

@@ -1,6 +1,7 @@
 #include "DataMap.h"
 #include "VolumeListing.h"
 #include "content/TargetName.h"
+#include "support/BuildPaths.h"
 #include "support/RunProgram.h"
 #include "support/Sha256.h"
 
@@ -45,13 +46,13 @@ json TruthOf(const LayoutRow& row) {
 }
 
 TEST(ImagesTest, PartitionsAreThoseOfTheTable) {
-    for (const PackedImage& image : PackedImages(THNTFS_MANIFEST_FOLDER, THNTFS_VOLUME_FOLDER)) {
+    for (const PackedImage& image : PackedImages(ManifestFolder(), VolumeFolder())) {
         SCOPED_TRACE(image.Name);
         json truth = json::array();
         for (const LayoutRow& row : image.Partitions) {
             truth.push_back(TruthOf(row));
         }
-        const RunResult run = RunProgram(THNTFS_CLI_PATH, {"partitions", image.Path, "--json"});
+        const RunResult run = RunProgram(CliPath(), {"partitions", image.Path, "--json"});
         EXPECT_EQ(run.Status, 0) << run.Err;
         EXPECT_EQ(json::parse(run.Out, nullptr, false), truth);
     }
@@ -68,7 +69,7 @@ protected:
 
     // A table that can't be known must be reported, and nothing may come out.
     void ExpectRefusal(const std::string& command) {
-        const RunResult run = RunProgram(THNTFS_CLI_PATH, GetParam().Words(command));
+        const RunResult run = RunProgram(CliPath(), GetParam().Words(command));
         EXPECT_EQ(run.Status, 1);
         EXPECT_EQ(run.Out, "");
         EXPECT_NE(run.Err.find("Critical structures not found"), std::string::npos) << run.Err;
@@ -216,7 +217,7 @@ TEST_P(VolumeTest, SaveBringsEveryFileBack) {
     const std::string folder = scratch / "saved";
     std::vector<std::string> words = GetParam().Words("save");
     words.insert(words.end(), {"--to", folder, "--json"});
-    const RunResult run = RunProgram(THNTFS_CLI_PATH, words);
+    const RunResult run = RunProgram(CliPath(), words);
     ASSERT_EQ(run.Status, 0) << run.Err;
     Saved saved = WhatWasSaved(folder);
     const json totals = json::parse(run.Out);
@@ -271,7 +272,7 @@ TEST_P(VolumeTest, CatWritesASampleOfThem) {
         } else {
             words.push_back((*entry)["path"]);
         }
-        const RunResult run = RunProgram(THNTFS_CLI_PATH, words);
+        const RunResult run = RunProgram(CliPath(), words);
         EXPECT_EQ(run.Status, 0) << row->Path << ": " << run.Err;
         ExpectBytes(*row, *entry, run.Out);
     }

@@ -1,6 +1,7 @@
 #include "WizardFixture.h"
 
 #include "engine/EngineState.h"
+#include "support/BuildPaths.h"
 
 #include <QAbstractButton>
 #include <QTableWidget>
@@ -51,7 +52,7 @@ Texts BoxTexts(const BoxAnswers& answers) {
 }
 
 QString VolumePath(const char* name) {
-    return QStringLiteral(THNTFS_VOLUME_FOLDER "/") + QLatin1String(name) + QStringLiteral(".img");
+    return QString::fromStdString(VolumeFolder() + "/") + QLatin1String(name) + QStringLiteral(".img");
 }
 
 WizardTest::WizardTest() {

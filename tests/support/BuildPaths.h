@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace thntfs::test {
+
+// Where the build has put what tests need. One compile unit alone knows the paths, so that a compiler cache
+// serves builds in other folders.
+
+/// Folder of the unpacked volumes.
+std::string VolumeFolder();
+
+/// Folder of the packed volumes and their manifests.
+std::string ManifestFolder();
+
+/// The terminal program.
+std::string CliPath();
+
+/// The file system that fails; may not have been built.
+std::string FaultyFusePath();
+
+} // namespace thntfs::test
