@@ -132,11 +132,13 @@ void FlushFiles() {
 
 int CreateCatalogue() {
     CloseFiles();
+    Engine.CatalogueVolume = 0;
     try {
         Engine.Folders = std::make_shared<FolderTree>();
         if (OpenThreeFiles(FileMode::CreateAlways, kWriteTreePages, kAppendPages)) {
             WriteSeeds();
             FlushFiles(); // a place that can't be written must show now, not at the end of a scan
+            ClaimCatalogue();
             return 1;
         }
     } catch (const CUserException&) {

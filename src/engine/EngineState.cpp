@@ -15,6 +15,7 @@ Number OrDefault(Number value, Number fallback) {
 
 void LoadVolumeParams(const PartitionCandidate& candidate) {
     VolumeParams& volume = Engine.VolumeParams;
+    ++Engine.VolumeInWork;
     volume.BytesPerSector = OrDefault(candidate.BytesPerSector, Engine.SourceDisk.BytesPerSector);
     const std::uint32_t sectorBytes = volume.BytesPerSector;
 
@@ -39,7 +40,12 @@ void ResetEngineState() {
     Engine.VolumeParams = VolumeParams();
     Engine.SourceDisk = DiskRecord();
     Engine.TargetDisk = DiskRecord();
+    ++Engine.VolumeInWork;
 }
+
+void ClaimCatalogue() { Engine.CatalogueVolume = Engine.VolumeInWork; }
+
+bool CatalogueIsOfVolumeInWork() { return Engine.CatalogueVolume == Engine.VolumeInWork; }
 
 std::uint64_t SectorOfCluster(std::uint64_t cluster) {
     return Engine.VolumeParams.StartSector + cluster * Engine.VolumeParams.SectorsPerCluster;

@@ -44,6 +44,10 @@ struct EngineState {
     std::uint32_t TreeEnd = 0;           ///< byte offset of the block begun last
     std::shared_ptr<FolderTree> Folders; ///< holds FolderRoot
 
+    // Equal while the three files hold the volume in work, or are about to.
+    std::uint64_t VolumeInWork = 1;    ///< another number with each medium and each volume taken into use
+    std::uint64_t CatalogueVolume = 0; ///< VolumeInWork when the files were made; 0 for none
+
     // The selected image.
     std::string ImagePath;
     std::string ImageFolder;
@@ -87,8 +91,16 @@ extern EngineState Engine;
 void LoadVolumeParams(const PartitionCandidate& candidate);
 
 /// Closes both media, frees both candidate lists and the extents, and clears SourceDisk, TargetDisk and
-/// VolumeParams. The catalogue and ScanRunFlag are not touched.
+/// VolumeParams. The catalogue and ScanRunFlag are not touched, but the catalogue is no longer that of the
+/// volume in work.
 void ResetEngineState();
+
+/// Takes note that the catalogue's files are those of the volume in work.
+void ClaimCatalogue();
+
+/// False once another medium or volume has been taken into use since the catalogue's files were made, and
+/// where there are none.
+bool CatalogueIsOfVolumeInWork();
 
 /// Absolute sector of a logical cluster of the volume in work.
 std::uint64_t SectorOfCluster(std::uint64_t cluster);

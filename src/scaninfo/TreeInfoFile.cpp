@@ -9,6 +9,8 @@ namespace thntfs {
 
 namespace {
 
+constexpr const char* kForeignCatalogue =
+    "Not saved: the scan's result belongs to another medium or partition than the one that is open now.";
 constexpr std::uint32_t kSeparator = 0x01010101;
 constexpr std::uint64_t kMaxCatalogueFileBytes = 0xFFFFFF80; // offsets within it have 32 bits
 
@@ -70,6 +72,14 @@ void ReadTreeInfo(ScanInfoReader& reader) {
     if (OpenCatalogue() == 0) {
         throw ScanInfoFault{kErrorNone, "Supporting Files couldn't be opened", {}};
     }
+    ClaimCatalogue();
+}
+
+// Together they would bring back wrong bytes under right names.
+void RefuseForeignCatalogue() {
+    if (!CatalogueIsOfVolumeInWork()) {
+        throw ScanInfoFault{kErrorNone, kForeignCatalogue, {}};
+    }
 }
 
 } // namespace
@@ -77,6 +87,7 @@ void ReadTreeInfo(ScanInfoReader& reader) {
 ScanInfoResult SaveTreeInfo(const std::string& path) {
     return RunScanInfoSave(ScanInfoPlaceOf(path, kTreeInfoExtension), kTreeInfoTexts,
                            [](ScanInfoWriter& writer) {
+                               RefuseForeignCatalogue();
                                PutMediumAndCandidates(writer, kTreeInfoMagic);
                                PutVolume(writer);
                                writer.PutU32(kSeparator);

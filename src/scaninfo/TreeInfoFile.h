@@ -12,7 +12,8 @@ namespace thntfs {
 
 /// Writes SourceDisk, its candidates, VolumeParams with its extents and the three catalogue files to a path;
 /// a name that doesn't end in ".tht" gets it appended. The engine state isn't changed. An older file of that
-/// name stays as it was unless the save succeeds. Two records go to the process log: at the start, at the
+/// name stays as it was unless the save succeeds; it doesn't where the catalogue is of another volume than
+/// the one in work. Two records go to the process log: at the start, at the
 /// end.
 ScanInfoResult SaveTreeInfo(const std::string& path);
 

@@ -50,6 +50,7 @@ protected:
         WriteFileBytes(Engine.CatalogueFolder + kEntryFileName, laid_.Entries);
         WriteFileBytes(Engine.CatalogueFolder + kNameFileName, laid_.Names);
         ASSERT_EQ(OpenCatalogue(), 1);
+        ClaimCatalogue();
     }
 
     void ExpectFailedLoad(ConstBytes bytes, const std::string& text) {
@@ -221,6 +222,8 @@ TEST_F(TreeInfoFileTest, SaveThatCannotCreateItsFile) {
         EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
         EXPECT_NE(Engine.EntryFile, nullptr);
     }
+    LoadVolumeParams(CandidateOf(VolumeGeometry{})); // the catalogue isn't this one's
+    EXPECT_FALSE(SaveTreeInfo(At("foreign.tht")).Done);
     EXPECT_EQ(Names(), (std::set<std::string>{"disk.img", "taken.tht"}));
 }
 
