@@ -35,7 +35,7 @@ int CopySession::OpenSourceDisk() {
     return kExitDone;
 }
 
-void CopySession::Begin() { Engine.ScanRunFlag = WasInterrupted() ? 0 : 1; }
+void CopySession::Begin() { SetUnlessInterrupted(Engine.ScanRunFlag); }
 
 void CopySession::BeginPart(const std::string& label) {
     Engine.ProgressDone = 0;

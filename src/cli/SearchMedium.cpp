@@ -20,7 +20,7 @@ int SearchMedium(const Options& options, TerminalHost& host) {
                      std::to_string(disk.TotalSectors - 1) + ".");
         return kExitWrongWords;
     }
-    Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    SetUnlessInterrupted(Engine.ScanRunFlag);
     host.Bar.Begin("Searching", ProgressBar::Unit::Sector, disk.BytesPerSector);
     host.SearchFrom(first);
     LogSearchStarted(first, end);

@@ -83,7 +83,7 @@ int Session::LoadTree() {
     if (options_.Chosen == Command::Partitions && Engine.SourceDisk.Partitions.Empty()) {
         return TellNoVolume();
     }
-    Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    SetUnlessInterrupted(Engine.ScanRunFlag);
     return kExitDone;
 }
 
@@ -225,7 +225,7 @@ int Session::ScanVolume() {
     if (const int code = MakeCatalogueFolder(); code != kExitDone) {
         return code;
     }
-    Engine.ScanRunFlag = WasInterrupted() ? 0 : 1;
+    SetUnlessInterrupted(Engine.ScanRunFlag);
     BeginScan();
     if (CreateCatalogue() == 0) {
         return TellNoCatalogue();

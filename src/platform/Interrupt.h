@@ -16,4 +16,8 @@ void OnInterrupt(std::atomic<std::uint32_t>& flag);
 /// True since the first interrupt after OnInterrupt.
 bool WasInterrupted();
 
+/// Stores 1 to the flag that OnInterrupt was given, or 0 where an interrupt has come since. One that comes at
+/// the same moment isn't lost.
+void SetUnlessInterrupted(std::atomic<std::uint32_t>& flag);
+
 } // namespace thntfs

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace thntfs::test {
@@ -23,6 +24,24 @@ void StopTwice(int first, int second) {
         std::exit(3);
     }
     (void)std::raise(second);
+}
+
+std::atomic<std::uint32_t>* guardedFlag = nullptr;
+
+/// Lets the first write to the flag through, after an interrupt has come at just this moment.
+void InterruptTheWrite(int /*signal*/) {
+    ::mprotect(guardedFlag, sizeof *guardedFlag, PROT_READ | PROT_WRITE);
+    (void)std::raise(SIGINT);
+}
+
+void InterruptAtTheStart() {
+    void* page = ::mmap(nullptr, 1, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    guardedFlag = new (page) std::atomic<std::uint32_t>(0);
+    OnInterrupt(*guardedFlag);
+    (void)std::signal(SIGSEGV, InterruptTheWrite);
+    ::mprotect(page, sizeof *guardedFlag, PROT_READ);
+    SetUnlessInterrupted(*guardedFlag);
+    std::exit(WasInterrupted() && *guardedFlag == 0 ? 7 : 3);
 }
 
 /// Standard output on a pipe that nobody reads.
@@ -51,6 +70,10 @@ TEST(InterruptDeathTest, FirstStopsTheJobAndSecondTheProgram) {
     EXPECT_EXIT(StopTwice(SIGINT, SIGINT), ::testing::KilledBySignal(SIGINT), "");
     EXPECT_EXIT(StopTwice(SIGTERM, SIGINT), ::testing::KilledBySignal(SIGINT), "");
     EXPECT_EXIT(StopTwice(SIGHUP, SIGTERM), ::testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(InterruptDeathTest, AnInterruptAtTheStartOfAJobIsNotLost) {
+    EXPECT_EXIT(InterruptAtTheStart(), ::testing::ExitedWithCode(7), "");
 }
 
 TEST(InterruptDeathTest, BrokenPipeIsAnErrorAndIgnoredStaysIgnored) {

@@ -57,4 +57,12 @@ void OnInterrupt(std::atomic<std::uint32_t>& flag) {
 
 bool WasInterrupted() { return interrupted; }
 
+// Whoever comes second clears the flag: the handler, which notes the interrupt first, or this.
+void SetUnlessInterrupted(std::atomic<std::uint32_t>& flag) {
+    flag = 1;
+    if (interrupted) {
+        flag = 0;
+    }
+}
+
 } // namespace thntfs
