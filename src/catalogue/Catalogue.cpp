@@ -109,6 +109,7 @@ void WriteSeeds() {
 }
 
 void AppendLostFolder(FolderIndexNode& node, std::uint32_t entryId) {
+    EnsureFolderBlock(node);
     CatalogueEntry lost;
     lost.EntryId = entryId;
     lost.RecordNumber = node.RecordNumber;
@@ -178,7 +179,15 @@ void BeginFolderBlock(FolderIndexNode& node) {
     node.UsedSlots = 0;
 }
 
+// Block 0 is the top's alone.
+void EnsureFolderBlock(FolderIndexNode& node) {
+    if (node.LastBlock == 0 && node.RecordNumber != 0) {
+        BeginFolderBlock(node);
+    }
+}
+
 void AddChild(FolderIndexNode& node, std::uint32_t entryId) {
+    EnsureFolderBlock(node);
     if (node.UsedSlots < kSlotsPerBlock) {
         WriteTreeWord(SlotOffset(node.LastBlock, node.UsedSlots), entryId);
         ++node.UsedSlots;

@@ -39,7 +39,10 @@ int WriteCatalogue(File& file, ConstBytes bytes);
 /// Gives a folder that has just been added to the tree a new empty chain.
 void BeginFolderBlock(FolderIndexNode& node);
 
-/// Adds a child to a folder's chain.
+/// Gives a folder a chain where it has none: it has just been added, or there was no memory for one then.
+void EnsureFolderBlock(FolderIndexNode& node);
+
+/// Adds a child to a folder's chain, which begins here where there is none.
 void AddChild(FolderIndexNode& node, std::uint32_t entryId);
 
 /// Appends an entry and its name. The entry's EntryId must be the number of entries written so far; its

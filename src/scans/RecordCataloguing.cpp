@@ -12,9 +12,7 @@ namespace {
 // The parent may come later, earlier or never: until its own record is met its node is a placeholder.
 FolderIndexNode& ParentNode(std::uint32_t parentNumber) {
     const FolderTree::Found parent = Engine.Folders->FindOrAddPlaceholder(parentNumber);
-    if (parent.Added) {
-        BeginFolderBlock(*parent.Node);
-    }
+    EnsureFolderBlock(*parent.Node);
     return *parent.Node;
 }
 
@@ -44,16 +42,16 @@ void NameNameless(DecodedEntry& entry) {
 void CatalogueFolder(DecodedEntry& entry, std::uint32_t& nextEntryId) try {
     FolderIndexNode& parent = ParentNode(entry.ParentNumber);
     const FolderTree::Found folder = Engine.Folders->FindOrAddFolder(entry.RecordNumber);
-    if (folder.Added) {
-        BeginFolderBlock(*folder.Node);
-    } else if (folder.Node->Placeholder == 0) {
+    if (!folder.Added && folder.Node->Placeholder == 0) {
         return;
     }
-    folder.Node->Placeholder = 0;
-    folder.Node->EntryId = nextEntryId;
+    folder.Node->Placeholder = 1; // until its entry stands: without one it ends as a lost folder
+    EnsureFolderBlock(*folder.Node);
     entry.EntryId = nextEntryId;
     entry.BlockOffset = folder.Node->BlockOffset;
     WriteEntry(entry, nextEntryId);
+    folder.Node->Placeholder = 0;
+    folder.Node->EntryId = entry.EntryId;
     AddChild(parent, entry.EntryId);
 } catch (const std::bad_alloc&) {
     // The folder isn't linked.

@@ -93,4 +93,23 @@ TEST_F(RecordCataloguingTest, WritesTheBytesOfTheNaiveCatalogue) {
     }
 }
 
+// There was no memory for the chain of a folder when a child named it.
+TEST_F(RecordCataloguingTest, AFolderLeftWithoutAChainGetsOneAndTheRootStays) {
+    ASSERT_EQ(CreateCatalogue(), 1);
+    Engine.Folders->FindOrAddPlaceholder(70);
+    Engine.Folders->FindOrAddPlaceholder(80);
+    std::uint32_t nextId = kFirstEntryId;
+    for (const Step& step : {Step{false, 71, 70, u"child"}, Step{true, 80, 5, u"folder"}}) {
+        DecodedEntry decoded;
+        static_cast<CatalogueEntry&>(decoded) = EntryOf(step, 0);
+        decoded.SetName(step.Name);
+        CatalogueRecord(decoded, step.Folder, nextId);
+    }
+    FinishCatalogue(nextId);
+    CloseCatalogue();
+    EXPECT_EQ(StoredBlockAt(0).Slots[0], 1U) << "the root";
+    EXPECT_EQ(StoredBlockAt(StoredEntryAt(4).BlockOffset).Slots[0], 2U) << "#70 holds the child";
+    EXPECT_EQ(StoredBlockAt(StoredEntryAt(3).BlockOffset).OwnerNumber, 80U);
+}
+
 } // namespace thntfs::test
