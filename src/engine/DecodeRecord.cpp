@@ -193,8 +193,7 @@ std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber) {
     std::uint64_t before = 0;
     for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr;
          extent = extent->Next.get()) {
-        const std::uint32_t records =
-            extent->Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
+        const std::uint32_t records = RecordsInExtent(*extent);
         if (recordNumber - before < records) {
             return SectorOfCluster(extent->StartCluster) +
                    (recordNumber - before) * volume.SectorsPerFileRecord;

@@ -40,6 +40,10 @@ void ResetEngineState() {
     Engine.VolumeParams = VolumeParams();
     Engine.SourceDisk = DiskRecord();
     Engine.TargetDisk = DiskRecord();
+    Engine.Losses = ScanLosses();
+    Engine.Lists = ListReads();
+    Engine.TableBytes = 0;
+    Engine.TableCut = false;
     ++Engine.VolumeInWork;
 }
 
@@ -49,6 +53,11 @@ bool CatalogueIsOfVolumeInWork() { return Engine.CatalogueVolume == Engine.Volum
 
 std::uint64_t SectorOfCluster(std::uint64_t cluster) {
     return Engine.VolumeParams.StartSector + cluster * Engine.VolumeParams.SectorsPerCluster;
+}
+
+std::uint32_t RecordsInExtent(const MftExtent& extent) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    return extent.Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
 }
 
 } // namespace thntfs

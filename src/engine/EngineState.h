@@ -1,6 +1,8 @@
 #pragma once
 
 #include "engine/CatalogueRecords.h"
+#include "engine/ListReads.h"
+#include "engine/ScanLosses.h"
 #include "engine/StoredRecords.h"
 #include "platform/File.h"
 #include "platform/PagedFile.h"
@@ -66,6 +68,13 @@ struct EngineState {
     std::uint64_t UntriedFrom =
         kAllWereTried; ///< the first that a stop or a fatal code kept from being tried
 
+    ScanLosses Losses; ///< of the last scan or search
+    ListReads Lists;
+
+    // What LocateMft learns of the table beside its runs.
+    std::uint64_t TableBytes = 0; ///< bytes of it that hold records, as it says itself; 0 where unknown
+    bool TableCut = false;        ///< a piece of it could not be had
+
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
 
     // What the tree of the desktop program shows, and what of it carries a check mark.
@@ -91,8 +100,8 @@ extern EngineState Engine;
 void LoadVolumeParams(const PartitionCandidate& candidate);
 
 /// Closes both media, frees both candidate lists and the extents, and clears SourceDisk, TargetDisk and
-/// VolumeParams. The catalogue and ScanRunFlag are not touched, but the catalogue is no longer that of the
-/// volume in work.
+/// VolumeParams; what is known of losses and of the table goes with them. The catalogue and ScanRunFlag are
+/// not touched, but the catalogue is no longer that of the volume in work.
 void ResetEngineState();
 
 /// Takes note that the catalogue's files are those of the volume in work.
@@ -104,5 +113,8 @@ bool CatalogueIsOfVolumeInWork();
 
 /// Absolute sector of a logical cluster of the volume in work.
 std::uint64_t SectorOfCluster(std::uint64_t cluster);
+
+/// Whole records in a run of the table, with the product in 32 bits; SectorsPerFileRecord isn't 0.
+std::uint32_t RecordsInExtent(const MftExtent& extent);
 
 } // namespace thntfs
