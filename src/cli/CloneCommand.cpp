@@ -4,6 +4,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "disktools/CopyDisk.h"
+#include "disktools/CopyRules.h"
 #include "engine/EngineState.h"
 #include "partitions/DiskEnumeration.h"
 #include "partitions/OpenSource.h"
@@ -72,27 +73,14 @@ int LookAtTarget(const std::string& path, TargetFacts& facts) {
     return kExitDone;
 }
 
-int CheckDisks(const Options& options) {
-    if (SameMedium(options.Target, options.Medium)) {
-        return Refuse(options.Target + " and " + options.Medium + " are one disk.");
-    }
-    if (SharesMedium(options.Medium, options.Target)) {
-        return Refuse(options.Medium + " lies on " + options.Target +
-                      " and would be written over by its own copy.");
-    }
-    if (IsMounted(options.Target)) {
-        return Refuse(options.Target +
-                      " is in use: it, or a part of it, is mounted or swapped to. Unmount it first.");
-    }
-    return kExitDone;
+int RefuseCopy(const CopyVerdict& verdict, const Options& options) {
+    return verdict.Allowed() ? int{kExitDone} : Refuse(CopyRefusalText(verdict, options.Medium));
 }
 
 int CheckSize(const Options& options, const TargetFacts& facts) {
-    const std::uint64_t needed = CopiedBytes(Engine.SourceDisk.TotalSectors, kCopyTransferSectors);
-    if (facts.Bytes < needed) {
-        return Refuse(options.Target + " is too small: the copy needs " + std::to_string(needed) +
-                      " bytes (" + ByteText(needed) + "), and it has " + std::to_string(facts.Bytes) + " (" +
-                      ByteText(facts.Bytes) + ").");
+    const CopyVerdict verdict = CheckTargetSize(options.Target, facts.Bytes);
+    if (!verdict.Allowed()) {
+        return RefuseCopy(verdict, options);
     }
     if (facts.SectorBytes != 0 && facts.SectorBytes != Engine.SourceDisk.BytesPerSector) {
         PrintMessage("Mind that " + options.Target + " has sectors of " + std::to_string(facts.SectorBytes) +
@@ -130,7 +118,7 @@ int OpenTarget(const Options& options) {
 int RunClone(const Options& options) {
     CopySession session(options, CopyWork::Cloning);
     TargetFacts facts;
-    int code = CheckDisks(options);
+    int code = RefuseCopy(CheckCopyPlaces(options.Medium, options.Target), options);
     code = code == kExitDone ? LookAtTarget(options.Target, facts) : code;
     code = code == kExitDone ? session.OpenSourceDisk() : code;
     code = code == kExitDone ? CheckSize(options, facts) : code;

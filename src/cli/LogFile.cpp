@@ -3,9 +3,9 @@
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"
+#include "content/TargetRules.h"
+#include "disktools/CopyMapFile.h"
 #include "platform/Dates.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Paths.h"
 #include "scaninfo/ProcessLog.h"
 #include "scaninfo/ScanInfo.h"
 
@@ -20,26 +20,35 @@ std::string FailureText(const std::string& path, ErrorCode code) {
     return "Error creating log file " + path + ": " + SystemErrorText(code);
 }
 
-// A saved result stands for the medium that it was made from, and must not be written over itself.
-bool WouldHarm(const std::string& path, const std::string& medium) {
-    return SharesMedium(path, medium) || SharesMedium(path, ProbeScanInfo(medium).Medium);
+// All that the run reads and writes, so far as its words tell.
+RunPlaces PlacesOf(const Options& options) {
+    const ScanInfoProbe saved = ProbeScanInfo(options.Medium);
+    const bool isSaved = saved.Kind != ScanInfoKind::None;
+    RunPlaces places{isSaved ? saved.Medium : options.Medium, isSaved ? options.Medium : "", {}};
+    if (options.SaveInfo) {
+        places.Targets.push_back(SaveInfoTarget(options));
+    }
+    if (options.Chosen == Command::Image || options.Chosen == Command::Clone) {
+        places.Targets.push_back(options.Target);
+    }
+    if (options.Chosen == Command::Image) {
+        places.Targets.push_back(MapPathOf(options.Target));
+    }
+    return places;
 }
 
-bool IsCopyTarget(const std::string& path, const Options& options) {
-    if (options.Chosen != Command::Image && options.Chosen != Command::Clone) {
-        return false;
+int Refuse(const std::string& path, const TargetVerdict& verdict) {
+    switch (verdict.Why) {
+    case TargetRefusal::OnMedium:
+        PrintMessage("The log can't go to " + path + ", which is or lies on the medium that is to be read.");
+        return kExitFailed;
+    case TargetRefusal::IsSavedScan:
+        PrintMessage("The log can't go to " + path + ", which is to be read.");
+        return kExitFailed;
+    default:
+        PrintMessage("The log can't go to " + path + ", since " + verdict.What + " is to be written.");
+        return kExitWrongWords;
     }
-    const std::string target = AbsolutePath(options.Target);
-    const std::string place = AbsolutePath(path);
-    return place == target || place == target + ".map" || SharesMedium(path, options.Target);
-}
-
-// The file that the run itself is to write, so far as the words tell; empty where the log doesn't meet it.
-std::string TargetAt(const std::string& path, const Options& options) {
-    if (options.SaveInfo && AbsolutePath(path) == SaveInfoTarget(options)) {
-        return SaveInfoTarget(options);
-    }
-    return IsCopyTarget(path, options) ? options.Target : std::string();
 }
 
 } // namespace
@@ -49,13 +58,8 @@ int LogFile::Open(const Options& options) {
         return kExitDone;
     }
     path_ = *options.Log;
-    if (WouldHarm(path_, options.Medium)) {
-        PrintMessage("The log can't go to " + path_ + ", which is or lies on the medium that is to be read.");
-        return kExitFailed;
-    }
-    if (const std::string target = TargetAt(path_, options); !target.empty()) {
-        PrintMessage("The log can't go to " + path_ + ", since " + target + " is to be written.");
-        return kExitWrongWords;
+    if (const TargetVerdict verdict = CheckTarget(path_, PlacesOf(options)); !verdict.Allowed()) {
+        return Refuse(path_, verdict);
     }
     if (const ErrorCode code = Files().Open(path_, FileMode::CreateAlways, file_); code != kErrorNone) {
         PrintMessage(FailureText(path_, code));

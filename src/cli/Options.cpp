@@ -2,9 +2,6 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
-#include "disktools/CopyMapFile.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Paths.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -190,15 +187,6 @@ void AddSource(CLI::App& command, Options& options) {
     command.add_flag("--json", options.Json, "Print JSON");
 }
 
-// The log is made before the copy begins, and must not go to where that does.
-void CheckLogOfCopy(const Options& options) {
-    if (options.Log && (SharesMedium(*options.Log, options.Target) ||
-                        AbsolutePath(*options.Log) == AbsolutePath(options.Target) ||
-                        AbsolutePath(*options.Log) == AbsolutePath(MapPathOf(options.Target)))) {
-        throw CLI::ValidationError("--log", "The log can't go to where the copy goes");
-    }
-}
-
 void AddImage(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand(
         "image", "Copy a whole disk to an image file, bad sectors as zeros, with a map of them beside it");
@@ -212,10 +200,7 @@ void AddImage(CLI::App& app, Options& options) {
             "--retry", options.Retries,
             "Read the bad sectors again, up to N times; of an image that is there already only these")
         ->check(WholeNumber(1));
-    command->callback([&options] {
-        options.Chosen = Command::Image;
-        CheckLogOfCopy(options);
-    });
+    command->callback([&options] { options.Chosen = Command::Image; });
 }
 
 void AddClone(CLI::App& app, Options& options) {
@@ -226,10 +211,7 @@ void AddClone(CLI::App& app, Options& options) {
         ->add_option("TARGET", options.Target, "Block device to write over, or a file that is large enough")
         ->required();
     command->add_flag("--yes", options.Yes, "Really do it; without it, what would be lost is shown");
-    command->callback([&options] {
-        options.Chosen = Command::Clone;
-        CheckLogOfCopy(options);
-    });
+    command->callback([&options] { options.Chosen = Command::Clone; });
 }
 
 void TellMissingCommand(int argc, const char* const* argv) {

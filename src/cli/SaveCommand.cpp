@@ -4,8 +4,8 @@
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "content/SaveEntries.h"
+#include "content/TargetRules.h"
 #include "engine/EngineState.h"
-#include "platform/DiskIdentity.h"
 
 #include <nlohmann/json.hpp>
 
@@ -27,7 +27,7 @@ public:
 };
 
 int OpenTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
-    if (SharesMedium(options.Target, medium)) {
+    if (!CheckTarget(options.Target, {medium, {}, {}}).Allowed()) {
         PrintMessage(options.Target +
                      " lies on the medium that is being read. Saving there would destroy what is "
                      "to be recovered; choose a folder on another disk.");

@@ -2,8 +2,8 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "content/TargetRules.h"
 #include "engine/EngineState.h"
-#include "platform/DiskIdentity.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
@@ -61,7 +61,7 @@ int CheckSaveInfo(const Options& options, const std::string& medium) {
             " characters, or bytes that are no text. Open the medium by a link with a shorter path.");
         return kExitFailed;
     }
-    if (SharesMedium(target, medium)) {
+    if (!CheckTarget(target, {medium, {}, {}}).Allowed()) {
         return TellFailedSave(target,
                               "it lies on the medium that is being read; choose a place on another disk.");
     }

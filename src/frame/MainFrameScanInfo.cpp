@@ -1,10 +1,9 @@
 // The main window's commands that load and save: scan information of both kinds, the log's text.
 
+#include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
 #include "frame/MainFrame.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
 #include "scaninfo/ProcessLog.h"
 #include "scaninfo/ReplacementFile.h"
@@ -29,9 +28,8 @@ std::tm LocalNow() {
 
 // A file on the medium that is being read might land on what the user wants back.
 bool LiesElsewhere(const QString& path, std::string_view extension) {
-    const std::string medium = NarrowText(Engine.SourceDisk.Description);
     const std::string target = ScanInfoPlaceOf(path.toStdString(), extension).Target;
-    if (SharesMedium(target, medium)) {
+    if (!CheckTarget(target, {SourceMediumPath(), {}, {}}).Allowed()) {
         ShowBox(QStringLiteral(
                     "%1 lies on the medium that is being read.\nPlease choose a place on another disk.")
                     .arg(QString::fromStdString(target)),

@@ -7,6 +7,12 @@ namespace thntfs {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+constexpr unsigned kMaxLinks = 40;
+
+} // namespace
+
 std::string AbsolutePath(const std::string& path) {
     if (path.empty()) {
         return {};
@@ -26,6 +32,15 @@ std::string NearestExisting(const std::string& path) {
     std::error_code failure;
     while (place.has_relative_path() && !fs::exists(place, failure)) {
         place = place.parent_path();
+    }
+    return place.string();
+}
+
+std::string BehindLinks(const std::string& path) {
+    fs::path place = path;
+    std::error_code failure;
+    for (unsigned i = 0; i < kMaxLinks && fs::is_symlink(place, failure); ++i) {
+        place = place.parent_path() / fs::read_symlink(place, failure);
     }
     return place.string();
 }

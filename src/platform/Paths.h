@@ -14,6 +14,9 @@ std::string AbsolutePath(const std::string& path);
 /// one; empty for an empty path.
 std::string NearestExisting(const std::string& path);
 
+/// What a link leads to, through any number of links, whether it exists or not; any other path as it is.
+std::string BehindLinks(const std::string& path);
+
 /// Bytes that this user may still write at a path, or at the nearest of its parents that exists. None where
 /// the system doesn't tell.
 std::optional<std::uint64_t> FreeBytesAt(const std::string& path);

@@ -1,5 +1,7 @@
 #include "scaninfo/ReplacementFile.h"
 
+#include "platform/Paths.h"
+
 #include <filesystem>
 #include <system_error>
 
@@ -11,7 +13,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kKeptNameBytes = 200; // leaves room for what is appended
 constexpr unsigned kMaxTries = 100;
-constexpr unsigned kMaxLinks = 40;
 
 ErrorCode CodeOf(const std::error_code& failure) {
     if (failure == std::errc::permission_denied || failure == std::errc::operation_not_permitted) {
@@ -41,16 +42,6 @@ ErrorCode TryTarget(const std::string& target) {
     return code == kErrorFileNotFound ? kErrorNone : code;
 }
 
-// A link keeps its place: the file that it leads to is replaced.
-std::string BehindLink(const std::string& path) {
-    fs::path place = path;
-    std::error_code failure;
-    for (unsigned i = 0; i < kMaxLinks && fs::is_symlink(place, failure); ++i) {
-        place = place.parent_path() / fs::read_symlink(place, failure); // which may be missing
-    }
-    return place.string();
-}
-
 } // namespace
 
 ReplacementFile::~ReplacementFile() {
@@ -61,7 +52,7 @@ ReplacementFile::~ReplacementFile() {
 }
 
 ErrorCode ReplacementFile::Create(const std::string& target) {
-    target_ = BehindLink(target);
+    target_ = BehindLinks(target); // a link keeps its place: the file that it leads to is replaced
     const ErrorCode code = TryTarget(target_);
     return code != kErrorNone ? code : CreateBeside();
 }

@@ -102,7 +102,7 @@ TEST_F(CopyTest, ImageRefusesBeforeAnythingIsWritten) {
     std::ofstream(scratch_ / "empty");
     ExpectRefused({"image", disk, scratch_ / "there"}, "exists already and is not written over");
     ExpectRefused({"image", disk, scratch_ / "alone"}, "exists already, without its image");
-    ExpectRefused({"image", disk, disk}, "the medium that is to be read");
+    ExpectRefused({"image", disk, disk}, "are one disk");
     ExpectRefused({"image", disk, image_, "--resume"}, "to go on with");
     ExpectRefused({"image", disk, scratch_ / "there", "--resume"}, "The system cannot find the file");
     ExpectRefused({"image", disk, scratch_ / "there", "--retry", "1"}, "The system cannot find the file");
@@ -111,8 +111,8 @@ TEST_F(CopyTest, ImageRefusesBeforeAnythingIsWritten) {
     ExpectRefused({"image", scratch_ / "empty", image_}, "is empty");
     ExpectRefused({"image", scratch_ / "none", image_}, "Cannot open");
     ExpectRefused({"image", scratch_.Path(), image_}, "is a folder");
-    ExpectRefused({"image", disk, image_, "--log", image_}, "--log", 2);
-    ExpectRefused({"image", disk, image_, "--log", scratch_ / "x/../disk.th2.map"}, "--log", 2);
+    ExpectRefused({"image", disk, image_, "--log", image_}, "The log can't go to", 2);
+    ExpectRefused({"image", disk, image_, "--log", scratch_ / "x/../disk.th2.map"}, "The log can't go to", 2);
     ExpectRefused({"image", disk, image_, "--retry", "0"}, "'0' is not a whole number", 2);
     EXPECT_EQ(ReadWholeFile(scratch_ / "there"), "precious");
     EXPECT_EQ(ReadWholeFile(scratch_ / "alone.map"), "precious");
@@ -147,7 +147,7 @@ TEST_F(CopyTest, ResumeRefusesAnImageOfAnotherDisk) {
     EXPECT_TRUE(ReadWholeFile(image_) == bytes);
 }
 
-TEST_F(CopyTest, ImageOnTheDiskItselfIsRefused) {
+TEST_F(CopyTest, CopyOntoTheDiskItselfIsRefused) {
     MakeDisk("disk", 8U << 20U);
     const std::string device = Attach(scratch_ / "disk");
     fs::create_directory(mount_);
@@ -157,6 +157,20 @@ TEST_F(CopyTest, ImageOnTheDiskItselfIsRefused) {
     ExpectRefused({"image", device, mount_ + "/disk.th2"}, "the medium that is to be read");
     ExpectRefused({"image", scratch_ / "disk", mount_ + "/disk.th2"}, "the medium that is to be read");
     EXPECT_FALSE(fs::exists(mount_ + "/disk.th2"));
+
+    // Under any name, and the map as well as the image.
+    fs::create_directory(mount_ + "/folder");
+    fs::create_directory_symlink(mount_ + "/folder", scratch_ / "link");
+    fs::create_symlink(mount_ + "/disk.map", map_);
+    for (const std::string& image : {scratch_ / "link/../disk.th2", image_}) {
+        ExpectRefused({"image", device, image}, "the medium that is to be read");
+    }
+    fs::remove(map_);
+
+    std::ofstream(mount_ + "/file") << "precious";
+    fs::resize_file(mount_ + "/file", 8U << 20U);
+    ExpectRefused({"clone", device, mount_ + "/file", "--yes"}, "the medium that is to be read");
+    EXPECT_EQ(ReadWholeFile(mount_ + "/file").substr(0, 8), "precious");
     const RunResult run = RunCli({"image", device, image_});
     EXPECT_EQ(run.Status, 0) << run.Err;
     EXPECT_TRUE(Contains(run.Err, "is mounted")) << run.Err;
@@ -203,7 +217,7 @@ TEST_F(CopyTest, CloneRefusesBeforeAnythingIsWritten) {
     ExpectRefused({"clone", disk, scratch_ / "none", "--yes"}, "Cannot open");
     ExpectRefused({"clone", disk, scratch_.Path(), "--yes"}, "Cannot open");
     ExpectRefused({"clone", disk, "/dev/null", "--yes"}, "Cannot open");
-    ExpectRefused({"clone", disk, target, "--yes", "--log", target}, "--log", 2);
+    ExpectRefused({"clone", disk, target, "--yes", "--log", target}, "The log can't go to", 2);
     EXPECT_TRUE(ReadWholeFile(target) == before);
     EXPECT_FALSE(fs::exists(scratch_ / "none"));
 }

@@ -4,8 +4,10 @@
 #include "platform/posix/MountTable.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <set>
 #include <sys/sysmacros.h>
+#include <system_error>
 #include <utility>
 
 namespace thntfs {
@@ -100,10 +102,20 @@ Ground GroundOfMedium(const std::string& path) {
     return ground;
 }
 
+/// Where writing at a path would happen: what it leads to, or the nearest folder above that exists. Links and
+/// ".." are the system's to follow, since what they mean can't be told from the text.
+std::string PlaceOfTarget(const std::string& path) {
+    std::error_code failure;
+    std::filesystem::path place = std::filesystem::absolute(BehindLinks(path), failure);
+    while (place.has_relative_path() && !IdentityOf(place.string())) {
+        place = place.parent_path();
+    }
+    return place.string();
+}
+
 Ground GroundOfTarget(const std::string& path) {
     Ground ground;
-    const std::string place = NearestExisting(path);
-    AddNamed(ground, place, Depth::Bottom);
+    AddNamed(ground, PlaceOfTarget(path), Depth::Bottom);
     return ground;
 }
 

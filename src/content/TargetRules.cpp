@@ -1,0 +1,41 @@
+#include "content/TargetRules.h"
+
+#include "engine/EngineState.h"
+#include "platform/DiskIdentity.h"
+#include "platform/Paths.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+
+namespace thntfs {
+
+namespace {
+
+/// Two paths may name one file that isn't there yet, which only their texts tell.
+bool Meets(const std::string& path, const std::string& target) {
+    return !target.empty() && (AbsolutePath(BehindLinks(path)) == AbsolutePath(BehindLinks(target)) ||
+                               SharesMedium(path, target));
+}
+
+} // namespace
+
+TargetVerdict CheckTarget(const std::string& path, const RunPlaces& run) {
+    if (SharesMedium(path, run.Medium)) {
+        return {TargetRefusal::OnMedium, run.Medium};
+    }
+    if (Meets(path, run.SavedScan)) {
+        return {TargetRefusal::IsSavedScan, run.SavedScan};
+    }
+    const auto met = std::find_if(run.Targets.begin(), run.Targets.end(),
+                                  [&path](const std::string& target) { return Meets(path, target); });
+    return met == run.Targets.end() ? TargetVerdict{} : TargetVerdict{TargetRefusal::IsOtherTarget, *met};
+}
+
+// A description that fills its field may have been cut.
+std::string SourceMediumPath() {
+    const std::u16string& description = Engine.SourceDisk.Description;
+    return description.size() < kMaxDescriptionUnits || Engine.ImagePath.empty() ? NarrowText(description)
+                                                                                 : Engine.ImagePath;
+}
+
+} // namespace thntfs

@@ -1,0 +1,60 @@
+#include "disktools/CopyRules.h"
+
+#include "disktools/CopyDisk.h"
+#include "engine/EngineState.h"
+#include "platform/DiskIdentity.h"
+#include "platform/Paths.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kMapRoomBytes = 1U << 20U; ///< for the map and its successor
+
+std::uint64_t BytesOfCopy() { return CopiedBytes(Engine.SourceDisk.TotalSectors, kCopyTransferSectors); }
+
+CopyVerdict Refused(CopyRefusal why, const std::string& path) {
+    CopyVerdict verdict;
+    verdict.Why = why;
+    verdict.Path = path;
+    return verdict;
+}
+
+CopyVerdict RefusedForSize(CopyRefusal why, const std::string& path, std::uint64_t needed,
+                           std::uint64_t there) {
+    CopyVerdict verdict = Refused(why, path);
+    verdict.Needed = needed;
+    verdict.There = there;
+    return verdict;
+}
+
+} // namespace
+
+CopyVerdict CheckCopyPlaces(const std::string& source, const std::string& target) {
+    if (SameMedium(target, source)) {
+        return Refused(CopyRefusal::OneMedium, target);
+    }
+    if (SharesMedium(target, source)) {
+        return Refused(CopyRefusal::TargetOnSource, target);
+    }
+    if (SharesMedium(source, target)) {
+        return Refused(CopyRefusal::SourceOnTarget, target);
+    }
+    return IsMounted(target) ? Refused(CopyRefusal::TargetInUse, target) : CopyVerdict{};
+}
+
+CopyVerdict CheckTargetSize(const std::string& target, std::uint64_t targetBytes) {
+    const std::uint64_t needed = BytesOfCopy();
+    return targetBytes < needed ? RefusedForSize(CopyRefusal::TargetTooSmall, target, needed, targetBytes)
+                                : CopyVerdict{};
+}
+
+CopyVerdict CheckImageRoom(const std::string& image, std::uint64_t bytesThere) {
+    const std::uint64_t bytes = BytesOfCopy();
+    const std::uint64_t needed = kMapRoomBytes + (bytes > bytesThere ? bytes - bytesThere : 0);
+    const auto free = FreeBytesAt(image);
+    return free && *free < needed ? RefusedForSize(CopyRefusal::TooLittleRoom, image, needed, *free)
+                                  : CopyVerdict{};
+}
+
+} // namespace thntfs

@@ -1,0 +1,158 @@
+#include "disktools/ImageTarget.h"
+
+#include "disktools/CopyDisk.h"
+#include "engine/EngineState.h"
+#include "engine/LittleEndian.h"
+#include "platform/DiskIdentity.h"
+#include "platform/DiskListing.h"
+#include "platform/Medium.h"
+#include "platform/Paths.h"
+
+#include <array>
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+bool Exists(const std::string& path) { return NearestExisting(path) == AbsolutePath(path); }
+
+/// Serial number of the disk that is read; empty for an image, or where the system doesn't tell.
+std::string SourceSerial(const std::string& path) {
+    for (const DiskProperties& disk : ListDisks()) {
+        if (SameMedium(disk.Path, path)) {
+            return disk.Serial;
+        }
+    }
+    return {};
+}
+
+std::uint64_t SourceBytes() { return Engine.SourceDisk.TotalSectors * Engine.SourceDisk.BytesPerSector; }
+
+/// The end of what the map says is in the image.
+std::uint64_t CoveredEnd(const CopyMap& map) {
+    std::uint64_t end = 0;
+    map.ForEach([&end](const Area& area) { end = area.State == AreaState::Unread ? end : area.End(); });
+    return end;
+}
+
+bool IsStampedForSource(File& image) {
+    std::array<std::uint8_t, 512> sector{};
+    std::size_t got = 0;
+    return image.ReadAt(0, sector, got) == kErrorNone &&
+           U64At(sector, kStampedTotalOffset) == Engine.SourceDisk.TotalSectors &&
+           U16At(sector, kStampedSectorBytesOffset) == Engine.SourceDisk.BytesPerSector;
+}
+
+bool IsOrdinaryFile(const std::string& path) {
+    const MediumResult medium = OpenMedium(path);
+    return medium.Handle != nullptr && medium.Handle->DeviceSectorBytes() == 0;
+}
+
+} // namespace
+
+ImageTarget::ImageTarget(std::string source, std::string image)
+    : source_(std::move(source))
+    , image_(std::move(image))
+    , mapPath_(MapPathOf(image_))
+    , isOld_(Exists(image_))
+    , serial_(SourceSerial(source_)) {}
+
+File& ImageTarget::Handle() { return *Engine.TargetDisk.WriteHandle; }
+
+CopyVerdict ImageTarget::Open(bool goOn, bool mustExist) {
+    for (const std::string& path : {image_, mapPath_}) {
+        if (CopyVerdict verdict = CheckCopyPlaces(source_, path); !verdict.Allowed()) {
+            return verdict;
+        }
+    }
+    if (isOld_ && !goOn) {
+        return Refused(CopyRefusal::ImageExists);
+    }
+    if (!isOld_ && mustExist) {
+        return Refused(CopyRefusal::NoImage);
+    }
+    return isOld_ ? OpenOld() : MakeNew();
+}
+
+CopyVerdict ImageTarget::MakeNew() {
+    if (Exists(mapPath_)) {
+        CopyVerdict verdict = Refused(CopyRefusal::MapExists);
+        verdict.Path = mapPath_;
+        return verdict;
+    }
+    if (CopyVerdict verdict = CheckImageRoom(image_, 0); !verdict.Allowed()) {
+        return verdict;
+    }
+    ErrorCode code = Files().Open(image_, FileMode::CreateNew, Engine.TargetDisk.WriteHandle);
+    if (code != kErrorNone) {
+        return Failed(CopyRefusal::CannotMake, image_, code);
+    }
+    TakeLedger(CopyMap(SourceBytes()));
+    code = ledger_->Begin({});
+    if (code != kErrorNone) {
+        Engine.TargetDisk.WriteHandle.reset();
+        (void)Files().Delete(image_);
+        return Failed(CopyRefusal::CannotMake, mapPath_, code);
+    }
+    return {};
+}
+
+CopyVerdict ImageTarget::OpenOld() {
+    if (!IsOrdinaryFile(image_)) {
+        return Refused(CopyRefusal::NoImageFile);
+    }
+    std::string why;
+    std::optional<SavedMap> saved = LoadMap(mapPath_, SourceBytes(), why);
+    if (!saved) {
+        return Refused(CopyRefusal::BadMap, why);
+    }
+    if (!serial_.empty() && !saved->Serial.empty() && saved->Serial != serial_) {
+        return Refused(CopyRefusal::OtherSerial, saved->Serial);
+    }
+    const ErrorCode code = Files().Open(image_, FileMode::OpenReadWrite, Engine.TargetDisk.WriteHandle);
+    if (code != kErrorNone) {
+        return Failed(CopyRefusal::CannotOpen, image_, code);
+    }
+    CopyVerdict verdict = CheckOld(*saved);
+    if (verdict.Allowed()) {
+        TakeLedger(std::move(saved->Map));
+    }
+    return verdict;
+}
+
+CopyVerdict ImageTarget::CheckOld(const SavedMap& saved) {
+    std::uint64_t size = 0;
+    if (const ErrorCode code = Handle().Size(size); code != kErrorNone) {
+        return Failed(CopyRefusal::CannotRead, image_, code);
+    }
+    if (size < CoveredEnd(saved.Map)) {
+        return Refused(CopyRefusal::ShorterThanMap);
+    }
+    const auto unread = saved.Map.Find(AreaState::Unread, 0);
+    if ((!unread || unread->First != 0) && !IsStampedForSource(Handle())) {
+        return Refused(CopyRefusal::OtherSize);
+    }
+    return CheckImageRoom(image_, size);
+}
+
+CopyVerdict ImageTarget::Refused(CopyRefusal why, std::string detail) const {
+    CopyVerdict verdict;
+    verdict.Why = why;
+    verdict.Path = image_;
+    verdict.Detail = std::move(detail);
+    return verdict;
+}
+
+CopyVerdict ImageTarget::Failed(CopyRefusal why, const std::string& path, ErrorCode code) const {
+    CopyVerdict verdict = Refused(why);
+    verdict.Path = path;
+    verdict.Code = code;
+    return verdict;
+}
+
+void ImageTarget::TakeLedger(CopyMap map) {
+    ledger_.emplace(std::move(map), mapPath_, MapComment(AbsolutePath(source_), serial_));
+}
+
+} // namespace thntfs
