@@ -14,6 +14,10 @@ namespace {
 int OpenTarget(ImageTarget& target, const Options& options) {
     const CopyVerdict verdict = target.Open(options.Resume || options.Retries != 0, options.Resume);
     if (verdict.Allowed()) {
+        if (!target.OtherSource().empty()) {
+            PrintMessage(options.Target + " was begun from " + target.OtherSource() +
+                         "; what was copied of that stands on " + options.Medium + " too, so it goes on.");
+        }
         return kExitDone;
     }
     PrintMessage(CopyRefusalText(verdict, options.Medium));

@@ -12,6 +12,7 @@ namespace thntfs {
 
 namespace {
 
+constexpr const char* kSourceWord = "Source: ";
 constexpr const char* kSerialWord = "Serial number: ";
 constexpr std::uint64_t kMaxMapBytes = std::uint64_t{64} << 20U; ///< well over what kMaxAreas areas take
 
@@ -35,20 +36,14 @@ ErrorCode ReadText(const std::string& path, std::string& text) {
     return error;
 }
 
-/// Comments are lines, so a text that goes into one must not end it.
-std::string OneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
-    return text;
-}
-
-std::string SerialIn(std::string_view text) {
-    const std::string line = std::string("# ") + kSerialWord;
+/// What a comment line says behind its first word; empty where there is no such line.
+std::string CommentIn(std::string_view text, std::string_view word) {
+    const std::string line = "# " + std::string(word);
     const std::size_t start = text.starts_with(line) ? 0 : text.find("\n" + line);
     if (start == std::string_view::npos) {
         return {};
     }
-    const std::size_t first = text.find(kSerialWord, start) + std::string_view(kSerialWord).size();
+    const std::size_t first = text.find(word, start) + word.size();
     return std::string(text.substr(first, std::min(text.find_first_of("\r\n", first), text.size()) - first));
 }
 
@@ -62,9 +57,15 @@ ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& 
     return ReplaceFile(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
+std::string OneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+    return text;
+}
+
 std::string MapComment(const std::string& source, const std::string& serial) {
-    std::string comment =
-        "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\nSource: " + OneLine(source);
+    std::string comment = "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\n" +
+                          std::string(kSourceWord) + OneLine(source);
     if (!serial.empty()) {
         comment += std::string("\n") + kSerialWord + OneLine(serial);
     }
@@ -80,7 +81,10 @@ std::optional<SavedMap> LoadMap(const std::string& path, std::uint64_t totalByte
         return std::nullopt;
     }
     auto map = MapOfText(text, totalBytes, why);
-    return map ? std::optional<SavedMap>({std::move(*map), SerialIn(text)}) : std::nullopt;
+    if (!map) {
+        return std::nullopt;
+    }
+    return SavedMap{std::move(*map), CommentIn(text, kSourceWord), CommentIn(text, kSerialWord)};
 }
 
 } // namespace thntfs

@@ -18,8 +18,12 @@ ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& 
 /// What a map file tells.
 struct SavedMap {
     CopyMap Map;
+    std::string Source; ///< path that was read, as its comment has it; empty where it has none
     std::string Serial; ///< of the disk that was read, as its comment has it; empty where it has none
 };
+
+/// A text as it stands in a comment, which is a line: control characters become '?'.
+std::string OneLine(std::string text);
 
 /// The comment of a map: what was read, and the serial number of the disk if it is known.
 std::string MapComment(const std::string& source, const std::string& serial);

@@ -1,5 +1,6 @@
 #include "disktools/ImageTarget.h"
 
+#include "disktools/CopiedContents.h"
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
 #include "engine/LittleEndian.h"
@@ -133,7 +134,27 @@ CopyVerdict ImageTarget::CheckOld(const SavedMap& saved) {
     if ((!unread || unread->First != 0) && !IsStampedForSource(Handle())) {
         return Refused(CopyRefusal::OtherSize);
     }
-    return CheckImageRoom(image_, size);
+    CopyVerdict verdict = CheckContents(saved);
+    return verdict.Allowed() ? CheckImageRoom(image_, size) : verdict;
+}
+
+// What was copied tells the medium better than its name, which changes from start to start.
+CopyVerdict ImageTarget::CheckContents(const SavedMap& saved) {
+    const ContentCheck check = CompareCopied(Handle(), saved.Map);
+    if (check.Code != kErrorNone) {
+        return Failed(CopyRefusal::CannotRead, image_, check.Code);
+    }
+    if (check.Differs) {
+        CopyVerdict verdict = Refused(CopyRefusal::OtherContents);
+        verdict.Sector = *check.Differs;
+        return verdict;
+    }
+    if (!saved.Source.empty() && saved.Source != OneLine(AbsolutePath(source_))) {
+        otherSource_ = saved.Source;
+    }
+    const bool unknown = check.Compared == 0 && saved.Map.BytesOf(AreaState::Read) != 0;
+    return unknown && !otherSource_.empty() ? Refused(CopyRefusal::SourceUnknown, otherSource_)
+                                            : CopyVerdict{};
 }
 
 CopyVerdict ImageTarget::Refused(CopyRefusal why, std::string detail) const {

@@ -26,6 +26,10 @@ public:
 
     // Once Open has succeeded.
 
+    /// Path that the image was begun from, where that isn't the source's: the contents are the same, and
+    /// names of devices change. Else empty.
+    [[nodiscard]] const std::string& OtherSource() const { return otherSource_; }
+
     /// Engine.TargetDisk owns the file.
     [[nodiscard]] static File& Handle();
     [[nodiscard]] CopyLedger& Ledger() { return *ledger_; }
@@ -34,6 +38,7 @@ private:
     CopyVerdict MakeNew();
     CopyVerdict OpenOld();
     CopyVerdict CheckOld(const SavedMap& saved);
+    CopyVerdict CheckContents(const SavedMap& saved);
     [[nodiscard]] CopyVerdict Refused(CopyRefusal why, std::string detail = {}) const;
     [[nodiscard]] CopyVerdict Failed(CopyRefusal why, const std::string& path, ErrorCode code) const;
     void TakeLedger(CopyMap map);
@@ -43,6 +48,7 @@ private:
     std::string mapPath_;
     bool isOld_;
     std::string serial_;
+    std::string otherSource_;
     std::optional<CopyLedger> ledger_;
 };
 

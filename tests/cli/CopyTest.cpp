@@ -147,6 +147,38 @@ TEST_F(CopyTest, ResumeRefusesAnImageOfAnotherDisk) {
     EXPECT_TRUE(ReadWholeFile(image_) == bytes);
 }
 
+TEST_F(CopyTest, WhatWasCopiedTellsTheDiskOfAnImage) {
+    const std::string disk = MakeDisk("disk", 4U << 20U);
+    ASSERT_EQ(RunCli({"image", disk, image_}).Status, 0);
+    std::string map = ReadWholeFile(map_);
+    map.replace(map.find("0x00000000  0x00400000"), std::string::npos,
+                "0x00000000  0x00200000  +\n0x00200000  0x00200000  ?\n");
+    const std::string half = ReadWholeFile(image_).substr(0, 2U << 20U);
+    const auto layOut = [&](std::uint64_t changedByte) {
+        std::ofstream(image_, std::ios::binary) << half;
+        std::ofstream(map_, std::ios::binary) << map;
+        std::string bytes = ReadWholeFile(disk);
+        bytes.at(changedByte) ^= 1;
+        std::ofstream(scratch_ / "other", std::ios::binary) << bytes;
+    };
+    // In the middle of a 64th, where one sector of each is looked at; and in the first megabyte.
+    for (const std::uint64_t sector : {2U, 2047U, 4000U}) {
+        layOut(sector * 512 + 511);
+        ExpectRefused({"image", scratch_ / "other", image_, "--resume"},
+                      "sector " + std::to_string(sector) + " of " + (scratch_ / "other"));
+        EXPECT_TRUE(ReadWholeFile(image_) == half);
+    }
+    // A stamp is of the image alone, and what isn't copied yet can't differ.
+    for (const std::uint64_t byte : {432U, 445U, 3U << 20U}) {
+        layOut(byte);
+        const RunResult run = RunCli({"image", scratch_ / "other", image_, "--resume"});
+        EXPECT_EQ(run.Status, 0) << run.Err;
+        EXPECT_TRUE(Contains(run.Err, "was begun from " + disk)) << run.Err;
+        EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(scratch_ / "other")));
+        EXPECT_FALSE(Contains(RunCli({"image", scratch_ / "other", image_, "--resume"}).Err, "begun"));
+    }
+}
+
 TEST_F(CopyTest, CopyOntoTheDiskItselfIsRefused) {
     MakeDisk("disk", 8U << 20U);
     const std::string device = Attach(scratch_ / "disk");
@@ -255,6 +287,7 @@ TEST_F(CopyTest, CloneToADevice) {
 namespace {
 
 constexpr std::uint64_t kSectors = 6000;
+constexpr int kComparedSectors = 2048 + 64; ///< that are read again before an image goes on
 
 class FaultyCopyTest : public CopyTest {
 protected:
@@ -328,7 +361,8 @@ TEST_F(FaultyCopyTest, BadSectorsAreZerosAndNamedAndMayComeBackLater) {
     EXPECT_EQ(totals["badRanges"], Json::parse(R"([{"first":701,"count":1}])"));
     EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_), {701}));
     const std::vector<bool> given = SectorsGiven();
-    EXPECT_EQ(std::count(given.begin(), given.end(), true), 3) << "0, 700 and 5999 alone";
+    EXPECT_TRUE(given[0] && given[700] && given[5999]);
+    EXPECT_LE(std::count(given.begin(), given.end(), true), 3 + kComparedSectors);
 
     ASSERT_TRUE(Mount({}));
     run = RunCli({"image", faulty_->Path(), image_, "--resume", "--retry", "1", "--json"});
@@ -357,7 +391,7 @@ TEST_F(FaultyCopyTest, AStoppedImageIsAValidShorterOneAndGoesOn) {
     EXPECT_EQ(RunCli({"partitions", image_}).Status, 0);
 
     const std::vector<bool> before = SectorsGiven();
-    ASSERT_TRUE(Mount({800, 4100}));
+    ASSERT_TRUE(Mount({3, 800, 4100})); // that sector 3 went bad since doesn't count
     run = RunCli({"image", faulty_->Path(), image_, "--resume", "--json"});
     EXPECT_EQ(run.Status, 3) << run.Err;
     totals = Json::parse(run.Out);
@@ -365,10 +399,13 @@ TEST_F(FaultyCopyTest, AStoppedImageIsAValidShorterOneAndGoesOn) {
     EXPECT_EQ(totals["badSectors"], 2);
     EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_), {800, 4100}));
     const std::vector<bool> after = SectorsGiven();
+    int twice = 0;
     for (std::uint64_t sector = 0; sector < kSectors; ++sector) {
         const bool bad = sector == 800 || sector == 4100;
-        EXPECT_EQ(before[sector] + after[sector], bad ? 0 : 1) << sector;
+        EXPECT_EQ(before[sector] || after[sector], !bad) << sector;
+        twice += before[sector] && after[sector] ? 1 : 0;
     }
+    EXPECT_LE(twice, kComparedSectors);
 }
 
 TEST_F(FaultyCopyTest, AnImageThatFoundNoRoomGoesOnToo) {
