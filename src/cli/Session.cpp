@@ -7,6 +7,7 @@
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"
 #include "cli/SearchMedium.h"
+#include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
@@ -174,6 +175,10 @@ int Session::TakeVolume() {
         return kExitWrongWords;
     }
     LoadVolumeParams(*candidate);
+    if (const std::string fault = ClusterFault(); !fault.empty()) {
+        PrintMessage(fault + " Look for other traces of the volume with --search thorough.");
+        return kExitFailed;
+    }
     const bool located = LocateMft() != 0;
     if (located) {
         LogPartitionChosen(number, *candidate);

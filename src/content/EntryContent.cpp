@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "content/ContentJob.h"
+#include "engine/ClusterSize.h"
 #include "engine/DecodeRecord.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
@@ -18,9 +19,14 @@ namespace {
 
 constexpr std::uint16_t kFlagsCompressed = 1;
 constexpr std::uint32_t kClustersPerPiece = 16;
-constexpr std::size_t kMaxPieceBytes = 64U << 20U;
+constexpr std::uint32_t kPieceBytes = 1U << 20U;
 
 using RecordBuffer = std::vector<std::uint8_t>;
+
+// 16, and of large clusters as many as a buffer of some size takes.
+std::uint32_t ClustersPerPiece() {
+    return std::clamp(kPieceBytes / Engine.VolumeParams.ClusterBytes, 1U, kClustersPerPiece);
+}
 
 bool ReadCheckedRecord(RecordBuffer& record, std::uint64_t sector) {
     const VolumeParams& volume = Engine.VolumeParams;
@@ -118,10 +124,11 @@ int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {
 int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs) {
     const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
     const std::uint64_t end = std::min(entry.Size, VolumeByteLimit());
-    if (clusterBytes == 0 || clusterBytes > kMaxPieceBytes / kClustersPerPiece) {
+    if (clusterBytes == 0 || clusterBytes > kMaxClusterBytes) {
         return 1;
     }
-    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(kClustersPerPiece * clusterBytes));
+    const std::uint32_t perPiece = ClustersPerPiece();
+    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(perPiece * clusterBytes));
     for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
         if (run->StartCluster == 0) {
             continue; // a hole
@@ -129,7 +136,7 @@ int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<Mft
         std::uint64_t sector = SectorOfCluster(run->StartCluster);
         std::uint32_t left = run->Clusters;
         while (left > 0 && Engine.BytesWritten < end && !ContentStopped()) {
-            const std::uint32_t clusters = std::min(left, kClustersPerPiece);
+            const std::uint32_t clusters = std::min(left, perPiece);
             left -= clusters;
             Bytes piece(buffer.data(), static_cast<std::size_t>(clusters * clusterBytes));
             ReadSectorsCleared(piece, sector);

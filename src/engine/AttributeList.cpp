@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::uint16_t kMinEntryBytes = 24;
 constexpr std::uint64_t kMaxListBytes = 1U << 20U;
+constexpr std::uint32_t kLongestList = 256U << 10U;
 
 } // namespace
 
@@ -41,8 +42,8 @@ void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisito
 }
 
 void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(ConstBytes)>& visit) {
-    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
-    if (clusterBytes == 0 || clusterBytes > kMaxListBytes) {
+    const std::uint64_t clusterBytes = std::min(Engine.VolumeParams.ClusterBytes, kLongestList);
+    if (clusterBytes == 0) {
         return;
     }
     std::uint64_t clustersLeft = kMaxListBytes / clusterBytes;

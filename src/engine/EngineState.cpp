@@ -22,7 +22,7 @@ void LoadVolumeParams(const PartitionCandidate& candidate) {
     volume.SectorsPerFileRecord = OrDefault<std::uint8_t>(candidate.SectorsPerFileRecord, 2);
     volume.FileRecordBytes =
         OrDefault<std::uint32_t>(candidate.FileRecordBytes, volume.SectorsPerFileRecord * sectorBytes);
-    const std::uint32_t sectorsPerCluster = OrDefault<std::uint8_t>(candidate.SectorsPerCluster, 8);
+    const std::uint32_t sectorsPerCluster = OrDefault<std::uint32_t>(candidate.SectorsPerCluster, 8);
     volume.ClusterBytes = OrDefault(candidate.ClusterBytes, sectorsPerCluster * sectorBytes);
     volume.SectorsPerIndexBlock = OrDefault<std::uint8_t>(candidate.SectorsPerIndexBlock, 8);
     volume.IndexBlockBytes = OrDefault(candidate.IndexBlockBytes, volume.SectorsPerIndexBlock * sectorBytes);

@@ -17,6 +17,9 @@ namespace {
 
 using RecordBuffer = std::vector<std::uint8_t>;
 
+// A table begins where its cluster begins; the sectors behind are tried for a start that was told wrong.
+constexpr std::uint32_t kMaxSectorsTried = 128;
+
 void ReadRecord(RecordBuffer& record, std::uint64_t sector) { ReadSectorsCleared(record, sector); }
 
 bool ReadMftRecord(RecordBuffer& record, std::uint64_t sector) {
@@ -28,7 +31,7 @@ bool SearchMftRecord(RecordBuffer& record) {
     VolumeParams& volume = Engine.VolumeParams;
     const std::uint64_t table = SectorOfCluster(volume.MftCluster);
     const std::uint64_t mirror = SectorOfCluster(volume.MftMirrCluster);
-    for (std::uint64_t i = 0; i < volume.SectorsPerCluster; ++i) {
+    for (std::uint64_t i = 0; i < std::min(volume.SectorsPerCluster, kMaxSectorsTried); ++i) {
         for (const std::uint64_t sector : {table + i, mirror + i}) {
             if (ReadMftRecord(record, sector)) {
                 volume.MftSector = sector;
@@ -44,7 +47,7 @@ std::uint32_t RecordsInClusters(std::uint32_t clusters) {
     if (volume.SectorsPerCluster == 1 || volume.SectorsPerFileRecord == 0) {
         return clusters;
     }
-    return clusters * (std::uint32_t{volume.SectorsPerCluster} / volume.SectorsPerFileRecord);
+    return clusters * (volume.SectorsPerCluster / volume.SectorsPerFileRecord);
 }
 
 // Keeps the entries of data attributes. In the clusters of a non-resident list, unlike in a resident one, an

@@ -1,12 +1,35 @@
 #include "engine/StoredRecords.h"
 
+#include "engine/ClusterSize.h"
+
 #include <algorithm>
 
 namespace thntfs {
 
 namespace {
 
+constexpr std::uint32_t kLargestStoredCount = 0xFF;
+constexpr std::uint8_t kSmallestPower = 0xF4; // of a boot sector: 2 to the power of 12
+
 std::uint32_t LinkWord(bool linked) { return linked ? 1U : 0U; }
+
+std::uint8_t StoredClusterCount(std::uint32_t sectors) {
+    return sectors <= kLargestStoredCount ? static_cast<std::uint8_t>(sectors) : std::uint8_t{0};
+}
+
+// The byte that a boot sector has for a large cluster was once stored, and multiplied, as a plain count.
+template <typename Record>
+void TakeClusterCount(std::uint8_t stored, Record& record) {
+    record.SectorsPerCluster = stored;
+    if (stored == 0 && record.BytesPerSector != 0) {
+        const std::uint32_t sectors = record.ClusterBytes / record.BytesPerSector;
+        record.SectorsPerCluster = sectors > kLargestStoredCount ? sectors : 0;
+    } else if (stored >= kSmallestPower &&
+               record.ClusterBytes == stored * std::uint32_t{record.BytesPerSector}) {
+        record.SectorsPerCluster = SectorsPerClusterOf(stored);
+        record.ClusterBytes = record.SectorsPerCluster * record.BytesPerSector;
+    }
+}
 
 } // namespace
 
@@ -38,7 +61,7 @@ StoredCandidate EncodeCandidate(const PartitionCandidate& candidate) {
     PutNumber(stored, 60, candidate.ClusterBytes);
     PutNumber(stored, 64, candidate.FileRecordBytes);
     PutNumber(stored, 66, candidate.BytesPerSector);
-    PutNumber(stored, 68, candidate.SectorsPerCluster);
+    PutNumber(stored, 68, StoredClusterCount(candidate.SectorsPerCluster));
     PutNumber(stored, 69, candidate.SectorsPerFileRecord);
     PutNumber(stored, 70, candidate.SectorsPerIndexBlock);
     PutNumber(stored, 71, candidate.EvidenceFlags);
@@ -58,7 +81,7 @@ PartitionCandidate DecodeCandidate(const StoredCandidate& stored, bool& hasNext)
     candidate.ClusterBytes = U32At(stored, 60);
     candidate.FileRecordBytes = U16At(stored, 64);
     candidate.BytesPerSector = U16At(stored, 66);
-    candidate.SectorsPerCluster = U8At(stored, 68);
+    TakeClusterCount(U8At(stored, 68), candidate);
     candidate.SectorsPerFileRecord = U8At(stored, 69);
     candidate.SectorsPerIndexBlock = U8At(stored, 70);
     candidate.EvidenceFlags = U8At(stored, 71);
@@ -110,7 +133,7 @@ StoredVolume EncodeVolume(const VolumeParams& volume) {
     PutNumber(stored, 68, volume.BytesPerSector);
     PutNumber(stored, 70, volume.SectorsPerFileRecord);
     PutNumber(stored, 71, volume.SectorsPerIndexBlock);
-    PutNumber(stored, 72, volume.SectorsPerCluster);
+    PutNumber(stored, 72, StoredClusterCount(volume.SectorsPerCluster));
     PutNumber(stored, 73, volume.TurboScanRun);
     return stored;
 }
@@ -131,7 +154,7 @@ VolumeParams DecodeVolume(const StoredVolume& stored, bool& hasExtents) {
     volume.BytesPerSector = U16At(stored, 68);
     volume.SectorsPerFileRecord = U8At(stored, 70);
     volume.SectorsPerIndexBlock = U8At(stored, 71);
-    volume.SectorsPerCluster = U8At(stored, 72);
+    TakeClusterCount(U8At(stored, 72), volume);
     volume.TurboScanRun = U8At(stored, 73);
     return volume;
 }

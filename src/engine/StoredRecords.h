@@ -14,6 +14,7 @@ namespace thntfs {
 
 // Each record here has a natural form in memory and a packed form in the scan information files. The packed
 // forms hold handles and links as 4 bytes: a handle is stored as 0, a link as 1 where another record follows.
+// They hold a cluster's sectors in one byte: more than 255 are stored as 0, and ClusterBytes tells them.
 
 /// One run of a non-resident attribute, in clusters relative to the volume.
 struct MftExtent {
@@ -41,8 +42,8 @@ struct PartitionCandidate {
     std::uint32_t IndexBlockBytes = 0;
     std::uint32_t ClusterBytes = 0;
     std::uint16_t FileRecordBytes = 0;
+    std::uint32_t SectorsPerCluster = 0;
     std::uint16_t BytesPerSector = 0;
-    std::uint8_t SectorsPerCluster = 0;
     std::uint8_t SectorsPerFileRecord = 0;
     std::uint8_t SectorsPerIndexBlock = 0;
     std::uint8_t EvidenceFlags = 0; ///< bits kEvidence…
@@ -95,10 +96,10 @@ struct VolumeParams {
     std::uint32_t FileRecordBytes = 0;
     std::uint32_t IndexBlockBytes = 0;
     std::uint32_t ClusterBytes = 0;
+    std::uint32_t SectorsPerCluster = 0;
     std::uint16_t BytesPerSector = 0; ///< the volume's own sector size
     std::uint8_t SectorsPerFileRecord = 0;
     std::uint8_t SectorsPerIndexBlock = 0;
-    std::uint8_t SectorsPerCluster = 0;
     std::uint8_t TurboScanRun = 0; ///< 1 once a Turbo Scan has started
 };
 

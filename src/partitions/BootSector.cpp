@@ -1,5 +1,6 @@
 #include "partitions/BootSector.h"
 
+#include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 
 namespace thntfs {
@@ -22,6 +23,11 @@ bool IsPossibleSectorSize(std::uint16_t bytes) {
     return (bytes & kLowNineBits) == 0 && (bytes == kBitNine || (bytes & kBitNine) == 0);
 }
 
+// A count, or one of the powers of two that clusters of more than 128 sectors have.
+bool IsPossibleClusterByte(std::uint8_t stored) {
+    return stored == 1 || (stored != 0 && stored % 2 == 0) || (stored >= 0xF4 && stored <= 0xF8);
+}
+
 bool IsPossiblePosition(std::uint64_t value) {
     return value != 0 &&
            (static_cast<std::uint32_t>(value) & static_cast<std::uint32_t>(value >> 32U)) != 0xFFFFFFFF;
@@ -34,7 +40,7 @@ struct StructureSize {
     std::uint64_t Bytes;
 };
 
-StructureSize DecodeSize(std::uint8_t stored, std::uint8_t sectorsPerCluster, std::uint16_t bytesPerSector) {
+StructureSize DecodeSize(std::uint8_t stored, std::uint32_t sectorsPerCluster, std::uint16_t bytesPerSector) {
     if (stored < 0x80) {
         const auto sectors = static_cast<std::uint8_t>(stored * sectorsPerCluster);
         return {sectors, std::uint64_t{sectors} * bytesPerSector};
@@ -51,7 +57,7 @@ void DecodeCommon(ConstBytes sector, std::uint64_t start, std::uint16_t bytesPer
     candidate.MftCluster = U64At(sector, kMftClusterAt);
     candidate.MftMirrCluster = U64At(sector, kMftMirrClusterAt);
     candidate.VolumeSerial = U64At(sector, kSerialAt);
-    candidate.SectorsPerCluster = U8At(sector, kSectorsPerClusterAt);
+    candidate.SectorsPerCluster = BootSectorsPerCluster(sector);
     candidate.MftSector = start + candidate.MftCluster * candidate.SectorsPerCluster;
     candidate.BytesPerSector = bytesPerSector;
     candidate.ClusterBytes = std::uint32_t{bytesPerSector} * candidate.SectorsPerCluster;
@@ -66,9 +72,8 @@ int IsNtfsBootSector(ConstBytes sector) {
     if (U32At(sector, 32) != 0 || U16At(sector, 36) != 0x80) {
         return 0;
     }
-    const std::uint8_t sectorsPerCluster = U8At(sector, kSectorsPerClusterAt);
-    if (!IsPossibleSectorSize(U16At(sector, kBytesPerSectorAt)) || sectorsPerCluster == 0 ||
-        (sectorsPerCluster != 1 && sectorsPerCluster % 2 != 0)) {
+    if (!IsPossibleSectorSize(U16At(sector, kBytesPerSectorAt)) ||
+        !IsPossibleClusterByte(U8At(sector, kSectorsPerClusterAt))) {
         return 0;
     }
     if (U8At(sector, kRecordSizeAt) == 0 || U8At(sector, kIndexSizeAt) == 0) {
@@ -83,7 +88,9 @@ int IsNtfsBootSector(ConstBytes sector) {
 
 std::uint64_t BootTotalSectors(ConstBytes sector) { return U64At(sector, kTotalSectorsAt); }
 std::uint64_t BootMftCluster(ConstBytes sector) { return U64At(sector, kMftClusterAt); }
-std::uint8_t BootSectorsPerCluster(ConstBytes sector) { return U8At(sector, kSectorsPerClusterAt); }
+std::uint32_t BootSectorsPerCluster(ConstBytes sector) {
+    return SectorsPerClusterOf(U8At(sector, kSectorsPerClusterAt));
+}
 
 void DecodeTableBootSector(ConstBytes sector, std::uint64_t start, std::uint32_t totalSectors,
                            PartitionCandidate& candidate) {

@@ -16,7 +16,7 @@ int IsNtfsBootSector(ConstBytes sector);
 /// states.
 std::uint64_t BootTotalSectors(ConstBytes sector);
 std::uint64_t BootMftCluster(ConstBytes sector);
-std::uint8_t BootSectorsPerCluster(ConstBytes sector);
+std::uint32_t BootSectorsPerCluster(ConstBytes sector);
 
 /// Fills a candidate from a boot sector that passed the test and that stands at absolute sector `start` on
 /// the medium, for a partition table entry that gives the volume `totalSectors` sectors.

@@ -2,11 +2,16 @@
 
 #include "engine/EngineState.h"
 
+#include <algorithm>
+
 namespace thntfs {
 
 namespace {
 
-constexpr std::uint64_t kMaxSectorsPerCluster = 255;
+// At least the sectors of a listed candidate's cluster.
+std::uint64_t FarthestBelow(const PartitionCandidate& wanted) {
+    return std::max<std::uint64_t>(255, wanted.ClusterBytes / 512);
+}
 
 } // namespace
 
@@ -28,7 +33,7 @@ PartitionCandidate* CandidateIndex::FindSameLayout(const PartitionCandidate& wan
         return nullptr;
     }
     const std::uint64_t start = wanted.StartSector;
-    const std::uint64_t below = start - kMaxSectorsPerCluster;
+    const std::uint64_t below = start - FarthestBelow(wanted);
     const Listed* first = nullptr;
     if (below <= start) {
         TakeFirst(layout->second, below, start, start, first);

@@ -1,8 +1,11 @@
 #include "partitions/MftEvidence.h"
 
 #include "engine/Attribute.h"
+#include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+
+#include <bit>
 
 namespace thntfs {
 
@@ -71,11 +74,16 @@ void HashContent(ConstBytes record, MftEvidence& evidence) {
     evidence.ContentHash[1] = second;
 }
 
-// Cluster sizes that no sector count of 8 bits can tell make no volume.
+// Counts above 8 bits are cut to them, but for those that large clusters have.
+std::uint32_t SectorsOfCluster(std::uint32_t clusterBytes, std::uint32_t sectorBytes) {
+    const std::uint32_t sectors = clusterBytes / sectorBytes;
+    return std::has_single_bit(sectors) && clusterBytes <= kMaxClusterBytes ? sectors : sectors & 0xFFU;
+}
+
 bool Complete(MftEvidence& evidence) {
     const std::uint32_t sectorBytes = Engine.SourceDisk.BytesPerSector;
     evidence.SectorsPerRecord = static_cast<std::uint8_t>(evidence.RecordBytes / sectorBytes);
-    evidence.SectorsPerCluster = static_cast<std::uint8_t>(evidence.ClusterBytes / sectorBytes);
+    evidence.SectorsPerCluster = SectorsOfCluster(evidence.ClusterBytes, sectorBytes);
     return evidence.SectorsPerRecord != 0 && evidence.SectorsPerCluster != 0;
 }
 

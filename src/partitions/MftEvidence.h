@@ -18,8 +18,8 @@ struct MftEvidence {
     std::uint32_t RecordBytes = 0;
     std::uint32_t ClusterBytes = 0;
     std::unique_ptr<MftEvidence> Next;
+    std::uint32_t SectorsPerCluster = 0;
     std::uint8_t SectorsPerRecord = 0;
-    std::uint8_t SectorsPerCluster = 0;
     std::uint32_t Paired = 0;              ///< 1 when a twin pair has used this evidence
     std::uint64_t ContentHash[2] = {0, 0}; ///< of the record as it stands on the medium; equal for copies
 };

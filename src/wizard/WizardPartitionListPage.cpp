@@ -1,5 +1,6 @@
 #include "wizard/WizardPartitionListPage.h"
 
+#include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
 #include "platform/SizeText.h"
@@ -78,7 +79,13 @@ int CWizardPartitionListPage::OnWizardBack() const {
 
 bool CWizardPartitionListPage::OnWizardFinish() {
     NameChoice();
-    if (!LoadChosenVolume()) {
+    LoadVolumeParams(*CandidateAt(selectedRow_));
+    if (const std::string fault = ClusterFault(); !fault.empty()) {
+        ShowBox(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."),
+                QStringLiteral("Information"), BoxIcon::Warning);
+        return false;
+    }
+    if (!LocateTable()) {
         ShowBox(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
                                "Tools->Turbo Scan."),
                 QStringLiteral("Information"), BoxIcon::Warning);
@@ -102,9 +109,8 @@ void CWizardPartitionListPage::NameChoice() const {
             .toStdString();
 }
 
-bool CWizardPartitionListPage::LoadChosenVolume() const {
+bool CWizardPartitionListPage::LocateTable() {
     const WaitCursor slow; // a failing disk takes its time
-    LoadVolumeParams(*CandidateAt(selectedRow_));
     return LocateMft() != 0;
 }
 

@@ -21,7 +21,7 @@ private:
     void TakeSelection();
     [[nodiscard]] QString CellText(int column) const;
     void NameChoice() const;
-    [[nodiscard]] bool LoadChosenVolume() const;
+    [[nodiscard]] static bool LocateTable();
 
     CRowTable* list_;
     int selectedRow_ = -1;

@@ -1,3 +1,4 @@
+#include "engine/ClusterSize.h"
 #include "engine/EngineFixture.h"
 
 namespace thntfs::test {
@@ -20,7 +21,7 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
     EXPECT_EQ(volume.SectorsPerFileRecord, 2);
     EXPECT_EQ(volume.FileRecordBytes, 8192U);
     EXPECT_EQ(volume.ClusterBytes, 32768U) << "from 8 sectors a cluster";
-    EXPECT_EQ(volume.SectorsPerCluster, 0) << "which stays open itself";
+    EXPECT_EQ(volume.SectorsPerCluster, 0U) << "which stays open itself";
     EXPECT_EQ(volume.SectorsPerIndexBlock, 8);
     EXPECT_EQ(volume.IndexBlockBytes, 32768U);
     EXPECT_EQ(volume.MftExtents.Count(), 1U);
@@ -153,6 +154,31 @@ TEST_F(EngineStateTest, StoredCandidateBytes) {
     expected[72] = 0;
     const StoredCandidate again = EncodeCandidate(decoded);
     EXPECT_EQ(ByteVector(again.begin(), again.end()), expected);
+}
+
+TEST_F(EngineStateTest, ClustersOfAnySize) {
+    struct Case {
+        std::uint32_t Sectors;
+        std::uint8_t Stored;
+        std::uint32_t Loaded;
+        bool Possible; ///< as loaded
+    };
+    for (const Case& test : {Case{128, 128, 128, true}, Case{4096, 0, 4096, true}, Case{6, 6, 6, false},
+                             Case{8192, 0, 8192, false}, Case{0, 0, 0, true},
+                             Case{244, 244, 4096, true}}) { // saved before powers were known
+        PartitionCandidate candidate;
+        candidate.BytesPerSector = 512;
+        candidate.SectorsPerCluster = test.Sectors;
+        candidate.ClusterBytes = 512 * test.Sectors;
+        const StoredCandidate stored = EncodeCandidate(candidate);
+        EXPECT_EQ(stored[68], test.Stored);
+        bool linked = false;
+        LoadVolumeParams(DecodeCandidate(stored, linked));
+        const VolumeParams volume = DecodeVolume(EncodeVolume(Engine.VolumeParams), linked);
+        EXPECT_EQ(volume.SectorsPerCluster, test.Loaded);
+        EXPECT_EQ(volume.ClusterBytes, test.Loaded == 0 ? 4096 : 512 * test.Loaded);
+        EXPECT_EQ(ClusterFault().empty(), test.Possible) << test.Sectors;
+    }
 }
 
 } // namespace thntfs::test

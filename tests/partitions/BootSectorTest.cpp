@@ -79,7 +79,7 @@ TEST_F(BootSectorTest, Recognition) {
         EXPECT_EQ(IsNtfsBootSector(EncodeBootSector(fields)), expected) << bytes;
     }
     for (const auto& [sectors, expected] :
-         {std::pair{0, 0}, {1, 1}, {2, 1}, {6, 1}, {128, 1}, {254, 1}, {3, 0}, {255, 0}}) {
+         {std::pair{0, 0}, {1, 1}, {2, 1}, {6, 1}, {128, 1}, {254, 1}, {3, 0}, {255, 0}, {0xF5, 1}}) {
         BootSectorFields fields = Fields();
         fields.SectorsPerCluster = static_cast<std::uint8_t>(sectors);
         EXPECT_EQ(IsNtfsBootSector(EncodeBootSector(fields)), expected) << sectors;
@@ -150,7 +150,7 @@ TEST_F(BootSectorTest, OtherFieldsInBothForms) {
         EXPECT_EQ(candidate->MftSector, 0x200000000U + 0x800000000U);
         EXPECT_EQ(candidate->MftMirrCluster, 1024U);
         EXPECT_EQ(candidate->VolumeSerial, 0x1122334455667788U);
-        EXPECT_EQ(candidate->SectorsPerCluster, 8);
+        EXPECT_EQ(candidate->SectorsPerCluster, 8U);
         EXPECT_EQ(candidate->BytesPerSector, 512);
         EXPECT_EQ(candidate->ClusterBytes, 4096U);
     }
@@ -158,6 +158,13 @@ TEST_F(BootSectorTest, OtherFieldsInBothForms) {
     EXPECT_EQ(table.EvidenceFlags, 0);
     EXPECT_EQ(found.TotalSectors, 0x1234567890U);
     EXPECT_EQ(found.EvidenceFlags, kEvidenceBootSector);
+
+    fields.SectorsPerCluster = 0xF5; // 2 to the power of 11
+    DecodeFoundBootSector(EncodeBootSector(fields), 63, found);
+    EXPECT_EQ(found.SectorsPerCluster, 2048U);
+    EXPECT_EQ(found.ClusterBytes, 1U << 20U);
+    EXPECT_EQ(found.MftSector, 63 + (0x800ULL << 32U));
+    fields.SectorsPerCluster = 8;
 
     fields.SectorBytes = 0;
     DecodeTableBootSector(EncodeBootSector(fields), 0, 1, table);

@@ -228,7 +228,7 @@ class Volume:
         if boot[3:11] != b'NTFS    ':
             raise Damaged('no NTFS boot sector')
         self.bytes_per_sector = u16(boot, 11)
-        self.sectors_per_cluster = boot[13]
+        self.sectors_per_cluster = boot[13] if boot[13] <= 128 else 1 << (256 - boot[13])
         self.cluster = self.bytes_per_sector * self.sectors_per_cluster
         self.total_sectors = u64(boot, 40)
         self.mft_lcn, self.mirror_lcn, self.serial = u64(boot, 48), u64(boot, 56), u64(boot, 72)
