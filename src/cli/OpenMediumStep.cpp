@@ -15,7 +15,7 @@ int OpenMediumOrTell(const std::string& path) {
         PrintMessage(path + " is a folder. Give a disk, or a file that holds the image of one.");
         return kExitFailed;
     }
-    PrintMessage("Cannot open " + path + ": " + SystemErrorText(code));
+    PrintMessage("Cannot open " + path + ": " + OpenErrorText(code));
     if (code == kErrorAccessDenied) {
         PrintMessage(
             "Reading a disk needs the right to do so: run the program as root, for instance with sudo.");

@@ -5,13 +5,18 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <bit>
+
 namespace thntfs {
 
 namespace {
 
-constexpr std::uint16_t kDefaultSectorBytes = 512;
-constexpr std::uint16_t kBitNine = 0x200;
-constexpr std::uint16_t kLowNineBits = 0x1FF;
+constexpr std::uint32_t kSmallestSectorBytes = 512;
+constexpr std::uint32_t kLargestSectorBytes = 32768; // the largest that the stored records hold
+
+bool IsPossibleSectorSize(std::uint32_t bytes) {
+    return std::has_single_bit(bytes) && bytes >= kSmallestSectorBytes && bytes <= kLargestSectorBytes;
+}
 
 void DescribeSource(const std::string& path) {
     Engine.SourceDisk.Description = WideText(AbsolutePath(path)).substr(0, kMaxDescriptionUnits);
@@ -22,21 +27,25 @@ void CountSectors() {
     disk.TotalSectors = disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
 }
 
-void TakeDevice(const std::string& path) {
-    Engine.SourceDisk.BytesPerSector =
-        static_cast<std::uint16_t>(Engine.SourceDisk.MediaHandle->DeviceSectorBytes());
+ErrorCode TakeDevice(const std::string& path) {
+    const std::uint32_t sectorBytes = Engine.SourceDisk.MediaHandle->DeviceSectorBytes();
+    if (!IsPossibleSectorSize(sectorBytes)) {
+        ResetEngineState();
+        return kErrorSectorSize;
+    }
+    Engine.SourceDisk.BytesPerSector = static_cast<std::uint16_t>(sectorBytes);
     CountSectors();
     DescribeSource(path);
+    return kErrorNone;
 }
 
 // The stamp is 0 in an image made by another tool, and bytes of boot code where the image begins with a
-// volume.
+// volume: what is no sector size isn't meant as one.
 void TakeImage(const std::string& path) {
     DiskRecord& disk = Engine.SourceDisk;
     ProbeImageSectorSize();
-    const std::uint16_t stamped = disk.BytesPerSector;
-    if (stamped == 0 || (stamped & kBitNine) != 0 || (stamped & kLowNineBits) != 0) {
-        disk.BytesPerSector = kDefaultSectorBytes;
+    if (!IsPossibleSectorSize(disk.BytesPerSector)) {
+        disk.BytesPerSector = kSmallestSectorBytes;
     }
     CountSectors();
     DescribeSource(path);
@@ -67,8 +76,7 @@ ErrorCode OpenPhysicalDisk(const std::string& devicePath) {
         ResetEngineState();
         return kErrorInvalidParameter;
     }
-    TakeDevice(devicePath);
-    return kErrorNone;
+    return TakeDevice(devicePath);
 }
 
 ErrorCode OpenImageFile(const std::string& imagePath) {
@@ -81,15 +89,22 @@ ErrorCode OpenImageFile(const std::string& imagePath) {
 
 ErrorCode OpenSource(const std::string& path) {
     const ErrorCode code = OpenHandle(path);
-    if (code != kErrorNone) {
-        return code;
-    }
+    return code != kErrorNone ? code : TakeSource(path);
+}
+
+ErrorCode TakeSource(const std::string& path) {
     if (SourceIsDevice()) {
-        TakeDevice(path);
-    } else {
-        TakeImage(path);
+        return TakeDevice(path);
     }
+    TakeImage(path);
     return kErrorNone;
+}
+
+std::string OpenErrorText(ErrorCode code) {
+    return code == kErrorSectorSize
+               ? "It states sectors of a size that can't be read: powers of two from 512 "
+                 "to 32768 bytes can."
+               : SystemErrorText(code);
 }
 
 } // namespace thntfs

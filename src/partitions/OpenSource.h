@@ -6,6 +6,9 @@
 
 namespace thntfs {
 
+/// Of a device with sectors that this program can't read: no power of two, below 512 or above 32768 bytes.
+inline constexpr ErrorCode kErrorSectorSize = 1106;
+
 /// Opens a disk, by the path of its block device, as SourceDisk: sector size and size as the device states
 /// them. Whatever was open before is closed first. Gives 0 or the failure's code, with SourceDisk left empty.
 ErrorCode OpenPhysicalDisk(const std::string& devicePath);
@@ -17,6 +20,12 @@ ErrorCode OpenImageFile(const std::string& imagePath);
 
 /// Opens either, by what stands under the path.
 ErrorCode OpenSource(const std::string& path);
+
+/// Takes the medium that is open as SourceDisk's handle for a device or an image, as the calls above do.
+ErrorCode TakeSource(const std::string& path);
+
+/// The text for a code that one of them gave.
+std::string OpenErrorText(ErrorCode code);
 
 /// True where SourceDisk is a device and not an image file.
 bool SourceIsDevice();

@@ -28,7 +28,7 @@ QString WayToTheRight(const QString& path) {
 
 void TellOpeningFailed(const std::string& path, ErrorCode code) {
     const QString shown = QString::fromStdString(path);
-    const QString reason = QString::fromStdString(SystemErrorText(code));
+    const QString reason = QString::fromStdString(OpenErrorText(code));
     ShowBox(code == kErrorAccessDenied ? WayToTheRight(shown)
                                        : QStringLiteral("The disk %1 can't be opened: %2").arg(shown, reason),
             QStringLiteral("Error"), BoxIcon::Stop);

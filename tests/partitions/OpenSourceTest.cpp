@@ -36,11 +36,25 @@ TEST_F(OpenSourceTest, ASectorSizeIsStampedOr512) {
                                           {2048, 2048},
                                           {4096, 4096},
                                           {1536, 512},
+                                          {3072, 512},
+                                          {0xFE00, 512},
+                                          {256, 512},
                                           {0x0E00, 512}}) {
         EXPECT_EQ(OpenStamped(65536, static_cast<std::uint16_t>(stamp)), expected) << stamp;
         EXPECT_EQ(Engine.SourceDisk.TotalSectors, 65536U / static_cast<unsigned>(expected))
             << "by the file's length, not by the stamped count";
     }
+}
+
+TEST_F(OpenSourceTest, ADeviceHasSectorsOfAPossibleSize) {
+    for (const std::uint32_t bytes : {1U, 256U, 520U, 3072U, 65535U, 65536U, 0x80000000U}) {
+        Engine.SourceDisk.MediaHandle = std::make_unique<MemoryMedium>(ByteVector(65536), bytes);
+        EXPECT_EQ(TakeSource("/dev/odd"), kErrorSectorSize) << bytes;
+        EXPECT_EQ(Engine.SourceDisk.MediaHandle, nullptr);
+    }
+    Engine.SourceDisk.MediaHandle = std::make_unique<MemoryMedium>(ByteVector(65536), 32768);
+    EXPECT_EQ(TakeSource("/dev/large"), kErrorNone);
+    EXPECT_EQ(Engine.SourceDisk.TotalSectors, 2U);
 }
 
 TEST_F(OpenSourceTest, RestsOfASectorAreOutOfReach) {
