@@ -3,7 +3,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
-#include "content/EntryContent.h"
+#include "content/ContentOutcome.h"
 #include "engine/EngineState.h"
 
 #include <optional>
@@ -47,11 +47,14 @@ Wanted FindByPath(const std::string& path, unsigned& count, bool& isFolder) {
     return best;
 }
 
+std::string WantedText(const Options& options) {
+    return options.Record ? "record " + std::to_string(*options.Record) : options.Paths.front();
+}
+
 Wanted FindWanted(const Options& options) {
     unsigned count = 0;
     bool isFolder = false;
-    const std::string what =
-        options.Record ? "record " + std::to_string(*options.Record) : options.Paths.front();
+    const std::string what = WantedText(options);
     Wanted wanted = options.Record ? FindByRecord(*options.Record, count)
                                    : FindByPath(options.Paths.front(), count, isFolder);
     if (!wanted) {
@@ -65,34 +68,40 @@ Wanted FindWanted(const Options& options) {
     return wanted;
 }
 
-int TellOutcome(int result, std::uint64_t failedReads) {
-    if (Engine.ScanRunFlag == 0) {
-        PrintMessage("Stopped after " + std::to_string(Engine.BytesWritten) + " bytes");
+int TellOutcome(const ContentOutcome& outcome, const std::string& what, const Session& session) {
+    switch (outcome.End) {
+    case ContentEnd::Stopped:
+        PrintMessage("Stopped after " + CountText(outcome.Written, "byte", "bytes"));
         return kExitDoneInPart;
+    case ContentEnd::WriteFailed:
+        return session.Host.ReaderGone() ? kExitDone : kExitFailed;
+    case ContentEnd::MediumFailed:
+        PrintMessage(what + ": the medium could not be read");
+        return kExitFailed;
+    case ContentEnd::Reached:
+    case ContentEnd::RecordDamaged:
+        break;
     }
-    if (result == 0) {
-        PrintMessage("A file record of this file is damaged; what was read of it has been written");
+    for (const std::string& reason : DamageReasons(outcome)) {
+        PrintMessage(what + ": " + reason);
+    }
+    if (!outcome.Kept()) {
         return kExitFailed;
     }
-    if (Engine.BytesBehindEnd != 0) {
-        PrintMessage(std::to_string(Engine.BytesBehindEnd) +
-                     " bytes lie behind the end of the medium and are zeros");
-    }
-    if (failedReads != 0) {
-        PrintMessage(std::to_string(failedReads) + " reads failed; what could not be read is zeros");
-    }
-    return Engine.BytesBehindEnd != 0 || failedReads != 0 ? kExitDoneInPart : kExitDone;
+    return outcome.Whole() ? kExitDone : kExitDoneInPart;
 }
 
-int WriteWanted(const CatalogueItem& item, Session& session) {
+int WriteWanted(const CatalogueItem& item, const std::string& what, Session& session) {
     Output output;
-    Engine.BytesWritten = 0;
-    Engine.BytesBehindEnd = 0;
-    const std::uint64_t failedReads = Engine.FailedReads;
     session.Host.Bar.Begin("Reading", ProgressBar::Unit::Byte);
-    const int result = ReadEntryContent(item, output.Handle());
+    const ContentOutcome outcome = TakeContent(item, output.Handle());
     session.Host.Bar.End();
-    return TellOutcome(result, Engine.FailedReads - failedReads);
+    const int code = TellOutcome(outcome, what, session);
+    if (const ErrorCode error = output.Handle().Sync(); error != kErrorNone && code != kExitFailed) {
+        PrintMessage("Cannot write to standard output: " + SystemErrorText(error));
+        return kExitFailed;
+    }
+    return code;
 }
 
 } // namespace
@@ -104,7 +113,7 @@ int RunCat(const Options& options) {
     }
     try {
         const Wanted wanted = FindWanted(options);
-        return wanted ? WriteWanted(*wanted, session) : int{kExitFailed};
+        return wanted ? WriteWanted(*wanted, WantedText(options), session) : int{kExitFailed};
     } catch (const CUserException&) {
         return session.Host.ReaderGone() ? kExitDone : kExitFailed;
     }

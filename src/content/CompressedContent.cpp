@@ -28,8 +28,9 @@ std::uint64_t UnitBytes(unsigned unitExponent) {
 // Collects the clusters of one unit and puts the unit out when it is complete.
 class UnitWriter {
 public:
-    UnitWriter(File& outputHandle, std::uint64_t unitBytes)
+    UnitWriter(File& outputHandle, std::uint64_t size, std::uint64_t unitBytes)
         : outputHandle_(outputHandle)
+        , size_(size)
         , raw_(static_cast<std::size_t>(unitBytes))
         , plain_(static_cast<std::size_t>(unitBytes)) {}
 
@@ -46,9 +47,11 @@ public:
             Bytes(raw_).subspan(collected_, std::size_t{clusters} * Engine.VolumeParams.ClusterBytes);
         ReadSectorsCleared(place, sector);
         Engine.BytesBehindEnd += BytesBehindMedium(sector, place.size());
+        KeepUnread(sector, place.size());
         collected_ += place.size();
         taken_ += place.size();
         if (collected_ == raw_.size()) {
+            NoteUnread(BytesWanted());
             Put(raw_); // a unit that compression would not have made smaller
         }
     }
@@ -57,13 +60,43 @@ public:
     void Close() {
         const ConstBytes collected = ConstBytes(raw_).first(collected_);
         if (IsChunkChain(collected)) {
+            NoteUnread(ChunksEnd(collected, BytesWanted()));
             Put(ConstBytes(plain_).first(DecompressLznt1(collected, plain_)));
         } else {
+            NoteUnread(collected.size());
             Put(collected);
         }
     }
 
 private:
+    struct UnreadPlace {
+        std::uint64_t Sector;
+        std::uint64_t Offset; ///< of its first byte in the unit
+    };
+
+    /// Bytes of the unit that the file's size leaves for it.
+    [[nodiscard]] std::uint64_t BytesWanted() const {
+        return std::min<std::uint64_t>(size_ - std::min(size_, Engine.BytesWritten), raw_.size());
+    }
+
+    void KeepUnread(std::uint64_t sector, std::uint64_t bytes) {
+        const std::uint64_t sectorBytes = Engine.SourceDisk.BytesPerSector;
+        for (const std::uint64_t unread :
+             UnreadSectors(sector + bytes / std::max<std::uint64_t>(sectorBytes, 1))) {
+            unread_.push_back({unread, collected_ + (unread - sector) * sectorBytes});
+        }
+    }
+
+    /// What lies in the last cluster behind the `dataBytes` bytes of data is nobody's loss.
+    void NoteUnread(std::uint64_t dataBytes) {
+        for (const UnreadPlace& place : unread_) {
+            if (place.Offset < dataBytes) {
+                NoteUnreadSector(place.Sector);
+            }
+        }
+        unread_.clear();
+    }
+
     void Put(ConstBytes bytes) {
         Engine.BytesWritten += bytes.size();
         if (!bytes.empty()) {
@@ -73,8 +106,10 @@ private:
     }
 
     File& outputHandle_;
+    std::uint64_t size_; ///< of the file, in bytes
     std::vector<std::uint8_t> raw_;
     std::vector<std::uint8_t> plain_;
+    std::vector<UnreadPlace> unread_; ///< in the unit in hand
     std::size_t collected_ = 0;
     std::uint64_t taken_ = 0;
 };
@@ -90,7 +125,7 @@ int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const Li
     const std::uint64_t limit = VolumeByteLimit();
     const std::uint64_t end =
         std::min(entry.Size, limit > ~std::uint64_t{0} / kMaxRatio ? limit : kMaxRatio * limit);
-    UnitWriter unit(outputHandle, unitBytes);
+    UnitWriter unit(outputHandle, entry.Size, unitBytes);
     for (const MftExtent* run = runs.First(); run != nullptr && !ContentStopped(); run = run->Next.get()) {
         if (run->StartCluster == 0) {
             if (Engine.BytesWritten >= end) {

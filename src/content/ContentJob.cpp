@@ -4,6 +4,7 @@
 #include "platform/Host.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace thntfs {
 
@@ -27,6 +28,30 @@ std::uint64_t BytesBehindMedium(std::uint64_t sector, std::uint64_t bytes) {
     }
     const std::uint64_t room = size - sector * disk.BytesPerSector;
     return bytes > room ? bytes - room : 0;
+}
+
+std::vector<std::uint64_t> UnreadSectors(std::uint64_t end) {
+    std::vector<std::uint64_t> unread;
+    std::copy_if(Engine.BadSectors.begin(), Engine.BadSectors.end(), std::back_inserter(unread),
+                 [end](std::uint64_t sector) { return sector < end; });
+    for (std::uint64_t sector = Engine.UntriedFrom; sector < end; ++sector) {
+        unread.push_back(sector);
+    }
+    return unread;
+}
+
+void NoteUnreadSector(std::uint64_t sector) {
+    if (Engine.SectorsUnread++ == 0) {
+        Engine.FirstSectorUnread = sector;
+    }
+}
+
+void NoteMissingData(std::uint64_t sector, std::uint64_t bytes) {
+    Engine.BytesBehindEnd += BytesBehindMedium(sector, bytes);
+    const std::uint64_t sectorBytes = std::max<std::uint64_t>(Engine.SourceDisk.BytesPerSector, 1);
+    for (const std::uint64_t unread : UnreadSectors(sector + (bytes + sectorBytes - 1) / sectorBytes)) {
+        NoteUnreadSector(unread);
+    }
 }
 
 bool ContentStopped() {

@@ -142,7 +142,7 @@ int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<Mft
             ReadSectorsCleared(piece, sector);
             piece = piece.first(static_cast<std::size_t>(
                 std::min<std::uint64_t>(piece.size(), entry.Size - Engine.BytesWritten)));
-            Engine.BytesBehindEnd += BytesBehindMedium(sector, piece.size());
+            NoteMissingData(sector, piece.size());
             sector += std::uint64_t{clusters} * Engine.VolumeParams.SectorsPerCluster;
             Engine.BytesWritten += piece.size();
             WriteCatalogue(outputHandle, piece);

@@ -9,10 +9,11 @@
 namespace thntfs {
 
 /// Writes an entry's unnamed data to an output file, from the medium, by RecordSector and Size. The caller
-/// has zeroed BytesWritten and BytesBehindEnd. Follows attribute lists and decompresses; holes add no bytes;
-/// the last unit of a compressed file isn't cut to the size. Gives 0 where the entry's record or an extension
-/// record fails its check, else not 0; what was written until then stays. In a job, clearing ScanRunFlag ends
-/// it. Passes CUserException on: a fatal read or a failed write, whose box has been shown.
+/// has zeroed BytesWritten and the account of what is missing. Follows attribute lists and decompresses;
+/// holes add no bytes; the last unit of a compressed file isn't cut to the size. Gives 0 where the entry's
+/// record or an extension record fails its check, else not 0; what was written until then stays. In a job,
+/// clearing ScanRunFlag ends it. Passes CUserException on: a fatal read or a failed write, whose box has been
+/// shown.
 int ReadEntryContent(const CatalogueItem& entry, File& outputHandle);
 
 /// Writes the unnamed data attribute that one checked record holds. Gives 1.

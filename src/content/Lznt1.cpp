@@ -15,6 +15,7 @@ constexpr std::uint16_t kLengthBits = 0x0FFF;
 constexpr std::uint16_t kCompressedBit = 0x8000;
 constexpr std::size_t kHeaderBytes = 2;
 constexpr std::size_t kMinMatch = 3;
+constexpr std::uint64_t kChunkBytes = 4096; // that each chunk but the last gives
 
 bool EndsStream(std::uint16_t header) { return (header & kLengthBits) == 0 || (header & kLengthBits) == 3; }
 
@@ -182,6 +183,18 @@ std::size_t DecompressLznt1(ConstBytes source, Bytes target) {
         in += kHeaderBytes + length;
     } while (in < source.size() && out < target.size());
     return out;
+}
+
+std::size_t ChunksEnd(ConstBytes chain, std::uint64_t outBytes) {
+    std::size_t position = 0;
+    for (std::uint64_t given = 0; given < outBytes && position < chain.size(); given += kChunkBytes) {
+        const std::uint16_t header = U16At(chain, position);
+        if (EndsStream(header)) {
+            return chain.size();
+        }
+        position += kHeaderBytes + (header & kLengthBits) + 1U;
+    }
+    return std::min(position, chain.size());
 }
 
 } // namespace thntfs

@@ -3,6 +3,7 @@
 #include "platform/Bytes.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace thntfs {
 
@@ -14,5 +15,9 @@ bool IsChunkChain(ConstBytes bytes);
 /// ends the stream. Never reads beyond `source` nor writes beyond `target`. A chunk that yields less than
 /// 4096 bytes isn't padded. Gives the number of bytes put out.
 std::size_t DecompressLznt1(ConstBytes source, Bytes target);
+
+/// Where in a chain the chunks end that give its first `outBytes` bytes, in bytes from its start; the whole
+/// length where the chain ends before that.
+std::size_t ChunksEnd(ConstBytes chain, std::uint64_t outBytes);
 
 } // namespace thntfs

@@ -1,7 +1,6 @@
 #include "content/SaveEntries.h"
 
 #include "catalogue/EntryWalk.h"
-#include "content/EntryContent.h"
 #include "content/TargetName.h"
 #include "engine/EngineState.h"
 #include "platform/Text.h"
@@ -13,35 +12,6 @@ namespace {
 constexpr std::uint32_t kRootEntryId = 1;
 constexpr std::uint16_t kFlagSparse = 0x200;
 constexpr std::uint16_t kFlagCompressed = 0x800;
-
-/// An output file that counts what goes into it and keeps the code of a failed write.
-class CountingFile : public File {
-public:
-    explicit CountingFile(File& inner)
-        : inner_(inner) {}
-
-    ErrorCode Write(ConstBytes bytes) override {
-        Failure = inner_.Write(bytes);
-        if (Failure == kErrorNone) {
-            Written += bytes.size();
-        }
-        return Failure;
-    }
-    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
-        return inner_.WriteAt(offset, bytes);
-    }
-    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
-        return inner_.ReadAt(offset, buffer, got);
-    }
-    ErrorCode Size(std::uint64_t& bytes) override { return inner_.Size(bytes); }
-    ErrorCode Sync() override { return inner_.Sync(); }
-
-    std::uint64_t Written = 0;
-    ErrorCode Failure = kErrorNone;
-
-private:
-    File& inner_;
-};
 
 bool IsSeed(const CatalogueItem& item) { return item.EntryId <= kRootEntryId; }
 
@@ -127,56 +97,28 @@ void EntrySaver::SaveFile(const CatalogueItem& item, const std::string& path) {
 
 void EntrySaver::WriteContent(const CatalogueItem& item, const std::string& path, const std::string& name,
                               File& file) {
-    CountingFile counted(file);
-    Engine.BytesWritten = 0;
-    Engine.BytesBehindEnd = 0;
-    const std::uint64_t failedReads = Engine.FailedReads;
-    int result = 0;
-    try {
-        result = ReadEntryContent(item, counted);
-    } catch (const CUserException&) {
-        Abandon(path, name,
-                counted.Failure != kErrorNone ? SystemErrorText(counted.Failure)
-                                              : "the medium could not be read");
-        if (counted.Failure == kErrorNone) {
-            throw;
-        }
-        return;
-    }
-    if (Engine.ScanRunFlag == 0) {
+    const ContentOutcome outcome = TakeContent(item, file);
+    if (outcome.Kept()) {
+        FinishFile(outcome, path);
+    } else if (outcome.End == ContentEnd::Stopped) {
         totals_.Stopped = true;
         Abandon(path, name, "stopped");
-    } else if (result == 0 && counted.Written == 0) {
+    } else if (outcome.End == ContentEnd::WriteFailed) {
+        Abandon(path, name, SystemErrorText(outcome.WriteError));
+    } else if (outcome.End == ContentEnd::RecordDamaged) {
         Abandon(path, name, "its file record is damaged");
-    } else if (result == 0) {
-        Fail(path, "a record of its data is damaged; the first " + std::to_string(counted.Written) +
-                       " bytes were saved");
     } else {
-        FinishFile(item, path, counted.Written, Engine.FailedReads - failedReads);
+        Abandon(path, name, "the medium could not be read");
+        throw CUserException();
     }
 }
 
-void EntrySaver::FinishFile(const CatalogueItem& item, const std::string& path, std::uint64_t written,
-                            std::uint64_t failedReads) {
+void EntrySaver::FinishFile(const ContentOutcome& outcome, const std::string& path) {
     ++totals_.Files;
-    totals_.Bytes += written;
-    if (failedReads != 0 || Engine.BytesBehindEnd != 0) {
-        ++totals_.Damaged;
-    }
-    if (failedReads != 0) {
-        listener_.Warned(path,
-                         std::to_string(failedReads) + " reads failed; what could not be read is zeros");
-    }
-    if (Engine.BytesBehindEnd != 0) {
-        listener_.Warned(path, std::to_string(Engine.BytesBehindEnd) +
-                                   " bytes lie behind the end of the medium and are zeros");
-    }
-    if (written < item.Size) {
-        listener_.Warned(path, "saved " + std::to_string(written) + " of " + std::to_string(item.Size) +
-                                   " bytes; holes and missing clusters are left out");
-    } else if (written > item.Size) {
-        listener_.Warned(path, "saved " + std::to_string(written) + " bytes, more than its size of " +
-                                   std::to_string(item.Size) + "; the rest of its last unit is kept");
+    totals_.Bytes += outcome.Written;
+    totals_.Damaged += outcome.Whole() ? 0 : 1;
+    for (const std::string& reason : DamageReasons(outcome)) {
+        listener_.Warned(path, reason);
     }
 }
 

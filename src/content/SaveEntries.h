@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/FindEntry.h"
+#include "content/ContentOutcome.h"
 #include "platform/TargetFolder.h"
 
 #include <cstdint>
@@ -21,7 +22,7 @@ public:
 
     /// A file or folder had to take another name in the target.
     virtual void Renamed(const std::string& path, const std::string& targetName) = 0;
-    /// A file was saved, but not all of it could be read, or its length isn't its size.
+    /// A file was saved damaged. Called once for each reason.
     virtual void Warned(const std::string& path, const std::string& text) = 0;
     /// A file or folder could not be saved.
     virtual void Failed(const std::string& path, const std::string& reason) = 0;
@@ -31,7 +32,7 @@ struct SaveTotals {
     std::uint64_t Files = 0;   ///< files saved
     std::uint64_t Folders = 0; ///< folders saved or made for what is in them
     std::uint64_t Bytes = 0;   ///< bytes of the saved files
-    std::uint64_t Damaged = 0; ///< of the saved files, those with zeros where nothing could be read
+    std::uint64_t Damaged = 0; ///< of the saved files, those that aren't whole
     std::uint64_t Failed = 0;  ///< files and folders that could not be saved
     bool Stopped = false;      ///< ScanRunFlag was cleared, or the medium failed for good
 };
@@ -63,8 +64,7 @@ private:
     void SaveFile(const CatalogueItem& item, const std::string& path);
     void WriteContent(const CatalogueItem& item, const std::string& path, const std::string& name,
                       File& file);
-    void FinishFile(const CatalogueItem& item, const std::string& path, std::uint64_t written,
-                    std::uint64_t failedReads);
+    void FinishFile(const ContentOutcome& outcome, const std::string& path);
     void Abandon(const std::string& path, const std::string& name, const std::string& reason);
     void Fail(const std::string& path, const std::string& reason);
     bool Wanted(const CatalogueItem& item) const { return !deletedOnly_ || !item.IsLive(); }

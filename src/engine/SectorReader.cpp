@@ -84,7 +84,6 @@ ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector) {
                                ? kErrorInvalidHandle
                                : disk.MediaHandle->ReadAt(firstSector * disk.BytesPerSector, buffer);
     if (code != kErrorNone) {
-        ++Engine.FailedReads;
         ReportFailedRead(firstSector, code);
     }
     return code;

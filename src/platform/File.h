@@ -36,6 +36,10 @@ public:
     /// Waits until what was written has reached the device.
     virtual ErrorCode Sync() = 0;
 
+    /// Closes the file and gives what the system says at that, which may be the first word of a write that
+    /// failed. No call may follow. The destructor closes without a word.
+    virtual ErrorCode Close();
+
     // Hints for a file that is written from end to end. They change no byte and no size, and do nothing by
     // default.
 

@@ -1,4 +1,5 @@
 #include "content/ContentFixture.h"
+#include "content/ContentOutcome.h"
 #include "support/Lznt1Compressor.h"
 
 #include <algorithm>
@@ -242,6 +243,46 @@ TEST_F(EntryContentTest, BadSectorsAreZerosInAJobAndAWholePieceOutsideOne) {
     std::fill_n(expected.begin(), 65536, std::uint8_t{0});
     EXPECT_EQ(Read(record, plain.size()), 1);
     EXPECT_EQ(Out.Content, expected);
+}
+
+TEST_F(EntryContentTest, DamageIsWhatIsMissingFromTheData) {
+    ByteVector packed = CompressLznt1(Compressible(65536));
+    const std::uint64_t packedSectors = (packed.size() + 511) / 512;
+    packed.resize((packed.size() + 4095) / 4096 * 4096 + 4096);
+    const NonResidentValue plain = {.Runs = {PutRun(Clusters(4))}};
+    const DataRun packedRun = PutRun(packed);
+    const NonResidentValue unit = {
+        .Runs = {packedRun, {16 - packedRun.Clusters, {}}}, .Flags = 1, .CompressionExponent = 4};
+    struct Case {
+        const NonResidentValue& Data;
+        std::uint64_t Size;
+        std::uint64_t BadSector; ///< of the data
+        std::uint64_t Times;     ///< that it can't be read
+        std::uint64_t Unread;
+        std::size_t Reasons;
+    };
+    for (const Case& test : {Case{plain, 13000, 0, 0, 0, 0},
+                             {plain, 13000, 5, 1, 0, 0}, // read on the second try
+                             {plain, 13000, 5, kForever, 1, 1},
+                             {plain, 13000, 25, kForever, 1, 1},
+                             {plain, 13000, 26, kForever, 0, 0}, // behind the end of the file
+                             {plain, 20000, 0, 0, 0, 1},         // too short
+                             {plain, 20000, 5, kForever, 1, 2},
+                             {unit, 65536, 3, kForever, 1, 1},
+                             {unit, 65536, packedSectors, kForever, 0, 0},
+                             {unit, 60000, 0, 0, 0, 1}}) { // too long
+        SCOPED_TRACE(testing::Message() << test.Size << " " << test.BadSector);
+        Volume.PlaceRecord(Record().AddData(test.Data));
+        Out.Forget();
+        const std::uint64_t bad = Volume.Geometry().SectorOf(*test.Data.Runs[0].Start) + test.BadSector;
+        Plan->Rules = {{bad, 1, kErrorCrc, test.Times}};
+        const ContentOutcome outcome = TakeContent(ItemOf(40, test.Size), Out);
+        EXPECT_EQ(outcome.SectorsUnread, test.Unread);
+        EXPECT_EQ(outcome.Whole(), test.Reasons == 0);
+        EXPECT_EQ(outcome.Written, Out.Content.size());
+        EXPECT_TRUE(test.Unread == 0 || outcome.FirstSectorUnread == bad);
+        EXPECT_EQ(DamageReasons(outcome).size(), test.Reasons);
+    }
 }
 
 TEST_F(EntryContentTest, AStopEndsBetweenPieces) {

@@ -93,6 +93,12 @@ public:
         return ::fdatasync(descriptor_.Get()) == 0 ? kErrorNone : FileErrorOfErrno(errno);
     }
 
+    ErrorCode Close() override {
+        const int number = descriptor_.Release();
+        // Linux has closed the file whatever it answers.
+        return ::close(number) == 0 || errno == EINTR ? kErrorNone : FileErrorOfErrno(errno);
+    }
+
     void Reserve(std::uint64_t offset, std::uint64_t bytes) override {
         if (offset <= kMaxOffset && bytes <= kMaxOffset - offset && IsOrdinary()) {
             (void)::fallocate(descriptor_.Get(), FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
@@ -184,6 +190,7 @@ std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor) {
     return std::make_unique<PosixFile>(std::move(descriptor));
 }
 
+ErrorCode File::Close() { return kErrorNone; }
 void File::Reserve(std::uint64_t /*offset*/, std::uint64_t /*bytes*/) {}
 void File::ReleaseReserve() {}
 void File::StartSync(std::uint64_t /*offset*/, std::uint64_t /*bytes*/) {}

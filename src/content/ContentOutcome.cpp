@@ -1,0 +1,114 @@
+#include "content/ContentOutcome.h"
+
+#include "content/EntryContent.h"
+#include "engine/EngineState.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kPendingBytes = std::uint64_t{16} << 20U;
+
+/// An output file that counts what goes into it, keeps the code of a failed write, and keeps the device busy
+/// while a big file is written.
+class CountingFile : public File {
+public:
+    explicit CountingFile(File& inner)
+        : inner_(inner) {}
+
+    ErrorCode Write(ConstBytes bytes) override {
+        Failure = inner_.Write(bytes);
+        if (Failure == kErrorNone) {
+            Written += bytes.size();
+        }
+        if (Written - begun_ >= kPendingBytes) {
+            inner_.StartSync(begun_, Written - begun_);
+            begun_ = Written;
+        }
+        return Failure;
+    }
+    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
+        return inner_.WriteAt(offset, bytes);
+    }
+    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
+        return inner_.ReadAt(offset, buffer, got);
+    }
+    ErrorCode Size(std::uint64_t& bytes) override { return inner_.Size(bytes); }
+    ErrorCode Sync() override { return inner_.Sync(); }
+
+    std::uint64_t Written = 0;
+    ErrorCode Failure = kErrorNone;
+
+private:
+    File& inner_;
+    std::uint64_t begun_ = 0; ///< up to here the bytes are on their way to the device
+};
+
+ContentEnd RunToItsEnd(const CatalogueItem& entry, CountingFile& output) {
+    try {
+        if (ReadEntryContent(entry, output) == 0) {
+            return ContentEnd::RecordDamaged;
+        }
+    } catch (const CUserException&) {
+        return output.Failure != kErrorNone ? ContentEnd::WriteFailed : ContentEnd::MediumFailed;
+    }
+    return ContentEnd::Reached;
+}
+
+} // namespace
+
+bool ContentOutcome::Whole() const {
+    return End == ContentEnd::Reached && Written == Size && BytesBehindEnd == 0 && SectorsUnread == 0;
+}
+
+bool ContentOutcome::Kept() const {
+    return End == ContentEnd::Reached || (End == ContentEnd::RecordDamaged && Written != 0);
+}
+
+std::vector<std::string> DamageReasons(const ContentOutcome& outcome) {
+    std::vector<std::string> reasons;
+    if (outcome.End == ContentEnd::RecordDamaged) {
+        reasons.emplace_back("one of its file records is damaged");
+    }
+    if (outcome.SectorsUnread != 0) {
+        reasons.push_back(
+            outcome.SectorsUnread == 1
+                ? "sector " + std::to_string(outcome.FirstSectorUnread) + " could not be read and is zeros"
+                : std::to_string(outcome.SectorsUnread) + " sectors, the first of them " +
+                      std::to_string(outcome.FirstSectorUnread) + ", could not be read and are zeros");
+    }
+    if (outcome.BytesBehindEnd != 0) {
+        reasons.push_back(std::to_string(outcome.BytesBehindEnd) +
+                          " bytes lie behind the end of the medium and are zeros");
+    }
+    const std::string lengths = "it came out " + std::to_string(outcome.Written) +
+                                " bytes long, and its size is " + std::to_string(outcome.Size);
+    if (outcome.Written < outcome.Size) {
+        reasons.push_back(lengths + "; holes and missing clusters are left out");
+    } else if (outcome.Written > outcome.Size) {
+        reasons.push_back(lengths + "; the rest of its last unit is kept");
+    }
+    return reasons;
+}
+
+ContentOutcome TakeContent(const CatalogueItem& entry, File& output) {
+    CountingFile counted(output);
+    Engine.BytesWritten = 0;
+    Engine.BytesBehindEnd = 0;
+    Engine.SectorsUnread = 0;
+    ContentOutcome outcome;
+    outcome.End = RunToItsEnd(entry, counted);
+    if (outcome.End != ContentEnd::WriteFailed && outcome.End != ContentEnd::MediumFailed &&
+        Engine.ScanRunFlag == 0) {
+        outcome.End = ContentEnd::Stopped;
+    }
+    outcome.WriteError = counted.Failure;
+    outcome.Size = entry.Size;
+    outcome.Written = counted.Written;
+    outcome.BytesBehindEnd = Engine.BytesBehindEnd;
+    outcome.SectorsUnread = Engine.SectorsUnread;
+    outcome.FirstSectorUnread = Engine.FirstSectorUnread;
+    return outcome;
+}
+
+} // namespace thntfs

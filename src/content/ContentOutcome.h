@@ -1,0 +1,45 @@
+#pragma once
+
+#include "catalogue/CatalogueReader.h"
+#include "platform/File.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace thntfs {
+
+/// What ended the way of a file's content.
+enum class ContentEnd {
+    Reached,       ///< nothing did: all that its record tells of was put out
+    RecordDamaged, ///< one of its file records fails its check
+    Stopped,       ///< ScanRunFlag was cleared
+    WriteFailed,   ///< the output took no more; the user has seen a box
+    MediumFailed   ///< the medium failed for good; the user has seen a box
+};
+
+/// How a file's content came out. The one judgement on what is whole and what is damaged.
+struct ContentOutcome {
+    ContentEnd End = ContentEnd::Reached;
+    ErrorCode WriteError = kErrorNone;   ///< of the write that failed
+    std::uint64_t Size = 0;              ///< bytes that the file should have
+    std::uint64_t Written = 0;           ///< bytes put out
+    std::uint64_t BytesBehindEnd = 0;    ///< of these, zeros for what lies behind the end of the medium
+    std::uint64_t SectorsUnread = 0;     ///< sectors of its data that stayed unreadable and are zeros
+    std::uint64_t FirstSectorUnread = 0; ///< the first of them, on the medium
+
+    /// Every byte that was asked for, and none besides.
+    [[nodiscard]] bool Whole() const;
+
+    /// Worth keeping: whole, or damaged but not without content. What a stop or a failure cut off isn't.
+    [[nodiscard]] bool Kept() const;
+};
+
+/// What is wrong with content that isn't whole: one phrase each, without a capital and a full stop.
+std::vector<std::string> DamageReasons(const ContentOutcome& outcome);
+
+/// Writes an entry's content to an output file by ReadEntryContent and judges what came of it. Throws
+/// nothing: what failed stands in the outcome.
+ContentOutcome TakeContent(const CatalogueItem& entry, File& output);
+
+} // namespace thntfs
