@@ -268,7 +268,7 @@ TEST_F(EntryContentTest, DamageIsWhatIsMissingFromTheData) {
                              {plain, 13000, 26, kForever, 0, 0}, // behind the end of the file
                              {plain, 20000, 0, 0, 0, 1},         // too short
                              {plain, 20000, 5, kForever, 1, 2},
-                             {unit, 65536, 3, kForever, 1, 1},
+                             {unit, 65536, 3, kForever, 1, 2}, // its chunk comes out short
                              {unit, 65536, packedSectors, kForever, 0, 0},
                              {unit, 60000, 0, 0, 0, 1}}) { // too long
         SCOPED_TRACE(testing::Message() << test.Size << " " << test.BadSector);
