@@ -64,10 +64,10 @@ std::string OneLine(std::string text) {
 }
 
 std::string MapComment(const std::string& source, const std::string& serial) {
-    std::string comment = "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\n" +
-                          std::string(kSourceWord) + OneLine(source);
+    std::string comment = "Map of a disk image, by Tarnholt Volume Salvage (NTFS)\n";
+    comment.append(kSourceWord).append(OneLine(source));
     if (!serial.empty()) {
-        comment += std::string("\n") + kSerialWord + OneLine(serial);
+        comment.append("\n").append(kSerialWord).append(OneLine(serial));
     }
     return comment;
 }
