@@ -59,6 +59,8 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
     case WM_CLEAR_VIEWS:
         ClearViews();
         break;
+    case WM_GIVE_UP_SCAN:
+        return GiveUpScan() ? 0 : 1;
     default:
         break;
     }

@@ -145,6 +145,8 @@ private:
 
     // The end.
     bool MayClose();
+    bool GiveUpScan();
+    bool AskAboutScan();
     void EndIfAsked();
 
     std::map<std::uint32_t, QAction*> actions_;
@@ -154,7 +156,8 @@ private:
     QString notice_; ///< what pane 0 says in place of the idle text for a while
     QTimer noticeTimer_;
     QTimer endTimer_;
-    bool ending_ = false; ///< the program has been told to end
+    bool ending_ = false;      ///< the program has been told to end
+    bool scanUnsaved_ = false; ///< what the views show was scanned here and is in no file
     std::unique_ptr<CWorkerThread> worker_;
 };
 

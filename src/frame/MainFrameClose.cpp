@@ -13,6 +13,29 @@ namespace thntfs {
 
 // A result that could not be saved stays on the screen: the log tells why, and the user may try another
 // place.
+bool CMainFrame::AskAboutScan() {
+    switch (ShowBox(QStringLiteral("Do you want to save scan information?"), QStringLiteral("Confirm"),
+                    BoxIcon::Information, BoxButtons::YesNoCancel)) {
+    case BoxAnswer::Yes:
+        return SaveTreeInfoByDialog();
+    case BoxAnswer::No:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// To be called before another medium or volume takes the place of what the views show. False where the user
+// would rather keep that.
+bool CMainFrame::GiveUpScan() {
+    if (scanUnsaved_ && !TreeView->IsEmpty() && !AskAboutScan()) {
+        return false;
+    }
+    ClearViews();
+    return true;
+}
+
+// A scan that has been given up can't be saved any more, so there is nothing to ask about.
 bool CMainFrame::MayClose() {
     if (Engine.WaitDialog != nullptr) {
         return false;
@@ -25,18 +48,7 @@ bool CMainFrame::MayClose() {
         ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
         return false;
     }
-    if (ScanInfoDirty == 0 || NoScanYet != 0) {
-        return true;
-    }
-    switch (ShowBox(QStringLiteral("Do you want to save scan information?"), QStringLiteral("Confirm"),
-                    BoxIcon::Information, BoxButtons::YesNoCancel)) {
-    case BoxAnswer::Yes:
-        return SaveTreeInfoByDialog();
-    case BoxAnswer::No:
-        return true;
-    default:
-        return false;
-    }
+    return ScanInfoDirty == 0 || NoScanYet != 0 || !CatalogueIsOfVolumeInWork() || AskAboutScan();
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {

@@ -76,6 +76,7 @@ void CMainFrame::BeginBasicScan() {
     Engine.ScanRunFlag = 1;
     JobBusy = 1;
     ScanInfoDirty = 1;
+    scanUnsaved_ = true;
     NoScanYet = 0;
     SendWindowMessage(this, WM_START_BASIC_SCAN);
 }
@@ -95,6 +96,7 @@ void CMainFrame::StartTurboScan() {
     JobBusy = 1;
     Engine.TurboScanUsed = 1;
     ScanInfoDirty = 1;
+    scanUnsaved_ = true;
     Panes[1]->setText(QLatin1String(kNoTotalsText));
     ClearFindMark();
     CreateProgressBar(QStringLiteral("Scanning"));

@@ -12,6 +12,7 @@
 #include "shell/Boxes.h"
 #include "wizard/WizardSheet.h"
 
+#include <QApplication>
 #include <ctime>
 
 namespace thntfs {
@@ -63,7 +64,10 @@ void CMainFrame::LoadTreeInfoByDialog() {
 }
 
 void CMainFrame::LoadTreeInfoFrom(const QString& path) {
-    ClearViews();
+    if (!GiveUpScan()) {
+        return;
+    }
+    scanUnsaved_ = false;
     const ScanInfoResult result = LoadTreeInfo(path.toStdString(), [this] {
         CreateProgressBar(QString(8, QLatin1Char(' ')));
         ScanInfoDirty = 1;
@@ -81,14 +85,17 @@ bool CMainFrame::SaveTreeInfoByDialog() {
     if (!MayStartWork()) {
         return false;
     }
-    const QString path = ChooseFileToSave(
-        this, QStringLiteral("Save Tree Info"), QString::fromStdString(SuggestedTreeInfoName(LocalNow())),
-        TreeFilter(), QString::fromLatin1(kTreeInfoExtension.data(), kTreeInfoExtension.size()));
+    QWidget* wizard = QApplication::activeModalWidget(); // it may lead here as well as the menu
+    const QString path =
+        ChooseFileToSave(wizard != nullptr ? wizard : this, QStringLiteral("Save Tree Info"),
+                         QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(),
+                         QString::fromLatin1(kTreeInfoExtension.data(), kTreeInfoExtension.size()));
     if (path.isEmpty() || !LiesElsewhere(path, kTreeInfoExtension) || !PathIsKept()) {
         return false;
     }
     const ScanInfoResult result = SaveTreeInfo(path.toStdString());
     ScanInfoDirty = 0;
+    scanUnsaved_ = scanUnsaved_ && !result.Done;
     return result.Done;
 }
 
@@ -103,7 +110,9 @@ void CMainFrame::LoadPartitionInfoByDialog() {
 }
 
 void CMainFrame::LoadPartitionInfoFrom(const QString& path) {
-    ClearViews();
+    if (!GiveUpScan()) {
+        return;
+    }
     LoadPartitionInfo(path.toStdString(), [this] { OpenFoundDrive(); });
     UpdateCommands();
 }

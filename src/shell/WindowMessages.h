@@ -25,6 +25,7 @@ inline constexpr std::uint32_t WM_FIND_FROM_VIEW = WM_APP + 12;  ///< wParam: En
 inline constexpr std::uint32_t WM_SHOW_PREVIEW = WM_APP + 13;    ///< wParam: EntryId
 inline constexpr std::uint32_t WM_CLEAR_VIEWS = WM_APP + 14;     ///< empties tree and list
 inline constexpr std::uint32_t WM_JOB_FAILED = WM_APP + 15;      ///< the worker could not begin or go on
+inline constexpr std::uint32_t WM_GIVE_UP_SCAN = WM_APP + 16; ///< as WM_CLEAR_VIEWS; 1: the user keeps them
 
 // To the process log.
 inline constexpr std::uint32_t WM_LOG_ADD = WM_APP + 17; ///< wParam: const ProcessLogEntry*

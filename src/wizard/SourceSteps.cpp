@@ -37,9 +37,15 @@ bool Search(const SourceKind& kind, const std::string& path, QWidget* owner) {
 
 } // namespace
 
-void CloseOldMedium() {
+bool GiveUpOldScan() { return SendWindowMessage(MainWindow(), WM_GIVE_UP_SCAN) == 0; }
+
+bool CloseOldMedium() {
+    if (!GiveUpOldScan()) {
+        return false;
+    }
     ResetEngineState();
     SendWindowMessage(MainWindow(), WM_CLEAR_VIEWS);
+    return true;
 }
 
 bool ListPartitions(const SourceKind& kind, const std::string& path, std::uint8_t processingMode,

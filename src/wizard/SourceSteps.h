@@ -18,8 +18,12 @@ struct SourceKind {
 extern const SourceKind kDiskSource;
 extern const SourceKind kImageSource;
 
-/// Closes the medium that was open and empties the frame's views of it.
-void CloseOldMedium();
+/// Has the frame empty its views. It asks before about a scan that is in no file; false where the user keeps
+/// that.
+bool GiveUpOldScan();
+
+/// The same, and closes the medium that was open.
+bool CloseOldMedium();
 
 /// Lists the candidates of the medium that has just been opened, from its partition table (mode 0) or by a
 /// search (mode 1) in dialogs over `owner`, and writes the log's lines. `path` is the medium's. False where

@@ -87,7 +87,9 @@ void CWizardDriveSelectionPage::ShowDiskDetails(std::uint8_t index) {
 
 int CWizardDriveSelectionPage::OnWizardNext() {
     const std::string path = "/dev/" + Sheet().Disks.at(chosenDisk_).Name;
-    CloseOldMedium();
+    if (!CloseOldMedium()) {
+        return kStay;
+    }
     const ErrorCode code = OpenPhysicalDisk(path);
     if (code != kErrorNone) {
         TellOpeningFailed(path, code);

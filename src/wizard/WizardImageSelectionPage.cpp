@@ -93,10 +93,9 @@ void CwizardImageSelection::ShowFreeSpace() {
 
 int CwizardImageSelection::OnWizardNext() {
     failure_->clear();
-    if (imagePath_.empty()) {
+    if (imagePath_.empty() || !CloseOldMedium()) {
         return kStay;
     }
-    CloseOldMedium();
     const ErrorCode code = OpenImageFile(imagePath_);
     if (code != kErrorNone) {
         TellOpeningFailed(code);

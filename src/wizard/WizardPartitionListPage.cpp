@@ -8,6 +8,7 @@
 #include "shell/Icons.h"
 #include "shell/WaitCursor.h"
 #include "wizard/RowTable.h"
+#include "wizard/SourceSteps.h"
 #include "wizard/WizardSheet.h"
 
 #include <QVBoxLayout>
@@ -78,6 +79,9 @@ int CWizardPartitionListPage::OnWizardBack() const {
 }
 
 bool CWizardPartitionListPage::OnWizardFinish() {
+    if (!GiveUpOldScan()) {
+        return false;
+    }
     NameChoice();
     LoadVolumeParams(*CandidateAt(selectedRow_));
     if (const std::string fault = ClusterFault(); !fault.empty()) {

@@ -102,6 +102,7 @@ TEST_F(CloseRule, AnEndFromOutsideTakesABoxAlong) {
     };
     Frame->ScanInfoDirty = 1;
     Frame->NoScanYet = 0;
+    ClaimCatalogue();
     Frame->close();
     EXPECT_TRUE(WaitUntil([this] { return !Frame->isVisible(); }));
     OnInterrupt(Engine.ScanRunFlag);

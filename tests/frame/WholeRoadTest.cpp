@@ -239,6 +239,42 @@ TEST_F(WholeRoad, AFoundDriveIsOpenedAgain) {
     EXPECT_FALSE(Frame->TreeView->IsEmpty());
 }
 
+TEST_F(WholeRoad, AnUnsavedScanIsAskedAboutBeforeAnythingTakesItsPlace) {
+    const std::string image = Volume("basic.img");
+    const std::string partitions = Folder / "found.thd";
+    const std::string saved = SavedScanOf(Volume("names.img"));
+    ASSERT_EQ(RunProgram(CliPath(), {"partitions", image, "--save-info", partitions}).Status, 0);
+    ChooseImage(image, "Display default partition(s)");
+    TakeRow(0);
+    RunWizard();
+    const std::string tree = TreeText();
+    const auto dropAndAnswer = [this](const std::string& path, QMessageBox::StandardButton answer) {
+        const std::size_t boxes = Answers.Boxes.size();
+        Answers.Answer(answer);
+        if (path.ends_with(".img")) {
+            AtSheet([](CWizardSheet& sheet) {
+                Press(sheet, "Next >");
+                sheet.done(0);
+            });
+        }
+        Drop(path);
+        EXPECT_TRUE(WaitUntil([&] {
+            return Answers.Boxes.size() > boxes && QApplication::activeModalWidget() == nullptr;
+        })) << path;
+        EXPECT_EQ(Answers.Boxes.back().Text, QStringLiteral("Do you want to save scan information?"));
+    };
+    for (const std::string& path : {saved, partitions, Volume("names.img")}) {
+        dropAndAnswer(path, QMessageBox::Cancel);
+        EXPECT_EQ(TreeText(), tree);
+    }
+    Answers.AnswerFile(QString::fromStdString(Folder / "kept.tht"));
+    dropAndAnswer(Volume("names.img"), QMessageBox::Yes);
+    EXPECT_EQ(ReadWholeFile(Folder / "kept.tht"), TerminalScan({image}));
+    Answers.Boxes.clear();
+    Frame->close();
+    EXPECT_TRUE(Answers.Boxes.empty()) << "what is gone can't be saved";
+}
+
 TEST_F(WholeRoad, ADroppedImageOpensTheImagePage) {
     AtSheet([](CWizardSheet& sheet) {
         EXPECT_EQ(sheet.ActivePage().Heading(), QStringLiteral("Select image to recover data"));
