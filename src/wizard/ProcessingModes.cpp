@@ -7,8 +7,8 @@
 
 namespace thntfs {
 
-CProcessingModes::CProcessingModes(CWizardSheet& sheet, const QString& title)
-    : QGroupBox(title)
+CProcessingModes::CProcessingModes(QWidget* parent, CWizardSheet& sheet, const QString& title)
+    : QGroupBox(title, parent)
     , sheet_(sheet)
     , fromTable_(new QRadioButton(QStringLiteral("&Display default partition(s)"), this))
     , bySearch_(new QRadioButton(QStringLiteral("&Search for lost partition(s)"), this)) {
@@ -16,7 +16,11 @@ CProcessingModes::CProcessingModes(CWizardSheet& sheet, const QString& title)
     layout->addWidget(fromTable_);
     layout->addWidget(bySearch_);
     fromTable_->setChecked(true);
-    connect(bySearch_, &QRadioButton::toggled, this, [this] { Apply(); });
+    setFocusProxy(fromTable_);
+    connect(bySearch_, &QRadioButton::toggled, this, [this] {
+        setFocusProxy(bySearch_->isChecked() ? bySearch_ : fromTable_);
+        Apply();
+    });
 }
 
 void CProcessingModes::EnableChoice(bool enable) {

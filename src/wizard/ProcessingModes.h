@@ -10,9 +10,10 @@ namespace thntfs {
 class CWizardSheet;
 
 /// The choice of a source page how to come by the partitions; kept in ProcessingMode of the sheet.
+/// The focus goes to the mode that is checked.
 class CProcessingModes : public QGroupBox {
 public:
-    CProcessingModes(CWizardSheet& sheet, const QString& title);
+    CProcessingModes(QWidget* parent, CWizardSheet& sheet, const QString& title);
 
     void EnableChoice(bool enable);
     /// Puts the choice back to the partition table.

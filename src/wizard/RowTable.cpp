@@ -1,7 +1,9 @@
 #include "wizard/RowTable.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <algorithm>
+#include <array>
 
 namespace thntfs {
 
@@ -40,6 +42,17 @@ void CRowTable::AddRow(const QStringList& texts, const QIcon& icon) {
         setItem(row, column, new QTableWidgetItem(texts[column]));
     }
     item(row, 0)->setIcon(icon);
+}
+
+// With the focus the base class makes the first row the current one without selecting it. A key would step
+// over it, or stay on it and select nothing.
+void CRowTable::keyPressEvent(QKeyEvent* event) {
+    constexpr std::array kKeys{Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home};
+    if (SelectedRow() < 0 && std::find(kKeys.begin(), kKeys.end(), event->key()) != kKeys.end()) {
+        selectRow(0);
+    } else {
+        QTableWidget::keyPressEvent(event);
+    }
 }
 
 int CRowTable::SelectedRow() const {

@@ -14,6 +14,9 @@ public:
 
     /// Position of the selected row, -1 for none.
     [[nodiscard]] int SelectedRow() const;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 } // namespace thntfs

@@ -33,10 +33,10 @@ QLabel* NameLabel(QWidget* parent) {
 
 CWizardCloneDiskPage::CWizardCloneDiskPage(CWizardSheet& sheet)
     : CWizardPage(sheet, "Select Source and Destination Disk(s)", "ntfsclonewindow.htm")
-    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize))
     , source_{"Source Disk :", "Source Disk # ", new CDiskTree(this, sheet.Disks, LooksUsb), NameLabel(this)}
     , target_{"Destination Disk :", "Destination Disk # ", new CDiskTree(this, sheet.Disks, LooksUsb),
-              NameLabel(this)} {
+              NameLabel(this)}
+    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize)) {
     LayOut();
     setFocusProxy(source_.Tree);
     connect(source_.Tree, &QTreeWidget::currentItemChanged, this, [this] { OnSourceChanged(); });

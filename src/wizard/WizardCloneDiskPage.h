@@ -35,9 +35,9 @@ private:
     void ShowCloneDetails(std::uint8_t index, const Side& side);
     [[nodiscard]] QString PathOf(std::uint8_t index) const;
 
-    CInfoListBox* info_;
     Side source_;
     Side target_;
+    CInfoListBox* info_;
 };
 
 } // namespace thntfs

@@ -40,8 +40,8 @@ CWizardDriveSelectionPage::CWizardDriveSelectionPage(CWizardSheet& sheet)
     : CWizardPage(sheet, "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option",
                   "ntfsrecoverdata.htm")
     , tree_(new CDiskTree(this, sheet.Disks, LooksUsb))
+    , modes_(new CProcessingModes(this, sheet, QStringLiteral("Processing Modes")))
     , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize))
-    , modes_(new CProcessingModes(sheet, QStringLiteral("Processing Modes")))
     , chosenDisk_(kNoDisk) {
     LayOut();
     setFocusProxy(tree_);

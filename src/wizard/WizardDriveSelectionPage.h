@@ -25,8 +25,8 @@ private:
     void ShowDiskDetails(std::uint8_t index);
 
     CDiskTree* tree_;
-    CInfoListBox* info_;
     CProcessingModes* modes_;
+    CInfoListBox* info_;
     std::uint8_t chosenDisk_;
 };
 

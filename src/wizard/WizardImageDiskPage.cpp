@@ -25,8 +25,8 @@ CWizardImageDiskPage::CWizardImageDiskPage(CWizardSheet& sheet)
     : CWizardPage(sheet, "Step 1: Select source drive\nStep 2: Select destination path",
                   "ntfsdiskimaging2.htm")
     , tree_(new CDiskTree(this, sheet.Disks, LooksUsb))
-    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize))
     , pick_(new QPushButton(QStringLiteral("Select &destination path"), this))
+    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize))
     , pathText_(new CElidedLabel(QStringLiteral("File Path :"), this)) {
     LayOut();
     setFocusProxy(tree_);
@@ -83,6 +83,7 @@ void CWizardImageDiskPage::PickDestination() {
     pathText_->setToolTip(Sheet().ImageDestination);
     pathText_->setEnabled(true);
     UpdateButtons();
+    setFocus(); // Enter finishes, and doesn't ask for the path again
 }
 
 bool CWizardImageDiskPage::OnWizardFinish() {

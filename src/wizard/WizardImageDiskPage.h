@@ -27,8 +27,8 @@ private:
     void UpdateButtons();
 
     CDiskTree* tree_;
-    CInfoListBox* info_;
     QPushButton* pick_;
+    CInfoListBox* info_;
     QLabel* pathText_;
 };
 

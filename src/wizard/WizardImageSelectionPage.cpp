@@ -28,7 +28,7 @@ CwizardImageSelection::CwizardImageSelection(CWizardSheet& sheet)
     , pathText_(new CElidedLabel(QStringLiteral("Selected File Path"), this))
     , freeText_(new QLabel(QStringLiteral("Spcae available"), this))
     , failure_(new QLabel(this))
-    , modes_(new CProcessingModes(sheet, QStringLiteral("Image Processing Mode")))
+    , modes_(new CProcessingModes(this, sheet, QStringLiteral("Image Processing Mode")))
     , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize)) {
     pick_->setIconSize(kPickIconSize);
     pathText_->setEnabled(false);
@@ -82,6 +82,8 @@ void CwizardImageSelection::ChooseImage(const QString& path) {
     failure_->clear();
     ShowFreeSpace();
     modes_->EnableChoice(true);
+    setFocusProxy(modes_); // Enter goes on, and doesn't ask for the file again
+    setFocus();
     Sheet().SetWizardButtons(kButtonBack | kButtonNext);
 }
 

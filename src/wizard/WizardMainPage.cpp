@@ -7,6 +7,7 @@
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QToolButton>
 #include <array>
 
@@ -43,17 +44,17 @@ constexpr int kRowHeight = 14;
 
 CWizardMainPage::CWizardMainPage(CWizardSheet& sheet)
     : CWizardPage(sheet, "Select appropriate Option", "ntfswizardwin.htm")
-    , tasks_(new QButtonGroup(this))
-    , info_(new CInfoListBox(this, kTextColour, kBulletSize)) {
+    , tasks_(new QButtonGroup(this)) {
     auto* layout = new QHBoxLayout(this);
     auto* buttons = new QVBoxLayout;
     layout->addLayout(buttons, 1);
-    layout->addWidget(info_);
     for (int task = 0; task < static_cast<int>(kTasks.size()); ++task) {
         AddTaskButton(task);
         buttons->addWidget(tasks_->button(task));
     }
     buttons->addStretch();
+    info_ = new CInfoListBox(this, kTextColour, kBulletSize); // behind the tasks for the tab key too
+    layout->addWidget(info_);
     setFocusProxy(tasks_->button(kTaskRecoverDisk));
     connect(tasks_, &QButtonGroup::idClicked, this,
             [this](int task) { ChooseTask(static_cast<std::uint8_t>(task)); });
@@ -88,6 +89,17 @@ void CWizardMainPage::OnSetActive() {
 }
 
 int CWizardMainPage::OnWizardNext() { return Sheet().WizardTask + 1; }
+
+// Enter on a task that isn't the chosen one chooses it; Next would go on with the other one.
+void CWizardMainPage::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto* task = qobject_cast<QToolButton*>(focusWidget());
+    if (enter && task != nullptr && !task->isChecked()) {
+        task->click();
+    } else {
+        CWizardPage::keyPressEvent(event);
+    }
+}
 
 void CWizardMainPage::ChooseTask(std::uint8_t task) {
     Sheet().WizardTask = task;

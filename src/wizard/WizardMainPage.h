@@ -19,13 +19,16 @@ public:
     void OnSetActive() override;
     int OnWizardNext() override;
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void AddTaskButton(int task);
     void ChooseTask(std::uint8_t task);
     void ShowChosenTask();
 
     QButtonGroup* tasks_;
-    CInfoListBox* info_;
+    CInfoListBox* info_ = nullptr;
 };
 
 } // namespace thntfs

@@ -75,7 +75,7 @@ void CWizardSheet::MakePages() {
 
 QPushButton* CWizardSheet::AddButton(const QString& text) {
     auto* button = new QPushButton(text, this);
-    button->setAutoDefault(false);
+    button->setAutoDefault(true); // Enter presses the one that has the focus, and the default one otherwise
     return button;
 }
 

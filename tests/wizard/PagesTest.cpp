@@ -20,7 +20,7 @@ namespace {
 // The file has a line a row, under the list's name; '_' at a line's end is a blank.
 std::map<std::string, Texts> ToldTexts() {
     std::map<std::string, Texts> told;
-    std::ifstream file(std::filesystem::path(__FILE__).parent_path() / "ListTexts.txt");
+    std::ifstream file(ManifestFolder() + "/../../wizard/ListTexts.txt");
     std::string name;
     for (std::string line; std::getline(file, line);) {
         if (line.starts_with('[')) {
