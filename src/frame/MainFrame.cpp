@@ -72,7 +72,8 @@ FrameState CMainFrame::State() const {
     state.ScanRunning = Engine.ScanRunFlag != 0;
     state.JobBusy = JobBusy != 0;
     state.HasTree = !TreeView->IsEmpty();
-    state.HasPartitions = !Engine.SourceDisk.Partitions.Empty();
+    // A search changes the list of candidates on its own thread, to its very end.
+    state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.Empty();
     state.HasLog = !LogList->IsEmpty();
     state.HasFound = FoundEntry != kNoEntry;
     state.HasCopyDialog = Engine.CopyDialog != nullptr;
@@ -83,12 +84,7 @@ FrameState CMainFrame::State() const {
     return state;
 }
 
-// A search clears and fills the candidate list on its own thread, and the wizard that started it is modal:
-// there is nothing to look at meanwhile.
 void CMainFrame::UpdateCommands() {
-    if (Engine.ScanRunFlag != 0 && JobBusy == 0) {
-        return;
-    }
     const FrameState state = State();
     for (const auto& [command, action] : actions_) {
         action->setEnabled(CommandEnabled(command, state));

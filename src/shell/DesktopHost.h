@@ -21,6 +21,8 @@ public:
 
     /// The dialog that a search reports to, null for none. Set while no search runs.
     void SetSearchDialog(CMessageTarget* dialog);
+    /// From a search's start until its worker adds no candidate any more, also after it was told to stop.
+    [[nodiscard]] bool IsSearching() const { return searchDialog_ != nullptr; }
 
     /// To be called when a new progress bar stands, or the phase has changed that its text names: the next
     /// look at the progress is passed on whatever it says.
