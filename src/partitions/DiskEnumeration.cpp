@@ -1,6 +1,5 @@
 #include "partitions/DiskEnumeration.h"
 
-#include "platform/Medium.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -58,19 +57,18 @@ std::string SerialText(const std::string& serial) {
     return serial.empty() ? kNotAvailable : serial;
 }
 
-std::uint64_t OpenedSize(const std::string& path) {
-    const MediumResult medium = OpenMedium(path);
-    return medium.Handle != nullptr ? medium.Handle->SizeBytes() : 0;
-}
-
 } // namespace
 
 std::vector<DiskInfo> EnumerateDisks() {
     std::vector<DiskInfo> disks;
     for (const DiskProperties& listed : ListDisks()) {
-        if (auto disk = DescribeDisk(listed, OpenedSize(listed.Path))) {
-            disks.push_back(std::move(*disk));
+        if (listed.BytesPerSector == 0) {
+            continue; // an empty drive need not be opened
         }
+        const DiskSize size = QueryDiskBytes(listed.Path);
+        disks.push_back(*DescribeDisk(listed, size.Bytes));
+        disks.back().OpenError = size.OpenError;
+        disks.back().AccessError = size.AccessError;
     }
     return disks;
 }

@@ -9,19 +9,21 @@
 
 namespace thntfs {
 
-/// One physical disk as it is shown. All fields are text, numbers too.
+/// One physical disk as it is shown. All that is shown is text, numbers too.
 struct DiskInfo {
-    std::string Name;           ///< the device's name without the folder of devices: "sda"
-    std::string MediaType;      ///< "Removable media" for a disk on the USB interface
-    std::string InterfaceType;  ///< "USB", "IDE", …
-    std::string TotalSectors;   ///< decimal
-    std::string TotalCylinders; ///< decimal
-    std::string TotalHeads;     ///< decimal
-    std::string Size;           ///< for people: "465.76 GB"
-    std::string Serial;         ///< "N/A" where there is none
-    std::string Revision;       ///< of the firmware
-    std::string Model;          ///< "USB mobile disk " for a disk on the USB interface
-    std::string BytesPerSector; ///< decimal
+    std::string Name;                   ///< the device's name without the folder of devices: "sda"
+    std::string MediaType;              ///< "Removable media" for a disk on the USB interface
+    std::string InterfaceType;          ///< "USB", "IDE", …
+    std::string TotalSectors;           ///< decimal
+    std::string TotalCylinders;         ///< decimal
+    std::string TotalHeads;             ///< decimal
+    std::string Size;                   ///< for people: "465.76 GB"
+    std::string Serial;                 ///< "N/A" where there is none
+    std::string Revision;               ///< of the firmware
+    std::string Model;                  ///< "USB mobile disk " for a disk on the USB interface
+    std::string BytesPerSector;         ///< decimal
+    ErrorCode OpenError = kErrorNone;   ///< why the disk could not be opened
+    ErrorCode AccessError = kErrorNone; ///< why the opened disk did not tell its size
 };
 
 /// The disks of this machine, in the order of the system's list. Opens each for a moment to ask for its size.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ErrorCodes.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -32,5 +34,15 @@ struct DiskProperties {
 /// All disks: hard disks, memory cards and sticks, RAID arrays, and loop devices that show something. Ordered
 /// by kind, then as people count them (sda, sdb, …, sdaa).
 std::vector<DiskProperties> ListDisks();
+
+/// What an opened disk tells of its size.
+struct DiskSize {
+    std::uint64_t Bytes = 0;            ///< 0 where either call failed
+    ErrorCode OpenError = kErrorNone;   ///< of its opening
+    ErrorCode AccessError = kErrorNone; ///< of asking for the size
+};
+
+/// Opens a disk by the path of its block device, and closes it again. Nothing is read from it.
+DiskSize QueryDiskBytes(const std::string& devicePath);
 
 } // namespace thntfs

@@ -29,6 +29,20 @@ const QString kStartUpKey = QStringLiteral("Wizard/StartUp");
 constexpr std::size_t kMaxDisks = kNoDisk; // positions are bytes, and this one means none
 constexpr int kMargin = 10;
 
+// The system's figures stand in the list all the same. A loop device is no disk that could be broken.
+void TellUnreadable(const DiskInfo& disk) {
+    if (disk.InterfaceType == "Loop") {
+        return;
+    }
+    if (disk.OpenError != kErrorNone) {
+        ShowBox(QStringLiteral("Disk Opening Error #%1").arg(disk.OpenError), QStringLiteral("Information"),
+                BoxIcon::Information);
+    } else if (disk.AccessError != kErrorNone) {
+        ShowBox(QStringLiteral("Error accessing device %1").arg(disk.AccessError), QStringLiteral("Error"),
+                BoxIcon::Stop);
+    }
+}
+
 } // namespace
 
 CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std::vector<DiskInfo> disks)
@@ -38,6 +52,7 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std
     setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Wizard"));
     setWindowIcon(LoadIcon("wizard"));
     Disks.resize(std::min(Disks.size(), kMaxDisks));
+    std::for_each(Disks.begin(), Disks.end(), TellUnreadable);
     RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0 ? 1 : 0;
     header_ = new CWizardHeader(this);
     stack_ = new QStackedWidget(this);

@@ -44,7 +44,7 @@ inline constexpr unsigned kButtonDisabledFinish = 8;
 class CWizardSheet : public QDialog {
 public:
     /// `logicalDriveNumber` is the frame's, written by a click in the list of partitions. `disks` is what the
-    /// disk pages offer.
+    /// disk pages offer; a box tells of each that can't be opened.
     CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber,
                  std::vector<DiskInfo> disks = EnumerateDisks());
     ~CWizardSheet() override;

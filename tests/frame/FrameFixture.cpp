@@ -49,6 +49,7 @@ FrameFixture::FrameFixture() {
     ResetEngineState();
     Engine.StructuresMissing = 0;
     Engine.TurboScanUsed = 0;
+    Answers.Passed = QStringLiteral("Disk Opening Error"); // this machine's own
     Frame = std::make_unique<CMainFrame>();
     Frame->resize(1100, 750);
     Frame->show();

@@ -1,6 +1,7 @@
 // From Ctrl+W to a filled tree, by mouse and keys.
 
 #include "FrameFixture.h"
+#include "shell/DesktopHost.h"
 #include "support/BuildPaths.h"
 #include "support/LoopDevice.h"
 #include "support/desktop/ModalSteps.h"
@@ -232,6 +233,9 @@ TEST_F(WholeRoad, AFoundDriveIsOpenedAgain) {
     });
     RunWizard();
     EXPECT_TRUE(Frame->TreeView->IsEmpty());
+    TheDesktopHost().SetSearchDialog(Frame.get());
+    EXPECT_FALSE(Frame->State().HasPartitions) << "a search's thread has the list";
+    TheDesktopHost().SetSearchDialog(nullptr);
     TakeRow(0);
     PressKey(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(Steps.AllDone());
@@ -290,6 +294,8 @@ TEST_F(WholeRoad, ADroppedImageOpensTheImagePage) {
 TEST_F(WholeRoad, ADroppedSavedScanIsLoaded) {
     Drop(SavedScanOf(Volume("basic.img")));
     EXPECT_TRUE(WaitUntil([this] { return !Frame->TreeView->IsEmpty(); }));
+    Drop(Folder.Path()); // is refused
+    EXPECT_TRUE(WaitUntil([this] { return !Answers.Boxes.empty(); }));
 }
 
 TEST_F(WholeRoad, ADiskOfTheMachine) {

@@ -1,5 +1,6 @@
 #include "WizardFixture.h"
 #include "engine/EngineState.h"
+#include "support/BuildPaths.h"
 #include "wizard/ImageFileName.h"
 #include "wizard/InfoListBox.h"
 
@@ -100,6 +101,50 @@ TEST_F(PagesTest, ListsSayWhatIsTold) {
     });
     Run();
     EXPECT_EQ(shown, ToldTexts());
+}
+
+TEST_F(PagesTest, DisksThatCannotBeReadAreTold) {
+    auto disks = MadeUpDisks();
+    disks[0].OpenError = kErrorAccessDenied;
+    disks[1].AccessError = kErrorNotReady;
+    MakeSheet(disks);
+    EXPECT_EQ(BoxTexts(Answers),
+              (Texts{"Information: Disk Opening Error #5", "Error: Error accessing device 21"}));
+}
+
+TEST_F(PagesTest, KeysLeadThroughThePages) {
+    const auto key = [this](Qt::Key pressed) { QTest::keyClick(Sheet->focusWidget(), pressed); };
+    const auto tabs = [&] {
+        std::string order;
+        const QWidget* first = Sheet->focusWidget();
+        do {
+            const auto* button = qobject_cast<QAbstractButton*>(Sheet->focusWidget());
+            order += button != nullptr ? button->text().trimmed().toStdString() + "|" : "view|";
+            key(Qt::Key_Tab);
+        } while (Sheet->focusWidget() != first);
+        return order;
+    };
+    AtSheet([&] {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(Sheet.get()));
+        EXPECT_EQ(tabs(), "Recover &your Data|view|&Run wizard on startup|Cancel|Help|");
+        key(Qt::Key_Return); // chooses
+        key(Qt::Key_Return);
+        ChooseDisk(0);
+        EXPECT_EQ(tabs(), "view|&Display default partition(s)|view|&Run wizard on startup|< &Back|&Next >|"
+                          "Cancel|Help|");
+        ButtonOf(*Sheet, "Cancel")->setFocus();
+        key(Qt::Key_Return);
+        key(Qt::Key_Escape);
+        EXPECT_EQ(BoxTexts(Answers), (Texts(2, "Confirm: Do you want to close wizard?")));
+        ButtonOf(*Sheet, "< Back")->setFocus();
+        key(Qt::Key_Return);
+        GoToImagePage(VolumePath("basic"));
+        key(Qt::Key_Return);
+        key(Qt::Key_Down);
+        EXPECT_EQ(Buttons(), "< Back Finish");
+        Close();
+    });
+    Run();
 }
 
 struct TaskCase {

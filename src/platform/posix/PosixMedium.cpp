@@ -1,3 +1,4 @@
+#include "platform/DiskListing.h"
 #include "platform/Medium.h"
 #include "platform/posix/ErrnoMap.h"
 #include "platform/posix/FileDescriptor.h"
@@ -242,6 +243,18 @@ ErrorCode OpenForReading(const std::string& path, FileDescriptor& descriptor) {
 }
 
 } // namespace
+
+DiskSize QueryDiskBytes(const std::string& devicePath) {
+    FileDescriptor descriptor;
+    MediumShape shape;
+    DiskSize size;
+    size.OpenError = OpenForReading(devicePath, descriptor);
+    if (size.OpenError == kErrorNone) {
+        size.AccessError = ShapeOf(descriptor.Get(), shape);
+        size.Bytes = size.AccessError == kErrorNone ? shape.SizeBytes : 0;
+    }
+    return size;
+}
 
 MediumResult OpenMedium(const std::string& path) {
     FileDescriptor descriptor;

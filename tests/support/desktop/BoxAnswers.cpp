@@ -30,7 +30,10 @@ BoxAnswers::BoxAnswers() {
 
 void BoxAnswers::Look() {
     QWidget* modal = QApplication::activeModalWidget();
-    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+    auto* box = qobject_cast<QMessageBox*>(modal);
+    if (box != nullptr && !Passed.isEmpty() && box->text().startsWith(Passed)) {
+        box->accept();
+    } else if (box != nullptr) {
         AnswerBox(*box);
     } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
         AnswerFileDialog(*dialog);

@@ -36,6 +36,9 @@ public:
     std::vector<QString> SuggestedFiles; ///< what stood in the file dialogs
     std::vector<QStringList> FileFilters;
 
+    /// Boxes that begin so are closed at once and not remembered.
+    QString Passed;
+
     /// Done as long as a box stands, before it is answered: a box is answered only when this says so. Empty
     /// for at once.
     std::function<bool(const QMessageBox& box)> MayAnswer;
