@@ -20,12 +20,20 @@ using namespace thntfs;
 
 constexpr const char* kNoFolder = "/dev/null"; // nothing can be created below it
 
-void ReadCommandLine(const QApplication& application) {
+// The file to open, empty for none.
+QString ReadCommandLine(const QApplication& application) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Gets files back from damaged NTFS volumes."));
     parser.addHelpOption();
     parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("file"),
+                                 QStringLiteral("An image, or saved scan information, to open."),
+                                 QStringLiteral("[FILE]"));
     parser.process(application);
+    if (parser.positionalArguments().size() > 1) {
+        parser.showHelp(2);
+    }
+    return parser.positionalArguments().value(0);
 }
 
 // False where the program runs already, or can't tell.
@@ -51,7 +59,7 @@ void ChooseCatalogueFolder(WorkFolder& ofThisRun) {
     Engine.CatalogueFolder = ofThisRun.Create() == kErrorNone ? ofThisRun.Path() : kNoFolder;
 }
 
-int RunProgram(QApplication& application) {
+int RunProgram(QApplication& application, const QString& file) {
     OnInterrupt(Engine.ScanRunFlag);
     WorkFolder ofThisRun;
     ChooseCatalogueFolder(ofThisRun);
@@ -59,7 +67,9 @@ int RunProgram(QApplication& application) {
     SetHost(&TheDesktopHost());
     CMainFrame frame;
     frame.showMaximized();
-    if (WantsWizard()) {
+    if (!file.isEmpty()) {
+        QTimer::singleShot(0, &frame, [&frame, &file] { frame.OpenFile(file); });
+    } else if (WantsWizard()) {
         QTimer::singleShot(0, &frame, [&frame] { frame.RunCommand(kCmdWizard); });
     }
     const int status = application.exec();
@@ -73,7 +83,7 @@ int RunProgram(QApplication& application) {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
-    ReadCommandLine(application);
+    const QString file = ReadCommandLine(application);
     InstanceLock lock;
-    return TakeInstance(lock) ? RunProgram(application) : 1;
+    return TakeInstance(lock) ? RunProgram(application, file) : 1;
 }

@@ -51,6 +51,10 @@ public:
     /// Runs the wizard; with a path, from the page of image files on.
     void RunWizard(const QString& imagePath = {});
 
+    /// Opens a file as if it had been dropped: saved scan information is loaded, anything else goes to the
+    /// wizard as an image.
+    void OpenFile(const QString& path);
+
     /// Loads a scan's result, or a search's, from a file, as the commands do once the file has been chosen.
     void LoadTreeInfoFrom(const QString& path);
     void LoadPartitionInfoFrom(const QString& path);
@@ -112,7 +116,6 @@ private:
     bool RunViewCommand(std::uint32_t command);
     bool RunHelpCommand(std::uint32_t command);
     void OpenFoundDrive();
-    void OpenDropped(const QString& path);
     void ShowAbout();
     void TellNotBuilt(const QString& what);
     void SetViewMode(std::uint32_t command);

@@ -7,10 +7,12 @@
 #include "frame/CommandTable.h"
 #include "frame/MainFrame.h"
 #include "scaninfo/ScanInfo.h"
+#include "shell/Boxes.h"
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QStatusBar>
 #include <QStyleFactory>
@@ -32,6 +34,15 @@ QString PlainTitle(std::uint32_t command) {
 QString DroppedFile(const QMimeData* data) {
     const QList<QUrl> urls = data->urls();
     return urls.size() == 1 && urls.front().isLocalFile() ? urls.front().toLocalFile() : QString();
+}
+
+// Why a file can't be opened, empty where it can.
+QString FaultOf(const QFileInfo& file) {
+    if (file.isDir()) {
+        return file.filePath() + QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
+                                                "saved scan information (.tht, .thd).");
+    }
+    return file.exists() ? QString() : file.filePath() + QStringLiteral(" isn't there.");
 }
 
 } // namespace
@@ -200,10 +211,15 @@ void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
 // The file is opened once the drop is over: the program that it comes from waits until then.
 void CMainFrame::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenDropped(path); });
+    QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenFile(path); });
 }
 
-void CMainFrame::OpenDropped(const QString& path) {
+void CMainFrame::OpenFile(const QString& path) {
+    const QString fault = FaultOf(QFileInfo(path));
+    if (!fault.isEmpty()) {
+        ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);
+        return;
+    }
     const ScanInfoKind kind = ProbeScanInfo(path.toStdString()).Kind;
     if (kind == ScanInfoKind::None) {
         RunWizard(path);
