@@ -5,9 +5,9 @@
 #include "content/TargetRules.h"
 #include "engine/EngineState.h"
 #include "platform/Paths.h"
+#include "platform/ReplacementFile.h"
 #include "platform/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
-#include "scaninfo/ReplacementFile.h"
 #include "scaninfo/ScanInfoNames.h"
 #include "scaninfo/TreeInfoFile.h"
 

@@ -1,7 +1,7 @@
 #include "disktools/CopyMapFile.h"
 
 #include "platform/File.h"
-#include "platform/ReplaceFile.h"
+#include "platform/ReplacementFile.h"
 
 #include <algorithm>
 #include <memory>
@@ -54,7 +54,12 @@ std::string MapPathOf(const std::string& imagePath) { return imagePath + ".map";
 ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& place,
                   const std::string& comment) {
     const std::string text = TextOfMap(map, place, comment);
-    return ReplaceFile(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    ReplacementFile file;
+    ErrorCode code = file.Create(path);
+    if (code == kErrorNone) {
+        code = file.Handle().Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    }
+    return code == kErrorNone ? file.Commit() : code;
 }
 
 std::string OneLine(std::string text) {

@@ -2,8 +2,8 @@
 
 #include "engine/EngineState.h"
 #include "platform/Host.h"
+#include "platform/ReplacementFile.h"
 #include "platform/Text.h"
-#include "scaninfo/ReplacementFile.h"
 
 #include <exception>
 

@@ -1,0 +1,203 @@
+#include "platform/Paths.h"
+#include "platform/ReplacementFile.h"
+#include "platform/posix/ErrnoMap.h"
+#include "platform/posix/FileDescriptor.h"
+#include "platform/posix/PosixFile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <random>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kKeptNameBytes = 200; // leaves room for what is appended
+constexpr unsigned kMaxTries = 100;
+constexpr std::string_view kMark = ".th-ntfs-";
+constexpr std::size_t kDigits = 12;
+constexpr std::string_view kEnd = ".part";
+constexpr mode_t kRights = 0777;
+
+// What opening the target for writing would say. A name that is free is as good as a file.
+ErrorCode TryTarget(const std::string& target) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(target, failure);
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        return fs::is_directory(status) ? kErrorDirectory : kErrorAccessDenied;
+    }
+    std::unique_ptr<File> older;
+    const ErrorCode code = Files().Open(target, FileMode::OpenReadWrite, older);
+    return code == kErrorFileNotFound ? kErrorNone : code;
+}
+
+fs::path FolderOf(const std::string& target) {
+    const fs::path folder = fs::path(target).parent_path();
+    return folder.empty() ? fs::path(".") : folder;
+}
+
+/// How the names of a target's parts begin.
+std::string StemOf(const std::string& target) {
+    return fs::path(target).filename().string().substr(0, kKeptNameBytes) + std::string(kMark);
+}
+
+std::string RandomDigits() {
+    std::random_device source;
+    const std::uint64_t number = std::uint64_t{source()} << 32U | source();
+    std::array<char, kDigits + 1> text{};
+    std::snprintf(text.data(), text.size(), "%012llx",
+                  static_cast<unsigned long long>(number & 0xFFFFFFFFFFFFU));
+    return text.data();
+}
+
+bool IsPartName(std::string_view name, std::string_view stem) {
+    return name.size() == stem.size() + kDigits + kEnd.size() && name.starts_with(stem) &&
+           name.ends_with(kEnd) &&
+           name.substr(stem.size(), kDigits).find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+/// True where the path still names the open file.
+bool StillNames(const std::string& path, const FileDescriptor& descriptor) {
+    struct stat open {};
+    struct stat named {};
+    return ::fstat(descriptor.Get(), &open) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+/// The lock of a part is held as long as its writer lives, so who can take it may take the part away. A
+/// file system without locks gives none, and keeps its parts.
+void RemoveIfLeft(const std::string& path) {
+    const FileDescriptor part = OpenDescriptor(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    struct stat status {};
+    if (part.IsOpen() && ::fstat(part.Get(), &status) == 0 && S_ISREG(status.st_mode) &&
+        status.st_uid == ::geteuid() && ::flock(part.Get(), LOCK_EX | LOCK_NB) == 0 &&
+        StillNames(path, part)) {
+        ::unlink(path.c_str());
+    }
+}
+
+void RemoveLeftParts(const std::string& target) {
+    const std::string stem = StemOf(target);
+    std::error_code failure;
+    for (fs::directory_iterator entry(FolderOf(target), failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        if (IsPartName(entry->path().filename().string(), stem)) {
+            RemoveIfLeft(entry->path().string());
+        }
+    }
+}
+
+/// A new name is on the disk only once its folder is. A folder that can't be opened or asked for that is left
+/// alone.
+ErrorCode SyncFolder(const fs::path& path) {
+    const FileDescriptor folder = OpenDescriptor(path.c_str(), O_RDONLY | O_DIRECTORY);
+    if (!folder.IsOpen() || ::fsync(folder.Get()) == 0 || errno == EINVAL || errno == ENOTSUP ||
+        errno == EROFS) {
+        return kErrorNone;
+    }
+    return FileErrorOfErrno(errno);
+}
+
+} // namespace
+
+/// The file under its own name. Its lock stands until it has the target's, or is gone.
+class ReplacementFile::Part {
+public:
+    Part() = default;
+    ~Part() {
+        if (!path_.empty()) {
+            ::unlink(path_.c_str());
+        }
+    }
+    Part(const Part&) = delete;
+    Part& operator=(const Part&) = delete;
+
+    ErrorCode Create(const std::string& target, std::unique_ptr<File>& file) {
+        ErrorCode code = kErrorFileExists;
+        for (unsigned i = 0; code == kErrorFileExists && i < kMaxTries; ++i) {
+            code = TryCreate(
+                (FolderOf(target) / (StemOf(target) + RandomDigits() + std::string(kEnd))).string());
+        }
+        FileDescriptor written(code == kErrorNone ? ::fcntl(lock_.Get(), F_DUPFD_CLOEXEC, 0) : -1);
+        if (code != kErrorNone || !written.IsOpen()) {
+            return code != kErrorNone ? code : FileErrorOfErrno(errno);
+        }
+        file = MakePosixFile(std::move(written));
+        return Files().Admit(file);
+    }
+
+    // What only its owner could read must not become readable to all, or to another group.
+    void TakeRightsOf(const std::string& older) const {
+        struct stat status {};
+        if (::stat(older.c_str(), &status) != 0) {
+            return;
+        }
+        const bool sameOwners = ::fchown(lock_.Get(), status.st_uid, status.st_gid) == 0;
+        (void)::fchmod(lock_.Get(), status.st_mode & kRights & ~(sameOwners ? 0U : unsigned{S_IRWXG}));
+    }
+
+    ErrorCode Rename(const std::string& target) {
+        if (std::rename(path_.c_str(), target.c_str()) != 0) {
+            return FileErrorOfErrno(errno);
+        }
+        path_.clear();
+        return SyncFolder(FolderOf(target));
+    }
+
+private:
+    // Somebody who takes left parts away may have come before the lock.
+    ErrorCode TryCreate(const std::string& path) {
+        FileDescriptor created =
+            OpenDescriptor(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_NOCTTY, 0666);
+        if (!created.IsOpen()) {
+            return FileErrorOfErrno(errno);
+        }
+        if ((::flock(created.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) ||
+            !StillNames(path, created)) {
+            return kErrorFileExists;
+        }
+        lock_ = std::move(created);
+        path_ = path;
+        return kErrorNone;
+    }
+
+    std::string path_; ///< empty where there is no file of ours
+    FileDescriptor lock_;
+};
+
+ReplacementFile::ReplacementFile() = default;
+ReplacementFile::~ReplacementFile() = default;
+
+ErrorCode ReplacementFile::Create(const std::string& target) {
+    target_ = BehindLinks(target);
+    const ErrorCode code = TryTarget(target_);
+    if (code != kErrorNone) {
+        return code;
+    }
+    RemoveLeftParts(target_);
+    part_ = std::make_unique<Part>();
+    return part_->Create(target_, file_);
+}
+
+ErrorCode ReplacementFile::Commit() {
+    ErrorCode code = file_->Sync();
+    code = code == kErrorNone ? file_->Close() : code;
+    if (code != kErrorNone) {
+        return code;
+    }
+    part_->TakeRightsOf(target_);
+    return part_->Rename(target_);
+}
+
+} // namespace thntfs
