@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <new>
 
 namespace thntfs {
@@ -32,8 +31,8 @@ void RaiseFailedWrite(ErrorCode code) {
 }
 
 void WritePaged(PagedFile& file, std::uint64_t offset, ConstBytes bytes) {
-    if (offset + bytes.size() > std::numeric_limits<std::uint32_t>::max()) {
-        RaiseFatal(kErrorFileTooLarge); // offsets in the catalogue have 32 bits
+    if (offset + bytes.size() > kMaxCatalogueFileBytes) {
+        RaiseFatal(kErrorFileTooLarge);
     }
     RaiseFailedWrite(file.WriteAt(offset, bytes));
 }

@@ -16,13 +16,20 @@ std::string SerialText(std::uint64_t serial) {
     return text.data();
 }
 
+std::string PlaceText(std::uint64_t startSector, std::uint64_t totalSectors) {
+    return "start sector " + std::to_string(startSector) + ", " + std::to_string(totalSectors) +
+           " sectors (" + ByteText(totalSectors * Engine.SourceDisk.BytesPerSector) + ")";
+}
+
+std::string UnusableText(const TableVolume& entry) {
+    return PlaceText(entry.StartSector, entry.TotalSectors) + ": " + ProblemText(entry.State);
+}
+
 } // namespace
 
 std::string CandidateText(unsigned number, const PartitionCandidate& candidate) {
-    const std::uint64_t bytes = candidate.TotalSectors * Engine.SourceDisk.BytesPerSector;
-    return std::to_string(number) + "  start sector " + std::to_string(candidate.StartSector) + ", " +
-           std::to_string(candidate.TotalSectors) + " sectors (" + ByteText(bytes) + "), clusters of " +
-           std::to_string(candidate.ClusterBytes) + " bytes, records of " +
+    return std::to_string(number) + "  " + PlaceText(candidate.StartSector, candidate.TotalSectors) +
+           ", clusters of " + std::to_string(candidate.ClusterBytes) + " bytes, records of " +
            std::to_string(candidate.FileRecordBytes) + " bytes, serial " + SerialText(candidate.VolumeSerial);
 }
 
@@ -40,6 +47,37 @@ nlohmann::ordered_json CandidateJson(unsigned number, const PartitionCandidate& 
             {"mftMirrCluster", candidate.MftMirrCluster},
             {"serial", SerialText(candidate.VolumeSerial)},
             {"evidence", candidate.EvidenceFlags}};
+}
+
+std::string VolumeText(const ListedVolume& volume) {
+    if (volume.Candidate != nullptr) {
+        return CandidateText(volume.Number, *volume.Candidate);
+    }
+    return std::to_string(volume.Number) + "  " + UnusableText(volume.Entry);
+}
+
+nlohmann::ordered_json VolumeJson(const ListedVolume& volume) {
+    if (volume.Candidate != nullptr) {
+        return CandidateJson(volume.Number, *volume.Candidate);
+    }
+    return {{"number", volume.Number},
+            {"startSector", volume.Entry.StartSector},
+            {"totalSectors", volume.Entry.TotalSectors},
+            {"problem", ProblemText(volume.Entry.State)}};
+}
+
+void TellUnusableVolumes() {
+    bool told = false;
+    for (const ListedVolume& volume : ListVolumes()) {
+        if (volume.Candidate == nullptr) {
+            PrintMessage("Partition " + std::to_string(volume.Number) + ", " + UnusableText(volume.Entry));
+            told = true;
+        }
+    }
+    if (told) {
+        PrintMessage("It holds another file system, or its beginning is damaged. --search thorough finds an "
+                     "NTFS volume in spite of that.");
+    }
 }
 
 } // namespace thntfs

@@ -5,6 +5,9 @@
 #include "cli/ScanInfoSteps.h"
 #include "cli/Session.h"
 #include "engine/EngineState.h"
+#include "partitions/VolumeList.h"
+
+#include <algorithm>
 
 namespace thntfs {
 
@@ -23,20 +26,37 @@ std::string Indented(const std::string& text) {
 
 // One at a time: a saved list may hold millions.
 void PrintCandidates(Output& output, bool asJson) {
-    unsigned number = 0;
-    for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-         candidate = candidate->Next.get()) {
-        ++number;
+    const std::vector<ListedVolume> volumes = ListVolumes();
+    for (const ListedVolume& volume : volumes) {
         if (asJson) {
-            output.Put(number == 1 ? "[\n" : ",\n");
-            output.Put(Indented(CandidateJson(number, *candidate).dump(2)));
+            output.Put(volume.Number == 1 ? "[\n" : ",\n");
+            output.Put(Indented(VolumeJson(volume).dump(2)));
         } else {
-            output.Put(CandidateText(number, *candidate) + "\n");
+            output.Put(VolumeText(volume) + "\n");
         }
     }
     if (asJson) {
-        output.Put(number == 0 ? "[]\n" : "\n]\n");
+        output.Put(volumes.empty() ? "[]\n" : "\n]\n");
     }
+}
+
+// A saved list has no place for what can't be taken.
+void TellSavedNumbers() {
+    const std::size_t usable = Engine.SourceDisk.Partitions.Count();
+    if (ListVolumes().size() != usable) {
+        PrintMessage("The saved list holds the usable partitions alone, with the numbers 1 to " +
+                     std::to_string(usable) + ".");
+    }
+}
+
+// Another file system is no fault; what couldn't be read, or had no room, is missing from the list.
+int WithMissingVolumes(int code) {
+    const auto unread = [](const TableVolume& entry) {
+        return entry.State == TableVolumeState::Unreadable || entry.State == TableVolumeState::LostTable;
+    };
+    const bool missing = Engine.SearchLimits != 0 ||
+                         std::any_of(Engine.TableVolumes.begin(), Engine.TableVolumes.end(), unread);
+    return code == kExitDone && missing ? int{kExitDoneInPart} : code;
 }
 
 } // namespace
@@ -45,7 +65,11 @@ int RunPartitions(const Options& options) {
     Session session(options);
     int code = session.OpenMedium();
     if (!Engine.SourceDisk.Partitions.Empty()) {
-        code = SaveScanInfo(options, code);
+        TellUnusableVolumes();
+        code = SaveScanInfo(options, WithMissingVolumes(code));
+        if (options.SaveInfo) {
+            TellSavedNumbers();
+        }
     }
     Output output;
     if (code == kExitDone || code == kExitDoneInPart || options.Json) {

@@ -4,6 +4,7 @@
 #include "cli/Output.h"
 #include "engine/EngineState.h"
 #include "partitions/PartitionSearch.h"
+#include "partitions/VolumeList.h"
 #include "platform/Interrupt.h"
 #include "scaninfo/JobLog.h"
 
@@ -28,6 +29,9 @@ int SearchMedium(const Options& options, TerminalHost& host) {
     Engine.ScanRunFlag = 0;
     host.Bar.End();
     LogSearchEnded(complete != 0);
+    if (const std::string limits = SearchLimitText(); !limits.empty()) {
+        PrintMessage(limits);
+    }
     if (complete == 0) {
         PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) +
                      " volumes were found so far.");

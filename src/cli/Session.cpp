@@ -12,6 +12,7 @@
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
+#include "partitions/VolumeList.h"
 #include "platform/Interrupt.h"
 #include "platform/Paths.h"
 #include "scaninfo/JobLog.h"
@@ -24,20 +25,35 @@ namespace thntfs {
 
 namespace {
 
-const PartitionCandidate* CandidateNumber(unsigned number) {
-    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
-    for (; candidate != nullptr && number > 1; --number) {
-        candidate = candidate->Next.get();
+void TellVolumes(const std::vector<ListedVolume>& volumes) {
+    for (const ListedVolume& volume : volumes) {
+        PrintMessage("  " + VolumeText(volume));
     }
-    return candidate;
 }
 
-void TellCandidates() {
-    unsigned number = 0;
-    for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-         candidate = candidate->Next.get()) {
-        PrintMessage("  " + CandidateText(++number, *candidate));
+// Gives the candidate that the words choose; null, with the exit code, where they choose none.
+const PartitionCandidate* ChooseVolume(const std::optional<unsigned>& wanted, int& code) {
+    const std::vector<ListedVolume> volumes = ListVolumes();
+    const unsigned number = wanted.value_or(1);
+    code = kExitWrongWords;
+    if (!wanted && volumes.size() > 1) {
+        PrintMessage("There are " + std::to_string(volumes.size()) +
+                     " partitions; choose one with --partition N:");
+        TellVolumes(volumes);
+        return nullptr;
     }
+    if (number > volumes.size()) {
+        PrintMessage("There is no partition " + std::to_string(number) + "; these were found:");
+        TellVolumes(volumes);
+        return nullptr;
+    }
+    const ListedVolume& chosen = volumes[number - 1];
+    if (chosen.Candidate == nullptr) {
+        PrintMessage("Partition " + std::to_string(number) + " can't be taken: " +
+                     ProblemText(chosen.Entry.State) + ". --search thorough looks for its volume.");
+        code = kExitFailed;
+    }
+    return chosen.Candidate;
 }
 
 } // namespace
@@ -136,12 +152,29 @@ int Session::FindVolumes() {
         if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
             return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
-        PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
-        PrintMessage("Use --search quick or --search thorough to find volumes that the table doesn't name.");
-        return kExitFailed;
+        return TellNoVolumeInTable();
     }
     LogMedium();
     return kExitDone;
+}
+
+// A medium that gives nothing at all has no missing table, and searching it would find nothing.
+int Session::TellNoVolumeInTable() const {
+    const MediumAnswer answer = AskMedium();
+    if (!answer.Answers) {
+        PrintMessage(options_.Medium + " can't be read: " + SystemErrorText(answer.FirstSector) +
+                     " If it is a disk, look whether it is still attached.");
+        return kExitFailed;
+    }
+    if (answer.FirstSector != kErrorNone) {
+        PrintMessage("The partition table of " + options_.Medium +
+                     " can't be read: " + SystemErrorText(answer.FirstSector));
+    } else {
+        PrintMessage("No NTFS volume stands in the partition table of " + options_.Medium + ".");
+    }
+    TellUnusableVolumes();
+    PrintMessage("Use --search quick or --search thorough to find volumes that the table doesn't name.");
+    return kExitFailed;
 }
 
 void Session::LogMedium() const {
@@ -161,18 +194,10 @@ int Session::OpenVolume() {
 }
 
 int Session::TakeVolume() {
-    const std::size_t count = Engine.SourceDisk.Partitions.Count();
-    if (!options_.Partition && count > 1) {
-        PrintMessage("There are " + std::to_string(count) + " partitions; choose one with --partition N:");
-        TellCandidates();
-        return kExitWrongWords;
-    }
-    const unsigned number = options_.Partition.value_or(1);
-    const PartitionCandidate* candidate = CandidateNumber(number);
+    int code = kExitDone;
+    const PartitionCandidate* candidate = ChooseVolume(options_.Partition, code);
     if (candidate == nullptr) {
-        PrintMessage("There is no partition " + std::to_string(number) + "; these were found:");
-        TellCandidates();
-        return kExitWrongWords;
+        return code;
     }
     LoadVolumeParams(*candidate);
     if (const std::string fault = ClusterFault(); !fault.empty()) {
@@ -181,7 +206,7 @@ int Session::TakeVolume() {
     }
     const bool located = LocateMft() != 0;
     if (located) {
-        LogPartitionChosen(number, *candidate);
+        LogPartitionChosen(options_.Partition.value_or(1), *candidate);
     }
     if (!located && !options_.Turbo) {
         PrintMessage(

@@ -49,6 +49,7 @@ private:
     int LoadTree();
     int LoadPartitions();
     int FindVolumes();
+    [[nodiscard]] int TellNoVolumeInTable() const;
     void LogMedium() const;
     int TakeVolume();
     int MakeCatalogueFolder();

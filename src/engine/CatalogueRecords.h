@@ -9,6 +9,10 @@
 
 namespace thntfs {
 
+/// A file of the catalogue grows no further: offsets within it have 32 bits, and the last block that they can
+/// name stays free, so that a chain that begins there is empty.
+inline constexpr std::uint64_t kMaxCatalogueFileBytes = 0xFFFFFF80;
+
 /// Bits of an entry's Flags that the catalogue has taken over from the file attribute word.
 inline constexpr std::uint16_t kFlagLive = 8;
 inline constexpr std::uint16_t kFlagFolder = 16;

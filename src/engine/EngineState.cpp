@@ -44,6 +44,8 @@ void ResetEngineState() {
     Engine.Lists = ListReads();
     Engine.TableBytes = 0;
     Engine.TableCut = false;
+    Engine.TableVolumes.clear();
+    Engine.SearchLimits = 0;
     ++Engine.VolumeInWork;
 }
 

@@ -4,6 +4,7 @@
 #include "engine/ListReads.h"
 #include "engine/ScanLosses.h"
 #include "engine/StoredRecords.h"
+#include "engine/TableVolume.h"
 #include "platform/File.h"
 #include "platform/PagedFile.h"
 
@@ -36,6 +37,10 @@ struct EngineState {
     DiskRecord TargetDisk; ///< the target of a copy; only WriteHandle is used
     DiskRecord SourceDisk; ///< the medium under recovery
     thntfs::VolumeParams VolumeParams;
+    std::vector<TableVolume>
+        TableVolumes;              ///< of SourceDisk's partition table, in its order, the usable ones
+                                   ///< among them its candidates; empty where these come from elsewhere
+    std::uint8_t SearchLimits = 0; ///< bits kLimit… of the search that the candidates come from
 
     // The catalogue: three files and the folder tree, which exists only while a scan writes.
     std::string CatalogueFolder; ///< where the three files lie, without a slash at the end

@@ -15,7 +15,11 @@ std::uint64_t FarthestBelow(const PartitionCandidate& wanted) {
 
 } // namespace
 
-CandidateIndex::CandidateIndex() { Engine.SourceDisk.Partitions.Clear(); }
+CandidateIndex::CandidateIndex() {
+    Engine.SourceDisk.Partitions.Clear();
+    Engine.TableVolumes.clear();
+    Engine.SearchLimits = 0;
+}
 
 CandidateIndex::Layout CandidateIndex::LayoutOf(const PartitionCandidate& candidate) {
     return {candidate.MftCluster, candidate.MftMirrCluster, candidate.ClusterBytes,
@@ -57,8 +61,16 @@ void CandidateIndex::TakeFirst(const ByStart& starts, std::uint64_t lowest, std:
     }
 }
 
+bool CandidateIndex::HasRoom() const {
+    if (count_ < kMaxCandidates) {
+        return true;
+    }
+    Engine.SearchLimits |= kLimitCandidates;
+    return false;
+}
+
 bool CandidateIndex::Add(std::unique_ptr<PartitionCandidate> candidate) {
-    if (Full()) {
+    if (!HasRoom()) {
         return false;
     }
     PartitionCandidate& added = Engine.SourceDisk.Partitions.Append(std::move(candidate));

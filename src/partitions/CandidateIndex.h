@@ -11,12 +11,12 @@ namespace thntfs {
 
 /// The candidate list of SourceDisk while a search fills it, with the two look-ups that a search needs. A
 /// disk full of look-alikes would make a candidate of every pair of them; beyond kMaxCandidates none is
-/// added.
+/// added, and SearchLimits says so.
 class CandidateIndex {
 public:
     static constexpr std::size_t kMaxCandidates = 10000;
 
-    /// Frees the list of SourceDisk.
+    /// Frees the list of SourceDisk, and what was known of the partition table's volumes.
     CandidateIndex();
 
     /// The first candidate with the same serial, clusters of the table and its mirror, cluster and record
@@ -27,7 +27,8 @@ public:
     /// or at most its own SectorsPerCluster sectors below; null where there is none.
     [[nodiscard]] PartitionCandidate* FindSameLayout(const PartitionCandidate& wanted) const;
 
-    [[nodiscard]] bool Full() const { return count_ >= kMaxCandidates; }
+    /// True where one more has its place. Where it hasn't, that is noted in SearchLimits.
+    [[nodiscard]] bool HasRoom() const;
 
     /// Adds a candidate at the tail of the list. Gives false, and drops it, where the list is full.
     bool Add(std::unique_ptr<PartitionCandidate> candidate);

@@ -93,11 +93,16 @@ void Collect(ConstBytes checked, ConstBytes asItStands, std::uint64_t sector, Ev
              EvidenceList& list, std::size_t& count) {
     auto evidence = std::make_unique<MftEvidence>();
     evidence->SectorNumber = sector;
-    if (count < EvidenceCollector::kMaxEvidence && read(checked, *evidence) != 0 && Complete(*evidence)) {
-        HashContent(asItStands, *evidence);
-        list.Append(std::move(evidence));
-        ++count;
+    if (read(checked, *evidence) == 0 || !Complete(*evidence)) {
+        return;
     }
+    if (count == EvidenceCollector::kMaxEvidence) {
+        Engine.SearchLimits |= kLimitEvidence;
+        return;
+    }
+    HashContent(asItStands, *evidence);
+    list.Append(std::move(evidence));
+    ++count;
 }
 
 } // namespace

@@ -33,7 +33,7 @@ int ReadMftEvidence(ConstBytes record, MftEvidence& evidence);
 int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence);
 
 /// The two lists of a Thorough search, in the order of discovery. A list takes kMaxEvidence records; a disk
-/// with more holds nothing but copies.
+/// with more holds little but copies, and SearchLimits says so.
 class EvidenceCollector {
 public:
     static constexpr std::size_t kMaxEvidence = 16384;

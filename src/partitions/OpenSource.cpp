@@ -5,7 +5,9 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <algorithm>
 #include <bit>
+#include <vector>
 
 namespace thntfs {
 
@@ -60,6 +62,18 @@ ErrorCode OpenHandle(const std::string& path) {
     return medium.Error;
 }
 
+ErrorCode ReadOneSector(std::uint64_t sector) {
+    const DiskRecord& disk = Engine.SourceDisk;
+    std::vector<std::uint8_t> buffer(disk.BytesPerSector);
+    return disk.MediaHandle == nullptr ? kErrorInvalidHandle
+                                       : disk.MediaHandle->ReadAt(sector * disk.BytesPerSector, buffer);
+}
+
+// A code that a bad place may give, and a whole device that fails as well.
+bool MayBeOneSector(ErrorCode code) {
+    return code == kErrorCrc || code == kErrorSectorNotFound || code == kErrorIoDevice;
+}
+
 } // namespace
 
 bool SourceIsDevice() {
@@ -105,6 +119,18 @@ std::string OpenErrorText(ErrorCode code) {
                ? "It states sectors of a size that can't be read: powers of two from 512 "
                  "to 32768 bytes can."
                : SystemErrorText(code);
+}
+
+MediumAnswer AskMedium() {
+    MediumAnswer answer;
+    answer.FirstSector = ReadOneSector(0);
+    answer.Answers = answer.FirstSector == kErrorNone;
+    const std::uint64_t last = std::max<std::uint64_t>(Engine.SourceDisk.TotalSectors, 1) - 1;
+    for (const std::uint64_t sector : {last / 4, last / 2, last}) {
+        answer.Answers =
+            answer.Answers || (MayBeOneSector(answer.FirstSector) && ReadOneSector(sector) == kErrorNone);
+    }
+    return answer;
 }
 
 } // namespace thntfs

@@ -30,4 +30,13 @@ std::string OpenErrorText(ErrorCode code);
 /// True where SourceDisk is a device and not an image file.
 bool SourceIsDevice();
 
+/// Whether SourceDisk gives anything at all.
+struct MediumAnswer {
+    ErrorCode FirstSector = kErrorNone; ///< of reading sector 0
+    bool Answers = true; ///< sector 0 or another one, of a few all over the medium, can be read
+};
+
+/// Tries it, without a line in the log. A device that isn't there is asked once only.
+MediumAnswer AskMedium();
+
 } // namespace thntfs

@@ -31,7 +31,7 @@ void TakeSizeFromMirror(PartitionCandidate& candidate) {
 void AddOrMark(PartitionCandidate&& candidate, CandidateIndex& index) {
     if (PartitionCandidate* known = index.FindSameLayout(candidate); known != nullptr) {
         known->EvidenceFlags |= candidate.EvidenceFlags;
-    } else if (!index.Full()) {
+    } else if (index.HasRoom()) {
         index.Add(std::make_unique<PartitionCandidate>(std::move(candidate)));
     }
 }

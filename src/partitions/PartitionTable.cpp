@@ -36,22 +36,38 @@ TableEntry EntryAt(const TableBytes& table, std::size_t index) {
 
 bool IsLink(std::uint8_t type) { return type == 0x05 || type == 0x0F || type == 0x85; }
 
+bool WasReadWhole() { return Engine.BadSectors.empty() && Engine.UntriedFrom == kAllWereTried; }
+
 void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
+    // A read that ends the walk leaves it as what couldn't be read.
+    Engine.TableVolumes.push_back({start, sectorCount, TableVolumeState::Unreadable});
     std::vector<std::uint8_t> sector(
         std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
     ReadSectors(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), start);
     if (IsNtfsBootSector(sector) == 0) {
+        Engine.TableVolumes.back().State =
+            WasReadWhole() ? TableVolumeState::NoBootSector : TableVolumeState::Unreadable;
         return;
     }
     auto candidate = std::make_unique<PartitionCandidate>();
     DecodeTableBootSector(sector, start, sectorCount, *candidate);
     Engine.SourceDisk.Partitions.Append(std::move(candidate));
+    Engine.TableVolumes.back().State = TableVolumeState::Usable;
+}
+
+// The volumes of a table of the chain that can't be read are lost with all that follow. The first table
+// stands for itself: without it no volume is known.
+void NoteLostTable(std::uint64_t tableSector) {
+    if (tableSector != 0 && !WasReadWhole()) {
+        Engine.TableVolumes.push_back({tableSector, 0, TableVolumeState::LostTable});
+    }
 }
 
 // Takes the volumes of one table and gives the sector that its last link names, 0 where it has none.
 std::uint64_t ReadTable(std::uint64_t tableSector, std::uint64_t extendedBase) {
     TableBytes table{};
     ReadSectors(table, tableSector);
+    NoteLostTable(tableSector);
     if (U16At(table, kSignatureAt) != kSignature || EntryAt(table, 0).Type == kTypeEmpty) {
         return 0;
     }
@@ -84,6 +100,8 @@ void WalkTables() {
 
 int ReadPartitionTable() {
     Engine.SourceDisk.Partitions.Clear();
+    Engine.TableVolumes.clear();
+    Engine.SearchLimits = 0;
     try {
         WalkTables();
     } catch (const CUserException&) {

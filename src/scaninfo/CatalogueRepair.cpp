@@ -23,7 +23,7 @@ constexpr std::uint64_t kBlockSlotsAt = 8;
 constexpr std::uint16_t kMaxNameUnits = 255;
 
 // Behind the end of every catalogue, where a chain reads as empty.
-constexpr std::uint32_t kEmptyChain = 0xFFFFFF80;
+constexpr auto kEmptyChain = static_cast<std::uint32_t>(kMaxCatalogueFileBytes);
 
 /// Looks at one record, which may be cut short by the end of the file, and says whether it has changed it.
 using RecordVisitor = std::function<bool(Bytes record)>;

@@ -1,6 +1,7 @@
 #include "scaninfo/JobLog.h"
 
 #include "partitions/DiskEnumeration.h"
+#include "partitions/VolumeList.h"
 #include "platform/DiskIdentity.h"
 #include "platform/Host.h"
 #include "platform/SizeText.h"
@@ -72,6 +73,9 @@ void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector) {
 void LogSearchEnded(bool complete) {
     LogLine(complete ? "Completed Searching partitions" : "Aborted searching partitions", kSearchRule,
             EndStatus(complete));
+    if (const std::string limits = SearchLimitText(); !limits.empty()) {
+        LogLine(limits, kSearchRule, kLogFailed);
+    }
 }
 
 void LogBasicScanStarted() {

@@ -17,6 +17,7 @@ void LogDiskChosen(const std::string& path, bool searched);
 void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate);
 
 void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector);
+/// Followed by a line where the search has left something out.
 void LogSearchEnded(bool complete);
 
 void LogBasicScanStarted();

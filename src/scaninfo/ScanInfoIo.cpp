@@ -1,16 +1,13 @@
 #include "scaninfo/ScanInfoIo.h"
 
-#include "engine/LittleEndian.h"
+#include "engine/CatalogueRecords.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <limits>
 
 namespace thntfs {
 
 namespace {
-
-constexpr std::uint64_t kMaxCatalogueFileBytes = std::numeric_limits<std::uint32_t>::max();
 
 // Opening a pipe would wait for somebody to write to it.
 ErrorCode OpenOrdinary(const std::string& path, std::unique_ptr<File>& file) {

@@ -12,7 +12,6 @@ namespace {
 constexpr const char* kForeignCatalogue =
     "Not saved: the scan's result belongs to another medium or partition than the one that is open now.";
 constexpr std::uint32_t kSeparator = 0x01010101;
-constexpr std::uint64_t kMaxCatalogueFileBytes = 0xFFFFFF80; // offsets within it have 32 bits
 
 // No volume has records of more than a few sectors. Each read of a file begins with a buffer of this size.
 constexpr std::uint32_t kMaxFileRecordBytes = 1U << 20U;

@@ -88,6 +88,30 @@ TEST_F(BadMediumTest, TablesThatLeadInCirclesEnd) {
     EXPECT_EQ(RunCli({"cat", scratch_ / "image", "/file.txt", "--partition", "3"}).Out, "text");
 }
 
+TEST_F(BadMediumTest, AVolumeWithoutABootSectorKeepsItsNumberAndIsNotPassedOver) {
+    const std::string image = scratch_ / "image";
+    fs::copy_file(PackedPath("logical"), image);
+    Json wanted = Json::parse(RunCli({"partitions", image, "--json"}).Out);
+    const RunResult second = RunCli({"list", image, "-p", "2", "-r"});
+    std::fstream(image, std::ios::in | std::ios::out)
+        .seekp(wanted[0]["startSector"].get<std::int64_t>() * 512)
+        .write(std::string(512, '\0').data(), 512);
+    const Json left = Json::parse(RunCli({"partitions", image, "--json"}).Out);
+    EXPECT_EQ(left[0]["startSector"], wanted[0]["startSector"]);
+    EXPECT_TRUE(left[0].contains("problem"));
+    wanted[0] = left[0];
+    EXPECT_EQ(left, wanted);
+    EXPECT_EQ(RunCli({"list", image, "-p", "2", "-r"}).Out, second.Out);
+    EXPECT_EQ(RunCli({"list", image, "-p", "1"}).Status, 1);
+
+    const std::string pair = MakeWithTable("pair", {{0x07, 64, 64}, {0x07, 128, 16384}});
+    const RunResult unchosen = RunCli({"save", pair, "--to", scratch_ / "to"});
+    EXPECT_EQ(unchosen.Status, 2);
+    EXPECT_TRUE(Contains(unchosen.Err, "1  start sector 64")) << unchosen.Err;
+    EXPECT_EQ(RunCli({"cat", pair, "-p", "2", "/file.txt"}).Out, "text");
+    EXPECT_TRUE(Contains(RunCli({"partitions", pair}).Err, "--search"));
+}
+
 TEST_F(BadMediumTest, PartitionThatRunsPastTheEndIsReadAsFarAsItGoes) {
     const std::string image = MakeWithTable("image", {{0x07, 128, 0xFFFFFFFF}});
     EXPECT_EQ(RunCli({"cat", image, "/file.txt"}).Out, "text");

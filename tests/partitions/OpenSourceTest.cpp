@@ -97,6 +97,17 @@ TEST_F(OpenSourceTest, AFailedOpenLeavesNothingBehind) {
     EXPECT_NE(OpenSource(Path("")), kErrorNone) << "nor is a folder anything";
 }
 
+TEST_F(OpenSourceTest, AMediumThatGivesNothingIsToldFromABadFirstSector) {
+    OpenDisk(std::make_unique<MemoryMedium>(std::make_shared<ByteVector>(NumberedSectors(100))));
+    for (const ErrorCode code : {kErrorCrc, kErrorIoDevice, kErrorNotReady}) {
+        Plan->Rules = {{0, 1, code}};
+        EXPECT_EQ(AskMedium().Answers, code != kErrorNotReady);
+        Plan->Rules = {{0, 100, code}};
+        EXPECT_FALSE(AskMedium().Answers);
+        EXPECT_EQ(AskMedium().FirstSector, code);
+    }
+}
+
 TEST_F(OpenSourceTest, FromAnImageToItsVolume) {
     VolumeBuilder volume;
     volume.WriteTo(Path("volume"));

@@ -242,6 +242,7 @@ TEST_F(EvidenceTest, ADiskOfLookAlikesEndsInABoundedList) {
     }
     SearchDisk();
     EXPECT_EQ(Found().size(), CandidateIndex::kMaxCandidates);
+    EXPECT_EQ(Engine.SearchLimits, kLimitCandidates);
 }
 
 } // namespace

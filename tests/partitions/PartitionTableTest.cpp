@@ -1,6 +1,7 @@
 #include "partitions/PartitionTable.h"
 
 #include "engine/EngineFixture.h"
+#include "partitions/VolumeList.h"
 
 #include <algorithm>
 
@@ -40,6 +41,17 @@ protected:
         return starts;
     }
 
+    /// A letter for each volume in the order of the numbers: usable, bad boot sector, unreadable, lost table.
+    static std::string States() {
+        std::string states;
+        for (const ListedVolume& volume : ListVolumes()) {
+            EXPECT_EQ(volume.Number, states.size() + 1);
+            EXPECT_EQ(volume.Candidate != nullptr, volume.Entry.State == TableVolumeState::Usable);
+            states += "ubrl"[static_cast<std::size_t>(volume.Entry.State)];
+        }
+        return states;
+    }
+
     std::shared_ptr<ByteVector> Image;
 };
 
@@ -53,6 +65,7 @@ TEST_F(PartitionTableTest, PrimaryVolumesInEntryOrder) {
     EXPECT_EQ(Read(), (Starts{300, 100})) << "another type and a bad boot sector are left out";
     EXPECT_EQ(Engine.SourceDisk.Partitions.First()->TotalSectors, 50U);
     EXPECT_EQ(Engine.SourceDisk.Partitions.Last()->TotalSectors, 60U);
+    EXPECT_EQ(States(), "ubu") << "a bad boot sector keeps its number, another type has none";
     EXPECT_EQ(Read().size(), 2U) << "the old list is freed";
     EXPECT_EQ(Plan->Log.size(), 8U) << "a table and three boot sectors, twice";
 
@@ -128,7 +141,13 @@ TEST_F(PartitionTableTest, ReadsThatFail) {
     EXPECT_EQ(Read(), (Starts{200}));
     Plan->Rules = {{200, 1, kErrorNotReady}};
     EXPECT_EQ(Read(), (Starts{100}));
+    EXPECT_EQ(States(), "ur");
     EXPECT_TRUE(Reports.Boxes.empty()) << "outside a job";
+    PutTable(0, {{0x07, 100, 60}, {0x05, 300, 60}});
+    Plan->Rules.push_back({300, 1, kErrorCrc});
+    Read();
+    EXPECT_EQ(States(), "ul");
+    PutTable(0, {{0x07, 100, 60}, {0x07, 200, 60}});
     Engine.ScanRunFlag = 1;
     EXPECT_EQ(Read(), (Starts{100})) << "what was found so far counts";
     EXPECT_EQ(Reports.Boxes.size(), 1U);

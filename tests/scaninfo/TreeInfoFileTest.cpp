@@ -224,6 +224,9 @@ TEST_F(TreeInfoFileTest, SaveThatCannotCreateItsFile) {
     }
     LoadVolumeParams(CandidateOf(VolumeGeometry{})); // the catalogue isn't this one's
     EXPECT_FALSE(SaveTreeInfo(At("foreign.tht")).Done);
+    ClaimCatalogue();
+    fs::resize_file(Engine.CatalogueFolder + kNameFileName, kMaxCatalogueFileBytes + 1); // would not load
+    EXPECT_EQ(SaveTreeInfo(At("large.tht")).Text, FailedSave(kErrorFileTooLarge));
     EXPECT_EQ(Names(), (std::set<std::string>{"disk.img", "taken.tht"}));
 }
 

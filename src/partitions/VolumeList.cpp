@@ -1,0 +1,55 @@
+#include "partitions/VolumeList.h"
+
+#include "partitions/CandidateIndex.h"
+#include "partitions/MftEvidence.h"
+
+namespace thntfs {
+
+namespace {
+
+unsigned NextNumber(const std::vector<ListedVolume>& volumes) {
+    return static_cast<unsigned>(volumes.size() + 1);
+}
+
+} // namespace
+
+std::vector<ListedVolume> ListVolumes() {
+    std::vector<ListedVolume> volumes;
+    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
+    for (const TableVolume& entry : Engine.TableVolumes) {
+        const bool usable = entry.State == TableVolumeState::Usable && candidate != nullptr;
+        volumes.push_back({NextNumber(volumes), usable ? candidate : nullptr, entry});
+        candidate = usable ? candidate->Next.get() : candidate;
+    }
+    for (; candidate != nullptr; candidate = candidate->Next.get()) {
+        volumes.push_back({NextNumber(volumes), candidate, {}});
+    }
+    return volumes;
+}
+
+std::string ProblemText(TableVolumeState state) {
+    switch (state) {
+    case TableVolumeState::NoBootSector:
+        return "no NTFS boot sector stands there";
+    case TableVolumeState::LostTable:
+        return "the table of the partitions from here on can't be read";
+    default:
+        return "its boot sector can't be read";
+    }
+}
+
+std::string SearchLimitText() {
+    std::string text;
+    if ((Engine.SearchLimits & kLimitCandidates) != 0) {
+        text = "The list is full: it holds " + std::to_string(CandidateIndex::kMaxCandidates) +
+               " volumes, and the search has found more.";
+    }
+    if ((Engine.SearchLimits & kLimitEvidence) != 0) {
+        text += std::string(text.empty() ? "" : " ") + "The search met more than " +
+                std::to_string(EvidenceCollector::kMaxEvidence) +
+                " records of one kind and has left out the rest.";
+    }
+    return text.empty() ? text : text + " Search a smaller range of sectors to find what was left out.";
+}
+
+} // namespace thntfs
