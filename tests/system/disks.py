@@ -9,7 +9,7 @@ import reads
 import trials
 
 IMAGE = trials.volume('basic')
-LARGE = trials.volume('compressed')  # has files above 1 MiB
+LARGE = trials.volume('record4k')  # has files above 1 MiB
 OLDER = b'what stood here before\n'
 WRITES = 400
 HINTS = ('fallocate', 'ftruncate', 'unlink')  # nothing is lost by their failure

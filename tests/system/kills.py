@@ -6,7 +6,7 @@ import reads
 import trials
 
 IMAGE = trials.volume('basic')
-LARGE = trials.volume('compressed')  # has files above 1 MiB
+LARGE = trials.volume('record4k')  # has files above 1 MiB
 PIECES = trials.volume('mftfrag')  # takes many reads to scan
 MOMENTS = 100
 WHOLE_ABOVE = 1 << 20  # bytes; such a file has its name only when it is whole

@@ -52,27 +52,29 @@ def save_reasons(outcome, plain, difference, harmless):
     verdicts = [line for line in lines if not line.startswith(EVENT)]
     totals = outcome.totals
     named = '\n'.join(lines)
-    if difference.any() and outcome.status == 0:
-        yield f'status 0 with differences: {difference.changed + difference.missing + difference.added}'
+    calm = outcome.status == plain.status and totals == plain.totals and not verdicts
+    gone = difference.missing + difference.added
+    if difference.any() and (outcome.status == 0 or calm):
+        yield f'differences without a word: {difference.changed + gone}'
     for key in difference.changed:
         if os.path.basename(key) not in named:
             yield f'a file with wrong bytes is not named: {key}'
-    if (difference.missing or difference.added) and not GENERAL.search(named):
+    if gone and not GENERAL.search(named):
         for key in difference.missing:
             if os.path.basename(key) not in named:
                 yield f'a missing file is not named, nor unread records: {key}'
-    if totals.get('complete') and len(difference.missing + difference.added) > totals['failed']:
-        yield f'complete, with files missing: {difference.missing + difference.added}'
+    if totals.get('complete') and len(gone) > totals['failed']:
+        yield f'complete, with files missing: {gone}'
     if not totals and outcome.status != 1:
         yield 'no totals'
-    if how in HEALED and (outcome.status != 0 or verdicts):
+    if how in HEALED and not calm:
         yield f'a healed read is held against the result: {verdicts}'
     damaged = totals.get('damaged', 0)
-    if damaged > len(difference.changed) and not harmless:
+    if damaged - plain.totals['damaged'] > len(difference.changed) and not harmless:
         yield f'called damaged, bytes are right: {lines}'
     if outcome.status == 0 and damaged:
         yield 'status 0 with damage'
-    if outcome.status != 0 and not lines:
+    if outcome.status != plain.status and not lines:
         yield 'a failure without a word'
 
 
@@ -101,12 +103,14 @@ def fail_saves(part, name, partition, more, most):
 
     def plain_run(_, folder):
         plain, reads = trials.listing(save_words(name, partition, more, folder), folder, image, 'read')
+        plain.totals.pop('target')
         return plain, reads, trials.tree(os.path.join(folder, 'out'))
     plain, reads, right = next(trials.in_parallel(plain_run, [None]))
 
     def failing(trial, folder):
         at, how = trial
         outcome = trials.run(save_words(name, partition, more, folder), folder, image, 'read', at, how)
+        outcome.totals.pop('target', None)
         return outcome, Difference(right, trials.tree(os.path.join(folder, 'out')))
     wanted = [(at, how) for at in trials.spread(len(reads), most) for how in HOWS]
     for (at, how), (outcome, difference) in zip(wanted, trials.in_parallel(failing, wanted)):
