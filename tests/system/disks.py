@@ -220,7 +220,7 @@ def fill_small_disks(part):
 def write_to_full_device(part):
     for words in (['list', IMAGE, '-r'], ['scan', IMAGE], ['partitions', IMAGE, '--json'], ['cat', IMAGE, '--record', '0']):
         for command in (f'"$0" "$@" >/dev/full',):
-            done = subprocess.run(['sh', '-c', command, trials.PROGRAM, *words], capture_output=True, text=True)
+            done = subprocess.run(['sh', '-c', command, trials.program(), *words], capture_output=True, text=True)
             outcome = trials.Outcome(words, {'to': '/dev/full'}, done.returncode, b'', done.stderr)
             part.judge(outcome, ['status 0 onto a full device'] if done.returncode == 0 else [])
 

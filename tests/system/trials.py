@@ -1,6 +1,7 @@
 """What the trials share: runs of the program with one call gone wrong, trees of files, and the account of both."""
 import collections
 import concurrent.futures
+import functools
 import hashlib
 import json
 import os
@@ -56,7 +57,7 @@ def run(words, folder, under='', calls='', at=0, how='', listed=None):
     if listed:
         env['FAULT_LIST'] = listed
     try:
-        done = subprocess.run([PROGRAM, *words], env=env, stdin=subprocess.DEVNULL, capture_output=True,
+        done = subprocess.run([program(), *words], env=env, stdin=subprocess.DEVNULL, capture_output=True,
                               timeout=TIMEOUT)
         status, out, err = done.returncode, done.stdout, done.stderr
     except subprocess.TimeoutExpired as hang:
@@ -158,6 +159,12 @@ def scratch():
         roomy = space is not None and space.f_bavail * space.f_frsize > MEMORY_NEEDED
         made = tempfile.mkdtemp(prefix='th-ntfs-system-', dir=MEMORY if roomy else None)
     return made
+
+
+@functools.cache
+def program():
+    """A copy, since a build may go on meanwhile."""
+    return shutil.copy(PROGRAM, scratch())
 
 
 def clean():
