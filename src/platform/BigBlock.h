@@ -9,9 +9,9 @@
 
 namespace thntfs {
 
-/// Memory that is used all over at random: one block of kBigBlockBytes, zeroed, aligned to its own size,
-/// which the system is asked to map as one large page. A walk over many small pages spends its time on
-/// finding them.
+/// Memory that is used all over at random: one block of kBigBlockBytes, with any content, aligned to
+/// its own size, which the system is asked to map as one large page. A walk over many small pages spends its
+/// time on finding them.
 inline constexpr std::size_t kBigBlockBytes = std::size_t{2} << 20U;
 
 struct BigBlockRelease {

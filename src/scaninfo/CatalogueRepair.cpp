@@ -40,7 +40,9 @@ public:
     [[nodiscard]] std::uint64_t Count() const { return (size_ + recordBytes_ - 1) / recordBytes_; }
 
     void Visit(const RecordVisitor& visit) {
-        std::vector<std::uint8_t> buffer(kCopyBytes / recordBytes_ * recordBytes_);
+        const auto records =
+            static_cast<std::size_t>(std::min<std::uint64_t>(kCopyBytes / recordBytes_, Count()));
+        std::vector<std::uint8_t> buffer(records * recordBytes_);
         for (std::uint64_t offset = 0; offset < size_; offset += buffer.size()) {
             std::size_t got = 0;
             CheckScanInfo(file_->ReadAt(offset, buffer, got));

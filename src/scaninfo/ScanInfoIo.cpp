@@ -49,12 +49,10 @@ void ScanInfoReader::Take(Bytes wanted) {
 }
 
 void ScanInfoReader::Fill() {
-    window_.resize(kCopyBytes);
-    const Bytes wanted =
-        Bytes(window_).first(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyBytes, Left())));
+    window_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyBytes, Left())));
     windowStart_ = position_;
     windowBytes_ = 0;
-    CheckScanInfo(file_->ReadAt(position_, wanted, windowBytes_));
+    CheckScanInfo(file_->ReadAt(position_, window_, windowBytes_));
     if (windowBytes_ == 0) {
         throw ScanInfoFault{}; // cut short since it was opened
     }
