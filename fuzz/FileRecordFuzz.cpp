@@ -10,7 +10,6 @@
 using namespace thntfs;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::WorkPath();
     const ConstBytes input(data, size);
     fuzz::OpenPlainVolume(input);
     const std::size_t recordBytes = size >= 4096 ? 1024 : std::min<std::size_t>(size, 1024);

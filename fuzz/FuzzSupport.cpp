@@ -20,6 +20,22 @@ constexpr std::uint64_t kMostContent = 1U << 20U;
 constexpr std::size_t kMediumBytes = 65536;
 constexpr std::uint64_t kDescriptionAt = 4; // behind the magic
 
+/// An image of zeros. Media are opened by another road than files.
+class MediumFile {
+public:
+    MediumFile() {
+        if (folder_.Create() != kErrorNone) {
+            std::abort();
+        }
+        test::WriteFileBytes(Path(), std::vector<std::uint8_t>(kMediumBytes));
+    }
+
+    [[nodiscard]] std::string Path() const { return folder_.Path() + "/medium.img"; }
+
+private:
+    WorkFolder folder_;
+};
+
 } // namespace
 
 void OpenPlainVolume(ConstBytes bytes) {
@@ -44,28 +60,23 @@ void OpenPlainVolume(ConstBytes bytes) {
     Engine.VolumeParams.MftExtents.Append(std::move(table));
 }
 
-const std::string& WorkPath() {
-    static WorkFolder folder;
-    if (folder.Path().empty()) {
-        if (folder.Create() != kErrorNone) {
-            std::abort();
-        }
-        Engine.CatalogueFolder = folder.Path();
-    }
-    return folder.Path();
+test::MemoryFileStore& FilesInMemory() {
+    static test::MemoryFileStore files;
+    SetFileStore(&files);
+    Engine.CatalogueFolder = "/catalogue";
+    return files;
 }
 
 std::string WriteInfoFile(ConstBytes input) {
-    static const std::string medium = WorkPath() + "/medium.img";
-    test::WriteFileBytes(medium, std::vector<std::uint8_t>(kMediumBytes));
-    std::vector<std::uint8_t> bytes(input.begin(), input.end());
-    const std::u16string path = WideText(medium);
+    static const MediumFile medium;
+    constexpr const char* kPath = "/input";
+    std::vector<std::uint8_t>& bytes = FilesInMemory().Content(kPath);
+    bytes.assign(input.begin(), input.end());
+    const std::u16string path = WideText(medium.Path());
     for (std::size_t i = 0; i <= path.size(); ++i) {
         PutNumber<std::uint16_t>(bytes, kDescriptionAt + 2 * i, i < path.size() ? path[i] : u'\0');
     }
-    const std::string file = WorkPath() + "/input";
-    test::WriteFileBytes(file, bytes);
-    return file;
+    return kPath;
 }
 
 void WalkCatalogue() {

@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "platform/Bytes.h"
+#include "support/MemoryFileStore.h"
 
 #include <cstdint>
 #include <string>
@@ -13,12 +14,11 @@ namespace thntfs::fuzz {
 /// of 4 KiB, starting at sector 0, with its Master File Table in clusters 1 to 4. The medium holds `bytes`.
 void OpenPlainVolume(ConstBytes bytes);
 
-/// A folder of this process's own under the system's temporary folder, made at the first call; the catalogue
-/// of the engine lies there too.
-const std::string& WorkPath();
+/// The store in which all files lie from the first call on, the engine's catalogue among them.
+test::MemoryFileStore& FilesInMemory();
 
-/// Writes a scan information file from an input, with the medium's path in it replaced by that of an image
-/// that opens. Gives the file's path.
+/// Puts a scan information file there, made from an input, with the medium's path in it replaced by that of
+/// an image that opens. Gives the file's path.
 std::string WriteInfoFile(ConstBytes input);
 
 /// Walks all of the catalogue that is open, as a listing, a sum and a look for a path do.
