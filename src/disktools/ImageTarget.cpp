@@ -70,14 +70,22 @@ CopyVerdict ImageTarget::Open(bool goOn, bool mustExist) {
     if (isOld_ && !goOn) {
         return Refused(CopyRefusal::ImageExists);
     }
-    if (!isOld_ && mustExist) {
+    if (!isOld_ && mustExist && !MapIsOfNothing()) {
         return Refused(CopyRefusal::NoImage);
     }
     return isOld_ ? OpenOld() : MakeNew();
 }
 
+// What a run leaves that was killed after it had made its map, and before the image.
+bool ImageTarget::MapIsOfNothing() const {
+    std::string why;
+    const std::optional<SavedMap> saved = LoadMap(mapPath_, SourceBytes(), why);
+    return saved && saved->Map.BytesOf(AreaState::Unread) == saved->Map.TotalBytes();
+}
+
+// The map comes first: an image without one could not be gone on with.
 CopyVerdict ImageTarget::MakeNew() {
-    if (Exists(mapPath_)) {
+    if (Exists(mapPath_) && !MapIsOfNothing()) {
         CopyVerdict verdict = Refused(CopyRefusal::MapExists);
         verdict.Path = mapPath_;
         return verdict;
@@ -85,18 +93,16 @@ CopyVerdict ImageTarget::MakeNew() {
     if (CopyVerdict verdict = CheckImageRoom(image_, 0); !verdict.Allowed()) {
         return verdict;
     }
-    ErrorCode code = Files().Open(image_, FileMode::CreateNew, Engine.TargetDisk.WriteHandle);
-    if (code != kErrorNone) {
-        return Failed(CopyRefusal::CannotMake, image_, code);
-    }
     TakeLedger(CopyMap(SourceBytes()));
-    code = ledger_->Begin({});
+    ErrorCode code = ledger_->Begin({});
     if (code != kErrorNone) {
-        Engine.TargetDisk.WriteHandle.reset();
-        (void)Files().Delete(image_);
         return Failed(CopyRefusal::CannotMake, mapPath_, code);
     }
-    return {};
+    code = Files().Open(image_, FileMode::CreateNew, Engine.TargetDisk.WriteHandle);
+    if (code != kErrorNone && code != kErrorFileExists) { // that one may be another run's, and its map
+        (void)Files().Delete(mapPath_);
+    }
+    return code == kErrorNone ? CopyVerdict{} : Failed(CopyRefusal::CannotMake, image_, code);
 }
 
 CopyVerdict ImageTarget::OpenOld() {

@@ -35,6 +35,7 @@ public:
     [[nodiscard]] CopyLedger& Ledger() { return *ledger_; }
 
 private:
+    [[nodiscard]] bool MapIsOfNothing() const;
     CopyVerdict MakeNew();
     CopyVerdict OpenOld();
     CopyVerdict CheckOld(const SavedMap& saved);

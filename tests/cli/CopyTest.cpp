@@ -1,4 +1,5 @@
 #include "LoopFixture.h"
+#include "disktools/CopyMapFile.h"
 #include "support/FaultyMount.h"
 
 #include <filesystem>
@@ -145,6 +146,17 @@ TEST_F(CopyTest, ResumeRefusesAnImageOfAnotherDisk) {
     std::ofstream(map_) << "0x0 ?\n0x0 nonsense\n";
     ExpectRefused({"image", disk, image_, "--resume"}, "line 2 makes no sense");
     EXPECT_TRUE(ReadWholeFile(image_) == bytes);
+}
+
+// A map of nothing is all that a run leaves that is killed before it has made its image.
+TEST_F(CopyTest, AMapOfNothingIsGoneOnWith) {
+    const std::string disk = MakeDisk("disk", 1U << 20U);
+    for (const Words& words : {Words{"image", disk, image_}, Words{"image", disk, image_, "--resume"}}) {
+        ASSERT_EQ(SaveMap(map_, CopyMap(1U << 20U), {}, MapComment(disk, "")), kErrorNone);
+        EXPECT_EQ(RunCli(words).Status, 0);
+        EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk)));
+        fs::remove(image_);
+    }
 }
 
 TEST_F(CopyTest, WhatWasCopiedTellsTheDiskOfAnImage) {
