@@ -39,10 +39,11 @@ QString DroppedFile(const QMimeData* data) {
 // Why a file can't be opened, empty where it can.
 QString FaultOf(const QFileInfo& file) {
     if (file.isDir()) {
-        return file.filePath() + QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
-                                                "saved scan information (.tht, .thd).");
+        return file.absoluteFilePath() +
+               QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
+                              "saved scan information (.tht, .thd).");
     }
-    return file.exists() ? QString() : file.filePath() + QStringLiteral(" isn't there.");
+    return file.exists() ? QString() : file.absoluteFilePath() + QStringLiteral(" isn't there.");
 }
 
 } // namespace

@@ -108,6 +108,8 @@ TEST_F(PagesTest, DisksThatCannotBeReadAreTold) {
     disks[0].OpenError = kErrorAccessDenied;
     disks[1].AccessError = kErrorNotReady;
     MakeSheet(disks);
+    AtSheet([this] { Close(); });
+    Run();
     EXPECT_EQ(BoxTexts(Answers),
               (Texts{"Information: Disk Opening Error #5", "Error: Error accessing device 21"}));
 }
