@@ -39,11 +39,10 @@ QString DroppedFile(const QMimeData* data) {
 // Why a file can't be opened, empty where it can.
 QString FaultOf(const QFileInfo& file) {
     if (file.isDir()) {
-        return file.absoluteFilePath() +
-               QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
-                              "saved scan information (.tht, .thd).");
+        return file.filePath() + QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
+                                                "saved scan information (.tht, .thd).");
     }
-    return file.exists() ? QString() : file.absoluteFilePath() + QStringLiteral(" isn't there.");
+    return file.exists() ? QString() : file.filePath() + QStringLiteral(" isn't there.");
 }
 
 } // namespace
@@ -215,7 +214,8 @@ void CMainFrame::dropEvent(QDropEvent* event) {
     QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenFile(path); });
 }
 
-void CMainFrame::OpenFile(const QString& path) {
+void CMainFrame::OpenFile(const QString& file) {
+    const QString path = QFileInfo(file).absoluteFilePath();
     const QString fault = FaultOf(QFileInfo(path));
     if (!fault.isEmpty()) {
         ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);
