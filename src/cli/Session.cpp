@@ -140,6 +140,7 @@ int Session::FindVolumes() {
     if (options_.Search) {
         LogMedium();
         const int code = SearchMedium(options_, Host);
+        complete_ = !Engine.Losses.Any();
         if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
             PrintMessage(*options_.Search == SearchMethod::Quick
                              ? "The quick search found no NTFS volume; try --search thorough."
@@ -231,12 +232,28 @@ bool Session::RunScan() {
         Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
         const bool complete = BasicScan() != 0;
         LogBasicScanEnded(complete);
+        LogLosses();
         return complete;
     }
     Host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
     const bool complete = TurboScan() != 0;
     LogTurboScanEnded(options_.Partition.value_or(1), complete);
+    LogLosses();
     return complete;
+}
+
+// Not one record where the table should be means that its runs are wrong or that it can't be read at all.
+int Session::TellLosses() {
+    const ScanLosses& losses = Engine.Losses;
+    if (!losses.Any()) {
+        return kExitDone;
+    }
+    complete_ = false;
+    PrintMessage(LossText(losses) + (losses.NoTable ? "." : ". Files may be missing."));
+    if (!options_.Turbo) {
+        PrintMessage("--turbo looks for records in the whole volume, wherever they stand.");
+    }
+    return losses.NoTable && !Host.HadFatal() ? kExitFailed : kExitDone;
 }
 
 int Session::MakeCatalogueFolder() {
@@ -268,7 +285,8 @@ int Session::ScanVolume() {
                                                       : "Stopped: what was found so far is shown.");
     }
     complete_ = complete_ && !Host.HadFatal();
-    return ReopenCatalogue();
+    const int code = TellLosses();
+    return code == kExitDone ? ReopenCatalogue() : code;
 }
 
 // The line of the log says that the tree is being filled; here it is only opened, and filled as it is
