@@ -149,7 +149,11 @@ int Session::FindVolumes() {
         }
         return code;
     }
-    if (ReadPartitionTable() == 0) {
+    const bool found = ReadPartitionTable() != 0;
+    if (WasInterrupted()) {
+        return TellEarlyStop();
+    }
+    if (!found) {
         if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
             return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
@@ -157,6 +161,11 @@ int Session::FindVolumes() {
     }
     LogMedium();
     return kExitDone;
+}
+
+int Session::TellEarlyStop() {
+    PrintMessage("Stopped before the volume was found.");
+    return kExitDoneInPart;
 }
 
 // A medium that gives nothing at all has no missing table, and searching it would find nothing.
@@ -208,6 +217,9 @@ int Session::TakeVolume() {
     const bool located = LocateMft() != 0;
     if (located) {
         LogPartitionChosen(options_.Partition.value_or(1), *candidate);
+    }
+    if (!located && WasInterrupted()) {
+        return TellEarlyStop();
     }
     if (!located && !options_.Turbo) {
         PrintMessage(
