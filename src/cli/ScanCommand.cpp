@@ -82,8 +82,7 @@ void PrintJson(Output& output, const ScanTotals& totals, bool complete) {
                                            {"deletedFiles", totals.DeletedFiles},
                                            {"deletedFolders", totals.DeletedFolders},
                                            {"lostFolders", totals.LostFolders},
-                                           {"complete", complete},
-                                           {"recordsNotRead", Engine.Losses.Records()}};
+                                           {"complete", complete}};
     output.Put(object.dump() + "\n");
 }
 

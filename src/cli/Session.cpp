@@ -7,6 +7,7 @@
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"
 #include "cli/SearchMedium.h"
+#include "content/WorkPlace.h"
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
@@ -140,7 +141,6 @@ int Session::FindVolumes() {
     if (options_.Search) {
         LogMedium();
         const int code = SearchMedium(options_, Host);
-        complete_ = !Engine.Losses.Any();
         if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
             PrintMessage(*options_.Search == SearchMethod::Quick
                              ? "The quick search found no NTFS volume; try --search thorough."
@@ -149,11 +149,7 @@ int Session::FindVolumes() {
         }
         return code;
     }
-    const bool found = ReadPartitionTable() != 0;
-    if (WasInterrupted()) {
-        return TellEarlyStop();
-    }
-    if (!found) {
+    if (ReadPartitionTable() == 0) {
         if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
             return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
@@ -161,11 +157,6 @@ int Session::FindVolumes() {
     }
     LogMedium();
     return kExitDone;
-}
-
-int Session::TellEarlyStop() {
-    PrintMessage("Stopped before the volume was found.");
-    return kExitDoneInPart;
 }
 
 // A medium that gives nothing at all has no missing table, and searching it would find nothing.
@@ -218,9 +209,6 @@ int Session::TakeVolume() {
     if (located) {
         LogPartitionChosen(options_.Partition.value_or(1), *candidate);
     }
-    if (!located && WasInterrupted()) {
-        return TellEarlyStop();
-    }
     if (!located && !options_.Turbo) {
         PrintMessage(
             "Critical structures not found: the Master File Table of this volume can't be located, neither "
@@ -244,33 +232,20 @@ bool Session::RunScan() {
         Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
         const bool complete = BasicScan() != 0;
         LogBasicScanEnded(complete);
-        LogLosses();
         return complete;
     }
     Host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
     const bool complete = TurboScan() != 0;
     LogTurboScanEnded(options_.Partition.value_or(1), complete);
-    LogLosses();
     return complete;
 }
 
-// Not one record where the table should be means that its runs are wrong or that it can't be read at all.
-int Session::TellLosses() {
-    const ScanLosses& losses = Engine.Losses;
-    if (!losses.Any()) {
-        return kExitDone;
-    }
-    complete_ = false;
-    PrintMessage(LossText(losses) + (losses.NoTable ? "." : ". Files may be missing."));
-    if (!options_.Turbo) {
-        PrintMessage("--turbo looks for records in the whole volume, wherever they stand.");
-    }
-    return losses.NoTable && !Host.HadFatal() ? kExitFailed : kExitDone;
-}
-
 int Session::MakeCatalogueFolder() {
-    if (const ErrorCode code = folder_.Create(); code != kErrorNone) {
-        PrintMessage("Cannot make a temporary folder: " + SystemErrorText(code));
+    const WorkPlace place = MakeWorkFolder(folder_, MediumPath());
+    if (!place.Told.empty()) {
+        PrintMessage(place.Told);
+    }
+    if (place.Code != kErrorNone) {
         return kExitFailed;
     }
     Engine.CatalogueFolder = folder_.Path();
@@ -297,8 +272,7 @@ int Session::ScanVolume() {
                                                       : "Stopped: what was found so far is shown.");
     }
     complete_ = complete_ && !Host.HadFatal();
-    const int code = TellLosses();
-    return code == kExitDone ? ReopenCatalogue() : code;
+    return ReopenCatalogue();
 }
 
 // The line of the log says that the tree is being filled; here it is only opened, and filled as it is

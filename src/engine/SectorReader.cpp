@@ -37,7 +37,8 @@ ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
     }
     std::uint64_t sector = firstSector;
     for (std::size_t position = 0; position < buffer.size(); position += sectorBytes, ++sector) {
-        if (!JobMayGoOn()) {
+        Host().PassGate();
+        if (Engine.ScanRunFlag == 0) {
             return kErrorNone;
         }
         if (!PassesOver(code)) {
@@ -71,11 +72,6 @@ void ClearBehindEnd(Bytes buffer, std::uint64_t firstSector) {
 }
 
 } // namespace
-
-bool JobMayGoOn() {
-    Host().PassGate();
-    return Engine.ScanRunFlag != 0;
-}
 
 void RaiseFatal(ErrorCode code) {
     Host().ErrorBox(SystemErrorText(code));

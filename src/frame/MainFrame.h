@@ -2,6 +2,7 @@
 
 #include "frame/CommandRules.h"
 #include "platform/Host.h"
+#include "platform/WorkFolder.h"
 #include "shell/MessageTarget.h"
 #include "shell/ProcessLogList.h"
 #include "shell/ProgressBar.h"
@@ -53,7 +54,7 @@ public:
 
     /// Opens a file as if it had been dropped: saved scan information is loaded, anything else goes to the
     /// wizard as an image.
-    void OpenFile(const QString& file);
+    void OpenFile(const QString& path);
 
     /// Loads a scan's result, or a search's, from a file, as the commands do once the file has been chosen.
     void LoadTreeInfoFrom(const QString& path);
@@ -161,6 +162,7 @@ private:
     QTimer endTimer_;
     bool ending_ = false;      ///< the program has been told to end
     bool scanUnsaved_ = false; ///< what the views show was scanned here and is in no file
+    WorkFolder catalogueFolder_;
     std::unique_ptr<CWorkerThread> worker_;
 };
 

@@ -214,8 +214,7 @@ void CMainFrame::dropEvent(QDropEvent* event) {
     QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenFile(path); });
 }
 
-void CMainFrame::OpenFile(const QString& file) {
-    const QString path = QFileInfo(file).absoluteFilePath();
+void CMainFrame::OpenFile(const QString& path) {
     const QString fault = FaultOf(QFileInfo(path));
     if (!fault.isEmpty()) {
         ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);

@@ -3,6 +3,7 @@
 #include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
+#include "frame/CataloguePlace.h"
 #include "frame/MainFrame.h"
 #include "platform/ReplacementFile.h"
 #include "scaninfo/PartitionInfoFile.h"
@@ -68,6 +69,7 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
         return;
     }
     scanUnsaved_ = false;
+    PlaceCatalogue(catalogueFolder_, ProbeScanInfo(path.toStdString()).Medium);
     const ScanInfoResult result = LoadTreeInfo(path.toStdString(), [this] {
         CreateProgressBar(QString(8, QLatin1Char(' ')));
         ScanInfoDirty = 1;

@@ -28,7 +28,6 @@ bool RunBasicScan(CMainFrame& frame) {
         return false;
     }
     LogBasicScanEnded(BasicScan() != 0);
-    LogLosses();
     CloseCatalogue();
     SendWindowMessage(&frame, WM_PROGRESS_CAPTION, WordOf("Populating "));
     LogTreeFillStarted();
@@ -58,7 +57,6 @@ bool RunTurboScan(CMainFrame& frame) {
     }
     const bool complete = TurboScan() != 0;
     LogTurboScanEnded(number, complete);
-    LogLosses();
     if (complete) {
         ShowFullProgress(frame);
     }
