@@ -151,6 +151,7 @@ private:
     bool MayClose();
     bool GiveUpScan();
     bool AskAboutScan();
+    void WatchForEnd();
     void EndIfAsked();
 
     std::map<std::uint32_t, QAction*> actions_;

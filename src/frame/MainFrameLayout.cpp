@@ -23,7 +23,6 @@ constexpr int kSplitterWidth = 4;
 constexpr int kToolbarIcon = 32;
 constexpr int kPane1Blanks = 92;
 constexpr int kPane2Blanks = 117;
-constexpr int kEndLookMilliseconds = 100;
 
 // A text and its key, as a menu line has them.
 QString MenuPart(const char* text) { return QString::fromLatin1(text).section(QLatin1Char('\t'), 0, 0); }
@@ -52,8 +51,7 @@ CMainFrame::CMainFrame() {
     RestoreSettings();
     noticeTimer_.setSingleShot(true);
     connect(&noticeTimer_, &QTimer::timeout, this, [this] { TellNotBuilt({}); });
-    connect(&endTimer_, &QTimer::timeout, this, [this] { EndIfAsked(); });
-    endTimer_.start(kEndLookMilliseconds);
+    WatchForEnd();
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             [this] { UpdateCommands(); });
     UpdateCommands();
