@@ -69,11 +69,8 @@ void CMainFrame::TakeWizardResult(CWizardSheet& sheet) {
 }
 
 void CMainFrame::BeginBasicScan() {
-    Engine.TotalFiles = 0;
-    Engine.TotalFolders = 0;
-    Engine.TotalBytes = 0;
-    SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
     ClearViews();
+    SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
     ClearFindMark();
     PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;

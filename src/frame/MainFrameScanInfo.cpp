@@ -134,8 +134,7 @@ void CMainFrame::SavePartitionInfoByDialog() {
 
 void CMainFrame::SaveLogByDialog() {
     const QString path =
-        ChooseFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName),
-                         QStringLiteral("Text File (*.txt)"));
+        ChooseTextFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
     if (path.isEmpty() || !LiesElsewhere(path, {})) {
         return;
     }
