@@ -31,6 +31,10 @@ void SetColours(QStyleOptionViewItem& option, const QColor& background, const QC
 
 } // namespace
 
+QSize FileDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    return cell_.isValid() ? cell_ : QStyledItemDelegate::sizeHint(option, index);
+}
+
 void FileDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     QStyledItemDelegate::paint(painter, option, index);

@@ -58,6 +58,15 @@ std::uint64_t CellNumber(const FileRow& row, int column) {
     }
 }
 
+/// The whole name as a tool tip, which would read some names as markup.
+QString TipText(QString name) {
+    constexpr qsizetype kLine = 80;
+    for (qsizetype end = kLine; end < name.size(); end += kLine + 1) {
+        name.insert(end, QLatin1Char('\n'));
+    }
+    return QStringLiteral("<p style='white-space:pre'>") + name.toHtmlEscaped() + QStringLiteral("</p>");
+}
+
 std::size_t IconOf(const FileRow& row) { return (row.Live ? 0U : 2U) + (row.Folder ? 0U : 1U); }
 
 } // namespace
@@ -137,6 +146,11 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const {
         return CellText(static_cast<std::size_t>(index.row()), index.column());
     case Qt::DecorationRole:
         return index.column() == kName ? icons_.at(IconOf(Row(index.row()))) : QVariant();
+    case Qt::ToolTipRole:
+        return index.column() == kName ? TipText(CellText(static_cast<std::size_t>(index.row()), kName))
+                                       : QVariant();
+    case Qt::AccessibleTextRole:
+        return SpokenText(index);
     case Qt::TextAlignmentRole:
         return AlignmentOf(index.column());
     case kFoundRole:
@@ -160,6 +174,14 @@ QString FileListModel::CellText(std::size_t row, int column) const {
     default:
         return QString::number(CellNumber(entry, column));
     }
+}
+
+// What the icon tells. Other cells are read as they stand.
+QVariant FileListModel::SpokenText(const QModelIndex& index) const {
+    if (index.column() != kName || Row(index.row()).Live) {
+        return {};
+    }
+    return CellText(static_cast<std::size_t>(index.row()), kName) + QStringLiteral(", deleted");
 }
 
 QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int role) const {
