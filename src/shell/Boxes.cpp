@@ -3,7 +3,9 @@
 #include "shell/MessageTarget.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
 #include <memory>
 
 namespace thntfs {
@@ -73,6 +75,16 @@ BoxAnswer AnswerOf(int button, BoxButtons buttons) {
     }
 }
 
+/// The lines of a text stay as they were written, if they aren't very long, on a small screen too.
+void KeepLines(QMessageBox& box) {
+    constexpr double kLargestShare = 0.7; // of the screen
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    const int lines = box.fontMetrics().size(0, box.text()).width();
+    if (label != nullptr && lines <= box.screen()->availableSize().width() * kLargestShare) {
+        label->setMinimumWidth(lines);
+    }
+}
+
 BoxAnswer RunBox(const BoxRequest& request) {
     if (boxesRefused) {
         return AnswerUnasked(request.Buttons);
@@ -83,6 +95,7 @@ BoxAnswer RunBox(const BoxRequest& request) {
     box.setTextFormat(Qt::PlainText);
     box.setText(request.Text);
     box.setStandardButtons(ButtonsOf(request.Buttons));
+    KeepLines(box);
     return AnswerOf(box.exec(), request.Buttons);
 }
 

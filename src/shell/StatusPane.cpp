@@ -1,5 +1,7 @@
 #include "shell/StatusPane.h"
 
+#include "shell/TipText.h"
+
 #include <QEvent>
 #include <QPainter>
 #include <QStyle>
@@ -37,7 +39,7 @@ int CStatusPane::Edges() const { return 2 * (frameWidth() + kTextMargin); }
 bool CStatusPane::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const bool cut = fontMetrics().horizontalAdvance(text()) + Edges() > width();
-        setToolTip(cut ? text().toHtmlEscaped() : QString());
+        setToolTip(cut ? TipText(text()) : QString());
     }
     return QLabel::event(event);
 }

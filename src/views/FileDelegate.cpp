@@ -47,6 +47,9 @@ void FileDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void FileDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    if (option->decorationPosition == QStyleOptionViewItem::Top) { // the name stands under the icon
+        option->displayAlignment = Qt::AlignHCenter | Qt::AlignTop;
+    }
     if (index.data(FileListModel::kFoundRole).toBool()) {
         SetColours(*option, kFoundRow, kFoundText);
         option->font = FoundFont(option->font);

@@ -1,6 +1,7 @@
 #include "views/FileListModel.h"
 
 #include "shell/Icons.h"
+#include "shell/TipText.h"
 #include "views/ShownName.h"
 #include "views/TextOrder.h"
 
@@ -56,15 +57,6 @@ std::uint64_t CellNumber(const FileRow& row, int column) {
     default:
         return 0;
     }
-}
-
-/// The whole name as a tool tip, which would read some names as markup.
-QString TipText(QString name) {
-    constexpr qsizetype kLine = 80;
-    for (qsizetype end = kLine; end < name.size(); end += kLine + 1) {
-        name.insert(end, QLatin1Char('\n'));
-    }
-    return QStringLiteral("<p style='white-space:pre'>") + name.toHtmlEscaped() + QStringLiteral("</p>");
 }
 
 std::size_t IconOf(const FileRow& row) { return (row.Live ? 0U : 2U) + (row.Folder ? 0U : 1U); }

@@ -162,6 +162,7 @@ TEST_F(FrameLook, NarrowWindowLeavesRoomForTheProgressBar) {
     RunEvents();
     EXPECT_EQ(Frame->width(), 800);
     EXPECT_GT(bar.width(), 60);
+    EXPECT_GT(Frame->ListView->findChild<QTreeView*>()->columnWidth(0), 150); // names can be read
 }
 
 TEST_F(FrameLook, CommandsToComeSaySo) {
