@@ -75,7 +75,7 @@ int RunPartitions(const Options& options) {
     if (code == kExitDone || code == kExitDoneInPart || options.Json) {
         PrintCandidates(output, options.Json);
     }
-    return output.Finish(code);
+    return output.Finish(code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code);
 }
 
 } // namespace thntfs

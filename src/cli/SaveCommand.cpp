@@ -61,11 +61,12 @@ std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver)
     return missing;
 }
 
-void PrintTotals(Output& output, const SaveTotals& totals, const Options& options) {
+void PrintTotals(Output& output, const SaveTotals& totals, const Options& options, bool scannedAll) {
     if (options.Json) {
+        const bool complete = scannedAll && !totals.Stopped;
         const nlohmann::ordered_json object = {{"files", totals.Files},   {"folders", totals.Folders},
                                                {"bytes", totals.Bytes},   {"damaged", totals.Damaged},
-                                               {"failed", totals.Failed}, {"complete", !totals.Stopped},
+                                               {"failed", totals.Failed}, {"complete", complete},
                                                {"target", options.Target}};
         output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
     } else {
@@ -123,7 +124,7 @@ int RunSave(const Options& options) {
     }
     session.Host.Bar.End();
     Output output;
-    PrintTotals(output, saver.Totals(), options);
+    PrintTotals(output, saver.Totals(), options, session.Complete());
     const int code = ExitCodeOf(saver.Totals(), missing, options.Paths.size());
     return output.Finish(code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code);
 }

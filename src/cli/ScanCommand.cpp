@@ -82,7 +82,8 @@ void PrintJson(Output& output, const ScanTotals& totals, bool complete) {
                                            {"deletedFiles", totals.DeletedFiles},
                                            {"deletedFolders", totals.DeletedFolders},
                                            {"lostFolders", totals.LostFolders},
-                                           {"complete", complete}};
+                                           {"complete", complete},
+                                           {"recordsNotRead", Engine.Losses.Records()}};
     output.Put(object.dump() + "\n");
 }
 

@@ -32,6 +32,10 @@ int SearchMedium(const Options& options, TerminalHost& host) {
     if (const std::string limits = SearchLimitText(); !limits.empty()) {
         PrintMessage(limits);
     }
+    LogLosses();
+    if (Engine.Losses.Any()) {
+        PrintMessage(LossText(Engine.Losses) + ". Volumes whose traces lie there are missing.");
+    }
     if (complete == 0) {
         PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) +
                      " volumes were found so far.");

@@ -141,6 +141,7 @@ int Session::FindVolumes() {
     if (options_.Search) {
         LogMedium();
         const int code = SearchMedium(options_, Host);
+        complete_ = !Engine.Losses.Any();
         if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
             PrintMessage(*options_.Search == SearchMethod::Quick
                              ? "The quick search found no NTFS volume; try --search thorough."
@@ -149,7 +150,11 @@ int Session::FindVolumes() {
         }
         return code;
     }
-    if (ReadPartitionTable() == 0) {
+    const bool found = ReadPartitionTable() != 0;
+    if (WasInterrupted()) {
+        return TellEarlyStop();
+    }
+    if (!found) {
         if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
             return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
@@ -157,6 +162,11 @@ int Session::FindVolumes() {
     }
     LogMedium();
     return kExitDone;
+}
+
+int Session::TellEarlyStop() {
+    PrintMessage("Stopped before the volume was found.");
+    return kExitDoneInPart;
 }
 
 // A medium that gives nothing at all has no missing table, and searching it would find nothing.
@@ -209,6 +219,9 @@ int Session::TakeVolume() {
     if (located) {
         LogPartitionChosen(options_.Partition.value_or(1), *candidate);
     }
+    if (!located && WasInterrupted()) {
+        return TellEarlyStop();
+    }
     if (!located && !options_.Turbo) {
         PrintMessage(
             "Critical structures not found: the Master File Table of this volume can't be located, neither "
@@ -232,12 +245,28 @@ bool Session::RunScan() {
         Host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
         const bool complete = BasicScan() != 0;
         LogBasicScanEnded(complete);
+        LogLosses();
         return complete;
     }
     Host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
     const bool complete = TurboScan() != 0;
     LogTurboScanEnded(options_.Partition.value_or(1), complete);
+    LogLosses();
     return complete;
+}
+
+// Not one record where the table should be means that its runs are wrong or that it can't be read at all.
+int Session::TellLosses() {
+    const ScanLosses& losses = Engine.Losses;
+    if (!losses.Any()) {
+        return kExitDone;
+    }
+    complete_ = false;
+    PrintMessage(LossText(losses) + (losses.NoTable ? "." : ". Files may be missing."));
+    if (!options_.Turbo) {
+        PrintMessage("--turbo looks for records in the whole volume, wherever they stand.");
+    }
+    return losses.NoTable && !Host.HadFatal() ? kExitFailed : kExitDone;
 }
 
 int Session::MakeCatalogueFolder() {
@@ -272,7 +301,8 @@ int Session::ScanVolume() {
                                                       : "Stopped: what was found so far is shown.");
     }
     complete_ = complete_ && !Host.HadFatal();
-    return ReopenCatalogue();
+    const int code = TellLosses();
+    return code == kExitDone ? ReopenCatalogue() : code;
 }
 
 // The line of the log says that the tree is being filled; here it is only opened, and filled as it is

@@ -27,8 +27,8 @@ public:
     /// Takes the wanted candidate into use and locates its Master File Table.
     int OpenVolume();
 
-    /// Runs the scan and opens its catalogue for reading. A scan that was stopped or that met a fatal error
-    /// gives kExitDone too: what it found is there, and Complete is false.
+    /// Runs the scan and opens its catalogue for reading. A scan that was stopped, that met a fatal error or
+    /// that could not read all records gives kExitDone too: what it found is there, and Complete is false.
     int ScanVolume();
 
     /// All three steps.
@@ -37,7 +37,8 @@ public:
     /// Path of the medium itself, also where a scan information file stands for it. Valid after OpenMedium.
     [[nodiscard]] const std::string& MediumPath() const;
 
-    /// False where the scan was stopped or met a fatal error.
+    /// False where the search or the scan was stopped, met a fatal error or could not read all that it
+    /// should.
     [[nodiscard]] bool Complete() const { return complete_; }
 
     TerminalHost Host;
@@ -55,6 +56,8 @@ private:
     int MakeCatalogueFolder();
     void BeginScan();
     bool RunScan();
+    int TellLosses();
+    static int TellEarlyStop();
     int ReopenCatalogue();
     static int TellNoCatalogue();
 

@@ -11,8 +11,7 @@ namespace thntfs {
 namespace {
 
 constexpr std::uint16_t kMinEntryBytes = 24;
-constexpr std::uint64_t kMaxListBytes = 1U << 20U;
-constexpr std::uint32_t kLongestList = 256U << 10U;
+constexpr std::uint32_t kMaxListBytes = 256U << 10U;
 
 } // namespace
 
@@ -42,12 +41,12 @@ void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisito
 }
 
 void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(ConstBytes)>& visit) {
-    const std::uint64_t clusterBytes = std::min(Engine.VolumeParams.ClusterBytes, kLongestList);
+    const std::uint32_t clusterBytes = std::min(Engine.VolumeParams.ClusterBytes, kMaxListBytes);
     if (clusterBytes == 0) {
         return;
     }
-    std::uint64_t clustersLeft = kMaxListBytes / clusterBytes;
-    std::vector<std::uint8_t> cluster(static_cast<std::size_t>(clusterBytes));
+    std::uint32_t clustersLeft = kMaxListBytes / clusterBytes;
+    std::vector<std::uint8_t> cluster(clusterBytes);
     for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
         for (std::uint64_t i = 0; i < run->Clusters && clustersLeft > 0; ++i, --clustersLeft) {
             ReadSectorsCleared(cluster, SectorOfCluster(run->StartCluster + i));

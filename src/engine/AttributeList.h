@@ -51,8 +51,7 @@ void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisito
 
 /// The clusters of a non-resident attribute list, one after the other, each read into a cleared buffer of
 /// ClusterBytes and handed to `visit`, which gives false to end the walk. NTFS bounds an attribute list to
-/// 256 KiB: of a larger cluster no more is read, nor are clusters beyond a multiple of that. Passes
-/// CUserException on.
+/// 256 KiB: of a larger cluster no more is read, nor are clusters beyond that. Passes CUserException on.
 void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(ConstBytes)>& visit);
 
 } // namespace thntfs

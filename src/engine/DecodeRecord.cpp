@@ -18,6 +18,15 @@ constexpr std::uint8_t kNamespaceDos = 2;
 constexpr std::uint64_t kNamespaceInAttribute = 89; // where it stands when the value starts at 24
 constexpr std::uint32_t kMinIndexBytes = 40;        // an index root of this size holds no key
 
+// A file has up to 1,024 links, each with a long and a short name. With the data, and the clusters of a list
+// of 256 KiB, no driver writes a list that asks for more reads.
+constexpr std::uint32_t kMaxReadsOfRecord = 3072;
+
+// Each extension record belongs to one record and is read once for each name in it, of which it holds ten.
+// Lists that ask for more share their records, and then each record gets no more than this.
+constexpr std::uint64_t kMaxReadsOfRecordOnMedium = 16;
+constexpr std::uint32_t kReadsWhereListsShare = 32;
+
 constexpr std::array<std::u16string_view, 11> kMetafileNames = {
     u"$MFT",    u"$MFTMirr", u"$LogFile", u"$Volume", u"$AttrDef", u".",
     u"$Bitmap", u"$Boot",    u"$BadClus", u"$Secure", u"$UpCase"};
@@ -117,11 +126,33 @@ bool TakeAttribute(ConstBytes record, const Attribute& attribute, DecodedEntry& 
     }
 }
 
+std::uint32_t ReadsForOneRecord() {
+    const DiskRecord& disk = Engine.SourceDisk;
+    const std::uint64_t mediumBytes = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
+    const std::uint64_t recordBytes = std::max(1U, Engine.VolumeParams.FileRecordBytes);
+    return Engine.Lists.OfScan > mediumBytes / recordBytes * kMaxReadsOfRecordOnMedium + kMaxReadsOfRecord
+               ? kReadsWhereListsShare
+               : kMaxReadsOfRecord;
+}
+
+// Asked at each read on the way along a list.
+bool MayReadOn() {
+    ListReads& reads = Engine.Lists;
+    if (reads.InScan && !JobMayGoOn()) {
+        reads.Stopped = true;
+        reads.Ended = true;
+    }
+    ++reads.OfScan;
+    ++reads.OfRecord;
+    reads.Ended = reads.Ended || reads.OfRecord > ReadsForOneRecord();
+    return !reads.Ended;
+}
+
 // Reads and checks the record that a list entry names; empty where it can't be had.
 std::vector<std::uint8_t> ReadListedRecord(const AttributeListEntry& listEntry) {
     const VolumeParams& volume = Engine.VolumeParams;
     const auto sector = FindRecordSector(listEntry.RecordNumber());
-    if (!sector) {
+    if (!sector || !MayReadOn()) {
         return {};
     }
     std::vector<std::uint8_t> record(volume.FileRecordBytes);
@@ -169,6 +200,7 @@ void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry) {
 }
 
 int DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
+    Engine.Lists.BeginRecord();
     try {
         for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
             if (!TakeAttribute(record, walk.Current(), entry)) {
@@ -178,7 +210,8 @@ int DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
     } catch (const std::bad_alloc&) {
         // What has been decoded so far counts.
     }
-    if (IsMetafileName(entry.Name()) || entry.RecordNumber == entry.ParentNumber) {
+    const bool stopped = Engine.Lists.Stopped && Engine.Lists.Ended;
+    if (stopped || IsMetafileName(entry.Name()) || entry.RecordNumber == entry.ParentNumber) {
         entry.ClearName();
         return 0;
     }
@@ -240,11 +273,13 @@ int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry) 
 
 int DecodeFromListRuns(const ListHead<MftExtent>& runs, DecodedEntry& entry) {
     int result = 0;
+    bool unread = false;
     try {
         WalkListClusters(runs, [&](ConstBytes cluster) {
+            unread = unread || !Engine.BadSectors.empty();
             WalkListEntries(cluster, [&](const AttributeListEntry& listEntry) {
                 const std::uint32_t type = listEntry.Type();
-                if (!IsValidType(type) || type > kTypeData) {
+                if (Engine.Lists.Ended || !IsValidType(type) || type > kTypeData) {
                     return ListStep::End;
                 }
                 if (type == kTypeFileName) {
@@ -256,11 +291,12 @@ int DecodeFromListRuns(const ListHead<MftExtent>& runs, DecodedEntry& entry) {
                 }
                 return ListStep::GoOn;
             });
-            return result == 0;
+            return result == 0 && MayReadOn();
         });
     } catch (const std::bad_alloc&) {
         // What has been read so far counts.
     }
+    Engine.Lists.Unread = unread && result == 0;
     return result;
 }
 

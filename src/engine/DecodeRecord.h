@@ -26,7 +26,8 @@ struct DecodedEntry : CatalogueEntry {
 /// Turns a checked FILE record into an entry: name, parent, size, dates, Flags, and for a folder the number
 /// that its index root gives. Follows attribute lists into extension records. Gives 1 if the entry is to be
 /// catalogued; 0, with the name cleared, for the volume's own metafiles and for a record that yields neither
-/// parent nor number. Passes CUserException on.
+/// parent nor number. What a scan may read for one record is bounded, and a stop ends the reading; a record
+/// that a stop kept from being decoded gives 0 too. ListReads tells. Passes CUserException on.
 int DecodeFileRecord(ConstBytes record, DecodedEntry& entry);
 
 /// Takes the name of a file name attribute's value, which starts at `valueStart` of the bytes.

@@ -5,6 +5,7 @@
 #include "engine/FileRecord.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
+#include "platform/Interrupt.h"
 
 #include <algorithm>
 #include <new>
@@ -33,6 +34,9 @@ bool SearchMftRecord(RecordBuffer& record) {
     const std::uint64_t mirror = SectorOfCluster(volume.MftMirrCluster);
     for (std::uint64_t i = 0; i < std::min(volume.SectorsPerCluster, kMaxSectorsTried); ++i) {
         for (const std::uint64_t sector : {table + i, mirror + i}) {
+            if (WasInterrupted()) {
+                return false;
+            }
             if (ReadMftRecord(record, sector)) {
                 volume.MftSector = sector;
                 return true;
@@ -48,6 +52,26 @@ std::uint32_t RecordsInClusters(std::uint32_t clusters) {
         return clusters;
     }
     return clusters * (volume.SectorsPerCluster / volume.SectorsPerFileRecord);
+}
+
+// Outside a job a read that failed has not been walked sector by sector.
+void NoteFailedRead() {
+    Engine.TableCut = Engine.TableCut || Engine.UntriedFrom != kAllWereTried || !Engine.BadSectors.empty();
+}
+
+// Bytes that the volume can hold at the most. What a record states beyond them can't be true.
+std::uint64_t VolumeBytes() {
+    const DiskRecord& disk = Engine.SourceDisk;
+    const std::uint64_t medium = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
+    const std::uint64_t sectors = std::min(Engine.VolumeParams.TotalSectors, ~std::uint64_t{0} >> 16U);
+    return std::max(medium, sectors * disk.BytesPerSector);
+}
+
+void TakeTableBytes(const Attribute& firstPiece) {
+    const std::uint64_t bytes = std::min(firstPiece.RealBytes(), firstPiece.InitialisedBytes());
+    if (firstPiece.NonResident() != 0 && bytes <= VolumeBytes()) {
+        Engine.TableBytes = bytes;
+    }
 }
 
 // Keeps the entries of data attributes. In the clusters of a non-resident list, unlike in a resident one, an
@@ -75,12 +99,15 @@ ListHead<AttributeListNode> ReadTableAttributeList(ConstBytes record, const Attr
             ListHead<MftExtent> runs;
             DecodeRunList(record, list.RunListStart(), runs);
             WalkListClusters(runs, [&nodes](ConstBytes cluster) {
+                NoteFailedRead();
                 WalkListEntries(cluster, DataNodeCollector(true, nodes));
-                return true;
+                return !WasInterrupted();
             });
         }
     } catch (const CUserException&) {
+        Engine.TableCut = true;
     } catch (const std::bad_alloc&) {
+        Engine.TableCut = true;
     }
     return nodes;
 }
@@ -98,31 +125,75 @@ std::optional<Attribute> FindAttribute(ConstBytes record, std::uint32_t type, st
     return std::nullopt;
 }
 
-// Each node leads to an extension record. They are expected in the first run of the table, since the runs
-// aren't known yet.
-void CollectMftExtents(const ListHead<AttributeListNode>& nodes) try {
+// Takes the piece of the table that a node leads to. Its extension record is expected in the first run of the
+// table, since the runs aren't known yet.
+bool TakePiece(const AttributeListNode& node, RecordBuffer& record) {
     VolumeParams& volume = Engine.VolumeParams;
-    RecordBuffer record(volume.FileRecordBytes);
-    for (const AttributeListNode* node = nodes.First(); node != nullptr; node = node->Next.get()) {
-        ReadRecord(record, SectorOfCluster(volume.MftCluster) +
-                               std::uint64_t{node->RecordNumber} * volume.SectorsPerFileRecord);
-        if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
-            continue;
-        }
-        const auto piece = FindAttribute(record, node->AttributeType, node->AttributeId);
-        if (!piece) {
-            continue;
-        }
-        const auto clusters = static_cast<std::uint32_t>(piece->LastCluster() - piece->FirstCluster() + 1);
-        volume.MftRecordCount += RecordsInClusters(clusters);
-        DecodeRunList(record, piece->RunListStart(), volume.MftExtents);
+    ReadRecord(record, SectorOfCluster(volume.MftCluster) +
+                           std::uint64_t{node.RecordNumber} * volume.SectorsPerFileRecord);
+    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        return false;
     }
+    const auto piece = FindAttribute(record, node.AttributeType, node.AttributeId);
+    if (!piece) {
+        return false;
+    }
+    if (piece->FirstCluster() == 0) {
+        TakeTableBytes(*piece);
+    }
+    const auto clusters = static_cast<std::uint32_t>(piece->LastCluster() - piece->FirstCluster() + 1);
+    volume.MftRecordCount += RecordsInClusters(clusters);
+    DecodeRunList(record, piece->RunListStart(), volume.MftExtents);
+    return true;
+}
+
+// The table reaches into a piece that could not be had at least by one record.
+void NoteLostPiece(const AttributeListNode& node, std::uint64_t& reach) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    Engine.TableCut = true;
+    if (node.StartVcn < VolumeBytes() / std::max(1U, volume.ClusterBytes)) {
+        reach = std::max(reach, node.StartVcn * volume.ClusterBytes + volume.FileRecordBytes);
+    }
+}
+
+// Clusters of the extents behind one of them, or of all. An empty one counts too: it takes memory.
+std::uint64_t ClustersBehind(const MftExtent* last) {
+    std::uint64_t clusters = 0;
+    const MftExtent* extent = last == nullptr ? Engine.VolumeParams.MftExtents.First() : last->Next.get();
+    for (; extent != nullptr; extent = extent->Next.get()) {
+        clusters += std::max(1U, extent->Clusters);
+    }
+    return clusters;
+}
+
+// A table that has grown larger than its volume is damaged; its further pieces are left.
+void CollectMftExtents(const ListHead<AttributeListNode>& nodes) try {
+    const VolumeParams& volume = Engine.VolumeParams;
+    RecordBuffer record(volume.FileRecordBytes);
+    std::uint64_t clustersLeft = VolumeBytes() / std::max(1U, volume.ClusterBytes);
+    std::uint64_t reach = 0;
+    for (const AttributeListNode* node = nodes.First(); node != nullptr; node = node->Next.get()) {
+        const MftExtent* last = volume.MftExtents.Last();
+        if (WasInterrupted() || !TakePiece(*node, record)) {
+            NoteLostPiece(*node, reach);
+        }
+        const std::uint64_t clusters = ClustersBehind(last);
+        if (clusters > clustersLeft) {
+            Engine.TableCut = true;
+            break;
+        }
+        clustersLeft -= clusters;
+    }
+    Engine.TableBytes = Engine.TableBytes == 0 ? reach : Engine.TableBytes;
 } catch (const CUserException&) {
+    Engine.TableCut = true;
 } catch (const std::bad_alloc&) {
+    Engine.TableCut = true;
 }
 
 void TakeExtentsOfData(ConstBytes record, const Attribute& data) {
     VolumeParams& volume = Engine.VolumeParams;
+    TakeTableBytes(data);
     volume.MftRecordCount = RecordsInClusters(static_cast<std::uint32_t>(data.LastCluster()) + 1);
     DecodeRunList(record, data.RunListStart(), volume.MftExtents);
 }
@@ -164,6 +235,8 @@ int LocateMft() {
     VolumeParams& volume = Engine.VolumeParams;
     volume.MftExtents.Clear();
     volume.MftRecordCount = 0;
+    Engine.TableBytes = 0;
+    Engine.TableCut = false;
     if (volume.MftCluster == 0 || volume.FileRecordBytes == 0 || volume.SectorsPerCluster == 0) {
         return 0;
     }

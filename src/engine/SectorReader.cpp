@@ -37,8 +37,7 @@ ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
     }
     std::uint64_t sector = firstSector;
     for (std::size_t position = 0; position < buffer.size(); position += sectorBytes, ++sector) {
-        Host().PassGate();
-        if (Engine.ScanRunFlag == 0) {
+        if (!JobMayGoOn()) {
             return kErrorNone;
         }
         if (!PassesOver(code)) {
@@ -72,6 +71,11 @@ void ClearBehindEnd(Bytes buffer, std::uint64_t firstSector) {
 }
 
 } // namespace
+
+bool JobMayGoOn() {
+    Host().PassGate();
+    return Engine.ScanRunFlag != 0;
+}
 
 void RaiseFatal(ErrorCode code) {
     Host().ErrorBox(SystemErrorText(code));

@@ -31,6 +31,10 @@ ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);
 /// failed.
 bool TryReadSectors(Bytes buffer, std::uint64_t firstSector);
 
+/// What a job that makes many reads asks before each: passes the gate of the user's pause, then tells whether
+/// ScanRunFlag is still set.
+bool JobMayGoOn();
+
 /// Shows the system's text for a code in a blocking box and throws CUserException.
 [[noreturn]] void RaiseFatal(ErrorCode code);
 

@@ -54,7 +54,7 @@ public:
 
     /// Opens a file as if it had been dropped: saved scan information is loaded, anything else goes to the
     /// wizard as an image.
-    void OpenFile(const QString& path);
+    void OpenFile(const QString& file);
 
     /// Loads a scan's result, or a search's, from a file, as the commands do once the file has been chosen.
     void LoadTreeInfoFrom(const QString& path);

@@ -214,7 +214,8 @@ void CMainFrame::dropEvent(QDropEvent* event) {
     QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenFile(path); });
 }
 
-void CMainFrame::OpenFile(const QString& path) {
+void CMainFrame::OpenFile(const QString& file) {
+    const QString path = QFileInfo(file).absoluteFilePath();
     const QString fault = FaultOf(QFileInfo(path));
     if (!fault.isEmpty()) {
         ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);

@@ -28,6 +28,7 @@ bool RunBasicScan(CMainFrame& frame) {
         return false;
     }
     LogBasicScanEnded(BasicScan() != 0);
+    LogLosses();
     CloseCatalogue();
     SendWindowMessage(&frame, WM_PROGRESS_CAPTION, WordOf("Populating "));
     LogTreeFillStarted();
@@ -57,6 +58,7 @@ bool RunTurboScan(CMainFrame& frame) {
     }
     const bool complete = TurboScan() != 0;
     LogTurboScanEnded(number, complete);
+    LogLosses();
     if (complete) {
         ShowFullProgress(frame);
     }

@@ -26,10 +26,17 @@ std::uint64_t RoundToCylinder(std::uint64_t sector, std::uint64_t smallest) {
     return rest > kHalfCylinder ? sector + (kCylinderSectors - rest) : sector - rest;
 }
 
+// Probes behind the end of the disk lose nothing.
+void CountLoss(std::uint64_t sector) {
+    const bool bad = !Engine.BadSectors.empty() && Engine.BadSectors.front() == sector;
+    Engine.Losses.Sectors += bad && sector < Engine.SourceDisk.TotalSectors ? 1 : 0;
+}
+
 void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_t endSector,
            CandidateIndex& index) {
     Host().SearchPosition(sector, endSector);
     ReadSectorsCleared(buffer, sector);
+    CountLoss(sector);
     const ConstBytes first = ConstBytes(buffer).first(kBootSectorBytes);
     if (IsNtfsBootSector(first) != 0) {
         FollowBootSector(first, sector, SecondSight::Ignore, index);
@@ -41,6 +48,7 @@ void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_
 std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
     std::uint64_t position = RoundToCylinder(firstSector, 0);
     const std::uint64_t end = RoundToCylinder(endSector, kCylinderSectors);
+    Engine.Losses = ScanLosses();
     CandidateIndex index;
     std::vector<std::uint8_t> buffer(kProbeSectors *
                                      std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, 512));
@@ -48,9 +56,11 @@ std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
         Engine.SourceDisk.MediaHandle->ExpectScatteredReads(true);
     }
     try {
-        while (position < end && Engine.ScanRunFlag != 0) {
-            Host().PassGate();
+        while (position < end && JobMayGoOn()) {
             Probe(buffer, position, end, index);
+            if (!JobMayGoOn()) {
+                break;
+            }
             Probe(buffer, position + kTrackSectors, end, index);
             position += kCylinderSectors;
         }

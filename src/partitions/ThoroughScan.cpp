@@ -28,8 +28,7 @@ public:
         , buffer_(kBatchSectors * sectorBytes_) {}
 
     void Run() {
-        while (position_ < end_ && Engine.ScanRunFlag != 0) {
-            Host().PassGate();
+        while (position_ < end_ && JobMayGoOn()) {
             Host().SearchPosition(position_, end_);
             const std::size_t slots = ReadBatch();
             for (std::size_t slot = 0; slot < slots; ++slot) {
@@ -38,6 +37,9 @@ public:
             position_ += kBatchSectors;
         }
     }
+
+    /// Sectors of the range from the batch in hand on.
+    [[nodiscard]] std::uint64_t SectorsLeft() const { return end_ - position_; }
 
     /// Also after a stop: what was collected up to then may make a volume.
     void PairUp() {
@@ -51,11 +53,16 @@ private:
     std::size_t ReadBatch() {
         if (position_ + kBatchSectors < end_) {
             ReadSectorsCleared(buffer_, position_);
+            Engine.Losses.Sectors += Engine.BadSectors.size();
             return kBatchSectors;
         }
         const auto slots = static_cast<std::size_t>(end_ - position_);
         for (std::size_t slot = 0; slot < slots; ++slot) {
+            if (!JobMayGoOn()) {
+                return slot;
+            }
             ReadSectorsCleared(Bytes(buffer_).subspan(slot * sectorBytes_, sectorBytes_), position_ + slot);
+            Engine.Losses.Sectors += Engine.BadSectors.size();
         }
         return slots;
     }
@@ -75,6 +82,9 @@ private:
         const std::size_t sectors = bytes / sectorBytes_;
         if (bytes == 0 || bytes >= kMaxRecordBytes || bytes < sectorBytes_ || bytes % sectorBytes_ != 0 ||
             (sectors != 1 && sectors % 2 != 0)) {
+            return;
+        }
+        if (!JobMayGoOn()) {
             return;
         }
         record_.assign(bytes, 0);
@@ -97,11 +107,13 @@ std::uint32_t ThoroughScan(std::uint64_t firstSector, std::uint64_t endSector) {
     if (Engine.SourceDisk.BytesPerSector < kBootSectorBytes) {
         return Engine.ScanRunFlag;
     }
+    Engine.Losses = ScanLosses();
     SectorWalk walk(firstSector, endSector);
     try {
         walk.Run();
     } catch (const CUserException&) {
         // The user has seen the box. What was collected so far counts.
+        Engine.Losses.Sectors += walk.SectorsLeft();
     } catch (const std::bad_alloc&) {
     }
     try {

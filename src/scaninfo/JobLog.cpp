@@ -1,5 +1,6 @@
 #include "scaninfo/JobLog.h"
 
+#include "engine/EngineState.h"
 #include "partitions/DiskEnumeration.h"
 #include "partitions/VolumeList.h"
 #include "platform/DiskIdentity.h"
@@ -96,6 +97,12 @@ void LogTurboScanStarted(unsigned number) {
 
 void LogTurboScanEnded(unsigned number, bool complete) {
     LogLine(TurboText(complete ? "Completed" : "Aborted", number), kScanRule, EndStatus(complete));
+}
+
+void LogLosses() {
+    if (Engine.Losses.Any()) {
+        LogLine(LossText(Engine.Losses), kScanRule, kLogFailed);
+    }
 }
 
 void LogNoCatalogue() { LogLine("Supporting Files couldn't be opened", kScanRule, kLogDone); }

@@ -29,6 +29,9 @@ void LogTreeFillEnded();
 void LogTurboScanStarted(unsigned number);
 void LogTurboScanEnded(unsigned number, bool complete);
 
+/// What the scan or the search could not read, if there was anything.
+void LogLosses();
+
 /// The catalogue's files can't be made, or not opened again.
 void LogNoCatalogue();
 

@@ -6,6 +6,7 @@
 #include "engine/SectorReader.h"
 #include "platform/Host.h"
 #include "scans/RecordCataloguing.h"
+#include "scans/TableLosses.h"
 
 #include <algorithm>
 #include <new>
@@ -33,13 +34,14 @@ public:
         , decoded_(batchRecords_) {}
 
     void Run();
-    [[nodiscard]] bool Stopped() const { return stopped_; }
+    [[nodiscard]] bool Stopped() const { return stopped_ || Engine.Lists.Stopped; }
     [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
 
 private:
     void WalkExtent(const MftExtent& extent);
     void ReportProgress() const;
     void ReadBatch(std::uint32_t records);
+    void ReadAndDecodeBatch(std::uint32_t records);
     void DecodeBatch(std::uint32_t records);
     void DecodeSlot(Bytes record);
     void CatalogueBatch();
@@ -52,6 +54,7 @@ private:
     std::uint64_t recordSector_ = 0; ///< absolute sector of the record slot in hand
     std::uint32_t recordIndex_ = 0;  ///< record slots passed, valid or not
     std::uint32_t nextEntryId_ = kFirstEntryId;
+    TableLosses losses_;
     bool stopped_ = false;
 };
 
@@ -61,35 +64,40 @@ void TableWalk::Run() {
          extent = extent->Next.get()) {
         WalkExtent(*extent);
     }
+    if (!Stopped()) {
+        losses_.Finish();
+    }
 }
 
 void TableWalk::WalkExtent(const MftExtent& extent) {
-    const VolumeParams& volume = Engine.VolumeParams;
     recordSector_ = SectorOfCluster(extent.StartCluster);
-    std::uint32_t left = extent.Clusters * volume.SectorsPerCluster / volume.SectorsPerFileRecord;
+    std::uint32_t left = RecordsInExtent(extent);
     while (left > 0) {
-        Host().PassGate();
-        if (Engine.ScanRunFlag == 0) {
+        if (!JobMayGoOn()) {
             stopped_ = true;
             return;
         }
         ReportProgress();
         if (IsBehindMedium()) {
             // Nothing but zeros can be read here, however long the run claims to be.
+            losses_.LeaveBehindEnd(recordIndex_, left);
             recordIndex_ += left;
             return;
         }
         const std::uint32_t records = std::min(left, batchRecords_);
         left -= records;
-        ReadBatch(records);
-        try {
-            DecodeBatch(records);
-        } catch (const CUserException&) {
-            CatalogueBatch(); // what stood in front of the record that couldn't be followed
-            throw;
-        }
+        ReadAndDecodeBatch(records);
         CatalogueBatch();
     }
+}
+
+void TableWalk::ReadAndDecodeBatch(std::uint32_t records) try {
+    ReadBatch(records);
+    DecodeBatch(records);
+} catch (const CUserException&) {
+    losses_.LeaveUnread(recordIndex_);
+    CatalogueBatch(); // what stood in front of the record that couldn't be followed
+    throw;
 }
 
 void TableWalk::ReportProgress() const {
@@ -101,6 +109,7 @@ void TableWalk::ReportProgress() const {
 void TableWalk::ReadBatch(std::uint32_t records) {
     const Bytes wanted(batch_.data(), std::size_t{records} * Engine.VolumeParams.FileRecordBytes);
     ReadSectorsCleared(wanted, recordSector_);
+    losses_.BeginBatch(recordSector_, recordIndex_, records);
 }
 
 bool TableWalk::IsBehindMedium() const {
@@ -123,14 +132,20 @@ void TableWalk::DecodeBatch(std::uint32_t records) {
 
 void TableWalk::DecodeSlot(Bytes record) {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (U32At(record, 0) != kFileMagic || BaseReference(record) != 0 ||
-        CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        losses_.Reject(record, recordIndex_);
+        return;
+    }
+    losses_.Accept();
+    if (BaseReference(record) != 0) {
         return;
     }
     DecodedRecord& decoded = decoded_[decodedCount_];
     DecodedEntry& entry = decoded.Entry;
     entry.Clear();
-    if (DecodeFileRecord(record, entry) == 0) {
+    const int kept = DecodeFileRecord(record, entry);
+    TableLosses::NoteList();
+    if (kept == 0) {
         return;
     }
     if (UsaOffset(record) == kUsaOffsetNew) {
@@ -161,6 +176,7 @@ int BasicScan() try {
     if (volume.FileRecordBytes == 0 || volume.BytesPerSector == 0 || volume.SectorsPerFileRecord == 0) {
         return 0;
     }
+    const ScanAccount account;
     TableWalk walk;
     UpToFatalError([&walk] { walk.Run(); });
     UpToFatalError([&walk] { FinishCatalogue(walk.NextEntryId()); });

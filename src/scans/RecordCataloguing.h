@@ -18,6 +18,19 @@ void CatalogueRecord(DecodedEntry& entry, bool directory, std::uint32_t& nextEnt
 /// The same for a folder that is known by number, parent and name alone.
 void CatalogueFolder(DecodedEntry& entry, std::uint32_t& nextEntryId);
 
+/// While one lives a scan runs: losses and the cost of lists are counted anew.
+class ScanAccount {
+public:
+    ScanAccount() {
+        Engine.Losses = ScanLosses();
+        Engine.Lists = ListReads();
+        Engine.Lists.InScan = true;
+    }
+    ~ScanAccount() { Engine.Lists.InScan = false; }
+    ScanAccount(const ScanAccount&) = delete;
+    ScanAccount& operator=(const ScanAccount&) = delete;
+};
+
 /// Runs a step of a scan. A fatal error of the medium or of the catalogue, whose box the user has seen, ends
 /// the step and not the scan: what was found up to then makes the catalogue.
 template <typename Step>

@@ -43,7 +43,7 @@ public:
 
 private:
     void ReadAhead();
-    void ReadSpan(Bytes span, std::uint64_t sector);
+    void ReadSpan(Bytes span);
     void ProcessSpan(Bytes span);
     void ProcessRecord(Bytes record);
     std::uint32_t NumberOfRecord(ConstBytes record, std::uint32_t decodedNumber);
@@ -72,9 +72,14 @@ VolumeWalk::VolumeWalk()
         spansAtATime_ = std::max<std::size_t>(1, kReadBytes / span_.Bytes);
     }
     buffer_.resize(spansAtATime_ * span_.Bytes);
-    // Behind the medium's end there is nothing to find, however large the volume claims to be.
+    // Behind the medium's end there is nothing to find, however large the volume claims to be. A size that no
+    // boot sector states is a guess, so nothing is lost by it.
     if (disk.MediaHandle != nullptr && disk.BytesPerSector != 0) {
-        endSector_ = std::min(endSector_, disk.MediaHandle->SizeBytes() / disk.BytesPerSector + 1);
+        const std::uint64_t sectors = disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
+        if (Engine.VolumeParams.VolumeSerial != 0 && endSector_ > sectors) {
+            Engine.Losses.Sectors += endSector_ - std::max(sectors, spanSector_);
+        }
+        endSector_ = std::min(endSector_, sectors + 1);
     }
 }
 
@@ -82,13 +87,18 @@ void VolumeWalk::Run() {
     for (std::size_t next = 0; spanSector_ < endSector_ && Engine.ScanRunFlag != 0; ++next) {
         if (next % spansAtATime_ == 0) {
             next = 0;
-            Host().PassGate();
+            if (!JobMayGoOn()) {
+                return;
+            }
             ReportProgress();
             ReadAhead();
         }
         const Bytes span = Bytes(buffer_).subspan(next * span_.Bytes, span_.Bytes);
         if (next >= spansRead_) {
-            ReadSpan(span, spanSector_);
+            if (!JobMayGoOn()) {
+                return;
+            }
+            ReadSpan(span);
         }
         ProcessSpan(span);
         spanSector_ += span_.Sectors;
@@ -98,7 +108,17 @@ void VolumeWalk::Run() {
 // Reads many spans at once where all of them can be read. Where one can't, each is read by itself.
 void VolumeWalk::ReadAhead() { spansRead_ = TryReadSectors(buffer_, spanSector_) ? spansAtATime_ : 0; }
 
-void VolumeWalk::ReadSpan(Bytes span, std::uint64_t sector) { ReadSectorsCleared(span, sector); }
+// A span may reach behind the volume: what can't be read there is no loss.
+void VolumeWalk::ReadSpan(Bytes span) try {
+    ReadSectorsCleared(span, spanSector_);
+    Engine.Losses.Sectors += static_cast<std::uint64_t>(
+        std::count_if(Engine.BadSectors.begin(), Engine.BadSectors.end(),
+                      [this](std::uint64_t sector) { return sector < endSector_; }));
+} catch (const CUserException&) {
+    Engine.Losses.Sectors +=
+        std::max(std::min(endSector_, Engine.SourceDisk.TotalSectors), spanSector_) - spanSector_;
+    throw;
+}
 
 void VolumeWalk::ProcessSpan(Bytes span) {
     const VolumeParams& volume = Engine.VolumeParams;
@@ -154,6 +174,7 @@ void VolumeWalk::ReportProgress() const {
 
 std::uint32_t TurboScan() try {
     const VolumeParams& volume = Engine.VolumeParams;
+    const ScanAccount account;
     std::uint32_t nextEntryId = kFirstEntryId;
     if (volume.FileRecordBytes != 0 && volume.SectorsPerFileRecord != 0 && volume.BytesPerSector != 0) {
         VolumeWalk walk;

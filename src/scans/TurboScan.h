@@ -10,7 +10,7 @@ namespace thntfs {
 /// every folder of an index block that stands at an aligned place, whether or not the Master File Table
 /// reaches it. Needs a catalogue just created and ScanRunFlag set. ProgressDone counts sectors. Gives
 /// ScanRunFlag: 1 if it went through to the end, 0 if it was stopped. A fatal error ends the reading; what
-/// was found up to then is kept.
+/// was found up to then is kept. Losses tells how many sectors of the volume could not be read.
 std::uint32_t TurboScan();
 
 /// Catalogues the folders that a checked index block lists. `nextEntryId` advances by what was written.

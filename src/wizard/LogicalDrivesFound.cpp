@@ -172,6 +172,7 @@ void CLogicalDrivesFound::EndSearch() {
     over_ = true;
     TheDesktopHost().SetSearchDialog(nullptr);
     LogSearchEnded(*ranOut_);
+    LogLosses();
     SetFrameStatus(QStringLiteral("Ready"));
     done(Rejected);
 }

@@ -52,7 +52,6 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std
     setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Wizard"));
     setWindowIcon(LoadIcon("wizard"));
     Disks.resize(std::min(Disks.size(), kMaxDisks));
-    std::for_each(Disks.begin(), Disks.end(), TellUnreadable);
     RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0 ? 1 : 0;
     header_ = new CWizardHeader(this);
     stack_ = new QStackedWidget(this);
@@ -125,7 +124,11 @@ void CWizardSheet::OpenOnImage(const QString& path) {
     firstPage_ = kImageSelectionPage;
 }
 
+// Who opens an image from outside has not asked for disks.
 int CWizardSheet::Run() {
+    if (firstPage_ != kImageSelectionPage) {
+        std::for_each(Disks.begin(), Disks.end(), TellUnreadable);
+    }
     ShowPage(firstPage_);
     return exec();
 }

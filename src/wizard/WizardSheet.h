@@ -44,7 +44,7 @@ inline constexpr unsigned kButtonDisabledFinish = 8;
 class CWizardSheet : public QDialog {
 public:
     /// `logicalDriveNumber` is the frame's, written by a click in the list of partitions. `disks` is what the
-    /// disk pages offer; a box tells of each that can't be opened.
+    /// disk pages offer.
     CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber,
                  std::vector<DiskInfo> disks = EnumerateDisks());
     ~CWizardSheet() override;
@@ -55,7 +55,8 @@ public:
     /// To be called before Run: the sheet opens on the image page with this file chosen.
     void OpenOnImage(const QString& path);
 
-    /// Shows the sheet until it ends. Gives kWizardFinished or, cancelled, another number.
+    /// Tells by a box of each disk that can't be opened, and shows the sheet until it ends. Gives
+    /// kWizardFinished or, cancelled, another number.
     int Run();
 
     /// Asks before it closes; done() closes unasked.

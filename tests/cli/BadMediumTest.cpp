@@ -151,6 +151,34 @@ TEST_F(BadMediumTest, TableOutsideTheMediumIsTold) {
     EXPECT_TRUE(Contains(run.Err, "Critical structures not found")) << run.Err;
 }
 
+TEST_F(BadMediumTest, ATableThatCannotBeReadIsToldAndNeverCalledComplete) {
+    VolumeBuilder volume;
+    volume.AddFile(TextFile(40, u"file.txt", "text"));
+    volume.PlaceRecord(41, BytesOf("BAAD" + std::string(1020, 'x')));
+    volume.WriteTo(scratch_ / "image");
+    for (const char* command : {"scan", "list", "save"}) {
+        Words words = {command, scratch_ / "image", "--json"};
+        if (words.front() == "save") {
+            words.insert(words.end(), {"--to", scratch_ / "to"});
+        }
+        const RunResult run = RunCli(words);
+        EXPECT_EQ(run.Status, 3) << command;
+        EXPECT_TRUE(Contains(run.Err, "At least 1 record could not be read (1 damaged)")) << run.Err;
+        EXPECT_TRUE(words.front() == "list" || !Json::parse(run.Out)["complete"]) << run.Out;
+    }
+    EXPECT_EQ(RunCli({"cat", scratch_ / "image", "/file.txt"}).Status, 0);
+
+    // The runs of the table lead astray.
+    volume.PlaceRecord(volume.NewRecord(0)
+                           .AddStandardInformation(EqualTimes(), 6)
+                           .AddFileName({.Name = u"$MFT", .Namespace = kNamespaceBoth})
+                           .AddData({.Runs = {{64, 100}}}));
+    volume.WriteTo(scratch_ / "image");
+    const RunResult run = RunCli({"save", scratch_ / "image", "--to", scratch_ / "to"});
+    EXPECT_EQ(run.Status, 1);
+    EXPECT_TRUE(Contains(run.Err, "--turbo")) << run.Err;
+}
+
 TEST_F(BadMediumTest, TableKnownByItsMirrorAlone) {
     VolumeBuilder volume;
     volume.AddFile(TextFile(40, u"file.txt", "text"));

@@ -280,6 +280,33 @@ TEST_F(DecodeRecordTest, AListInClustersEndsWithTheClusterThatGaveAResult) {
     EXPECT_EQ(Entry.Size, 2U);
 }
 
+TEST_F(DecodeRecordTest, AListThatAsksForMoreReadsThanAnyDriverWritesEndsAndSoDoesAStoppedOne) {
+    const std::uint64_t cluster = Volume.AllocateClusters(1);
+    Volume.PutClusters(cluster, EncodeAttributeList(std::vector<ListEntry>(4096 / 32, {kFileName, 60})));
+    const RecordBuilder record =
+        File().AddAttributeList(NonResidentValue{.Runs = std::vector<test::Run>(64, {1, cluster})});
+    Decode(record);
+    EXPECT_LT(Plan->Log.size(), 3200U);
+    EXPECT_TRUE(Engine.Lists.Ended);
+
+    // Lists that share their records end sooner.
+    for (int i = 0; i < 100; ++i) {
+        Decode(record);
+    }
+    const std::size_t before = Plan->Log.size();
+    Decode(record);
+    EXPECT_LT(Plan->Log.size() - before, 40U);
+
+    Engine.Lists = {.InScan = true};
+    Engine.ScanRunFlag = 1;
+    Plan->OnRead = [before = Plan->Log.size()](std::uint64_t index, const ReadRequest&) {
+        Engine.ScanRunFlag = index < before + 5 ? 1 : 0;
+    };
+    EXPECT_EQ(Decode(record), 0);
+    EXPECT_EQ(Engine.Lists.OfRecord, 7U) << "six reads, and the look that ended them";
+    EXPECT_TRUE(Engine.Lists.Stopped);
+}
+
 TEST_F(DecodeRecordTest, FindsARecordsSectorByTheTablesRuns) {
     VolumeParams& volume = Engine.VolumeParams;
     SetTableRuns({{2, 100}, {1, {}}, {1, 50}});

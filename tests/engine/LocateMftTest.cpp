@@ -173,6 +173,8 @@ TEST_F(LocateMftTest, AnAttributeListLeadsThroughItsPieces) {
     const Runs expected = {{4, 64}, {2, 400}, {3, 300}};
     EXPECT_EQ(Extents(), expected) << "in the order of the list, as far as a piece can be had";
     EXPECT_EQ(Engine.VolumeParams.MftRecordCount, 4U * 9);
+    EXPECT_TRUE(Engine.TableCut);
+    EXPECT_EQ(Engine.TableBytes, 4U * 4096);
 
     const std::uint64_t clusters = Volume->AllocateClusters(2);
     Volume->PutClusters(clusters, EncodeAttributeList({list.begin(), list.begin() + 3}));

@@ -119,6 +119,33 @@ TEST_F(PartitionSearchTest, AStopLeavesWhatWasFoundAndABadSectorCostsItselfAlone
     EXPECT_EQ(ThoroughScan(0, 1000), 1U) << "a fatal error isn't a stop";
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
     EXPECT_EQ(Reports.Boxes.size(), 1U);
+    EXPECT_EQ(Engine.Losses.Sectors, 1U + (1000 - 640)) << "from the batch on that the fatal error ended";
+}
+
+// A slow medium: each read takes so long that the stop comes between two.
+TEST_F(PartitionSearchTest, AStopIsSeenBeforeTheNextRead) {
+    ByteVector likeRecords(512 * 300);
+    for (std::size_t at = 0; at < likeRecords.size(); at += 512) {
+        std::copy_n("FILE0", 6, likeRecords.begin() + static_cast<std::ptrdiff_t>(at));
+        PutNumber<std::uint32_t>(likeRecords, at + 28, 1024);
+    }
+    struct Case {
+        SearchMethod Method;
+        std::uint64_t End;
+        std::size_t ReadsBefore;
+    };
+    for (const Case& c : {Case{SearchMethod::Quick, 300, 1}, Case{SearchMethod::Thorough, 100, 4},
+                          Case{SearchMethod::Thorough, 300, 3}}) {
+        auto plan = std::make_shared<FaultPlan>();
+        plan->OnRead = [&c](std::uint64_t index, const ReadRequest&) {
+            Engine.ScanRunFlag = index + 1 < c.ReadsBefore ? 1 : 0;
+        };
+        Search(c.Method, {});
+        Engine.SourceDisk.MediaHandle =
+            std::make_unique<FaultyMedium>(std::make_unique<MemoryMedium>(likeRecords), plan);
+        EXPECT_EQ(RunPartitionSearch(c.Method, 0, c.End), 0U);
+        EXPECT_EQ(plan->Log.size(), c.ReadsBefore) << c.End;
+    }
 }
 
 // ------------------------------------------------------------------ volumes from records alone
@@ -243,6 +270,22 @@ TEST_F(EvidenceTest, ADiskOfLookAlikesEndsInABoundedList) {
     SearchDisk();
     EXPECT_EQ(Found().size(), CandidateIndex::kMaxCandidates);
     EXPECT_EQ(Engine.SearchLimits, kLimitCandidates);
+}
+
+TEST_F(EvidenceTest, AStopEndsThePairing) {
+    EvidenceList copies;
+    for (std::uint64_t i = 0; i < 2500; ++i) { // three million pairs, most of them of one volume
+        auto copy = std::make_unique<MftEvidence>();
+        copy->SectorNumber = 2 * i;
+        copy->SectorsPerCluster = 128;
+        copies.Append(std::move(copy));
+    }
+    Search(SearchMethod::Thorough, {});
+    Reports.OnGate = [] { Engine.ScanRunFlag = 0; };
+    CandidateIndex index;
+    PairMftTwins(copies, index);
+    EXPECT_EQ(Reports.Gates, (1U << 20U) + 1);
+    EXPECT_FALSE(Found().empty()) << "what was made of them before";
 }
 
 } // namespace

@@ -168,6 +168,7 @@ TEST_F(BasicScanTest, OldNumbersGoOnBehindUnreadableSlots) {
     EXPECT_EQ(Picture(), (Lines{"/kept 71", "/late 200"}));
     EXPECT_EQ(Reports.Progress, (std::vector<TestHost::Pair>{{0, 256}, {64, 256}, {128, 256}, {192, 256}}));
     EXPECT_EQ(Reports.Pauses, 128U);
+    EXPECT_EQ(Engine.Losses.Unread, 1U + 64);
 }
 
 TEST_F(BasicScanTest, NothingToScan) {
@@ -180,6 +181,7 @@ TEST_F(BasicScanTest, NothingToScan) {
     EXPECT_EQ(CatalogueEntryCount(), 2U);
     EXPECT_TRUE(Reports.Progress.empty());
     EXPECT_TRUE(Plan->Log.empty());
+    EXPECT_TRUE(Engine.Losses.NoTable);
 
     ASSERT_EQ(CreateCatalogue(), 1);
     Engine.VolumeParams.FileRecordBytes = 0;
@@ -220,6 +222,7 @@ TEST_F(BasicScanTest, AFatalReadEndsTheReadingAndIsNoStop) {
     EXPECT_EQ(Scan(), 1);
     EXPECT_EQ(CatalogueEntryCount(), 2U + 98 + 1);
     EXPECT_EQ(Reports.Boxes, std::vector<std::string>{"The device is not ready."});
+    EXPECT_EQ(Engine.Losses.Unread, 128U) << "all from the batch on that failed";
     ExpectSoundCatalogue();
 
     // The same while a record's list is followed: the records of the batch in front of it are kept.
@@ -238,6 +241,32 @@ TEST_F(BasicScanTest, ExtentsBehindTheMediumAreSkippedQuickly) {
     EXPECT_EQ(Picture(), (Lines{"/file 30"}));
     EXPECT_LT(Plan->Log.size(), 10U);
     EXPECT_LT(Reports.Progress.size(), 10U);
+}
+
+TEST_F(BasicScanTest, DamagedAndMissingRecordsAreCounted) {
+    const auto spoilt = [](RecordBuilder record) {
+        ByteVector bytes = record.AddData(ByteVector(400)).Finish();
+        bytes[510] ^= 0xFFU; // of the check words one differs
+        return bytes;
+    };
+    Volume.AddFile({.Number = 30, .Name = u"file"});
+    Volume.PlaceRecord(31, spoilt(Record(31, 5, u"torn")));
+    Volume.PlaceRecord(32, spoilt(Record(32, 5, u"torn extension").SetBase(FileReference(30))));
+    Volume.PlaceRecord(33, BytesOf("BAAD" + std::string(1020, 'x')));
+    Volume.PlaceRecord(34, spoilt(Record(34, 5, u"freed").SetInUse(false)));
+    Volume.PlaceRecord(35, Volume.NewRecord(35).SetInUse(false).Finish()); // an empty one
+    Volume.PlaceRecord(250, ByteVector(1024, 0x55));
+    Engine.TableBytes = 250 * 1024; // what lies behind was never written
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Engine.Losses.Damaged, 3U);
+    EXPECT_EQ(Engine.Losses.Records(), 3U);
+    SetTableRuns({{10, 4}});
+    Scan();
+    EXPECT_EQ(LossText(Engine.Losses),
+              "At least 213 records could not be read (210 in lost pieces of the table, 3 damaged)");
+    SetTableRuns({{10, 4}, {40, 0x10000}, {13, 2040}});
+    Scan();
+    EXPECT_EQ(Engine.Losses.BehindEnd, 160U + 10) << "ten slots of the last run";
 }
 
 TEST_F(BasicScanTest, ACatalogueThatCannotBeWrittenEndsWithItsBox) {
