@@ -49,10 +49,26 @@ void CRowTable::AddRow(const QStringList& texts, const QIcon& icon) {
 void CRowTable::keyPressEvent(QKeyEvent* event) {
     constexpr std::array kKeys{Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home};
     if (SelectedRow() < 0 && std::find(kKeys.begin(), kKeys.end(), event->key()) != kKeys.end()) {
-        selectRow(0);
+        selectRow(FirstChoosableRow());
     } else {
         QTableWidget::keyPressEvent(event);
     }
+}
+
+void CRowTable::DisableLastRow() {
+    for (int column = 0; column < columnCount(); ++column) {
+        if (QTableWidgetItem* cell = item(rowCount() - 1, column); cell != nullptr) {
+            cell->setFlags(Qt::NoItemFlags);
+        }
+    }
+}
+
+int CRowTable::FirstChoosableRow() const {
+    int row = 0;
+    while (row + 1 < rowCount() && (item(row, 0)->flags() & Qt::ItemIsEnabled) == 0) {
+        ++row;
+    }
+    return row;
 }
 
 int CRowTable::SelectedRow() const {

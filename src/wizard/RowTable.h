@@ -12,11 +12,17 @@ public:
 
     void AddRow(const QStringList& texts, const QIcon& icon = {});
 
+    /// The row added last can't be chosen.
+    void DisableLastRow();
+
     /// Position of the selected row, -1 for none.
     [[nodiscard]] int SelectedRow() const;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    [[nodiscard]] int FirstChoosableRow() const;
 };
 
 } // namespace thntfs

@@ -1,6 +1,7 @@
 #include "wizard/SourceSteps.h"
 
 #include "engine/EngineState.h"
+#include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
@@ -20,8 +21,22 @@ bool TableNamesVolumes() {
     return ReadPartitionTable() != 0;
 }
 
+// A medium that gives nothing at all has no missing table: the reason comes first.
+void TellUnreadableMedium(const std::string& path) {
+    MediumAnswer answer;
+    {
+        const WaitCursor slow;
+        answer = AskMedium();
+    }
+    if (!answer.Answers) {
+        ShowBox(QString::fromStdString(path + " can't be read: " + SystemErrorText(answer.FirstSector)),
+                QStringLiteral("Error"), BoxIcon::Stop);
+    }
+}
+
 bool ReadTable(const SourceKind& kind, const std::string& path) {
     if (!TableNamesVolumes()) {
+        TellUnreadableMedium(path);
         ShowBox(QString::fromLatin1(kind.NoPartitions), QStringLiteral("Volume Salvage (NTFS)"),
                 BoxIcon::Stop);
         return false;

@@ -3,6 +3,7 @@
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
+#include "partitions/VolumeList.h"
 #include "platform/SizeText.h"
 #include "shell/Boxes.h"
 #include "shell/Icons.h"
@@ -17,18 +18,20 @@ namespace thntfs {
 
 namespace {
 
-QStringList RowTexts(int row, const PartitionCandidate& candidate) {
-    return {QStringLiteral("NTFS logical drive %1").arg(row + 1),
-            QString::number(static_cast<std::uint32_t>(candidate.StartSector)),
-            QString::fromStdString(SizeText(candidate.TotalSectors * candidate.BytesPerSector))};
+QStringList RowTexts(const QString& name, std::uint64_t startSector, std::uint64_t bytes) {
+    return {name, QString::number(static_cast<std::uint32_t>(startSector)),
+            QString::fromStdString(SizeText(bytes))};
 }
 
-const PartitionCandidate* CandidateAt(int row) {
-    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
-    for (int i = 0; i < row && candidate != nullptr; ++i) {
-        candidate = candidate->Next.get();
+QStringList RowTexts(const ListedVolume& volume) {
+    if (volume.Candidate != nullptr) {
+        return RowTexts(QStringLiteral("NTFS logical drive %1").arg(volume.Number),
+                        volume.Candidate->StartSector,
+                        volume.Candidate->TotalSectors * volume.Candidate->BytesPerSector);
     }
-    return candidate;
+    const QString problem = QString::fromStdString(ProblemText(volume.Entry.State));
+    return RowTexts(QStringLiteral("Logical drive %1: %2").arg(volume.Number).arg(problem),
+                    volume.Entry.StartSector, volume.Entry.TotalSectors * Engine.SourceDisk.BytesPerSector);
 }
 
 } // namespace
@@ -37,7 +40,6 @@ CWizardPartitionListPage::CWizardPartitionListPage(CWizardSheet& sheet)
     : CWizardPage(sheet, "Select the partition to recover", "ntfsrecoverdata.htm")
     , list_(new CRowTable(this,
                           {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size")})) {
-    list_->setAccessibleName(QStringLiteral("Logical drives"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(list_);
     setFocusProxy(list_);
@@ -57,15 +59,17 @@ void CWizardPartitionListPage::OnSetActive() {
 
 void CWizardPartitionListPage::Fill() {
     list_->setRowCount(0);
-    int row = 0;
-    for (const PartitionCandidate* candidate = CandidateAt(0); candidate != nullptr;
-         candidate = candidate->Next.get()) {
-        list_->AddRow(RowTexts(row, *candidate), LoadIcon("disk"));
-        ++row;
-    }
-    list_->setEnabled(row != 0);
-    if (row == 0) {
+    const bool any = !Engine.SourceDisk.Partitions.Empty();
+    list_->setEnabled(any);
+    if (!any) {
         list_->AddRow({QStringLiteral("No Logical Drives Found")});
+        return;
+    }
+    for (const ListedVolume& volume : ListVolumes()) {
+        list_->AddRow(RowTexts(volume), LoadIcon("disk"));
+        if (volume.Candidate == nullptr) {
+            list_->DisableLastRow();
+        }
     }
 }
 
@@ -84,7 +88,7 @@ bool CWizardPartitionListPage::OnWizardFinish() {
         return false;
     }
     NameChoice();
-    LoadVolumeParams(*CandidateAt(selectedRow_));
+    LoadVolumeParams(*ListVolumes().at(static_cast<std::size_t>(selectedRow_)).Candidate);
     if (const std::string fault = ClusterFault(); !fault.empty()) {
         ShowBox(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."),
                 QStringLiteral("Information"), BoxIcon::Warning);

@@ -103,17 +103,27 @@ TEST_F(PagesTest, ListsSayWhatIsTold) {
     EXPECT_EQ(shown, ToldTexts());
 }
 
-TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
-    Sheet->Disks[0].OpenError = kErrorAccessDenied;
-    Sheet->Disks[1].AccessError = kErrorNotReady;
+TEST_F(PagesTest, DisksThatCannotBeReadAreTold) {
+    auto disks = MadeUpDisks();
+    disks[0].OpenError = kErrorAccessDenied;
+    disks[1].AccessError = kErrorNotReady;
+    MakeSheet(disks);
+    AtSheet([this] { Close(); });
+    Run();
+    EXPECT_EQ(BoxTexts(Answers),
+              (Texts{"Information: Disk Opening Error #5", "Error: Error accessing device 21"}));
+}
+
+TEST_F(PagesTest, KeysLeadThroughThePages) {
     const auto key = [this](Qt::Key pressed) { QTest::keyClick(Sheet->focusWidget(), pressed); };
     const auto tabs = [&] {
         std::string order;
+        const QWidget* first = Sheet->focusWidget();
         do {
             const auto* button = qobject_cast<QAbstractButton*>(Sheet->focusWidget());
-            order += (button != nullptr ? button->text().trimmed().toStdString() : "view") + "|";
+            order += button != nullptr ? button->text().trimmed().toStdString() + "|" : "view|";
             key(Qt::Key_Tab);
-        } while (!order.ends_with("Help|"));
+        } while (Sheet->focusWidget() != first);
         return order;
     };
     AtSheet([&] {
@@ -127,9 +137,7 @@ TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
         ButtonOf(*Sheet, "Cancel")->setFocus();
         key(Qt::Key_Return);
         key(Qt::Key_Escape);
-        const std::string close = "Confirm: Do you want to close wizard?";
-        EXPECT_EQ(BoxTexts(Answers), (Texts{"Information: Disk Opening Error #5",
-                                            "Error: Error accessing device 21", close, close}));
+        EXPECT_EQ(BoxTexts(Answers), (Texts(2, "Confirm: Do you want to close wizard?")));
         ButtonOf(*Sheet, "< Back")->setFocus();
         key(Qt::Key_Return);
         GoToImagePage(VolumePath("basic"));

@@ -72,6 +72,25 @@ TEST_F(SourcePagesTest, ImageWithAPartitionTableToTheVolume) {
                            QStringLiteral("All files (*)")}));
 }
 
+TEST_F(SourcePagesTest, AVolumeWithoutABootSectorKeepsItsRowAndCannotBeChosen) {
+    const QString image = QString::fromStdString(Scratch / "image");
+    std::filesystem::copy_file(VolumePath("logical").toStdString(), image.toStdString());
+    std::fstream(image.toStdString(), std::ios::in | std::ios::out).seekp(63 * 512).put(0);
+    AtSheet([&] {
+        GoToImagePage(image);
+        Press("Next >");
+        EXPECT_EQ(RowsShown(*Sheet)[0],
+                  "Logical drive 1: no NTFS boot sector stands there | 63 |   6.000 MB");
+        EXPECT_EQ(RowsShown(*Sheet)[1], kLogicalRows[1]);
+        ClickRow(0);
+        EXPECT_EQ(Buttons(), "< Back (Finish)");
+        QTest::keyClick(&OnPage<QTableWidget>(), Qt::Key_Down);
+        Press("Finish");
+    });
+    EXPECT_EQ(Run(), kWizardFinished);
+    EXPECT_EQ(Engine.VolumeParams.StartSector, 12414U);
+}
+
 TEST_F(SourcePagesTest, ImageIsKeptOnTheWayBack) {
     AtSheet([&] {
         GoToImagePage(VolumePath("logical"));
