@@ -45,6 +45,8 @@ void AddMedium(CLI::App& command, Options& options) {
             "Disk image file or block device to read, or a scan information file (.tht, .thd) made from one")
         ->required();
     command.add_flag("--json", options.Json, "Print JSON");
+    command.add_flag("--anyway", options.Anyway,
+                     "Take a saved scan (.tht) even if its medium seems to be another one now");
 }
 
 // Two sector numbers with a colon between them, the second not included.

@@ -23,6 +23,7 @@ struct Options {
     std::optional<SearchMethod> Search; ///< the candidates come from a search, not from the partition table
     std::optional<std::uint64_t> RangeFirst; ///< Thorough search: first sector
     std::optional<std::uint64_t> RangeEnd;   ///< Thorough search: end sector, not included
+    bool Anyway = false;                     ///< a saved scan counts though its medium has changed
     bool Turbo = false;                      ///< Turbo Scan in place of Basic Scan
 
     bool Files = false;     ///< scan: files in the tree too

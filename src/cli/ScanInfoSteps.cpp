@@ -75,8 +75,6 @@ std::string SaveInfoTarget(const Options& options) {
         .Target;
 }
 
-// The log calls a scan's result "Partition scan information", which would be taken here for the file of
-// volumes.
 int SaveScanInfo(const Options& options, int code) {
     if (!options.SaveInfo) {
         return code;
@@ -84,11 +82,11 @@ int SaveScanInfo(const Options& options, int code) {
     const ScanInfoResult result = options.Chosen == Command::Partitions ? SavePartitionInfo(*options.SaveInfo)
                                                                         : SaveTreeInfo(*options.SaveInfo);
     const std::string target = SaveInfoTarget(options);
-    if (!result.Done) {
-        return TellFailedSave(target, result.Code == kErrorNone ? result.Text : SystemErrorText(result.Code));
+    PrintMessage(target + ": " + result.Text);
+    if (result.Code != kErrorNone) {
+        PrintMessage(SystemErrorText(result.Code));
     }
-    PrintMessage("Scan information saved to " + target);
-    return code;
+    return result.Done ? code : int{kExitFailed};
 }
 
 int TellLoadFailure(const std::string& path, const ScanInfoResult& result) {
@@ -100,6 +98,19 @@ int TellLoadFailure(const std::string& path, const ScanInfoResult& result) {
         PrintMessage(SystemErrorText(result.Code));
     }
     return kExitFailed;
+}
+
+bool AcceptMedium(const Options& options, const MediumMatch& match) {
+    const std::string medium = NarrowText(Engine.SourceDisk.Description);
+    if (const std::string text = MediumMatchText(match); !text.empty()) {
+        PrintMessage(medium + ": " + text);
+    }
+    if (!match.NeedsConsent() || options.Anyway) {
+        return true;
+    }
+    PrintMessage("Nothing was done. Put the right medium back under this path, scan this one anew, or give "
+                 "--anyway to go on with it as it is.");
+    return false;
 }
 
 void TellChangedMedium() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/Options.h"
+#include "scaninfo/MediumMatch.h"
 #include "scaninfo/ScanInfo.h"
 
 #include <string>
@@ -25,6 +26,10 @@ int SaveScanInfo(const Options& options, int code);
 
 /// Says why a file wasn't loaded. Gives kExitFailed.
 int TellLoadFailure(const std::string& path, const ScanInfoResult& result);
+
+/// Says what isn't as it was when a saved scan was made. False where it is so much that --anyway must be
+/// given and isn't.
+bool AcceptMedium(const Options& options, const MediumMatch& match);
 
 /// Says so where the medium that has just been opened again isn't as large as it was.
 void TellChangedMedium();

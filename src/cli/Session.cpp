@@ -7,7 +7,6 @@
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"
 #include "cli/SearchMedium.h"
-#include "content/WorkPlace.h"
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
@@ -93,11 +92,18 @@ int Session::LoadTree() {
     if (const int code = MakeCatalogueFolder(); code != kExitDone) {
         return code;
     }
-    const ScanInfoResult result = LoadTreeInfo(options_.Medium);
+    bool accepted = true;
+    const ScanInfoResult result = LoadTreeInfo(options_.Medium, {}, [&](const MediumMatch& match) {
+        TellChangedMedium();
+        accepted = AcceptMedium(options_, match);
+        return accepted;
+    });
+    if (!accepted) {
+        return kExitWrongWords;
+    }
     if (!result.Done) {
         return TellLoadFailure(options_.Medium, result);
     }
-    TellChangedMedium();
     if (options_.Chosen == Command::Partitions && Engine.SourceDisk.Partitions.Empty()) {
         return TellNoVolume();
     }
@@ -150,11 +156,7 @@ int Session::FindVolumes() {
         }
         return code;
     }
-    const bool found = ReadPartitionTable() != 0;
-    if (WasInterrupted()) {
-        return TellEarlyStop();
-    }
-    if (!found) {
+    if (ReadPartitionTable() == 0) {
         if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
             return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
@@ -162,11 +164,6 @@ int Session::FindVolumes() {
     }
     LogMedium();
     return kExitDone;
-}
-
-int Session::TellEarlyStop() {
-    PrintMessage("Stopped before the volume was found.");
-    return kExitDoneInPart;
 }
 
 // A medium that gives nothing at all has no missing table, and searching it would find nothing.
@@ -219,9 +216,6 @@ int Session::TakeVolume() {
     if (located) {
         LogPartitionChosen(options_.Partition.value_or(1), *candidate);
     }
-    if (!located && WasInterrupted()) {
-        return TellEarlyStop();
-    }
     if (!located && !options_.Turbo) {
         PrintMessage(
             "Critical structures not found: the Master File Table of this volume can't be located, neither "
@@ -270,11 +264,8 @@ int Session::TellLosses() {
 }
 
 int Session::MakeCatalogueFolder() {
-    const WorkPlace place = MakeWorkFolder(folder_, MediumPath());
-    if (!place.Told.empty()) {
-        PrintMessage(place.Told);
-    }
-    if (place.Code != kErrorNone) {
+    if (const ErrorCode code = folder_.Create(); code != kErrorNone) {
+        PrintMessage("Cannot make a temporary folder: " + SystemErrorText(code));
         return kExitFailed;
     }
     Engine.CatalogueFolder = folder_.Path();

@@ -57,7 +57,6 @@ private:
     void BeginScan();
     bool RunScan();
     int TellLosses();
-    static int TellEarlyStop();
     int ReopenCatalogue();
     static int TellNoCatalogue();
 

@@ -26,8 +26,7 @@ struct MenuLine {
     enum class Kind : std::uint8_t { Command, Separator, Submenu, EndSubmenu };
     Kind What;
     std::uint32_t Command;
-    const char* Title; ///< of a submenu, as its prompt
-    const char* Prompt;
+    const char* Title; ///< of a submenu
 };
 
 struct MenuText {

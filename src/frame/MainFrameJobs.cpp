@@ -1,8 +1,6 @@
 // The life of a job: its start, its progress, the user's stop, its end.
 
-#include "content/TargetRules.h"
 #include "engine/EngineState.h"
-#include "frame/CataloguePlace.h"
 #include "frame/MainFrame.h"
 #include "frame/ScanWorkers.h"
 #include "frame/StatusTexts.h"
@@ -69,10 +67,12 @@ void CMainFrame::TakeWizardResult(CWizardSheet& sheet) {
 }
 
 void CMainFrame::BeginBasicScan() {
-    ClearViews();
+    Engine.TotalFiles = 0;
+    Engine.TotalFolders = 0;
+    Engine.TotalBytes = 0;
     SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
+    ClearViews();
     ClearFindMark();
-    PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;
     JobBusy = 1;
     ScanInfoDirty = 1;
@@ -92,7 +92,6 @@ void CMainFrame::StartTurboScan() {
     if (!MayStartWork()) {
         return;
     }
-    PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;
     JobBusy = 1;
     Engine.TurboScanUsed = 1;

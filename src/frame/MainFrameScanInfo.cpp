@@ -3,9 +3,10 @@
 #include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
-#include "frame/CataloguePlace.h"
 #include "frame/MainFrame.h"
+#include "platform/Host.h"
 #include "platform/ReplacementFile.h"
+#include "platform/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
 #include "scaninfo/ProcessLog.h"
 #include "scaninfo/ScanInfoNames.h"
@@ -52,6 +53,17 @@ bool PathIsKept() {
     return false;
 }
 
+// Files saved from another medium than the scanned one have wrong bytes under right names.
+bool AcceptMedium(const MediumMatch& match) {
+    const std::string text = MediumMatchText(match);
+    if (!text.empty()) {
+        LogLine(text, NarrowText(Engine.SourceDisk.Description), kLogFailed);
+    }
+    return !match.NeedsConsent() ||
+           AskYesNo(QString::fromStdString(text + "\n\nDo you want to go on with this scan?"),
+                    QStringLiteral("Warning"), BoxAnswer::No);
+}
+
 } // namespace
 
 void CMainFrame::LoadTreeInfoByDialog() {
@@ -69,13 +81,13 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
         return;
     }
     scanUnsaved_ = false;
-    PlaceCatalogue(catalogueFolder_, ProbeScanInfo(path.toStdString()).Medium);
-    const ScanInfoResult result = LoadTreeInfo(path.toStdString(), [this] {
+    const auto show = [this] {
         CreateProgressBar(QString(8, QLatin1Char(' ')));
         ScanInfoDirty = 1;
         NoScanYet = 0;
         TreeView->FillTree();
-    });
+    };
+    const ScanInfoResult result = LoadTreeInfo(path.toStdString(), show, AcceptMedium);
     ProgressBar.reset();
     if (!result.Done) {
         ClearViews();
@@ -134,7 +146,8 @@ void CMainFrame::SavePartitionInfoByDialog() {
 
 void CMainFrame::SaveLogByDialog() {
     const QString path =
-        ChooseTextFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
+        ChooseFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName),
+                         QStringLiteral("Text File (*.txt)"));
     if (path.isEmpty() || !LiesElsewhere(path, {})) {
         return;
     }

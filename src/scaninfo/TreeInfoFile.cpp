@@ -52,7 +52,8 @@ void TakeCatalogueFile(ScanInfoReader& reader, const char* name) {
     }
     const std::string path = CataloguePath(name);
     std::unique_ptr<File> file;
-    CheckScanInfo(Files().Open(path, FileMode::CreateOwn, file));
+    Files().Delete(path); // some file systems flush a file that was cut and written anew
+    CheckScanInfo(Files().Open(path, FileMode::CreateAlways, file));
     reader.CopyTo(*file, size);
 }
 
@@ -97,13 +98,17 @@ ScanInfoResult SaveTreeInfo(const std::string& path) {
                            });
 }
 
-ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show) {
+ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show,
+                            const std::function<bool(const MediumMatch&)>& accept) {
     const ScanInfoPlace place = ScanInfoPlaceOf(path);
     LogScanInfoLoad(place);
     ResetEngineState();
     CloseCatalogue();
     const ScanInfoResult result = RunScanInfoLoad(place, kTreeInfoTexts, [&](ScanInfoReader& reader) {
         ReadTreeInfo(reader);
+        if (accept && !accept(MatchMedium())) {
+            throw ScanInfoFault{kErrorNone, "The medium isn't as it was when it was scanned.", {}};
+        }
         if (show) {
             show();
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scaninfo/MediumMatch.h"
 #include "scaninfo/ScanInfo.h"
 
 #include <functional>
@@ -22,6 +23,10 @@ ScanInfoResult SaveTreeInfo(const std::string& path);
 /// loaded or scanned before is gone, whatever happens. After a failure the engine state is reset and no
 /// catalogue is open, but the catalogue's files may hold a part of the saved ones. Once all is loaded, `show`
 /// is called, which may still fail by an exception. Two records go to the process log.
-ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show = {});
+///
+/// Before that `accept` is asked with what the medium and the file have in common; where it gives false, the
+/// load has failed. Without it the medium isn't looked at.
+ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show = {},
+                            const std::function<bool(const MediumMatch&)>& accept = {});
 
 } // namespace thntfs

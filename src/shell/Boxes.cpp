@@ -3,9 +3,7 @@
 #include "shell/MessageTarget.h"
 
 #include <QApplication>
-#include <QLabel>
 #include <QMessageBox>
-#include <QScreen>
 #include <memory>
 
 namespace thntfs {
@@ -17,6 +15,7 @@ struct BoxRequest {
     const QString& Caption;
     BoxIcon Icon;
     BoxButtons Buttons;
+    BoxAnswer Preset;
 };
 
 bool boxesRefused = false;
@@ -75,16 +74,6 @@ BoxAnswer AnswerOf(int button, BoxButtons buttons) {
     }
 }
 
-/// The lines of a text stay as they were written, if they aren't very long, on a small screen too.
-void KeepLines(QMessageBox& box) {
-    constexpr double kLargestShare = 0.7; // of the screen
-    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
-    const int lines = box.fontMetrics().size(0, box.text()).width();
-    if (label != nullptr && lines <= box.screen()->availableSize().width() * kLargestShare) {
-        label->setMinimumWidth(lines);
-    }
-}
-
 BoxAnswer RunBox(const BoxRequest& request) {
     if (boxesRefused) {
         return AnswerUnasked(request.Buttons);
@@ -95,7 +84,9 @@ BoxAnswer RunBox(const BoxRequest& request) {
     box.setTextFormat(Qt::PlainText);
     box.setText(request.Text);
     box.setStandardButtons(ButtonsOf(request.Buttons));
-    KeepLines(box);
+    if (request.Preset == BoxAnswer::No) {
+        box.setDefaultButton(QMessageBox::No);
+    }
     return AnswerOf(box.exec(), request.Buttons);
 }
 
@@ -112,16 +103,17 @@ std::unique_ptr<BoxService> boxService;
 
 } // namespace
 
-BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon, BoxButtons buttons) {
-    const BoxRequest request{text, caption, icon, buttons};
+BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon, BoxButtons buttons,
+                  BoxAnswer preset) {
+    const BoxRequest request{text, caption, icon, buttons, preset};
     if (OnInterfaceThread()) {
         return RunBox(request);
     }
     return static_cast<BoxAnswer>(SendWindowMessage(boxService.get(), WM_APP, WordOf(&request)));
 }
 
-bool AskYesNo(const QString& text, const QString& caption) {
-    return ShowBox(text, caption, BoxIcon::Information, BoxButtons::YesNo) == BoxAnswer::Yes;
+bool AskYesNo(const QString& text, const QString& caption, BoxAnswer preset) {
+    return ShowBox(text, caption, BoxIcon::Information, BoxButtons::YesNo, preset) == BoxAnswer::Yes;
 }
 
 void PrepareBoxes() {

@@ -13,12 +13,12 @@ enum class BoxAnswer { Ok, Yes, No, Cancel };
 
 /// Shows a box and waits for the answer, from any thread. It stands over the window that is active, the main
 /// frame in the end. The text is shown as it is, never as markup. A question has its own icon, whatever
-/// `icon` says. Closing a box means OK, No or Cancel.
+/// `icon` says. Closing a box means OK, No or Cancel. Enter gives the preset answer of a question.
 BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon,
-                  BoxButtons buttons = BoxButtons::Ok);
+                  BoxButtons buttons = BoxButtons::Ok, BoxAnswer preset = BoxAnswer::Yes);
 
 /// A question with Yes and No; true for Yes.
-bool AskYesNo(const QString& text, const QString& caption);
+bool AskYesNo(const QString& text, const QString& caption, BoxAnswer preset = BoxAnswer::Yes);
 
 /// Makes the service that shows workers' boxes; to be called on the interface thread before a worker starts.
 void PrepareBoxes();

@@ -31,10 +31,6 @@ void SetColours(QStyleOptionViewItem& option, const QColor& background, const QC
 
 } // namespace
 
-QSize FileDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    return cell_.isValid() ? cell_ : QStyledItemDelegate::sizeHint(option, index);
-}
-
 void FileDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     QStyledItemDelegate::paint(painter, option, index);
@@ -47,9 +43,6 @@ void FileDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void FileDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (option->decorationPosition == QStyleOptionViewItem::Top) { // the name stands under the icon
-        option->displayAlignment = Qt::AlignHCenter | Qt::AlignTop;
-    }
     if (index.data(FileListModel::kFoundRole).toBool()) {
         SetColours(*option, kFoundRow, kFoundText);
         option->font = FoundFont(option->font);

@@ -15,10 +15,6 @@ public:
         : QStyledItemDelegate(parent)
         , look_(look) {}
 
-    /// The size of every entry from now on, whatever its text; without one it is what the text needs.
-    void SetCell(const QSize& cell) { cell_ = cell; }
-
-    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
 
@@ -27,7 +23,6 @@ protected:
 
 private:
     Look look_;
-    QSize cell_;
 };
 
 } // namespace thntfs

@@ -16,16 +16,14 @@ constexpr int kMargin = 6;
 } // namespace
 
 IconView::IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
-    : RowView(actions, parent)
-    , delegate_(new FileDelegate(FileDelegate::Look::Plain, this)) {
+    : RowView(actions, parent) {
     setModel(model);
-    setItemDelegate(delegate_);
+    setItemDelegate(new FileDelegate(FileDelegate::Look::Plain, this));
     setResizeMode(Adjust);
     setUniformItemSizes(true);
 }
 
-// Cells of one size for all spare the view a look at each name. What it takes for that size is the hint of
-// the first.
+// Cells of one size for all spare the view a look at each name.
 void IconView::SetLook(Look look) {
     const bool large = look == Look::Large;
     setViewMode(large ? IconMode : ListMode);
@@ -36,10 +34,8 @@ void IconView::SetLook(Look look) {
     const int icon = large ? kLargeIcon : kSmallIcon;
     const int line = fontMetrics().lineSpacing();
     setIconSize({icon, icon});
-    const QSize cell = large ? QSize(kLargeWidth, icon + kNameLines * line + 2 * kMargin)
-                             : QSize(kSmallWidth, std::max(icon, line) + kMargin);
-    delegate_->SetCell(cell);
-    setGridSize(cell);
+    setGridSize(large ? QSize(kLargeWidth, icon + kNameLines * line + 2 * kMargin)
+                      : QSize(kSmallWidth, std::max(icon, line) + kMargin));
 }
 
 } // namespace thntfs

@@ -6,8 +6,6 @@
 
 namespace thntfs {
 
-class FileDelegate;
-
 /// The list without its columns: large icons, small icons, or names one below the other.
 class IconView : public RowView<QListView> {
 public:
@@ -16,9 +14,6 @@ public:
     IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
 
     void SetLook(Look look);
-
-private:
-    FileDelegate* delegate_;
 };
 
 } // namespace thntfs

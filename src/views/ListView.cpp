@@ -47,10 +47,8 @@ CTHNTFSListView::CTHNTFSListView(QWidget* parent)
     , details_(new DetailsView(*this, model_, this))
     , icons_(new IconView(*this, model_, this)) {
     icons_->setSelectionModel(details_->selectionModel());
-    for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{details_, icons_}) {
-        view->setAccessibleName(QStringLiteral("Content of the folder"));
-        addWidget(view);
-    }
+    addWidget(details_);
+    addWidget(icons_);
     SetViewMode(kDetails);
     details_->header()->setSortIndicator(sortColumn_, Qt::AscendingOrder);
     connect(details_->header(), &QHeaderView::sectionClicked, this,

