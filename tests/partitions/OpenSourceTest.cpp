@@ -104,7 +104,6 @@ TEST_F(OpenSourceTest, AMediumThatGivesNothingIsToldFromABadFirstSector) {
         EXPECT_EQ(AskMedium().Answers, code != kErrorNotReady);
         Plan->Rules = {{0, 100, code}};
         EXPECT_FALSE(AskMedium().Answers);
-        EXPECT_EQ(AskMedium().FirstSector, code);
     }
 }
 

@@ -46,7 +46,6 @@ protected:
         std::string states;
         for (const ListedVolume& volume : ListVolumes()) {
             EXPECT_EQ(volume.Number, states.size() + 1);
-            EXPECT_EQ(volume.Candidate != nullptr, volume.Entry.State == TableVolumeState::Usable);
             states += "ubrl"[static_cast<std::size_t>(volume.Entry.State)];
         }
         return states;

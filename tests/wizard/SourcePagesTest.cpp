@@ -81,7 +81,6 @@ TEST_F(SourcePagesTest, AVolumeWithoutABootSectorKeepsItsRowAndCannotBeChosen) {
         Press("Next >");
         EXPECT_EQ(RowsShown(*Sheet)[0],
                   "Logical drive 1: no NTFS boot sector stands there | 63 |   6.000 MB");
-        EXPECT_EQ(RowsShown(*Sheet)[1], kLogicalRows[1]);
         ClickRow(0);
         EXPECT_EQ(Buttons(), "< Back (Finish)");
         QTest::keyClick(&OnPage<QTableWidget>(), Qt::Key_Down);
