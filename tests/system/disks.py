@@ -1,10 +1,12 @@
 """A disk that is full, or fails, at every write in turn; and small file systems that are really full."""
 import collections
+import contextlib
 import hashlib
 import os
 import re
 import shutil
 import subprocess
+import time
 import reads
 import trials
 
@@ -14,7 +16,11 @@ OLDER = b'what stood here before\n'
 WRITES = 400
 HINTS = ('fallocate', 'ftruncate', 'unlink')  # nothing is lost by their failure
 SYNCS = ('fsync', 'syncfs')
-SIZES = (2, 3, 5, 8, 20)  # MiB
+UNMOUNTS = 50
+DISK_SIZE = 48 << 20  # of the really full ones
+BLOCK = 4096
+FILLED_SLOWLY = 1 << 20
+ROOMS = (0, 4, 8, 12, 24, 60, 250, 1000, 2500, 4000, 9000, 30000)  # KiB that are left on them
 
 
 class Work:
@@ -99,10 +105,17 @@ def tree_reasons(work, outcome, plain, target, right):
         yield 'a failure without a word'
 
 
-def resume_reasons(outcome, folder, target, right):
+def image_reasons(outcome, target, right):
     path = os.path.join(target, 'disk.img')
     if outcome.status == 0 and (not os.path.exists(path) or trials.digest(path) != right):
         yield 'status 0 with another image'
+    if os.path.exists(path) and not os.path.exists(path + '.map'):
+        yield 'an image without its map'
+
+
+def resume_reasons(outcome, folder, target, right):
+    path = os.path.join(target, 'disk.img')
+    yield from image_reasons(outcome, target, right)
     again = ['image', IMAGE, path, *(['--resume'] if os.path.exists(path) else [])]
     second = trials.run(again, folder)
     if second.status != 0 or trials.digest(path) != right:
@@ -147,16 +160,16 @@ def sum_of(contents):
 
 
 class SmallDisk:
-    """An ext4 of some MiB on a loop device of its own, mounted below a folder. None where that can't be had."""
+    """An ext4 on a loop device of its own, mounted below a folder."""
 
-    def __init__(self, folder, size):
+    def __init__(self, folder):
         self.file, self.place, self.device = os.path.join(folder, 'disk'), os.path.join(folder, 'mount'), None
         os.makedirs(self.place)
         with open(self.file, 'wb') as file:
-            file.truncate(size << 20)
+            file.truncate(DISK_SIZE)
 
     def __enter__(self):
-        subprocess.run(['mkfs.ext4', '-q', '-O', '^has_journal', '-m', '0', self.file], check=True)
+        subprocess.run(['mkfs.ext4', '-q', '-b', str(BLOCK), '-O', '^has_journal', '-m', '0', self.file], check=True)
         self.device = subprocess.run(['losetup', '--find', '--show', self.file], check=True, capture_output=True,
                                      text=True).stdout.strip()
         try:
@@ -169,8 +182,26 @@ class SmallDisk:
     def mount(self):
         subprocess.run(['mount', '-t', 'ext4', self.device, self.place], check=True)
 
+    def fill(self, room):
+        """Leaves so many KiB."""
+        space = os.statvfs(self.place)
+        most = space.f_bavail * space.f_frsize - FILLED_SLOWLY
+        with open(os.path.join(self.place, 'filler'), 'wb', buffering=0) as file:
+            os.posix_fallocate(file.fileno(), 0, most)
+            file.seek(most)
+            for _ in range(2):  # what is set aside for writing later comes back with the sync
+                with contextlib.suppress(OSError):
+                    while file.write(bytes(BLOCK)):
+                        pass
+                os.fsync(file.fileno())
+            file.truncate(file.tell() // BLOCK * BLOCK - (room << 10))
+
     def unmount(self):
-        subprocess.run(['umount', self.place], check=True)
+        for _ in range(UNMOUNTS):  # a process that is just being started may hold what this one had open
+            if subprocess.run(['umount', self.place], capture_output=True).returncode == 0:
+                return
+            time.sleep(0.1)
+        subprocess.run(['umount', '--lazy', self.place], check=True)
 
     def __exit__(self, *_):
         if os.path.ismount(self.place):
@@ -182,7 +213,7 @@ def small_disks_work(folder):
     if os.getuid() != 0 or not all(map(shutil.which, ('mkfs.ext4', 'losetup', 'mount'))):
         return False
     try:
-        with SmallDisk(folder, 2):
+        with SmallDisk(folder):
             return True
     except (subprocess.CalledProcessError, OSError):
         return False
@@ -198,21 +229,21 @@ def fill_small_disks(part):
         plain_trees[work] = result
 
     def filling(trial, folder):
-        work, size, work_too = trial
+        work, room, work_too = trial
         plain, right = plain_trees[work]
-        with SmallDisk(folder, size) as disk:
+        with SmallDisk(folder) as disk:
             target = work.prepare(disk.place)
+            trials.work_folder(disk.place)
+            disk.fill(room)
             outcome = trials.run(work.words_in(target), disk.place if work_too else folder)
             disk.unmount()
             disk.mount()  # only what has reached the disk is there now
             if work.resumes:
-                image = os.path.join(target, 'disk.img')
-                reasons = ['status 0 on a disk that is too small'] if outcome.status == 0 else []
-                reasons += ['a refused image is left'] if os.path.exists(image) and not os.path.exists(image + '.map') else []
+                reasons = list(image_reasons(outcome, target, sum_of(right['disk.img'])))
             else:
                 reasons = list(tree_reasons(work, outcome, plain, target, right))
         return outcome, reasons
-    wanted = [(work, size, work_too) for work in WORKS for size in SIZES for work_too in (False, True)]
+    wanted = [(work, room, work_too) for work in WORKS for room in ROOMS for work_too in (False, True)]
     for outcome, reasons in trials.in_parallel(filling, wanted):
         part.judge(outcome, reasons)
 
