@@ -6,7 +6,6 @@
 #include "frame/MainFrame.h"
 #include "platform/InstanceLock.h"
 #include "platform/Interrupt.h"
-#include "platform/WorkFolder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 #include "shell/Settings.h"
@@ -17,8 +16,6 @@
 namespace {
 
 using namespace thntfs;
-
-constexpr const char* kNoFolder = "/dev/null"; // nothing can be created below it
 
 // The file to open, empty for none.
 QString ReadCommandLine(const QApplication& application) {
@@ -51,18 +48,8 @@ bool TakeInstance(InstanceLock& lock) {
 
 bool WantsWizard() { return OpenSettings().value(QStringLiteral("Wizard/StartUp"), 0).toInt() != 0; }
 
-// Where nothing can be written, each scan says that its files could not be opened.
-void ChooseCatalogueFolder(WorkFolder& ofThisRun) {
-    if (LastingWorkFolder(Engine.CatalogueFolder) == kErrorNone) {
-        return;
-    }
-    Engine.CatalogueFolder = ofThisRun.Create() == kErrorNone ? ofThisRun.Path() : kNoFolder;
-}
-
 int RunProgram(QApplication& application, const QString& file) {
     OnInterrupt(Engine.ScanRunFlag);
-    WorkFolder ofThisRun;
-    ChooseCatalogueFolder(ofThisRun);
     PrepareBoxes();
     SetHost(&TheDesktopHost());
     CMainFrame frame;

@@ -135,7 +135,7 @@ int CreateCatalogue() {
     Engine.CatalogueVolume = 0;
     try {
         Engine.Folders = std::make_shared<FolderTree>();
-        if (OpenThreeFiles(FileMode::CreateAlways, kWriteTreePages, kAppendPages)) {
+        if (OpenThreeFiles(FileMode::CreateOwn, kWriteTreePages, kAppendPages)) {
             WriteSeeds();
             FlushFiles(); // a place that can't be written must show now, not at the end of a scan
             ClaimCatalogue();
@@ -150,7 +150,7 @@ int CreateCatalogue() {
 
 int OpenCatalogue() {
     CloseFiles();
-    if (OpenThreeFiles(FileMode::OpenRead, kReadTreePages, kReadPages)) {
+    if (OpenThreeFiles(FileMode::OpenOwn, kReadTreePages, kReadPages)) {
         return 1;
     }
     CloseFiles();

@@ -84,6 +84,9 @@ void LogFile::Write(const std::string& text) {
 }
 
 int LogFile::Finish(int code) {
+    if (file_ != nullptr && failure_ == kErrorNone) {
+        failure_ = file_->Close();
+    }
     file_.reset();
     if (failure_ == kErrorNone) {
         return code;

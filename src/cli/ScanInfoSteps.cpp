@@ -75,6 +75,8 @@ std::string SaveInfoTarget(const Options& options) {
         .Target;
 }
 
+// The log calls a scan's result "Partition scan information", which would be taken here for the file of
+// volumes.
 int SaveScanInfo(const Options& options, int code) {
     if (!options.SaveInfo) {
         return code;
@@ -82,11 +84,11 @@ int SaveScanInfo(const Options& options, int code) {
     const ScanInfoResult result = options.Chosen == Command::Partitions ? SavePartitionInfo(*options.SaveInfo)
                                                                         : SaveTreeInfo(*options.SaveInfo);
     const std::string target = SaveInfoTarget(options);
-    PrintMessage(target + ": " + result.Text);
-    if (result.Code != kErrorNone) {
-        PrintMessage(SystemErrorText(result.Code));
+    if (!result.Done) {
+        return TellFailedSave(target, result.Code == kErrorNone ? result.Text : SystemErrorText(result.Code));
     }
-    return result.Done ? code : int{kExitFailed};
+    PrintMessage("Scan information saved to " + target);
+    return code;
 }
 
 int TellLoadFailure(const std::string& path, const ScanInfoResult& result) {

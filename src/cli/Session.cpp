@@ -7,6 +7,7 @@
 #include "cli/Output.h"
 #include "cli/ScanInfoSteps.h"
 #include "cli/SearchMedium.h"
+#include "content/WorkPlace.h"
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
@@ -156,7 +157,11 @@ int Session::FindVolumes() {
         }
         return code;
     }
-    if (ReadPartitionTable() == 0) {
+    const bool found = ReadPartitionTable() != 0;
+    if (WasInterrupted()) {
+        return TellEarlyStop();
+    }
+    if (!found) {
         if (const auto kind = ScanInfoKindOfName(options_.Medium); kind != ScanInfoKind::None) {
             return LoadSavedResult(kind); // its first bytes are lost, which the load tells
         }
@@ -164,6 +169,11 @@ int Session::FindVolumes() {
     }
     LogMedium();
     return kExitDone;
+}
+
+int Session::TellEarlyStop() {
+    PrintMessage("Stopped before the volume was found.");
+    return kExitDoneInPart;
 }
 
 // A medium that gives nothing at all has no missing table, and searching it would find nothing.
@@ -216,6 +226,9 @@ int Session::TakeVolume() {
     if (located) {
         LogPartitionChosen(options_.Partition.value_or(1), *candidate);
     }
+    if (!located && WasInterrupted()) {
+        return TellEarlyStop();
+    }
     if (!located && !options_.Turbo) {
         PrintMessage(
             "Critical structures not found: the Master File Table of this volume can't be located, neither "
@@ -264,8 +277,11 @@ int Session::TellLosses() {
 }
 
 int Session::MakeCatalogueFolder() {
-    if (const ErrorCode code = folder_.Create(); code != kErrorNone) {
-        PrintMessage("Cannot make a temporary folder: " + SystemErrorText(code));
+    const WorkPlace place = MakeWorkFolder(folder_, MediumPath());
+    if (!place.Told.empty()) {
+        PrintMessage(place.Told);
+    }
+    if (place.Code != kErrorNone) {
         return kExitFailed;
     }
     Engine.CatalogueFolder = folder_.Path();

@@ -57,6 +57,7 @@ private:
     void BeginScan();
     bool RunScan();
     int TellLosses();
+    static int TellEarlyStop();
     int ReopenCatalogue();
     static int TellNoCatalogue();
 

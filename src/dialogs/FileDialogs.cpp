@@ -14,6 +14,13 @@ QString RunDialog(QFileDialog& dialog) {
     return chosen ? dialog.selectedFiles().value(0) : QString();
 }
 
+QString RunSaveDialog(QFileDialog& dialog, const QString& suggestedName) {
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.selectFile(suggestedName);
+    return RunDialog(dialog);
+}
+
 // The dialog has asked about the name as it was typed, not about the one with the extension.
 bool MayWrite(const QString& typed, const QString& extension) {
     const QString target = typed + extension;
@@ -36,11 +43,14 @@ QString ChooseFileToOpen(QWidget* owner, const QString& title, const QString& fi
 QString ChooseFileToSave(QWidget* owner, const QString& title, const QString& suggestedName,
                          const QString& filters, const QString& extension) {
     QFileDialog dialog(owner, title, QString(), filters);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.selectFile(suggestedName);
-    const QString path = RunDialog(dialog);
+    const QString path = RunSaveDialog(dialog, suggestedName);
     return !path.isEmpty() && MayWrite(path, extension) ? path : QString();
+}
+
+QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString& suggestedName) {
+    QFileDialog dialog(owner, title, QString(), QStringLiteral("Text File (*.txt)"));
+    dialog.setDefaultSuffix(QStringLiteral("txt"));
+    return RunSaveDialog(dialog, suggestedName);
 }
 
 } // namespace thntfs

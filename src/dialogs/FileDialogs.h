@@ -15,4 +15,8 @@ QString ChooseFileToOpen(QWidget* owner, const QString& title, const QString& fi
 QString ChooseFileToSave(QWidget* owner, const QString& title, const QString& suggestedName,
                          const QString& filters, const QString& extension = {});
 
+/// Asks for a text file to save to; empty for Cancel. A name that was typed without any extension comes back
+/// with ".txt", and the user has been asked about writing over that file.
+QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString& suggestedName);
+
 } // namespace thntfs

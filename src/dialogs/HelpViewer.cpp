@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStyle>
@@ -56,6 +57,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
 });
 
 constexpr QSize kWindowSize{900, 640};
+constexpr double kLargestShare = 0.9; // of the screen
 constexpr int kListWidth = 230;
 constexpr int kListSpacing = 2;
 constexpr int kSearchWidth = 200;
@@ -136,7 +138,7 @@ CHelpWindow::CHelpWindow()
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(CreateBar());
     layout->addWidget(splitter, 1);
-    resize(kWindowSize);
+    resize(kWindowSize.boundedTo(screen()->availableSize() * kLargestShare));
     page_->setFocus();
     connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] { FocusSearch(); });

@@ -59,20 +59,22 @@ constexpr auto kCommands = std::to_array<CommandText>({
     {kCmdEscape, "\tEsc", "", "", ""},
 });
 
-constexpr MenuLine Line(std::uint32_t command) { return {MenuLine::Kind::Command, command, ""}; }
-constexpr MenuLine Submenu(const char* title) { return {MenuLine::Kind::Submenu, 0, title}; }
-constexpr MenuLine kSeparator{MenuLine::Kind::Separator, 0, ""};
-constexpr MenuLine kEndSubmenu{MenuLine::Kind::EndSubmenu, 0, ""};
+constexpr MenuLine Line(std::uint32_t command) { return {MenuLine::Kind::Command, command, "", ""}; }
+constexpr MenuLine Submenu(const char* title, const char* prompt) {
+    return {MenuLine::Kind::Submenu, 0, title, prompt};
+}
+constexpr MenuLine kSeparator{MenuLine::Kind::Separator, 0, "", ""};
+constexpr MenuLine kEndSubmenu{MenuLine::Kind::EndSubmenu, 0, "", ""};
 
 constexpr auto kFileMenu = std::to_array<MenuLine>(
-    {Line(kCmdWizard), Line(kCmdOpenFoundDrive), Submenu("Open Saved Scan Info"), Line(kCmdLoadPartitionInfo),
-     Line(kCmdLoadTreeInfo), kEndSubmenu, kSeparator, Line(kCmdExit)});
+    {Line(kCmdWizard), Line(kCmdOpenFoundDrive), Submenu("Open Saved Scan Info", ""),
+     Line(kCmdLoadPartitionInfo), Line(kCmdLoadTreeInfo), kEndSubmenu, kSeparator, Line(kCmdExit)});
 
 constexpr auto kToolsMenu = std::to_array<MenuLine>(
     {Line(kCmdFind), Line(kCmdFindNext), Line(kCmdSaveAll), Line(kCmdStop),
-     Submenu("Save Scan Information\tCtrl+I"), Line(kCmdSavePartitionInfo), Line(kCmdSaveTreeInfo),
-     kEndSubmenu, Line(kCmdParentFolder), kSeparator, Line(kCmdTurboScan), Line(kCmdHound), kSeparator,
-     Line(kCmdClearLog), Line(kCmdSaveLog)});
+     Submenu("Save Scan Information\tCtrl+I", "Saves scanned information"), Line(kCmdSavePartitionInfo),
+     Line(kCmdSaveTreeInfo), kEndSubmenu, Line(kCmdParentFolder), kSeparator, Line(kCmdTurboScan),
+     Line(kCmdHound), kSeparator, Line(kCmdClearLog), Line(kCmdSaveLog)});
 
 constexpr auto kViewMenu =
     std::to_array<MenuLine>({Line(kCmdViewToolbar), Line(kCmdViewStatusBar), kSeparator, Line(kCmdLargeIcons),

@@ -26,7 +26,8 @@ struct MenuLine {
     enum class Kind : std::uint8_t { Command, Separator, Submenu, EndSubmenu };
     Kind What;
     std::uint32_t Command;
-    const char* Title; ///< of a submenu
+    const char* Title; ///< of a submenu, as its prompt
+    const char* Prompt;
 };
 
 struct MenuText {

@@ -102,6 +102,10 @@ void CMainFrame::UpdateCommands() {
 void CMainFrame::ClearViews() {
     TreeView->Clear();
     ListView->Clear();
+    Engine.TotalFiles = 0;
+    Engine.TotalFolders = 0;
+    Engine.TotalBytes = 0;
+    Panes[1]->setText(QLatin1String(kNoTotalsText));
     Panes[2]->clear(); // the marks went with the folders
 }
 

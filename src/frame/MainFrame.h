@@ -2,6 +2,7 @@
 
 #include "frame/CommandRules.h"
 #include "platform/Host.h"
+#include "platform/WorkFolder.h"
 #include "shell/MessageTarget.h"
 #include "shell/ProcessLogList.h"
 #include "shell/ProgressBar.h"
@@ -150,6 +151,7 @@ private:
     bool MayClose();
     bool GiveUpScan();
     bool AskAboutScan();
+    void WatchForEnd();
     void EndIfAsked();
 
     std::map<std::uint32_t, QAction*> actions_;
@@ -161,6 +163,7 @@ private:
     QTimer endTimer_;
     bool ending_ = false;      ///< the program has been told to end
     bool scanUnsaved_ = false; ///< what the views show was scanned here and is in no file
+    WorkFolder catalogueFolder_;
     std::unique_ptr<CWorkerThread> worker_;
 };
 

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
+#include <QSocketNotifier>
 
 namespace thntfs {
 
@@ -61,6 +62,22 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
     ResetEngineState();
     event->accept();
     QCoreApplication::quit(); // a help window may still stand
+}
+
+// From the wish on, the window looks again and again what still stands in the way of its end.
+void CMainFrame::WatchForEnd() {
+    constexpr int kEndLookMilliseconds = 100;
+    connect(&endTimer_, &QTimer::timeout, this, [this] { EndIfAsked(); });
+    if (InterruptDescriptor() < 0) {
+        endTimer_.start(kEndLookMilliseconds);
+        return;
+    }
+    auto* wish = new QSocketNotifier(InterruptDescriptor(), QSocketNotifier::Read, this);
+    connect(wish, &QSocketNotifier::activated, this, [this, wish] {
+        wish->setEnabled(false);
+        endTimer_.start(kEndLookMilliseconds);
+        EndIfAsked();
+    });
 }
 
 // The program was told to end, by its desktop session or by a signal: nobody is asked anything, the worker

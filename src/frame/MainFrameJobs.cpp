@@ -1,6 +1,8 @@
 // The life of a job: its start, its progress, the user's stop, its end.
 
+#include "content/TargetRules.h"
 #include "engine/EngineState.h"
+#include "frame/CataloguePlace.h"
 #include "frame/MainFrame.h"
 #include "frame/ScanWorkers.h"
 #include "frame/StatusTexts.h"
@@ -67,12 +69,10 @@ void CMainFrame::TakeWizardResult(CWizardSheet& sheet) {
 }
 
 void CMainFrame::BeginBasicScan() {
-    Engine.TotalFiles = 0;
-    Engine.TotalFolders = 0;
-    Engine.TotalBytes = 0;
-    SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
     ClearViews();
+    SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
     ClearFindMark();
+    PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;
     JobBusy = 1;
     ScanInfoDirty = 1;
@@ -92,6 +92,7 @@ void CMainFrame::StartTurboScan() {
     if (!MayStartWork()) {
         return;
     }
+    PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;
     JobBusy = 1;
     Engine.TurboScanUsed = 1;

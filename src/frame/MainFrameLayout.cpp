@@ -6,6 +6,7 @@
 #include "frame/StatusTexts.h"
 #include "shell/Icons.h"
 #include "shell/Settings.h"
+#include "shell/StatusPane.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
@@ -21,9 +22,11 @@ constexpr int kListWidth = 650;
 constexpr int kLogHeight = 120;
 constexpr int kSplitterWidth = 4;
 constexpr int kToolbarIcon = 32;
-constexpr int kPane1Blanks = 92;
-constexpr int kPane2Blanks = 117;
-constexpr int kEndLookMilliseconds = 100;
+
+// Widths of the status panes in blanks. The first one stretches, and always has room for a job's text and
+// bar.
+constexpr std::array<int, CMainFrame::kPanes> kPaneBlanks{58, 92, 117};
+constexpr std::array<int, CMainFrame::kPanes> kLeastPaneBlanks{58, 78, 62};
 
 // A text and its key, as a menu line has them.
 QString MenuPart(const char* text) { return QString::fromLatin1(text).section(QLatin1Char('\t'), 0, 0); }
@@ -52,8 +55,7 @@ CMainFrame::CMainFrame() {
     RestoreSettings();
     noticeTimer_.setSingleShot(true);
     connect(&noticeTimer_, &QTimer::timeout, this, [this] { TellNotBuilt({}); });
-    connect(&endTimer_, &QTimer::timeout, this, [this] { EndIfAsked(); });
-    endTimer_.start(kEndLookMilliseconds);
+    WatchForEnd();
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             [this] { UpdateCommands(); });
     UpdateCommands();
@@ -99,6 +101,7 @@ void CMainFrame::CreateActions() {
 }
 
 void CMainFrame::CreateMenus() {
+    menuBar()->setAccessibleName(QStringLiteral("Menu bar"));
     for (const MenuText& text : AllMenus()) {
         QMenu* top = menuBar()->addMenu(QLatin1String(text.Title));
         QMenu* menu = top;
@@ -112,6 +115,7 @@ void CMainFrame::CreateMenus() {
                 break;
             case MenuLine::Kind::Submenu:
                 menu = top->addMenu(QLatin1String(line.Title));
+                menu->menuAction()->setStatusTip(QLatin1String(line.Prompt));
                 break;
             case MenuLine::Kind::EndSubmenu:
                 menu = top;
@@ -124,6 +128,7 @@ void CMainFrame::CreateMenus() {
 void CMainFrame::CreateToolbar() {
     toolbar_ = addToolBar(QStringLiteral("ToolBar"));
     toolbar_->setObjectName(QStringLiteral("ToolBar"));
+    toolbar_->setAccessibleName(QStringLiteral("Toolbar"));
     toolbar_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(toolbar_, &QToolBar::customContextMenuRequested, this,
             [this](const QPoint& at) { OfferToolbarSizes(toolbar_->mapToGlobal(at)); });
@@ -147,19 +152,12 @@ void CMainFrame::OfferToolbarSizes(const QPoint& at) {
 }
 
 void CMainFrame::CreateStatusBar() {
-    constexpr std::array<int, kPanes> kBlanks{0, kPane1Blanks, kPane2Blanks};
+    statusBar()->setAccessibleName(QStringLiteral("Status bar"));
     for (std::size_t i = 0; i < kPanes; ++i) {
-        auto* pane = new QLabel(statusBar());
-        pane->setTextFormat(Qt::PlainText);
-        pane->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        if (kBlanks[i] > 0) {
-            pane->setFixedWidth(pane->fontMetrics().horizontalAdvance(QString(kBlanks[i], QLatin1Char(' '))));
-            statusBar()->addPermanentWidget(pane);
-        } else {
-            statusBar()->addWidget(pane, 1);
-        }
-        Panes[i] = pane;
+        Panes[i] = new CStatusPane(kPaneBlanks[i], kLeastPaneBlanks[i], statusBar());
+        statusBar()->addPermanentWidget(Panes[i], i == 0 ? 1 : 0);
     }
+    Panes[0]->setMinimumWidth(Panes[0]->sizeHint().width());
     Panes[0]->setText(QStringLiteral("Ready"));
     Panes[1]->setText(QLatin1String(kNoTotalsText));
 }
@@ -167,6 +165,7 @@ void CMainFrame::CreateStatusBar() {
 void CMainFrame::CreateLogPane() {
     LogList = new CProcessLogList(this);
     LogList->SetTabTarget(TreeView);
+    TreeView->SetBackTabTarget(LogList);
     logPane_ = new QDockWidget(QStringLiteral("Process Log"), this);
     logPane_->setObjectName(QStringLiteral("ProcessLog"));
     logPane_->setFeatures(QDockWidget::NoDockWidgetFeatures);

@@ -3,6 +3,7 @@
 #include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
+#include "frame/CataloguePlace.h"
 #include "frame/MainFrame.h"
 #include "platform/Host.h"
 #include "platform/ReplacementFile.h"
@@ -81,6 +82,7 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
         return;
     }
     scanUnsaved_ = false;
+    PlaceCatalogue(catalogueFolder_, ProbeScanInfo(path.toStdString()).Medium);
     const auto show = [this] {
         CreateProgressBar(QString(8, QLatin1Char(' ')));
         ScanInfoDirty = 1;
@@ -146,8 +148,7 @@ void CMainFrame::SavePartitionInfoByDialog() {
 
 void CMainFrame::SaveLogByDialog() {
     const QString path =
-        ChooseFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName),
-                         QStringLiteral("Text File (*.txt)"));
+        ChooseTextFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
     if (path.isEmpty() || !LiesElsewhere(path, {})) {
         return;
     }

@@ -1,10 +1,9 @@
 #include "partitions/DiskEnumeration.h"
 
+#include "platform/SizeText.h"
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -36,16 +35,11 @@ std::string TrimmedOf(const std::string& text, const char* set) {
 /// Text that is valid everywhere, whatever bytes a disk has in its fields.
 std::string CleanText(const std::string& text) { return NarrowText(WideText(text)); }
 
-std::string SizeText(std::uint64_t bytes) {
+std::string DiskSizeText(std::uint64_t bytes) {
     const auto count = static_cast<float>(static_cast<std::int64_t>(bytes));
     const float gigabytes = count * 0x1p-30F;
-    std::array<char, 64> text{};
-    if (gigabytes >= 1) {
-        std::snprintf(text.data(), text.size(), "%.2f GB", static_cast<double>(gigabytes));
-    } else {
-        std::snprintf(text.data(), text.size(), "%.2f MB", static_cast<double>(count * 0x1p-20F));
-    }
-    return text.data();
+    return gigabytes >= 1 ? DecimalText(static_cast<double>(gigabytes), 2) + " GB"
+                          : DecimalText(static_cast<double>(count * 0x1p-20F), 2) + " MB";
 }
 
 std::string SerialText(const std::string& serial) {
@@ -84,7 +78,7 @@ std::optional<DiskInfo> DescribeDisk(const DiskProperties& disk, std::uint64_t s
         CleanText(disk.Path.starts_with(kDeviceFolder) ? disk.Path.substr(kDeviceFolder.size()) : disk.Path);
     info.BytesPerSector = std::to_string(disk.BytesPerSector);
     info.TotalSectors = std::to_string(bytes / disk.BytesPerSector);
-    info.Size = SizeText(bytes);
+    info.Size = DiskSizeText(bytes);
     info.Model = onUsb ? "USB mobile disk " : CleanText(disk.Model);
     info.MediaType = onUsb ? "Removable media" : CleanText(disk.Media);
     std::replace(info.MediaType.begin(), info.MediaType.end(), '\t', ' ');

@@ -3,6 +3,7 @@
 #include "engine/EngineState.h"
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
+#include "platform/Interrupt.h"
 
 #include <array>
 #include <new>
@@ -72,7 +73,7 @@ std::uint64_t ReadTable(std::uint64_t tableSector, std::uint64_t extendedBase) {
         return 0;
     }
     std::uint64_t nextTable = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4 && !WasInterrupted(); ++i) {
         const TableEntry entry = EntryAt(table, i);
         if (entry.Type == kTypeVolume) {
             AddVolume(tableSector + entry.FirstSector, entry.SectorCount);
@@ -93,7 +94,7 @@ void WalkTables() {
         if (extendedBase == 0) {
             extendedBase = table;
         }
-    } while (table != 0 && seen.count(table) == 0 && seen.size() < kMaxTables);
+    } while (table != 0 && !WasInterrupted() && seen.count(table) == 0 && seen.size() < kMaxTables);
 }
 
 } // namespace

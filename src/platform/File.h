@@ -54,10 +54,16 @@ public:
 };
 
 enum class FileMode {
-    CreateNew,    ///< write; fails with kErrorFileExists where anything stands under the name
-    CreateAlways, ///< read and write; an old file is cut to nothing
-    OpenRead,     ///< read an existing file
-    OpenReadWrite ///< read and write an existing file
+    CreateNew,     ///< write; fails with kErrorFileExists where anything stands under the name
+    CreateAlways,  ///< read and write; an old file is cut to nothing
+    OpenRead,      ///< read an existing file
+    OpenReadWrite, ///< read and write an existing file
+
+    // For a file of the program's own, in a folder that others may look into. No link is followed.
+
+    CreateOwn,       ///< read and write a new file, which no other user may read; an old one goes first
+    OpenOwn,         ///< read an existing file
+    OpenOwnReadWrite ///< read and write an existing file
 };
 
 /// The one road to ordinary files. Tests put a store in its place that fails at a chosen call.

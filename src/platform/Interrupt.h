@@ -20,4 +20,9 @@ bool WasInterrupted();
 /// the same moment isn't lost.
 void SetUnlessInterrupted(std::atomic<std::uint32_t>& flag);
 
+/// A descriptor for a loop that waits for several things at once: it becomes readable with the first
+/// interrupt after OnInterrupt and stays so until OnInterrupt is called anew. The same one each time; nobody
+/// reads from it or closes it. -1 where the system gives none.
+int InterruptDescriptor();
+
 } // namespace thntfs

@@ -9,4 +9,8 @@ namespace thntfs {
 /// 1,073,741,824, else in GB. 512 gives "  0.500 KB".
 std::string SizeText(std::uint64_t bytes);
 
+/// A number with a fixed count of decimals, rounded, and a point before them whatever the user's language
+/// writes there.
+std::string DecimalText(double number, int decimals);
+
 } // namespace thntfs

@@ -2,32 +2,51 @@
 
 #include "platform/ErrorCodes.h"
 
+#include <functional>
+#include <memory>
 #include <string>
 
 namespace thntfs {
 
-/// A temporary folder of this run's own, which no other user can look into. The destructor removes it with
-/// all that is in it.
+/// Says whether a temporary folder may be made at a path. It is asked before anything is.
+using PlaceRule = std::function<bool(const std::string& path)>;
+
+/// A temporary folder of this user's own, which no other user can look into: `th-ntfs-` with the user's
+/// number in $TMPDIR, or else in /tmp, or in it a folder of this run's own. A place that the rule forbids, or
+/// in which anybody may put a folder of his in the place of ours, is passed over for the next one: /tmp,
+/// /var/tmp, $XDG_RUNTIME_DIR, /dev/shm. Where there is no $TMPDIR, one that fails is passed over too.
 class WorkFolder {
 public:
-    WorkFolder() = default;
+    WorkFolder();
     ~WorkFolder();
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
 
-    /// Makes the folder, under $TMPDIR or else /tmp. To be called once.
-    ErrorCode Create();
+    /// Makes a folder of this run's own, which the destructor removes with all that is in it. What runs that
+    /// live no longer have left in the same place goes first.
+    ErrorCode Create(const PlaceRule& mayLieAt = {});
+
+    /// Takes, or makes, the user's folder itself, which stays. Where somebody else has put something under
+    /// its name it is a folder of this run's own.
+    ErrorCode CreateLasting(const PlaceRule& mayLieAt = {});
 
     /// Absolute path without a closing slash, empty as long as there is no folder.
     [[nodiscard]] const std::string& Path() const { return path_; }
 
-private:
-    std::string path_;
-};
+    /// The first place that was passed over because of the rule, or because anybody may change what is in it;
+    /// else empty.
+    [[nodiscard]] const std::string& Passed() const { return passed_; }
 
-/// The folder that stays from run to run, in which the desktop program keeps its catalogue: $TMPDIR, or a
-/// folder below /tmp that no other user can look into. Made where it isn't there. Fails where the folder
-/// can't be made, or belongs to somebody else.
-ErrorCode LastingWorkFolder(std::string& path);
+private:
+    class Life;
+
+    ErrorCode TryPlaces(const PlaceRule& mayLieAt, bool lasting);
+    ErrorCode TryPlace(const std::string& place, bool lasting);
+    ErrorCode MakeRunFolder(const std::string& parent, const std::string& prefix);
+
+    std::string path_;
+    std::string passed_;
+    std::unique_ptr<Life> life_; ///< of a folder that goes with the run
+};
 
 } // namespace thntfs

@@ -33,7 +33,7 @@ class RecordFile {
 public:
     RecordFile(const char* name, std::size_t recordBytes)
         : recordBytes_(recordBytes) {
-        CheckScanInfo(Files().Open(Engine.CatalogueFolder + name, FileMode::OpenReadWrite, file_));
+        CheckScanInfo(Files().Open(Engine.CatalogueFolder + name, FileMode::OpenOwnReadWrite, file_));
         CheckScanInfo(file_->Size(size_));
     }
 

@@ -104,7 +104,7 @@ void ScanInfoWriter::PutU64(std::uint64_t number) {
 void ScanInfoWriter::PutFile(const std::string& path) {
     std::unique_ptr<File> source;
     std::uint64_t size = 0;
-    CheckScanInfo(Files().Open(path, FileMode::OpenRead, source));
+    CheckScanInfo(Files().Open(path, FileMode::OpenOwn, source));
     CheckScanInfo(source->Size(size));
     CheckScanInfo(size > kMaxCatalogueFileBytes ? kErrorFileTooLarge : kErrorNone);
     PutU64(size);

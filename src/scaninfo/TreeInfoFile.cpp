@@ -52,8 +52,7 @@ void TakeCatalogueFile(ScanInfoReader& reader, const char* name) {
     }
     const std::string path = CataloguePath(name);
     std::unique_ptr<File> file;
-    Files().Delete(path); // some file systems flush a file that was cut and written anew
-    CheckScanInfo(Files().Open(path, FileMode::CreateAlways, file));
+    CheckScanInfo(Files().Open(path, FileMode::CreateOwn, file));
     reader.CopyTo(*file, size);
 }
 

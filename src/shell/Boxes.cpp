@@ -3,7 +3,9 @@
 #include "shell/MessageTarget.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
 #include <memory>
 
 namespace thntfs {
@@ -74,6 +76,16 @@ BoxAnswer AnswerOf(int button, BoxButtons buttons) {
     }
 }
 
+/// The lines of a text stay as they were written, if they aren't very long, on a small screen too.
+void KeepLines(QMessageBox& box) {
+    constexpr double kLargestShare = 0.7; // of the screen
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    const int lines = box.fontMetrics().size(0, box.text()).width();
+    if (label != nullptr && lines <= box.screen()->availableSize().width() * kLargestShare) {
+        label->setMinimumWidth(lines);
+    }
+}
+
 BoxAnswer RunBox(const BoxRequest& request) {
     if (boxesRefused) {
         return AnswerUnasked(request.Buttons);
@@ -84,6 +96,7 @@ BoxAnswer RunBox(const BoxRequest& request) {
     box.setTextFormat(Qt::PlainText);
     box.setText(request.Text);
     box.setStandardButtons(ButtonsOf(request.Buttons));
+    KeepLines(box);
     if (request.Preset == BoxAnswer::No) {
         box.setDefaultButton(QMessageBox::No);
     }

@@ -1,6 +1,7 @@
 #include "shell/LogModel.h"
 
 #include "shell/Icons.h"
+#include "shell/TipText.h"
 
 #include <QBrush>
 #include <QColor>
@@ -74,6 +75,8 @@ QVariant LogModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         return CellText(index.row(), index.column());
+    case Qt::ToolTipRole:
+        return TipText(CellText(index.row(), index.column()));
     case Qt::DecorationRole:
         return index.column() == 0 ? QVariant(IconOf(index.row())) : QVariant();
     case Qt::BackgroundRole:

@@ -29,6 +29,7 @@ int TimeColumnWidth(int available, int timeText) {
 
 CProcessLogList::CProcessLogList(QWidget* parent)
     : QTreeView(parent) {
+    setAccessibleName(QStringLiteral("Process log"));
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);

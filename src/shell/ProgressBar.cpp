@@ -8,6 +8,7 @@ namespace thntfs {
 CProgressBar::CProgressBar(QLabel* pane, const QString& message, int percentOfPane, int maximum)
     : QProgressBar(pane)
     , percentOfPane_(percentOfPane) {
+    setAccessibleName(QStringLiteral("Progress"));
     setRange(0, maximum);
     setValue(0);
     setTextVisible(false); // the percent stands in the pane

@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60};
 constexpr int kIconPixels = 16;
+constexpr int kScrolledNameRoom = 80; // beyond the title
 
 } // namespace
 
@@ -65,7 +66,8 @@ std::vector<double> DetailsView::RoomBeyondTitles() const {
     return room;
 }
 
-// Each column ends where the sum says, so that the rounding never adds up.
+// Each column ends where the sum says, so that the rounding never adds up. Where the view must be scrolled
+// anyway, the names get enough to be read.
 void DetailsView::FitColumns() {
     fitting_ = true;
     const std::vector<double> room = RoomBeyondTitles();
@@ -75,7 +77,7 @@ void DetailsView::FitColumns() {
     }
     const double wanted = std::max(1.0, std::accumulate(room.begin(), room.end(), 0.0));
     const double part = std::max(0, viewport()->width() - titles) / wanted;
-    double end = 0;
+    double end = viewport()->width() < titles ? kScrolledNameRoom : 0;
     int left = 0;
     for (int column = 0; column < FileListModel::kColumns; ++column) {
         end += header()->sectionSizeHint(column) + room[static_cast<std::size_t>(column)] * part;

@@ -31,6 +31,10 @@ void SetColours(QStyleOptionViewItem& option, const QColor& background, const QC
 
 } // namespace
 
+QSize FileDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+    return cell_.isValid() ? cell_ : QStyledItemDelegate::sizeHint(option, index);
+}
+
 void FileDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     QStyledItemDelegate::paint(painter, option, index);
@@ -43,6 +47,9 @@ void FileDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void FileDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
+    if (option->decorationPosition == QStyleOptionViewItem::Top) { // the name stands under the icon
+        option->displayAlignment = Qt::AlignHCenter | Qt::AlignTop;
+    }
     if (index.data(FileListModel::kFoundRole).toBool()) {
         SetColours(*option, kFoundRow, kFoundText);
         option->font = FoundFont(option->font);

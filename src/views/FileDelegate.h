@@ -15,6 +15,10 @@ public:
         : QStyledItemDelegate(parent)
         , look_(look) {}
 
+    /// The size of every entry from now on, whatever its text; without one it is what the text needs.
+    void SetCell(const QSize& cell) { cell_ = cell; }
+
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
 
@@ -23,6 +27,7 @@ protected:
 
 private:
     Look look_;
+    QSize cell_;
 };
 
 } // namespace thntfs

@@ -1,6 +1,7 @@
 #include "views/FileListModel.h"
 
 #include "shell/Icons.h"
+#include "shell/TipText.h"
 #include "views/ShownName.h"
 #include "views/TextOrder.h"
 
@@ -137,6 +138,11 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const {
         return CellText(static_cast<std::size_t>(index.row()), index.column());
     case Qt::DecorationRole:
         return index.column() == kName ? icons_.at(IconOf(Row(index.row()))) : QVariant();
+    case Qt::ToolTipRole:
+        return index.column() == kName ? TipText(CellText(static_cast<std::size_t>(index.row()), kName))
+                                       : QVariant();
+    case Qt::AccessibleTextRole:
+        return SpokenText(index);
     case Qt::TextAlignmentRole:
         return AlignmentOf(index.column());
     case kFoundRole:
@@ -160,6 +166,14 @@ QString FileListModel::CellText(std::size_t row, int column) const {
     default:
         return QString::number(CellNumber(entry, column));
     }
+}
+
+// What the icon tells. Other cells are read as they stand.
+QVariant FileListModel::SpokenText(const QModelIndex& index) const {
+    if (index.column() != kName || Row(index.row()).Live) {
+        return {};
+    }
+    return CellText(static_cast<std::size_t>(index.row()), kName) + QStringLiteral(", deleted");
 }
 
 QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int role) const {

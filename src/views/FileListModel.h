@@ -51,6 +51,7 @@ public:
 
 private:
     [[nodiscard]] QString CellText(std::size_t row, int column) const;
+    [[nodiscard]] QVariant SpokenText(const QModelIndex& index) const;
     [[nodiscard]] std::vector<std::uint32_t> PlacesByText(int column, bool ascending) const;
     [[nodiscard]] std::vector<std::uint32_t> PlacesByNumber(int column, bool ascending) const;
     void Reorder(const std::vector<std::uint32_t>& places);

@@ -174,6 +174,10 @@ int FolderTreeModel::columnCount(const QModelIndex& /*parent*/) const { return 1
 
 bool FolderTreeModel::hasChildren(const QModelIndex& parent) const { return rowCount(parent) > 0; }
 
+Qt::ItemFlags FolderTreeModel::flags(const QModelIndex& index) const {
+    return QAbstractItemModel::flags(index) | Qt::ItemIsUserCheckable;
+}
+
 QVariant FolderTreeModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) {
         return {};
@@ -187,6 +191,8 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const {
         return icons_.at(live);
     case Qt::CheckStateRole:
         return CheckStateOf(marks_[place]);
+    case Qt::AccessibleTextRole:
+        return SpokenText(place);
     case Qt::FontRole:
         return Font(place);
     case kOpenIconRole:
@@ -196,6 +202,12 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const {
     default:
         return {};
     }
+}
+
+// With what icon and mark tell, but for a full mark, which the view tells as a state.
+QString FolderTreeModel::SpokenText(std::uint32_t place) const {
+    return ShownName(folders_.Name(place)) + QLatin1String(folders_.Nodes[place].Live ? "" : ", deleted") +
+           QLatin1String(marks_[place] == FolderMark::Partly ? ", partly marked" : "");
 }
 
 QVariant FolderTreeModel::Font(std::uint32_t place) const {

@@ -49,6 +49,7 @@ public:
     int rowCount(const QModelIndex& parent) const override;
     int columnCount(const QModelIndex& parent) const override;
     bool hasChildren(const QModelIndex& parent) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:
@@ -57,6 +58,7 @@ private:
     [[nodiscard]] std::uint32_t ChildCount(std::uint32_t place) const;
     [[nodiscard]] bool AllChildrenAre(std::uint32_t place, FolderMark mark) const;
     [[nodiscard]] QVariant Font(std::uint32_t place) const;
+    [[nodiscard]] QString SpokenText(std::uint32_t place) const;
     void TellChanged(std::uint32_t place);
 
     FolderNodes folders_;

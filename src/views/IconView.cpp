@@ -16,14 +16,16 @@ constexpr int kMargin = 6;
 } // namespace
 
 IconView::IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
-    : RowView(actions, parent) {
+    : RowView(actions, parent)
+    , delegate_(new FileDelegate(FileDelegate::Look::Plain, this)) {
     setModel(model);
-    setItemDelegate(new FileDelegate(FileDelegate::Look::Plain, this));
+    setItemDelegate(delegate_);
     setResizeMode(Adjust);
     setUniformItemSizes(true);
 }
 
-// Cells of one size for all spare the view a look at each name.
+// Cells of one size for all spare the view a look at each name. What it takes for that size is the hint of
+// the first.
 void IconView::SetLook(Look look) {
     const bool large = look == Look::Large;
     setViewMode(large ? IconMode : ListMode);
@@ -34,8 +36,10 @@ void IconView::SetLook(Look look) {
     const int icon = large ? kLargeIcon : kSmallIcon;
     const int line = fontMetrics().lineSpacing();
     setIconSize({icon, icon});
-    setGridSize(large ? QSize(kLargeWidth, icon + kNameLines * line + 2 * kMargin)
-                      : QSize(kSmallWidth, std::max(icon, line) + kMargin));
+    const QSize cell = large ? QSize(kLargeWidth, icon + kNameLines * line + 2 * kMargin)
+                             : QSize(kSmallWidth, std::max(icon, line) + kMargin);
+    delegate_->SetCell(cell);
+    setGridSize(cell);
 }
 
 } // namespace thntfs

@@ -6,6 +6,8 @@
 
 namespace thntfs {
 
+class FileDelegate;
+
 /// The list without its columns: large icons, small icons, or names one below the other.
 class IconView : public RowView<QListView> {
 public:
@@ -14,6 +16,9 @@ public:
     IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
 
     void SetLook(Look look);
+
+private:
+    FileDelegate* delegate_;
 };
 
 } // namespace thntfs

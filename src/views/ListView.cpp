@@ -47,8 +47,10 @@ CTHNTFSListView::CTHNTFSListView(QWidget* parent)
     , details_(new DetailsView(*this, model_, this))
     , icons_(new IconView(*this, model_, this)) {
     icons_->setSelectionModel(details_->selectionModel());
-    addWidget(details_);
-    addWidget(icons_);
+    for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{details_, icons_}) {
+        view->setAccessibleName(QStringLiteral("Content of the folder"));
+        addWidget(view);
+    }
     SetViewMode(kDetails);
     details_->header()->setSortIndicator(sortColumn_, Qt::AscendingOrder);
     connect(details_->header(), &QHeaderView::sectionClicked, this,

@@ -7,6 +7,7 @@
 #include "views/ListView.h"
 #include "views/ViewsBusy.h"
 
+#include <QAccessible>
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
@@ -30,6 +31,7 @@ CTHNTFSTreeView::CTHNTFSTreeView(QWidget* parent)
 }
 
 void CTHNTFSTreeView::SetUpLook() {
+    setAccessibleName(QStringLiteral("Folders"));
     setHeaderHidden(true);
     setUniformRowHeights(true);
     setEditTriggers(NoEditTriggers);
@@ -159,6 +161,20 @@ void CTHNTFSTreeView::ToggleMark(std::uint32_t place) {
     SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 2, 1);
 }
 
+// A screen reader asks for no state that it isn't told about.
+void CTHNTFSTreeView::TellMarkByKey() {
+    if (!QAccessible::isActive()) {
+        return;
+    }
+    const QAccessibleInterface* tree = QAccessible::queryAccessibleInterface(this);
+    const QAccessibleInterface* folder = tree->focusChild();
+    QAccessible::State changed;
+    changed.checked = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    event.setChild(tree->indexOfChild(folder));
+    QAccessible::updateAccessibility(&event);
+}
+
 // Pressing and dragging selects nothing, and a busy program takes no clicks at all.
 bool CTHNTFSTreeView::viewportEvent(QEvent* event) {
     switch (event->type()) {
@@ -183,10 +199,8 @@ void CTHNTFSTreeView::mousePressEvent(QMouseEvent* event) {
     } else if (part == Part::Name && event->button() == Qt::LeftButton) {
         model_->SetCurrent(model_->PlaceOf(index));
         ShowInList(model_->Current());
-    } else if (part == Part::Name && event->button() == Qt::RightButton) {
-        model_->SetCurrent(model_->PlaceOf(index));
-        Select(model_->Current());
-        OpenMenu(event->globalPosition().toPoint());
+    } else if (event->button() == Qt::RightButton) {
+        OpenMenuOf(RowAt(event->position().toPoint()), event->globalPosition().toPoint());
     }
 }
 
@@ -204,6 +218,11 @@ void CTHNTFSTreeView::keyPressEvent(QKeyEvent* event) {
         return; // some keys would unfold folders
     }
     const int key = event->key();
+    if (key == Qt::Key_Space && currentIndex().isValid()) {
+        ToggleMark(model_->PlaceOf(currentIndex()));
+        TellMarkByKey();
+        return;
+    }
     if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Menu) {
         QTreeView::keyPressEvent(event);
         return;
@@ -219,10 +238,11 @@ void CTHNTFSTreeView::keyPressEvent(QKeyEvent* event) {
 }
 
 bool CTHNTFSTreeView::focusNextPrevChild(bool next) {
-    if (listView_ == nullptr) {
+    QWidget* target = next || backTabTarget_.isNull() ? listView_ : backTabTarget_.data();
+    if (target == nullptr) {
         return QTreeView::focusNextPrevChild(next);
     }
-    listView_->setFocus(Qt::TabFocusReason);
+    target->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }
 
@@ -237,12 +257,26 @@ void CTHNTFSTreeView::initViewItemOption(QStyleOptionViewItem* option) const {
     option->showDecorationSelected = false; // the text's rectangle is then no wider than the text
 }
 
+void CTHNTFSTreeView::OpenMenuOf(const QModelIndex& index, const QPoint& at) {
+    if (!index.isValid()) {
+        return;
+    }
+    model_->SetCurrent(model_->PlaceOf(index));
+    Select(model_->Current());
+    OpenMenu(at);
+}
+
 void CTHNTFSTreeView::OpenMenu(const QPoint& at) {
     const std::uint32_t entryId = CurrentEntry();
     OpenContextMenu(this, at, {}, entryId, [entryId] {
         Engine.MarkedEntries = {entryId};
         SendWindowMessage(MainWindow(), WM_SAVE_REQUEST, entryId);
     });
+}
+
+// The whole width of the view counts, beyond the longest name too.
+QModelIndex CTHNTFSTreeView::RowAt(const QPoint& at) const {
+    return indexAt({header()->sectionViewportPosition(0), at.y()});
 }
 
 QRect CTHNTFSTreeView::PartRect(QStyle::SubElement part, const QModelIndex& index) const {
@@ -264,9 +298,9 @@ CTHNTFSTreeView::Part CTHNTFSTreeView::PartAt(const QPoint& at, const QModelInde
     if (PartRect(QStyle::SE_ItemViewItemCheckIndicator, index).contains(at)) {
         return Part::Mark;
     }
-    const bool onName = PartRect(QStyle::SE_ItemViewItemDecoration, index).contains(at) ||
-                        PartRect(QStyle::SE_ItemViewItemText, index).contains(at);
-    return onName ? Part::Name : Part::None;
+    const QRect name =
+        PartRect(QStyle::SE_ItemViewItemDecoration, index) | PartRect(QStyle::SE_ItemViewItemText, index);
+    return at.x() >= name.left() && at.x() <= name.right() ? Part::Name : Part::None;
 }
 
 } // namespace thntfs

@@ -3,6 +3,7 @@
 #include "shell/MessageTarget.h"
 #include "views/FolderNodes.h"
 
+#include <QPointer>
 #include <QTreeView>
 
 namespace thntfs {
@@ -19,6 +20,9 @@ public:
 
     /// The list beside it, null for none; not owned.
     void SetListView(CTHNTFSListView* listView) { listView_ = listView; }
+
+    /// Where Shift+Tab moves the focus, null for the list. The caller keeps the widget, which may go away.
+    void SetBackTabTarget(QWidget* target) { backTabTarget_ = target; }
 
     /// Fills the tree from the catalogue that is open, and shows the top in the list. May be called on the
     /// worker's thread, where the walk then runs, whatever ScanRunFlag says. A catalogue that can't be read
@@ -63,13 +67,17 @@ private:
     void ShowInList(std::uint32_t place);
     void ChooseSelected();
     void ToggleMark(std::uint32_t place);
+    void TellMarkByKey();
+    void OpenMenuOf(const QModelIndex& index, const QPoint& at);
     void OpenMenu(const QPoint& at);
+    [[nodiscard]] QModelIndex RowAt(const QPoint& at) const;
     [[nodiscard]] QRect PartRect(QStyle::SubElement part, const QModelIndex& index) const;
     [[nodiscard]] Part PartAt(const QPoint& at, const QModelIndex& index) const;
 
     FolderTreeModel* model_;
     FolderDelegate* delegate_;
     CTHNTFSListView* listView_ = nullptr;
+    QPointer<QWidget> backTabTarget_;
 };
 
 } // namespace thntfs

@@ -8,6 +8,7 @@ namespace thntfs {
 CDiskTree::CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks,
                      bool (*looksUsb)(const DiskInfo& disk))
     : QTreeWidget(parent) {
+    setAccessibleName(QStringLiteral("Disks"));
     setHeaderHidden(true);
     auto* root = new QTreeWidgetItem(this, {QStringLiteral("My Computer")});
     root->setIcon(0, LoadIcon("computer"));

@@ -108,6 +108,7 @@ InfoRows RowsOf(const char* text) {
 
 CInfoListBox::CInfoListBox(QWidget* parent, const QColor& textColour, const QSize& bulletSize)
     : QListWidget(parent) {
+    setAccessibleName(QStringLiteral("Explanation"));
     setFont(RowFont(font()));
     setPalette(RowPalette(palette(), textColour));
     setItemDelegate(new RowPainter(this, bulletSize));
@@ -122,6 +123,7 @@ void CInfoListBox::ShowRows(const InfoRows& rows, int headerHeight, int rowHeigh
     for (const InfoRow& row : rows) {
         auto* item = new QListWidgetItem(row.Text, this);
         item->setData(kBulletRole, row.Bullet);
+        item->setData(Qt::AccessibleTextRole, IsHeader(row.Text) ? row.Text.mid(kHeaderLength) : row.Text);
         item->setSizeHint({0, row.Bullet || !IsHeader(row.Text) ? rowHeight : headerHeight});
     }
 }

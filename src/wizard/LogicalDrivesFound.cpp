@@ -51,6 +51,8 @@ CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& re
     , bar_(new QProgressBar(this))
     , abort_(new QPushButton(QStringLiteral("&Abort Process"), this)) {
     setWindowTitle(MethodText() + QStringLiteral(" Scan"));
+    partitions_->setAccessibleName(QStringLiteral("Logical drives found"));
+    bar_->setAccessibleName(QStringLiteral("Progress of the search"));
     bar_->setRange(0, 100);
     bar_->setValue(0);
     bar_->setTextVisible(false);

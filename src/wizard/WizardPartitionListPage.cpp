@@ -40,6 +40,7 @@ CWizardPartitionListPage::CWizardPartitionListPage(CWizardSheet& sheet)
     : CWizardPage(sheet, "Select the partition to recover", "ntfsrecoverdata.htm")
     , list_(new CRowTable(this,
                           {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size")})) {
+    list_->setAccessibleName(QStringLiteral("Logical drives"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(list_);
     setFocusProxy(list_);

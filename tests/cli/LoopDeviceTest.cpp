@@ -59,6 +59,24 @@ TEST_F(LoopTest, SavingToTheMediumItselfIsRefused) {
     }
 }
 
+TEST_F(LoopTest, TemporaryFilesKeepOffTheMedium) {
+    VolumeBuilder().WriteTo(scratch_ / "disk");
+    const std::uint64_t end = std::filesystem::file_size(scratch_ / "disk");
+    std::filesystem::resize_file(scratch_ / "disk", end + (8U << 20U));
+    const std::string behind = Attach(scratch_ / "disk", "--offset " + std::to_string(end));
+    if (behind.empty() || !MountNewFileSystem(behind)) {
+        GTEST_SKIP() << kNoLoops;
+    }
+    std::filesystem::create_directory(mount_ + "/tmp");
+    const auto before = std::filesystem::last_write_time(mount_ + "/tmp");
+    RunSetup setup;
+    setup.TempFolder = mount_ + "/tmp";
+    const RunResult run = RunCli({"scan", scratch_ / "disk", "--json"}, setup);
+    EXPECT_EQ(run.Status, 0) << run.Err;
+    EXPECT_NE(run.Err.find("lies on the medium that is being read"), std::string::npos) << run.Err;
+    EXPECT_TRUE(std::filesystem::last_write_time(mount_ + "/tmp") == before);
+}
+
 } // namespace
 
 } // namespace thntfs::test

@@ -182,6 +182,16 @@ TEST_F(ScanInfoCommandTest, WordsThatMakeNoSense) {
     EXPECT_EQ(RunCli({"scan", At("found.thd"), "--partition", "1", "--turbo"}).Status, 0);
 }
 
+TEST_F(ScanInfoCommandTest, AScanThatCannotBeSavedIsNotCalledAPartition) {
+    SaveBoth();
+    RunSetup setup;
+    setup.MaxFileBytes = fs::file_size(At("scan.tht")) - 1;
+    const RunResult result = RunCli({"scan", Image(), "--save-info", At("again.tht")}, setup);
+    EXPECT_EQ(result.Status, 1);
+    EXPECT_TRUE(Contains(result.Err, "Cannot save scan information to " + At("again.tht"))) << result.Err;
+    EXPECT_FALSE(Contains(result.Err, "Partition")) << result.Err;
+}
+
 TEST_F(ScanInfoCommandTest, WhatCannotBeSavedIsRefusedBeforeTheScan) {
     const std::string image = ReadWholeFile(Image());
     fs::create_directories(At(std::string(200, 'd')));

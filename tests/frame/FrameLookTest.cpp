@@ -3,12 +3,15 @@
 #include "FrameFixture.h"
 #include "frame/StatusTexts.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QStatusTipEvent>
 #include <QTest>
+#include <clocale>
+#include <cstdlib>
 
 namespace thntfs::test {
 namespace {
@@ -134,6 +137,34 @@ TEST_F(FrameLook, PromptsComeAndGo) {
     EXPECT_EQ(Pane(0), "Ready");
 }
 
+TEST_F(FrameLook, SubmenuHasAPromptAndBarsHaveNames) {
+    const auto submenus = Frame->menuBar()->actions()[1]->menu()->actions();
+    EXPECT_EQ(submenus[4]->statusTip().toStdString(), "Saves scanned information");
+    for (QWidget* bar : std::initializer_list<QWidget*>{Frame->menuBar(), Frame->statusBar(), Frame->LogList,
+                                                        Frame->findChild<QToolBar*>()}) {
+        EXPECT_FALSE(QAccessible::queryAccessibleInterface(bar)->text(QAccessible::Name).isEmpty());
+    }
+}
+
+TEST_F(FrameLook, BackTabGoesRoundByTheLog) {
+    Frame->TreeView->setFocus();
+    for (QWidget* pane : std::initializer_list<QWidget*>{Frame->LogList, Frame->ListView, Frame->TreeView}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+        EXPECT_TRUE(pane == QApplication::focusWidget() || pane->isAncestorOf(QApplication::focusWidget()));
+    }
+}
+
+TEST_F(FrameLook, NarrowWindowLeavesRoomForTheProgressBar) {
+    Frame->resize(800, 600);
+    SendWindowMessage(Frame.get(), WM_UPDATE_TOTALS, 1);
+    SendWindowMessage(Frame.get(), WM_UPDATE_TOTALS, 2, 1);
+    CProgressBar bar(Frame->Panes[0], QStringLiteral("Populating  :100%"), 100, 100);
+    RunEvents();
+    EXPECT_EQ(Frame->width(), 800);
+    EXPECT_GT(bar.width(), 60);
+    EXPECT_GT(Frame->ListView->findChild<QTreeView*>()->columnWidth(0), 150); // names can be read
+}
+
 TEST_F(FrameLook, CommandsToComeSaySo) {
     ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Spoor Hound")});
     EXPECT_EQ(Pane(0), "Spoor Hound is not built into the desktop program yet.");
@@ -179,12 +210,18 @@ TEST_F(FrameLook, ViewModeIsOneOfFourAndIsKept) {
     Frame->close();
 }
 
-TEST(StatusTexts, SwitchUnitAtTheirBounds) {
+TEST(StatusTexts, SwitchUnitAtTheirBoundsInAnyLanguage) {
+    ScratchFolder folder;
+    RunProgram("/usr/bin/localedef", {"-i", "de_DE", "-f", "UTF-8", folder / "de_DE.UTF-8"});
+    ::setenv("LOCPATH", folder.Path().c_str(), 1);
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // where the system has the means to make it
     EXPECT_EQ(TotalsText(512, 3, 4), "  0.500 KB in 3 Files in 4 Folders");
     EXPECT_EQ(TotalsText(1048575, 1, 0), "1023.999 KB in 1 Files in 0 Folders");
     EXPECT_EQ(TotalsText(1048576, 1, 0), "  1.000 MB in 1 Files in 0 Folders");
     EXPECT_EQ(TotalsText(1073741823, 1, 0), "1024.000 MB in 1 Files in 0 Folders");
     EXPECT_EQ(MarkedText(1073741824, 2, 1), "Marked   1.000 GB in 2 Files in 1 Folders");
+    std::setlocale(LC_NUMERIC, "C");
+    ::unsetenv("LOCPATH");
 }
 
 } // namespace

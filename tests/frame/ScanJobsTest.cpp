@@ -2,6 +2,7 @@
 
 #include "FrameFixture.h"
 #include "shell/PauseGate.h"
+#include "support/EnvironmentVariable.h"
 #include "support/FailingFileStore.h"
 
 #include <algorithm>
@@ -149,6 +150,19 @@ TEST_F(ScanJobs, AFolderThatCannotBeWrittenEndsInIdle) {
     EXPECT_EQ(Frame->BasicScanDone, 0U);
     Frame->UpdateCommands();
     EXPECT_TRUE(Frame->ActionOf(kCmdLoadTreeInfo)->isEnabled());
+}
+
+TEST_F(ScanJobs, FilesOfAScanLieInAFolderOfTheUsersOwn) {
+    Load();
+    std::filesystem::create_directory(Folder / "shared");
+    std::filesystem::create_symlink(Folder / "precious", Folder / "shared/NST.THT");
+    const EnvironmentVariable place("TMPDIR", Folder / "shared");
+    Engine.CatalogueFolder.clear();
+    Frame->BeginBasicScan();
+    ASSERT_TRUE(WaitForIdle());
+    EXPECT_EQ(LogRows(), kBasicScanLines);
+    EXPECT_TRUE(Engine.CatalogueFolder.starts_with(Folder / "shared/th-ntfs-")) << Engine.CatalogueFolder;
+    EXPECT_FALSE(std::filesystem::exists(Folder / "precious"));
 }
 
 TEST_F(ScanJobs, AFullFolderShowsItsBoxAndTheProgramLives) {

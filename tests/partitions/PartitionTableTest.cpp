@@ -2,8 +2,10 @@
 
 #include "engine/EngineFixture.h"
 #include "partitions/VolumeList.h"
+#include "platform/Interrupt.h"
 
 #include <algorithm>
+#include <csignal>
 
 namespace thntfs::test {
 
@@ -155,6 +157,23 @@ TEST_F(PartitionTableTest, ReadsThatFail) {
     Engine.SourceDisk.MediaHandle.reset();
     Engine.ScanRunFlag = 0;
     EXPECT_EQ(Read(), Starts{});
+}
+
+// A slow medium: each read may take seconds.
+TEST_F(PartitionTableTest, AnInterruptEndsTheChainBeforeTheNextRead) {
+    for (std::uint32_t table = 0; table < 50; ++table) {
+        PutTable(table, {{0x07, 100, 100}, {0x07, 200, 100}, {0x05, table + 1, 100}});
+    }
+    static std::atomic<std::uint32_t> flag;
+    OnInterrupt(flag);
+    Plan->OnRead = [](std::uint64_t index, const ReadRequest&) {
+        if (index == 4) {
+            (void)std::raise(SIGINT);
+        }
+    };
+    Read();
+    EXPECT_EQ(Plan->Log.size(), 5U);
+    OnInterrupt(flag); // as if it had not come
 }
 
 } // namespace thntfs::test

@@ -82,6 +82,10 @@ TEST_F(FileTest, OpensEachModeAsPromised) {
 TEST_F(FileTest, NewFileDoesNotGoThroughALink) {
     fs::create_symlink(At("elsewhere"), At("link"));
     EXPECT_EQ(Open(At("link"), FileMode::CreateNew), kErrorFileExists);
+    EXPECT_NE(Open(At("link"), FileMode::OpenOwn), kErrorNone);
+    EXPECT_NE(Open(At("link"), FileMode::OpenOwnReadWrite), kErrorNone);
+    EXPECT_EQ(Open(At("link"), FileMode::CreateOwn), kErrorNone);
+    EXPECT_FALSE(fs::is_symlink(At("link")));
     EXPECT_FALSE(fs::exists(At("elsewhere")));
 }
 
@@ -90,20 +94,6 @@ TEST_F(FileTest, FullDeviceIsAFullDisk) {
         GTEST_SKIP() << "no /dev/full";
     }
     EXPECT_EQ(Opened->Write(BytesOf("abc")), kErrorDiskFull);
-}
-
-TEST(WorkFolderTest, IsPrivateAndGoesAway) {
-    std::string path;
-    {
-        WorkFolder folder;
-        ASSERT_EQ(folder.Create(), kErrorNone);
-        path = folder.Path();
-        EXPECT_EQ(fs::path(path).filename().string().substr(0, 8), "th-ntfs-");
-        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all);
-        std::unique_ptr<File> file;
-        ASSERT_EQ(Files().Open(path + "/x", FileMode::CreateNew, file), kErrorNone);
-    }
-    EXPECT_FALSE(fs::exists(path));
 }
 
 TEST(PathsTest, AbsolutePathWorksOnTheTextAlone) {

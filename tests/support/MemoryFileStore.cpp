@@ -66,7 +66,8 @@ std::vector<std::uint8_t>& MemoryFileStore::Content(const std::string& path) {
 ErrorCode MemoryFileStore::Open(const std::string& path, FileMode mode, std::unique_ptr<File>& file) {
     file.reset();
     const bool exists = files_.contains(path);
-    const bool creates = mode == FileMode::CreateNew || mode == FileMode::CreateAlways;
+    const bool creates =
+        mode == FileMode::CreateNew || mode == FileMode::CreateAlways || mode == FileMode::CreateOwn;
     if (exists && mode == FileMode::CreateNew) {
         return kErrorFileExists;
     }

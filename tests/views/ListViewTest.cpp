@@ -1,6 +1,7 @@
 #include "shell/WaitWindow.h"
 #include "views/ViewsFixture.h"
 
+#include <QAccessible>
 #include <QHeaderView>
 
 namespace thntfs::test {
@@ -90,6 +91,29 @@ TEST_F(ListViewTest, FoldersComeFirstEachGroupAsInTheCatalogue) {
     for (int column = 0; column < header->count(); ++column) {
         EXPECT_GE(header->sectionSize(column), header->sectionSizeHint(column)) << column; // no title is cut
     }
+}
+
+TEST_F(ListViewTest, IconViewsGiveEachNameItsCellAndSpeak) {
+    CloseCatalogue();
+    CatalogueMaker maker;
+    maker.AddFile(maker.Root(), u"a");
+    maker.AddEntry(maker.Root(), Erased(), u"<b>a longer name</b>");
+    maker.Finish();
+    for (const std::uint32_t mode : {60000U, 60001U, 60002U}) {
+        List->SetViewMode(mode);
+        SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+        RunEvents();
+        for (int row = 0; row < 2; ++row) {
+            const auto* view = static_cast<QListView*>(Rows());
+            EXPECT_EQ(view->visualRect(view->model()->index(row, 0)).size(), view->gridSize()) << mode;
+        }
+    }
+    const QModelIndex second = Rows()->model()->index(1, 0);
+    EXPECT_TRUE(second.data(Qt::ToolTipRole).toString().contains(QStringLiteral("&lt;b&gt;a longer name")));
+    Rows()->setCurrentIndex(second);
+    auto* spoken = QAccessible::queryAccessibleInterface(Rows());
+    EXPECT_EQ(spoken->text(QAccessible::Name), QStringLiteral("Content of the folder"));
+    EXPECT_EQ(spoken->focusChild()->text(QAccessible::Name), QStringLiteral("<b>a longer name</b>, deleted"));
 }
 
 TEST_F(ListViewTest, EntriesOfOneFolderComeOnceAndBrokenOnesNotAtAll) {

@@ -1,6 +1,7 @@
 #include "shell/WaitWindow.h"
 #include "views/ViewsFixture.h"
 
+#include <QAccessible>
 #include <QLocale>
 #include <thread>
 
@@ -113,8 +114,11 @@ TEST_F(TreeViewTest, ClickOnIconOrNameChoosesAndElsewhereDoesNothing) {
     EXPECT_EQ(Column(0),
               QStringList({QStringLiteral("letters"), QStringLiteral("Bills"), QStringLiteral("notes.txt")}));
     EXPECT_FALSE(IsBold(Item({})));
-    ClickTree(OnIcon(Photos()));
-    ExpectCurrent(Photos(), photosId);
+    for (int x = OnIcon(Photos()).x(); x <= OnName(Photos()).x(); ++x) { // no gap between them
+        ClickTree(OnIcon(Docs()));
+        ClickTree({x, OnName(Photos()).y()});
+        ExpectCurrent(Photos(), photosId);
+    }
 
     ClickTree(BesideName(Docs()));
     ClickTree(QPoint(Tree->viewport()->width() - 2, OnName(Docs()).y()));
@@ -197,6 +201,22 @@ TEST_F(TreeViewTest, MarksSpreadDownAndUpAndAreSummedUp) {
     EXPECT_EQ(Engine.MarkedFiles, 0U);
 }
 
+TEST_F(TreeViewTest, SpeaksOfWhatIsOnlySeenAndSpaceSetsMarks) {
+    auto* tree = QAccessible::queryAccessibleInterface(Tree);
+    EXPECT_EQ(tree->text(QAccessible::Name), QStringLiteral("Folders"));
+    const auto spoken = [&](const QModelIndex& index) {
+        Tree->setCurrentIndex(index);
+        return tree->focusChild()->text(QAccessible::Name);
+    };
+    EXPECT_EQ(spoken(Item({root, QStringLiteral("gone")})), QStringLiteral("gone, deleted"));
+    EXPECT_EQ(spoken(Letters()), QStringLiteral("letters"));
+    QTest::keyClick(Tree, Qt::Key_Space);
+    EXPECT_EQ(Engine.MarkedFiles, 2U);
+    EXPECT_TRUE(tree->focusChild()->state().checkable);
+    EXPECT_TRUE(tree->focusChild()->state().checked);
+    EXPECT_EQ(spoken(Docs()), QStringLiteral("docs, partly marked"));
+}
+
 TEST_F(TreeViewTest, QuickSecondClickOnAMarkCountsAndOnANameFolds) {
     for (const QPoint& at : {OnMark(Docs()), OnName(Docs())}) {
         ClickTree(at);
@@ -207,8 +227,12 @@ TEST_F(TreeViewTest, QuickSecondClickOnAMarkCountsAndOnANameFolds) {
 }
 
 TEST_F(TreeViewTest, ContextMenuActsOnTheFolderAndLeavesTheList) {
-    ClickTree(BesideName(Docs()), Qt::RightButton);
+    const int end = Tree->viewport()->width() - 2;
+    ClickTree({end, Tree->viewport()->height() - 2}, Qt::RightButton);
     EXPECT_EQ(OpenMenuText(), QString());
+    ClickTree({end, OnName(Photos()).y()}, Qt::RightButton);
+    ExpectCurrent(Photos(), photosId);
+    CloseMenu();
     ClickTree(OnName(Docs()), Qt::RightButton);
     ExpectCurrent(Docs(), docsId);
     EXPECT_EQ(Column(0), QStringList{root});

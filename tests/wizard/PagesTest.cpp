@@ -103,27 +103,17 @@ TEST_F(PagesTest, ListsSayWhatIsTold) {
     EXPECT_EQ(shown, ToldTexts());
 }
 
-TEST_F(PagesTest, DisksThatCannotBeReadAreTold) {
-    auto disks = MadeUpDisks();
-    disks[0].OpenError = kErrorAccessDenied;
-    disks[1].AccessError = kErrorNotReady;
-    MakeSheet(disks);
-    AtSheet([this] { Close(); });
-    Run();
-    EXPECT_EQ(BoxTexts(Answers),
-              (Texts{"Information: Disk Opening Error #5", "Error: Error accessing device 21"}));
-}
-
-TEST_F(PagesTest, KeysLeadThroughThePages) {
+TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
+    Sheet->Disks[0].OpenError = kErrorAccessDenied;
+    Sheet->Disks[1].AccessError = kErrorNotReady;
     const auto key = [this](Qt::Key pressed) { QTest::keyClick(Sheet->focusWidget(), pressed); };
     const auto tabs = [&] {
         std::string order;
-        const QWidget* first = Sheet->focusWidget();
         do {
             const auto* button = qobject_cast<QAbstractButton*>(Sheet->focusWidget());
-            order += button != nullptr ? button->text().trimmed().toStdString() + "|" : "view|";
+            order += (button != nullptr ? button->text().trimmed().toStdString() : "view") + "|";
             key(Qt::Key_Tab);
-        } while (Sheet->focusWidget() != first);
+        } while (!order.ends_with("Help|"));
         return order;
     };
     AtSheet([&] {
@@ -137,7 +127,9 @@ TEST_F(PagesTest, KeysLeadThroughThePages) {
         ButtonOf(*Sheet, "Cancel")->setFocus();
         key(Qt::Key_Return);
         key(Qt::Key_Escape);
-        EXPECT_EQ(BoxTexts(Answers), (Texts(2, "Confirm: Do you want to close wizard?")));
+        const std::string close = "Confirm: Do you want to close wizard?";
+        EXPECT_EQ(BoxTexts(Answers), (Texts{"Information: Disk Opening Error #5",
+                                            "Error: Error accessing device 21", close, close}));
         ButtonOf(*Sheet, "< Back")->setFocus();
         key(Qt::Key_Return);
         GoToImagePage(VolumePath("basic"));

@@ -16,6 +16,8 @@ namespace thntfs {
 
 namespace {
 
+constexpr mode_t kForAll = 0666;
+constexpr mode_t kOwnerOnly = 0600;
 constexpr std::uint64_t kMaxOffset = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
 /// Calls `transfer(done)` until `size` bytes are through or it gives 0, which ends a read at the end of the
@@ -154,6 +156,12 @@ int FlagsOfMode(FileMode mode) {
         return O_RDWR | O_CREAT | O_TRUNC;
     case FileMode::OpenReadWrite:
         return O_RDWR;
+    case FileMode::CreateOwn:
+        return O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
+    case FileMode::OpenOwnReadWrite:
+        return O_RDWR | O_NOFOLLOW;
+    case FileMode::OpenOwn:
+        return O_RDONLY | O_NOFOLLOW;
     case FileMode::OpenRead:
         break;
     }
@@ -164,7 +172,12 @@ class PosixFileStore final : public FileStore {
 public:
     ErrorCode Open(const std::string& path, FileMode mode, std::unique_ptr<File>& file) override {
         file.reset();
-        FileDescriptor descriptor = OpenDescriptor(path.c_str(), FlagsOfMode(mode) | O_NOCTTY, 0666);
+        const bool own = mode == FileMode::CreateOwn;
+        if (own) {
+            (void)Delete(path);
+        }
+        FileDescriptor descriptor =
+            OpenDescriptor(path.c_str(), FlagsOfMode(mode) | O_NOCTTY, own ? kOwnerOnly : kForAll);
         struct stat status {};
         if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &status) != 0) {
             return FileErrorOfErrno(errno);

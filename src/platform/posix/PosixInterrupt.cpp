@@ -1,7 +1,10 @@
 #include "platform/Interrupt.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace thntfs {
 
@@ -12,7 +15,32 @@ constexpr std::array<int, 3> kSignals{SIGINT, SIGTERM, SIGHUP};
 std::atomic<std::atomic<std::uint32_t>*> flagToClear{nullptr};
 std::atomic<bool> interrupted{false};
 
-static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<std::uint32_t>::is_always_lock_free);
+static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free &&
+              std::atomic<std::uint32_t>::is_always_lock_free);
+
+/// The first interrupt's byte goes through it to whoever waits. Made once, as a handler may write at any
+/// time.
+struct WakeUpPipe {
+    WakeUpPipe() {
+        if (::pipe2(Ends.data(), O_NONBLOCK | O_CLOEXEC) != 0) {
+            Ends = {-1, -1};
+        }
+    }
+    std::array<int, 2> Ends{};
+};
+
+const WakeUpPipe& WakeUp() {
+    static const WakeUpPipe pipe;
+    return pipe;
+}
+
+std::atomic<int> wakeUpEnd{-1}; ///< to write to
+
+void EmptyWakeUp() {
+    char byte = 0;
+    while (::read(WakeUp().Ends[0], &byte, 1) > 0) {
+    }
+}
 
 void SetAction(int signal, void (*handler)(int)) {
     struct sigaction action {};
@@ -39,6 +67,9 @@ void HandleInterrupt(int /*signal*/) {
     interrupted = true;
     flagToClear.load()->store(0);
     RestoreDefaults();
+    const int before = errno;
+    [[maybe_unused]] const auto written = ::write(wakeUpEnd, "", 1);
+    errno = before;
 }
 
 } // namespace
@@ -46,6 +77,8 @@ void HandleInterrupt(int /*signal*/) {
 void OnInterrupt(std::atomic<std::uint32_t>& flag) {
     flagToClear = &flag;
     interrupted = false;
+    wakeUpEnd = WakeUp().Ends[1];
+    EmptyWakeUp();
     for (const int signal : kSignals) {
         if (!IsIgnored(signal)) {
             SetAction(signal, HandleInterrupt);
@@ -64,5 +97,7 @@ void SetUnlessInterrupted(std::atomic<std::uint32_t>& flag) {
         flag = 0;
     }
 }
+
+int InterruptDescriptor() { return WakeUp().Ends[0]; }
 
 } // namespace thntfs

@@ -2,6 +2,7 @@
 #include "platform/ReplacementFile.h"
 #include "platform/posix/ErrnoMap.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/LifeLock.h"
 #include "platform/posix/PosixFile.h"
 
 #include <array>
@@ -11,7 +12,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <random>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -67,22 +67,10 @@ bool IsPartName(std::string_view name, std::string_view stem) {
            name.substr(stem.size(), kDigits).find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
-/// True where the path still names the open file.
-bool StillNames(const std::string& path, const FileDescriptor& descriptor) {
-    struct stat open {};
-    struct stat named {};
-    return ::fstat(descriptor.Get(), &open) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
-}
-
-/// The lock of a part is held as long as its writer lives, so who can take it may take the part away. A
-/// file system without locks gives none, and keeps its parts.
 void RemoveIfLeft(const std::string& path) {
     const FileDescriptor part = OpenDescriptor(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     struct stat status {};
-    if (part.IsOpen() && ::fstat(part.Get(), &status) == 0 && S_ISREG(status.st_mode) &&
-        status.st_uid == ::geteuid() && ::flock(part.Get(), LOCK_EX | LOCK_NB) == 0 &&
-        StillNames(path, part)) {
+    if (::fstat(part.Get(), &status) == 0 && S_ISREG(status.st_mode) && IsLeftBehind(part, path)) {
         ::unlink(path.c_str());
     }
 }
@@ -156,15 +144,13 @@ public:
     }
 
 private:
-    // Somebody who takes left parts away may have come before the lock.
     ErrorCode TryCreate(const std::string& path) {
         FileDescriptor created =
             OpenDescriptor(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_NOCTTY, 0666);
         if (!created.IsOpen()) {
             return FileErrorOfErrno(errno);
         }
-        if ((::flock(created.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) ||
-            !StillNames(path, created)) {
+        if (!LockForLife(created, path)) {
             return kErrorFileExists;
         }
         lock_ = std::move(created);

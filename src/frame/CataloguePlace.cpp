@@ -1,0 +1,36 @@
+#include "frame/CataloguePlace.h"
+
+#include "content/TargetRules.h"
+#include "content/WorkPlace.h"
+#include "engine/EngineState.h"
+#include "platform/Host.h"
+#include "shell/Boxes.h"
+
+namespace thntfs {
+
+namespace {
+
+constexpr const char* kNoFolder = "/dev/null"; // nothing can be created below it
+
+} // namespace
+
+// The folder may have gone since the last scan: whoever clears up temporary files asks nobody.
+void PlaceCatalogue(WorkFolder& folder, const std::string& medium) {
+    const std::string& present = Engine.CatalogueFolder;
+    const bool given = !present.empty() && present != kNoFolder && present != folder.Path();
+    if (given && CheckTarget(present, {medium, {}, {}}).Allowed()) {
+        return;
+    }
+    const WorkPlace place = TakeLastingWorkFolder(folder, medium);
+    if (place.Code != kErrorNone) {
+        Engine.CatalogueFolder = kNoFolder;
+        ShowBox(QString::fromStdString(place.Told), QStringLiteral("Error"), BoxIcon::Stop);
+        return;
+    }
+    if (!place.Told.empty() && folder.Path() != present) {
+        LogLine("Temporary files", place.Told, kLogInProgress);
+    }
+    Engine.CatalogueFolder = folder.Path();
+}
+
+} // namespace thntfs
