@@ -122,10 +122,11 @@ int RunSave(const Options& options) {
     } catch (const CUserException&) {
         missing = paths.size();
     }
+    const SaveTotals& totals = saver.Finish();
     session.Host.Bar.End();
     Output output;
-    PrintTotals(output, saver.Totals(), options, session.Complete());
-    const int code = ExitCodeOf(saver.Totals(), missing, options.Paths.size());
+    PrintTotals(output, totals, options, session.Complete());
+    const int code = ExitCodeOf(totals, missing, options.Paths.size());
     return output.Finish(code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code);
 }
 

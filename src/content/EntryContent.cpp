@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <functional>
+#include <optional>
 #include <vector>
 
 namespace thntfs {
@@ -44,8 +46,10 @@ ListVisitor NodeCollector(ListHead<AttributeListNode>& nodes) {
     };
 }
 
-// The pieces of the data come out one behind the other in the order of the list.
-int WriteListedPieces(const CatalogueItem& entry, File& outputHandle, RecordBuffer& record) {
+using RecordVisitor = std::function<int(ConstBytes record)>;
+
+// The pieces of the data come one behind the other in the order of the list.
+int VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
     ListHead<AttributeListNode> nodes;
     ReadAttributeList(record, nodes);
     int result = 1;
@@ -60,45 +64,80 @@ int WriteListedPieces(const CatalogueItem& entry, File& outputHandle, RecordBuff
         if (!ReadCheckedRecord(record, *sector)) {
             return 0;
         }
-        result = WriteDataAttribute(entry, outputHandle, record);
+        result = visit(record);
     }
     return result;
 }
 
-} // namespace
-
-int ReadEntryContent(const CatalogueItem& entry, File& outputHandle) try {
+// Hands over each record that may hold a part of the entry's data.
+int VisitDataRecords(const CatalogueItem& entry, const RecordVisitor& visit) try {
     RecordBuffer record(Engine.VolumeParams.FileRecordBytes);
     if (!ReadCheckedRecord(record, entry.RecordSector)) {
         return 0;
     }
-    if (HasAttributeList(record) == 0) {
-        return WriteDataAttribute(entry, outputHandle, record);
-    }
-    return WriteListedPieces(entry, outputHandle, record);
+    return HasAttributeList(record) == 0 ? visit(record) : VisitListedRecords(record, visit);
 } catch (const std::exception&) {
     return 0;
 }
 
-int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record) {
+std::optional<Attribute> FindData(ConstBytes record) {
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const Attribute attribute = walk.Current();
         if (attribute.Type() == kTypeEnd) {
             break;
         }
-        if (attribute.Type() != kTypeData || attribute.Named()) {
-            continue;
+        if (attribute.Type() == kTypeData && !attribute.Named()) {
+            return attribute;
         }
-        if (attribute.NonResident() == 0) {
-            return attribute.ValueLength() != 0 ? WriteCatalogue(outputHandle, attribute.Value()) : 1;
-        }
-        ListHead<MftExtent> runs;
-        DecodeRunList(record, attribute.RunListStart(), runs);
-        return attribute.Flags() == kFlagsCompressed
-                   ? WriteCompressedRuns(entry, outputHandle, runs, attribute.CompressionUnit())
-                   : WriteRuns(entry, outputHandle, runs);
     }
-    return 1;
+    return std::nullopt;
+}
+
+// Bytes that the data in one record takes, at most `limit`.
+std::uint64_t BytesHeld(ConstBytes record, std::uint64_t limit) {
+    const std::optional<Attribute> data = FindData(record);
+    if (!data || data->NonResident() == 0) {
+        return data ? data->Value().size() : 0;
+    }
+    ListHead<MftExtent> runs;
+    DecodeRunList(record, data->RunListStart(), runs);
+    std::uint64_t bytes = 0;
+    for (const MftExtent* run = runs.First(); run != nullptr && bytes < limit; run = run->Next.get()) {
+        bytes += run->StartCluster == 0 ? 0 : std::uint64_t{run->Clusters} * Engine.VolumeParams.ClusterBytes;
+    }
+    return std::min(bytes, limit);
+}
+
+} // namespace
+
+int ReadEntryContent(const CatalogueItem& entry, File& outputHandle) {
+    return VisitDataRecords(
+        entry, [&](ConstBytes record) { return WriteDataAttribute(entry, outputHandle, record); });
+}
+
+std::uint64_t ContentNeed(const CatalogueItem& entry) {
+    const std::uint64_t limit = std::min(entry.Size, VolumeByteLimit());
+    std::uint64_t need = 0;
+    VisitDataRecords(entry, [&](ConstBytes record) {
+        need = std::min(limit, need + BytesHeld(record, limit));
+        return 1;
+    });
+    return need;
+}
+
+int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record) {
+    const std::optional<Attribute> data = FindData(record);
+    if (!data) {
+        return 1;
+    }
+    if (data->NonResident() == 0) {
+        return data->ValueLength() != 0 ? WriteCatalogue(outputHandle, data->Value()) : 1;
+    }
+    ListHead<MftExtent> runs;
+    DecodeRunList(record, data->RunListStart(), runs);
+    return data->Flags() == kFlagsCompressed
+               ? WriteCompressedRuns(entry, outputHandle, runs, data->CompressionUnit())
+               : WriteRuns(entry, outputHandle, runs);
 }
 
 int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {

@@ -16,6 +16,11 @@ namespace thntfs {
 /// shown.
 int ReadEntryContent(const CatalogueItem& entry, File& outputHandle);
 
+/// Bytes of room that ReadEntryContent may need for an entry: its size, but no more than its runs and the
+/// volume can hold. 0 where its record is damaged. Compressed data may need more than its runs hold. Passes
+/// CUserException on.
+std::uint64_t ContentNeed(const CatalogueItem& entry);
+
 /// Writes the unnamed data attribute that one checked record holds. Gives 1.
 int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record);
 

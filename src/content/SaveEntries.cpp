@@ -1,37 +1,44 @@
 #include "content/SaveEntries.h"
 
 #include "catalogue/EntryWalk.h"
-#include "content/TargetName.h"
+#include "content/EntryContent.h"
 #include "engine/EngineState.h"
 #include "platform/Text.h"
+
+#include <utility>
 
 namespace thntfs {
 
 namespace {
 
 constexpr std::uint32_t kRootEntryId = 1;
+constexpr std::uint64_t kBigFileBytes = std::uint64_t{1} << 20U;
 constexpr std::uint16_t kFlagSparse = 0x200;
 constexpr std::uint16_t kFlagCompressed = 0x800;
 
 bool IsSeed(const CatalogueItem& item) { return item.EntryId <= kRootEntryId; }
 
+std::string ReasonOf(ErrorCode code) { return Engine.ScanRunFlag == 0 ? "stopped" : SystemErrorText(code); }
+
 } // namespace
 
 EntrySaver::EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& listener, bool deletedOnly)
     : listener_(listener)
-    , deletedOnly_(deletedOnly) {
-    levels_.emplace_back();
-    levels_.front().Handle = std::move(target);
-}
+    , deletedOnly_(deletedOnly)
+    , path_(std::move(target))
+    , account_(path_.Target(), listener) {}
 
 void EntrySaver::Save(const LocatedEntry& entry) {
     if (Engine.ScanRunFlag == 0) {
-        totals_.Stopped = true;
+        account_.Stop();
         return;
     }
-    levels_.resize(1);
+    path_.Cut(1);
+    if (entry.Path.starts_with('/')) {
+        path_.Enter(u" Root", true);
+    }
     for (const std::u16string& folder : entry.Folders) {
-        levels_.emplace_back().Name = folder;
+        path_.Enter(folder, false);
     }
     try {
         if (entry.Item.IsFolder()) {
@@ -40,24 +47,31 @@ void EntrySaver::Save(const LocatedEntry& entry) {
             SaveFile(entry.Item, entry.Path);
         }
     } catch (const CUserException&) {
-        totals_.Stopped = true; // the user has seen the box; what comes after would fail the same way
+        account_.Stop(); // the user has seen the box; what comes after would fail the same way
     }
+}
+
+const SaveTotals& EntrySaver::Finish() {
+    if (Engine.ScanRunFlag == 0) {
+        account_.Stop();
+    }
+    return account_.Settle();
 }
 
 void EntrySaver::SaveBelow(const LocatedEntry& entry) {
     if (!IsSeed(entry.Item)) {
-        EnterFolder(entry.Item, entry.Path);
+        EnterFolder(entry.Item);
     }
-    const std::size_t base = levels_.size();
+    const std::size_t base = path_.Length();
     EntryWalk walk(StartAt(entry), IsSeed(entry.Item) ? WalkReach::Whole : WalkReach::Part);
     while (walk.Next()) {
         if (Engine.ScanRunFlag == 0) {
-            totals_.Stopped = true;
+            account_.Stop();
             return;
         }
-        levels_.resize(base + walk.Depth());
+        path_.Cut(base + walk.Depth());
         if (walk.Item().IsFolder()) {
-            EnterFolder(walk.Item(), walk.Path());
+            EnterFolder(walk.Item());
         } else if (Wanted(walk.Item())) {
             SaveFile(walk.Item(), walk.Path());
         }
@@ -66,141 +80,114 @@ void EntrySaver::SaveBelow(const LocatedEntry& entry) {
 
 // Lost folders have no record of their own: they stand for a name that isn't known, and are made only for
 // what is in them.
-void EntrySaver::EnterFolder(const CatalogueItem& item, const std::string& path) {
-    Level& level = levels_.emplace_back();
-    level.Name = item.Name;
-    level.Transparent = item.EntryId == kRootEntryId;
+void EntrySaver::EnterFolder(const CatalogueItem& item) {
+    const bool isRoot = item.EntryId == kRootEntryId;
+    path_.Enter(item.Name, isRoot);
     const bool lost = item.RecordSector == 0;
-    if (!level.Transparent && Wanted(item) && !(deletedOnly_ && lost)) {
-        OpenLevel(path);
+    if (!isRoot && Wanted(item) && !(deletedOnly_ && lost)) {
+        OpenLevel();
     }
+}
+
+TargetPath::Level* EntrySaver::OpenLevel() {
+    return path_.Open([this](const TargetPath::Level& level, const std::string& path, ErrorCode code) {
+        if (code == kErrorNone) {
+            account_.FolderMade(path);
+            TellName(path, level.Name, level.MadeName);
+        } else {
+            account_.Fail(path, ReasonOf(code));
+        }
+    });
 }
 
 void EntrySaver::SaveFile(const CatalogueItem& item, const std::string& path) {
-    Level* folder = OpenLevel(path);
+    TargetPath::Level* folder = OpenLevel();
     if (folder == nullptr) {
-        Fail(path, "its folder could not be made");
-        return;
+        account_.Fail(path, "its folder could not be made or opened");
+    } else if (HasRoom(item, path)) {
+        item.Size > kBigFileBytes ? WriteBig(*folder, item, path) : WriteSmall(*folder, item, path);
     }
-    if (!HasRoom(item, path)) {
-        return;
-    }
-    std::string name;
-    std::unique_ptr<File> file;
-    const ErrorCode code = CreateFileIn(*folder, item, path, name, file);
-    if (code != kErrorNone) {
-        Fail(path, SystemErrorText(code));
-        return;
-    }
-    WriteContent(item, path, name, *file);
 }
 
-void EntrySaver::WriteContent(const CatalogueItem& item, const std::string& path, const std::string& name,
-                              File& file) {
-    const ContentOutcome outcome = TakeContent(item, file);
-    if (outcome.Kept()) {
-        FinishFile(outcome, path);
-    } else if (outcome.End == ContentEnd::Stopped) {
-        totals_.Stopped = true;
-        Abandon(path, name, "stopped");
-    } else if (outcome.End == ContentEnd::WriteFailed) {
-        Abandon(path, name, SystemErrorText(outcome.WriteError));
-    } else if (outcome.End == ContentEnd::RecordDamaged) {
-        Abandon(path, name, "its file record is damaged");
+void EntrySaver::WriteSmall(TargetPath::Level& folder, const CatalogueItem& item, const std::string& path) {
+    std::unique_ptr<File> file;
+    std::string name = TargetName(item.Name);
+    ErrorCode code = TakeFreeName(
+        folder.Numbers, name, [&](const std::string& free) { return folder.Handle->CreateFile(free, file); });
+    if (code != kErrorNone) {
+        account_.Fail(path, ReasonOf(code));
+        return;
+    }
+    const ContentOutcome outcome = TakeContent(item, *file);
+    code = outcome.Kept() ? file->Close() : kErrorNone;
+    file.reset();
+    if (!outcome.Kept() || code != kErrorNone) {
+        folder.Handle->DeleteFile(name);
+    }
+    Conclude(item, path, name, outcome, code);
+}
+
+void EntrySaver::WriteBig(TargetPath::Level& folder, const CatalogueItem& item, const std::string& path) {
+    std::unique_ptr<File> file;
+    std::string part;
+    ErrorCode code = folder.Handle->CreatePart(part, file);
+    if (code != kErrorNone) {
+        account_.Fail(path, ReasonOf(code));
+        return;
+    }
+    const ContentOutcome outcome = TakeContent(item, *file);
+    std::string name = TargetName(item.Name);
+    code = outcome.Kept() ? file->Sync() : kErrorNone;
+    if (outcome.Kept() && code == kErrorNone) {
+        code = TakeFreeName(folder.Numbers, name,
+                            [&](const std::string& free) { return folder.Handle->NamePart(part, free); });
+    }
+    if (!outcome.Kept() || code != kErrorNone) {
+        folder.Handle->DeleteFile(part);
+    }
+    Conclude(item, path, name, outcome, code);
+}
+
+// `error` is what stood in the way of content that is to be kept.
+void EntrySaver::Conclude(const CatalogueItem& item, const std::string& path, const std::string& name,
+                          const ContentOutcome& outcome, ErrorCode error) {
+    if (!outcome.Kept()) {
+        FailContent(path, outcome);
+    } else if (error != kErrorNone) {
+        account_.Fail(path, ReasonOf(error));
     } else {
-        Abandon(path, name, "the medium could not be read");
+        TellName(path, item.Name, name);
+        account_.FileWritten(path, outcome);
+    }
+}
+
+void EntrySaver::FailContent(const std::string& path, const ContentOutcome& outcome) {
+    if (outcome.End == ContentEnd::Stopped) {
+        account_.Stop();
+        account_.Fail(path, "stopped");
+    } else if (outcome.End == ContentEnd::WriteFailed) {
+        account_.Fail(path, SystemErrorText(outcome.WriteError));
+    } else if (outcome.End == ContentEnd::RecordDamaged) {
+        account_.Fail(path, "its file record is damaged");
+    } else {
+        account_.Fail(path, "the medium could not be read");
         throw CUserException();
     }
 }
 
-void EntrySaver::FinishFile(const ContentOutcome& outcome, const std::string& path) {
-    ++totals_.Files;
-    totals_.Bytes += outcome.Written;
-    totals_.Damaged += outcome.Whole() ? 0 : 1;
-    for (const std::string& reason : DamageReasons(outcome)) {
-        listener_.Warned(path, reason);
-    }
-}
-
-// Takes back a file that isn't worth keeping.
-void EntrySaver::Abandon(const std::string& path, const std::string& name, const std::string& reason) {
-    if (Level* folder = OpenLevel(path); folder != nullptr) {
-        folder->Handle->DeleteFile(name);
-    }
-    Fail(path, reason);
-}
-
-void EntrySaver::Fail(const std::string& path, const std::string& reason) {
-    ++totals_.Failed;
-    listener_.Failed(path, reason);
-}
-
 // A file with holes or compressed data may need less room than its size.
 bool EntrySaver::HasRoom(const CatalogueItem& item, const std::string& path) {
-    const auto room = levels_.front().Handle->FreeBytes();
+    const auto room = path_.Target().FreeBytes();
     if (!room || item.Size <= *room || (item.Flags & (kFlagSparse | kFlagCompressed)) != 0) {
         return true;
     }
-    Fail(path, "it needs " + std::to_string(item.Size) + " bytes and the target has room for " +
-                   std::to_string(*room));
+    const std::uint64_t need = ContentNeed(item);
+    if (need <= *room) {
+        return true;
+    }
+    account_.Fail(path, "it needs " + std::to_string(need) + " bytes and the target has room for " +
+                            std::to_string(*room));
     return false;
-}
-
-// The innermost level, made together with those above it; null where one can't be.
-EntrySaver::Level* EntrySaver::OpenLevel(const std::string& path) {
-    Level* above = &levels_.front();
-    for (std::size_t i = 1; i < levels_.size(); ++i) {
-        Level& level = levels_[i];
-        if (level.Transparent) {
-            continue;
-        }
-        if (!level.Tried) {
-            level.Tried = true;
-            if (const ErrorCode code = MakeLevel(level, *above, path); code != kErrorNone) {
-                Fail(path, "folder " + NarrowText(level.Name) + ": " + SystemErrorText(code));
-            }
-        }
-        if (level.Handle == nullptr) {
-            return nullptr;
-        }
-        above = &level;
-    }
-    return above;
-}
-
-ErrorCode EntrySaver::MakeLevel(Level& level, Level& above, const std::string& path) {
-    const std::string plain = TargetName(level.Name);
-    std::string name = plain;
-    ErrorCode code = above.Handle->MakeSubfolder(name, level.Handle);
-    while (code == kErrorFileExists) {
-        name = NextName(above, plain);
-        code = above.Handle->MakeSubfolder(name, level.Handle);
-    }
-    if (code == kErrorNone) {
-        ++totals_.Folders;
-        TellName(path, level.Name, name);
-    }
-    return code;
-}
-
-ErrorCode EntrySaver::CreateFileIn(Level& level, const CatalogueItem& item, const std::string& path,
-                                   std::string& name, std::unique_ptr<File>& file) {
-    const std::string plain = TargetName(item.Name);
-    name = plain;
-    ErrorCode code = level.Handle->CreateFile(name, file);
-    while (code == kErrorFileExists) {
-        name = NextName(level, plain);
-        code = level.Handle->CreateFile(name, file);
-    }
-    if (code == kErrorNone) {
-        TellName(path, item.Name, name);
-    }
-    return code;
-}
-
-std::string EntrySaver::NextName(Level& level, const std::string& name) {
-    unsigned& next = level.NextNumbers.try_emplace(name, 2U).first->second;
-    return NumberedName(name, next++);
 }
 
 void EntrySaver::TellName(const std::string& path, std::u16string_view name, const std::string& targetName) {

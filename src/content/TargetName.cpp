@@ -1,5 +1,6 @@
 #include "content/TargetName.h"
 
+#include "platform/PartName.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -70,7 +71,7 @@ std::string TargetName(std::u16string_view name) {
     if (safe.find_first_not_of('.') == std::string::npos) {
         safe.assign(std::max<std::size_t>(safe.size(), 1), '_'); // "", "." and ".." among them
     }
-    if (IsDeviceName(safe)) {
+    if (IsDeviceName(safe) || IsPartName(safe)) {
         safe.insert(0, "_");
     }
     return JoinWithin(SplitName(safe), "");

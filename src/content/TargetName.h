@@ -12,7 +12,8 @@ inline constexpr std::size_t kMaxTargetNameBytes = 255;
 /// The name under which an entry is saved: one plain component, whatever the medium says. Characters that
 /// could lead elsewhere or that no file system takes (slashes, NUL, control characters and the reserved ones)
 /// become
-/// "_", so do names that mean a folder or a device, and a name that is too long is cut before its extension.
+/// "_", so do names that mean a folder, those of devices and of part files get one in front, and a name that
+/// is too long is cut before its extension.
 std::string TargetName(std::u16string_view name);
 
 /// The name to try where one is taken: "photo.jpg" with number 2 gives "photo (2).jpg".

@@ -281,6 +281,10 @@ TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
         }
     }
     volume_.AddFile(TextFile(number, u"good.txt", "good"));
+    volume_.PlaceRecord(volume_.NewRecord(number + 1)
+                            .AddStandardInformation()
+                            .AddFileName({.Name = u"four clusters"})
+                            .AddData({.Runs = {{4, 100}}, .RealSize = kClaim}));
     for (const std::uint64_t sectors : {std::uint64_t{4095}, std::uint64_t{1} << 40}) {
         SCOPED_TRACE(sectors);
         BootSectorFields boot = BootFieldsOf(volume_.Geometry());
@@ -293,6 +297,7 @@ TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
         EXPECT_LT(Json::parse(run.Out)["bytes"], 200U << 20U) << run.Err;
         EXPECT_FALSE(Contains(run.Err, "exceeds the limit")) << "only the limit held it: " << run.Err;
         EXPECT_EQ(ReadWholeFile(target_ + "/good.txt"), "good");
+        EXPECT_EQ(fs::file_size(target_ + "/four clusters"), 4U * 4096) << "its runs tell what it needs";
         fs::remove_all(target_);
     }
 }

@@ -1,5 +1,6 @@
 #include "CliHelpers.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -99,11 +100,16 @@ TEST_F(StopTest, SaveLeavesNoHalfWrittenFile) {
     WriteImage(kBytes + kGibibyte);
     RunSetup setup;
     setup.TempFolder = temp_;
-    const std::string endless = target_ + "/endless.bin";
-    setup.Interrupt = [&] { return fs::exists(endless) && fs::file_size(endless) > 0; };
+    setup.Interrupt = [&] { // it has its own name when it is whole
+        return fs::exists(target_) && std::any_of(fs::directory_iterator(target_), fs::directory_iterator(),
+                                                  [](const fs::directory_entry& entry) {
+                                                      return entry.path().extension() == ".part";
+                                                  });
+    };
     const RunResult run = RunCli({"save", image_, "--to", target_, "--json"}, setup);
     EXPECT_EQ(run.Status, 3) << run.Err;
     EXPECT_TRUE(Contains(run.Err, "/endless.bin: not saved: stopped")) << run.Err;
+    ASSERT_FALSE(fs::exists(target_ + "/endless.bin")) << "it was saved whole";
     EXPECT_EQ(FilesBelow(target_), (std::map<std::string, std::string>{{"first.txt", "text"}}));
     const Json totals = Json::parse(run.Out);
     EXPECT_EQ(totals["files"], 1);

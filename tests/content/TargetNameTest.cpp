@@ -49,6 +49,8 @@ TEST(TargetNameTest, HostileNames) {
         {u"COM0", "COM0"},
         {u"COM10", "COM10"},
         {u"CONSOLE", "CONSOLE"},
+        {u".th-ntfs-0123456789ab.part", "_.th-ntfs-0123456789ab.part"}, // would be taken away as a left one
+        {u"film.part", "film.part"},
         {u"\u00E4\u4E2D\U0001F600", "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80"},
         {u"\xD800x", "\xEF\xBF\xBDx"},
         {u" ", " "},

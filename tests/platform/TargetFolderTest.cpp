@@ -1,9 +1,12 @@
 #include "platform/TargetFolder.h"
 
+#include "platform/PartName.h"
 #include "platform/WorkFolder.h"
 #include "support/FailingFileStore.h"
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace thntfs::test {
@@ -92,6 +95,56 @@ TEST_F(TargetFolderTest, MakesAndReopensSubfolders) {
     fs::rename(At("target"), At("moved"));
     EXPECT_EQ(Target->CreateFile("late", Created), kErrorNone);
     EXPECT_TRUE(fs::exists(At("moved/late")));
+}
+
+TEST_F(TargetFolderTest, PartsAreNamedWhenWholeAndLeftOnesGo) {
+    const auto open = [&] { return TargetFolder::OpenTargetFolder(At("target"), false, Sub); };
+    std::string part;
+    ASSERT_EQ(Target->CreatePart(part, Created), kErrorNone);
+    EXPECT_TRUE(IsPartName(part, ""));
+    ASSERT_EQ(open(), kErrorNone);
+    EXPECT_TRUE(fs::exists(At("target/" + part))) << "its writer lives";
+
+    std::unique_ptr<File> other;
+    ASSERT_EQ(Target->CreateFile("taken", other), kErrorNone);
+    EXPECT_EQ(Target->NamePart(part, "taken"), kErrorFileExists);
+    EXPECT_EQ(Target->NamePart(part, "../free"), kErrorInvalidName);
+    EXPECT_EQ(Target->NamePart(part, "free"), kErrorNone);
+    EXPECT_TRUE(fs::exists(At("target/free")));
+
+    ASSERT_EQ(Target->MakeSubfolder("sub", Sub), kErrorNone);
+    for (TargetFolder* folder : {Target.get(), Sub.get()}) {
+        ASSERT_EQ(folder->CreatePart(part, Created), kErrorNone);
+        ASSERT_EQ(folder->CreateFile("movie.part", other), kErrorNone);
+    }
+    Created.reset(); // as if its run were killed
+    ASSERT_EQ(open(), kErrorNone);
+    ASSERT_EQ(Target->MakeSubfolder("sub", Sub), kErrorNone);
+    EXPECT_EQ(std::distance(fs::recursive_directory_iterator(At("target")), {}), 5) << "the parts alone go";
+}
+
+// To this file system, which shows all names in small letters, "Docs" and "docs" are one.
+TEST_F(TargetFolderTest, FoldersThatDifferInCaseStayTwo) {
+    const std::string image = At("image");
+    std::ofstream(image).close();
+    fs::resize_file(image, 8U << 20U);
+    fs::create_directory(At("mount"));
+    const std::string mount =
+        "mkntfs -FqQ " + image + " && lowntfs-3g -o ignore_case " + image + " " + At("mount");
+    if (std::system(("(" + mount + ") >" + At("log") + " 2>&1").c_str()) != 0) {
+        GTEST_SKIP() << "no file system that ignores case can be mounted here";
+    }
+    for (const bool again : {false, true}) {
+        ASSERT_EQ(TargetFolder::OpenTargetFolder(At("mount"), false, Target), kErrorNone);
+        EXPECT_EQ(Target->MakeSubfolder("docs", Sub), kErrorNone);
+        EXPECT_EQ(Target->MakeSubfolder("Docs", Sub), kErrorFileExists) << again;
+    }
+    EXPECT_EQ(Target->MakeSubfolder("New", Sub), kErrorNone);
+    EXPECT_EQ(Target->MakeSubfolder("new", Sub), kErrorFileExists);
+    EXPECT_EQ(Target->MakeSubfolder("New", Sub), kErrorNone);
+    Sub.reset();
+    Target.reset();
+    EXPECT_EQ(std::system(("umount " + At("mount")).c_str()), 0);
 }
 
 TEST_F(TargetFolderTest, FilesFollowTheStoreInUse) {

@@ -46,6 +46,11 @@ public:
         return error != kErrorNone ? error : inner_->Sync();
     }
 
+    ErrorCode Close() override {
+        const ErrorCode error = plan_->NextCall();
+        return error != kErrorNone ? error : inner_->Close();
+    }
+
 private:
     std::unique_ptr<File> inner_;
     std::shared_ptr<FailurePlan> plan_;

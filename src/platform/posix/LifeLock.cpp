@@ -10,10 +10,11 @@ namespace thntfs {
 namespace {
 
 /// True where the path still names what is open.
-bool StillNames(const FileDescriptor& open, const std::string& path) {
+bool StillNames(const FileDescriptor& open, const std::string& path, int folder) {
     struct stat opened {};
     struct stat named {};
-    return ::fstat(open.Get(), &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+    return ::fstat(open.Get(), &opened) == 0 &&
+           ::fstatat(folder, path.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
@@ -24,14 +25,14 @@ bool IsOurs(const FileDescriptor& open) {
 
 } // namespace
 
-bool LockForLife(const FileDescriptor& open, const std::string& path) {
+bool LockForLife(const FileDescriptor& open, const std::string& path, int folder) {
     const bool taken = ::flock(open.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    return !taken && StillNames(open, path);
+    return !taken && StillNames(open, path, folder);
 }
 
-bool IsLeftBehind(const FileDescriptor& open, const std::string& path) {
+bool IsLeftBehind(const FileDescriptor& open, const std::string& path, int folder) {
     return open.IsOpen() && IsOurs(open) && ::flock(open.Get(), LOCK_EX | LOCK_NB) == 0 &&
-           StillNames(open, path);
+           StillNames(open, path, folder);
 }
 
 } // namespace thntfs

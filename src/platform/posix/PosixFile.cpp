@@ -53,8 +53,9 @@ ErrorCode WriteAll(int descriptor, ConstBytes bytes) {
 
 class PosixFile final : public File {
 public:
-    explicit PosixFile(FileDescriptor descriptor)
-        : descriptor_(std::move(descriptor)) {}
+    PosixFile(FileDescriptor descriptor, AtClose atClose)
+        : descriptor_(std::move(descriptor))
+        , atClose_(atClose) {}
 
     ErrorCode Write(ConstBytes bytes) override { return WriteAll(descriptor_.Get(), bytes); }
 
@@ -96,6 +97,9 @@ public:
     }
 
     ErrorCode Close() override {
+        if (const ErrorCode error = atClose_ == AtClose::Sync ? Sync() : kErrorNone; error != kErrorNone) {
+            return error;
+        }
         const int number = descriptor_.Release();
         // Linux has closed the file whatever it answers.
         return ::close(number) == 0 || errno == EINTR ? kErrorNone : FileErrorOfErrno(errno);
@@ -128,6 +132,7 @@ private:
     }
 
     FileDescriptor descriptor_;
+    AtClose atClose_;
 };
 
 /// Writes on from where standard output stands, which may be a pipe, so nothing else works on it.
@@ -199,8 +204,8 @@ FileStore* storeInUse = &systemStore;
 
 } // namespace
 
-std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor) {
-    return std::make_unique<PosixFile>(std::move(descriptor));
+std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor, AtClose atClose) {
+    return std::make_unique<PosixFile>(std::move(descriptor), atClose);
 }
 
 ErrorCode File::Close() { return kErrorNone; }

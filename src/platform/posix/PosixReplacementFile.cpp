@@ -1,3 +1,4 @@
+#include "platform/PartName.h"
 #include "platform/Paths.h"
 #include "platform/ReplacementFile.h"
 #include "platform/posix/ErrnoMap.h"
@@ -5,13 +6,10 @@
 #include "platform/posix/LifeLock.h"
 #include "platform/posix/PosixFile.h"
 
-#include <array>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <random>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -25,9 +23,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kKeptNameBytes = 200; // leaves room for what is appended
 constexpr unsigned kMaxTries = 100;
-constexpr std::string_view kMark = ".th-ntfs-";
-constexpr std::size_t kDigits = 12;
-constexpr std::string_view kEnd = ".part";
 constexpr mode_t kRights = 0777;
 
 // What opening the target for writing would say. A name that is free is as good as a file.
@@ -47,24 +42,9 @@ fs::path FolderOf(const std::string& target) {
     return folder.empty() ? fs::path(".") : folder;
 }
 
-/// How the names of a target's parts begin.
+/// Stem of the names of a target's parts.
 std::string StemOf(const std::string& target) {
-    return fs::path(target).filename().string().substr(0, kKeptNameBytes) + std::string(kMark);
-}
-
-std::string RandomDigits() {
-    std::random_device source;
-    const std::uint64_t number = std::uint64_t{source()} << 32U | source();
-    std::array<char, kDigits + 1> text{};
-    std::snprintf(text.data(), text.size(), "%012llx",
-                  static_cast<unsigned long long>(number & 0xFFFFFFFFFFFFU));
-    return text.data();
-}
-
-bool IsPartName(std::string_view name, std::string_view stem) {
-    return name.size() == stem.size() + kDigits + kEnd.size() && name.starts_with(stem) &&
-           name.ends_with(kEnd) &&
-           name.substr(stem.size(), kDigits).find_first_not_of("0123456789abcdef") == std::string_view::npos;
+    return fs::path(target).filename().string().substr(0, kKeptNameBytes);
 }
 
 void RemoveIfLeft(const std::string& path) {
@@ -114,8 +94,7 @@ public:
     ErrorCode Create(const std::string& target, std::unique_ptr<File>& file) {
         ErrorCode code = kErrorFileExists;
         for (unsigned i = 0; code == kErrorFileExists && i < kMaxTries; ++i) {
-            code = TryCreate(
-                (FolderOf(target) / (StemOf(target) + RandomDigits() + std::string(kEnd))).string());
+            code = TryCreate((FolderOf(target) / NewPartName(StemOf(target))).string());
         }
         FileDescriptor written(code == kErrorNone ? ::fcntl(lock_.Get(), F_DUPFD_CLOEXEC, 0) : -1);
         if (code != kErrorNone || !written.IsOpen()) {

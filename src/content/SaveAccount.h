@@ -1,0 +1,77 @@
+#pragma once
+
+#include "content/ContentOutcome.h"
+#include "platform/TargetFolder.h"
+
+#include <cstdint>
+#include <future>
+#include <string>
+#include <vector>
+
+namespace thntfs {
+
+/// What a save tells of single entries as it goes. Paths are those of the catalogue.
+class SaveListener {
+public:
+    SaveListener() = default;
+    virtual ~SaveListener() = default;
+    SaveListener(const SaveListener&) = delete;
+    SaveListener& operator=(const SaveListener&) = delete;
+
+    /// A file or folder had to take another name in the target.
+    virtual void Renamed(const std::string& path, const std::string& targetName) = 0;
+    /// A file was saved damaged. Called once for each reason.
+    virtual void Warned(const std::string& path, const std::string& text) = 0;
+    /// A file or folder could not be saved.
+    virtual void Failed(const std::string& path, const std::string& reason) = 0;
+};
+
+struct SaveTotals {
+    std::uint64_t Files = 0;   ///< files saved
+    std::uint64_t Folders = 0; ///< folders saved or made for what is in them
+    std::uint64_t Bytes = 0;   ///< bytes of the saved files
+    std::uint64_t Damaged = 0; ///< of the saved files, those that aren't whole
+    std::uint64_t Failed = 0;  ///< files and folders that could not be saved
+    bool Stopped = false;      ///< ScanRunFlag was cleared, or the medium failed for good
+};
+
+/// The account of a save. What was written counts as saved once the target has been synced. That is done for
+/// many files at a time, on a thread of its own while the next ones are written. Where it fails, all that was
+/// written and not yet synced counts as failed, and each file is named.
+class SaveAccount {
+public:
+    SaveAccount(TargetFolder& target, SaveListener& listener);
+
+    void FileWritten(const std::string& path, const ContentOutcome& outcome);
+    void FolderMade(const std::string& path);
+    void Fail(const std::string& path, const std::string& reason);
+    void Stop() { totals_.Stopped = true; }
+
+    /// Syncs what is still open and gives the totals, which are final then.
+    const SaveTotals& Settle();
+
+private:
+    struct Entry {
+        std::string Path;
+        bool Folder;
+        bool Whole;
+        std::uint64_t Bytes;
+    };
+
+    void Add(Entry entry);
+    void StartSync();
+    void AwaitSync();
+    void Judge(const std::vector<Entry>& entries, ErrorCode code);
+    void Count(const Entry& entry);
+
+    TargetFolder& target_;
+    SaveListener& listener_;
+    SaveTotals totals_;
+    std::vector<Entry> unsynced_;
+    std::vector<Entry> syncing_;    ///< what the sync under way vouches for
+    std::future<ErrorCode> result_; ///< of that sync
+    std::uint64_t unsyncedBytes_ = 0;
+    std::size_t unsyncedPathBytes_ = 0;
+};
+
+} // namespace thntfs

@@ -1,0 +1,170 @@
+#include "content/SaveEntries.h"
+
+#include "catalogue/CatalogueFixture.h"
+#include "engine/LocateMft.h"
+#include "scans/BasicScan.h"
+#include "support/FailingFileStore.h"
+
+#include <filesystem>
+#include <map>
+#include <sys/resource.h>
+
+namespace thntfs::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct KeptListener : SaveListener {
+    void Renamed(const std::string&, const std::string&) override {}
+    void Warned(const std::string&, const std::string&) override {}
+    void Failed(const std::string& path, const std::string&) override { Paths.push_back(path); }
+    std::vector<std::string> Paths;
+};
+
+/// A folder that takes all and can't be synced from a chosen call on.
+class UnsyncedFolder final : public TargetFolder {
+public:
+    ErrorCode MakeSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
+        return kErrorNone;
+    }
+    ErrorCode OpenSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
+        return kErrorNone;
+    }
+    ErrorCode CreateFile(const std::string&, std::unique_ptr<File>&) override { return kErrorNone; }
+    ErrorCode CreatePart(std::string&, std::unique_ptr<File>&) override { return kErrorNone; }
+    ErrorCode NamePart(const std::string&, const std::string&) override { return kErrorNone; }
+    ErrorCode DeleteFile(const std::string&) override { return kErrorNone; }
+    [[nodiscard]] std::optional<std::uint64_t> FreeBytes() const override { return std::nullopt; }
+    ErrorCode Sync() override { return ++Syncs == FailingSync ? kErrorDiskFull : kErrorNone; }
+
+    int Syncs = 0;
+    int FailingSync = 0;
+};
+
+class SaveEntriesTest : public CatalogueFixture {
+protected:
+    /// Scans the volume and saves all of it.
+    SaveTotals SaveAll() {
+        OpenVolume(Volume);
+        Engine.ScanRunFlag = 1;
+        EXPECT_EQ(LocateMft(), 1);
+        EXPECT_EQ(CreateCatalogue(), 1);
+        EXPECT_EQ(BasicScan(), 1);
+        CloseCatalogue();
+        EXPECT_EQ(OpenCatalogue(), 1);
+        std::unique_ptr<TargetFolder> target;
+        EXPECT_EQ(TargetFolder::OpenTargetFolder(Target, true, target), kErrorNone);
+        EntrySaver saver(std::move(target), Listener, false);
+        SetFileStore(&Store);
+        saver.Save(FindEntries("").front());
+        const SaveTotals totals = saver.Finish();
+        SetFileStore(nullptr);
+        return totals;
+    }
+    std::map<std::string, std::uintmax_t> Saved() const {
+        std::map<std::string, std::uintmax_t> files;
+        for (const auto& entry : fs::recursive_directory_iterator(Target)) {
+            if (entry.is_regular_file()) {
+                files[entry.path().string().substr(Target.size())] = entry.file_size();
+            }
+        }
+        return files;
+    }
+
+    VolumeBuilder Volume;
+    KeptListener Listener;
+    FailingFileStore Store;
+    std::string Target = Engine.CatalogueFolder + "/target";
+};
+
+// Every call on the files fails in turn, the last ones before a name is given and the closing too.
+TEST_F(SaveEntriesTest, WhatCarriesItsNameIsWholeAndTheRestIsNamed) {
+    const std::map<std::string, std::uintmax_t> all = {
+        {"/folder/big", 1500000}, {"/folder/small", 40000}, {"/tiny", 5}};
+    Volume.AddFolder({.Number = 40, .Name = u"folder"});
+    Volume.AddFile(
+        {.Number = 41, .Parent = 40, .Name = u"big", .Content = PatternBytes(1500000), .InClusters = true});
+    Volume.AddFile(
+        {.Number = 42, .Parent = 40, .Name = u"small", .Content = PatternBytes(40000), .InClusters = true});
+    Volume.AddFile({.Number = 43, .Name = u"tiny", .Content = BytesOf("hello")});
+    for (std::uint64_t call = 1; call < 1000; ++call) {
+        SCOPED_TRACE(call);
+        fs::remove_all(Target);
+        Listener.Paths.clear();
+        Store.FailAt(call, kErrorDiskFull);
+        const SaveTotals totals = SaveAll();
+        const auto files = Saved();
+        EXPECT_EQ(totals.Files, files.size());
+        EXPECT_EQ(totals.Failed, Listener.Paths.size());
+        auto expected = all;
+        for (const std::string& path : Listener.Paths) {
+            expected.erase(path);
+        }
+        EXPECT_EQ(files, expected);
+        if (Store.Plan().Failures == 0) {
+            EXPECT_GT(call, 25U);
+            EXPECT_EQ(files, all);
+            return;
+        }
+        EXPECT_EQ(totals.Failed, 1U);
+    }
+    FAIL() << "no end of calls";
+}
+
+TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
+    UnsyncedFolder folder;
+    folder.FailingSync = 2;
+    SaveAccount account(folder, Listener);
+    const ContentOutcome outcome = {.Size = 1U << 20U, .Written = 1U << 20U};
+    for (int i = 0; i < 500; ++i) {
+        account.FileWritten(std::to_string(i), outcome);
+    }
+    const SaveTotals totals = account.Settle();
+    EXPECT_GT(totals.Failed, 0U);
+    EXPECT_EQ(totals.Failed, Listener.Paths.size());
+    EXPECT_EQ(totals.Files + totals.Failed, 500U);
+    EXPECT_EQ(totals.Bytes, totals.Files << 20U);
+    account.FileWritten("last", outcome);
+    folder.FailingSync = folder.Syncs + 1;
+    EXPECT_EQ(account.Settle().Failed, totals.Failed + 1);
+    EXPECT_EQ(Listener.Paths.back(), "last");
+}
+
+TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {
+    constexpr std::uint32_t kDepth = 105;
+    std::uint32_t number = 40;
+    std::uint32_t parent = 5;
+    for (std::uint32_t depth = 0; depth < kDepth; ++depth, number += 2) {
+        Volume.AddFolder({.Number = number, .Parent = parent, .Name = u"d"});
+        Volume.AddFile({.Number = number + 1, .Parent = parent, .Name = u"f", .Content = BytesOf("text")});
+        parent = number;
+    }
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit few = {95, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    const SaveTotals totals = SaveAll();
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(totals.Files, kDepth);
+    EXPECT_EQ(totals.Failed, 0U);
+    EXPECT_EQ(Saved().size(), kDepth);
+}
+
+TEST_F(SaveEntriesTest, AStopEndsTheSearchForAFreeName) {
+    Engine.ScanRunFlag = 1;
+    NextNumbers numbers;
+    std::string name = "name.txt";
+    int tries = 0;
+    EXPECT_EQ(TakeFreeName(numbers, name,
+                           [&](const std::string&) {
+                               Engine.ScanRunFlag = ++tries < 5 ? 1 : 0;
+                               return tries < 1000 ? kErrorFileExists : kErrorNone;
+                           }),
+              kErrorFileExists);
+    EXPECT_EQ(tries, 5);
+}
+
+} // namespace
+
+} // namespace thntfs::test
