@@ -148,14 +148,7 @@ public:
         return static_cast<std::uint64_t>(space.f_bavail) * space.f_frsize;
     }
 
-    ErrorCode Sync() override {
-        // Tells of all that failed since the descriptor was opened, and of each failure once.
-        if (::syncfs(descriptor_.Get()) != 0) {
-            return FileErrorOfErrno(errno);
-        }
-        const bool done = system_.SyncsAsWhole || ::fsync(descriptor_.Get()) == 0 || errno == EINVAL;
-        return done ? kErrorNone : FileErrorOfErrno(errno);
-    }
+    ErrorCode Sync() override { return SyncAsWhole(descriptor_.Get()); }
 
 private:
     static constexpr unsigned kMaxPartTries = 100;

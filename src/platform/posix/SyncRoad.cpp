@@ -1,11 +1,17 @@
 #include "platform/posix/SyncRoad.h"
 
+#include "platform/posix/ErrnoMap.h"
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/utsname.h>
 #include <sys/vfs.h>
+#include <unistd.h>
 
 namespace thntfs {
 
@@ -24,25 +30,39 @@ constexpr std::array<std::uint32_t, 9> kLocalFileSystems = {
     0x858458F6, // ramfs
 };
 
+constexpr std::uint32_t kUserSpace = 0x65735546;
+
 // syncfs tells of failed writes since 5.8.
 bool KernelTells() {
     utsname system{};
-    unsigned major = 0;
+    unsigned release = 0;
     unsigned minor = 0;
-    return ::uname(&system) == 0 && std::sscanf(system.release, "%u.%u", &major, &minor) == 2 &&
-           (major > 5 || (major == 5 && minor >= 8));
+    return ::uname(&system) == 0 && std::sscanf(system.release, "%u.%u", &release, &minor) == 2 &&
+           (release > 5 || (release == 5 && minor >= 8));
+}
+
+// A file system in user space over a block device (NTFS, exFAT and their like) writes what it is given to
+// that device at once, and to sync any part of it syncs the device.
+bool IsLocal(const struct statfs& system, const struct stat& folder) {
+    const auto kind = static_cast<std::uint32_t>(system.f_type);
+    return kind == kUserSpace ? major(folder.st_dev) != 0
+                              : std::find(kLocalFileSystems.begin(), kLocalFileSystems.end(), kind) !=
+                                    kLocalFileSystems.end();
 }
 
 } // namespace
 
 bool SyncsAsWhole(int folder) {
     struct statfs system {};
-    if (::fstatfs(folder, &system) != 0) {
-        return false;
-    }
-    const auto kind = static_cast<std::uint32_t>(system.f_type);
-    return std::find(kLocalFileSystems.begin(), kLocalFileSystems.end(), kind) != kLocalFileSystems.end() &&
+    struct stat status {};
+    return ::fstatfs(folder, &system) == 0 && ::fstat(folder, &status) == 0 && IsLocal(system, status) &&
            KernelTells();
+}
+
+ErrorCode SyncAsWhole(int folder) {
+    // Tells of all that failed since the descriptor was opened, and of each failure once.
+    const bool done = ::syncfs(folder) == 0 && (::fsync(folder) == 0 || errno == EINVAL);
+    return done ? kErrorNone : FileErrorOfErrno(errno);
 }
 
 } // namespace thntfs
