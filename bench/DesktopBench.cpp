@@ -4,10 +4,10 @@
 #include "catalogue/CatalogueReader.h"
 #include "engine/EngineState.h"
 #include "frame/MainFrame.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
-#include "shell/WorkerThread.h"
+#include "shell/JobThread.h"
 #include "views/FolderNodes.h"
 
 #include <QApplication>
@@ -93,7 +93,7 @@ void MeasureLog(CMainFrame& frame) {
     for (const char* name : {"log_first_rows", "log_next_rows"}) {
         bool sent = false;
         Print(name, MillisecondsOf([&] {
-                  const CWorkerThread worker([&] {
+                  const JobThread worker([&] {
                       send();
                       QMetaObject::invokeMethod(
                           &frame, [&sent] { sent = true; }, Qt::QueuedConnection);

@@ -5,7 +5,7 @@
 #include "content/EntryContent.h"
 #include "engine/DecodeRecord.h"
 #include "engine/FileRecord.h"
-#include "platform/File.h"
+#include "platform/files/File.h"
 
 using namespace thntfs;
 

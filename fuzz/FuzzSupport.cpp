@@ -4,8 +4,8 @@
 #include "catalogue/EntryWalk.h"
 #include "catalogue/FindEntry.h"
 #include "content/EntryContent.h"
-#include "platform/Text.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/system/Text.h"
 #include "support/NullFile.h"
 #include "support/VolumeBuilderMedium.h"
 

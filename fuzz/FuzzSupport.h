@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/EngineState.h"
-#include "platform/Bytes.h"
+#include "platform/system/Bytes.h"
 #include "support/MemoryFileStore.h"
 
 #include <cstdint>

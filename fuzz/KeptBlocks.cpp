@@ -1,7 +1,7 @@
 // Big blocks that are kept for the next input. Mapping and clearing them anew took most of an input's time.
 // Defined in the target itself, so that the linker takes no others from the library.
 
-#include "platform/BigBlock.h"
+#include "platform/system/BigBlock.h"
 
 #include <sanitizer/asan_interface.h>
 

@@ -1,7 +1,9 @@
 #include "catalogue/Catalogue.h"
 
 #include "engine/SectorReader.h"
-#include "platform/Text.h"
+#include "platform/files/File.h"
+#include "platform/files/PagedFile.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 #include <array>

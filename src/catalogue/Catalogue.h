@@ -3,13 +3,15 @@
 #include "catalogue/FolderTree.h"
 #include "engine/CatalogueRecords.h"
 #include "engine/EngineState.h"
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace thntfs {
+
+class File;
 
 // The catalogue: three files in EngineState::CatalogueFolder. docs/formats/catalogue.md shows their bytes.
 

@@ -1,8 +1,9 @@
 #include "catalogue/CatalogueReader.h"
 
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/Host.h"
+#include "platform/files/PagedFile.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "catalogue/EntryWalk.h"
 
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
 namespace thntfs {
 

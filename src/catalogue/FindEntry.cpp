@@ -1,6 +1,6 @@
 #include "catalogue/FindEntry.h"
 
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
 #include <map>
 #include <memory>

@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueReader.h"
 #include "engine/EngineState.h"
+#include "platform/files/PagedFile.h"
 
 #include <algorithm>
 #include <bit>

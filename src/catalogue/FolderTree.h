@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/BigBlock.h"
+#include "platform/system/BigBlock.h"
 
 #include <cstdint>
 #include <vector>

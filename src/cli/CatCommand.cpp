@@ -5,6 +5,7 @@
 #include "cli/Session.h"
 #include "content/ContentOutcome.h"
 #include "engine/EngineState.h"
+#include "platform/files/File.h"
 
 #include <optional>
 

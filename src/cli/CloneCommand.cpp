@@ -9,9 +9,9 @@
 #include "partitions/DiskEnumeration.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Medium.h"
-#include "platform/TargetDisk.h"
+#include "platform/media/DiskIdentity.h"
+#include "platform/media/Medium.h"
+#include "platform/media/TargetDisk.h"
 
 #include <vector>
 

@@ -5,7 +5,7 @@
 #include "cli/OpenMediumStep.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
-#include "platform/Interrupt.h"
+#include "platform/system/Interrupt.h"
 
 namespace thntfs {
 

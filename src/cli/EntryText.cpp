@@ -1,8 +1,8 @@
 #include "cli/EntryText.h"
 
 #include "cli/Output.h"
-#include "platform/Dates.h"
-#include "platform/Text.h"
+#include "platform/system/Dates.h"
+#include "platform/system/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -5,7 +5,7 @@
 #include "disktools/CopyDisk.h"
 #include "disktools/ImageTarget.h"
 #include "engine/EngineState.h"
-#include "platform/DiskIdentity.h"
+#include "platform/media/DiskIdentity.h"
 
 namespace thntfs {
 

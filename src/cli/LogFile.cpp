@@ -5,7 +5,8 @@
 #include "cli/ScanInfoSteps.h"
 #include "content/TargetRules.h"
 #include "disktools/CopyMapFile.h"
-#include "platform/Dates.h"
+#include "platform/files/File.h"
+#include "platform/system/Dates.h"
 #include "scaninfo/ProcessLog.h"
 #include "scaninfo/ScanInfo.h"
 
@@ -52,6 +53,9 @@ int Refuse(const std::string& path, const TargetVerdict& verdict) {
 }
 
 } // namespace
+
+LogFile::LogFile() = default;
+LogFile::~LogFile() = default;
 
 int LogFile::Open(const Options& options) {
     if (!options.Log) {

@@ -2,6 +2,7 @@
 
 #include "cli/ExitCode.h"
 #include "cli/ProgressBar.h"
+#include "platform/files/File.h"
 
 #include <array>
 #include <cstdio>
@@ -26,6 +27,8 @@ std::string Scaled(std::uint64_t bytes, std::uint64_t unit, const char* name) {
 
 Output::Output()
     : file_(OpenStandardOutput()) {}
+
+Output::~Output() = default;
 
 void Output::Flush() {
     if (failure_ == kErrorNone && !text_.empty()) {

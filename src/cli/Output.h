@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <memory>
 #include <string>
@@ -8,11 +9,16 @@
 
 namespace thntfs {
 
+class File;
+
 /// Standard output in big pieces. A reader that has gone away (a closed pipe) ends the output without a word;
 /// any other failure is told by Finish.
 class Output {
 public:
     Output();
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
 
     void Put(std::string_view text) {
         text_ += text;

@@ -1,7 +1,7 @@
 #include "cli/ProgressBar.h"
 
 #include "cli/Output.h"
-#include "platform/Terminal.h"
+#include "platform/system/Terminal.h"
 
 #include <algorithm>
 #include <array>

@@ -5,7 +5,7 @@
 #include "engine/EngineState.h"
 #include "partitions/PartitionSearch.h"
 #include "partitions/VolumeList.h"
-#include "platform/Interrupt.h"
+#include "platform/system/Interrupt.h"
 #include "scaninfo/JobLog.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "cli/Options.h"
 #include "cli/TerminalHost.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 #include "scaninfo/ScanInfo.h"
 
 #include <optional>

@@ -3,7 +3,7 @@
 #include "cli/LogFile.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
-#include "platform/ErrorCodes.h"
+#include "platform/system/ErrorCodes.h"
 
 namespace thntfs {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/ProgressBar.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,8 @@
 #include "content/ContentJob.h"
 
 #include "engine/EngineState.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
+#include "platform/media/Medium.h"
 
 #include <algorithm>
 #include <iterator>

@@ -2,6 +2,7 @@
 
 #include "content/EntryContent.h"
 #include "engine/EngineState.h"
+#include "platform/files/File.h"
 
 namespace thntfs {
 

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "catalogue/CatalogueReader.h"
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace thntfs {
+
+class File;
 
 /// What ended the way of a file's content.
 enum class ContentEnd {

@@ -2,11 +2,13 @@
 
 #include "catalogue/CatalogueReader.h"
 #include "engine/AttributeList.h"
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 
 namespace thntfs {
+
+class File;
 
 /// Writes an entry's unnamed data to an output file, from the medium, by RecordSector and Size. The caller
 /// has zeroed BytesWritten and the account of what is missing. Follows attribute lists and decompresses;

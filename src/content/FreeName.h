@@ -2,7 +2,7 @@
 
 #include "content/ContentJob.h"
 #include "content/TargetName.h"
-#include "platform/ErrorCodes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <string>
 #include <unordered_map>

@@ -3,9 +3,9 @@
 #include "engine/Attribute.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/Host.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
-#include "platform/Host.h"
 
 #include <algorithm>
 #include <new>

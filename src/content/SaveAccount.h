@@ -1,7 +1,7 @@
 #pragma once
 
 #include "content/ContentOutcome.h"
-#include "platform/TargetFolder.h"
+#include "platform/files/TargetFolder.h"
 
 #include <cstdint>
 #include <future>

@@ -3,7 +3,8 @@
 #include "catalogue/EntryWalk.h"
 #include "content/EntryContent.h"
 #include "engine/EngineState.h"
-#include "platform/Text.h"
+#include "platform/files/File.h"
+#include "platform/system/Text.h"
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 #include "catalogue/FindEntry.h"
 #include "content/SaveAccount.h"
 #include "content/TargetPath.h"
-#include "platform/TargetFolder.h"
+#include "platform/files/TargetFolder.h"
 
 #include <memory>
 #include <string>

@@ -1,7 +1,7 @@
 #include "content/TargetName.h"
 
-#include "platform/PartName.h"
-#include "platform/Text.h"
+#include "platform/files/PartName.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 #include <array>

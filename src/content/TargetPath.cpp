@@ -1,6 +1,6 @@
 #include "content/TargetPath.h"
 
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
 namespace thntfs {
 

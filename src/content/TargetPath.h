@@ -1,7 +1,7 @@
 #pragma once
 
 #include "content/FreeName.h"
-#include "platform/TargetFolder.h"
+#include "platform/files/TargetFolder.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,9 +1,9 @@
 #include "content/TargetRules.h"
 
 #include "engine/EngineState.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Paths.h"
-#include "platform/Text.h"
+#include "platform/files/Paths.h"
+#include "platform/media/DiskIdentity.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 

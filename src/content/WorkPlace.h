@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/ErrorCodes.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <string>
 

@@ -16,9 +16,9 @@ constexpr QRect kVersionArea(20, 165, 230, 40);
 constexpr int kNamePixels = 22;
 constexpr int kVersionPixels = 13;
 
-class AboutBox : public QDialog {
+class CAboutBox : public QDialog {
 public:
-    explicit AboutBox(QWidget* owner)
+    explicit CAboutBox(QWidget* owner)
         : QDialog(owner, Qt::Dialog | Qt::FramelessWindowHint) {
         setWindowTitle(QStringLiteral("About"));
         setFixedSize(kPicture);
@@ -51,7 +51,7 @@ protected:
 } // namespace
 
 void ShowAboutBox(QWidget* owner) {
-    AboutBox box(owner);
+    CAboutBox box(owner);
     box.exec();
 }
 

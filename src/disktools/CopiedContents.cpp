@@ -3,6 +3,7 @@
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
 #include "engine/SectorReader.h"
+#include "platform/files/File.h"
 
 #include <algorithm>
 #include <vector>

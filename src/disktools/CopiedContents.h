@@ -1,13 +1,14 @@
 #pragma once
 
 #include "disktools/CopyMap.h"
-#include "platform/ErrorCodes.h"
-#include "platform/File.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <cstdint>
 #include <optional>
 
 namespace thntfs {
+
+class File;
 
 /// What came of comparing an image with the medium that is to be read on.
 struct ContentCheck {

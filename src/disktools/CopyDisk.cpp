@@ -2,8 +2,9 @@
 
 #include "disktools/TargetFlow.h"
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/Host.h"
+#include "platform/files/File.h"
 
 #include <algorithm>
 #include <optional>

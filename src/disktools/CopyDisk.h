@@ -1,12 +1,13 @@
 #pragma once
 
 #include "disktools/CopyLedger.h"
-#include "platform/Bytes.h"
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 
 namespace thntfs {
+
+class File;
 
 /// Sectors of one transfer of a copy.
 inline constexpr std::uint32_t kCopyTransferSectors = 256;

@@ -2,7 +2,8 @@
 
 #include "disktools/CopyMapFile.h"
 #include "engine/SectorReader.h"
-#include "platform/Terminal.h"
+#include "platform/files/File.h"
+#include "platform/system/Terminal.h"
 
 #include <algorithm>
 #include <utility>

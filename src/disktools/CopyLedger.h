@@ -1,12 +1,13 @@
 #pragma once
 
 #include "disktools/CopyMapText.h"
-#include "platform/ErrorCodes.h"
-#include "platform/File.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <string>
 
 namespace thntfs {
+
+class File;
 
 /// The account of one copy and, where it has a map file, the keeping of that. The file never says of a byte
 /// that it is in the target before it has reached the target's device.

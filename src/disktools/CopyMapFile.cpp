@@ -1,7 +1,7 @@
 #include "disktools/CopyMapFile.h"
 
-#include "platform/File.h"
-#include "platform/ReplacementFile.h"
+#include "platform/files/File.h"
+#include "platform/files/ReplacementFile.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "disktools/CopyMapText.h"
-#include "platform/ErrorCodes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <optional>
 #include <string>

@@ -2,8 +2,8 @@
 
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Paths.h"
+#include "platform/files/Paths.h"
+#include "platform/media/DiskIdentity.h"
 
 namespace thntfs {
 

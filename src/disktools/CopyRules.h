@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ErrorCodes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <cstdint>
 #include <string>

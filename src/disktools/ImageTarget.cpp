@@ -4,10 +4,11 @@
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
 #include "engine/LittleEndian.h"
-#include "platform/DiskIdentity.h"
-#include "platform/DiskListing.h"
-#include "platform/Medium.h"
-#include "platform/Paths.h"
+#include "platform/files/File.h"
+#include "platform/files/Paths.h"
+#include "platform/media/DiskIdentity.h"
+#include "platform/media/DiskListing.h"
+#include "platform/media/Medium.h"
 
 #include <array>
 #include <utility>

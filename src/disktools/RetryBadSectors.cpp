@@ -1,7 +1,7 @@
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/Host.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,5 +1,7 @@
 #include "disktools/TargetFlow.h"
 
+#include "platform/files/File.h"
+
 #include <algorithm>
 
 namespace thntfs {

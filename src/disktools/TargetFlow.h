@@ -1,10 +1,12 @@
 #pragma once
 
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 
 namespace thntfs {
+
+class File;
 
 /// Keeps the device of a target busy while it is written from front to back: room is set aside ahead of the
 /// writing, and what was written starts on its way to the device behind it. The destructor gives back the

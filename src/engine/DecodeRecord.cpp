@@ -4,7 +4,8 @@
 #include "engine/FileRecord.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
-#include "platform/Dates.h"
+#include "platform/media/Medium.h"
+#include "platform/system/Dates.h"
 
 #include <algorithm>
 #include <new>

@@ -1,8 +1,13 @@
 #include "engine/EngineState.h"
 
+#include "platform/files/PagedFile.h"
 namespace thntfs {
 
 EngineState Engine;
+
+// Here the files' types are known, which the header spares all who include it.
+EngineState::EngineState() = default;
+EngineState::~EngineState() = default;
 
 namespace {
 

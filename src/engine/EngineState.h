@@ -5,8 +5,6 @@
 #include "engine/ScanLosses.h"
 #include "engine/StoredRecords.h"
 #include "engine/TableVolume.h"
-#include "platform/File.h"
-#include "platform/PagedFile.h"
 
 #include <atomic>
 #include <cstdint>
@@ -17,6 +15,7 @@
 namespace thntfs {
 
 class FolderTree;
+class PagedFile;
 class CDlgWait;
 class CVarientCloneImageDialog;
 
@@ -28,6 +27,9 @@ inline constexpr std::uint64_t kAllWereTried = ~std::uint64_t{0};
 
 /// All that the engine works on. One exists, `Engine`. One job at a time uses it, on one thread.
 struct EngineState {
+    EngineState();
+    ~EngineState();
+
     std::atomic<std::uint32_t> ScanRunFlag{0}; ///< 1 while a job may run, 0 to stop it
 
     /// The progress pair, written by a job before it calls EngineHost::JobProgress.

@@ -5,7 +5,8 @@
 #include "engine/FileRecord.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
-#include "platform/Interrupt.h"
+#include "platform/media/Medium.h"
+#include "platform/system/Interrupt.h"
 
 #include <algorithm>
 #include <new>

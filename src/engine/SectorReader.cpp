@@ -1,7 +1,8 @@
 #include "engine/SectorReader.h"
 
 #include "engine/EngineState.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
+#include "platform/media/Medium.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Bytes.h"
-#include "platform/ErrorCodes.h"
+#include "platform/system/Bytes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <cstdint>
 

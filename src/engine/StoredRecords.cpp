@@ -1,6 +1,8 @@
 #include "engine/StoredRecords.h"
 
 #include "engine/ClusterSize.h"
+#include "platform/files/File.h"
+#include "platform/media/Medium.h"
 
 #include <algorithm>
 
@@ -88,6 +90,12 @@ PartitionCandidate DecodeCandidate(const StoredCandidate& stored, bool& hasNext)
     hasNext = U32At(stored, 72) != 0;
     return candidate;
 }
+
+// Here the handles' types are known, which the header spares all who include it.
+DiskRecord::DiskRecord() = default;
+DiskRecord::~DiskRecord() = default;
+DiskRecord::DiskRecord(DiskRecord&&) noexcept = default;
+DiskRecord& DiskRecord::operator=(DiskRecord&&) noexcept = default;
 
 StoredDisk EncodeDisk(const DiskRecord& disk) {
     StoredDisk stored{};

@@ -2,8 +2,6 @@
 
 #include "engine/ListHead.h"
 #include "engine/LittleEndian.h"
-#include "platform/File.h"
-#include "platform/Medium.h"
 
 #include <array>
 #include <cstdint>
@@ -11,6 +9,9 @@
 #include <string>
 
 namespace thntfs {
+
+class File;
+class Medium;
 
 // Each record here has a natural form in memory and a packed form in the scan information files. The packed
 // forms hold handles and links as 4 bytes: a handle is stored as 0, a link as 1 where another record follows.
@@ -65,6 +66,11 @@ PartitionCandidate DecodeCandidate(const StoredCandidate& stored, bool& hasNext)
 
 /// One medium. The record that is open for reading is EngineState::SourceDisk.
 struct DiskRecord {
+    DiskRecord();
+    ~DiskRecord();
+    DiskRecord(DiskRecord&&) noexcept;
+    DiskRecord& operator=(DiskRecord&&) noexcept;
+
     std::u16string Description; ///< device path or absolute path of the image file, at most 255 units
     std::unique_ptr<Medium> MediaHandle;
     std::unique_ptr<File> WriteHandle; ///< the target of a copy, open for writing; used in TargetDisk alone

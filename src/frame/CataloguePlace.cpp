@@ -3,7 +3,7 @@
 #include "content/TargetRules.h"
 #include "content/WorkPlace.h"
 #include "engine/EngineState.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
 #include "shell/Boxes.h"
 
 namespace thntfs {

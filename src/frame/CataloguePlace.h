@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 
 #include <string>
 

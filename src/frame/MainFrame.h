@@ -1,14 +1,14 @@
 #pragma once
 
+#include "engine/Host.h"
 #include "frame/CommandRules.h"
-#include "platform/Host.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 #include "shell/MessageTarget.h"
 #include "shell/ProcessLogList.h"
 #include "shell/ProgressBar.h"
-#include "shell/WorkerThread.h"
-#include "views/ListView.h"
-#include "views/TreeView.h"
+#include "shell/JobThread.h"
+#include "views/THNTFSListView.h"
+#include "views/THNTFSTreeView.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -34,7 +34,7 @@ class CWizardSheet;
 
 /// The program's one top-level window. It owns the layout, the commands and the job that runs, and handles
 /// all that workers, views and wizard report. One exists at a time.
-class CMainFrame : public QMainWindow, public CMessageTarget {
+class CMainFrame : public QMainWindow, public MessageTarget {
 public:
     CMainFrame();
     ~CMainFrame() override;
@@ -81,7 +81,7 @@ public:
 
     // The job.
     std::unique_ptr<ProcessLogEntry> CurrentEntry; ///< of the wizard run that started the job
-    CWorkerThread* WorkerThread = nullptr;         ///< the running scan's, null when none runs
+    JobThread* WorkerThread = nullptr;          ///< the running scan's, null when none runs
     std::unique_ptr<CProgressBar> ProgressBar;     ///< over pane 0, null when none
     std::uint8_t LogicalDriveNumber = 4;           ///< of the volume in work, for log lines
     std::uint32_t JobBusy = 0;                     ///< 1 from the choice of a job to the end of its handling
@@ -164,7 +164,7 @@ private:
     bool ending_ = false;      ///< the program has been told to end
     bool scanUnsaved_ = false; ///< what the views show was scanned here and is in no file
     WorkFolder catalogueFolder_;
-    std::unique_ptr<CWorkerThread> worker_;
+    std::unique_ptr<JobThread> worker_;
 };
 
 } // namespace thntfs

@@ -2,7 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "frame/MainFrame.h"
-#include "platform/Interrupt.h"
+#include "platform/system/Interrupt.h"
 #include "shell/Boxes.h"
 
 #include <QApplication>

@@ -108,7 +108,7 @@ void CMainFrame::StartTurboScan() {
 void CMainFrame::StartWorker(void (*work)(CMainFrame&)) {
     worker_.reset();
     try {
-        worker_ = std::make_unique<CWorkerThread>([this, work] { work(*this); });
+        worker_ = std::make_unique<JobThread>([this, work] { work(*this); });
         WorkerThread = worker_.get();
     } catch (const std::system_error& failure) {
         ShowBox(QString::fromLocal8Bit(failure.what()), QStringLiteral("Error"), BoxIcon::Stop);

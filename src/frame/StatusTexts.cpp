@@ -1,6 +1,6 @@
 #include "frame/StatusTexts.h"
 
-#include "platform/SizeText.h"
+#include "platform/system/SizeText.h"
 
 namespace thntfs {
 

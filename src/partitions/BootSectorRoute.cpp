@@ -1,8 +1,8 @@
 #include "partitions/BootSectorRoute.h"
 
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "partitions/BootSector.h"
-#include "platform/Host.h"
 
 namespace thntfs {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "partitions/CandidateIndex.h"
-#include "platform/Bytes.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "partitions/DiskEnumeration.h"
 
-#include "platform/SizeText.h"
-#include "platform/Text.h"
+#include "platform/system/SizeText.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 #include <string_view>

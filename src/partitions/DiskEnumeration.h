@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DiskListing.h"
+#include "platform/media/DiskListing.h"
 
 #include <cstdint>
 #include <optional>

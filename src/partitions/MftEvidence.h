@@ -2,7 +2,7 @@
 
 #include "engine/ListHead.h"
 #include "partitions/CandidateIndex.h"
-#include "platform/Bytes.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 #include <memory>

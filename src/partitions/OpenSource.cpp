@@ -2,8 +2,9 @@
 
 #include "engine/EngineState.h"
 #include "engine/SectorReader.h"
-#include "platform/Paths.h"
-#include "platform/Text.h"
+#include "platform/files/Paths.h"
+#include "platform/media/Medium.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 #include <bit>

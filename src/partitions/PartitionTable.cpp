@@ -3,7 +3,7 @@
 #include "engine/EngineState.h"
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
-#include "platform/Interrupt.h"
+#include "platform/system/Interrupt.h"
 
 #include <array>
 #include <new>

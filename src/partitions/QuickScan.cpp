@@ -1,9 +1,10 @@
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
 #include "partitions/BootSectorRoute.h"
 #include "partitions/PartitionSearch.h"
-#include "platform/Host.h"
+#include "platform/media/Medium.h"
 
 #include <algorithm>
 #include <new>

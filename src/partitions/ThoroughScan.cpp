@@ -1,11 +1,11 @@
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
 #include "partitions/BootSectorRoute.h"
 #include "partitions/MftEvidence.h"
 #include "partitions/PartitionSearch.h"
-#include "platform/Host.h"
 
 #include <algorithm>
 #include <new>

@@ -1,11 +1,11 @@
 #include "scaninfo/JobLog.h"
 
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "partitions/DiskEnumeration.h"
 #include "partitions/VolumeList.h"
-#include "platform/DiskIdentity.h"
-#include "platform/Host.h"
-#include "platform/SizeText.h"
+#include "platform/media/DiskIdentity.h"
+#include "platform/system/SizeText.h"
 
 #include <algorithm>
 #include <vector>

@@ -6,7 +6,7 @@
 #include "engine/FileRecord.h"
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 #include <vector>

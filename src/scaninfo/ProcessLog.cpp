@@ -1,6 +1,7 @@
 #include "scaninfo/ProcessLog.h"
 
-#include "platform/Dates.h"
+#include "platform/files/File.h"
+#include "platform/system/Dates.h"
 
 #include <string_view>
 #include <utility>

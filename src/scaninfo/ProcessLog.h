@@ -1,12 +1,14 @@
 #pragma once
 
-#include "platform/File.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <string>
 #include <vector>
 
 namespace thntfs {
+
+class File;
 
 /// The running account of what the system did: a row for each record, in the order of arrival.
 /// docs/formats/process-log.md shows the bytes of its file.

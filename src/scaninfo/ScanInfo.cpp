@@ -1,8 +1,9 @@
 #include "scaninfo/ScanInfo.h"
 
 #include "engine/StoredRecords.h"
-#include "platform/Paths.h"
-#include "platform/Text.h"
+#include "platform/files/Paths.h"
+#include "platform/media/Medium.h"
+#include "platform/system/Text.h"
 #include "scaninfo/ScanInfoJob.h"
 #include "scaninfo/ScanInfoNames.h"
 

@@ -1,6 +1,7 @@
 #include "scaninfo/ScanInfoIo.h"
 
 #include "engine/CatalogueRecords.h"
+#include "platform/files/File.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -31,6 +32,8 @@ ScanInfoReader::ScanInfoReader(const std::string& path) {
     CheckScanInfo(OpenOrdinary(path, file_));
     CheckScanInfo(file_->Size(size_));
 }
+
+ScanInfoReader::~ScanInfoReader() = default;
 
 void ScanInfoReader::Take(Bytes wanted) {
     if (wanted.size() > Left()) {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Bytes.h"
-#include "platform/File.h"
+#include "platform/system/Bytes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <array>
 #include <cstdint>
@@ -10,6 +10,8 @@
 #include <vector>
 
 namespace thntfs {
+
+class File;
 
 /// What ends a load or a save. Thrown within this folder only.
 struct ScanInfoFault {
@@ -27,6 +29,9 @@ inline constexpr std::size_t kCopyBytes = std::size_t{1} << 20U;
 class ScanInfoReader {
 public:
     explicit ScanInfoReader(const std::string& path);
+    ~ScanInfoReader();
+    ScanInfoReader(const ScanInfoReader&) = delete;
+    ScanInfoReader& operator=(const ScanInfoReader&) = delete;
 
     void Take(Bytes wanted);
     std::uint32_t TakeU32();

@@ -1,9 +1,10 @@
 #include "scaninfo/ScanInfoJob.h"
 
 #include "engine/EngineState.h"
-#include "platform/Host.h"
-#include "platform/ReplacementFile.h"
-#include "platform/Text.h"
+#include "engine/Host.h"
+#include "platform/files/ReplacementFile.h"
+#include "platform/media/Medium.h"
+#include "platform/system/Text.h"
 
 #include <exception>
 

@@ -1,6 +1,6 @@
 #include "scaninfo/ScanInfoNames.h"
 
-#include "platform/Paths.h"
+#include "platform/files/Paths.h"
 
 #include <array>
 #include <cstdio>

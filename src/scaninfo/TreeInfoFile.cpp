@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
+#include "platform/files/File.h"
 #include "scaninfo/CatalogueRepair.h"
 #include "scaninfo/ScanInfoJob.h"
 

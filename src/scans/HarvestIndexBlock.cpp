@@ -1,5 +1,5 @@
 #include "engine/DecodeRecord.h"
-#include "platform/Dates.h"
+#include "platform/system/Dates.h"
 #include "scans/RecordCataloguing.h"
 #include "scans/TurboScan.h"
 

@@ -1,7 +1,7 @@
 #include "scans/RecordCataloguing.h"
 
 #include "catalogue/Catalogue.h"
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
 #include <new>
 

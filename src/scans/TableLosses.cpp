@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "platform/media/Medium.h"
 
 #include <algorithm>
 

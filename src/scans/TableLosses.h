@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Bytes.h"
+#include "platform/system/Bytes.h"
 
 #include <cstdint>
 #include <vector>

@@ -3,8 +3,9 @@
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/Host.h"
+#include "platform/media/Medium.h"
 #include "scans/RecordCataloguing.h"
 
 #include <algorithm>

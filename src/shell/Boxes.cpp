@@ -104,7 +104,7 @@ BoxAnswer RunBox(const BoxRequest& request) {
 }
 
 /// Shows the boxes of workers, which wait in their send.
-class BoxService : public CMessageTarget {
+class BoxService : public MessageTarget {
 public:
     std::intptr_t OnMessage(std::uint32_t /*message*/, std::uintptr_t wParam,
                             std::uintptr_t /*lParam*/) override {

@@ -42,7 +42,7 @@ void DesktopHost::PassGate() {
     }
 }
 
-void DesktopHost::SetSearchDialog(CMessageTarget* dialog) {
+void DesktopHost::SetSearchDialog(MessageTarget* dialog) {
     searchDialog_ = dialog;
     sentSearchPercent_ = kNothingSent;
 }

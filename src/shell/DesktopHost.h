@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Host.h"
+#include "engine/Host.h"
 #include "shell/MessageTarget.h"
 
 #include <atomic>
@@ -20,7 +20,7 @@ public:
     void CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) override;
 
     /// The dialog that a search reports to, null for none. Set while no search runs.
-    void SetSearchDialog(CMessageTarget* dialog);
+    void SetSearchDialog(MessageTarget* dialog);
     /// From a search's start until its worker adds no candidate any more, also after it was told to stop.
     [[nodiscard]] bool IsSearching() const { return searchDialog_ != nullptr; }
 
@@ -31,7 +31,7 @@ public:
 private:
     static constexpr int kNothingSent = -1;
 
-    CMessageTarget* searchDialog_ = nullptr;
+    MessageTarget* searchDialog_ = nullptr;
     int sentSearchPercent_ = kNothingSent; ///< written by the search's thread while one runs
     std::atomic<int> sentPercent_{kNothingSent};
 };

@@ -45,7 +45,7 @@ public:
     MessageEvent(const MessageEvent&) = delete;
     MessageEvent& operator=(const MessageEvent&) = delete;
 
-    void Deliver(CMessageTarget& target) {
+    void Deliver(MessageTarget& target) {
         if (!reply_) {
             target.OnMessage(message_.Number, message_.WParam, message_.LParam);
             return;
@@ -62,14 +62,14 @@ private:
     std::shared_ptr<Reply> reply_;
 };
 
-CMessageTarget* mainWindow = nullptr;
+MessageTarget* mainWindow = nullptr;
 
 } // namespace
 
 /// The event queue's end of a target.
 class MessagePort : public QObject {
 public:
-    explicit MessagePort(CMessageTarget& target)
+    explicit MessagePort(MessageTarget& target)
         : target_(target) {}
 
     bool event(QEvent* event) override {
@@ -81,20 +81,20 @@ public:
     }
 
 private:
-    CMessageTarget& target_;
+    MessageTarget& target_;
 };
 
-CMessageTarget::CMessageTarget()
+MessageTarget::MessageTarget()
     : port_(std::make_unique<MessagePort>(*this)) {}
 
-CMessageTarget::~CMessageTarget() = default;
+MessageTarget::~MessageTarget() = default;
 
 bool OnInterfaceThread() {
     const QCoreApplication* application = QCoreApplication::instance();
     return application == nullptr || application->thread() == QThread::currentThread();
 }
 
-std::intptr_t SendWindowMessage(CMessageTarget* target, std::uint32_t message, std::uintptr_t wParam,
+std::intptr_t SendWindowMessage(MessageTarget* target, std::uint32_t message, std::uintptr_t wParam,
                                 std::uintptr_t lParam) {
     if (target == nullptr) {
         return 0;
@@ -114,7 +114,7 @@ std::intptr_t SendWindowMessage(CMessageTarget* target, std::uint32_t message, s
     return reply->Result;
 }
 
-void PostWindowMessage(CMessageTarget* target, std::uint32_t message, std::uintptr_t wParam,
+void PostWindowMessage(MessageTarget* target, std::uint32_t message, std::uintptr_t wParam,
                        std::uintptr_t lParam) {
     if (target != nullptr) {
         QCoreApplication::postEvent(target->port_.get(),
@@ -122,7 +122,7 @@ void PostWindowMessage(CMessageTarget* target, std::uint32_t message, std::uintp
     }
 }
 
-CMessageTarget* MainWindow() { return mainWindow; }
-void SetMainWindow(CMessageTarget* frame) { mainWindow = frame; }
+MessageTarget* MainWindow() { return mainWindow; }
+void SetMainWindow(MessageTarget* frame) { mainWindow = frame; }
 
 } // namespace thntfs

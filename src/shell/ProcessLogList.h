@@ -9,7 +9,7 @@
 namespace thntfs {
 
 /// The list of the process log. Takes WM_LOG_ADD; the last row is marked and scrolled into view.
-class CProcessLogList : public QTreeView, public CMessageTarget {
+class CProcessLogList : public QTreeView, public MessageTarget {
 public:
     explicit CProcessLogList(QWidget* parent = nullptr);
 

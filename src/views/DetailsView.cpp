@@ -19,8 +19,8 @@ constexpr int kScrolledNameRoom = 80; // beyond the title
 
 } // namespace
 
-DetailsView::DetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
-    : RowView(actions, parent) {
+CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
+    : CRowView(actions, parent) {
     setModel(model);
     setItemDelegate(new FileDelegate(FileDelegate::Look::Striped, this));
     setIconSize({kIconPixels, kIconPixels});
@@ -44,12 +44,12 @@ DetailsView::DetailsView(RowActions& actions, QAbstractItemModel* model, QWidget
     });
 }
 
-void DetailsView::resizeEvent(QResizeEvent* event) {
-    RowView::resizeEvent(event);
+void CDetailsView::resizeEvent(QResizeEvent* event) {
+    CRowView::resizeEvent(event);
     FitColumns();
 }
 
-void DetailsView::RememberShares() {
+void CDetailsView::RememberShares() {
     shares_.clear();
     for (int column = 0; column < FileListModel::kColumns; ++column) {
         shares_.push_back(header()->sectionSize(column) / static_cast<double>(header()->length()));
@@ -57,7 +57,7 @@ void DetailsView::RememberShares() {
 }
 
 // What a column's share has beyond its title. Where all have enough, each gets just its share.
-std::vector<double> DetailsView::RoomBeyondTitles() const {
+std::vector<double> CDetailsView::RoomBeyondTitles() const {
     std::vector<double> room;
     for (int column = 0; column < FileListModel::kColumns; ++column) {
         const double share = shares_[static_cast<std::size_t>(column)] * viewport()->width();
@@ -68,7 +68,7 @@ std::vector<double> DetailsView::RoomBeyondTitles() const {
 
 // Each column ends where the sum says, so that the rounding never adds up. Where the view must be scrolled
 // anyway, the names get enough to be read.
-void DetailsView::FitColumns() {
+void CDetailsView::FitColumns() {
     fitting_ = true;
     const std::vector<double> room = RoomBeyondTitles();
     int titles = 0;

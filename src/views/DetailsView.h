@@ -8,9 +8,9 @@
 namespace thntfs {
 
 /// The list with all its columns. They share the width of the view, as the user has last divided it.
-class DetailsView : public RowView<QTreeView> {
+class CDetailsView : public CRowView<QTreeView> {
 public:
-    DetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
+    CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

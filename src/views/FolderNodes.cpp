@@ -2,7 +2,7 @@
 
 #include "catalogue/EntryWalk.h"
 #include "engine/EngineState.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
 #include "views/ShownName.h"
 
 #include <algorithm>

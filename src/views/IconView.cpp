@@ -15,8 +15,8 @@ constexpr int kMargin = 6;
 
 } // namespace
 
-IconView::IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
-    : RowView(actions, parent)
+CIconView::CIconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
+    : CRowView(actions, parent)
     , delegate_(new FileDelegate(FileDelegate::Look::Plain, this)) {
     setModel(model);
     setItemDelegate(delegate_);
@@ -26,7 +26,7 @@ IconView::IconView(RowActions& actions, QAbstractItemModel* model, QWidget* pare
 
 // Cells of one size for all spare the view a look at each name. What it takes for that size is the hint of
 // the first.
-void IconView::SetLook(Look look) {
+void CIconView::SetLook(Look look) {
     const bool large = look == Look::Large;
     setViewMode(large ? IconMode : ListMode);
     setMovement(Static);

@@ -9,11 +9,11 @@ namespace thntfs {
 class FileDelegate;
 
 /// The list without its columns: large icons, small icons, or names one below the other.
-class IconView : public RowView<QListView> {
+class CIconView : public CRowView<QListView> {
 public:
     enum class Look { Large, Small, List };
 
-    IconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
+    CIconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
 
     void SetLook(Look look);
 

@@ -24,9 +24,9 @@ protected:
 
 /// A view of rows that hands the user's orders on. A busy program takes no clicks.
 template <typename View>
-class RowView : public View {
+class CRowView : public View {
 public:
-    RowView(RowActions& actions, QWidget* parent)
+    CRowView(RowActions& actions, QWidget* parent)
         : View(parent)
         , actions_(actions) {
         this->setContextMenuPolicy(Qt::PreventContextMenu);

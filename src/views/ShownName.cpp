@@ -1,6 +1,6 @@
 #include "views/ShownName.h"
 
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
 namespace thntfs {
 

@@ -27,7 +27,7 @@ void SetFrameStatus(const QString& text) {
     }
 }
 
-void RunSearch(const SearchRequest& request, CMessageTarget* dialog) {
+void RunSearch(const SearchRequest& request, MessageTarget* dialog) {
     std::uint32_t ranOut = 0;
     try {
         ranOut = RunPartitionSearch(request.ScanMethod, request.FirstSector, request.EndSector);
@@ -122,7 +122,7 @@ void CLogicalDrivesFound::StartSearch() {
     if (searchThread_ == nullptr) {
         Engine.ScanRunFlag = 1;
         TheDesktopHost().SetSearchDialog(this);
-        searchThread_ = std::make_unique<CWorkerThread>([this] { RunSearch(request_, this); });
+        searchThread_ = std::make_unique<JobThread>([this] { RunSearch(request_, this); });
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "partitions/PartitionSearch.h"
 #include "shell/MessageTarget.h"
-#include "shell/WorkerThread.h"
+#include "shell/JobThread.h"
 
 #include <QDialog>
 #include <cstdint>
@@ -26,7 +26,7 @@ struct SearchRequest {
 
 /// Runs a search on a worker and shows how it comes along. Closes when the search has ended, and in no other
 /// way.
-class CLogicalDrivesFound : public QDialog, public CMessageTarget {
+class CLogicalDrivesFound : public QDialog, public MessageTarget {
 public:
     CLogicalDrivesFound(QWidget* owner, const SearchRequest& request);
     ~CLogicalDrivesFound() override;
@@ -61,7 +61,7 @@ private:
     bool asking_ = false;        ///< the abort question stands
     bool over_ = false;          ///< the search has ended and the user knows
     std::optional<bool> ranOut_; ///< once the search has ended: false where it was stopped
-    std::unique_ptr<CWorkerThread> searchThread_;
+    std::unique_ptr<JobThread> searchThread_;
 };
 
 } // namespace thntfs

@@ -4,7 +4,7 @@
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
 #include "partitions/VolumeList.h"
-#include "platform/SizeText.h"
+#include "platform/system/SizeText.h"
 #include "shell/Boxes.h"
 #include "shell/Icons.h"
 #include "shell/WaitCursor.h"

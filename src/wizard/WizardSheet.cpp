@@ -9,7 +9,7 @@
 #include "wizard/WizardDriveSelectionPage.h"
 #include "wizard/WizardHeader.h"
 #include "wizard/WizardImageDiskPage.h"
-#include "wizard/WizardImageSelectionPage.h"
+#include "wizard/WizardImageSelection.h"
 #include "wizard/WizardMainPage.h"
 #include "wizard/WizardPartitionListPage.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "engine/Host.h"
 #include "partitions/DiskEnumeration.h"
-#include "platform/Host.h"
 #include "wizard/WizardPage.h"
 
 #include <QDialog>

@@ -2,7 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineFixture.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 
 namespace thntfs::test {
 

@@ -2,6 +2,7 @@
 
 #include "content/EntryContent.h"
 #include "engine/EngineFixture.h"
+#include "platform/files/File.h"
 
 namespace thntfs::test {
 

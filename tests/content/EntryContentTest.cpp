@@ -1,5 +1,6 @@
 #include "content/ContentFixture.h"
 #include "content/ContentOutcome.h"
+#include "platform/files/File.h"
 #include "support/Lznt1Compressor.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "content/PreviewContent.h"
 
 #include "content/ContentFixture.h"
+#include "platform/files/File.h"
 
 namespace thntfs::test {
 

@@ -1,6 +1,6 @@
 #include "content/TargetName.h"
 
-#include "platform/TargetFolder.h"
+#include "platform/files/TargetFolder.h"
 
 #include <gtest/gtest.h>
 #include <random>

@@ -1,6 +1,7 @@
 #include "CopyFixture.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
+#include "platform/files/File.h"
 
 namespace thntfs::test {
 

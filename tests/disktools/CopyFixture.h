@@ -3,7 +3,8 @@
 #include "disktools/CopyDisk.h"
 #include "disktools/CopyMapFile.h"
 #include "engine/EngineFixture.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/File.h"
+#include "platform/files/WorkFolder.h"
 
 #include <cstdlib>
 #include <functional>

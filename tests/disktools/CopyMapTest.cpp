@@ -1,5 +1,6 @@
 #include "CopyFixture.h"
 #include "disktools/CopyMapFile.h"
+#include "platform/files/File.h"
 
 #include <filesystem>
 #include <random>

@@ -1,4 +1,5 @@
 #include "CopyFixture.h"
+#include "platform/files/File.h"
 #include "support/FailingFileStore.h"
 
 #include <set>

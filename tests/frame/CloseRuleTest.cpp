@@ -1,6 +1,6 @@
 #include "FrameFixture.h"
-#include "platform/Interrupt.h"
-#include "shell/WaitWindow.h"
+#include "platform/system/Interrupt.h"
+#include "shell/DlgWait.h"
 
 #include <csignal>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "partitions/DiskEnumeration.h"
 
-#include "platform/WorkFolder.h"
-#include "platform/posix/SysfsDisks.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/media/posix/SysfsDisks.h"
 
 #include <filesystem>
 #include <fstream>

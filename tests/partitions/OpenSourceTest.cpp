@@ -2,7 +2,7 @@
 
 #include "engine/EngineFixture.h"
 #include "partitions/PartitionTable.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 
 namespace thntfs::test {
 

@@ -2,7 +2,7 @@
 
 #include "engine/EngineFixture.h"
 #include "partitions/VolumeList.h"
-#include "platform/Interrupt.h"
+#include "platform/system/Interrupt.h"
 
 #include <algorithm>
 #include <csignal>

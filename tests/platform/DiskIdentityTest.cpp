@@ -1,7 +1,7 @@
-#include "platform/DiskIdentity.h"
+#include "platform/media/DiskIdentity.h"
 
-#include "platform/WorkFolder.h"
-#include "platform/posix/MountTable.h"
+#include "platform/files/WorkFolder.h"
+#include "platform/media/posix/MountTable.h"
 #include "support/LoopDevice.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
-#include "platform/File.h"
+#include "platform/files/File.h"
 
-#include "platform/Paths.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/Paths.h"
+#include "platform/files/WorkFolder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

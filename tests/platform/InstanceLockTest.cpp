@@ -1,4 +1,4 @@
-#include "platform/InstanceLock.h"
+#include "platform/files/InstanceLock.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "platform/Interrupt.h"
+#include "platform/system/Interrupt.h"
 
-#include "platform/File.h"
-#include "platform/Terminal.h"
+#include "platform/files/File.h"
+#include "platform/system/Terminal.h"
 
 #include <array>
 #include <csignal>

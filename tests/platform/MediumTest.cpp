@@ -1,7 +1,7 @@
-#include "platform/Medium.h"
+#include "platform/media/Medium.h"
 
-#include "platform/File.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/File.h"
+#include "platform/files/WorkFolder.h"
 #include "support/LoopDevice.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "platform/PagedFile.h"
+#include "platform/files/PagedFile.h"
 
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 #include "support/FailingFileStore.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "platform/ReplacementFile.h"
+#include "platform/files/ReplacementFile.h"
 
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 #include "support/FailingFileStore.h"
 
 #include <algorithm>

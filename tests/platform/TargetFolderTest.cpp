@@ -1,7 +1,7 @@
-#include "platform/TargetFolder.h"
+#include "platform/files/TargetFolder.h"
 
-#include "platform/PartName.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/PartName.h"
+#include "platform/files/WorkFolder.h"
 #include "support/FailingFileStore.h"
 
 #include <cstdlib>

@@ -1,8 +1,8 @@
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 
-#include "platform/Dates.h"
-#include "platform/ErrorCodes.h"
-#include "platform/posix/ErrnoMap.h"
+#include "platform/system/Dates.h"
+#include "platform/system/ErrorCodes.h"
+#include "platform/system/posix/ErrnoMap.h"
 
 #include <cerrno>
 #include <ctime>

@@ -1,4 +1,4 @@
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 
 #include "support/EnvironmentVariable.h"
 #include "support/RunProgram.h"

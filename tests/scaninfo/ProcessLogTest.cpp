@@ -1,7 +1,7 @@
 #include "scaninfo/ProcessLog.h"
 
 #include "engine/EngineFixture.h"
-#include "platform/WorkFolder.h"
+#include "platform/files/WorkFolder.h"
 #include "support/FailingFileStore.h"
 
 #include <cctype>

@@ -2,6 +2,7 @@
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
+#include "platform/files/File.h"
 #include "scaninfo/ScanInfoFixture.h"
 #include "scans/BasicScan.h"
 #include "support/BuildPaths.h"

@@ -1,5 +1,5 @@
 #include "engine/SectorReader.h"
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 #include "scaninfo/ScanInfoFixture.h"
 #include "support/FailingFileStore.h"
 

@@ -1,4 +1,4 @@
-#include "platform/Host.h"
+#include "engine/Host.h"
 #include "shell/Boxes.h"
 #include "shell/ShellFixture.h"
 

@@ -1,8 +1,8 @@
 #include "engine/EngineState.h"
 #include "shell/ColorLabel.h"
+#include "shell/DlgWait.h"
 #include "shell/ProgressBar.h"
 #include "shell/ShellFixture.h"
-#include "shell/WaitWindow.h"
 
 #include <QMainWindow>
 #include <QPointer>

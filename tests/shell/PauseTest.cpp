@@ -1,5 +1,5 @@
 #include "engine/EngineState.h"
-#include "platform/Host.h"
+#include "engine/Host.h"
 #include "shell/ShellFixture.h"
 
 namespace thntfs::test {

@@ -19,7 +19,7 @@
 namespace thntfs::test {
 
 /// Takes messages and does with them what a test wants.
-class TestTarget : public CMessageTarget {
+class TestTarget : public MessageTarget {
 public:
     std::intptr_t OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) override {
         Numbers.push_back(message);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/File.h"
+#include "platform/files/File.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Host.h"
+#include "engine/Host.h"
 
 #include <functional>
 #include <utility>

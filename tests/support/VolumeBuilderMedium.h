@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Medium.h"
+#include "platform/media/Medium.h"
 #include "support/VolumeBuilderBytes.h"
 
 namespace thntfs::test {

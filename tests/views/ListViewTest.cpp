@@ -1,4 +1,5 @@
-#include "shell/WaitWindow.h"
+#include "platform/files/PagedFile.h"
+#include "shell/DlgWait.h"
 #include "views/ViewsFixture.h"
 
 #include <QAccessible>

@@ -1,4 +1,4 @@
-#include "shell/WaitWindow.h"
+#include "shell/DlgWait.h"
 #include "views/ViewsFixture.h"
 
 #include <QAccessible>

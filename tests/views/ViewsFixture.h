@@ -3,8 +3,8 @@
 #include "catalogue/CatalogueFixture.h"
 #include "support/desktop/BoxAnswers.h"
 #include "views/ContextMenu.h"
-#include "views/ListView.h"
-#include "views/TreeView.h"
+#include "views/THNTFSListView.h"
+#include "views/THNTFSTreeView.h"
 
 #include <QApplication>
 #include <QListView>
@@ -17,7 +17,7 @@
 namespace thntfs::test {
 
 /// Remembers what the views have to say.
-class FrameOfRecord : public CMessageTarget {
+class FrameOfRecord : public MessageTarget {
 public:
     struct Message {
         std::uint32_t Number;

@@ -1,7 +1,7 @@
 #include "DataMap.h"
 
 #include "engine/LittleEndian.h"
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 #include "support/Sha256.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Bytes.h"
+#include "platform/system/Bytes.h"
 #include "support/Manifest.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 #include "VolumeListing.h"
 
 #include "content/TargetName.h"
-#include "platform/Text.h"
+#include "platform/system/Text.h"
 #include "support/BuildPaths.h"
 #include "support/RunProgram.h"
 

@@ -1,6 +1,7 @@
 #include "WizardFixture.h"
 #include "engine/EngineState.h"
 #include "partitions/OpenSource.h"
+#include "platform/media/Medium.h"
 #include "shell/PauseGate.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Host.h"
+#include "engine/Host.h"
 #include "shell/MessageTarget.h"
 #include "support/RunProgram.h"
 #include "support/desktop/BoxAnswers.h"
@@ -16,7 +16,7 @@
 namespace thntfs::test {
 
 /// Stands for the main frame: keeps what reaches it, in order, as "clear views" and "STATUS first | second".
-class RecordingFrame : public CMessageTarget {
+class RecordingFrame : public MessageTarget {
 public:
     std::intptr_t OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) override;
 

@@ -1,0 +1,52 @@
+#include "platform/files/File.h"
+#include "platform/files/posix/FileDescriptor.h"
+#include "platform/files/posix/PosixFile.h"
+#include "platform/media/TargetDisk.h"
+#include "platform/system/posix/ErrnoMap.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+/// The kind of thing under a path, 0 where there is none (errno tells why).
+mode_t KindOf(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+bool IsOfKind(const FileDescriptor& descriptor, mode_t kind) {
+    struct stat status {};
+    return ::fstat(descriptor.Get(), &status) == 0 && (status.st_mode & S_IFMT) == kind;
+}
+
+} // namespace
+
+ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file) {
+    file.reset();
+    const mode_t kind = KindOf(path);
+    if (kind == 0) {
+        return FileErrorOfErrno(errno);
+    }
+    if (kind != S_IFBLK && kind != S_IFREG) {
+        return kind == S_IFDIR ? kErrorDirectory : kErrorInvalidParameter;
+    }
+    // On a block device O_EXCL makes the kernel refuse where a file system, a mapped device or a swap uses
+    // it.
+    const int alone = kind == S_IFBLK ? O_EXCL : 0;
+    FileDescriptor descriptor = OpenDescriptor(path.c_str(), O_RDWR | O_NOCTTY | alone);
+    if (!descriptor.IsOpen()) {
+        return FileErrorOfErrno(errno);
+    }
+    if (!IsOfKind(descriptor, kind)) {
+        return kErrorInvalidParameter;
+    }
+    file = MakePosixFile(std::move(descriptor));
+    return Files().Admit(file);
+}
+
+} // namespace thntfs

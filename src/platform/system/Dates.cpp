@@ -1,0 +1,79 @@
+#include "platform/system/Dates.h"
+
+#include <array>
+#include <cstdio>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kTicksOfDay = 24ULL * 60 * 60 * 10'000'000;
+constexpr std::uint32_t kFirstYear = 1980;
+
+/// Days from 1601-01-01 to the first of January of a year from 1601 on.
+constexpr std::uint32_t DaysBeforeYear(std::uint32_t year) {
+    const std::uint32_t years = year - 1601;
+    return years * 365 + years / 4 - years / 100 + years / 400;
+}
+
+constexpr std::uint32_t kFirstDay = DaysBeforeYear(kFirstYear);
+constexpr std::uint32_t kEndDay = DaysBeforeYear(2108);
+
+/// Days from the first of March 1600, where a leap day ends its year, to 1601-01-01.
+constexpr std::uint32_t kDaysMarchToJanuary = 306;
+constexpr std::uint32_t kDaysOfEra = 146097;
+
+bool IsLeapYear(unsigned year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
+
+unsigned DaysOfMonth(unsigned year, unsigned month) {
+    static constexpr std::array<std::uint8_t, 12> kDays{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return month == 2 && IsLeapYear(year) ? 29 : kDays[month - 1];
+}
+
+} // namespace
+
+std::uint16_t DosDateOfFileTime(std::uint64_t fileTime) {
+    const std::uint64_t days = fileTime / kTicksOfDay;
+    if (days < kFirstDay || days >= kEndDay) {
+        return 0;
+    }
+    // With years that begin in March the months' lengths follow one linear rule and no table is needed.
+    const auto marchDays = static_cast<std::uint32_t>(days) + kDaysMarchToJanuary;
+    const std::uint32_t era = marchDays / kDaysOfEra;
+    const std::uint32_t dayOfEra = marchDays % kDaysOfEra;
+    const std::uint32_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const std::uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const std::uint32_t marchMonth = (5 * dayOfYear + 2) / 153;
+    const std::uint32_t day = dayOfYear - (153 * marchMonth + 2) / 5 + 1;
+    const std::uint32_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
+    const std::uint32_t year = 1600 + era * 400 + yearOfEra + (month <= 2 ? 1 : 0);
+    return static_cast<std::uint16_t>((year - kFirstYear) << 9U | month << 5U | day);
+}
+
+std::string IsoDate(std::uint16_t dosDate) {
+    const unsigned day = dosDate & 31U;
+    const unsigned month = (dosDate >> 5U) & 15U;
+    const unsigned year = kFirstYear + (static_cast<unsigned>(dosDate) >> 9U);
+    if (month < 1 || month > 12 || day < 1 || day > DaysOfMonth(year, month)) {
+        return {};
+    }
+    std::array<char, 16> text{};
+    const int length = std::snprintf(text.data(), text.size(), "%04u-%02u-%02u", year, month, day);
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
+std::string LogTimeText(const std::tm& local) {
+    // Fixed English names: strftime would follow the locale.
+    static constexpr std::array<const char*, 7> kDays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    static constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    std::array<char, 64> text{};
+    const int length =
+        std::snprintf(text.data(), text.size(), "%s %s %2d %d %02d:%02d:%02d",
+                      kDays[static_cast<std::size_t>(local.tm_wday) % kDays.size()],
+                      kMonths[static_cast<std::size_t>(local.tm_mon) % kMonths.size()], local.tm_mday,
+                      local.tm_year + 1900, local.tm_hour, local.tm_min, local.tm_sec);
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
+} // namespace thntfs

@@ -1,0 +1,59 @@
+#include "shell/DlgWait.h"
+
+#include "engine/EngineState.h"
+
+#include <QFont>
+#include <QPainter>
+
+namespace thntfs {
+
+namespace {
+
+constexpr int kPatienceMilliseconds = 200;
+constexpr int kTextHeight = 14;
+constexpr QSize kWindowSize{300, 70};
+
+QFont WaitFont() {
+    QFont font;
+    font.setFamilies({QStringLiteral("Verdana"), QStringLiteral("DejaVu Sans"), font.family()});
+    font.setPixelSize(kTextHeight);
+    return font;
+}
+
+} // namespace
+
+CDlgWait::CDlgWait(QWidget* owner)
+    : QWidget(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint) {
+    setWindowTitle(QStringLiteral("Please wait..."));
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setFont(WaitFont());
+    setFixedSize(kWindowSize);
+    if (owner != nullptr) {
+        move(owner->window()->frameGeometry().center() - rect().center());
+    }
+    Engine.WaitDialog = this;
+    since_.start();
+}
+
+CDlgWait::~CDlgWait() { Engine.WaitDialog = nullptr; }
+
+// No events are run here, as a fill must not meet what another message or the user would do to the list. So
+// the window system's word that the window is on the screen doesn't arrive either, without which nothing is
+// painted: it is taken as given, and as that may be too early, the window is painted again from time to time.
+void CDlgWait::Waiting() {
+    if (since_.elapsed() < kPatienceMilliseconds) {
+        return;
+    }
+    since_.start();
+    show();
+    setAttribute(Qt::WA_Mapped);
+    repaint();
+}
+
+void CDlgWait::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.drawText(rect(), int{Qt::AlignCenter} | int{Qt::TextSingleLine},
+                     QStringLiteral("Please wait, refreshing list..."));
+}
+
+} // namespace thntfs

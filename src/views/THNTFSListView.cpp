@@ -1,0 +1,207 @@
+#include "views/THNTFSListView.h"
+
+#include "catalogue/CatalogueReader.h"
+#include "shell/DlgWait.h"
+#include "views/ContextMenu.h"
+#include "views/DetailsView.h"
+#include "views/IconView.h"
+#include "views/THNTFSTreeView.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+#include <algorithm>
+
+namespace thntfs {
+
+namespace {
+
+SortKind KindOf(int column, bool again) {
+    switch (column) {
+    case FileListModel::kSize:
+    case FileListModel::kParentId:
+        return again ? SortKind::DecimalNumber : SortKind::WholeNumber;
+    case FileListModel::kAccessed:
+    case FileListModel::kCreated:
+        return SortKind::Date;
+    default:
+        return SortKind::Text;
+    }
+}
+
+CIconView::Look LookOf(std::uint32_t commandId) {
+    switch (commandId) {
+    case CTHNTFSListView::kLargeIcons:
+        return CIconView::Look::Large;
+    case CTHNTFSListView::kSmallIcons:
+        return CIconView::Look::Small;
+    default:
+        return CIconView::Look::List;
+    }
+}
+
+} // namespace
+
+CTHNTFSListView::CTHNTFSListView(QWidget* parent)
+    : QStackedWidget(parent)
+    , model_(new FileListModel(this))
+    , details_(new CDetailsView(*this, model_, this))
+    , icons_(new CIconView(*this, model_, this)) {
+    icons_->setSelectionModel(details_->selectionModel());
+    for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{details_, icons_}) {
+        view->setAccessibleName(QStringLiteral("Content of the folder"));
+        addWidget(view);
+    }
+    SetViewMode(kDetails);
+    details_->header()->setSortIndicator(sortColumn_, Qt::AscendingOrder);
+    connect(details_->header(), &QHeaderView::sectionClicked, this,
+            [this](int column) { HeaderClicked(column); });
+}
+
+QAbstractItemView* CTHNTFSListView::View() const { return static_cast<QAbstractItemView*>(currentWidget()); }
+
+void CTHNTFSListView::Clear() { model_->SetRows({}); }
+
+void CTHNTFSListView::SortList(int column, bool ascending, SortKind kind) {
+    sortColumn_ = column;
+    sortAscending_ = ascending;
+    model_->Sort(column, ascending, kind);
+    details_->header()->setSortIndicator(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+}
+
+// The header has turned its arrow by itself before it tells; SortList puts it right.
+void CTHNTFSListView::HeaderClicked(int column) {
+    if (IsEmpty()) {
+        details_->header()->setSortIndicator(sortColumn_,
+                                             sortAscending_ ? Qt::AscendingOrder : Qt::DescendingOrder);
+        return;
+    }
+    const bool again = column == sortColumn_;
+    SortList(column, again ? !sortAscending_ : sortAscending_, KindOf(column, again));
+}
+
+void CTHNTFSListView::SetViewMode(std::uint32_t commandId) {
+    const bool hadFocus = View()->hasFocus();
+    const bool icons = commandId >= kLargeIcons && commandId < kDetails;
+    if (icons) {
+        icons_->SetLook(LookOf(commandId));
+    }
+    setCurrentWidget(icons ? static_cast<QWidget*>(icons_) : details_);
+    setFocusProxy(View());
+    if (hadFocus) {
+        View()->setFocus();
+    }
+}
+
+void CTHNTFSListView::SetFoundEntry(std::uint32_t entryId) {
+    model_->SetFoundEntry(entryId);
+    const int row = model_->RowOf(entryId);
+    if (row >= 0) {
+        View()->scrollTo(model_->index(row, 0));
+    }
+    View()->viewport()->update();
+}
+
+std::intptr_t CTHNTFSListView::OnMessage(std::uint32_t message, std::uintptr_t wParam,
+                                         std::uintptr_t /*lParam*/) {
+    if (message == WM_LIST_SHOW_FOLDER) {
+        ShowFolder(static_cast<std::uint32_t>(wParam));
+    }
+    return 0;
+}
+
+void CTHNTFSListView::ShowFolder(std::uint32_t entryId) {
+    Clear();
+    try {
+        ReadRows(entryId);
+    } catch (const CUserException&) {
+        // The box has told why; the list stays empty.
+    }
+}
+
+void CTHNTFSListView::ReadRows(std::uint32_t entryId) {
+    const auto folder = LoadEntry(entryId);
+    if (folder == nullptr) {
+        return;
+    }
+    CDlgWait wait(this);
+    model_->SetRows(ListRows(folder->BlockOffset, [&wait] { wait.Waiting(); }));
+    details_->verticalScrollBar()->setValue(0);
+    icons_->verticalScrollBar()->setValue(0);
+    icons_->horizontalScrollBar()->setValue(0);
+}
+
+void CTHNTFSListView::GoDown(std::uint32_t entryId) {
+    ShowFolder(entryId);
+    SendWindowMessage(treeView_, WM_TREE_SELECT_CHILD, entryId);
+}
+
+void CTHNTFSListView::DoubleClicked(const QModelIndex& index) {
+    if (index.isValid() && model_->Row(index.row()).Folder) {
+        GoDown(model_->Row(index.row()).EntryId);
+    }
+}
+
+void CTHNTFSListView::RightClicked(const QModelIndex& index, const QPoint& at) {
+    if (index.isValid()) {
+        OpenMenu(index.row(), at);
+    }
+}
+
+bool CTHNTFSListView::KeyPressed(int key) {
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    if (!enter && key != Qt::Key_Menu) {
+        return false;
+    }
+    const std::vector<int> selected = SelectedRows();
+    if (ViewsBusy() || selected.empty()) {
+        return true;
+    }
+    const QModelIndex index = model_->index(selected.back(), 0);
+    if (enter) {
+        DoubleClicked(index);
+    } else {
+        View()->scrollTo(index);
+        OpenMenu(index.row(), View()->viewport()->mapToGlobal(View()->visualRect(index).bottomLeft()));
+    }
+    return true;
+}
+
+bool CTHNTFSListView::LeaveByTab() {
+    if (treeView_ == nullptr) {
+        return false;
+    }
+    treeView_->setFocus(Qt::TabFocusReason);
+    return true;
+}
+
+std::vector<int> CTHNTFSListView::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : details_->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            rows.push_back(row);
+        }
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+void CTHNTFSListView::OpenMenu(int row, const QPoint& at) {
+    const FileRow& hit = model_->Row(row);
+    const bool one = SelectedRows().size() <= 1;
+    ContextMenuChoice choice;
+    choice.Preview = one && !hit.Folder && !PreviewWindowOpen();
+    choice.Search = one && hit.Folder;
+    choice.Properties = one;
+    OpenContextMenu(this, at, choice, hit.EntryId, [this] { SaveSelected(); });
+}
+
+void CTHNTFSListView::SaveSelected() const {
+    Engine.MarkedEntries.clear();
+    for (const int row : SelectedRows()) {
+        Engine.MarkedEntries.push_back(model_->Row(row).EntryId);
+    }
+    SendWindowMessage(MainWindow(), WM_SAVE_REQUEST);
+}
+
+} // namespace thntfs

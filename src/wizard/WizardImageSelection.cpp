@@ -1,0 +1,116 @@
+#include "wizard/WizardImageSelection.h"
+
+#include "dialogs/FileDialogs.h"
+#include "engine/EngineState.h"
+#include "partitions/OpenSource.h"
+#include "platform/files/Paths.h"
+#include "shell/Icons.h"
+#include "wizard/ElidedLabel.h"
+#include "wizard/PageTexts.h"
+#include "wizard/ProcessingModes.h"
+#include "wizard/SourceSteps.h"
+#include "wizard/WizardSheet.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+
+namespace thntfs {
+
+namespace {
+
+constexpr QSize kPickIconSize{32, 32};
+
+} // namespace
+
+CwizardImageSelection::CwizardImageSelection(CWizardSheet& sheet)
+    : CWizardPage(sheet, "Select image to recover data", "ntfsselectanimagefileforproce.htm")
+    , pick_(new QPushButton(LoadIcon("select-image"), QStringLiteral("Select &Image File"), this))
+    , pathText_(new CElidedLabel(QStringLiteral("Selected File Path"), this))
+    , freeText_(new QLabel(QStringLiteral("Spcae available"), this))
+    , failure_(new QLabel(this))
+    , modes_(new CProcessingModes(this, sheet, QStringLiteral("Image Processing Mode")))
+    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize)) {
+    pick_->setIconSize(kPickIconSize);
+    pathText_->setEnabled(false);
+    freeText_->setEnabled(false);
+    failure_->setTextFormat(Qt::PlainText);
+    failure_->setWordWrap(true);
+    modes_->EnableChoice(false);
+    info_->ShowRows(RowsOf(kImagePageText), kInfoRowHeight, kInfoRowHeight);
+    LayOut();
+    setFocusProxy(pick_);
+    connect(pick_, &QPushButton::clicked, this, [this] { PickImage(); });
+}
+
+void CwizardImageSelection::LayOut() {
+    auto* layout = new QHBoxLayout(this);
+    auto* choices = new QVBoxLayout;
+    layout->addLayout(choices, 1);
+    layout->addWidget(info_);
+    choices->addWidget(pick_, 0, Qt::AlignLeft);
+    choices->addWidget(pathText_);
+    choices->addWidget(freeText_);
+    choices->addWidget(failure_);
+    choices->addStretch();
+    choices->addWidget(modes_);
+}
+
+// The main page has put the sheet's mode back, but not what is checked here. Without a file the buttons stay
+// as the page before has left them.
+void CwizardImageSelection::OnSetActive() {
+    modes_->Apply();
+    if (!imagePath_.empty()) {
+        Sheet().SetWizardButtons(kButtonBack | kButtonNext);
+    }
+}
+
+void CwizardImageSelection::PickImage() {
+    const QString path =
+        ChooseFileToOpen(this, QStringLiteral("Select Image File"),
+                         QStringLiteral("Volume Salvage (NTFS) Image File (*.th2);;All files (*)"));
+    if (!path.isEmpty()) {
+        ChooseImage(path);
+    }
+}
+
+void CwizardImageSelection::ChooseImage(const QString& path) {
+    imagePath_ = path.toStdString();
+    pathText_->setText(QStringLiteral("File Path :") + path);
+    pathText_->setToolTip(path);
+    pathText_->setEnabled(true);
+    freeText_->setEnabled(true);
+    failure_->clear();
+    ShowFreeSpace();
+    modes_->EnableChoice(true);
+    setFocusProxy(modes_); // Enter goes on, and doesn't ask for the file again
+    setFocus();
+    Sheet().SetWizardButtons(kButtonBack | kButtonNext);
+}
+
+void CwizardImageSelection::ShowFreeSpace() {
+    const auto freeBytes = FreeBytesAt(imagePath_);
+    freeText_->setText(freeBytes ? QStringLiteral("Space Available : %1 bytes").arg(*freeBytes)
+                                 : QStringLiteral("Space Available : unknown"));
+}
+
+int CwizardImageSelection::OnWizardNext() {
+    failure_->clear();
+    if (imagePath_.empty() || !CloseOldMedium()) {
+        return kStay;
+    }
+    const ErrorCode code = OpenImageFile(imagePath_);
+    if (code != kErrorNone) {
+        TellOpeningFailed(code);
+        return kStay;
+    }
+    return ListPartitions(kImageSource, Engine.ImagePath, Sheet().ProcessingMode, window())
+               ? kPartitionListPage
+               : kStay;
+}
+
+void CwizardImageSelection::TellOpeningFailed(ErrorCode code) {
+    failure_->setText(QStringLiteral("The file can't be opened: ") +
+                      QString::fromStdString(SystemErrorText(code)));
+}
+
+} // namespace thntfs
