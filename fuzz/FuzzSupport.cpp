@@ -5,6 +5,7 @@
 #include "catalogue/FindEntry.h"
 #include "content/EntryContent.h"
 #include "platform/files/WorkFolder.h"
+#include "platform/media/Medium.h"
 #include "platform/system/Text.h"
 #include "support/NullFile.h"
 #include "support/VolumeBuilderMedium.h"
@@ -41,7 +42,7 @@ private:
 void OpenPlainVolume(ConstBytes bytes) {
     ResetEngineState();
     Engine.SourceDisk.MediaHandle =
-        std::make_unique<test::MemoryMedium>(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+        test::MakeMemoryMedium(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
     Engine.SourceDisk.BytesPerSector = 512;
     Engine.SourceDisk.TotalSectors = bytes.size() / 512;
     Engine.ScanRunFlag = 1;

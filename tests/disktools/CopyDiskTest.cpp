@@ -113,16 +113,22 @@ TEST_F(CopyDiskTest, ABadSectorIsZerosAndMovesNothing) {
 
 // The medium may have given a part of the sector before it failed.
 TEST_F(CopyDiskTest, NothingOfABadSectorIsKept) {
-    class HalfMedium final : public MemoryMedium {
+    class HalfMedium final : public Medium {
     public:
-        using MemoryMedium::MemoryMedium;
+        explicit HalfMedium(std::unique_ptr<Medium> whole)
+            : whole_(std::move(whole)) {}
         ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
-            MemoryMedium::ReadAt(offset, buffer);
+            whole_->ReadAt(offset, buffer);
             return offset <= 512 && offset + buffer.size() > 512 ? kErrorCrc : kErrorNone;
         }
+        [[nodiscard]] std::uint64_t SizeBytes() const override { return whole_->SizeBytes(); }
+        [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return 0; }
+
+    private:
+        std::unique_ptr<Medium> whole_;
     };
     OpenNumbered(256);
-    Engine.SourceDisk.MediaHandle = std::make_unique<HalfMedium>(Original);
+    Engine.SourceDisk.MediaHandle = std::make_unique<HalfMedium>(MakeMemoryMedium(Original));
     Copy();
     EXPECT_EQ(Target.Content, Expected({1}));
 }

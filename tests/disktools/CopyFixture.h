@@ -106,7 +106,7 @@ protected:
 
     void OpenNumbered(std::uint64_t sectors, std::uint16_t sectorBytes = 512) {
         Original = DiskBytes(sectors, sectorBytes);
-        OpenDisk(std::make_unique<MemoryMedium>(Original), sectorBytes);
+        OpenDisk(MakeMemoryMedium(Original), sectorBytes);
         Plan->GivePart = false;
     }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/EngineState.h"
+#include "platform/media/Medium.h"
 #include "support/FaultyMedium.h"
 #include "support/TestHost.h"
 #include "support/VolumeBuilder.h"
@@ -86,7 +87,7 @@ protected:
         Plan->SectorBytes = sectorBytes;
         Engine.SourceDisk.BytesPerSector = sectorBytes;
         Engine.SourceDisk.TotalSectors = medium->SizeBytes() / sectorBytes;
-        Engine.SourceDisk.MediaHandle = std::make_unique<FaultyMedium>(std::move(medium), Plan);
+        Engine.SourceDisk.MediaHandle = MakeFaultyMedium(std::move(medium), Plan);
     }
 
     /// Opens a builder's medium, which later changes to the builder reach too, and takes its volume into use.

@@ -11,7 +11,7 @@ constexpr std::uint64_t kFirst = 8; // the requests below begin at this sector
 class SectorReaderTest : public EngineFixture {
 protected:
     SectorReaderTest() {
-        OpenDisk(std::make_unique<MemoryMedium>(NumberedSectors(64)));
+        OpenDisk(MakeMemoryMedium(NumberedSectors(64)));
         Engine.ScanRunFlag = 1;
     }
 
@@ -170,7 +170,7 @@ TEST_F(SectorReaderTest, NeverWritesBeyondTheRequest) {
     };
     for (const Case test : {Case{512, 700}, Case{512, 100}, Case{4096, 512}, Case{4096, 5000}}) {
         SCOPED_TRACE(test.Bytes);
-        OpenDisk(std::make_unique<MemoryMedium>(ByteVector(65536, 0x11)), test.SectorBytes);
+        OpenDisk(MakeMemoryMedium(ByteVector(65536, 0x11)), test.SectorBytes);
         Plan->Rules = {{0, 1, 23, 1}};
         ByteVector guarded(test.Bytes + 64, 0xEE);
         EXPECT_EQ(ReadSectors(Bytes(guarded).first(test.Bytes), 0), kErrorNone);
@@ -235,7 +235,7 @@ TEST_F(SectorReaderTest, ProbeTakesTheStampedSectorSize) {
     Engine.ScanRunFlag = 0;
     ByteVector image(1024);
     StampImage(image, 2, 4096);
-    OpenDisk(std::make_unique<MemoryMedium>(image));
+    OpenDisk(MakeMemoryMedium(image));
     Engine.SourceDisk.BytesPerSector = 0;
     ProbeImageSectorSize();
     EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 4096);

@@ -1,5 +1,6 @@
 #include "FrameFixture.h"
 
+#include "platform/media/Medium.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 #include "shell/PauseGate.h"
@@ -81,8 +82,7 @@ void FrameFixture::LoadByMenu(const std::string& path) {
 }
 
 void FrameFixture::WatchMedium() {
-    Engine.SourceDisk.MediaHandle =
-        std::make_unique<FaultyMedium>(std::move(Engine.SourceDisk.MediaHandle), Plan);
+    Engine.SourceDisk.MediaHandle = MakeFaultyMedium(std::move(Engine.SourceDisk.MediaHandle), Plan);
 }
 
 void FrameFixture::AskForStopAtRead(std::uint64_t read) {

@@ -48,11 +48,11 @@ TEST_F(OpenSourceTest, ASectorSizeIsStampedOr512) {
 
 TEST_F(OpenSourceTest, ADeviceHasSectorsOfAPossibleSize) {
     for (const std::uint32_t bytes : {1U, 256U, 520U, 3072U, 65535U, 65536U, 0x80000000U}) {
-        Engine.SourceDisk.MediaHandle = std::make_unique<MemoryMedium>(ByteVector(65536), bytes);
+        Engine.SourceDisk.MediaHandle = MakeMemoryMedium(ByteVector(65536), bytes);
         EXPECT_EQ(TakeSource("/dev/odd"), kErrorSectorSize) << bytes;
         EXPECT_EQ(Engine.SourceDisk.MediaHandle, nullptr);
     }
-    Engine.SourceDisk.MediaHandle = std::make_unique<MemoryMedium>(ByteVector(65536), 32768);
+    Engine.SourceDisk.MediaHandle = MakeMemoryMedium(ByteVector(65536), 32768);
     EXPECT_EQ(TakeSource("/dev/large"), kErrorNone);
     EXPECT_EQ(Engine.SourceDisk.TotalSectors, 2U);
 }
@@ -98,7 +98,7 @@ TEST_F(OpenSourceTest, AFailedOpenLeavesNothingBehind) {
 }
 
 TEST_F(OpenSourceTest, AMediumThatGivesNothingIsToldFromABadFirstSector) {
-    OpenDisk(std::make_unique<MemoryMedium>(std::make_shared<ByteVector>(NumberedSectors(100))));
+    OpenDisk(MakeMemoryMedium(std::make_shared<ByteVector>(NumberedSectors(100))));
     for (const ErrorCode code : {kErrorCrc, kErrorIoDevice, kErrorNotReady}) {
         Plan->Rules = {{0, 1, code}};
         EXPECT_EQ(AskMedium().Answers, code != kErrorNotReady);

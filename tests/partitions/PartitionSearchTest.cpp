@@ -16,7 +16,7 @@ protected:
                          std::uint64_t end = kAll) {
         Engine.SourceDisk.BytesPerSector = 512;
         Engine.SourceDisk.TotalSectors = bytes.size() / 512;
-        Engine.SourceDisk.MediaHandle = std::make_unique<MemoryMedium>(std::move(bytes));
+        Engine.SourceDisk.MediaHandle = MakeMemoryMedium(std::move(bytes));
         Engine.ScanRunFlag = 1;
         return RunPartitionSearch(method, first, std::min(end, Engine.SourceDisk.TotalSectors));
     }
@@ -113,8 +113,7 @@ TEST_F(PartitionSearchTest, AStopLeavesWhatWasFoundAndABadSectorCostsItselfAlone
     Reports.OnSearchPosition = nullptr;
     auto plan = std::make_shared<FaultPlan>();
     plan->Rules = {{.FirstSector = 6}, {.FirstSector = 701, .SectorCount = 299, .Code = kErrorNotReady}};
-    Engine.SourceDisk.MediaHandle =
-        std::make_unique<FaultyMedium>(std::make_unique<MemoryMedium>(disk), plan);
+    Engine.SourceDisk.MediaHandle = MakeFaultyMedium(MakeMemoryMedium(disk), plan);
     Engine.ScanRunFlag = 1;
     EXPECT_EQ(ThoroughScan(0, 1000), 1U) << "a fatal error isn't a stop";
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
@@ -141,8 +140,7 @@ TEST_F(PartitionSearchTest, AStopIsSeenBeforeTheNextRead) {
             Engine.ScanRunFlag = index + 1 < c.ReadsBefore ? 1 : 0;
         };
         Search(c.Method, {});
-        Engine.SourceDisk.MediaHandle =
-            std::make_unique<FaultyMedium>(std::make_unique<MemoryMedium>(likeRecords), plan);
+        Engine.SourceDisk.MediaHandle = MakeFaultyMedium(MakeMemoryMedium(likeRecords), plan);
         EXPECT_EQ(RunPartitionSearch(c.Method, 0, c.End), 0U);
         EXPECT_EQ(plan->Log.size(), c.ReadsBefore) << c.End;
     }

@@ -19,7 +19,7 @@ protected:
 
     void Open(std::uint16_t sectorBytes) {
         Image = std::make_shared<ByteVector>(std::size_t{4000} * sectorBytes);
-        OpenDisk(std::make_unique<MemoryMedium>(Image), sectorBytes);
+        OpenDisk(MakeMemoryMedium(Image), sectorBytes);
     }
 
     void Put(std::uint64_t sector, const ByteVector& bytes) {

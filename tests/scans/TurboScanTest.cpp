@@ -153,7 +153,7 @@ TEST_F(TurboScanTest, ABadSectorCostsItselfAlone) {
     Volume.AddFile({.Number = 42, .Name = u"kept.txt"});
     auto plan = std::make_shared<FaultPlan>();
     plan->Rules = {{.FirstSector = Volume.RecordSector(41)}};
-    EXPECT_EQ(Scan(std::make_unique<FaultyMedium>(Volume.MakeMedium(), plan)), 1U);
+    EXPECT_EQ(Scan(MakeFaultyMedium(Volume.MakeMedium(), plan)), 1U);
     EXPECT_EQ(Picture(), (Lines{"/kept.txt 42"}));
     // One line for the span and one for the sector: reading ahead leaves none.
     EXPECT_EQ(Reports.Log.size(), 2U);
@@ -164,7 +164,7 @@ TEST_F(TurboScanTest, AFatalErrorKeepsWhatWasFoundAndCountsAsCompleted) {
     auto plan = std::make_shared<FaultPlan>();
     plan->Rules = {
         {.FirstSector = Volume.Geometry().SectorOf(600), .SectorCount = 100000, .Code = kErrorNotReady}};
-    EXPECT_EQ(Scan(std::make_unique<FaultyMedium>(Volume.MakeMedium(), plan)), 1U);
+    EXPECT_EQ(Scan(MakeFaultyMedium(Volume.MakeMedium(), plan)), 1U);
     EXPECT_EQ(Picture(), (Lines{"/before.txt 41"}));
     EXPECT_EQ(Reports.Boxes.size(), 1U);
 }

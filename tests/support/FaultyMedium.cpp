@@ -1,5 +1,7 @@
 #include "support/FaultyMedium.h"
 
+#include "platform/media/Medium.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -17,6 +19,24 @@ std::uint64_t FaultPlan::BytesAsked() const {
     }
     return sum;
 }
+
+namespace {
+
+class FaultyMedium : public Medium {
+public:
+    FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan);
+
+    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override;
+    [[nodiscard]] std::uint64_t SizeBytes() const override { return inner_->SizeBytes(); }
+    [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return inner_->DeviceSectorBytes(); }
+
+private:
+    ErrorCode Serve(std::uint64_t offset, Bytes buffer);
+    FaultRule* MatchingRule(std::uint64_t offset, std::uint64_t size);
+
+    std::unique_ptr<Medium> inner_;
+    std::shared_ptr<FaultPlan> plan_;
+};
 
 FaultyMedium::FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan)
     : inner_(std::move(inner))
@@ -65,6 +85,12 @@ FaultRule* FaultyMedium::MatchingRule(std::uint64_t offset, std::uint64_t size) 
         }
     }
     return nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<Medium> MakeFaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan) {
+    return std::make_unique<FaultyMedium>(std::move(inner), std::move(plan));
 }
 
 } // namespace thntfs::test

@@ -1,10 +1,16 @@
 #pragma once
 
-#include "platform/media/Medium.h"
+#include "platform/system/Bytes.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <functional>
 #include <limits>
+#include <memory>
 #include <vector>
+
+namespace thntfs {
+class Medium;
+}
 
 namespace thntfs::test {
 
@@ -39,20 +45,6 @@ struct FaultPlan {
 };
 
 /// A medium over another one that fails by a plan.
-class FaultyMedium : public Medium {
-public:
-    FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan);
-
-    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override;
-    [[nodiscard]] std::uint64_t SizeBytes() const override { return inner_->SizeBytes(); }
-    [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return inner_->DeviceSectorBytes(); }
-
-private:
-    ErrorCode Serve(std::uint64_t offset, Bytes buffer);
-    FaultRule* MatchingRule(std::uint64_t offset, std::uint64_t size);
-
-    std::unique_ptr<Medium> inner_;
-    std::shared_ptr<FaultPlan> plan_;
-};
+std::unique_ptr<Medium> MakeFaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan);
 
 } // namespace thntfs::test

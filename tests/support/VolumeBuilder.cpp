@@ -1,5 +1,7 @@
 #include "support/VolumeBuilder.h"
 
+#include "platform/media/Medium.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -166,8 +168,8 @@ void VolumeBuilder::LinkChild(std::uint32_t parent, std::uint64_t reference, con
     PlaceFolder(found->second.Spec, {{.Reference = reference, .Key = name}});
 }
 
-std::unique_ptr<MemoryMedium> VolumeBuilder::MakeMedium(std::uint32_t deviceSectorBytes) const {
-    return std::make_unique<MemoryMedium>(image_, deviceSectorBytes);
+std::unique_ptr<Medium> VolumeBuilder::MakeMedium(std::uint32_t deviceSectorBytes) const {
+    return MakeMemoryMedium(image_, deviceSectorBytes);
 }
 
 } // namespace thntfs::test

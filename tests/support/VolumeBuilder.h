@@ -61,7 +61,7 @@ public:
     /// Direct access to the medium's bytes.
     [[nodiscard]] ByteVector& Image() { return *image_; }
     /// A medium over the same bytes, which later changes reach too.
-    [[nodiscard]] std::unique_ptr<MemoryMedium> MakeMedium(std::uint32_t deviceSectorBytes = 0) const;
+    [[nodiscard]] std::unique_ptr<Medium> MakeMedium(std::uint32_t deviceSectorBytes = 0) const;
     void WriteTo(const std::string& path) const { WriteFileBytes(path, *image_); }
 
 private:

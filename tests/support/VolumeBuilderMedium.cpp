@@ -1,5 +1,7 @@
 #include "support/VolumeBuilderMedium.h"
 
+#include "platform/media/Medium.h"
+
 #include <algorithm>
 #include <fstream>
 #include <stdexcept>
@@ -7,17 +9,35 @@
 
 namespace thntfs::test {
 
-MemoryMedium::MemoryMedium(ByteVector bytes, std::uint32_t deviceSectorBytes)
-    : MemoryMedium(std::make_shared<ByteVector>(std::move(bytes)), deviceSectorBytes) {}
+namespace {
 
-MemoryMedium::MemoryMedium(std::shared_ptr<ByteVector> bytes, std::uint32_t deviceSectorBytes)
-    : bytes_(std::move(bytes))
-    , deviceSectorBytes_(deviceSectorBytes) {}
+class MemoryMedium final : public Medium {
+public:
+    MemoryMedium(std::shared_ptr<ByteVector> bytes, std::uint32_t deviceSectorBytes)
+        : bytes_(std::move(bytes))
+        , deviceSectorBytes_(deviceSectorBytes) {}
 
-ErrorCode MemoryMedium::ReadAt(std::uint64_t offset, Bytes buffer) {
-    const ConstBytes part = Part(*bytes_, offset, buffer.size());
-    std::copy(part.begin(), part.end(), buffer.begin());
-    return kErrorNone;
+    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
+        const ConstBytes part = Part(*bytes_, offset, buffer.size());
+        std::copy(part.begin(), part.end(), buffer.begin());
+        return kErrorNone;
+    }
+    [[nodiscard]] std::uint64_t SizeBytes() const override { return bytes_->size(); }
+    [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return deviceSectorBytes_; }
+
+private:
+    std::shared_ptr<ByteVector> bytes_;
+    std::uint32_t deviceSectorBytes_;
+};
+
+} // namespace
+
+std::unique_ptr<Medium> MakeMemoryMedium(ByteVector bytes, std::uint32_t deviceSectorBytes) {
+    return MakeMemoryMedium(std::make_shared<ByteVector>(std::move(bytes)), deviceSectorBytes);
+}
+
+std::unique_ptr<Medium> MakeMemoryMedium(std::shared_ptr<ByteVector> bytes, std::uint32_t deviceSectorBytes) {
+    return std::make_unique<MemoryMedium>(std::move(bytes), deviceSectorBytes);
 }
 
 void WriteFileBytes(const std::string& path, ConstBytes bytes) {
