@@ -85,6 +85,11 @@ TEST_F(CopyTest, ImageOfAPackedDiskGivesWhatItsDiskGives) {
     EXPECT_EQ(run.Status, 0) << run.Err;
     EXPECT_TRUE(Contains(run.Out, "Disk Imaging Completed\n")) << run.Out;
     EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk)));
+    RunSetup noRoom;
+    noRoom.MaxFileBytes = fs::file_size(map_) - 1;
+    const RunResult again = RunCli({"image", disk, image_, "--resume"}, noRoom);
+    EXPECT_EQ(again.Status, 3) << again.Out;
+    EXPECT_TRUE(Contains(again.Err, "It tells less than has been read")) << again.Err;
     for (const Words& words : {Words{"partitions", "--json"}, Words{"list", "-p", "2", "-r", "--json"}}) {
         Words ofDisk = words;
         Words ofImage = words;
