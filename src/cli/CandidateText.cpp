@@ -2,6 +2,7 @@
 
 #include "cli/Output.h"
 #include "engine/EngineState.h"
+#include "platform/system/SizeText.h"
 
 #include <array>
 #include <cstdio>

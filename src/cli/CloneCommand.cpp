@@ -12,6 +12,7 @@
 #include "platform/media/DiskIdentity.h"
 #include "platform/media/Medium.h"
 #include "platform/media/TargetDisk.h"
+#include "platform/system/SizeText.h"
 
 #include <vector>
 

@@ -1,6 +1,7 @@
 #include "cli/CopyReport.h"
 
 #include "engine/EngineState.h"
+#include "platform/system/SizeText.h"
 
 #include <nlohmann/json.hpp>
 

@@ -4,26 +4,10 @@
 #include "cli/ProgressBar.h"
 #include "platform/files/File.h"
 
-#include <array>
 #include <cstdio>
 #include <vector>
 
 namespace thntfs {
-
-namespace {
-
-constexpr std::uint64_t kKilobyte = 1024;
-constexpr std::uint64_t kMegabyte = 1048576;
-constexpr std::uint64_t kGigabyte = 1073741824;
-
-std::string Scaled(std::uint64_t bytes, std::uint64_t unit, const char* name) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.1f %s", static_cast<double>(bytes) / static_cast<double>(unit),
-                  name);
-    return text.data();
-}
-
-} // namespace
 
 Output::Output()
     : file_(OpenStandardOutput()) {}
@@ -67,16 +51,6 @@ void PrintMessage(std::string_view text) {
     AppendPrintable(line, text);
     line += '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
-}
-
-std::string ByteText(std::uint64_t bytes) {
-    if (bytes < kKilobyte) {
-        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
-    }
-    if (bytes < kMegabyte) {
-        return Scaled(bytes, kKilobyte, "KB");
-    }
-    return bytes < kGigabyte ? Scaled(bytes, kMegabyte, "MB") : Scaled(bytes, kGigabyte, "GB");
 }
 
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {

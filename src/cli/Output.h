@@ -58,9 +58,6 @@ void AppendPrintable(std::string& out, std::string_view text);
 /// in it (it may hold a name from the medium), line ends too, are shown as \xNN.
 void PrintMessage(std::string_view text);
 
-/// A byte count for people: "512 bytes", "4.0 KB", "1.2 MB", "3.4 GB".
-std::string ByteText(std::uint64_t bytes);
-
 /// A number of things for people: "1 file", "2 files".
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more);
 

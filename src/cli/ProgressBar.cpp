@@ -1,6 +1,7 @@
 #include "cli/ProgressBar.h"
 
 #include "cli/Output.h"
+#include "platform/system/SizeText.h"
 #include "platform/system/Terminal.h"
 
 #include <algorithm>

@@ -5,6 +5,7 @@
 #include "cli/ScanInfoSteps.h"
 #include "cli/Session.h"
 #include "engine/EngineState.h"
+#include "platform/system/SizeText.h"
 #include "platform/system/Text.h"
 
 #include <nlohmann/json.hpp>

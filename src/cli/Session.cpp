@@ -224,7 +224,7 @@ int Session::TakeVolume() {
     }
     const bool located = LocateMft() != 0;
     if (located) {
-        LogPartitionChosen(options_.Partition.value_or(1), *candidate);
+        Host.LogEvent(PartitionChosenEntry(options_.Partition.value_or(1), *candidate));
     }
     if (!located && WasInterrupted()) {
         return TellEarlyStop();

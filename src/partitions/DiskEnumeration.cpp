@@ -35,13 +35,6 @@ std::string TrimmedOf(const std::string& text, const char* set) {
 /// Text that is valid everywhere, whatever bytes a disk has in its fields.
 std::string CleanText(const std::string& text) { return NarrowText(WideText(text)); }
 
-std::string DiskSizeText(std::uint64_t bytes) {
-    const auto count = static_cast<float>(static_cast<std::int64_t>(bytes));
-    const float gigabytes = count * 0x1p-30F;
-    return gigabytes >= 1 ? DecimalText(static_cast<double>(gigabytes), 2) + " GB"
-                          : DecimalText(static_cast<double>(count * 0x1p-20F), 2) + " MB";
-}
-
 std::string SerialText(const std::string& serial) {
     const bool hexadecimalWords =
         serial.size() == kHexSerialDigits && std::all_of(serial.begin(), serial.end(), IsHexDigit);

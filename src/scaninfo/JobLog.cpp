@@ -57,12 +57,14 @@ void LogDiskChosen(const std::string& path, bool searched) {
 }
 
 // The list of volumes shows the low 32 bits of a start sector, and the log what the list shows.
-void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate) {
+ProcessLogEntry PartitionChosenEntry(unsigned number, const PartitionCandidate& candidate) {
     const auto start = static_cast<std::uint32_t>(candidate.StartSector);
-    LogLine("Selected NTFS logical drive " + std::to_string(number),
-            "Starting Sector " + std::to_string(start) + ", Size " +
-                SizeText(candidate.TotalSectors * candidate.BytesPerSector),
-            kLogInProgress);
+    ProcessLogEntry entry;
+    entry.Name = "Selected NTFS logical drive " + std::to_string(number);
+    entry.Description = "Starting Sector " + std::to_string(start) + ", Size " +
+                        SizeText(candidate.TotalSectors * candidate.BytesPerSector);
+    entry.Status = kLogInProgress;
+    return entry;
 }
 
 void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector) {

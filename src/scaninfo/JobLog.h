@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/Host.h"
 #include "engine/StoredRecords.h"
 
 #include <cstdint>
@@ -14,7 +15,7 @@ void LogImageChosen(const std::string& path, bool searched);
 void LogDiskChosen(const std::string& path, bool searched);
 
 /// A candidate has been taken into use; `number` counts from 1.
-void LogPartitionChosen(unsigned number, const PartitionCandidate& candidate);
+ProcessLogEntry PartitionChosenEntry(unsigned number, const PartitionCandidate& candidate);
 
 void LogSearchStarted(std::uint64_t firstSector, std::uint64_t endSector);
 /// Followed by a line where the search has left something out.

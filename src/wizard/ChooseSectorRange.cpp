@@ -1,6 +1,7 @@
 #include "wizard/ChooseSectorRange.h"
 
 #include "engine/EngineState.h"
+#include "platform/system/SizeText.h"
 #include "wizard/ScanArea.h"
 
 #include <QFormLayout>
@@ -8,7 +9,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
-#include <array>
 #include <limits>
 
 namespace thntfs {
@@ -27,21 +27,6 @@ std::uint64_t NumberIn(const QLineEdit& edit) {
     bool fits = false;
     const std::uint64_t number = edit.text().toULongLong(&fits);
     return fits || edit.text().isEmpty() ? number : std::numeric_limits<std::uint64_t>::max();
-}
-
-QString RangeText(std::uint64_t bytes) {
-    struct Unit {
-        std::uint64_t Bytes;
-        const char* Name;
-    };
-    constexpr std::array<Unit, 3> kUnits = {{{1073741824, "GB"}, {1048576, "MB"}, {1024, "KB"}}};
-    for (const Unit& unit : kUnits) {
-        if (bytes > unit.Bytes) {
-            const double count = static_cast<double>(bytes) / static_cast<double>(unit.Bytes);
-            return QStringLiteral("%1 %2").arg(count, 0, 'f', 2).arg(QLatin1String(unit.Name));
-        }
-    }
-    return QStringLiteral("%1 bytes").arg(bytes);
 }
 
 QLabel* BoldLabel(const QString& text, QWidget* parent) {
@@ -171,7 +156,8 @@ void CChooseSectorRange::ShowFault(const char* text, QLineEdit* faulty) {
 }
 
 void CChooseSectorRange::ShowRange() {
-    size_->setText(RangeText((EndSector - StartSector) * Engine.SourceDisk.BytesPerSector));
+    size_->setText(QString::fromStdString(
+        StretchSizeText((EndSector - StartSector) * Engine.SourceDisk.BytesPerSector)));
     bar_->SetRange(PercentOf(StartSector), PercentOf(EndSector));
     ok_->setEnabled(true);
 }

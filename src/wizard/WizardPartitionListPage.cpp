@@ -5,6 +5,7 @@
 #include "engine/LocateMft.h"
 #include "partitions/VolumeList.h"
 #include "platform/system/SizeText.h"
+#include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
 #include "shell/Icons.h"
 #include "shell/WaitCursor.h"
@@ -88,8 +89,9 @@ bool CWizardPartitionListPage::OnWizardFinish() {
     if (!GiveUpOldScan()) {
         return false;
     }
-    NameChoice();
-    LoadVolumeParams(*ListVolumes().at(static_cast<std::size_t>(selectedRow_)).Candidate);
+    const ListedVolume chosen = ListVolumes().at(static_cast<std::size_t>(selectedRow_));
+    *Sheet().WizardLogEntry = PartitionChosenEntry(chosen.Number, *chosen.Candidate);
+    LoadVolumeParams(*chosen.Candidate);
     if (const std::string fault = ClusterFault(); !fault.empty()) {
         ShowBox(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."),
                 QStringLiteral("Information"), BoxIcon::Warning);
@@ -104,19 +106,6 @@ bool CWizardPartitionListPage::OnWizardFinish() {
     }
     Host().LogEvent(*Sheet().WizardLogEntry);
     return true;
-}
-
-QString CWizardPartitionListPage::CellText(int column) const {
-    return list_->item(selectedRow_, column)->text();
-}
-
-void CWizardPartitionListPage::NameChoice() const {
-    ProcessLogEntry& entry = *Sheet().WizardLogEntry;
-    entry.Status = kLogInProgress;
-    entry.Name = (QStringLiteral("Selected ") + CellText(0)).toStdString();
-    entry.Description =
-        (QStringLiteral("Starting Sector ") + CellText(1) + QStringLiteral(", Size ") + CellText(2))
-            .toStdString();
 }
 
 bool CWizardPartitionListPage::LocateTable() {

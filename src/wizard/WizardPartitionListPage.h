@@ -19,8 +19,6 @@ public:
 private:
     void Fill();
     void TakeSelection();
-    [[nodiscard]] QString CellText(int column) const;
-    void NameChoice() const;
     [[nodiscard]] static bool LocateTable();
 
     CRowTable* list_;

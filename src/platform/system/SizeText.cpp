@@ -13,27 +13,63 @@ struct Unit {
     const char* Name;
 };
 
-constexpr Unit kKilobytes{1024, "KB"};
-constexpr Unit kMegabytes{1048576, "MB"};
-constexpr Unit kGigabytes{1073741824, "GB"};
+constexpr std::array<Unit, 3> kUnits = {{{1073741824, "GB"}, {1048576, "MB"}, {1024, "KB"}}};
 constexpr std::size_t kNumberWidth = 7;
 
-} // namespace
-
-std::string SizeText(std::uint64_t bytes) {
-    const Unit unit = bytes < kMegabytes.Bytes   ? kKilobytes
-                      : bytes < kGigabytes.Bytes ? kMegabytes
-                                                 : kGigabytes;
-    const std::string number = DecimalText(static_cast<double>(bytes) / static_cast<double>(unit.Bytes), 3);
-    const std::size_t blanks = kNumberWidth - std::min(kNumberWidth, number.size());
-    return std::string(blanks, ' ') + number + ' ' + unit.Name;
+/// The largest unit that is no more than the size, or KB.
+const Unit& UnitOf(std::uint64_t bytes) {
+    const auto* fitting =
+        std::find_if(kUnits.begin(), kUnits.end(), [bytes](const Unit& unit) { return bytes >= unit.Bytes; });
+    return fitting == kUnits.end() ? kUnits.back() : *fitting;
 }
 
+// With a point before the decimals, whatever the user's language writes there.
 std::string DecimalText(double number, int decimals) {
     std::array<char, 400> text{}; // the largest number has 309 digits before the point
     const auto end =
         std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, decimals);
     return {text.data(), end.ptr};
+}
+
+std::string CountText(std::uint64_t bytes, const Unit& unit, int decimals) {
+    return DecimalText(static_cast<double>(bytes) / static_cast<double>(unit.Bytes), decimals);
+}
+
+} // namespace
+
+std::string SizeText(std::uint64_t bytes) {
+    const Unit& unit = UnitOf(bytes);
+    const std::string number = CountText(bytes, unit, 3);
+    const std::size_t blanks = kNumberWidth - std::min(kNumberWidth, number.size());
+    return std::string(blanks, ' ') + number + ' ' + unit.Name;
+}
+
+std::string ByteText(std::uint64_t bytes) {
+    const Unit& unit = UnitOf(bytes);
+    if (bytes < unit.Bytes) {
+        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+    }
+    return CountText(bytes, unit, 1) + ' ' + unit.Name;
+}
+
+// In the precision of a float.
+std::string DiskSizeText(std::uint64_t bytes) {
+    const auto count = static_cast<float>(static_cast<std::int64_t>(bytes));
+    const float gigabytes = count * 0x1p-30F;
+    return gigabytes >= 1 ? DecimalText(static_cast<double>(gigabytes), 2) + " GB"
+                          : DecimalText(static_cast<double>(count * 0x1p-20F), 2) + " MB";
+}
+
+// What lies half-way between two numbers becomes the larger one.
+std::string StretchSizeText(std::uint64_t bytes) {
+    const Unit& unit = UnitOf(bytes - std::min<std::uint64_t>(bytes, 1));
+    if (bytes <= unit.Bytes) {
+        return std::to_string(bytes) + " bytes";
+    }
+    const std::uint64_t hundredths =
+        bytes / unit.Bytes * 100 + (bytes % unit.Bytes * 100 + unit.Bytes / 2) / unit.Bytes;
+    return std::to_string(hundredths / 100) + '.' + std::to_string(hundredths / 10 % 10) +
+           std::to_string(hundredths % 10) + ' ' + unit.Name;
 }
 
 } // namespace thntfs

@@ -5,12 +5,19 @@
 
 namespace thntfs {
 
-/// A size for people: seven places wide with three decimals, in KB below 1,048,576 bytes, in MB below
-/// 1,073,741,824, else in GB. 512 gives "  0.500 KB".
+// Sizes in bytes for people. KB, MB and GB are 1024, 1024 * 1024 and 1024 * 1024 * 1024 bytes.
+
+/// In columns: seven places wide with three decimals, in KB below 1,048,576 bytes, in MB below 1,073,741,824,
+/// else in GB. 512 gives "  0.500 KB".
 std::string SizeText(std::uint64_t bytes);
 
-/// A number with a fixed count of decimals, rounded, and a point before them whatever the user's language
-/// writes there.
-std::string DecimalText(double number, int decimals);
+/// In sentences: "512 bytes", "4.0 KB", "1.2 MB", "3.4 GB".
+std::string ByteText(std::uint64_t bytes);
+
+/// Of a whole disk: "3.00 MB", from one GB on "1.00 GB".
+std::string DiskSizeText(std::uint64_t bytes);
+
+/// Of a stretch of a disk: "1024 bytes", "1.25 MB". Just one unit is still told in the smaller one.
+std::string StretchSizeText(std::uint64_t bytes);
 
 } // namespace thntfs
