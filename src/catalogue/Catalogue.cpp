@@ -1,5 +1,6 @@
 #include "catalogue/Catalogue.h"
 
+#include "engine/FileWrites.h"
 #include "engine/SectorReader.h"
 #include "platform/files/File.h"
 #include "platform/files/PagedFile.h"
@@ -23,14 +24,6 @@ constexpr std::size_t kWriteTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kAppendPages = kMegabyte / 8 / PagedFile::kPageBytes;
 constexpr std::size_t kReadTreePages = 16 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kReadPages = 4 * kMegabyte / PagedFile::kPageBytes;
-
-bool IsFailedWrite(ErrorCode code) { return code != kErrorNone && code != kErrorInvalidUserBuffer; }
-
-void RaiseFailedWrite(ErrorCode code) {
-    if (IsFailedWrite(code)) {
-        RaiseFatal(code);
-    }
-}
 
 void WritePaged(PagedFile& file, std::uint64_t offset, ConstBytes bytes) {
     if (offset + bytes.size() > kMaxCatalogueFileBytes) {
@@ -166,11 +159,6 @@ int CloseCatalogue() {
         // The user has seen the box; what has been written is all that there is.
     }
     CloseFiles();
-    return 1;
-}
-
-int WriteCatalogue(File& file, ConstBytes bytes) {
-    RaiseFailedWrite(file.Write(bytes));
     return 1;
 }
 

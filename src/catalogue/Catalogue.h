@@ -3,15 +3,12 @@
 #include "catalogue/FolderTree.h"
 #include "engine/CatalogueRecords.h"
 #include "engine/EngineState.h"
-#include "platform/system/Bytes.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace thntfs {
-
-class File;
 
 // The catalogue: three files in EngineState::CatalogueFolder. docs/formats/catalogue.md shows their bytes.
 
@@ -33,10 +30,6 @@ int OpenCatalogue();
 /// Writes what is still buffered, frees the folder tree and closes the files. A write that fails shows its
 /// box. Always gives 1.
 int CloseCatalogue();
-
-/// Writes bytes at the current position of an output file. A failure with code 0 or 1784 counts as success;
-/// any other shows the system's text in a box and throws CUserException. Gives 1.
-int WriteCatalogue(File& file, ConstBytes bytes);
 
 /// Gives a folder that has just been added to the tree a new empty chain.
 void BeginFolderBlock(FolderIndexNode& node);

@@ -1,8 +1,8 @@
-#include "catalogue/Catalogue.h"
 #include "content/ContentJob.h"
 #include "content/EntryContent.h"
 #include "content/Lznt1.h"
 #include "engine/EngineState.h"
+#include "engine/FileWrites.h"
 #include "engine/SectorReader.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "content/EntryContent.h"
 
-#include "catalogue/Catalogue.h"
 #include "content/ContentJob.h"
 #include "engine/ClusterSize.h"
 #include "engine/DecodeRecord.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/FileWrites.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
 

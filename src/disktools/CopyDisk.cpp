@@ -2,6 +2,7 @@
 
 #include "disktools/TargetFlow.h"
 #include "engine/EngineState.h"
+#include "engine/FileWrites.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
 #include "platform/files/File.h"
@@ -154,9 +155,7 @@ void StampFirstSector(Bytes firstSector) {
 
 bool WriteBlock(File& target, std::uint64_t offset, ConstBytes block) {
     const ErrorCode code = target.WriteAt(offset, block);
-    if (code != kErrorNone && code != kErrorInvalidUserBuffer) {
-        RaiseFatal(code);
-    }
+    RaiseFailedWrite(code);
     return code == kErrorNone;
 }
 

@@ -1,5 +1,6 @@
 #include "catalogue/CatalogueFixture.h"
 #include "catalogue/CatalogueReader.h"
+#include "engine/FileWrites.h"
 #include "support/FailingFileStore.h"
 
 namespace thntfs::test {
