@@ -9,7 +9,7 @@
 using namespace thntfs;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::FilesInMemory();
+    fuzz::KeepFilesInMemory();
     fuzz::OpenPlainVolume(ConstBytes(data, std::min<std::size_t>(size, 1U << 16U)));
     LocateMft();
     CreateCatalogue();

@@ -5,7 +5,6 @@
 #include "content/EntryContent.h"
 #include "engine/DecodeRecord.h"
 #include "engine/FileRecord.h"
-#include "platform/files/File.h"
 
 using namespace thntfs;
 

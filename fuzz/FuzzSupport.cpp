@@ -7,7 +7,7 @@
 #include "platform/files/WorkFolder.h"
 #include "platform/media/Medium.h"
 #include "platform/system/Text.h"
-#include "support/NullFile.h"
+#include "support/MemoryFile.h"
 #include "support/VolumeBuilderMedium.h"
 
 #include <cstdlib>
@@ -61,17 +61,16 @@ void OpenPlainVolume(ConstBytes bytes) {
     Engine.VolumeParams.MftExtents.Append(std::move(table));
 }
 
-test::MemoryFileStore& FilesInMemory() {
-    static test::MemoryFileStore files;
-    SetFileStore(&files);
+void KeepFilesInMemory() {
+    test::UseFilesInMemory();
     Engine.CatalogueFolder = "/catalogue";
-    return files;
 }
 
 std::string WriteInfoFile(ConstBytes input) {
     static const MediumFile medium;
     constexpr const char* kPath = "/input";
-    std::vector<std::uint8_t>& bytes = FilesInMemory().Content(kPath);
+    KeepFilesInMemory();
+    std::vector<std::uint8_t>& bytes = test::FileInMemory(kPath).Content;
     bytes.assign(input.begin(), input.end());
     const std::u16string path = WideText(medium.Path());
     for (std::size_t i = 0; i <= path.size(); ++i) {
@@ -100,7 +99,8 @@ void ReadContents() {
     const std::uint64_t count = std::min(CatalogueEntryCount(), kMaxContents);
     for (std::uint64_t id = 0; id < count; ++id) {
         CatalogueItem item;
-        test::NullFile sink(kMostContent);
+        test::MemoryFile sink;
+        sink.Room = kMostContent;
         try {
             Engine.BytesWritten = 0;
             if (LoadEntryInto(static_cast<std::uint32_t>(id), item) != 0) {

@@ -2,7 +2,6 @@
 
 #include "engine/EngineState.h"
 #include "platform/system/Bytes.h"
-#include "support/MemoryFileStore.h"
 
 #include <cstdint>
 #include <string>
@@ -14,8 +13,8 @@ namespace thntfs::fuzz {
 /// of 4 KiB, starting at sector 0, with its Master File Table in clusters 1 to 4. The medium holds `bytes`.
 void OpenPlainVolume(ConstBytes bytes);
 
-/// The store in which all files lie from the first call on, the engine's catalogue among them.
-test::MemoryFileStore& FilesInMemory();
+/// From here on all files lie in memory, the engine's catalogue among them.
+void KeepFilesInMemory();
 
 /// Puts a scan information file there, made from an input, with the medium's path in it replaced by that of
 /// an image that opens. Gives the file's path.

@@ -2,40 +2,11 @@
 
 #include "content/EntryContent.h"
 #include "engine/EngineFixture.h"
-#include "platform/files/File.h"
+#include "support/MemoryFile.h"
 
 namespace thntfs::test {
 
 using DataRun = Run; // a test class has a Run of its own
-
-/// An output file that keeps what is written to it, and fails from a chosen write on.
-class KeptFile final : public File {
-public:
-    ErrorCode Write(ConstBytes bytes) override {
-        if (Sizes.size() == FailingWrite) {
-            return kErrorDiskFull;
-        }
-        Sizes.push_back(bytes.size());
-        AppendBytes(Content, bytes);
-        return kErrorNone;
-    }
-    ErrorCode WriteAt(std::uint64_t, ConstBytes) override { return kErrorInvalidHandle; }
-    ErrorCode ReadAt(std::uint64_t, Bytes, std::size_t&) override { return kErrorInvalidHandle; }
-    ErrorCode Size(std::uint64_t& bytes) override {
-        bytes = Content.size();
-        return kErrorNone;
-    }
-    ErrorCode Sync() override { return kErrorNone; }
-
-    void Forget() {
-        Content.clear();
-        Sizes.clear();
-    }
-
-    ByteVector Content;
-    std::vector<std::size_t> Sizes;
-    std::size_t FailingWrite = ~std::size_t{0};
-};
 
 /// A volume with one file in record 40, and a job that takes it out.
 class ContentFixture : public EngineFixture {
@@ -68,15 +39,24 @@ protected:
     /// Places the record and reads its content with a size in the catalogue; the file is in Out.
     int Read(const RecordBuilder& record, std::uint64_t size) {
         Volume.PlaceRecord(record);
-        Out.Forget();
+        Out.Clear();
         Engine.BytesWritten = 0;
         Engine.BytesBehindEnd = 0;
         Reports.Progress.clear();
         return ReadEntryContent(ItemOf(record.Number(), size), Out);
     }
 
+    /// Bytes of each write to Out.
+    [[nodiscard]] std::vector<std::size_t> Sizes() const {
+        std::vector<std::size_t> sizes;
+        for (const MemoryFile::Stretch& write : Out.Writes) {
+            sizes.push_back(write.Size);
+        }
+        return sizes;
+    }
+
     VolumeBuilder Volume;
-    KeptFile Out;
+    MemoryFile Out;
 };
 
 inline ByteVector FirstOf(const ByteVector& bytes, std::size_t count) {

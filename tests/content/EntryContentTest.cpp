@@ -1,6 +1,5 @@
 #include "content/ContentFixture.h"
 #include "content/ContentOutcome.h"
-#include "platform/files/File.h"
 #include "support/Lznt1Compressor.h"
 
 #include <algorithm>
@@ -38,7 +37,7 @@ TEST_F(EntryContentTest, ResidentData) {
     EXPECT_EQ(Read(Record().AddData(value), 3), 1);
     EXPECT_EQ(Out.Content, value) << "the whole value, whatever the size says";
     EXPECT_NE(Read(Record().AddData(ByteVector{}), 0), 0);
-    EXPECT_TRUE(Out.Sizes.empty());
+    EXPECT_TRUE(Out.Writes.empty());
     EXPECT_NE(Read(Record(), 5), 0) << "no data at all";
     EXPECT_NE(Read(Record().AddData(BytesOf("stream"), u"s"), 6), 0);
     EXPECT_TRUE(Out.Content.empty());
@@ -66,7 +65,7 @@ TEST_F(EntryContentTest, PlainRunsAreCutToTheSize) {
         SCOPED_TRACE(test.Size);
         Plan->Log.clear();
         EXPECT_EQ(Read(Record().AddData(data), test.Size), 1);
-        EXPECT_EQ(Out.Sizes, test.Pieces);
+        EXPECT_EQ(Sizes(), test.Pieces);
         EXPECT_EQ(Out.Content, FirstOf(whole, std::min<std::size_t>(test.Size, whole.size())));
         EXPECT_EQ(Plan->Log.size(), 1 + test.Pieces.size()) << "nothing behind the size is read";
         ASSERT_EQ(Reports.Progress.size(), test.Pieces.size());
@@ -220,12 +219,12 @@ TEST_F(EntryContentTest, DamagedRecords) {
     ByteVector torn = Record().AddData(BytesOf("x")).Finish();
     torn[0] = 'X';
     Volume.PlaceRecord(40, torn);
-    Out.Forget();
+    Out.Clear();
     EXPECT_EQ(ReadEntryContent(ItemOf(40, 1), Out), 0);
     CatalogueItem nowhere = ItemOf(40, 1);
     nowhere.RecordSector = ~0ULL / 512;
     EXPECT_EQ(ReadEntryContent(nowhere, Out), 0);
-    EXPECT_TRUE(Out.Sizes.empty());
+    EXPECT_TRUE(Out.Writes.empty());
 }
 
 TEST_F(EntryContentTest, BadSectorsAreZerosInAJobAndAWholePieceOutsideOne) {
@@ -274,7 +273,7 @@ TEST_F(EntryContentTest, DamageIsWhatIsMissingFromTheData) {
                              {unit, 60000, 0, 0, 0, 1}}) { // too long
         SCOPED_TRACE(testing::Message() << test.Size << " " << test.BadSector);
         Volume.PlaceRecord(Record().AddData(test.Data));
-        Out.Forget();
+        Out.Clear();
         const std::uint64_t bad = Volume.Geometry().SectorOf(*test.Data.Runs[0].Start) + test.BadSector;
         Plan->Rules = {{bad, 1, kErrorCrc, test.Times}};
         const ContentOutcome outcome = TakeContent(ItemOf(40, test.Size), Out);
@@ -308,7 +307,7 @@ TEST_F(EntryContentTest, FatalReadsAndFailedWritesPassThrough) {
     EXPECT_THROW(Read(record, 163840), CUserException);
     EXPECT_EQ(Out.Content.size(), 65536U);
     Plan->Rules.clear();
-    Out.FailingWrite = Out.Sizes.size();
+    Out.OnCall = [] { return kErrorDiskFull; };
     EXPECT_THROW(ReadEntryContent(ItemOf(40, 163840), Out), CUserException);
     EXPECT_EQ(Reports.Boxes, (std::vector<std::string>{"The device is not ready.",
                                                        "There is not enough space on the disk."}));
@@ -330,7 +329,7 @@ TEST_F(EntryContentTest, MutatedRecordsNeverHang) {
                 static_cast<std::uint8_t>(random() % 4 == 0 ? random() : random() % 20);
         }
         Volume.PlaceRecord(40, record);
-        Out.Forget();
+        Out.Clear();
         Engine.BytesWritten = 0;
         ReadEntryContent(ItemOf(40, 200000), Out);
         ASSERT_LE(Out.Content.size(), 16 * Volume.Image().size());

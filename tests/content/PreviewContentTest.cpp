@@ -1,7 +1,6 @@
 #include "content/PreviewContent.h"
 
 #include "content/ContentFixture.h"
-#include "platform/files/File.h"
 
 namespace thntfs::test {
 

@@ -1,7 +1,6 @@
 #include "CopyFixture.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
-#include "platform/files/File.h"
 
 namespace thntfs::test {
 
@@ -23,7 +22,7 @@ protected:
 
     [[nodiscard]] Pairs Writes() const {
         Pairs writes;
-        for (const MemoryTarget::WriteRequest& request : Target.Writes) {
+        for (const MemoryFile::Stretch& request : Target.Writes) {
             writes.emplace_back(request.Offset / SectorBytes(), request.Size / SectorBytes());
         }
         return writes;

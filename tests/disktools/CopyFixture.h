@@ -3,75 +3,14 @@
 #include "disktools/CopyDisk.h"
 #include "disktools/CopyMapFile.h"
 #include "engine/EngineFixture.h"
-#include "platform/files/File.h"
 #include "platform/files/WorkFolder.h"
+#include "support/MemoryFile.h"
 
 #include <cstdlib>
-#include <functional>
 #include <optional>
 #include <unistd.h>
 
 namespace thntfs::test {
-
-/// A target in memory. What has not been synced would be lost if the machine stopped.
-class MemoryTarget final : public File {
-public:
-    struct WriteRequest {
-        std::uint64_t Offset = 0; ///< bytes
-        std::uint64_t Size = 0;
-    };
-
-    ErrorCode Write(ConstBytes /*bytes*/) override { return kErrorInvalidParameter; }
-
-    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
-        const ErrorCode code = OnCall ? OnCall() : kErrorNone;
-        if (code == kErrorNone) {
-            Put(offset, bytes);
-            Writes.push_back({offset, bytes.size()});
-        } else if (code != kErrorInvalidUserBuffer) {
-            Put(offset, bytes.first(bytes.size() / 2));
-        }
-        return code;
-    }
-
-    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
-        got = offset < Content.size() ? std::min<std::size_t>(buffer.size(), Content.size() - offset) : 0;
-        std::copy_n(Content.begin() + static_cast<std::ptrdiff_t>(offset), got, buffer.begin());
-        return kErrorNone;
-    }
-
-    ErrorCode Size(std::uint64_t& bytes) override {
-        bytes = Content.size();
-        return kErrorNone;
-    }
-
-    ErrorCode Sync() override {
-        const ErrorCode code = OnCall ? OnCall() : kErrorNone;
-        if (code == kErrorNone) {
-            Synced = Content;
-        }
-        return code;
-    }
-
-    void Clear() {
-        Content.clear();
-        Synced.clear();
-        Writes.clear();
-        OnCall = nullptr;
-    }
-
-    ByteVector Content;
-    ByteVector Synced; ///< what the device has
-    std::vector<WriteRequest> Writes;
-    std::function<ErrorCode()> OnCall; ///< before each write and sync; its failure is theirs
-
-private:
-    void Put(std::uint64_t offset, ConstBytes bytes) {
-        Content.resize(
-            std::max<std::size_t>(Content.size(), static_cast<std::size_t>(offset) + bytes.size()));
-        std::copy(bytes.begin(), bytes.end(), Content.begin() + static_cast<std::ptrdiff_t>(offset));
-    }
-};
 
 /// A folder of the test's own, in memory where there is such a place: some tests sync after each transfer.
 class CopyFolder {
@@ -135,7 +74,7 @@ protected:
     }
 
     ByteVector Original;
-    MemoryTarget Target;
+    MemoryFile Target;
 };
 
 /// The areas of a map as "first+size state", in sectors.

@@ -1,6 +1,5 @@
 #include "CopyFixture.h"
 #include "disktools/CopyMapFile.h"
-#include "platform/files/File.h"
 
 #include <filesystem>
 #include <random>

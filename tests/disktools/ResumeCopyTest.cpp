@@ -1,5 +1,4 @@
 #include "CopyFixture.h"
-#include "platform/files/File.h"
 #include "support/FailingFileStore.h"
 
 #include <set>
@@ -60,7 +59,7 @@ protected:
             EXPECT_TRUE(isUnread(request.Offset, request.Size))
                 << "read " << request.Offset / 512 << "+" << request.Size / 512 << " of " << PictureOf(map);
         }
-        for (const MemoryTarget::WriteRequest& request : Target.Writes) {
+        for (const MemoryFile::Stretch& request : Target.Writes) {
             EXPECT_TRUE(isUnread(request.Offset, request.Size))
                 << "written " << request.Offset / 512 << "+" << request.Size / 512 << " of "
                 << PictureOf(map);

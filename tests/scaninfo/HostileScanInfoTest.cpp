@@ -2,7 +2,7 @@
 #include "content/EntryContent.h"
 #include "engine/LocateMft.h"
 #include "scaninfo/ScanInfoFixture.h"
-#include "support/NullFile.h"
+#include "support/MemoryFile.h"
 
 #include <random>
 
@@ -11,7 +11,6 @@ namespace thntfs::test {
 namespace {
 
 constexpr const char* kInvalid = "Not a valid Partition scan information.";
-constexpr std::uint64_t kEnoughContent = 16U << 20U;
 
 class HostileScanInfoTest : public ScanInfoFixture {
 protected:
@@ -64,7 +63,7 @@ protected:
         Engine.BytesWritten = 0;
         Engine.BytesBehindEnd = 0;
         try {
-            NullFile file(kEnoughContent);
+            MemoryFile file;
             ReadEntryContent(item, file);
         } catch (const CUserException&) {
         }

@@ -13,45 +13,33 @@ public:
         , plan_(std::move(plan)) {}
 
     ErrorCode Write(ConstBytes bytes) override {
-        const ErrorCode error = plan_->NextCall();
-        if (error == kErrorNone) {
-            return inner_->Write(bytes);
-        }
-        (void)inner_->Write(bytes.first(bytes.size() / 2));
-        return error;
+        return WriteOrHalf(bytes, [this](ConstBytes part) { return inner_->Write(part); });
     }
-
     ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
-        const ErrorCode error = plan_->NextCall();
-        if (error == kErrorNone) {
-            return inner_->WriteAt(offset, bytes);
-        }
-        (void)inner_->WriteAt(offset, bytes.first(bytes.size() / 2));
-        return error;
+        return WriteOrHalf(bytes, [=, this](ConstBytes part) { return inner_->WriteAt(offset, part); });
     }
-
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
         got = 0;
-        const ErrorCode error = plan_->NextCall();
-        return error != kErrorNone ? error : inner_->ReadAt(offset, buffer, got);
+        return plan_->Try([&] { return inner_->ReadAt(offset, buffer, got); });
     }
-
     ErrorCode Size(std::uint64_t& bytes) override {
-        const ErrorCode error = plan_->NextCall();
-        return error != kErrorNone ? error : inner_->Size(bytes);
+        return plan_->Try([&] { return inner_->Size(bytes); });
     }
-
     ErrorCode Sync() override {
-        const ErrorCode error = plan_->NextCall();
-        return error != kErrorNone ? error : inner_->Sync();
+        return plan_->Try([this] { return inner_->Sync(); });
     }
-
     ErrorCode Close() override {
-        const ErrorCode error = plan_->NextCall();
-        return error != kErrorNone ? error : inner_->Close();
+        return plan_->Try([this] { return inner_->Close(); });
     }
 
 private:
+    template <typename Road>
+    ErrorCode WriteOrHalf(ConstBytes bytes, Road write) {
+        const ErrorCode error = plan_->NextCall();
+        const ErrorCode done = write(error == kErrorNone ? bytes : bytes.first(bytes.size() / 2));
+        return error == kErrorNone ? done : error;
+    }
+
     std::unique_ptr<File> inner_;
     std::shared_ptr<FailurePlan> plan_;
 };
@@ -65,10 +53,6 @@ ErrorCode FailurePlan::NextCall() {
     return fails ? Error : kErrorNone;
 }
 
-FailingFileStore::FailingFileStore(FileStore& inner)
-    : inner_(inner)
-    , plan_(std::make_shared<FailurePlan>()) {}
-
 FailingFileStore::~FailingFileStore() {
     if (&Files() == this) {
         SetFileStore(nullptr);
@@ -76,10 +60,7 @@ FailingFileStore::~FailingFileStore() {
 }
 
 void FailingFileStore::FailAt(std::uint64_t call, ErrorCode error, bool failOn) {
-    *plan_ = FailurePlan{};
-    plan_->FailingCall = call;
-    plan_->Error = error;
-    plan_->FailOn = failOn;
+    *plan_ = {.FailingCall = call, .FailOn = failOn, .Error = error};
 }
 
 std::unique_ptr<File> FailingFileStore::Wrap(std::unique_ptr<File> file) {
@@ -87,28 +68,20 @@ std::unique_ptr<File> FailingFileStore::Wrap(std::unique_ptr<File> file) {
 }
 
 ErrorCode FailingFileStore::Open(const std::string& path, FileMode mode, std::unique_ptr<File>& file) {
-    file.reset();
-    ErrorCode error = plan_->NextCall();
-    if (error == kErrorNone) {
-        error = inner_.Open(path, mode, file);
-    }
-    if (error == kErrorNone) {
-        file = Wrap(std::move(file));
-    }
+    const ErrorCode error = plan_->Try([&] { return inner_.Open(path, mode, file); });
+    file = error == kErrorNone ? Wrap(std::move(file)) : nullptr;
     return error;
 }
 
 ErrorCode FailingFileStore::Delete(const std::string& path) {
-    const ErrorCode error = plan_->NextCall();
-    return error != kErrorNone ? error : inner_.Delete(path);
+    return plan_->Try([&] { return inner_.Delete(path); });
 }
 
 ErrorCode FailingFileStore::Admit(std::unique_ptr<File>& file) {
-    const ErrorCode error = plan_->NextCall();
-    if (error == kErrorNone) {
+    return plan_->Try([&] {
         file = Wrap(std::move(file));
-    }
-    return error;
+        return kErrorNone;
+    });
 }
 
 } // namespace thntfs::test

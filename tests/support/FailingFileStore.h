@@ -18,19 +18,23 @@ struct FailurePlan {
 
     /// Counts a call. The answer is kErrorNone or the failure of this call.
     ErrorCode NextCall();
+
+    /// The same, and where it doesn't fail the call itself.
+    template <typename Call>
+    ErrorCode Try(Call call) {
+        const ErrorCode error = NextCall();
+        return error == kErrorNone ? call() : error;
+    }
 };
 
-/// A store over another one that fails at a chosen call: Open, Delete and Admit of the store, and every call
-/// of its files. A failing write leaves the first half of its bytes in the file, as a full disk does.
+/// A store over the one in use that fails at a chosen call: Open, Delete and Admit of the store, and every
+/// call of its files. A failing write leaves the first half of its bytes in the file, as a full disk does.
 ///
 ///     FailingFileStore store;
 ///     SetFileStore(&store);
-///     store.Plan().FailingCall = k;
+///     store.FailAt(k);
 class FailingFileStore final : public FileStore {
 public:
-    /// Over a store that must outlive this one.
-    explicit FailingFileStore(FileStore& inner = Files());
-
     /// Takes itself out of use if it is in use.
     ~FailingFileStore() override;
 
@@ -47,8 +51,8 @@ public:
     ErrorCode Admit(std::unique_ptr<File>& file) override;
 
 private:
-    FileStore& inner_;
-    std::shared_ptr<FailurePlan> plan_;
+    FileStore& inner_ = Files();
+    std::shared_ptr<FailurePlan> plan_ = std::make_shared<FailurePlan>();
 };
 
 } // namespace thntfs::test
