@@ -11,6 +11,7 @@
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
+#include "partitions/DiskEnumeration.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 #include "partitions/VolumeList.h"
@@ -198,7 +199,7 @@ int Session::TellNoVolumeInTable() const {
 void Session::LogMedium() const {
     const bool searched = options_.Search.has_value();
     if (SourceIsDevice()) {
-        LogDiskChosen(options_.Medium, searched);
+        LogDiskChosen(DiskOfDevice(options_.Medium), searched);
     } else {
         LogImageChosen(AbsolutePath(options_.Medium), searched);
     }

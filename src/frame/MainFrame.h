@@ -3,10 +3,10 @@
 #include "engine/Host.h"
 #include "frame/CommandRules.h"
 #include "platform/files/WorkFolder.h"
+#include "shell/JobThread.h"
 #include "shell/MessageTarget.h"
 #include "shell/ProcessLogList.h"
 #include "shell/ProgressBar.h"
-#include "shell/JobThread.h"
 #include "views/THNTFSListView.h"
 #include "views/THNTFSTreeView.h"
 
@@ -81,7 +81,7 @@ public:
 
     // The job.
     std::unique_ptr<ProcessLogEntry> CurrentEntry; ///< of the wizard run that started the job
-    JobThread* WorkerThread = nullptr;          ///< the running scan's, null when none runs
+    JobThread* WorkerThread = nullptr;             ///< the running scan's, null when none runs
     std::unique_ptr<CProgressBar> ProgressBar;     ///< over pane 0, null when none
     std::uint8_t LogicalDriveNumber = 4;           ///< of the volume in work, for log lines
     std::uint32_t JobBusy = 0;                     ///< 1 from the choice of a job to the end of its handling
@@ -138,7 +138,8 @@ private:
     void LogCopyEvent(std::uintptr_t work, std::uintptr_t event);
     void ClearViews();
     void UpdateTotals(std::uintptr_t what);
-    void TakeWizardResult(CWizardSheet& sheet);
+    void RunSheet(CWizardSheet& sheet);
+    void TakeWizardResult(const CWizardSheet& sheet);
 
     // Scan information and the log's file.
     void LoadTreeInfoByDialog();

@@ -151,9 +151,7 @@ void CMainFrame::RunWizard(const QString& imagePath) {
     if (!imagePath.isEmpty()) {
         sheet.OpenOnImage(imagePath);
     }
-    if (sheet.Run() == kWizardFinished) {
-        TakeWizardResult(sheet);
-    }
+    RunSheet(sheet);
 }
 
 void CMainFrame::OpenFoundDrive() {
@@ -162,7 +160,14 @@ void CMainFrame::OpenFoundDrive() {
     }
     CWizardSheet sheet(this, LogicalDriveNumber);
     sheet.OpenOnPartitionList(Engine.ProcessingMode);
-    if (sheet.Run() == kWizardFinished) {
+    RunSheet(sheet);
+}
+
+// A click in the list of partitions counts though the wizard is cancelled.
+void CMainFrame::RunSheet(CWizardSheet& sheet) {
+    const bool finished = sheet.Run() == kWizardFinished;
+    LogicalDriveNumber = sheet.State().LogicalDriveNumber;
+    if (finished) {
         TakeWizardResult(sheet);
     }
 }

@@ -58,11 +58,8 @@ bool CMainFrame::MayStartWork() {
     return JobBusy == 0;
 }
 
-void CMainFrame::TakeWizardResult(CWizardSheet& sheet) {
-    CurrentEntry = std::move(sheet.WizardLogEntry);
-    if (CurrentEntry && !CurrentEntry->Name.empty()) {
-        LogicalDriveNumber = static_cast<std::uint8_t>(CurrentEntry->Name.back() - '0');
-    }
+void CMainFrame::TakeWizardResult(const CWizardSheet& sheet) {
+    CurrentEntry = std::make_unique<ProcessLogEntry>(sheet.State().WizardLogEntry);
     Engine.TurboScanUsed = 0;
     JobBusy = 1;
     BeginBasicScan();

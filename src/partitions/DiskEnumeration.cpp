@@ -1,5 +1,6 @@
 #include "partitions/DiskEnumeration.h"
 
+#include "platform/media/DiskIdentity.h"
 #include "platform/system/SizeText.h"
 #include "platform/system/Text.h"
 
@@ -60,6 +61,25 @@ std::vector<DiskInfo> EnumerateDisks() {
     return disks;
 }
 
+DiskInfo DiskOfDevice(const std::string& path) {
+    std::vector<DiskProperties> disks = ListDisks();
+    // Two devices may show one medium: the one that was named goes first.
+    std::stable_partition(disks.begin(), disks.end(),
+                          [&path](const DiskProperties& listed) { return listed.Path == path; });
+    for (const DiskProperties& listed : disks) {
+        if (SameMedium(listed.Path, path)) {
+            if (auto disk = DescribeDisk(listed, listed.SizeBytes)) {
+                return *disk;
+            }
+        }
+    }
+    DiskInfo unlisted;
+    unlisted.Path = path;
+    unlisted.Name = path;
+    unlisted.Serial = kNotAvailable;
+    return unlisted;
+}
+
 std::optional<DiskInfo> DescribeDisk(const DiskProperties& disk, std::uint64_t sizeBytes) {
     if (disk.BytesPerSector == 0) {
         return std::nullopt;
@@ -67,6 +87,7 @@ std::optional<DiskInfo> DescribeDisk(const DiskProperties& disk, std::uint64_t s
     const std::uint64_t bytes = sizeBytes != 0 ? sizeBytes : disk.SizeBytes;
     const bool onUsb = disk.Interface == "USB";
     DiskInfo info;
+    info.Path = disk.Path;
     info.Name =
         CleanText(disk.Path.starts_with(kDeviceFolder) ? disk.Path.substr(kDeviceFolder.size()) : disk.Path);
     info.BytesPerSector = std::to_string(disk.BytesPerSector);

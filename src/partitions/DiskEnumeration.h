@@ -9,8 +9,9 @@
 
 namespace thntfs {
 
-/// One physical disk as it is shown. All that is shown is text, numbers too.
+/// One physical disk as it is shown: all but the path is text for people, numbers too.
 struct DiskInfo {
+    std::string Path;                   ///< of the block device, "/dev/sda"
     std::string Name;                   ///< the device's name without the folder of devices: "sda"
     std::string MediaType;              ///< "Removable media" for a disk on the USB interface
     std::string InterfaceType;          ///< "USB", "IDE", …
@@ -28,6 +29,10 @@ struct DiskInfo {
 
 /// The disks of this machine, in the order of the system's list. Opens each for a moment to ask for its size.
 std::vector<DiskInfo> EnumerateDisks();
+
+/// The disk that a device path names or is a part of. One that the system doesn't list has its path for a
+/// name. It isn't opened.
+DiskInfo DiskOfDevice(const std::string& path);
 
 /// One disk. `sizeBytes` is what the opened device has told of its size, 0 where it could not be opened: the
 /// listed figures count then. None for a drive without a medium, which has no sector size.

@@ -4,11 +4,7 @@
 #include "engine/Host.h"
 #include "partitions/DiskEnumeration.h"
 #include "partitions/VolumeList.h"
-#include "platform/media/DiskIdentity.h"
 #include "platform/system/SizeText.h"
-
-#include <algorithm>
-#include <vector>
 
 namespace thntfs {
 
@@ -16,25 +12,6 @@ namespace {
 
 constexpr const char* kScanRule = "-----------------------------------";
 constexpr const char* kSearchRule = "-----------------";
-
-// The disk that a path names or is a partition of, as the list of disks shows it.
-DiskInfo DiskAt(const std::string& path) {
-    std::vector<DiskProperties> disks = ListDisks();
-    // Two devices may show one medium: the one that was named goes first.
-    std::stable_partition(disks.begin(), disks.end(),
-                          [&path](const DiskProperties& listed) { return listed.Path == path; });
-    for (const DiskProperties& listed : disks) {
-        if (SameMedium(listed.Path, path)) {
-            if (auto disk = DescribeDisk(listed, listed.SizeBytes)) {
-                return *disk;
-            }
-        }
-    }
-    DiskInfo unlisted;
-    unlisted.Name = path;
-    unlisted.Serial = "N/A";
-    return unlisted;
-}
 
 std::string ModeText(bool searched) { return searched ? "Logical Volume Scan" : "Partition Table"; }
 
@@ -50,8 +27,7 @@ void LogImageChosen(const std::string& path, bool searched) {
     LogLine("Selected: " + path, "Image Processing Mode:" + ModeText(searched), kLogInProgress);
 }
 
-void LogDiskChosen(const std::string& path, bool searched) {
-    const DiskInfo disk = DiskAt(path);
+void LogDiskChosen(const DiskInfo& disk, bool searched) {
     LogLine(disk.Name + ",  " + disk.Model + ", Serial:" + disk.Serial,
             "Disk Processing :" + ModeText(searched), kLogInProgress);
 }

@@ -8,11 +8,13 @@
 
 namespace thntfs {
 
+struct DiskInfo;
+
 // The process log's lines of the steps from a medium to a catalogue, each sent to the host.
 
 /// The medium has been chosen. `searched`: its volumes come from a search, not from its partition table.
 void LogImageChosen(const std::string& path, bool searched);
-void LogDiskChosen(const std::string& path, bool searched);
+void LogDiskChosen(const DiskInfo& disk, bool searched);
 
 /// A candidate has been taken into use; `number` counts from 1.
 ProcessLogEntry PartitionChosenEntry(unsigned number, const PartitionCandidate& candidate);

@@ -1,9 +1,15 @@
 #include "wizard/DiskTree.h"
 
 #include "shell/Icons.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 namespace thntfs {
+
+namespace {
+
+constexpr int kPositionRole = Qt::UserRole;
+
+} // namespace
 
 CDiskTree::CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks,
                      bool (*looksUsb)(const DiskInfo& disk))
@@ -12,9 +18,12 @@ CDiskTree::CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks,
     setHeaderHidden(true);
     auto* root = new QTreeWidgetItem(this, {QStringLiteral("My Computer")});
     root->setIcon(0, LoadIcon("computer"));
-    for (const DiskInfo& disk : disks) {
+    root->setData(0, kPositionRole, kNoDisk);
+    for (std::size_t position = 0; position < disks.size(); ++position) {
+        const DiskInfo& disk = disks[position];
         auto* item = new QTreeWidgetItem(root, {QString::fromStdString(disk.Name)});
         item->setIcon(0, LoadIcon(looksUsb(disk) ? "disk-usb" : "disk"));
+        item->setData(0, kPositionRole, static_cast<unsigned>(position));
         item->setToolTip(0, QString::fromStdString(disk.Model + ", " + disk.Size));
     }
     root->setExpanded(true);
@@ -22,9 +31,8 @@ CDiskTree::CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks,
 }
 
 std::uint8_t CDiskTree::ChosenDisk() const {
-    QTreeWidgetItem* root = topLevelItem(0);
-    const int position = currentItem() == nullptr ? -1 : root->indexOfChild(currentItem());
-    return position < 0 ? kNoDisk : static_cast<std::uint8_t>(position);
+    const QTreeWidgetItem* row = currentItem();
+    return row == nullptr ? kNoDisk : static_cast<std::uint8_t>(row->data(0, kPositionRole).toUInt());
 }
 
 void CDiskTree::SelectRoot() { setCurrentItem(topLevelItem(0)); }

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "partitions/DiskEnumeration.h"
-
 #include <QTreeWidget>
 #include <cstdint>
 #include <vector>
 
 namespace thntfs {
 
-/// The disks of this machine under "My Computer".
+struct DiskInfo;
+
+/// The disks of this machine under "My Computer". Each row carries its disk's position in the list.
 class CDiskTree : public QTreeWidget {
 public:
     /// `looksUsb` tells which disks get the icon of a USB disk.

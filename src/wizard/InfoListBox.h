@@ -16,20 +16,21 @@ using InfoRows = std::vector<InfoRow>;
 /// The rows of a text, one a line. "* " before a line gives it the bullet.
 InfoRows RowsOf(const char* text);
 
+inline constexpr int kInfoRowHeight = 18;
+inline constexpr QSize kInfoBulletSize{16, 16};
+inline constexpr QColor kInfoTextColour{0x14, 0x14, 0x14};
+
 /// The box beside the choices of a page that explains them, or tells what has been chosen. Its colours are
 /// its own, whatever those of the desktop.
 class CInfoListBox : public QListWidget {
 public:
-    CInfoListBox(QWidget* parent, const QColor& textColour, const QSize& bulletSize);
+    explicit CInfoListBox(QWidget* parent, const QColor& textColour = kInfoTextColour,
+                          const QSize& bulletSize = kInfoBulletSize);
 
     /// Replaces what is shown. Heights are in pixels; a row gets more where the font needs it.
-    void ShowRows(const InfoRows& rows, int headerHeight, int rowHeight);
+    void ShowRows(const InfoRows& rows, int headerHeight = kInfoRowHeight, int rowHeight = kInfoRowHeight);
 
     [[nodiscard]] QSize sizeHint() const override;
 };
-
-inline constexpr int kInfoRowHeight = 18;
-inline constexpr QSize kInfoBulletSize{16, 16};
-inline constexpr QColor kInfoTextColour{0x14, 0x14, 0x14};
 
 } // namespace thntfs

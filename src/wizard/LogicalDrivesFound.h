@@ -1,8 +1,8 @@
 #pragma once
 
 #include "partitions/PartitionSearch.h"
-#include "shell/MessageTarget.h"
 #include "shell/JobThread.h"
+#include "shell/MessageTarget.h"
 
 #include <QDialog>
 #include <cstdint>

@@ -1,5 +1,7 @@
 #include "wizard/PageTexts.h"
 
+#include "partitions/DiskEnumeration.h"
+
 namespace thntfs {
 
 const char* const kMainPageText = "HDRPlease Select Appropriate Option\n"
@@ -143,6 +145,8 @@ const char* const kImagingPageSteps = "HDRSteps to proceed.\n"
 
 namespace {
 
+constexpr int kDiskHeaderHeight = 20;
+
 struct DiskProperty {
     const char* Title;
     std::string DiskInfo::*Value;
@@ -170,22 +174,30 @@ InfoRow PropertyRow(const DiskProperty& property, const DiskInfo& disk) {
 
 } // namespace
 
-InfoRows DiskRows(const QString& title, const DiskInfo& disk) {
-    InfoRows rows = {HeaderRow(title, disk)};
-    for (const DiskProperty& property : kDiskProperties) {
-        rows.push_back(PropertyRow(property, disk));
+void ShowDisk(CInfoListBox& list, const DiskInfo* disk, const char* steps) {
+    if (disk == nullptr) {
+        list.ShowRows(RowsOf(steps));
+        return;
     }
-    return rows;
+    InfoRows rows = {HeaderRow(QStringLiteral(": "), *disk)};
+    for (const DiskProperty& property : kDiskProperties) {
+        rows.push_back(PropertyRow(property, *disk));
+    }
+    list.ShowRows(rows, kDiskHeaderHeight);
 }
 
-InfoRows CloneDiskRows(const QString& title, const DiskInfo& disk) {
-    InfoRows rows = {HeaderRow(title, disk), {}};
+void ShowCloneDisk(CInfoListBox& list, const QString& title, const DiskInfo* disk) {
+    if (disk == nullptr) {
+        list.ShowRows(RowsOf(kClonePageSteps));
+        return;
+    }
+    InfoRows rows = {HeaderRow(title, *disk), {}};
     for (const DiskProperty& property : kDiskProperties) {
         if (property.Value != kSizeProperty.Value) {
-            rows.push_back(PropertyRow(property, disk));
+            rows.push_back(PropertyRow(property, *disk));
         }
     }
-    return rows;
+    list.ShowRows(rows, kDiskHeaderHeight);
 }
 
 } // namespace thntfs

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "partitions/DiskEnumeration.h"
 #include "wizard/InfoListBox.h"
 
 #include <array>
 
 namespace thntfs {
+
+struct DiskInfo;
 
 // What the info lists of the pages say; one line a row, as RowsOf takes it.
 extern const char* const kMainPageText;
@@ -15,12 +16,10 @@ extern const char* const kImagePageText;
 extern const char* const kClonePageSteps;
 extern const char* const kImagingPageSteps;
 
-/// The properties of a disk, under a header that begins with `title`.
-InfoRows DiskRows(const QString& title, const DiskInfo& disk);
+/// Shows the properties of a disk, or the page's steps where there is none.
+void ShowDisk(CInfoListBox& list, const DiskInfo* disk, const char* steps);
 
-/// The same for the clone page, where they are fewer.
-InfoRows CloneDiskRows(const QString& title, const DiskInfo& disk);
-
-inline constexpr int kDiskHeaderHeight = 20;
+/// The same on the clone page, which has fewer properties under a header that begins with `title`.
+void ShowCloneDisk(CInfoListBox& list, const QString& title, const DiskInfo* disk);
 
 } // namespace thntfs

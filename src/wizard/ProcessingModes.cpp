@@ -1,15 +1,15 @@
 #include "wizard/ProcessingModes.h"
 
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QRadioButton>
 #include <QVBoxLayout>
 
 namespace thntfs {
 
-CProcessingModes::CProcessingModes(QWidget* parent, CWizardSheet& sheet, const QString& title)
+CProcessingModes::CProcessingModes(QWidget* parent, WizardState& state, const QString& title)
     : QGroupBox(title, parent)
-    , sheet_(sheet)
+    , state_(state)
     , fromTable_(new QRadioButton(QStringLiteral("&Display default partition(s)"), this))
     , bySearch_(new QRadioButton(QStringLiteral("&Search for lost partition(s)"), this)) {
     auto* layout = new QVBoxLayout(this);
@@ -33,6 +33,6 @@ void CProcessingModes::Reset() {
     Apply();
 }
 
-void CProcessingModes::Apply() { sheet_.ProcessingMode = bySearch_->isChecked() ? 1 : 0; }
+void CProcessingModes::Apply() { state_.ProcessingMode = bySearch_->isChecked() ? 1 : 0; }
 
 } // namespace thntfs

@@ -7,22 +7,22 @@ class QRadioButton;
 
 namespace thntfs {
 
-class CWizardSheet;
+struct WizardState;
 
-/// The choice of a source page how to come by the partitions; kept in ProcessingMode of the sheet.
+/// The choice of a source page how to come by the partitions; kept in ProcessingMode.
 /// The focus goes to the mode that is checked.
 class CProcessingModes : public QGroupBox {
 public:
-    CProcessingModes(QWidget* parent, CWizardSheet& sheet, const QString& title);
+    CProcessingModes(QWidget* parent, WizardState& state, const QString& title);
 
     void EnableChoice(bool enable);
     /// Puts the choice back to the partition table.
     void Reset();
-    /// Makes what is checked the sheet's mode.
+    /// Makes what is checked the mode.
     void Apply();
 
 private:
-    CWizardSheet& sheet_;
+    WizardState& state_;
     QRadioButton* fromTable_;
     QRadioButton* bySearch_;
 };

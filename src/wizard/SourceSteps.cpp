@@ -3,16 +3,12 @@
 #include "engine/EngineState.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
-#include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
 #include "shell/MessageTarget.h"
 #include "shell/WaitCursor.h"
 #include "wizard/SearchForPartitions.h"
 
 namespace thntfs {
-
-const SourceKind kDiskSource = {LogDiskChosen, "Use search for lost partition(s) option."};
-const SourceKind kImageSource = {LogImageChosen, "Please use search for lost partition(s)."};
 
 namespace {
 
@@ -34,19 +30,19 @@ void TellUnreadableMedium(const std::string& path) {
     }
 }
 
-bool ReadTable(const SourceKind& kind, const std::string& path) {
+bool ReadTable(const ChosenSource& source) {
     if (!TableNamesVolumes()) {
-        TellUnreadableMedium(path);
-        ShowBox(QString::fromLatin1(kind.NoPartitions), QStringLiteral("Volume Salvage (NTFS)"),
+        TellUnreadableMedium(source.Path);
+        ShowBox(QString::fromLatin1(source.NoPartitions), QStringLiteral("Volume Salvage (NTFS)"),
                 BoxIcon::Stop);
         return false;
     }
-    kind.LogChosen(path, false);
+    source.LogChosen(false);
     return true;
 }
 
-bool Search(const SourceKind& kind, const std::string& path, QWidget* owner) {
-    kind.LogChosen(path, true);
+bool Search(const ChosenSource& source, QWidget* owner) {
+    source.LogChosen(true);
     return SearchForPartitions(Engine.SourceDisk.TotalSectors, owner);
 }
 
@@ -63,9 +59,8 @@ bool CloseOldMedium() {
     return true;
 }
 
-bool ListPartitions(const SourceKind& kind, const std::string& path, std::uint8_t processingMode,
-                    QWidget* owner) {
-    return processingMode == 0 ? ReadTable(kind, path) : Search(kind, path, owner);
+bool ListPartitions(const ChosenSource& source, std::uint8_t processingMode, QWidget* owner) {
+    return processingMode == 0 ? ReadTable(source) : Search(source, owner);
 }
 
 } // namespace thntfs

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QString>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 class QWidget;
@@ -10,13 +10,12 @@ namespace thntfs {
 
 // What the two source pages do once Next is pressed, whatever the source is.
 
-/// What differs between a disk and an image.
-struct SourceKind {
-    void (*LogChosen)(const std::string& path, bool searched);
-    const char* NoPartitions; ///< text of the box when the table names none
+/// The disk or the image that has just been opened.
+struct ChosenSource {
+    std::string Path;
+    const char* NoPartitions;                     ///< text of the box when the table names none
+    std::function<void(bool searched)> LogChosen; ///< writes the log's line of it
 };
-extern const SourceKind kDiskSource;
-extern const SourceKind kImageSource;
 
 /// Has the frame empty its views. It asks before about a scan that is in no file; false where the user keeps
 /// that.
@@ -25,10 +24,9 @@ bool GiveUpOldScan();
 /// The same, and closes the medium that was open.
 bool CloseOldMedium();
 
-/// Lists the candidates of the medium that has just been opened, from its partition table (mode 0) or by a
-/// search (mode 1) in dialogs over `owner`, and writes the log's lines. `path` is the medium's. False where
-/// the table names no partition, which a box has told, or the user has cancelled a dialog.
-bool ListPartitions(const SourceKind& kind, const std::string& path, std::uint8_t processingMode,
-                    QWidget* owner);
+/// Lists the candidates of the open medium, from its partition table (mode 0) or by a search (mode 1) in
+/// dialogs over `owner`, and writes the log's lines. False where the table names no partition, which a box
+/// has told, or the user has cancelled a dialog.
+bool ListPartitions(const ChosenSource& source, std::uint8_t processingMode, QWidget* owner);
 
 } // namespace thntfs

@@ -3,7 +3,7 @@
 #include "wizard/CopyNotBuilt.h"
 #include "wizard/DiskTree.h"
 #include "wizard/PageTexts.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -31,12 +31,12 @@ QLabel* NameLabel(QWidget* parent) {
 
 } // namespace
 
-CWizardCloneDiskPage::CWizardCloneDiskPage(CWizardSheet& sheet)
-    : CWizardPage(sheet, "Select Source and Destination Disk(s)", "ntfsclonewindow.htm")
-    , source_{"Source Disk :", "Source Disk # ", new CDiskTree(this, sheet.Disks, LooksUsb), NameLabel(this)}
-    , target_{"Destination Disk :", "Destination Disk # ", new CDiskTree(this, sheet.Disks, LooksUsb),
+CWizardCloneDiskPage::CWizardCloneDiskPage(WizardState& state, WizardPageOwner& owner)
+    : CWizardPage(state, owner, "Select Source and Destination Disk(s)", "ntfsclonewindow.htm")
+    , source_{"Source Disk :", "Source Disk # ", new CDiskTree(this, state.Disks, LooksUsb), NameLabel(this)}
+    , target_{"Destination Disk :", "Destination Disk # ", new CDiskTree(this, state.Disks, LooksUsb),
               NameLabel(this)}
-    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize)) {
+    , info_(new CInfoListBox(this)) {
     LayOut();
     setFocusProxy(source_.Tree);
     connect(source_.Tree, &QTreeWidget::currentItemChanged, this, [this] { OnSourceChanged(); });
@@ -63,46 +63,34 @@ void CWizardCloneDiskPage::OnSetActive() {
 }
 
 void CWizardCloneDiskPage::OnSourceChanged() {
-    Sheet().SourceDiskIndex = source_.Tree->ChosenDisk();
-    ShowCloneDetails(Sheet().SourceDiskIndex, source_);
-    target_.Tree->setEnabled(Sheet().SourceDiskIndex != kNoDisk);
+    State().SourceDiskIndex = source_.Tree->ChosenDisk();
+    ShowCloneDetails(State().SourceDiskIndex, source_);
+    target_.Tree->setEnabled(State().SourceDiskIndex != kNoDisk);
     UpdateButtons();
 }
 
 void CWizardCloneDiskPage::OnTargetChanged() {
-    Sheet().TargetDiskIndex = target_.Tree->ChosenDisk();
-    ShowCloneDetails(Sheet().TargetDiskIndex, target_);
+    State().TargetDiskIndex = target_.Tree->ChosenDisk();
+    ShowCloneDetails(State().TargetDiskIndex, target_);
     UpdateButtons();
 }
 
 void CWizardCloneDiskPage::UpdateButtons() {
-    const bool complete = Sheet().SourceDiskIndex != kNoDisk && Sheet().TargetDiskIndex != kNoDisk;
-    Sheet().SetWizardButtons(kButtonBack | (complete ? kButtonFinish : kButtonDisabledFinish));
+    OfferFinish(State().SourceDiskIndex != kNoDisk && State().TargetDiskIndex != kNoDisk);
 }
 
 void CWizardCloneDiskPage::ShowCloneDetails(std::uint8_t index, const Side& side) {
-    const bool chosen = index != kNoDisk;
-    QString name = QString::fromLatin1(side.NameTitle);
-    if (chosen) {
-        const DiskInfo& disk = Sheet().Disks.at(index);
-        name += QString::fromStdString(disk.Name);
-        info_->ShowRows(CloneDiskRows(QString::fromLatin1(side.ListTitle), disk), kDiskHeaderHeight,
-                        kInfoRowHeight);
-    } else {
-        info_->ShowRows(RowsOf(kClonePageSteps), kInfoRowHeight, kInfoRowHeight);
-    }
-    side.Name->setText(name);
-    side.Name->setEnabled(chosen);
-}
-
-QString CWizardCloneDiskPage::PathOf(std::uint8_t index) const {
-    return QStringLiteral("/dev/") + QString::fromStdString(Sheet().Disks.at(index).Name);
+    const DiskInfo* disk = State().DiskAt(index);
+    ShowCloneDisk(*info_, QString::fromLatin1(side.ListTitle), disk);
+    const std::string name = disk != nullptr ? disk->Name : "";
+    side.Name->setText(QString::fromLatin1(side.NameTitle) + QString::fromStdString(name));
+    side.Name->setEnabled(disk != nullptr);
 }
 
 bool CWizardCloneDiskPage::OnWizardFinish() {
-    TellCopyNotBuilt(
-        QStringLiteral("Cloning a disk"),
-        {QStringLiteral("clone"), PathOf(Sheet().SourceDiskIndex), PathOf(Sheet().TargetDiskIndex)});
+    const DiskInfo& source = *State().DiskAt(State().SourceDiskIndex);
+    const DiskInfo& target = *State().DiskAt(State().TargetDiskIndex);
+    TellCopyNotBuilt("Cloning a disk", {"clone", source.Path, target.Path});
     return false;
 }
 

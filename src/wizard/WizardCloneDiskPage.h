@@ -14,7 +14,7 @@ class CInfoListBox;
 /// The choice of the disk to clone and of the disk to write over.
 class CWizardCloneDiskPage : public CWizardPage {
 public:
-    explicit CWizardCloneDiskPage(CWizardSheet& sheet);
+    CWizardCloneDiskPage(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
     bool OnWizardFinish() override;
@@ -33,7 +33,6 @@ private:
     void OnTargetChanged();
     void UpdateButtons();
     void ShowCloneDetails(std::uint8_t index, const Side& side);
-    [[nodiscard]] QString PathOf(std::uint8_t index) const;
 
     Side source_;
     Side target_;

@@ -1,12 +1,13 @@
 #include "wizard/WizardDriveSelectionPage.h"
 
 #include "partitions/OpenSource.h"
+#include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
 #include "wizard/DiskTree.h"
 #include "wizard/PageTexts.h"
 #include "wizard/ProcessingModes.h"
 #include "wizard/SourceSteps.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QGridLayout>
 
@@ -36,13 +37,12 @@ void TellOpeningFailed(const std::string& path, ErrorCode code) {
 
 } // namespace
 
-CWizardDriveSelectionPage::CWizardDriveSelectionPage(CWizardSheet& sheet)
-    : CWizardPage(sheet, "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option",
+CWizardDriveSelectionPage::CWizardDriveSelectionPage(WizardState& state, WizardPageOwner& owner)
+    : CWizardPage(state, owner, "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option",
                   "ntfsrecoverdata.htm")
-    , tree_(new CDiskTree(this, sheet.Disks, LooksUsb))
-    , modes_(new CProcessingModes(this, sheet, QStringLiteral("Processing Modes")))
-    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize))
-    , chosenDisk_(kNoDisk) {
+    , tree_(new CDiskTree(this, state.Disks, LooksUsb))
+    , modes_(new CProcessingModes(this, state, QStringLiteral("Processing Modes")))
+    , info_(new CInfoListBox(this)) {
     LayOut();
     setFocusProxy(tree_);
     connect(tree_, &QTreeWidget::currentItemChanged, this, [this] { ShowDiskDetails(tree_->ChosenDisk()); });
@@ -58,11 +58,11 @@ void CWizardDriveSelectionPage::LayOut() {
 }
 
 void CWizardDriveSelectionPage::OnSetActive() {
-    Sheet().ListPageOnly = 0;
-    Sheet().SetWizardButtons(kButtonBack | kButtonNext);
-    if (Sheet().PagesFresh != 0) {
+    State().ListPageOnly = false;
+    OfferNext(true);
+    if (State().PagesFresh) {
         Clear();
-        Sheet().PagesFresh = 0;
+        State().PagesFresh = false;
     }
 }
 
@@ -73,29 +73,25 @@ void CWizardDriveSelectionPage::Clear() {
 }
 
 void CWizardDriveSelectionPage::ShowDiskDetails(std::uint8_t index) {
-    const bool chosen = index != kNoDisk;
-    chosenDisk_ = index;
-    if (chosen) {
-        info_->ShowRows(DiskRows(QStringLiteral(": "), Sheet().Disks.at(index)), kDiskHeaderHeight,
-                        kInfoRowHeight);
-    } else {
-        info_->ShowRows(RowsOf(kDiskPageSteps), kInfoRowHeight, kInfoRowHeight);
-    }
-    modes_->EnableChoice(chosen);
-    Sheet().SetWizardButtons(chosen ? kButtonBack | kButtonNext : kButtonBack);
+    const DiskInfo* disk = State().DiskAt(index);
+    ShowDisk(*info_, disk, kDiskPageSteps);
+    modes_->EnableChoice(disk != nullptr);
+    OfferNext(disk != nullptr);
 }
 
 int CWizardDriveSelectionPage::OnWizardNext() {
-    const std::string path = "/dev/" + Sheet().Disks.at(chosenDisk_).Name;
-    if (!CloseOldMedium()) {
+    const DiskInfo* disk = State().DiskAt(tree_->ChosenDisk());
+    if (disk == nullptr || !CloseOldMedium()) {
         return kStay;
     }
-    const ErrorCode code = OpenPhysicalDisk(path);
+    const ErrorCode code = OpenPhysicalDisk(disk->Path);
     if (code != kErrorNone) {
-        TellOpeningFailed(path, code);
+        TellOpeningFailed(disk->Path, code);
         return kStay;
     }
-    return ListPartitions(kDiskSource, path, Sheet().ProcessingMode, window()) ? kPartitionListPage : kStay;
+    const ChosenSource source{disk->Path, "Use search for lost partition(s) option.",
+                              [disk](bool searched) { LogDiskChosen(*disk, searched); }};
+    return ListPartitions(source, State().ProcessingMode, window()) ? kPartitionListPage : kStay;
 }
 
 } // namespace thntfs

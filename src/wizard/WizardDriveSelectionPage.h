@@ -9,12 +9,11 @@ namespace thntfs {
 class CDiskTree;
 class CInfoListBox;
 class CProcessingModes;
-struct DiskInfo;
 
 /// The choice of the disk to recover from.
 class CWizardDriveSelectionPage : public CWizardPage {
 public:
-    explicit CWizardDriveSelectionPage(CWizardSheet& sheet);
+    CWizardDriveSelectionPage(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
     int OnWizardNext() override;
@@ -27,7 +26,6 @@ private:
     CDiskTree* tree_;
     CProcessingModes* modes_;
     CInfoListBox* info_;
-    std::uint8_t chosenDisk_;
 };
 
 } // namespace thntfs

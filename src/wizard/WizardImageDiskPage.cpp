@@ -6,7 +6,7 @@
 #include "wizard/ElidedLabel.h"
 #include "wizard/ImageFileName.h"
 #include "wizard/PageTexts.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QGridLayout>
 #include <QPushButton>
@@ -21,12 +21,12 @@ bool LooksUsb(const DiskInfo& disk) { return disk.InterfaceType != "IDE"; }
 
 } // namespace
 
-CWizardImageDiskPage::CWizardImageDiskPage(CWizardSheet& sheet)
-    : CWizardPage(sheet, "Step 1: Select source drive\nStep 2: Select destination path",
+CWizardImageDiskPage::CWizardImageDiskPage(WizardState& state, WizardPageOwner& owner)
+    : CWizardPage(state, owner, "Step 1: Select source drive\nStep 2: Select destination path",
                   "ntfsdiskimaging2.htm")
-    , tree_(new CDiskTree(this, sheet.Disks, LooksUsb))
+    , tree_(new CDiskTree(this, state.Disks, LooksUsb))
     , pick_(new QPushButton(QStringLiteral("Select &destination path"), this))
-    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize))
+    , info_(new CInfoListBox(this))
     , pathText_(new CElidedLabel(QStringLiteral("File Path :"), this)) {
     LayOut();
     setFocusProxy(tree_);
@@ -45,7 +45,7 @@ void CWizardImageDiskPage::LayOut() {
 }
 
 void CWizardImageDiskPage::OnSetActive() {
-    Sheet().ImageDestination.clear();
+    State().ImageDestination.clear();
     pathText_->setText(QStringLiteral("File Path :"));
     pathText_->setToolTip({});
     pathText_->setEnabled(false);
@@ -54,21 +54,15 @@ void CWizardImageDiskPage::OnSetActive() {
 }
 
 void CWizardImageDiskPage::ShowImageDetails(std::uint8_t index) {
-    const bool chosen = index != kNoDisk;
-    Sheet().SourceDiskIndex = index;
-    if (chosen) {
-        info_->ShowRows(DiskRows(QStringLiteral(": "), Sheet().Disks.at(index)), kDiskHeaderHeight,
-                        kInfoRowHeight);
-    } else {
-        info_->ShowRows(RowsOf(kImagingPageSteps), kInfoRowHeight, kInfoRowHeight);
-    }
-    pick_->setEnabled(chosen);
+    const DiskInfo* disk = State().DiskAt(index);
+    State().SourceDiskIndex = index;
+    ShowDisk(*info_, disk, kImagingPageSteps);
+    pick_->setEnabled(disk != nullptr);
     UpdateButtons();
 }
 
 void CWizardImageDiskPage::UpdateButtons() {
-    const bool complete = Sheet().SourceDiskIndex != kNoDisk && !Sheet().ImageDestination.isEmpty();
-    Sheet().SetWizardButtons(kButtonBack | (complete ? kButtonFinish : kButtonDisabledFinish));
+    OfferFinish(State().SourceDiskIndex != kNoDisk && !State().ImageDestination.isEmpty());
 }
 
 void CWizardImageDiskPage::PickDestination() {
@@ -78,18 +72,17 @@ void CWizardImageDiskPage::PickDestination() {
     if (path.isEmpty()) {
         return;
     }
-    Sheet().ImageDestination = path.endsWith(kExtension) ? path : path + kExtension;
-    pathText_->setText(QStringLiteral("Destination path :") + Sheet().ImageDestination);
-    pathText_->setToolTip(Sheet().ImageDestination);
+    State().ImageDestination = path.endsWith(kExtension) ? path : path + kExtension;
+    pathText_->setText(QStringLiteral("Destination path :") + State().ImageDestination);
+    pathText_->setToolTip(State().ImageDestination);
     pathText_->setEnabled(true);
     UpdateButtons();
     setFocus(); // Enter finishes, and doesn't ask for the path again
 }
 
 bool CWizardImageDiskPage::OnWizardFinish() {
-    const QString name = QString::fromStdString(Sheet().Disks.at(Sheet().SourceDiskIndex).Name);
-    TellCopyNotBuilt(QStringLiteral("Creating a disk image"),
-                     {QStringLiteral("image"), QStringLiteral("/dev/") + name, Sheet().ImageDestination});
+    const DiskInfo& disk = *State().DiskAt(State().SourceDiskIndex);
+    TellCopyNotBuilt("Creating a disk image", {"image", disk.Path, State().ImageDestination.toStdString()});
     return false;
 }
 

@@ -15,7 +15,7 @@ class CInfoListBox;
 /// The choice of a disk and of the image file to make of it.
 class CWizardImageDiskPage : public CWizardPage {
 public:
-    explicit CWizardImageDiskPage(CWizardSheet& sheet);
+    CWizardImageDiskPage(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
     bool OnWizardFinish() override;

@@ -4,12 +4,13 @@
 #include "engine/EngineState.h"
 #include "partitions/OpenSource.h"
 #include "platform/files/Paths.h"
+#include "scaninfo/JobLog.h"
 #include "shell/Icons.h"
 #include "wizard/ElidedLabel.h"
 #include "wizard/PageTexts.h"
 #include "wizard/ProcessingModes.h"
 #include "wizard/SourceSteps.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -22,21 +23,21 @@ constexpr QSize kPickIconSize{32, 32};
 
 } // namespace
 
-CwizardImageSelection::CwizardImageSelection(CWizardSheet& sheet)
-    : CWizardPage(sheet, "Select image to recover data", "ntfsselectanimagefileforproce.htm")
+CwizardImageSelection::CwizardImageSelection(WizardState& state, WizardPageOwner& owner)
+    : CWizardPage(state, owner, "Select image to recover data", "ntfsselectanimagefileforproce.htm")
     , pick_(new QPushButton(LoadIcon("select-image"), QStringLiteral("Select &Image File"), this))
     , pathText_(new CElidedLabel(QStringLiteral("Selected File Path"), this))
     , freeText_(new QLabel(QStringLiteral("Spcae available"), this))
     , failure_(new QLabel(this))
-    , modes_(new CProcessingModes(this, sheet, QStringLiteral("Image Processing Mode")))
-    , info_(new CInfoListBox(this, kInfoTextColour, kInfoBulletSize)) {
+    , modes_(new CProcessingModes(this, state, QStringLiteral("Image Processing Mode")))
+    , info_(new CInfoListBox(this)) {
     pick_->setIconSize(kPickIconSize);
     pathText_->setEnabled(false);
     freeText_->setEnabled(false);
     failure_->setTextFormat(Qt::PlainText);
     failure_->setWordWrap(true);
     modes_->EnableChoice(false);
-    info_->ShowRows(RowsOf(kImagePageText), kInfoRowHeight, kInfoRowHeight);
+    info_->ShowRows(RowsOf(kImagePageText));
     LayOut();
     setFocusProxy(pick_);
     connect(pick_, &QPushButton::clicked, this, [this] { PickImage(); });
@@ -55,12 +56,12 @@ void CwizardImageSelection::LayOut() {
     choices->addWidget(modes_);
 }
 
-// The main page has put the sheet's mode back, but not what is checked here. Without a file the buttons stay
+// The main page has put the mode back, but not what is checked here. Without a file the buttons stay
 // as the page before has left them.
 void CwizardImageSelection::OnSetActive() {
     modes_->Apply();
     if (!imagePath_.empty()) {
-        Sheet().SetWizardButtons(kButtonBack | kButtonNext);
+        OfferNext(true);
     }
 }
 
@@ -84,7 +85,7 @@ void CwizardImageSelection::ChooseImage(const QString& path) {
     modes_->EnableChoice(true);
     setFocusProxy(modes_); // Enter goes on, and doesn't ask for the file again
     setFocus();
-    Sheet().SetWizardButtons(kButtonBack | kButtonNext);
+    OfferNext(true);
 }
 
 void CwizardImageSelection::ShowFreeSpace() {
@@ -103,9 +104,9 @@ int CwizardImageSelection::OnWizardNext() {
         TellOpeningFailed(code);
         return kStay;
     }
-    return ListPartitions(kImageSource, Engine.ImagePath, Sheet().ProcessingMode, window())
-               ? kPartitionListPage
-               : kStay;
+    const ChosenSource image{Engine.ImagePath, "Please use search for lost partition(s).",
+                             [](bool searched) { LogImageChosen(Engine.ImagePath, searched); }};
+    return ListPartitions(image, State().ProcessingMode, window()) ? kPartitionListPage : kStay;
 }
 
 void CwizardImageSelection::TellOpeningFailed(ErrorCode code) {

@@ -16,7 +16,7 @@ class CProcessingModes;
 /// The choice of the image file to recover from. What was chosen is kept as long as the sheet lives.
 class CwizardImageSelection : public CWizardPage {
 public:
-    explicit CwizardImageSelection(CWizardSheet& sheet);
+    CwizardImageSelection(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
     int OnWizardNext() override;

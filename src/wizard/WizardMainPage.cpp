@@ -3,7 +3,7 @@
 #include "engine/EngineState.h"
 #include "shell/Icons.h"
 #include "wizard/PageTexts.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
@@ -42,8 +42,8 @@ constexpr int kRowHeight = 14;
 
 } // namespace
 
-CWizardMainPage::CWizardMainPage(CWizardSheet& sheet)
-    : CWizardPage(sheet, "Select appropriate Option", "ntfswizardwin.htm")
+CWizardMainPage::CWizardMainPage(WizardState& state, WizardPageOwner& owner)
+    : CWizardPage(state, owner, "Select appropriate Option", "ntfswizardwin.htm")
     , tasks_(new QButtonGroup(this)) {
     auto* layout = new QHBoxLayout(this);
     auto* buttons = new QVBoxLayout;
@@ -77,18 +77,18 @@ void CWizardMainPage::AddTaskButton(int task) {
 }
 
 QString CWizardMainPage::HelpTopic() const {
-    const std::uint8_t task = Sheet().WizardTask;
+    const std::uint8_t task = State().WizardTask;
     return task == kNoTask ? CWizardPage::HelpTopic() : QString::fromLatin1(kTasks.at(task).HelpTopic);
 }
 
 void CWizardMainPage::OnSetActive() {
-    Sheet().ProcessingMode = 0;
-    Sheet().PagesFresh = 1;
+    State().ProcessingMode = 0;
+    State().PagesFresh = true;
     Engine.StructuresMissing = 0;
     ShowChosenTask();
 }
 
-int CWizardMainPage::OnWizardNext() { return Sheet().WizardTask + 1; }
+int CWizardMainPage::OnWizardNext() { return State().WizardTask + 1; }
 
 // Enter on a task that isn't the chosen one chooses it; Next would go on with the other one.
 void CWizardMainPage::keyPressEvent(QKeyEvent* event) {
@@ -102,20 +102,20 @@ void CWizardMainPage::keyPressEvent(QKeyEvent* event) {
 }
 
 void CWizardMainPage::ChooseTask(std::uint8_t task) {
-    Sheet().WizardTask = task;
+    State().WizardTask = task;
     ShowChosenTask();
 }
 
 void CWizardMainPage::ShowChosenTask() {
-    const std::uint8_t task = Sheet().WizardTask;
+    const std::uint8_t task = State().WizardTask;
     if (task == kNoTask) {
         info_->ShowRows(RowsOf(kMainPageText), kHeaderHeight, kRowHeight);
-        Sheet().SetWizardButtons(0);
+        Owner().SetWizardButtons(0);
         return;
     }
     tasks_->button(task)->setChecked(true);
     info_->ShowRows(RowsOf(kTaskTexts.at(task)), kHeaderHeight, kRowHeight);
-    Sheet().SetWizardButtons(kButtonNext);
+    Owner().SetWizardButtons(kButtonNext);
 }
 
 } // namespace thntfs

@@ -13,7 +13,7 @@ class CInfoListBox;
 /// The choice of the task.
 class CWizardMainPage : public CWizardPage {
 public:
-    explicit CWizardMainPage(CWizardSheet& sheet);
+    CWizardMainPage(WizardState& state, WizardPageOwner& owner);
 
     [[nodiscard]] QString HelpTopic() const override;
     void OnSetActive() override;

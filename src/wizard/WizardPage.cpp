@@ -1,9 +1,13 @@
 #include "wizard/WizardPage.h"
 
+#include "wizard/WizardState.h"
+
 namespace thntfs {
 
-CWizardPage::CWizardPage(CWizardSheet& sheet, const char* heading, const char* helpTopic)
-    : sheet_(sheet)
+CWizardPage::CWizardPage(WizardState& state, WizardPageOwner& owner, const char* heading,
+                         const char* helpTopic)
+    : state_(state)
+    , owner_(owner)
     , heading_(heading)
     , helpTopic_(helpTopic) {}
 
@@ -14,5 +18,14 @@ QString CWizardPage::CloseCaption() const { return QStringLiteral("Confirm"); }
 int CWizardPage::OnWizardBack() const { return kMainPage; }
 int CWizardPage::OnWizardNext() { return kStay; }
 bool CWizardPage::OnWizardFinish() { return false; }
+
+void CWizardPage::OfferNext(bool offered) {
+    owner_.SetWizardButtons(offered ? kButtonBack | kButtonNext : kButtonBack);
+}
+
+void CWizardPage::OfferFinish(bool offered) {
+    const unsigned finish = offered ? kButtonFinish : kButtonDisabledFinish;
+    owner_.SetWizardButtons(state_.ListPageOnly ? finish : finish | kButtonBack);
+}
 
 } // namespace thntfs

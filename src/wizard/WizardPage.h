@@ -5,7 +5,7 @@
 
 namespace thntfs {
 
-class CWizardSheet;
+struct WizardState;
 
 // The pages by their places in the sheet.
 inline constexpr int kMainPage = 0;
@@ -17,11 +17,29 @@ inline constexpr int kPartitionListPage = 5;
 /// In the place of a page: no change.
 inline constexpr int kStay = -1;
 
+// Wizard buttons, to be added up. Either of the last two puts Finish in the place of Next.
+inline constexpr unsigned kButtonBack = 1;
+inline constexpr unsigned kButtonNext = 2;
+inline constexpr unsigned kButtonFinish = 4;
+inline constexpr unsigned kButtonDisabledFinish = 8;
+
+/// What a page asks of the sheet in which it stands.
+class WizardPageOwner {
+public:
+    virtual void SetWizardButtons(unsigned buttons) = 0;
+    /// As if Finish were clicked.
+    virtual void PressFinish() = 0;
+
+protected:
+    ~WizardPageOwner() = default;
+};
+
 /// A page of the wizard's sheet.
 class CWizardPage : public QWidget {
 public:
-    /// A heading may have two lines. `helpTopic` is the name of a page of the help.
-    CWizardPage(CWizardSheet& sheet, const char* heading, const char* helpTopic);
+    /// State and owner outlive the page. A heading may have two lines. `helpTopic` is the name of a page of
+    /// the help.
+    CWizardPage(WizardState& state, WizardPageOwner& owner, const char* heading, const char* helpTopic);
 
     [[nodiscard]] QString Heading() const;
     [[nodiscard]] virtual QString HelpTopic() const;
@@ -39,10 +57,16 @@ public:
     virtual bool OnWizardFinish();
 
 protected:
-    [[nodiscard]] CWizardSheet& Sheet() const { return sheet_; }
+    [[nodiscard]] WizardState& State() const { return state_; }
+    [[nodiscard]] WizardPageOwner& Owner() const { return owner_; }
+
+    /// Back, where there is a way back, and Next, or Finish in its place, which is grey unless it is offered.
+    void OfferNext(bool offered);
+    void OfferFinish(bool offered);
 
 private:
-    CWizardSheet& sheet_;
+    WizardState& state_;
+    WizardPageOwner& owner_;
     const char* heading_;
     const char* helpTopic_;
 };

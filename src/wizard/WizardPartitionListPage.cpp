@@ -3,7 +3,6 @@
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
-#include "partitions/VolumeList.h"
 #include "platform/system/SizeText.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
@@ -11,7 +10,7 @@
 #include "shell/WaitCursor.h"
 #include "wizard/RowTable.h"
 #include "wizard/SourceSteps.h"
-#include "wizard/WizardSheet.h"
+#include "wizard/WizardState.h"
 
 #include <QVBoxLayout>
 
@@ -35,10 +34,32 @@ QStringList RowTexts(const ListedVolume& volume) {
                     volume.Entry.StartSector, volume.Entry.TotalSectors * Engine.SourceDisk.BytesPerSector);
 }
 
+void Warn(const QString& text) { ShowBox(text, QStringLiteral("Information"), BoxIcon::Warning); }
+
+bool LocateTable() {
+    const WaitCursor slow; // a failing disk takes its time
+    return LocateMft() != 0;
+}
+
+/// Whether the volume that has been taken into use can be. A box tells why not.
+bool CanBeScanned() {
+    if (const std::string fault = ClusterFault(); !fault.empty()) {
+        Warn(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."));
+        return false;
+    }
+    if (!LocateTable()) {
+        Warn(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
+                            "Tools->Turbo Scan."));
+        Engine.StructuresMissing = 1;
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
-CWizardPartitionListPage::CWizardPartitionListPage(CWizardSheet& sheet)
-    : CWizardPage(sheet, "Select the partition to recover", "ntfsrecoverdata.htm")
+CWizardPartitionListPage::CWizardPartitionListPage(WizardState& state, WizardPageOwner& owner)
+    : CWizardPage(state, owner, "Select the partition to recover", "ntfsrecoverdata.htm")
     , list_(new CRowTable(this,
                           {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size")})) {
     list_->setAccessibleName(QStringLiteral("Logical drives"));
@@ -47,27 +68,29 @@ CWizardPartitionListPage::CWizardPartitionListPage(CWizardSheet& sheet)
     setFocusProxy(list_);
     connect(list_, &QTableWidget::itemSelectionChanged, this, [this] { TakeSelection(); });
     connect(list_, &QTableWidget::cellClicked, this,
-            [this] { Sheet().LogicalDriveNumber = static_cast<std::uint8_t>(selectedRow_); });
-    connect(list_, &QTableWidget::cellDoubleClicked, this, [this] { Sheet().PressFinish(); });
+            [this] { State().LogicalDriveNumber = static_cast<std::uint8_t>(selectedRow_); });
+    connect(list_, &QTableWidget::cellDoubleClicked, this, [this] { Owner().PressFinish(); });
 }
 
 QString CWizardPartitionListPage::CloseCaption() const { return QStringLiteral("Volume Salvage (NTFS)"); }
 
 void CWizardPartitionListPage::OnSetActive() {
-    Engine.ProcessingMode = Sheet().ProcessingMode;
+    Engine.ProcessingMode = State().ProcessingMode;
     Fill();
     TakeSelection();
 }
 
 void CWizardPartitionListPage::Fill() {
     list_->setRowCount(0);
+    volumes_.clear();
     const bool any = !Engine.SourceDisk.Partitions.Empty();
     list_->setEnabled(any);
     if (!any) {
         list_->AddRow({QStringLiteral("No Logical Drives Found")});
         return;
     }
-    for (const ListedVolume& volume : ListVolumes()) {
+    volumes_ = ListVolumes();
+    for (const ListedVolume& volume : volumes_) {
         list_->AddRow(RowTexts(volume), LoadIcon("disk"));
         if (volume.Candidate == nullptr) {
             list_->DisableLastRow();
@@ -77,40 +100,26 @@ void CWizardPartitionListPage::Fill() {
 
 void CWizardPartitionListPage::TakeSelection() {
     selectedRow_ = list_->SelectedRow();
-    const unsigned finish = selectedRow_ < 0 ? kButtonDisabledFinish : kButtonFinish;
-    Sheet().SetWizardButtons(Sheet().ListPageOnly != 0 ? finish : finish | kButtonBack);
+    OfferFinish(selectedRow_ >= 0);
 }
 
 int CWizardPartitionListPage::OnWizardBack() const {
-    return Sheet().WizardTask == kTaskRecoverDisk ? kDriveSelectionPage : kImageSelectionPage;
+    return State().WizardTask == kTaskRecoverDisk ? kDriveSelectionPage : kImageSelectionPage;
 }
 
 bool CWizardPartitionListPage::OnWizardFinish() {
     if (!GiveUpOldScan()) {
         return false;
     }
-    const ListedVolume chosen = ListVolumes().at(static_cast<std::size_t>(selectedRow_));
-    *Sheet().WizardLogEntry = PartitionChosenEntry(chosen.Number, *chosen.Candidate);
+    const ListedVolume& chosen = volumes_.at(static_cast<std::size_t>(selectedRow_));
+    State().WizardLogEntry = PartitionChosenEntry(chosen.Number, *chosen.Candidate);
     LoadVolumeParams(*chosen.Candidate);
-    if (const std::string fault = ClusterFault(); !fault.empty()) {
-        ShowBox(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."),
-                QStringLiteral("Information"), BoxIcon::Warning);
+    if (!CanBeScanned()) {
         return false;
     }
-    if (!LocateTable()) {
-        ShowBox(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
-                               "Tools->Turbo Scan."),
-                QStringLiteral("Information"), BoxIcon::Warning);
-        Engine.StructuresMissing = 1;
-        return false;
-    }
-    Host().LogEvent(*Sheet().WizardLogEntry);
+    State().LogicalDriveNumber = static_cast<std::uint8_t>(chosen.Number % 10);
+    Host().LogEvent(State().WizardLogEntry);
     return true;
-}
-
-bool CWizardPartitionListPage::LocateTable() {
-    const WaitCursor slow; // a failing disk takes its time
-    return LocateMft() != 0;
 }
 
 } // namespace thntfs

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "partitions/VolumeList.h"
 #include "wizard/WizardPage.h"
+
+#include <vector>
 
 namespace thntfs {
 
@@ -9,7 +12,7 @@ class CRowTable;
 /// The choice of the partition among the candidates of SourceDisk. Its Finish takes the chosen one into use.
 class CWizardPartitionListPage : public CWizardPage {
 public:
-    explicit CWizardPartitionListPage(CWizardSheet& sheet);
+    CWizardPartitionListPage(WizardState& state, WizardPageOwner& owner);
 
     [[nodiscard]] QString CloseCaption() const override;
     void OnSetActive() override;
@@ -19,9 +22,9 @@ public:
 private:
     void Fill();
     void TakeSelection();
-    [[nodiscard]] static bool LocateTable();
 
     CRowTable* list_;
+    std::vector<ListedVolume> volumes_; ///< a row each, none where there are none
     int selectedRow_ = -1;
 };
 

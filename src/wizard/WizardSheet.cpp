@@ -45,18 +45,18 @@ void TellUnreadable(const DiskInfo& disk) {
 
 } // namespace
 
-CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std::vector<DiskInfo> disks)
-    : QDialog(owner)
-    , Disks(std::move(disks))
-    , LogicalDriveNumber(logicalDriveNumber) {
+CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber, std::vector<DiskInfo> disks)
+    : QDialog(owner) {
+    state_.Disks = std::move(disks);
+    state_.Disks.resize(std::min(state_.Disks.size(), kMaxDisks));
+    state_.LogicalDriveNumber = logicalDriveNumber;
+    state_.RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0;
     setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Wizard"));
     setWindowIcon(LoadIcon("wizard"));
-    Disks.resize(std::min(Disks.size(), kMaxDisks));
-    RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0 ? 1 : 0;
     header_ = new CWizardHeader(this);
     stack_ = new QStackedWidget(this);
     runAtStartup_ = new QCheckBox(QStringLiteral("&Run wizard on startup"), this);
-    runAtStartup_->setChecked(RunAtStartup != 0);
+    runAtStartup_->setChecked(state_.RunAtStartup);
     back_ = AddButton(QStringLiteral("< &Back"));
     next_ = AddButton(QStringLiteral("&Next >"));
     finish_ = AddButton(QStringLiteral("&Finish"));
@@ -66,7 +66,7 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std
     LayOut();
     MakePages();
     connect(runAtStartup_, &QCheckBox::toggled, this,
-            [this](bool checked) { RunAtStartup = checked ? 1 : 0; });
+            [this](bool checked) { state_.RunAtStartup = checked; });
     connect(back_, &QPushButton::clicked, this, [this] { ShowPage(ActivePage().OnWizardBack()); });
     connect(next_, &QPushButton::clicked, this, [this] { OnNext(); });
     connect(finish_, &QPushButton::clicked, this, [this] { OnFinish(); });
@@ -74,17 +74,17 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t& logicalDriveNumber, std
     connect(help_, &QPushButton::clicked, this, [this] { ShowHelp(ActivePage().HelpTopic()); });
 }
 
-CWizardSheet::~CWizardSheet() { OpenSettings().setValue(kStartUpKey, RunAtStartup); }
+CWizardSheet::~CWizardSheet() { OpenSettings().setValue(kStartUpKey, state_.RunAtStartup ? 1 : 0); }
 
 // In the order of the pages' numbers.
 void CWizardSheet::MakePages() {
-    imagePage_ = new CwizardImageSelection(*this);
-    stack_->addWidget(new CWizardMainPage(*this));
-    stack_->addWidget(new CWizardDriveSelectionPage(*this));
+    imagePage_ = new CwizardImageSelection(state_, *this);
+    stack_->addWidget(new CWizardMainPage(state_, *this));
+    stack_->addWidget(new CWizardDriveSelectionPage(state_, *this));
     stack_->addWidget(imagePage_);
-    stack_->addWidget(new CWizardCloneDiskPage(*this));
-    stack_->addWidget(new CWizardImageDiskPage(*this));
-    stack_->addWidget(new CWizardPartitionListPage(*this));
+    stack_->addWidget(new CWizardCloneDiskPage(state_, *this));
+    stack_->addWidget(new CWizardImageDiskPage(state_, *this));
+    stack_->addWidget(new CWizardPartitionListPage(state_, *this));
 }
 
 QPushButton* CWizardSheet::AddButton(const QString& text) {
@@ -112,13 +112,13 @@ void CWizardSheet::LayOut() {
 }
 
 void CWizardSheet::OpenOnPartitionList(std::uint8_t processingMode) {
-    ProcessingMode = processingMode;
-    ListPageOnly = 1;
+    state_.ProcessingMode = processingMode;
+    state_.ListPageOnly = true;
     firstPage_ = kPartitionListPage;
 }
 
 void CWizardSheet::OpenOnImage(const QString& path) {
-    WizardTask = kTaskRecoverImage;
+    state_.WizardTask = kTaskRecoverImage;
     Engine.StructuresMissing = 0; // as the main page, which is passed over, does
     imagePage_->ChooseImage(path);
     firstPage_ = kImageSelectionPage;
@@ -127,7 +127,7 @@ void CWizardSheet::OpenOnImage(const QString& path) {
 // Who opens an image from outside has not asked for disks.
 int CWizardSheet::Run() {
     if (firstPage_ != kImageSelectionPage) {
-        std::for_each(Disks.begin(), Disks.end(), TellUnreadable);
+        std::for_each(state_.Disks.begin(), state_.Disks.end(), TellUnreadable);
     }
     ShowPage(firstPage_);
     return exec();
