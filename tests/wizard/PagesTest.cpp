@@ -104,8 +104,10 @@ TEST_F(PagesTest, ListsSayWhatIsTold) {
 }
 
 TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
-    Sheet->Disks[0].OpenError = kErrorAccessDenied;
-    Sheet->Disks[1].AccessError = kErrorNotReady;
+    std::vector<DiskInfo> disks = MadeUpDisks();
+    disks[0].OpenError = kErrorAccessDenied;
+    disks[1].AccessError = kErrorNotReady;
+    MakeSheet(disks);
     const auto key = [this](Qt::Key pressed) { QTest::keyClick(Sheet->focusWidget(), pressed); };
     const auto tabs = [&] {
         std::string order;
@@ -182,12 +184,12 @@ TEST_F(PagesTest, KeysChooseATaskAndGoOn) {
     AtSheet([&] {
         ASSERT_TRUE(QTest::qWaitForWindowActive(Sheet.get()));
         QTest::keyClick(Sheet.get(), Qt::Key_Y, Qt::AltModifier);
-        EXPECT_TRUE(WaitUntil([&] { return Sheet->WizardTask == kTaskRecoverDisk; }));
+        EXPECT_TRUE(WaitUntil([&] { return Sheet->State().WizardTask == kTaskRecoverDisk; }));
         QTest::keyClick(Sheet.get(), Qt::Key_Return);
         QTest::keyClick(Sheet->focusWidget(), Qt::Key_Down);
         EXPECT_EQ(Buttons(), "< Back Next >");
         QTest::keyClick(Sheet.get(), Qt::Key_S, Qt::AltModifier);
-        EXPECT_TRUE(WaitUntil([&] { return Sheet->ProcessingMode == 1; }));
+        EXPECT_TRUE(WaitUntil([&] { return Sheet->State().ProcessingMode == 1; }));
         Close();
     });
     Run();
@@ -205,12 +207,12 @@ TEST_F(PagesTest, DiskPageStartsAfreshFromTheMainPage) {
         EXPECT_EQ(Buttons(), "< Back (Next >)");
         EXPECT_FALSE(ButtonOf(*Sheet, "Search for lost partition(s)")->isEnabled());
         ChooseDisk(1);
-        EXPECT_EQ(Sheet->ProcessingMode, 1);
+        EXPECT_EQ(Sheet->State().ProcessingMode, 1);
         Press("< Back");
         EXPECT_EQ(Buttons(), "(< Back) Next >");
         Press("Next >");
         EXPECT_EQ(Buttons(), "< Back (Next >)");
-        EXPECT_EQ(Sheet->ProcessingMode, 0);
+        EXPECT_EQ(Sheet->State().ProcessingMode, 0);
         EXPECT_TRUE(
             static_cast<QRadioButton*>(ButtonOf(*Sheet, "Display default partition(s)"))->isChecked());
         Close();
@@ -261,7 +263,7 @@ TEST_F(PagesTest, ImagingWantsADiskAndAPath) {
         ChooseDisk(0);
         EXPECT_EQ(Buttons(), "< Back (Finish)");
         Press("Select destination path");
-        EXPECT_EQ(Sheet->ImageDestination.toStdString(), Scratch / "it's a disk.th2");
+        EXPECT_EQ(Sheet->State().ImageDestination.toStdString(), Scratch / "it's a disk.th2");
         EXPECT_EQ(Buttons(), "< Back Finish");
         ChooseDisk(-1);
         EXPECT_EQ(Buttons(), "< Back (Finish)");
@@ -270,7 +272,7 @@ TEST_F(PagesTest, ImagingWantsADiskAndAPath) {
         Press("< Back");
         Press("Next >");
         EXPECT_EQ(Buttons(), "< Back (Finish)");
-        EXPECT_EQ(Sheet->SourceDiskIndex, kNoDisk);
+        EXPECT_EQ(Sheet->State().SourceDiskIndex, kNoDisk);
         Close();
     });
     Run();
@@ -294,7 +296,7 @@ TEST_F(PagesTest, CloningWantsBothDisks) {
         Choose(TreeAt(1), 1);
         EXPECT_EQ(Buttons(), "< Back Finish");
         Choose(TreeAt(0), 2);
-        EXPECT_EQ(Sheet->TargetDiskIndex, 1);
+        EXPECT_EQ(Sheet->State().TargetDiskIndex, 1);
         Press("Finish");
         Close();
     });

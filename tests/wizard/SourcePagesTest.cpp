@@ -53,7 +53,7 @@ TEST_F(SourcePagesTest, ImageWithAPartitionTableToTheVolume) {
         EXPECT_EQ(Buttons(), "< Back (Finish)");
         ClickRow(1);
         EXPECT_EQ(Buttons(), "< Back Finish");
-        EXPECT_EQ(Drive, 1);
+        EXPECT_EQ(Sheet->State().LogicalDriveNumber, 1);
         Press("Finish");
     });
     EXPECT_EQ(Run(), kWizardFinished);
@@ -62,8 +62,8 @@ TEST_F(SourcePagesTest, ImageWithAPartitionTableToTheVolume) {
                      "0 Selected: " + VolumePath("logical").toStdString() +
                          " | Image Processing Mode:Partition Table",
                      "0 Selected NTFS logical drive 2 | Starting Sector 12414, Size   6.000 MB"}));
-    EXPECT_EQ(Sheet->WizardLogEntry->Name, "Selected NTFS logical drive 2");
-    EXPECT_EQ(Sheet->WizardTask, kTaskRecoverImage);
+    EXPECT_EQ(Sheet->State().WizardLogEntry.Name, "Selected NTFS logical drive 2");
+    EXPECT_EQ(Sheet->State().WizardTask, kTaskRecoverImage);
     EXPECT_EQ(Engine.VolumeParams.StartSector, 12414U);
     EXPECT_FALSE(Engine.VolumeParams.MftExtents.Empty());
     EXPECT_TRUE(Answers.Boxes.empty());
@@ -100,9 +100,9 @@ TEST_F(SourcePagesTest, ImageIsKeptOnTheWayBack) {
         EXPECT_EQ(Buttons(), "< Back Next >");
         Press("Search for lost partition(s)");
         Press("< Back");
-        EXPECT_EQ(Sheet->ProcessingMode, 0);
+        EXPECT_EQ(Sheet->State().ProcessingMode, 0);
         Press("Next >");
-        EXPECT_EQ(Sheet->ProcessingMode, 1) << "what is checked counts";
+        EXPECT_EQ(Sheet->State().ProcessingMode, 1) << "what is checked counts";
         Press("Display default partition(s)");
         Press("Next >");
         EXPECT_EQ(RowsShown(*Sheet), kLogicalRows);
@@ -237,8 +237,8 @@ TEST_F(SourcePagesTest, LongListKeepsTheLow32BitsOfAStart) {
         Close();
     });
     Run();
-    EXPECT_EQ(Sheet->WizardLogEntry->Name, "Selected NTFS logical drive 12");
-    EXPECT_EQ(Drive, 4) << "keys leave it alone";
+    EXPECT_EQ(Sheet->State().WizardLogEntry.Name, "Selected NTFS logical drive 12");
+    EXPECT_EQ(Sheet->State().LogicalDriveNumber, 4) << "keys leave it alone";
 }
 
 class DiskTest : public SourcePagesTest {
@@ -267,7 +267,7 @@ protected:
     }
 
     [[nodiscard]] int PositionOf(const std::string& name) const {
-        const auto& disks = Sheet->Disks;
+        const auto& disks = Sheet->State().Disks;
         return static_cast<int>(std::find_if(disks.begin(), disks.end(),
                                              [&](const DiskInfo& disk) { return disk.Name == name; }) -
                                 disks.begin());
@@ -320,7 +320,7 @@ TEST_F(DiskTest, MissingRightIsExplained) {
         GTEST_SKIP() << "no disk here that could be forbidden";
     }
     std::vector<DiskInfo> disks = MadeUpDisks();
-    disks[0].Name = "loop0";
+    disks[0].Path = "/dev/loop0";
     MakeSheet(disks);
     AtSheet([&] {
         ASSERT_EQ(::seteuid(65534), 0);

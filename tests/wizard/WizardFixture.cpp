@@ -23,6 +23,7 @@ std::intptr_t RecordingFrame::OnMessage(std::uint32_t message, std::uintptr_t wP
 
 std::vector<DiskInfo> MadeUpDisks() {
     DiskInfo first;
+    first.Path = "/dev/sdx";
     first.Name = "sdx";
     first.MediaType = "Fixed hard disk media";
     first.InterfaceType = "IDE";
@@ -35,9 +36,11 @@ std::vector<DiskInfo> MadeUpDisks() {
     first.Model = "Some Disk";
     first.BytesPerSector = "512";
     DiskInfo second = first;
+    second.Path = "/dev/sdy";
     second.Name = "sdy";
     second.InterfaceType = "USB";
     DiskInfo third = first;
+    third.Path = "/dev/no-such-disk";
     third.Name = "no-such-disk";
     third.InterfaceType = "NVMe";
     return {first, second, third};
@@ -69,7 +72,7 @@ WizardTest::~WizardTest() {
 }
 
 void WizardTest::MakeSheet(std::vector<DiskInfo> disks) {
-    Sheet = std::make_unique<CWizardSheet>(nullptr, Drive, std::move(disks));
+    Sheet = std::make_unique<CWizardSheet>(nullptr, 4, std::move(disks));
 }
 
 void WizardTest::AtSheet(std::function<void()> act) {

@@ -66,7 +66,6 @@ protected:
     BoxAnswers Answers;
     ModalSteps Steps;
     ScratchFolder Scratch;
-    std::uint8_t Drive = 4;
     std::unique_ptr<CWizardSheet> Sheet;
 };
 
