@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/system/BigBlock.h"
 #include "platform/system/Bytes.h"
 #include "platform/system/ErrorCodes.h"
-#include "platform/system/BigBlock.h"
 
 #include <cstdint>
 #include <cstring>
