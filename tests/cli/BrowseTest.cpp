@@ -1,55 +1,43 @@
-#include "CliHelpers.h"
-
-#include <gtest/gtest.h>
+#include "CliFixture.h"
 
 namespace thntfs::test {
 
 namespace {
 
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-class BrowseTest : public testing::Test {
+class BrowseTest : public CliTest {
 protected:
     BrowseTest() {
         volume_.AddFolder({.Number = 40, .Name = u"Letters"});
         volume_.AddFile(TextFile(41, u"one.txt", "the live one", 40));
         volume_.AddFolder({.Number = 42, .Parent = 40, .Name = u"Old", .Live = false});
-        AddDeleted(TextFile(43, u"two.txt", "a deleted one", 42));
-        AddDeleted(TextFile(44, u"one.txt", "its deleted twin", 40));
+        volume_.AddFile(TextFile(43, u"two.txt", "a deleted one", 42, false));
+        volume_.AddFile(TextFile(44, u"one.txt", "its deleted twin", 40, false));
         volume_.AddFile(TextFile(45, u"lost.txt", "no folder", 1234));
         volume_.AddFile(TextFile(46, u"bell\a\x1b[31m\nred\x7f.txt", "signs"));
         volume_.AddFile(TextFile(47, u"lone\xD800half.txt", "half"));
-        volume_.AddFile(TextFile(48, u"a/b", "slash"));
-        volume_.AddFile(TextFile(49, u"\u202egnp.exe", "turned"));
+        volume_.AddFile(TextFile(48, u"a/b", "an older one", 5, false));
+        volume_.AddFile(TextFile(49, u"a/b", "slash"));
+        FileSpec undated = TextFile(50, u"\u202egnp.exe", "turned");
+        undated.Times = {};
+        volume_.AddFile(undated);
         volume_.WriteTo(image_);
     }
 
-    void AddDeleted(FileSpec file) {
-        file.Live = false;
-        volume_.AddFile(file);
-    }
-
-    RunResult Run(Words words, const Words& more = {}) {
+    RunResult Run(Words words, const Words& more = {}, int status = 0, const std::string& told = "") {
         words.insert(words.begin() + 1, image_);
         words.insert(words.end(), more.begin(), more.end());
-        return RunCli(words);
+        return Expect(status, words, told);
     }
 
-    std::vector<std::string> PathsOf(const Words& words) {
-        std::vector<std::string> paths;
+    using Paths = std::vector<std::string>;
+
+    Paths PathsOf(const Words& words) {
+        Paths paths;
         for (const Json& entry : JsonLines(Run(words, {"--json"}).Out)) {
             paths.push_back(entry["path"]);
         }
         return paths;
     }
-
-    using Paths = std::vector<std::string>;
-
-    VolumeBuilder volume_;
-    ScratchFolder scratch_;
-    std::string image_ = scratch_ / "image";
 };
 
 TEST_F(BrowseTest, ListGivesFoldersAndWhatIsBelow) {
@@ -57,29 +45,25 @@ TEST_F(BrowseTest, ListGivesFoldersAndWhatIsBelow) {
     EXPECT_EQ(PathsOf({"list", "/Letters", "--recursive"}),
               (Paths{"/Letters/one.txt", "/Letters/Old", "/Letters/Old/two.txt", "/Letters/one.txt"}));
     EXPECT_EQ(PathsOf({"list", "--recursive", "--deleted"}),
-              (Paths{"/Letters/Old", "/Letters/Old/two.txt", "/Letters/one.txt", "#1234"}));
+              (Paths{"/Letters/Old", "/Letters/Old/two.txt", "/Letters/one.txt", "/a/b", "#1234"}));
     EXPECT_EQ(PathsOf({"list", "/Letters/Old/two.txt"}), (Paths{"/Letters/Old/two.txt"}));
     EXPECT_EQ(PathsOf({"list", "#1234"}), (Paths{"#1234/lost.txt"}));
     EXPECT_EQ(PathsOf({"list", "/"}).size() + 1, PathsOf({"list"}).size())
         << "the lost folder stands at the top";
-}
-
-TEST_F(BrowseTest, ListMarksDeletedEntries) {
-    const std::string text = Run({"list", "/Letters"}).Out;
-    EXPECT_TRUE(text.starts_with("  ")) << text;
-    EXPECT_TRUE(Contains(text, "\nD ")) << text;
-    EXPECT_TRUE(Contains(text, "/Letters/Old/\n")) << text;
+    EXPECT_EQ(Run({"list", "/Letters"}).Out, "              12  2024-02-29  /Letters/one.txt\n"
+                                             "D              -  2024-02-29  /Letters/Old/\n"
+                                             "D             16  2024-02-29  /Letters/one.txt\n");
 }
 
 TEST_F(BrowseTest, CatTakesTheLiveOneOfSeveral) {
-    const RunResult run = Run({"cat", "/Letters/one.txt"});
-    EXPECT_EQ(run.Status, 0);
-    EXPECT_EQ(run.Out, "the live one");
-    EXPECT_TRUE(Contains(run.Err, "2 files have the path /Letters/one.txt; this is record 41, live"))
-        << run.Err;
+    EXPECT_EQ(Run({"cat", "/Letters/one.txt"}, {}, 0,
+                  "2 files have the path /Letters/one.txt; this is record 41, live")
+                  .Out,
+              "the live one");
+    EXPECT_EQ(Run({"cat", "/a/b"}, {}, 0, "this is record 49, live").Out, "slash")
+        << "the deleted one comes first, and a name may hold a slash";
     EXPECT_EQ(Run({"cat", "--record", "44"}).Out, "its deleted twin");
     EXPECT_EQ(Run({"cat", "#1234/lost.txt"}).Out, "no folder");
-    EXPECT_EQ(Run({"cat", "/a/b"}).Out, "slash") << "a name may hold a slash";
 }
 
 TEST_F(BrowseTest, WhatIsNotThereIsTold) {
@@ -89,21 +73,15 @@ TEST_F(BrowseTest, WhatIsNotThereIsTold) {
         {{"cat", "/letters/ONE.TXT"}, "No file has the path"},
         {{"cat", "/Letters"}, "/Letters is a folder"},
         {{"cat", "--record", "40"}, "record 40"},
-        {{"cat", "--record", "4294967295"}, "record 4294967295"},
-        {{"list", "/nothing"}, "No entry has the path /nothing"},
-        {{"list", "/nothing\x1b[2J"}, "\\x1b"},
+        {{"list", "/nothing\x1b[2J"}, "No entry has the path /nothing\\x1b[2J"},
     };
     for (const auto& [words, told] : cases) {
-        const RunResult run = Run(words);
-        EXPECT_EQ(run.Status, 1) << words.back();
-        EXPECT_EQ(run.Out, "");
-        EXPECT_TRUE(Contains(run.Err, told)) << told << ", but: " << run.Err;
+        EXPECT_EQ(Run(words, {}, 1, told).Out, "");
     }
 }
 
 TEST_F(BrowseTest, ControlCharactersNeverReachTheTerminal) {
-    for (const Words& words :
-         {Words{"list", "-r"}, Words{"scan", "--files"}, Words{"save", "--to", scratch_ / "to"}}) {
+    for (const Words& words : {Words{"list", "-r"}, {"scan", "--files"}, {"save", "--to", target_}}) {
         const RunResult run = Run(words);
         for (const char c : run.Out + run.Err) {
             EXPECT_TRUE(c == '\n' || (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F))
@@ -113,31 +91,65 @@ TEST_F(BrowseTest, ControlCharactersNeverReachTheTerminal) {
     }
 }
 
-TEST_F(BrowseTest, JsonKeepsEveryName) {
-    for (const Json& entry : JsonLines(Run({"list", "-r", "--json"}).Out)) {
-        if (entry["record"] == 46) {
-            EXPECT_EQ(entry["name"], "bell\a\x1b[31m\nred\x7f.txt");
-        }
-        if (entry["record"] == 47) {
-            const std::string path = entry["path"];
-            EXPECT_EQ(Run({"cat", path}).Out, "half") << "a path that was listed leads back to the file";
-        }
-    }
-}
-
 TEST_F(BrowseTest, ScanShowsTheTree) {
     const RunResult run = Run({"scan"});
-    EXPECT_EQ(run.Status, 0);
     EXPECT_EQ(run.Err, "");
-    EXPECT_TRUE(Contains(run.Out, "Letters/\n"));
-    EXPECT_TRUE(Contains(run.Out, "  Old/  [deleted]\n"));
-    EXPECT_TRUE(Contains(run.Out, "#1234/  [folder lost]\n"));
-    EXPECT_FALSE(Contains(run.Out, "two.txt"));
-    EXPECT_TRUE(Contains(Run({"scan", "--files"}).Out, "two.txt"));
-    const Json totals = Json::parse(Run({"scan", "--json"}).Out);
-    EXPECT_EQ(totals["files"], 8);
-    EXPECT_EQ(totals["deletedFiles"], 2);
-    EXPECT_EQ(totals["lostFolders"], 1);
+    EXPECT_TRUE(Contains(run.Out, " Root/\n  Letters/\n    Old/  [deleted]\n#1234/  [folder lost]\n"))
+        << run.Out;
+    EXPECT_TRUE(Contains(run.Out, "Files:   9, of them 3 deleted\n"
+                                  "Folders: 4, of them 2 deleted, 1 of these known by number alone\n"
+                                  "Bytes:   82 (82 bytes)\n"))
+        << run.Out;
+    EXPECT_TRUE(Contains(Run({"scan", "--files"}).Out, "      two.txt  13 bytes  [deleted]\n"));
+}
+
+/// Names and types of an object's fields in their order.
+std::string FieldsOf(const Json& object) {
+    std::string text;
+    for (const auto& [name, value] : object.items()) {
+        text += name + ":" + value.type_name() + " ";
+    }
+    return text;
+}
+
+TEST_F(BrowseTest, JsonIsThatOfTheContract) {
+    for (const Json& volume : Json::parse(Run({"partitions"}, {"--json"}).Out)) {
+        EXPECT_EQ(FieldsOf(volume),
+                  "number:number startSector:number totalSectors:number bytesPerSector:number "
+                  "sectorsPerCluster:number clusterBytes:number fileRecordBytes:number "
+                  "indexBlockBytes:number mftSector:number mftCluster:number mftMirrCluster:number "
+                  "serial:string evidence:number ");
+        EXPECT_EQ(volume["serial"], "1122334455667788");
+    }
+    std::map<std::uint32_t, Json> entries;
+    for (const Json& entry : JsonLines(Run({"list", "-r"}, {"--json"}).Out)) {
+        entries[entry["record"]] = entry;
+    }
+    EXPECT_EQ(FieldsOf(entries[41]),
+              "id:number path:string name:string folder:boolean live:boolean size:number record:number "
+              "parent:number recordSector:number flags:number created:string accessed:string ");
+    EXPECT_EQ(entries[46]["name"], "bell\a\x1b[31m\nred\x7f.txt");
+    EXPECT_EQ(entries[50]["created"], nullptr);
+    EXPECT_EQ(entries[50]["accessed"], nullptr);
+    EXPECT_EQ(Run({"cat", entries[47]["path"]}).Out, "half") << "a listed path leads back to the file";
+
+    const Json scan = Json::parse(Run({"scan"}, {"--json"}).Out);
+    EXPECT_EQ(scan, (Json{{"files", 9},
+                          {"folders", 4},
+                          {"bytes", 82},
+                          {"deletedFiles", 3},
+                          {"deletedFolders", 2},
+                          {"lostFolders", 1},
+                          {"complete", true},
+                          {"recordsNotRead", 0}}));
+    const Json save = Json::parse(Run({"save"}, {"--json", "--to", target_}).Out);
+    EXPECT_EQ(save, (Json{{"files", 9},
+                          {"folders", 3},
+                          {"bytes", 82},
+                          {"damaged", 0},
+                          {"failed", 0},
+                          {"complete", true},
+                          {"target", target_}}));
 }
 
 } // namespace

@@ -1,39 +1,28 @@
-#include "LoopFixture.h"
+#include "CliFixture.h"
 #include "disktools/CopyMapFile.h"
-#include "support/FaultyMount.h"
 
-#include <filesystem>
+#include <algorithm>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sstream>
-#include <unistd.h>
 
 namespace thntfs::test {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-class CopyTest : public LoopFixture {
+class CopyTest : public CliTest {
 protected:
-    /// A file of random bytes that begins with a partition table and a volume.
+    /// A file without holes that begins with a partition table and a volume, and goes on with a pattern.
     std::string MakeDisk(const std::string& name, std::uint64_t bytes) {
-        VolumeBuilder().WriteTo(scratch_ / name);
-        fs::resize_file(scratch_ / name, std::min<std::uint64_t>(bytes, 1U << 20U));
-        std::ofstream out(scratch_ / name, std::ios::binary | std::ios::app);
-        for (std::uint64_t word = fs::file_size(scratch_ / name) / 8; word * 8 < bytes; ++word) {
-            const std::uint64_t value = word * 0x9E3779B97F4A7C15U;
-            out.write(reinterpret_cast<const char*>(&value), sizeof value);
-        }
-        return scratch_ / name;
+        volume_.WriteTo(At(name));
+        const std::string start = ReadWholeFile(At(name)).substr(0, 1U << 20U);
+        ByteVector all = PatternBytes(bytes);
+        std::copy_n(start.begin(), std::min(start.size(), all.size()), all.begin());
+        WriteFileBytes(At(name), all);
+        return At(name);
     }
 
     /// What an image of these bytes is.
-    static std::string ImageOf(std::string bytes, std::vector<std::uint64_t> badSectors = {}) {
+    static std::string ImageOf(std::string bytes, const std::vector<std::uint64_t>& badSectors = {}) {
         for (const std::uint64_t sector : badSectors) {
             bytes.replace(sector * 512, 512, 512, '\0');
         }
@@ -41,380 +30,346 @@ protected:
         return bytes;
     }
 
-    void ExpectRefused(const Words& words, const std::string& told, int status = 1) {
-        const RunResult run = RunCli(words);
-        EXPECT_EQ(run.Status, status) << run.Err;
-        EXPECT_EQ(run.Out, "");
-        EXPECT_TRUE(Contains(run.Err, told)) << told << ", but: " << run.Err;
+    /// Whether the image is one of the whole disk.
+    bool IsImage(const std::vector<std::uint64_t>& badSectors = {}) {
+        return ReadWholeFile(copy_) == ImageOf(ReadWholeFile(disk_), badSectors);
     }
 
-    std::string image_ = scratch_ / "disk.th2";
-    std::string map_ = image_ + ".map";
+    std::string disk_ = At("disk");
+    std::string copy_ = At("disk.th2");
+    std::string map_ = copy_ + ".map";
 };
 
-} // namespace
+// --------------------------------------------------------------------- devices
 
-// ----------------------------------------------------------------------- disks
-
-TEST_F(CopyTest, DisksShowsALoopDeviceWithWhatItShows) {
-    const std::string disk = MakeDisk("a disk", 3U << 20U);
-    const std::string device = Attach(disk, "--sector-size 4096");
-    if (device.empty()) {
+TEST_F(CopyTest, ALoopDeviceGivesWhatItsImageGives) {
+    const std::string image = PackedPath("logical");
+    const std::string device = Attach(image, "--read-only");
+    const std::string large = Attach(PackedPath("sector4k"), "--read-only --sector-size 4096");
+    MakeDisk("a disk", 3U << 20U);
+    const std::string named = Attach(At("a disk"), "--sector-size 4096");
+    if (device.empty() || large.empty() || named.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
-    const RunResult run = RunCli({"disks", "--json"});
-    ASSERT_EQ(run.Status, 0) << run.Err;
-    const std::string name = device.substr(device.rfind('/') + 1);
+    EXPECT_EQ(RunCli({"partitions", device, "--json"}).Out, RunCli({"partitions", image, "--json"}).Out);
+    EXPECT_EQ(RunCli({"partitions", large, "--json"}).Out,
+              RunCli({"partitions", PackedPath("sector4k"), "--json"}).Out);
+    EXPECT_EQ(RunCli({"list", device, "-p", "2", "-r", "--json"}).Out,
+              RunCli({"list", image, "-p", "2", "-r", "--json"}).Out);
+    Expect(0, {"save", device, "-p", "2", "--to", At("one")});
+    Expect(0, {"save", image, "-p", "2", "--to", At("two")});
+    EXPECT_EQ(FilesBelow(At("one")), FilesBelow(At("two")));
+    EXPECT_GT(FilesBelow(At("one")).size(), 5U);
+
+    const std::string name = named.substr(named.rfind('/') + 1);
     const Json expected = {{"Name", name},          {"MediaType", "Disk image"}, {"InterfaceType", "Loop"},
                            {"TotalSectors", "768"}, {"TotalCylinders", "0"},     {"TotalHeads", "255"},
                            {"Size", "3.00 MB"},     {"Serial", "N/A"},           {"Revision", ""},
-                           {"Model", disk},         {"BytesPerSector", "4096"}};
-    std::size_t found = 0;
-    for (const Json& shown : Json::parse(run.Out)) {
-        found += shown == expected ? 1 : 0;
-    }
-    EXPECT_EQ(found, 1U) << run.Out;
+                           {"Model", At("a disk")}, {"BytesPerSector", "4096"}};
+    const Json disks = Json::parse(Expect(0, {"disks", "--json"}).Out);
+    EXPECT_EQ(std::count(disks.begin(), disks.end(), expected), 1) << disks;
     EXPECT_TRUE(Contains(RunCli({"disks"}).Out, name));
+}
+
+TEST_F(CopyTest, NothingIsWrittenToTheMediumItself) {
+    const std::string disk = Attach(PackedPath("basic"), "--read-only");
+    const std::string volume = Attach(PackedPath("basic"), "--read-only --offset 1048576");
+    if (disk.empty() || volume.empty() || !Mount("-t ntfs-3g -o ro " + volume)) {
+        GTEST_SKIP() << kNoLoops;
+    }
+    for (const std::string& medium : {PackedPath("basic"), disk}) {
+        ExpectRefused(1, {"save", medium, "--to", mount_ + "/new"}, "on the medium that is being read");
+    }
+}
+
+TEST_F(CopyTest, TemporaryFilesKeepOffTheMedium) {
+    volume_.WriteTo(disk_);
+    const std::uint64_t end = fs::file_size(disk_);
+    fs::resize_file(disk_, end + (8U << 20U));
+    const std::string behind = Attach(disk_, "--offset " + std::to_string(end));
+    if (behind.empty() || !MountNewFileSystem(behind)) {
+        GTEST_SKIP() << kNoLoops;
+    }
+    fs::create_directory(mount_ + "/tmp");
+    const auto before = fs::last_write_time(mount_ + "/tmp");
+    RunSetup setup;
+    setup.Environment["TMPDIR"] = mount_ + "/tmp";
+    Expect(0, {"scan", disk_, "--json"}, "lies on the medium that is being read", setup);
+    EXPECT_TRUE(fs::last_write_time(mount_ + "/tmp") == before);
 }
 
 // ----------------------------------------------------------------------- image
 
 TEST_F(CopyTest, ImageOfAPackedDiskGivesWhatItsDiskGives) {
-    const std::string disk = PackedPath("logical");
-    const RunResult run = RunCli({"image", disk, image_, "--log", scratch_ / "log"});
-    EXPECT_EQ(run.Status, 0) << run.Err;
+    disk_ = PackedPath("logical");
+    const RunResult run = Expect(0, {"image", disk_, copy_, "--log", At("log")});
     EXPECT_TRUE(Contains(run.Out, "Disk Imaging Completed\n")) << run.Out;
-    EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk)));
+    EXPECT_TRUE(IsImage());
     RunSetup noRoom;
     noRoom.MaxFileBytes = fs::file_size(map_) - 1;
-    const RunResult again = RunCli({"image", disk, image_, "--resume"}, noRoom);
-    EXPECT_EQ(again.Status, 3) << again.Out;
-    EXPECT_TRUE(Contains(again.Err, "It tells less than has been read")) << again.Err;
-    for (const Words& words : {Words{"partitions", "--json"}, Words{"list", "-p", "2", "-r", "--json"}}) {
-        Words ofDisk = words;
-        Words ofImage = words;
-        ofDisk.insert(ofDisk.begin() + 1, disk);
-        ofImage.insert(ofImage.begin() + 1, image_);
-        EXPECT_EQ(RunCli(ofImage).Out, RunCli(ofDisk).Out);
-    }
-    EXPECT_TRUE(Contains(ReadWholeFile(scratch_ / "log"),
-                         "\nCompleted Disk Imaging\r\n\t\t" + disk + " to " + image_));
+    Expect(3, {"image", disk_, copy_, "--resume"}, "It tells less than has been read", noRoom);
+    EXPECT_EQ(RunCli({"list", copy_, "-p", "2", "-r"}).Out, RunCli({"list", disk_, "-p", "2", "-r"}).Out);
+    EXPECT_TRUE(
+        Contains(ReadWholeFile(At("log")), "\nCompleted Disk Imaging\r\n\t\t" + disk_ + " to " + copy_));
 }
 
 TEST_F(CopyTest, ImageRefusesBeforeAnythingIsWritten) {
-    const std::string disk = MakeDisk("disk", 1U << 20U);
-    std::ofstream(scratch_ / "there") << "precious";
-    std::ofstream(scratch_ / "alone.map") << "precious";
-    std::ofstream(scratch_ / "empty");
-    ExpectRefused({"image", disk, scratch_ / "there"}, "exists already and is not written over");
-    ExpectRefused({"image", disk, scratch_ / "alone"}, "exists already, without its image");
-    ExpectRefused({"image", disk, disk}, "are one disk");
-    ExpectRefused({"image", disk, image_, "--resume"}, "to go on with");
-    ExpectRefused({"image", disk, scratch_ / "there", "--resume"}, "The system cannot find the file");
-    ExpectRefused({"image", disk, scratch_ / "there", "--retry", "1"}, "The system cannot find the file");
-    ExpectRefused({"image", disk, "/dev/null", "--resume"}, "is no image file");
-    ExpectRefused({"image", disk, scratch_ / "none/disk.th2"}, "Cannot make");
-    ExpectRefused({"image", scratch_ / "empty", image_}, "is empty");
-    ExpectRefused({"image", scratch_ / "none", image_}, "Cannot open");
-    ExpectRefused({"image", scratch_.Path(), image_}, "is a folder");
-    ExpectRefused({"image", disk, image_, "--log", image_}, "The log can't go to", 2);
-    ExpectRefused({"image", disk, image_, "--log", scratch_ / "x/../disk.th2.map"}, "The log can't go to", 2);
-    ExpectRefused({"image", disk, image_, "--retry", "0"}, "'0' is not a whole number", 2);
-    EXPECT_EQ(ReadWholeFile(scratch_ / "there"), "precious");
-    EXPECT_EQ(ReadWholeFile(scratch_ / "alone.map"), "precious");
-    EXPECT_FALSE(fs::exists(image_));
-    EXPECT_FALSE(fs::exists(map_));
-}
-
-TEST_F(CopyTest, ImageWithoutRoomIsRefused) {
-    std::ofstream(scratch_ / "huge");
+    MakeDisk("disk", 1U << 20U);
+    std::ofstream(At("there")) << "precious";
+    std::ofstream(At("alone.map")) << "precious";
+    std::ofstream(At("empty"));
+    ExpectRefused(1, {"image", disk_, At("there")}, "exists already and is not written over");
+    ExpectRefused(1, {"image", disk_, At("alone")}, "exists already, without its image");
+    ExpectRefused(1, {"image", disk_, disk_}, "are one disk");
+    ExpectRefused(1, {"image", disk_, copy_, "--resume"}, "to go on with");
+    ExpectRefused(1, {"image", disk_, At("there"), "--retry", "1"}, "The system cannot find the file");
+    ExpectRefused(1, {"image", disk_, "/dev/null", "--resume"}, "is no image file");
+    ExpectRefused(1, {"image", disk_, At("none/disk.th2")}, "Cannot make");
+    ExpectRefused(1, {"image", At("empty"), copy_}, "is empty");
+    ExpectRefused(1, {"image", scratch_.Path(), copy_}, "is a folder");
+    ExpectRefused(2, {"image", disk_, copy_, "--log", copy_}, "The log can't go to");
+    ExpectRefused(2, {"image", disk_, copy_, "--log", At("x/../disk.th2.map")}, "The log can't go to");
+    ExpectRefused(2, {"image", disk_, copy_, "--retry", "0"}, "'0' is not a whole number");
     std::error_code failure;
-    fs::resize_file(scratch_ / "huge", std::uint64_t{15} << 40U, failure);
-    if (failure || fs::space(scratch_.Path()).available > std::uint64_t{15} << 40U) {
-        GTEST_SKIP() << "no file here can be larger than the room";
+    fs::resize_file(At("empty"), std::uint64_t{15} << 40U, failure);
+    if (!failure && fs::space(scratch_.Path()).available < std::uint64_t{15} << 40U) {
+        ExpectRefused(1, {"image", At("empty"), copy_}, "too little room");
     }
-    ExpectRefused({"image", scratch_ / "huge", image_}, "too little room");
-    EXPECT_FALSE(fs::exists(image_));
+    EXPECT_EQ(ReadWholeFile(At("there")) + ReadWholeFile(At("alone.map")), "preciousprecious");
+    EXPECT_FALSE(fs::exists(copy_) || fs::exists(map_));
 }
 
 TEST_F(CopyTest, ResumeRefusesAnImageOfAnotherDisk) {
-    const std::string disk = MakeDisk("disk", 1U << 20U);
-    const std::string larger = MakeDisk("larger", 2U << 20U);
-    ASSERT_EQ(RunCli({"image", disk, image_}).Status, 0);
-    const std::string bytes = ReadWholeFile(image_);
-    ExpectRefused({"image", larger, image_, "--resume"}, "a source of another size");
-    fs::resize_file(image_, 1000);
-    ExpectRefused({"image", disk, image_, "--resume"}, "holds less than its map");
-    std::ofstream(image_, std::ios::binary) << ReadWholeFile(disk);
-    ExpectRefused({"image", disk, image_, "--resume"}, "is not an image of");
-    std::ofstream(image_, std::ios::binary) << bytes;
+    MakeDisk("disk", 1U << 20U);
+    Expect(0, {"image", disk_, copy_});
+    const std::string bytes = ReadWholeFile(copy_);
+    ExpectRefused(1, {"image", MakeDisk("larger", 2U << 20U), copy_, "--resume"}, "a source of another size");
+    fs::resize_file(copy_, 1000);
+    ExpectRefused(1, {"image", disk_, copy_, "--resume"}, "holds less than its map");
+    std::ofstream(copy_, std::ios::binary) << ReadWholeFile(disk_);
+    ExpectRefused(1, {"image", disk_, copy_, "--resume"}, "is not an image of");
+    std::ofstream(copy_, std::ios::binary) << bytes;
     std::ofstream(map_) << "0x0 ?\n0x0 nonsense\n";
-    ExpectRefused({"image", disk, image_, "--resume"}, "line 2 makes no sense");
-    EXPECT_TRUE(ReadWholeFile(image_) == bytes);
-}
+    ExpectRefused(1, {"image", disk_, copy_, "--resume"}, "line 2 makes no sense");
+    EXPECT_TRUE(ReadWholeFile(copy_) == bytes);
 
-// A map of nothing is all that a run leaves that is killed before it has made its image.
-TEST_F(CopyTest, AMapOfNothingIsGoneOnWith) {
-    const std::string disk = MakeDisk("disk", 1U << 20U);
-    for (const Words& words : {Words{"image", disk, image_}, Words{"image", disk, image_, "--resume"}}) {
-        ASSERT_EQ(SaveMap(map_, CopyMap(1U << 20U), {}, MapComment(disk, "")), kErrorNone);
-        EXPECT_EQ(RunCli(words).Status, 0);
-        EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk)));
-        fs::remove(image_);
+    // A map of nothing is all that a run leaves that is killed before it has made its image.
+    for (const Words& words : {Words{"image", disk_, copy_}, Words{"image", disk_, copy_, "--resume"}}) {
+        fs::remove(copy_);
+        ASSERT_EQ(SaveMap(map_, CopyMap(1U << 20U), {}, MapComment(disk_, "")), kErrorNone);
+        Expect(0, words);
+        EXPECT_TRUE(IsImage());
     }
 }
 
 TEST_F(CopyTest, WhatWasCopiedTellsTheDiskOfAnImage) {
-    const std::string disk = MakeDisk("disk", 4U << 20U);
-    ASSERT_EQ(RunCli({"image", disk, image_}).Status, 0);
+    MakeDisk("disk", 4U << 20U);
+    Expect(0, {"image", disk_, copy_});
     std::string map = ReadWholeFile(map_);
     map.replace(map.find("0x00000000  0x00400000"), std::string::npos,
                 "0x00000000  0x00200000  +\n0x00200000  0x00200000  ?\n");
-    const std::string half = ReadWholeFile(image_).substr(0, 2U << 20U);
+    const std::string half = ReadWholeFile(copy_).substr(0, 2U << 20U);
+    const std::string whole = ReadWholeFile(disk_);
+    disk_ = At("other");
     const auto layOut = [&](std::uint64_t changedByte) {
-        std::ofstream(image_, std::ios::binary) << half;
+        std::ofstream(copy_, std::ios::binary) << half;
         std::ofstream(map_, std::ios::binary) << map;
-        std::string bytes = ReadWholeFile(disk);
+        std::string bytes = whole;
         bytes.at(changedByte) ^= 1;
-        std::ofstream(scratch_ / "other", std::ios::binary) << bytes;
+        std::ofstream(disk_, std::ios::binary) << bytes;
     };
     // In the middle of a 64th, where one sector of each is looked at; and in the first megabyte.
     for (const std::uint64_t sector : {2U, 2047U, 4000U}) {
         layOut(sector * 512 + 511);
-        ExpectRefused({"image", scratch_ / "other", image_, "--resume"},
-                      "sector " + std::to_string(sector) + " of " + (scratch_ / "other"));
-        EXPECT_TRUE(ReadWholeFile(image_) == half);
+        ExpectRefused(1, {"image", disk_, copy_, "--resume"},
+                      "sector " + std::to_string(sector) + " of " + disk_);
+        EXPECT_TRUE(ReadWholeFile(copy_) == half);
     }
     // A stamp is of the image alone, and what isn't copied yet can't differ.
     for (const std::uint64_t byte : {432U, 445U, 3U << 20U}) {
         layOut(byte);
-        const RunResult run = RunCli({"image", scratch_ / "other", image_, "--resume"});
-        EXPECT_EQ(run.Status, 0) << run.Err;
-        EXPECT_TRUE(Contains(run.Err, "was begun from " + disk)) << run.Err;
-        EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(scratch_ / "other")));
-        EXPECT_FALSE(Contains(RunCli({"image", scratch_ / "other", image_, "--resume"}).Err, "begun"));
+        Expect(0, {"image", disk_, copy_, "--resume"}, "was begun from " + At("disk"));
+        EXPECT_TRUE(IsImage());
+        EXPECT_EQ(Expect(0, {"image", disk_, copy_, "--resume"}).Err, "");
     }
 }
 
 TEST_F(CopyTest, CopyOntoTheDiskItselfIsRefused) {
     MakeDisk("disk", 8U << 20U);
-    const std::string device = Attach(scratch_ / "disk");
-    fs::create_directory(mount_);
+    const std::string device = Attach(disk_);
     if (device.empty() || !MountNewFileSystem(device)) {
         GTEST_SKIP() << kNoLoops;
     }
-    ExpectRefused({"image", device, mount_ + "/disk.th2"}, "the medium that is to be read");
-    ExpectRefused({"image", scratch_ / "disk", mount_ + "/disk.th2"}, "the medium that is to be read");
-    EXPECT_FALSE(fs::exists(mount_ + "/disk.th2"));
-
     // Under any name, and the map as well as the image.
+    const std::string told = "the medium that is to be read";
+    ExpectRefused(1, {"image", disk_, mount_ + "/disk.th2"}, told);
     fs::create_directory(mount_ + "/folder");
-    fs::create_directory_symlink(mount_ + "/folder", scratch_ / "link");
+    fs::create_directory_symlink(mount_ + "/folder", At("link"));
     fs::create_symlink(mount_ + "/disk.map", map_);
-    for (const std::string& image : {scratch_ / "link/../disk.th2", image_}) {
-        ExpectRefused({"image", device, image}, "the medium that is to be read");
+    for (const std::string& copy : {mount_ + "/disk.th2", At("link/../disk.th2"), copy_}) {
+        ExpectRefused(1, {"image", device, copy}, told);
     }
+    EXPECT_FALSE(fs::exists(mount_ + "/disk.th2"));
     fs::remove(map_);
 
     std::ofstream(mount_ + "/file") << "precious";
     fs::resize_file(mount_ + "/file", 8U << 20U);
-    ExpectRefused({"clone", device, mount_ + "/file", "--yes"}, "the medium that is to be read");
+    ExpectRefused(1, {"clone", device, mount_ + "/file", "--yes"}, told);
     EXPECT_EQ(ReadWholeFile(mount_ + "/file").substr(0, 8), "precious");
-    const RunResult run = RunCli({"image", device, image_});
-    EXPECT_EQ(run.Status, 0) << run.Err;
-    EXPECT_TRUE(Contains(run.Err, "is mounted")) << run.Err;
+    Expect(0, {"image", device, copy_}, "is mounted");
 }
 
 // ----------------------------------------------------------------------- clone
 
 TEST_F(CopyTest, CloneToAFileKeepsItsSizeAndItsRest) {
-    const std::string disk = MakeDisk("disk", 1000U * 512U);
-    const std::string target = MakeDisk("target", 1U << 20U);
-    const std::string before = ReadWholeFile(target);
-    const RunResult asked = RunCli({"clone", disk, target});
-    EXPECT_EQ(asked.Status, 2);
-    EXPECT_EQ(asked.Out, "");
-    EXPECT_TRUE(Contains(asked.Err, "destroys all that is on it:\n  NTFS volume 1  start sector 128"))
-        << asked.Err;
-    EXPECT_TRUE(Contains(asked.Err, "--yes")) << asked.Err;
-    EXPECT_TRUE(ReadWholeFile(target) == before);
-
-    const RunResult run = RunCli({"clone", disk, target, "--yes", "--json"});
-    EXPECT_EQ(run.Status, 0) << run.Err;
-    EXPECT_TRUE(ReadWholeFile(target) == ImageOf(ReadWholeFile(disk)) + before.substr(1000U * 512U));
-    EXPECT_EQ(Json::parse(run.Out), (Json{{"source", disk},
-                                          {"target", target},
-                                          {"bytesPerSector", 512},
-                                          {"sectors", 1000},
-                                          {"copiedSectors", 1000},
-                                          {"badSectors", 0},
-                                          {"unreadSectors", 0},
-                                          {"badRanges", Json::array()},
-                                          {"complete", true},
-                                          {"map", nullptr}}));
-    EXPECT_TRUE(Contains(RunCli({"clone", disk, target, "--yes"}).Out, "Disk Cloning Completed\n"));
+    MakeDisk("disk", 1000U * 512U);
+    MakeDisk("target", 1U << 20U);
+    const std::string before = ReadWholeFile(target_);
+    const std::string told = "destroys all that is on it:\n  NTFS volume 1  start sector 128";
+    EXPECT_TRUE(Contains(Expect(2, {"clone", disk_, target_}, told).Err, "--yes"));
+    EXPECT_TRUE(ReadWholeFile(target_) == before);
+    EXPECT_EQ(Json::parse(Expect(0, {"clone", disk_, target_, "--yes", "--json"}).Out),
+              (Json{{"source", disk_},
+                    {"target", target_},
+                    {"bytesPerSector", 512},
+                    {"sectors", 1000},
+                    {"copiedSectors", 1000},
+                    {"badSectors", 0},
+                    {"unreadSectors", 0},
+                    {"badRanges", Json::array()},
+                    {"complete", true},
+                    {"map", nullptr}}));
+    EXPECT_TRUE(ReadWholeFile(target_) == ImageOf(ReadWholeFile(disk_)) + before.substr(1000U * 512U));
 }
 
 TEST_F(CopyTest, CloneRefusesBeforeAnythingIsWritten) {
-    const std::string disk = MakeDisk("disk", 1U << 20U);
-    const std::string target = MakeDisk("target", (1U << 20U) - 512);
-    const std::string before = ReadWholeFile(target);
-    fs::create_symlink(disk, scratch_ / "link");
-    ExpectRefused({"clone", disk, target, "--yes"}, "is too small");
-    ExpectRefused({"clone", disk, disk, "--yes"}, "are one disk");
-    ExpectRefused({"clone", disk, scratch_ / "link", "--yes"}, "are one disk");
-    ExpectRefused({"clone", disk, scratch_ / "none", "--yes"}, "Cannot open");
-    ExpectRefused({"clone", disk, scratch_.Path(), "--yes"}, "Cannot open");
-    ExpectRefused({"clone", disk, "/dev/null", "--yes"}, "Cannot open");
-    ExpectRefused({"clone", disk, target, "--yes", "--log", target}, "The log can't go to", 2);
-    EXPECT_TRUE(ReadWholeFile(target) == before);
-    EXPECT_FALSE(fs::exists(scratch_ / "none"));
+    MakeDisk("disk", 1U << 20U);
+    MakeDisk("target", (1U << 20U) - 512);
+    const std::string before = ReadWholeFile(target_);
+    fs::create_symlink(disk_, At("link"));
+    ExpectRefused(1, {"clone", disk_, target_, "--yes"}, "is too small");
+    ExpectRefused(1, {"clone", disk_, At("link"), "--yes"}, "are one disk");
+    for (const std::string& target : {At("none"), scratch_.Path(), std::string("/dev/null")}) {
+        ExpectRefused(1, {"clone", disk_, target, "--yes"}, "Cannot open");
+    }
+    ExpectRefused(2, {"clone", disk_, target_, "--yes", "--log", target_}, "The log can't go to");
+    EXPECT_TRUE(ReadWholeFile(target_) == before);
+    EXPECT_FALSE(fs::exists(At("none")));
 }
 
 TEST_F(CopyTest, CloneToADevice) {
-    const std::string disk = MakeDisk("disk", 3U << 20U);
-    const std::string target = MakeDisk("target", 8U << 20U);
-    const std::string source = Attach(disk, "--read-only");
-    const std::string device = Attach(target);
-    fs::create_directory(mount_);
+    MakeDisk("disk", 3U << 20U);
+    MakeDisk("target", 8U << 20U);
+    const std::string source = Attach(disk_, "--read-only");
+    const std::string device = Attach(target_);
     if (source.empty() || device.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
-    ExpectRefused({"clone", disk, source, "--yes"}, "are one disk");
-    ExpectRefused({"clone", target, device, "--yes"}, "are one disk");
-    ExpectRefused({"clone", device, source, "--yes"}, "is too small");
-    const RunResult asked = RunCli({"clone", source, device});
-    EXPECT_EQ(asked.Status, 2);
-    EXPECT_TRUE(
-        Contains(asked.Err, "disk " + device.substr(5) + ": " + target + ", 8.00 MB, serial number N/A"))
-        << asked.Err;
-    EXPECT_EQ(RunCli({"clone", source, device, "--yes"}).Status, 0);
-    EXPECT_EQ(ReadWholeFile(device).substr(0, 3U << 20U), ImageOf(ReadWholeFile(disk)));
+    ExpectRefused(1, {"clone", disk_, source, "--yes"}, "are one disk");
+    ExpectRefused(1, {"clone", device, source, "--yes"}, "is too small");
+    ExpectRefused(2, {"clone", source, device},
+                  "disk " + device.substr(5) + ": " + target_ + ", 8.00 MB, serial number N/A");
+    Expect(0, {"clone", source, device, "--yes"});
+    EXPECT_EQ(ReadWholeFile(device).substr(0, 3U << 20U), ImageOf(ReadWholeFile(disk_)));
 
     if (MountNewFileSystem(device)) {
-        ExpectRefused({"clone", source, device, "--yes"}, "is in use");
-        ExpectRefused({"clone", source, target, "--yes"}, "is in use");
-        fs::copy_file(disk, mount_ + "/disk");
-        ExpectRefused({"clone", mount_ + "/disk", device, "--yes"}, "would be written over by its own copy");
+        ExpectRefused(1, {"clone", source, device, "--yes"}, "is in use");
+        ExpectRefused(1, {"clone", source, target_, "--yes"}, "is in use");
+        fs::copy_file(disk_, mount_ + "/disk");
+        ExpectRefused(1, {"clone", mount_ + "/disk", device, "--yes"},
+                      "would be written over by its own copy");
     }
 }
 
-// ------------------------------------------------- against a file system that fails
-
-namespace {
+// ----------------------------------------------------------- disks that fail
 
 constexpr std::uint64_t kSectors = 6000;
 constexpr int kComparedSectors = 2048 + 64; ///< that are read again before an image goes on
 
 class FaultyCopyTest : public CopyTest {
 protected:
-    void SetUp() override {
-        fs::create_directory(mount_);
-        disk_ = MakeDisk("disk", kSectors * 512);
+    FaultyCopyTest() { MakeDisk("disk", kSectors * 512); }
+
+    /// A run whose reads are kept account of.
+    RunSetup Setup(const std::vector<std::uint64_t>& badSectors) {
+        bad_ = badSectors;
+        RunSetup setup = WithBadSectors(disk_, badSectors);
+        setup.Environment["FAULT_LIST"] = At("reads");
+        return setup;
     }
 
-    /// False where there can be no such file system.
-    bool Mount(const std::vector<std::uint64_t>& badSectors, std::uint64_t slow = 0) {
-        faulty_.reset();
-        FaultyMount::Setup setup;
-        for (const std::uint64_t sector : badSectors) {
-            setup.BadBytes.emplace_back(sector * 512 + 100, 1);
-        }
-        setup.SlowMicroseconds = slow;
-        setup.LogPath = scratch_ / "reads";
-        faulty_ = FaultyMount::Start(disk_, mount_, setup);
-        return faulty_ != nullptr;
-    }
-
-    /// Sectors that were given since the mount, but for the look at the first one when a source is opened.
+    /// Sectors that the last run was given, but for the look at the first one when a source is opened.
     [[nodiscard]] std::vector<bool> SectorsGiven() const {
         std::vector<bool> given(kSectors);
-        std::istringstream lines(ReadWholeFile(scratch_ / "reads"));
+        std::istringstream lines(ReadWholeFile(At("reads")));
+        std::string name;
+        std::string path;
         std::uint64_t offset = 0;
         std::uint64_t size = 0;
-        std::string result;
-        for (bool first = true; lines >> offset >> size >> result; first = false) {
-            for (std::uint64_t sector = offset / 512;
-                 !first && result == "ok" && sector * 512 < offset + size; ++sector) {
+        for (bool first = true; lines >> name >> path >> offset >> size; first = false) {
+            const bool failed = std::any_of(bad_.begin(), bad_.end(), [&](std::uint64_t bad) {
+                return bad >= offset / 512 && bad * 512 < offset + size;
+            });
+            for (std::uint64_t sector = offset / 512; !first && !failed && sector * 512 < offset + size;
+                 ++sector) {
                 given.at(sector) = true;
             }
         }
         return given;
     }
 
-    void TearDown() override {
-        faulty_.reset();
-        CopyTest::TearDown();
-    }
-
-    std::string disk_;
-    std::unique_ptr<FaultyMount> faulty_;
+    std::vector<std::uint64_t> bad_;
 };
 
-} // namespace
-
 TEST_F(FaultyCopyTest, BadSectorsAreZerosAndNamedAndMayComeBackLater) {
-    if (!Mount({0, 700, 701, 5999})) {
-        GTEST_SKIP() << kNoFaultyMount;
-    }
-    RunResult run = RunCli({"image", faulty_->Path(), image_, "--log", scratch_ / "log"});
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    EXPECT_EQ(run.Out, "Disk Imaging Completed\n5996 of 6000 sectors (2.9 MB) copied to " + image_ +
-                           "\n4 sectors could not be read and are zeros in the copy:\n"
-                           "  sector 0\n  sectors 700 to 701 (2)\n  sector 5999\nMap: " +
-                           map_ + "\n");
-    EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_), {0, 700, 701, 5999}));
+    EXPECT_EQ(Expect(3, {"image", disk_, copy_, "--log", At("log")}, "", Setup({0, 700, 701, 5999})).Out,
+              "Disk Imaging Completed\n5996 of 6000 sectors (2.9 MB) copied to " + copy_ +
+                  "\n4 sectors could not be read and are zeros in the copy:\n"
+                  "  sector 0\n  sectors 700 to 701 (2)\n  sector 5999\nMap: " +
+                  map_ + "\n");
+    EXPECT_TRUE(IsImage({0, 700, 701, 5999}));
     EXPECT_TRUE(Contains(ReadWholeFile(map_), "0x00000000  0x00000200  -\n0x00000200  0x00057600  +\n"
                                               "0x00057800  0x00000400  -\n0x00057C00  0x00296200  +\n"
                                               "0x002EDE00  0x00000200  -\n"))
         << ReadWholeFile(map_);
-    EXPECT_TRUE(Contains(ReadWholeFile(scratch_ / "log"), "Drive access error @ sector =701 (Code =23)"));
+    EXPECT_TRUE(Contains(ReadWholeFile(At("log")), "Drive access error @ sector =701 (Code =23)"));
 
-    ASSERT_TRUE(Mount({701}));
-    run = RunCli({"image", faulty_->Path(), image_, "--retry", "2", "--json"});
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    const Json totals = Json::parse(run.Out);
+    const Words retry = {"image", disk_, copy_, "--retry", "2", "--json"};
+    const Json totals = Json::parse(Expect(3, retry, "", Setup({701})).Out);
     EXPECT_EQ(totals["badSectors"], 1);
     EXPECT_EQ(totals["badRanges"], Json::parse(R"([{"first":701,"count":1}])"));
-    EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_), {701}));
+    EXPECT_TRUE(IsImage({701}));
     const std::vector<bool> given = SectorsGiven();
     EXPECT_TRUE(given[0] && given[700] && given[5999]);
     EXPECT_LE(std::count(given.begin(), given.end(), true), 3 + kComparedSectors);
 
-    ASSERT_TRUE(Mount({}));
-    run = RunCli({"image", faulty_->Path(), image_, "--resume", "--retry", "1", "--json"});
-    EXPECT_EQ(run.Status, 0) << run.Err;
-    EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_)));
+    Expect(0, {"image", disk_, copy_, "--resume", "--retry", "1"});
+    EXPECT_TRUE(IsImage());
 }
 
 TEST_F(FaultyCopyTest, AStoppedImageIsAValidShorterOneAndGoesOn) {
-    if (!Mount({800, 4100}, 3000)) {
-        GTEST_SKIP() << kNoFaultyMount;
-    }
-    RunSetup setup;
+    RunSetup setup = Setup({800, 4100});
+    setup.Environment["FAULT_SLOW"] = "3000";
     setup.Interrupt = [this] {
         std::error_code none;
-        const auto size = fs::file_size(image_, none);
+        const auto size = fs::file_size(copy_, none);
         return !none && size >= 512 * 1024;
     };
-    RunResult run = RunCli({"image", faulty_->Path(), image_, "--json"}, setup);
-    ASSERT_EQ(run.Status, 3) << run.Err;
-    Json totals = Json::parse(run.Out);
+    Json totals = Json::parse(Expect(3, {"image", disk_, copy_, "--json"}, "", setup).Out);
     EXPECT_EQ(totals["complete"], false);
     EXPECT_GT(totals["unreadSectors"], 0);
-    const std::string part = ReadWholeFile(image_);
+    const std::string part = ReadWholeFile(copy_);
     EXPECT_LT(part.size(), kSectors * 512);
     EXPECT_TRUE(part == ImageOf(ReadWholeFile(disk_), {800, 4100}).substr(0, part.size()));
-    EXPECT_EQ(RunCli({"partitions", image_}).Status, 0);
+    Expect(0, {"partitions", copy_});
 
     const std::vector<bool> before = SectorsGiven();
-    ASSERT_TRUE(Mount({3, 800, 4100})); // that sector 3 went bad since doesn't count
-    run = RunCli({"image", faulty_->Path(), image_, "--resume", "--json"});
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    totals = Json::parse(run.Out);
+    const Words resume = {"image", disk_, copy_, "--resume", "--json"};
+    totals =
+        Json::parse(Expect(3, resume, "", Setup({3, 800, 4100})).Out); // what went bad since doesn't count
     EXPECT_EQ(totals["unreadSectors"], 0);
     EXPECT_EQ(totals["badSectors"], 2);
-    EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_), {800, 4100}));
+    EXPECT_TRUE(IsImage({800, 4100}));
     const std::vector<bool> after = SectorsGiven();
     int twice = 0;
     for (std::uint64_t sector = 0; sector < kSectors; ++sector) {
@@ -426,30 +381,31 @@ TEST_F(FaultyCopyTest, AStoppedImageIsAValidShorterOneAndGoesOn) {
 }
 
 TEST_F(FaultyCopyTest, AnImageThatFoundNoRoomGoesOnToo) {
-    if (!Mount({800})) {
-        GTEST_SKIP() << kNoFaultyMount;
-    }
-    RunSetup setup;
+    RunSetup setup = Setup({800});
     setup.MaxFileBytes = 1000 * 512;
-    RunResult run = RunCli({"image", faulty_->Path(), image_}, setup);
-    EXPECT_EQ(run.Status, 1) << run.Err;
+    const RunResult run = Expect(1, {"image", disk_, copy_}, "exceeds the limit", setup);
     EXPECT_TRUE(Contains(run.Out, "Disk Imaging Aborted\n")) << run.Out;
-    EXPECT_TRUE(Contains(run.Err, "exceeds the limit")) << run.Err;
-    ASSERT_TRUE(Mount({800}));
-    run = RunCli({"image", faulty_->Path(), image_, "--resume"});
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    EXPECT_TRUE(ReadWholeFile(image_) == ImageOf(ReadWholeFile(disk_), {800}));
+    Expect(3, {"image", disk_, copy_, "--resume"}, "", Setup({800}));
+    EXPECT_TRUE(IsImage({800}));
 }
 
 TEST_F(FaultyCopyTest, CloneNamesItsBadSectors) {
-    if (!Mount({1, 5998})) {
-        GTEST_SKIP() << kNoFaultyMount;
+    MakeDisk("target", kSectors * 512);
+    std::vector<std::uint64_t> bad;
+    for (std::uint64_t sector = 10; sector < 70; sector += 2) {
+        bad.push_back(sector);
     }
-    const std::string target = MakeDisk("target", kSectors * 512);
-    const RunResult run = RunCli({"clone", faulty_->Path(), target, "--yes"});
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    EXPECT_TRUE(Contains(run.Out, "  sector 1\n  sector 5998\n")) << run.Out;
-    EXPECT_TRUE(ReadWholeFile(target) == ImageOf(ReadWholeFile(disk_), {1, 5998}));
+    const RunResult run = Expect(3, {"clone", disk_, target_, "--yes"}, "", Setup(bad));
+    EXPECT_TRUE(Contains(run.Out, "  sector 10\n  sector 12\n")) << run.Out;
+    EXPECT_TRUE(Contains(run.Out, "  sector 48\n  and 10 more places\n")) << run.Out;
+    EXPECT_TRUE(ReadWholeFile(target_) == ImageOf(ReadWholeFile(disk_), bad));
+    const std::vector<std::string> told = LinesOf(run.Err);
+    EXPECT_EQ(std::count_if(told.begin(), told.end(),
+                            [](const auto& line) { return line.starts_with("Drive access error"); }),
+              20);
+    EXPECT_EQ(std::count(told.begin(), told.end(), "11 more failed reads"), 1) << run.Err;
 }
+
+} // namespace
 
 } // namespace thntfs::test

@@ -1,43 +1,21 @@
-#include "CliHelpers.h"
+#include "CliFixture.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <set>
 #include <sys/mount.h>
-#include <unistd.h>
 
 namespace thntfs::test {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-class SaveTest : public testing::Test {
+class SaveTest : public CliTest {
 protected:
-    RunResult Save(const Words& more = {}, const RunSetup& setup = {}) {
+    RunResult Save(int status, const Words& more = {}, const std::string& told = "",
+                   const RunSetup& setup = {}) {
         volume_.WriteTo(image_);
         Words words = {"save", image_, "--to", target_};
         words.insert(words.end(), more.begin(), more.end());
-        return RunCli(words, setup);
+        return Expect(status, words, told, setup);
     }
-
-    /// Nothing but the target may have come into being beside it.
-    void ExpectNothingOutside() {
-        for (const auto& entry : fs::directory_iterator(ground_)) {
-            EXPECT_EQ(entry.path().string(), target_);
-        }
-    }
-
-    VolumeBuilder volume_;
-    ScratchFolder scratch_;
-    std::string image_ = scratch_ / "image";
-    std::string ground_ = scratch_ / "ground";
-    std::string target_ = ground_ + "/target";
 };
 
 TEST_F(SaveTest, FoldersAreMadeAgainAndNothingIsWrittenOver) {
@@ -45,75 +23,36 @@ TEST_F(SaveTest, FoldersAreMadeAgainAndNothingIsWrittenOver) {
     volume_.AddFile(TextFile(41, u"to whom.txt", "first", 40));
     volume_.AddFolder({.Number = 42, .Name = u"Empty"});
     volume_.AddFile(TextFile(43, u"lost.txt", "lost", 77));
-    EXPECT_EQ(Save().Status, 0);
+    Save(0);
     EXPECT_TRUE(fs::is_directory(target_ + "/Empty"));
-    std::map<std::string, std::string> files = {{"Letters/to whom.txt", "first"}, {"#77/lost.txt", "lost"}};
+    Texts files = {{"Letters/to whom.txt", "first"}, {"#77/lost.txt", "lost"}};
     EXPECT_EQ(FilesBelow(target_), files);
-
-    const RunResult again = Save({"/Letters"});
-    EXPECT_EQ(again.Status, 0);
-    EXPECT_TRUE(Contains(again.Err, "/Letters/to whom.txt: saved under the name to whom (2).txt"))
-        << again.Err;
-    Save({"/Letters/to whom.txt"});
+    Save(0, {"/Letters"}, "/Letters/to whom.txt: saved under the name to whom (2).txt");
+    Save(3, {"/Letters/to whom.txt", "/not there.txt"}, "No entry has the path /not there.txt");
     files["Letters/to whom (2).txt"] = files["Letters/to whom (3).txt"] = "first";
     EXPECT_EQ(FilesBelow(target_), files);
+    Save(1, {"/not there.txt"}, "No entry has the path /not there.txt");
 }
 
 TEST_F(SaveTest, DeletedAloneLeavesTheRestOut) {
     volume_.AddFolder({.Number = 40, .Name = u"Mixed"});
     volume_.AddFile(TextFile(41, u"kept.txt", "kept", 40));
-    FileSpec gone = TextFile(42, u"gone.txt", "gone", 40);
-    gone.Live = false;
-    volume_.AddFile(gone);
+    volume_.AddFile(TextFile(42, u"gone.txt", "gone", 40, false));
     volume_.AddFolder({.Number = 43, .Name = u"Live and empty"});
     volume_.AddFolder({.Number = 44, .Name = u"Gone and empty", .Live = false});
-    EXPECT_EQ(Save({"--deleted"}).Status, 0);
-    EXPECT_EQ(FilesBelow(target_), (std::map<std::string, std::string>{{"Mixed/gone.txt", "gone"}}));
+    Save(0, {"--deleted"});
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"Mixed/gone.txt", "gone"}}));
     EXPECT_FALSE(fs::exists(target_ + "/Live and empty"));
     EXPECT_TRUE(fs::exists(target_ + "/Gone and empty"));
 }
 
-TEST_F(SaveTest, PathsThatAreMissingAreTold) {
-    volume_.AddFile(TextFile(40, u"there.txt", "text"));
-    const RunResult part = Save({"/there.txt", "/not there.txt"});
-    EXPECT_EQ(part.Status, 3);
-    EXPECT_TRUE(Contains(part.Err, "No entry has the path /not there.txt")) << part.Err;
-    EXPECT_EQ(Save({"/not there.txt"}).Status, 1);
-    EXPECT_EQ(FilesBelow(target_).size(), 1U);
-}
-
-// ------------------------------------------------------------------- bad names
-
-const std::vector<std::u16string> kBadNames = {u"../../x",
-                                               u"..",
-                                               u"../",
-                                               u"...",
-                                               u"a/b",
-                                               u"/etc/x",
-                                               u"/",
-                                               u"..\\..\\y",
-                                               u"CON",
-                                               u"con.txt",
-                                               u"LPT1",
-                                               u"a\u0001\u001b[2J\nb",
-                                               std::u16string(u"nul\0in", 6),
-                                               std::u16string(255, u'界'),
-                                               u"\xD800",
-                                               u"x\xDC00y",
-                                               u"\xDC00\xD800",
-                                               u" ",
-                                               u"trailing. ",
-                                               u"-rf",
-                                               u"~",
-                                               u"$HOME `id`",
-                                               u"%s%n",
-                                               u"c:evil",
-                                               u"..."};
-
-TEST_F(SaveTest, NoNameLeadsOutOfTheTarget) {
+TEST_F(SaveTest, NoNameLeadsOutOfTheTargetAndNoneHidesAnother) {
     std::uint32_t number = 40;
     std::multiset<std::string> contents;
-    for (const std::u16string& name : kBadNames) {
+    for (const std::u16string& name :
+         {std::u16string(u"../../x"), std::u16string(u".."), std::u16string(u"/etc/x"), std::u16string(u"/"),
+          std::u16string(u"..\\..\\y"), std::u16string(u"a\u0001\u001b[2J\nb"), std::u16string(u"nul\0in", 6),
+          std::u16string(255, u'界'), std::u16string(u"\xDC00\xD800"), std::u16string(u"..")}) {
         const std::string text = "content " + std::to_string(number);
         volume_.AddFile(TextFile(number++, name, text));
         volume_.AddFolder({.Number = number, .Name = name});
@@ -121,9 +60,12 @@ TEST_F(SaveTest, NoNameLeadsOutOfTheTarget) {
         contents.insert({text, text});
         number += 2;
     }
-    const RunResult run = Save({"--json"});
-    EXPECT_EQ(run.Status, 0) << run.Err;
-    ExpectNothingOutside();
+    const fs::path outer = At("ground");
+    target_ = outer / "target";
+    const RunResult run = Save(0, {"--json"});
+    for (const auto& entry : fs::directory_iterator(outer)) {
+        EXPECT_EQ(entry.path().string(), target_);
+    }
     std::multiset<std::string> saved;
     for (const auto& [path, text] : FilesBelow(target_)) {
         saved.insert(text);
@@ -132,27 +74,11 @@ TEST_F(SaveTest, NoNameLeadsOutOfTheTarget) {
     EXPECT_EQ(Json::parse(run.Out)["files"], contents.size());
 }
 
-TEST_F(SaveTest, OneNameForSeveralEntries) {
-    volume_.AddFile(TextFile(40, u"same.txt", "one"));
-    volume_.AddFile(TextFile(41, u"same.txt", "two"));
-    volume_.AddFile(TextFile(42, u"both", "a file"));
-    volume_.AddFolder({.Number = 43, .Name = u"both"});
-    volume_.AddFile(TextFile(44, u"inside", "in the folder", 43));
-    volume_.AddFolder({.Number = 45, .Name = u"both", .Live = false});
-    volume_.AddFile(TextFile(46, u"inside", "in the other folder", 45));
-    EXPECT_EQ(Save().Status, 0);
-    std::set<std::string> texts;
-    for (const auto& [path, text] : FilesBelow(target_)) {
-        texts.insert(text);
-    }
-    EXPECT_EQ(texts, (std::set<std::string>{"one", "two", "a file", "in the folder", "in the other folder"}));
-}
-
 TEST_F(SaveTest, WhatStandsInTheTargetStays) {
     fs::create_directories(target_);
-    fs::create_directories(scratch_ / "elsewhere");
-    fs::create_directory_symlink(scratch_ / "elsewhere", target_ + "/Linked");
-    fs::create_symlink(scratch_ / "elsewhere/file.txt", target_ + "/file.txt");
+    fs::create_directories(At("elsewhere"));
+    fs::create_directory_symlink(At("elsewhere"), target_ + "/Linked");
+    fs::create_symlink(At("elsewhere/file.txt"), target_ + "/file.txt");
     WriteFileBytes(target_ + "/Blocked", BytesOf("mine"));
     fs::create_directories(target_ + "/plain");
     volume_.AddFolder({.Number = 40, .Name = u"Linked"});
@@ -161,73 +87,29 @@ TEST_F(SaveTest, WhatStandsInTheTargetStays) {
     volume_.AddFolder({.Number = 43, .Name = u"Blocked"});
     volume_.AddFile(TextFile(44, u"inside.txt", "in blocked", 43));
     volume_.AddFile(TextFile(45, u"plain", "a plain file"));
-    EXPECT_EQ(Save().Status, 0);
-    EXPECT_TRUE(fs::is_empty(scratch_ / "elsewhere")) << "a link was followed";
-    EXPECT_EQ(FilesBelow(target_),
-              (std::map<std::string, std::string>{{"Blocked", "mine"},
-                                                  {"Blocked (2)/inside.txt", "in blocked"},
-                                                  {"Linked (2)/inside.txt", "in linked"},
-                                                  {"file (2).txt", "a file"},
-                                                  {"plain (2)", "a plain file"}}));
+    Save(0);
+    EXPECT_TRUE(fs::is_empty(At("elsewhere"))) << "a link was followed";
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"Blocked", "mine"},
+                                          {"Blocked (2)/inside.txt", "in blocked"},
+                                          {"Linked (2)/inside.txt", "in linked"},
+                                          {"file (2).txt", "a file"},
+                                          {"plain (2)", "a plain file"}}));
 }
-
-// ----------------------------------------------------------------- bad targets
 
 TEST_F(SaveTest, TargetsThatCannotBe) {
-    volume_.AddFile(TextFile(40, u"file.txt", "text"));
     volume_.WriteTo(image_);
-    WriteFileBytes(scratch_ / "file", BytesOf("mine"));
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {scratch_ / "file", "is a file"},
-        {scratch_ / "file/below", "is a file"},
-        {"/proc/thntfs", "Cannot save to"},
-        {image_, "on the medium that is being read"}};
+    WriteFileBytes(At("file"), BytesOf("mine"));
+    const Texts cases = {{At("file"), "is a file"},
+                         {At("file/below"), "is a file"},
+                         {"/proc/thntfs", "Cannot save to"},
+                         {image_, "on the medium that is being read"}};
     for (const auto& [target, told] : cases) {
-        const RunResult run = RunCli({"save", image_, "--to", target});
-        EXPECT_EQ(run.Status, 1) << target;
-        EXPECT_EQ(run.Out, "");
-        EXPECT_TRUE(Contains(run.Err, told)) << run.Err;
+        ExpectRefused(1, {"save", image_, "--to", target}, told);
     }
-    EXPECT_EQ(ReadWholeFile(scratch_ / "file"), "mine");
+    EXPECT_EQ(ReadWholeFile(At("file")), "mine");
 }
 
-TEST_F(SaveTest, NoTargetIsMadeForAMediumThatCannotBeRead) {
-    EXPECT_EQ(RunCli({"save", scratch_ / "nothing", "--to", target_}).Status, 1);
-    EXPECT_FALSE(fs::exists(target_));
-}
-
-TEST_F(SaveTest, TargetWithoutTheRightToWrite) {
-    volume_.AddFile(TextFile(40, u"file.txt", "text"));
-    fs::create_directories(target_);
-    fs::permissions(target_, fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
-                                 fs::perms::others_exec);
-    fs::permissions(scratch_.Path(), fs::perms::others_exec, fs::perm_options::add);
-    RunSetup setup;
-    setup.AsNobody = ::geteuid() == 0;
-    const RunResult run = Save({}, setup);
-    if (run.Status == 127) {
-        GTEST_SKIP() << "the program can't be started here by a user without rights";
-    }
-    EXPECT_EQ(run.Status, 1);
-    EXPECT_TRUE(Contains(run.Err, "Cannot save to " + target_)) << run.Err;
-}
-
-TEST_F(SaveTest, FilesThatCannotGrowAreNamedAndTakenBack) {
-    constexpr std::size_t kLimit = 300000;
-    volume_.AddFile({.Number = 40, .Name = u"big.bin", .Content = PatternBytes(500000), .InClusters = true});
-    volume_.AddFile(
-        {.Number = 41, .Name = u"small.bin", .Content = PatternBytes(200000), .InClusters = true});
-    RunSetup setup;
-    setup.MaxFileBytes = kLimit;
-    const RunResult run = Save({"--json"}, setup);
-    EXPECT_EQ(run.Status, 3);
-    EXPECT_TRUE(Contains(run.Err, "/big.bin: not saved")) << run.Err;
-    EXPECT_FALSE(fs::exists(target_ + "/big.bin"));
-    EXPECT_EQ(fs::file_size(target_ + "/small.bin"), 200000U);
-    EXPECT_EQ(Json::parse(run.Out)["failed"], 1);
-}
-
-TEST_F(SaveTest, FullTargetKeepsWhatFits) {
+TEST_F(SaveTest, WhatFindsNoRoomIsNamedAndTheRestIsWhole) {
     fs::create_directories(target_);
     if (::mount("none", target_.c_str(), "tmpfs", 0, "size=400k") != 0) {
         GTEST_SKIP() << "no small file system can be mounted here";
@@ -240,11 +122,9 @@ TEST_F(SaveTest, FullTargetKeepsWhatFits) {
                          // Files marked compressed aren't measured against the room that is left.
                          .AttributeBits = i % 2 == 0 ? 0x820U : kArchiveBit});
     }
-    const RunResult run = Save({"--json"});
-    const auto files = FilesBelow(target_);
+    const Json totals = Json::parse(Save(3, {"--json"}, "not saved").Out);
+    const Texts files = FilesBelow(target_);
     ::umount(target_.c_str());
-    EXPECT_EQ(run.Status, 3);
-    const Json totals = Json::parse(run.Out);
     EXPECT_GE(files.size(), 3U);
     EXPECT_EQ(totals["files"], files.size());
     EXPECT_EQ(totals["failed"], 8 - files.size());
@@ -252,8 +132,6 @@ TEST_F(SaveTest, FullTargetKeepsWhatFits) {
         EXPECT_EQ(bytes.size(), 100000U) << path;
     }
 }
-
-// ------------------------------------------------------------------- bad sizes
 
 // Clusters that no medium has, sizes that no disk has.
 TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
@@ -292,8 +170,7 @@ TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
         volume_.PutSectors(volume_.Geometry().StartSector, EncodeBootSector(boot));
         RunSetup setup;
         setup.MaxFileBytes = 64U << 20U;
-        const RunResult run = Save({"--json"}, setup);
-        EXPECT_EQ(run.Status, 3) << run.Err;
+        const RunResult run = Save(3, {"--json"}, "", setup);
         EXPECT_LT(Json::parse(run.Out)["bytes"], 200U << 20U) << run.Err;
         EXPECT_FALSE(Contains(run.Err, "exceeds the limit")) << "only the limit held it: " << run.Err;
         EXPECT_EQ(ReadWholeFile(target_ + "/good.txt"), "good");

@@ -1,35 +1,24 @@
-#include "CliHelpers.h"
+#include "CliFixture.h"
 
-#include <filesystem>
-#include <gtest/gtest.h>
+#include <array>
 #include <sstream>
 
 namespace thntfs::test {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-class ScanInfoCommandTest : public testing::Test {
+class ScanInfoCommandTest : public CliTest {
 protected:
     ScanInfoCommandTest() {
-        VolumeBuilder volume;
-        volume.AddFolder({.Number = 40, .Name = u"folder"});
-        volume.AddFile(TextFile(41, u"one.txt", "the first", 40));
-        volume.AddFile(TextFile(42, u"two.txt", "the second"));
-        volume.WriteTo(Image());
+        volume_.AddFolder({.Number = 40, .Name = u"folder"});
+        volume_.AddFile(TextFile(41, u"one.txt", "the first", 40));
+        volume_.AddFile(TextFile(42, u"two.txt", "the second"));
+        volume_.WriteTo(image_);
     }
 
-    [[nodiscard]] std::string Image() const { return scratch_ / "disk.img"; }
-    [[nodiscard]] std::string At(const std::string& name) const { return scratch_ / name; }
-
     void SaveBoth() {
-        ASSERT_EQ(RunCli({"scan", Image(), "--save-info", At("scan.tht")}).Status, 0);
-        ASSERT_EQ(RunCli({"partitions", Image(), "--save-info", At("found.thd")}).Status, 0);
+        Expect(0, {"scan", image_, "--save-info", tree_});
+        Expect(0, {"partitions", image_, "--save-info", found_});
     }
 
     /// First and second lines of the rows of a log file, whose layout is looked at on the way.
@@ -59,253 +48,190 @@ protected:
         return rows;
     }
 
-    ScratchFolder scratch_;
+    std::string tree_ = At("scan.tht");
+    std::string found_ = At("found.thd");
 };
 
-using Lines = std::vector<std::string>;
-constexpr const char* kRule = "|-----------------------------------";
+const std::string kRule = "|-----------------------------------";
 
 TEST_F(ScanInfoCommandTest, ASavedScanServesEveryCommand) {
     SaveBoth();
-    for (const Words& words : {Words{"scan", "?", "--files"},
-                               {"scan", "?", "--json"},
+    for (const Words& words : {Words{"scan", "?", "--json"},
                                {"list", "?", "-r"},
                                {"list", "?", "/folder", "--json"},
                                {"cat", "?", "/folder/one.txt"},
-                               {"cat", "?", "--record", "42"},
-                               {"partitions", "?", "--json"},
-                               {"partitions", "?"}}) {
+                               {"partitions", "?", "--json"}}) {
         Words direct = words;
-        direct[1] = Image();
-        const RunResult wanted = RunCli(direct);
-        EXPECT_EQ(wanted.Status, 0);
-        for (const char* saved : {"scan.tht", "found.thd"}) {
+        direct[1] = image_;
+        const RunResult wanted = Expect(0, direct);
+        for (const std::string& saved : {tree_, found_}) {
             Words loaded = words;
-            loaded[1] = At(saved);
-            const RunResult got = RunCli(loaded);
-            EXPECT_EQ(got.Status, 0) << got.Err;
+            loaded[1] = saved;
+            const RunResult got = Expect(0, loaded);
             EXPECT_EQ(got.Out, wanted.Out);
             EXPECT_EQ(got.Err, "");
         }
     }
-    EXPECT_EQ(RunCli({"save", At("scan.tht"), "--to", At("out")}).Status, 0);
-    EXPECT_EQ(FilesBelow(At("out")), (std::map<std::string, std::string>{{"folder/one.txt", "the first"},
-                                                                         {"two.txt", "the second"}}));
+    Expect(0, {"save", tree_, "--to", target_});
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"folder/one.txt", "the first"}, {"two.txt", "the second"}}));
+
+    Expect(0, {"scan", tree_, "--save-info", At("again.tht")});
+    EXPECT_EQ(ReadWholeFile(At("again.tht")), ReadWholeFile(tree_));
+    Expect(0, {"partitions", tree_, "--save-info", At("again.thd")});
+    EXPECT_EQ(ReadWholeFile(At("again.thd")), ReadWholeFile(found_));
+    Expect(0, {"scan", found_, "--save-info", At("more")});
+    EXPECT_EQ(ReadWholeFile(At("more.tht")), ReadWholeFile(tree_));
+
+    // They are known by their content, and so is an image.
+    fs::rename(tree_, At("renamed.thd"));
+    fs::create_directory(At("sub"));
+    fs::rename(found_, At("sub/plain"));
+    fs::rename(image_, At("disk.tht"));
+    EXPECT_TRUE(Contains(RunCli({"list", At("disk.tht")}).Out, "/two.txt"));
+    fs::rename(At("disk.tht"), image_);
+    EXPECT_TRUE(Contains(RunCli({"list", At("renamed.thd")}).Out, "/two.txt"));
+    EXPECT_TRUE(Contains(RunCli({"list", At("sub/plain")}).Out, "/two.txt"));
 }
 
 TEST_F(ScanInfoCommandTest, AScanIsNotRepeated) {
     SaveBoth();
-    VolumeBuilder empty;
-    empty.WriteTo(Image()); // the table no longer names the files
-    const RunResult refused = RunCli({"list", At("scan.tht")});
-    EXPECT_EQ(refused.Status, 2);
-    EXPECT_TRUE(Contains(refused.Err, "--anyway")) << refused.Err;
-    EXPECT_TRUE(Contains(RunCli({"list", At("scan.tht"), "--anyway"}).Out, "/two.txt"));
-    EXPECT_FALSE(Contains(RunCli({"list", At("found.thd")}).Out, "/two.txt"));
-}
-
-TEST_F(ScanInfoCommandTest, FilesAreKnownByTheirContentAndLoadFromAnyFolder) {
-    SaveBoth();
-    fs::rename(At("scan.tht"), At("renamed.thd"));
-    EXPECT_TRUE(Contains(RunCli({"list", At("renamed.thd")}).Out, "/two.txt"));
-    fs::create_directory(At("sub"));
-    fs::rename(At("found.thd"), At("sub/plain"));
-    EXPECT_TRUE(Contains(RunCli({"list", At("sub/plain")}).Out, "/two.txt"));
-    fs::rename(Image(), At("disk.tht"));
-    EXPECT_TRUE(Contains(RunCli({"list", At("disk.tht")}).Out, "/two.txt"));
-}
-
-TEST_F(ScanInfoCommandTest, SavedAgainFromASavedResult) {
-    SaveBoth();
-    EXPECT_EQ(RunCli({"scan", At("scan.tht"), "--save-info", At("again.tht")}).Status, 0);
-    EXPECT_EQ(ReadWholeFile(At("again.tht")), ReadWholeFile(At("scan.tht")));
-    EXPECT_EQ(RunCli({"partitions", At("scan.tht"), "--save-info", At("again.thd")}).Status, 0);
-    EXPECT_EQ(ReadWholeFile(At("again.thd")), ReadWholeFile(At("found.thd")));
-    EXPECT_EQ(RunCli({"scan", At("found.thd"), "--save-info", At("more")}).Status, 0);
-    EXPECT_EQ(ReadWholeFile(At("more.tht")), ReadWholeFile(At("scan.tht")));
+    VolumeBuilder().WriteTo(image_); // the table no longer names the files
+    ExpectRefused(2, {"list", tree_}, "--anyway");
+    EXPECT_TRUE(Contains(RunCli({"list", tree_, "--anyway"}).Out, "/two.txt"));
+    EXPECT_FALSE(Contains(RunCli({"list", found_}).Out, "/two.txt"));
 }
 
 TEST_F(ScanInfoCommandTest, FilesThatDoNotLoad) {
     SaveBoth();
-    const std::string scan = ReadWholeFile(At("scan.tht"));
-    const std::string found = ReadWholeFile(At("found.thd"));
-    struct BadFile {
-        const char* Name;
-        std::string Bytes;
-        const char* Told;
-    };
-    std::string wrongMagic = scan;
-    wrongMagic[3] = 'x';
-    for (const BadFile& bad :
-         {BadFile{"cut.tht", scan.substr(0, scan.size() - 1), "Not a valid Partition scan information."},
-          {"short.tht", scan.substr(0, 100), "Not a valid Partition scan information."},
-          {"magic.tht", wrongMagic, "Not a valid Partition scan information."},
-          {"empty.tht", "", "Not a valid Partition scan information."},
-          {"cut.thd", found.substr(0, found.size() - 1), "Not a valid Disk scan information\n"},
-          {"empty.thd", "", "Not a valid Disk scan information\n"}}) {
-        const std::string text = bad.Bytes;
-        WriteFileBytes(At(bad.Name), BytesOf(text));
-        for (const char* command : {"partitions", "scan", "list"}) {
-            const RunResult result = RunCli({command, At(bad.Name)});
-            EXPECT_EQ(result.Status, 1) << bad.Name;
-            EXPECT_TRUE(Contains(result.Err, bad.Told)) << result.Err;
-            EXPECT_EQ(result.Out, "");
+    const std::string scan = ReadWholeFile(tree_);
+    const std::string found = ReadWholeFile(found_);
+    const std::string badTree = "Not a valid Partition scan information.";
+    const std::vector<std::array<std::string, 3>> cases = {
+        {"cut.tht", scan.substr(0, scan.size() - 1), badTree},
+        {"magic.tht", "thnx" + scan.substr(4), badTree},
+        {"empty.tht", "", badTree},
+        {"cut.thd", found.substr(0, found.size() - 1), "Not a valid Disk scan information\n"},
+        {"empty.thd", "", "Not a valid Disk scan information\n"}};
+    for (const auto& [name, bytes, told] : cases) {
+        WriteFileBytes(At(name), BytesOf(bytes));
+        for (const char* command : {"partitions", "list"}) {
+            ExpectRefused(1, {command, At(name)}, told);
         }
     }
-    fs::rename(Image(), At("moved.img"));
-    const RunResult gone = RunCli({"scan", At("scan.tht")});
-    EXPECT_EQ(gone.Status, 1);
-    EXPECT_TRUE(Contains(gone.Err, "Failed to open Partition scan information. Errorcode =2"));
-    EXPECT_TRUE(Contains(gone.Err, Image()));
-    fs::rename(At("moved.img"), Image());
-    for (const std::uintmax_t bytes : {fs::file_size(Image()) - 512, fs::file_size(Image()) + 512}) {
-        fs::resize_file(Image(), bytes);
-        const RunResult changed = RunCli({"list", At("scan.tht")});
-        EXPECT_EQ(changed.Status, 0);
-        EXPECT_TRUE(Contains(changed.Err, "It may be another disk")) << bytes;
+    fs::rename(image_, At("moved.img"));
+    const std::string gone = "Failed to open Partition scan information. Errorcode =2";
+    EXPECT_TRUE(Contains(Expect(1, {"scan", tree_}, gone).Err, image_));
+    fs::rename(At("moved.img"), image_);
+    for (const std::uintmax_t bytes : {fs::file_size(image_) - 512, fs::file_size(image_) + 512}) {
+        fs::resize_file(image_, bytes);
+        Expect(0, {"list", tree_}, "It may be another disk");
     }
 }
 
 TEST_F(ScanInfoCommandTest, WordsThatMakeNoSense) {
     SaveBoth();
-    for (const Words& words : {Words{"scan", At("scan.tht"), "--partition", "1"},
-                               {"list", At("scan.tht"), "--turbo"},
-                               {"partitions", At("scan.tht"), "--search", "quick"},
-                               {"scan", At("found.thd"), "--search", "quick"},
-                               {"scan", At("found.thd"), "--partition", "2"},
-                               {"scan", Image(), "--save-info", ""},
-                               {"scan", Image(), "--save-info", At("folder/")},
-                               {"list", Image(), "--save-info", At("x")},
-                               {"scan", Image(), "--save-info", At("same"), "--log", At("same.tht")}}) {
-        const RunResult result = RunCli(words);
-        EXPECT_EQ(result.Status, 2) << words[1];
-        EXPECT_NE(result.Err, "");
+    for (const Words& words : {Words{"scan", tree_, "--partition", "1"},
+                               {"list", tree_, "--turbo"},
+                               {"partitions", tree_, "--search", "quick"},
+                               {"scan", found_, "--search", "quick"},
+                               {"scan", found_, "--partition", "2"},
+                               {"scan", image_, "--save-info", ""},
+                               {"scan", image_, "--save-info", At("folder/")},
+                               {"list", image_, "--save-info", At("x")},
+                               {"scan", image_, "--save-info", At("same"), "--log", At("same.tht")}}) {
+        ExpectRefused(2, words);
     }
-    EXPECT_EQ(RunCli({"scan", At("found.thd"), "--partition", "1", "--turbo"}).Status, 0);
 }
 
-TEST_F(ScanInfoCommandTest, AScanThatCannotBeSavedIsNotCalledAPartition) {
+TEST_F(ScanInfoCommandTest, WhatCannotBeSavedIsToldAndMostOfItBeforeTheScan) {
     SaveBoth();
     RunSetup setup;
-    setup.MaxFileBytes = fs::file_size(At("scan.tht")) - 1;
-    const RunResult result = RunCli({"scan", Image(), "--save-info", At("again.tht")}, setup);
-    EXPECT_EQ(result.Status, 1);
-    EXPECT_TRUE(Contains(result.Err, "Cannot save scan information to " + At("again.tht"))) << result.Err;
-    EXPECT_FALSE(Contains(result.Err, "Partition")) << result.Err;
-}
+    setup.MaxFileBytes = fs::file_size(tree_) - 1;
+    const std::string again = At("again.tht");
+    const RunResult run =
+        Expect(1, {"scan", image_, "--save-info", again}, "Cannot save scan information to " + again, setup);
+    EXPECT_FALSE(Contains(run.Err, "Partition")) << run.Err;
 
-TEST_F(ScanInfoCommandTest, WhatCannotBeSavedIsRefusedBeforeTheScan) {
-    const std::string image = ReadWholeFile(Image());
     fs::create_directories(At(std::string(200, 'd')));
     const std::string longPath = At(std::string(200, 'd') + "/" + std::string(60, 'i'));
-    fs::copy_file(Image(), longPath);
-    const RunResult tooLong = RunCli({"scan", longPath, "--save-info", At("x")});
-    EXPECT_EQ(tooLong.Status, 1);
-    EXPECT_TRUE(Contains(tooLong.Err, "255"));
-    EXPECT_EQ(tooLong.Out, "");
-    EXPECT_EQ(RunCli({"scan", longPath}).Status, 0);
-
-    fs::rename(Image(), At("image.tht"));
-    fs::create_hard_link(At("image.tht"), At("other.log"));
-    for (const Words& words : {Words{"scan", At("image.tht"), "--save-info", At("image.tht")},
-                               {"scan", At("image.tht"), "--save-info", At("image")},
-                               {"scan", At("image.tht"), "--save-info", At("no/folder")},
-                               {"list", At("image.tht"), "--log", At("image.tht")},
-                               {"list", At("image.tht"), "--log", At("other.log")},
-                               {"list", At("image.tht"), "--log", At("no/folder")},
-                               {"list", At("image.tht"), "--log", scratch_.Path()}}) {
-        const RunResult result = RunCli(words);
-        EXPECT_EQ(result.Status, 1) << words.back();
-        EXPECT_EQ(result.Out, "");
-    }
-    EXPECT_EQ(ReadWholeFile(At("image.tht")), image);
+    fs::copy_file(image_, longPath);
+    ExpectRefused(1, {"scan", longPath, "--save-info", At("x")}, "255");
+    Expect(0, {"scan", longPath});
     EXPECT_FALSE(fs::exists(At("x.tht")));
-}
 
-TEST_F(ScanInfoCommandTest, ASavedResultGuardsItsMedium) {
-    SaveBoth();
-    const std::string image = ReadWholeFile(Image());
-    const std::string saved = ReadWholeFile(At("scan.tht"));
-    EXPECT_EQ(RunCli({"list", At("scan.tht"), "--log", Image()}).Status, 1);
-    EXPECT_EQ(RunCli({"list", At("scan.tht"), "--log", At("scan.tht")}).Status, 1);
-    EXPECT_EQ(RunCli({"save", At("scan.tht"), "--to", Image()}).Status, 1);
-    EXPECT_EQ(ReadWholeFile(Image()), image);
-    EXPECT_EQ(ReadWholeFile(At("scan.tht")), saved);
+    const std::string image = ReadWholeFile(image_);
+    const std::string saved = ReadWholeFile(tree_);
+    fs::create_hard_link(image_, At("other.log"));
+    fs::create_symlink(image_, At("image.tht"));
+    for (const Words& words : {Words{"scan", image_, "--save-info", At("image.tht")},
+                               {"scan", image_, "--save-info", At("image")},
+                               {"scan", image_, "--save-info", At("no/folder")},
+                               {"list", image_, "--log", image_},
+                               {"list", image_, "--log", At("other.log")},
+                               {"list", image_, "--log", At("no/folder")},
+                               {"list", image_, "--log", scratch_.Path()},
+                               {"list", tree_, "--log", image_},
+                               {"list", tree_, "--log", tree_},
+                               {"save", tree_, "--to", image_}}) {
+        ExpectRefused(1, words);
+    }
+    EXPECT_TRUE(ReadWholeFile(image_) == image && ReadWholeFile(tree_) == saved);
 }
 
 TEST_F(ScanInfoCommandTest, LogOfAScanAndASave) {
-    EXPECT_EQ(RunCli({"scan", Image(), "--save-info", At("scan"), "--log", At("log.txt")}).Status, 0);
-    EXPECT_EQ(Rows(At("log.txt")),
-              (Lines{"Selected: " + Image() + "|Image Processing Mode:Partition Table",
-                     "Selected NTFS logical drive 1|Starting Sector 128, Size   8.000 MB",
-                     std::string("Processing Internal File System Structure...") + kRule,
-                     std::string("Completed processing Internal File System Structure") + kRule,
-                     std::string("Populating Directory Structure...") + kRule,
-                     std::string("Completed Populating Directory Structure") + kRule,
-                     "Saving Scan Info File : scan|To Location : " + scratch_.Path(),
-                     "Partition scan information saved successfully.|" + At("scan.tht")}));
+    Expect(0, {"scan", image_, "--save-info", At("scan"), "--log", At("log")});
+    const std::vector<std::string> rows = {
+        "Selected: " + image_ + "|Image Processing Mode:Partition Table",
+        "Selected NTFS logical drive 1|Starting Sector 128, Size   8.000 MB",
+        "Processing Internal File System Structure..." + kRule,
+        "Completed processing Internal File System Structure" + kRule,
+        "Populating Directory Structure..." + kRule,
+        "Completed Populating Directory Structure" + kRule,
+        "Saving Scan Info File : scan|To Location : " + scratch_.Path(),
+        "Partition scan information saved successfully.|" + tree_};
+    EXPECT_EQ(Rows(At("log")), rows);
+
+    const std::string end = std::to_string(fs::file_size(image_) / 512);
+    for (const std::string& last : {end, std::string("999999999")}) {
+        Expect(0, {"partitions", image_, "--search", "thorough", "--range", "5:" + last, "--log", At("log")});
+        EXPECT_EQ(Rows(At("log")).at(1), "Searching Logical Volumes|Sectors Range 5 to " + end);
+    }
 }
 
 TEST_F(ScanInfoCommandTest, LogsOfLoadsAndFailures) {
     SaveBoth();
+    using Lines = std::vector<std::string>;
     const std::string folder = "|Location : " + scratch_.Path();
-    EXPECT_EQ(RunCli({"list", At("scan.tht"), "--log", At("a.txt")}).Status, 0);
-    EXPECT_EQ(Rows(At("a.txt")),
-              (Lines{"Processing Scan Info File : scan.tht" + folder,
-                     "Partition scan information opened successfully.|" + At("scan.tht")}));
-    EXPECT_EQ(RunCli({"list", At("found.thd"), "--turbo", "--log", At("b.txt")}).Status, 0);
+    Expect(0, {"list", tree_, "--log", At("a.txt")});
+    EXPECT_EQ(Rows(At("a.txt")), (Lines{"Processing Scan Info File : scan.tht" + folder,
+                                        "Partition scan information opened successfully.|" + tree_}));
+    Expect(0, {"list", found_, "--turbo", "--log", At("b.txt")});
     EXPECT_EQ(Rows(At("b.txt")), (Lines{"Processing Scan Info File : found.thd" + folder,
                                         "Selected NTFS logical drive 1|Starting Sector 128, Size   8.000 MB",
-                                        "Disk scan information opened successfully.|" + At("found.thd"),
-                                        std::string("Started turbo scan of logical drive 1") + kRule,
-                                        std::string("Completed turbo scan of logical drive 1") + kRule}));
-    fs::remove(Image());
-    EXPECT_EQ(RunCli({"list", At("found.thd"), "--log", At("b.txt")}).Status, 1); // the old log is replaced
-    EXPECT_EQ(Rows(At("b.txt")),
-              (Lines{"Processing Scan Info File : found.thd" + folder,
-                     "Failed to open Disk scan information. Errorcode =2|" + At("found.thd")}));
-    EXPECT_EQ(RunCli({"list", At("nothing"), "--log", At("c.txt")}).Status, 1);
+                                        "Disk scan information opened successfully.|" + found_,
+                                        "Started turbo scan of logical drive 1" + kRule,
+                                        "Completed turbo scan of logical drive 1" + kRule}));
+    fs::remove(image_);
+    Expect(1, {"list", found_, "--log", At("b.txt")}); // the old log is replaced
+    EXPECT_EQ(Rows(At("b.txt")), (Lines{"Processing Scan Info File : found.thd" + folder,
+                                        "Failed to open Disk scan information. Errorcode =2|" + found_}));
+    Expect(1, {"list", At("nothing"), "--log", At("c.txt")});
     EXPECT_EQ(Rows(At("c.txt")), Lines{});
 }
 
-// The table has a second piece of 32 GiB, which takes seconds to walk.
-TEST_F(ScanInfoCommandTest, AStoppedScanIsKeptToo) {
-    VolumeBuilder volume;
-    volume.AddFile(TextFile(40, u"early.txt", "text"));
-    volume.PlaceRecord(volume.NewRecord(0)
-                           .AddStandardInformation(EqualTimes(), 6)
-                           .AddFileName({.Name = u"$MFT", .Namespace = kNamespaceBoth})
-                           .AddData({.Runs = {{64, 4}, {std::uint64_t{8} << 20U, 4096}}}));
-    volume.WriteTo(Image());
-    fs::resize_file(Image(), std::uint64_t{33} << 30U);
-    RunSetup setup;
-    setup.Interrupt = [this] { return Contains(ReadWholeFile(At("log.txt")), "Processing Internal"); };
-    const RunResult run =
-        RunCli({"scan", Image(), "--json", "--save-info", At("scan.tht"), "--log", At("log.txt")}, setup);
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    const std::vector<std::string> rows = Rows(At("log.txt"));
-    ASSERT_EQ(rows.size(), 8U);
-    EXPECT_EQ(rows[3], std::string("Aborted processing Internal File System Structure") + kRule);
-    EXPECT_TRUE(rows[7].starts_with("Partition scan information saved successfully."));
-    const RunResult loaded = RunCli({"scan", At("scan.tht"), "--json"});
-    EXPECT_EQ(loaded.Status, 0) << loaded.Err;
-    EXPECT_EQ(Json::parse(loaded.Out)["files"], Json::parse(run.Out)["files"]);
-}
-
-TEST_F(ScanInfoCommandTest, ALogIsNotWrittenOverACopy) {
-    for (const std::string& log : {At("copy.th2"), At("copy.th2.map")}) {
-        EXPECT_EQ(RunCli({"image", Image(), At("copy.th2"), "--log", log}).Status, 2);
-        EXPECT_FALSE(fs::exists(log));
+// The log's file is made, written and closed; each of these calls fails once.
+TEST_F(ScanInfoCommandTest, ALogThatIsNotWholeIsTold) {
+    const Words words = {"list", image_, "--log", At("log")};
+    RunSetup setup = WithFaults(At("log"), "write", {{"FAULT_LIST", At("calls")}});
+    Expect(0, words, "", setup);
+    const std::size_t calls = LinesOf(ReadWholeFile(At("calls"))).size();
+    EXPECT_GT(calls, 8U);
+    setup.Environment["FAULT_HOW"] = "once";
+    for (std::size_t call = 1; call <= calls; ++call) {
+        setup.Environment["FAULT_AT"] = std::to_string(call);
+        const RunResult run = Expect(1, words, "Error creating log file " + At("log"), setup);
+        EXPECT_EQ(call > 1, Contains(run.Out, "/two.txt")) << call;
     }
-    WriteFileBytes(At("clone"), ByteVector(fs::file_size(Image())));
-    EXPECT_EQ(RunCli({"clone", Image(), At("clone"), "--yes", "--log", At("clone")}).Status, 2);
-}
-
-TEST_F(ScanInfoCommandTest, ALogThatCannotBeWrittenIsTold) {
-    const RunResult result = RunCli({"list", Image(), "--log", "/dev/full"});
-    EXPECT_EQ(result.Status, 1);
-    EXPECT_TRUE(Contains(result.Err, "Error creating log file"));
-    EXPECT_TRUE(Contains(result.Out, "/two.txt"));
 }
 
 } // namespace

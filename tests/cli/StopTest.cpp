@@ -1,24 +1,15 @@
-#include "CliHelpers.h"
+#include "CliFixture.h"
 
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
-#include <gtest/gtest.h>
 
 namespace thntfs::test {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::uint64_t kGibibyte = 1U << 30U;
 constexpr std::uint64_t kFarCluster = 4096; ///< behind the small volume, in the part that is all hole
 
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-class StopTest : public testing::Test {
+class StopTest : public CliTest {
 protected:
     StopTest() { fs::create_directories(temp_); }
 
@@ -28,34 +19,31 @@ protected:
         fs::resize_file(image_, bytes);
     }
 
-    VolumeBuilder volume_;
-    ScratchFolder scratch_;
-    std::string image_ = scratch_ / "image";
-    std::string temp_ = scratch_ / "temp";
-    std::string target_ = scratch_ / "target";
-};
-
-/// Says yes a while after a condition has become true.
-class Later {
-public:
-    explicit Later(std::function<bool()> condition)
-        : condition_(std::move(condition)) {}
-
-    bool operator()() {
-        using namespace std::chrono;
-        if (!met_ && condition_()) {
-            met_ = steady_clock::now();
-        }
-        return met_ && steady_clock::now() - *met_ > milliseconds(150);
+    /// A run with the temporary folder of the test.
+    RunSetup WithTemp() {
+        RunSetup setup;
+        setup.Environment["TMPDIR"] = temp_;
+        return setup;
     }
 
-private:
-    std::function<bool()> condition_;
-    std::optional<std::chrono::steady_clock::time_point> met_;
+    /// The same, stopped a while after the scan has begun.
+    RunSetup StoppedScan() {
+        RunSetup setup = WithTemp();
+        setup.Interrupt = [this, begun = std::optional<std::chrono::steady_clock::time_point>()]() mutable {
+            const auto now = std::chrono::steady_clock::now();
+            if (!begun && !fs::is_empty(temp_)) {
+                begun = now;
+            }
+            return begun && now - *begun > std::chrono::milliseconds(150);
+        };
+        return setup;
+    }
+
+    std::string temp_ = At("temp");
 };
 
 // The table has a second piece of 32 GiB, which takes seconds to walk.
-TEST_F(StopTest, ScanShowsWhatWasFoundBeforeCtrlC) {
+TEST_F(StopTest, ScanShowsAndKeepsWhatWasFoundBeforeCtrlC) {
     volume_.AddFile(TextFile(40, u"early.txt", "text"));
     const std::vector<test::Run> runs = {{64, 4}, {32 * kGibibyte / 4096, kFarCluster}};
     volume_.PlaceRecord(volume_.NewRecord(0)
@@ -63,28 +51,18 @@ TEST_F(StopTest, ScanShowsWhatWasFoundBeforeCtrlC) {
                             .AddFileName({.Name = u"$MFT", .Namespace = kNamespaceBoth})
                             .AddData({.Runs = runs}));
     WriteImage(33 * kGibibyte);
-    for (const Words& words : {Words{"scan", image_, "--json"}, Words{"list", image_, "--json", "/"}}) {
-        RunSetup setup;
-        setup.TempFolder = temp_;
-        setup.Interrupt = Later([&] { return !fs::is_empty(temp_); });
-        const RunResult run = RunCli(words, setup);
-        EXPECT_EQ(run.Status, 3) << run.Err;
-        EXPECT_TRUE(Contains(run.Err, "Stopped: what was found so far is shown.")) << run.Err;
-        const Json shown = Json::parse(run.Out);
-        if (words.front() == "scan") {
-            EXPECT_EQ(shown["files"], 1);
-            EXPECT_EQ(shown["complete"], false);
-        } else {
-            EXPECT_EQ(shown["path"], "/early.txt");
-        }
-        EXPECT_TRUE(fs::is_empty(temp_)) << "the temporary folder stayed";
-    }
-    RunSetup setup;
-    setup.TempFolder = temp_;
-    setup.Interrupt = Later([&] { return !fs::is_empty(temp_); });
-    const RunResult run = RunCli({"save", image_, "--to", target_}, setup);
-    EXPECT_EQ(run.Status, 3) << run.Err;
+    const std::string told = "Stopped: what was found so far is shown.";
+    const Words scan = {"scan", image_, "--json", "--save-info", At("scan.tht"), "--log", At("log")};
+    const Json shown = Json::parse(Expect(3, scan, told, StoppedScan()).Out);
+    EXPECT_EQ(shown["files"], 1);
+    EXPECT_EQ(shown["complete"], false);
+    EXPECT_TRUE(Contains(ReadWholeFile(At("log")), "\nAborted processing Internal File System Structure"));
+    EXPECT_EQ(Json::parse(Expect(0, {"scan", At("scan.tht"), "--json"}).Out)["files"], 1);
+    const Words list = {"list", image_, "--json", "/"};
+    EXPECT_EQ(Json::parse(Expect(3, list, told, StoppedScan()).Out)["path"], "/early.txt");
+    Expect(3, {"save", image_, "--to", target_}, "was not scanned to its end", StoppedScan());
     EXPECT_TRUE(FilesBelow(target_).empty());
+    EXPECT_TRUE(fs::is_empty(temp_)) << "the temporary folder stayed";
 }
 
 TEST_F(StopTest, SaveLeavesNoHalfWrittenFile) {
@@ -98,65 +76,60 @@ TEST_F(StopTest, SaveLeavesNoHalfWrittenFile) {
                             .AddFileName({.Name = u"endless.bin"})
                             .AddData({.Runs = {{kBytes / 4096, kFarCluster}}, .RealSize = kBytes}));
     WriteImage(kBytes + kGibibyte);
-    RunSetup setup;
-    setup.TempFolder = temp_;
+    RunSetup setup = WithTemp();
     setup.Interrupt = [&] { // it has its own name when it is whole
         return fs::exists(target_) && std::any_of(fs::directory_iterator(target_), fs::directory_iterator(),
                                                   [](const fs::directory_entry& entry) {
                                                       return entry.path().extension() == ".part";
                                                   });
     };
-    const RunResult run = RunCli({"save", image_, "--to", target_, "--json"}, setup);
-    EXPECT_EQ(run.Status, 3) << run.Err;
-    EXPECT_TRUE(Contains(run.Err, "/endless.bin: not saved: stopped")) << run.Err;
-    ASSERT_FALSE(fs::exists(target_ + "/endless.bin")) << "it was saved whole";
-    EXPECT_EQ(FilesBelow(target_), (std::map<std::string, std::string>{{"first.txt", "text"}}));
-    const Json totals = Json::parse(run.Out);
+    const Json totals = Json::parse(
+        Expect(3, {"save", image_, "--to", target_, "--json"}, "/endless.bin: not saved: stopped", setup)
+            .Out);
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"first.txt", "text"}}));
     EXPECT_EQ(totals["files"], 1);
     EXPECT_EQ(totals["complete"], false);
     EXPECT_TRUE(fs::is_empty(temp_)) << "the temporary folder stayed";
 }
 
-std::vector<Words> PrintingCommands() {
-    const std::string image = PackedPath("office");
-    return {{"partitions", image},
-            {"partitions", image, "--json"},
-            {"scan", image, "--files"},
-            {"scan", image, "--json"},
-            {"list", image, "--recursive"},
-            {"list", image, "--recursive", "--json"},
-            {"cat", image, "--record", "300"}};
-}
-
-TEST_F(StopTest, AReaderThatHasGoneEndsTheProgramWithoutAWord) {
-    for (const Words& words : PrintingCommands()) {
-        RunSetup setup;
-        setup.BrokenPipe = true;
-        const RunResult run = RunCli(words, setup);
-        EXPECT_EQ(run.Status, 0) << words.front();
-        EXPECT_EQ(run.Err, "") << words.front();
+TEST_F(StopTest, AReaderThatHasGoneIsNoFailureAndAFullDiskIsOne) {
+    const std::string image = PackedPath("basic");
+    for (const Words& words : {Words{"partitions", image},
+                               {"partitions", image, "--json"},
+                               {"scan", image, "--files"},
+                               {"scan", image, "--json"},
+                               {"list", image, "--recursive"},
+                               {"list", image, "--recursive", "--json"},
+                               {"cat", image, "/Sizes kept/700000.txt"}}) {
+        RunSetup gone;
+        gone.BrokenPipe = true;
+        EXPECT_EQ(Expect(0, words, "", gone).Err, "");
+        RunSetup full;
+        full.OutPath = "/dev/full";
+        Expect(1, words, "not enough space", full);
     }
 }
 
-TEST_F(StopTest, OutputThatCannotBeWrittenIsAFailure) {
-    if (!fs::exists("/dev/full")) {
-        GTEST_SKIP() << "no /dev/full here";
+TEST_F(StopTest, TemporaryFilesThatCannotBeMadeOrWritten) {
+    volume_.WriteTo(image_);
+    RunSetup setup = WithTemp();
+    setup.Environment["TMPDIR"] = At("nowhere");
+    Expect(1, {"scan", image_}, "temporary folder", setup);
+    setup = WithFaults(temp_, "write", {{"FAULT_LIST", At("calls")}, {"TMPDIR", temp_}});
+    Expect(0, {"scan", image_}, "", setup);
+    const std::vector<std::string> calls = LinesOf(ReadWholeFile(At("calls")));
+    setup.Environment["FAULT_HOW"] = "full";
+    int tried = 0;
+    for (std::size_t call = 0; call < calls.size(); ++call) {
+        if (calls[call].starts_with("create") || calls[call].starts_with("pwrite")) {
+            setup.Environment["FAULT_AT"] = std::to_string(call + 1);
+            const RunResult run = RunCli({"scan", image_}, setup);
+            EXPECT_NE(run.Status, 0) << calls[call];
+            EXPECT_NE(run.Err, "") << calls[call];
+            ++tried;
+        }
     }
-    for (const Words& words : PrintingCommands()) {
-        RunSetup setup;
-        setup.OutPath = "/dev/full";
-        const RunResult run = RunCli(words, setup);
-        EXPECT_EQ(run.Status, 1) << words.front();
-        EXPECT_TRUE(Contains(run.Err, "not enough space")) << words.front() << run.Err;
-    }
-}
-
-TEST_F(StopTest, NoTemporaryFolderCanBeMade) {
-    RunSetup setup;
-    setup.TempFolder = scratch_ / "nowhere";
-    const RunResult run = RunCli({"scan", PackedPath("basic")}, setup);
-    EXPECT_EQ(run.Status, 1);
-    EXPECT_TRUE(Contains(run.Err, "temporary folder")) << run.Err;
+    EXPECT_GE(tried, 6) << "three files";
 }
 
 } // namespace

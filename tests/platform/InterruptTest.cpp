@@ -77,17 +77,27 @@ void ContinueWhenIgnored() {
 
 } // namespace
 
-TEST(InterruptDeathTest, FirstStopsTheJobAndSecondTheProgram) {
+/// What ignores signals passes that on to what it starts.
+class InterruptDeathTest : public testing::Test {
+protected:
+    InterruptDeathTest() {
+        for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+            (void)std::signal(number, SIG_DFL);
+        }
+    }
+};
+
+TEST_F(InterruptDeathTest, FirstStopsTheJobAndSecondTheProgram) {
     EXPECT_EXIT(StopTwice(SIGINT, SIGINT), ::testing::KilledBySignal(SIGINT), "");
     EXPECT_EXIT(StopTwice(SIGTERM, SIGINT), ::testing::KilledBySignal(SIGINT), "");
     EXPECT_EXIT(StopTwice(SIGHUP, SIGTERM), ::testing::KilledBySignal(SIGTERM), "");
 }
 
-TEST(InterruptDeathTest, AnInterruptAtTheStartOfAJobIsNotLost) {
+TEST_F(InterruptDeathTest, AnInterruptAtTheStartOfAJobIsNotLost) {
     EXPECT_EXIT(InterruptAtTheStart(), ::testing::ExitedWithCode(7), "");
 }
 
-TEST(InterruptDeathTest, BrokenPipeIsAnErrorAndIgnoredStaysIgnored) {
+TEST_F(InterruptDeathTest, BrokenPipeIsAnErrorAndIgnoredStaysIgnored) {
     EXPECT_EXIT(WriteToClosedPipe(), ::testing::ExitedWithCode(7), "");
     EXPECT_EXIT(ContinueWhenIgnored(), ::testing::ExitedWithCode(7), "");
 }

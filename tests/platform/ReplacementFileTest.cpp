@@ -93,6 +93,7 @@ TEST_F(ReplacementFileTest, AnyFailureLeavesTheOlderFile) {
         EXPECT_EQ(Content(Target), code == kErrorNone ? "new" : "old") << call;
         EXPECT_EQ(FileCount(), 1) << call;
     }
+    EXPECT_GE(store.Plan().Calls, 5U);
 }
 
 } // namespace thntfs::test

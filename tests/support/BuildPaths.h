@@ -16,7 +16,7 @@ std::string ManifestFolder();
 /// The terminal program.
 std::string CliPath();
 
-/// The file system that fails; may not have been built.
-std::string FaultyFusePath();
+/// The library that lets calls of a program fail; its source tells how it is told.
+std::string FaultyCallsPath();
 
 } // namespace thntfs::test

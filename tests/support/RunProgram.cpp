@@ -45,8 +45,8 @@ void Prepare(const RunSetup& setup, int out, int err) {
     ::dup2(err, STDERR_FILENO);
     ::signal(SIGINT, SIG_DFL);
     ::signal(SIGXFSZ, SIG_IGN);
-    if (!setup.TempFolder.empty()) {
-        ::setenv("TMPDIR", setup.TempFolder.c_str(), 1);
+    for (const auto& [name, value] : setup.Environment) {
+        ::setenv(name.c_str(), value.c_str(), 1);
     }
     if (setup.MaxFileBytes != 0) {
         const rlimit limit{setup.MaxFileBytes, setup.MaxFileBytes};

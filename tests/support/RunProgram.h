@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,12 +17,12 @@ struct RunResult {
 
 /// What is out of the ordinary with a run.
 struct RunSetup {
-    std::string OutPath;             ///< standard output goes to this file or device, not to Out
-    bool BrokenPipe = false;         ///< standard output is a pipe that nobody reads
-    std::string TempFolder;          ///< value of TMPDIR
-    std::uint64_t MaxFileBytes = 0;  ///< no file may grow beyond this; 0 for no limit
-    bool AsNobody = false;           ///< runs without any rights
-    std::function<bool()> Interrupt; ///< asked again and again; once it says yes, Ctrl+C comes
+    std::string OutPath;     ///< standard output goes to this file or device, not to Out
+    bool BrokenPipe = false; ///< standard output is a pipe that nobody reads
+    std::map<std::string, std::string> Environment; ///< variables that are set for it
+    std::uint64_t MaxFileBytes = 0;                 ///< no file may grow beyond this; 0 for no limit
+    bool AsNobody = false;                          ///< runs without any rights
+    std::function<bool()> Interrupt;                ///< asked again and again; once it says yes, Ctrl+C comes
 };
 
 /// Runs a program to its end. One that takes longer than two minutes is killed, which shows in Status.

@@ -11,9 +11,10 @@
 //                 full    it writes half; all that takes room fails with ENOSPC from then on
 //                 kill    the program is killed in its stead
 //                 torn    the same, but half is written before
-//   FAULT_LIST    file that gets a line for each call that counts: name, path, and of reads offset and size,
-//   with
-//                 tabs between
+//   FAULT_BAD     "OFFSET SIZE OFFSET SIZE ...": reads that touch one of these ranges of bytes fail with EIO
+//   FAULT_SLOW    microseconds that each read takes longer
+//   FAULT_LIST    file that gets a line for each call that counts, with tabs between: name, path, and of a
+//                 read its offset and size
 
 #include <algorithm>
 #include <cerrno>
@@ -22,10 +23,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -36,6 +40,17 @@ std::string Word(const char* name) {
     return value != nullptr ? value : "";
 }
 
+using Range = std::pair<off_t, off_t>; ///< first byte and end
+
+std::vector<Range> BadRanges() {
+    std::vector<Range> ranges;
+    std::istringstream words(Word("FAULT_BAD"));
+    for (Range range; words >> range.first >> range.second;) {
+        ranges.emplace_back(range.first, range.first + range.second);
+    }
+    return ranges;
+}
+
 struct State {
     std::string Under = Word("FAULT_UNDER");
     std::string Calls = Word("FAULT_CALLS");
@@ -43,8 +58,8 @@ struct State {
     long At = std::atol(Word("FAULT_AT").c_str());
     std::FILE* List = Word("FAULT_LIST").empty() ? nullptr : std::fopen(Word("FAULT_LIST").c_str(), "we");
     long Number = 0; ///< of the last call that counted
-    off_t BadFirst = 0;
-    off_t BadEnd = 0;
+    std::vector<Range> Bad = BadRanges();
+    useconds_t Slow = static_cast<useconds_t>(std::atoi(Word("FAULT_SLOW").c_str()));
 };
 
 State& Now() {
@@ -111,13 +126,15 @@ int ReadError(off_t offset, off_t size) {
     State& now = Now();
     if (IsHit() && (Is("range") || Is("sector"))) {
         const off_t sectors = std::max<off_t>(size / kSector, 1);
-        now.BadFirst = Is("range") ? offset : offset + now.Number * 7 % sectors * kSector;
-        now.BadEnd = Is("range") ? offset + size : now.BadFirst + kSector;
+        const off_t first = Is("range") ? offset : offset + now.Number * 7 % sectors * kSector;
+        now.Bad.emplace_back(first, Is("range") ? offset + size : first + kSector);
     }
     if (Is("gone") && now.At != 0 && now.Number >= now.At) {
         return ENODEV;
     }
-    const bool bad = offset < now.BadEnd && now.BadFirst < offset + size;
+    const bool bad = std::any_of(now.Bad.begin(), now.Bad.end(), [=](const Range& range) {
+        return offset < range.second && range.first < offset + size;
+    });
     return bad || (IsHit() && Is("once")) ? EIO : 0;
 }
 
@@ -168,6 +185,7 @@ ssize_t pread(int descriptor, void* bytes, std::size_t size, off_t offset) {
     const std::string place = "\t" + std::to_string(offset) + "\t" + std::to_string(size);
     if (Counts("read", "pread", PathOf(descriptor), place)) {
         KillIfTold();
+        usleep(Now().Slow);
         if (const int failure = ReadError(offset, static_cast<off_t>(size)); failure != 0) {
             return Fail(failure);
         }
