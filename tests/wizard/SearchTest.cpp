@@ -3,6 +3,7 @@
 #include "partitions/OpenSource.h"
 #include "platform/media/Medium.h"
 #include "shell/PauseGate.h"
+#include "support/FaultyMedium.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"
 #include "wizard/LogicalDrivesFound.h"
@@ -26,23 +27,6 @@ namespace {
 constexpr std::size_t kSector = 512;
 constexpr std::size_t kVolumeStart = 2048; // of the volume on the image "basic"
 
-/// A medium that takes its time.
-class SlowMedium : public Medium {
-public:
-    explicit SlowMedium(std::unique_ptr<Medium> under)
-        : under_(std::move(under)) {}
-
-    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        return under_->ReadAt(offset, buffer);
-    }
-    [[nodiscard]] std::uint64_t SizeBytes() const override { return under_->SizeBytes(); }
-    [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return 0; }
-
-private:
-    std::unique_ptr<Medium> under_;
-};
-
 class SearchTest : public WizardTest {
 protected:
     /// The image "basic" without its partition table.
@@ -57,8 +41,12 @@ protected:
 
     void OpenSlowWreck() {
         OpenWreck();
+        auto plan = std::make_shared<FaultPlan>();
+        plan->OnRead = [](std::uint64_t, const ReadRequest&) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        };
         auto& handle = Engine.SourceDisk.MediaHandle;
-        handle = std::make_unique<SlowMedium>(std::move(handle));
+        handle = MakeFaultyMedium(std::move(handle), plan);
     }
 
     /// Starts the search from the image page, in which the wreck is chosen.
@@ -96,12 +84,12 @@ TEST_F(SearchTest, QuickFindsNothingAndAdvises) {
     AtSheet([&] {
         EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  | "});
         EXPECT_EQ(Buttons(), "< Back (Finish)");
-        EXPECT_EQ(Frame.Arrived, WreckLines());
-        Close();
+        EXPECT_EQ(Arrived, WreckLines());
+        Sheet->done(0);
     });
     Run();
-    EXPECT_EQ(BoxTexts(Answers), Texts{"Information: Quick scan of drives completed.\nNo logical drive(s) "
-                                       "found.\nPlease use thorough scan."});
+    EXPECT_EQ(Boxes(), Texts{"Information: Quick scan of drives completed.\nNo logical drive(s) "
+                             "found.\nPlease use thorough scan."});
     EXPECT_EQ(Engine.ScanRunFlag, 0U);
 }
 
@@ -124,7 +112,7 @@ TEST_F(SearchTest, ThoroughFindsTheVolumeAndFinishes) {
     EXPECT_EQ(Run(), kWizardFinished);
     EXPECT_EQ(found, Texts{"NTFS logical drive #1 | 2048"});
     EXPECT_EQ(percent, QStringLiteral("100 %"));
-    EXPECT_EQ(BoxTexts(Answers), Texts{"Information: Thorough scan of drives completed."});
+    EXPECT_EQ(Boxes(), Texts{"Information: Thorough scan of drives completed."});
     EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Information);
     EXPECT_FALSE(Engine.VolumeParams.MftExtents.Empty());
 }
@@ -141,11 +129,11 @@ TEST_F(SearchTest, CancelledQuestionKeepsThePage) {
     AnswerRange("Cancel");
     AtSheet([&] {
         EXPECT_EQ(Heading(), "Select image to recover data");
-        Close();
+        Sheet->done(0);
     });
     Run();
     const Texts lines = WreckLines();
-    EXPECT_EQ(Frame.Arrived, (Texts{lines[0], lines[1], lines[0], lines[1]})) << "no search is logged";
+    EXPECT_EQ(Arrived, (Texts{lines[0], lines[1], lines[0], lines[1]})) << "no search is logged";
 }
 
 TEST_F(SearchTest, AbortKeepsWhatWasFound) {
@@ -170,11 +158,11 @@ TEST_F(SearchTest, AbortKeepsWhatWasFound) {
     });
     EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr)) << "the wizard goes on";
     EXPECT_TRUE(Steps.AllDone());
-    EXPECT_EQ(BoxTexts(Answers),
+    EXPECT_EQ(Boxes(),
               (Texts{"Confirm: Do you want to abort scanning?", "Confirm: Do you want to abort scanning?",
                      "Information: Thorough scan of drives aborted."}));
     EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Critical);
-    EXPECT_EQ(Frame.Arrived.back(), "1 Aborted searching partitions | -----------------");
+    EXPECT_EQ(Arrived.back(), "1 Aborted searching partitions | -----------------");
     EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
     EXPECT_EQ(Engine.ScanRunFlag, 0U);
 }
@@ -188,7 +176,7 @@ TEST_F(SearchTest, EndOfTheProgramEndsTheSearch) {
         dialog.done(QDialog::Rejected);
     });
     EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr));
-    EXPECT_EQ(Frame.Arrived.back(), "1 Aborted searching partitions | -----------------");
+    EXPECT_EQ(Arrived.back(), "1 Aborted searching partitions | -----------------");
     EXPECT_EQ(Engine.ScanRunFlag, 0U);
 }
 
@@ -202,7 +190,7 @@ TEST_F(SearchTest, EndBehindTheAbortQuestionIsShownAfterIt) {
         return true;
     };
     test::Press(dialog, "Abort Process");
-    EXPECT_EQ(BoxTexts(Answers).size(), 2U);
+    EXPECT_EQ(Boxes().size(), 2U);
     EXPECT_FALSE(dialog.isVisible());
 }
 
@@ -293,9 +281,9 @@ TEST_F(SearchTest, RangeGoesIntoTheSearch) {
         test::Press(dialog, "OK");
     });
     EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr));
-    EXPECT_EQ(Frame.Arrived.at(0), "0 Searching Logical Volumes | Sectors Range 3000 to 4000");
+    EXPECT_EQ(Arrived.at(0), "0 Searching Logical Volumes | Sectors Range 3000 to 4000");
     EXPECT_TRUE(Engine.SourceDisk.Partitions.Empty());
-    EXPECT_EQ(BoxTexts(Answers), Texts{"Information: Thorough scan of drives completed."}) << "no advice";
+    EXPECT_EQ(Boxes(), Texts{"Information: Thorough scan of drives completed."}) << "no advice";
 }
 
 } // namespace

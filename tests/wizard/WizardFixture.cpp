@@ -2,56 +2,27 @@
 
 #include "engine/EngineState.h"
 #include "support/BuildPaths.h"
+#include "wizard/InfoListBox.h"
 
 #include <QAbstractButton>
-#include <QTableWidget>
+#include <QLabel>
 #include <QTest>
 #include <QTreeWidget>
 
 namespace thntfs::test {
 
-std::intptr_t RecordingFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam,
-                                        std::uintptr_t /*lParam*/) {
-    if (message == WM_CLEAR_VIEWS) {
-        Arrived.emplace_back("clear views");
-    } else if (message == WM_LOG_EVENT) {
-        const auto& entry = *PointerIn<const ProcessLogEntry>(wParam);
-        Arrived.push_back(std::to_string(entry.Status) + " " + entry.Name + " | " + entry.Description);
-    }
-    return 0;
-}
-
 std::vector<DiskInfo> MadeUpDisks() {
-    DiskInfo first;
-    first.Path = "/dev/sdx";
-    first.Name = "sdx";
-    first.MediaType = "Fixed hard disk media";
-    first.InterfaceType = "IDE";
-    first.TotalSectors = "976773168";
-    first.TotalCylinders = "60801";
-    first.TotalHeads = "255";
-    first.Size = "465.76 GB";
-    first.Serial = "WX11";
-    first.Revision = "01.01";
-    first.Model = "Some Disk";
-    first.BytesPerSector = "512";
-    DiskInfo second = first;
-    second.Path = "/dev/sdy";
-    second.Name = "sdy";
-    second.InterfaceType = "USB";
-    DiskInfo third = first;
-    third.Path = "/dev/no-such-disk";
-    third.Name = "no-such-disk";
-    third.InterfaceType = "NVMe";
-    return {first, second, third};
-}
-
-Texts BoxTexts(const BoxAnswers& answers) {
-    Texts texts;
-    for (const SeenBox& box : answers.Boxes) {
-        texts.push_back(box.Caption.toStdString() + ": " + box.Text.toStdString());
-    }
-    return texts;
+    const DiskInfo disk{"/dev/sdx", "sdx",       "Fixed hard disk media",
+                        "IDE",      "976773168", "60801",
+                        "255",      "465.76 GB", "WX11",
+                        "01.01",    "Some Disk", "512"};
+    std::vector<DiskInfo> disks(3, disk);
+    disks[1].Path = "/dev/path of sdy";
+    disks[1].Name = "sdy";
+    disks[1].InterfaceType = "USB";
+    disks[2].Path = "/dev/no-such-disk";
+    disks[2].Name = "gone";
+    return disks;
 }
 
 QString VolumePath(const char* name) {
@@ -59,7 +30,7 @@ QString VolumePath(const char* name) {
 }
 
 WizardTest::WizardTest() {
-    SetMainWindow(&Frame);
+    SetMainWindow(this);
     ResetEngineState();
     Engine.StructuresMissing = 0;
     MakeSheet();
@@ -69,6 +40,16 @@ WizardTest::~WizardTest() {
     Sheet.reset();
     SetMainWindow(nullptr);
     ResetEngineState();
+}
+
+std::intptr_t WizardTest::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t /*lParam*/) {
+    if (message == WM_CLEAR_VIEWS) {
+        Arrived.emplace_back("clear views");
+    } else if (message == WM_LOG_EVENT) {
+        const auto& entry = *PointerIn<const ProcessLogEntry>(wParam);
+        Arrived.push_back(std::to_string(entry.Status) + " " + entry.Name + " | " + entry.Description);
+    }
+    return message == WM_GIVE_UP_SCAN && KeepsOldScan ? 1 : 0;
 }
 
 void WizardTest::MakeSheet(std::vector<DiskInfo> disks) {
@@ -85,6 +66,24 @@ int WizardTest::Run() {
     return result;
 }
 
+int WizardTest::RunWith(std::function<void()> act) {
+    AtSheet([this, act = std::move(act)] {
+        act();
+        if (Sheet->isVisible()) {
+            Sheet->done(0);
+        }
+    });
+    return Run();
+}
+
+Texts WizardTest::Boxes() const {
+    Texts texts;
+    for (const SeenBox& box : Answers.Boxes) {
+        texts.push_back((box.Caption + QStringLiteral(": ") + box.Text).toStdString());
+    }
+    return texts;
+}
+
 std::string WizardTest::Buttons() const {
     std::string offered;
     for (const char* text : {"< Back", "Next >", "Finish"}) {
@@ -96,13 +95,29 @@ std::string WizardTest::Buttons() const {
     return offered;
 }
 
-std::string WizardTest::Heading() const { return Sheet->ActivePage().Heading().toStdString(); }
+Texts WizardTest::Labels() const {
+    Texts texts;
+    for (const QLabel* label : Sheet->ActivePage().findChildren<QLabel*>()) {
+        texts.push_back(label->text().toStdString());
+    }
+    return texts;
+}
 
-void WizardTest::ChooseDisk(int position) {
-    auto& tree = OnPage<QTreeWidget>();
-    QTreeWidgetItem* root = tree.topLevelItem(0);
+Texts WizardTest::Info() const {
+    const auto& list = OnPage<CInfoListBox>();
+    Texts rows;
+    for (int row = 0; row < list.count(); ++row) {
+        const bool bullet = list.item(row)->data(Qt::UserRole).toBool();
+        rows.push_back((bullet ? "* " : "") + list.item(row)->text().toStdString());
+    }
+    return rows;
+}
+
+void WizardTest::ChooseDisk(int position, int tree) {
+    auto& shown = *Sheet->ActivePage().findChildren<QTreeWidget*>().at(tree);
+    QTreeWidgetItem* root = shown.topLevelItem(0);
     QTreeWidgetItem* item = position < 0 ? root : root->child(position);
-    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, tree.visualItemRect(item).center());
+    QTest::mouseClick(shown.viewport(), Qt::LeftButton, {}, shown.visualItemRect(item).center());
 }
 
 void WizardTest::GoToImagePage(const QString& path) {
