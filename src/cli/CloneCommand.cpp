@@ -22,11 +22,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-int Refuse(const std::string& text) {
-    PrintMessage(text);
-    return kExitFailed;
-}
-
 /// What a target is before it is written over.
 struct TargetFacts {
     std::uint64_t Bytes = 0;
@@ -119,12 +114,11 @@ int OpenTarget(const Options& options) {
 int RunClone(const Options& options) {
     CopySession session(options, CopyWork::Cloning);
     TargetFacts facts;
-    int code = RefuseCopy(CheckCopyPlaces(options.Medium, options.Target), options);
-    code = code == kExitDone ? LookAtTarget(options.Target, facts) : code;
-    code = code == kExitDone ? session.OpenSourceDisk() : code;
-    code = code == kExitDone ? CheckSize(options, facts) : code;
-    code = code == kExitDone ? TellLoss(options, facts) : code;
-    code = code == kExitDone ? OpenTarget(options) : code;
+    const int code =
+        RunSteps([&] { return RefuseCopy(CheckCopyPlaces(options.Medium, options.Target), options); },
+                 [&] { return LookAtTarget(options.Target, facts); },
+                 [&] { return session.OpenSourceDisk(); }, [&] { return CheckSize(options, facts); },
+                 [&] { return TellLoss(options, facts); }, [&] { return OpenTarget(options); });
     if (code != kExitDone) {
         return code;
     }

@@ -29,8 +29,7 @@ int CopySession::OpenSourceDisk() {
         return code;
     }
     if (Engine.SourceDisk.TotalSectors == 0) {
-        PrintMessage(options_.Medium + " is empty: there is not one sector to copy.");
-        return kExitFailed;
+        return Refuse(options_.Medium + " is empty: there is not one sector to copy.");
     }
     return kExitDone;
 }

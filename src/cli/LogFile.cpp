@@ -38,17 +38,15 @@ RunPlaces PlacesOf(const Options& options) {
     return places;
 }
 
-int Refuse(const std::string& path, const TargetVerdict& verdict) {
+int RefusePlace(const std::string& path, const TargetVerdict& verdict) {
     switch (verdict.Why) {
     case TargetRefusal::OnMedium:
-        PrintMessage("The log can't go to " + path + ", which is or lies on the medium that is to be read.");
-        return kExitFailed;
+        return Refuse("The log can't go to " + path + ", which is or lies on the medium that is to be read.");
     case TargetRefusal::IsSavedScan:
-        PrintMessage("The log can't go to " + path + ", which is to be read.");
-        return kExitFailed;
+        return Refuse("The log can't go to " + path + ", which is to be read.");
     default:
-        PrintMessage("The log can't go to " + path + ", since " + verdict.What + " is to be written.");
-        return kExitWrongWords;
+        return Refuse("The log can't go to " + path + ", since " + verdict.What + " is to be written.",
+                      kExitWrongWords);
     }
 }
 
@@ -63,11 +61,10 @@ int LogFile::Open(const Options& options) {
     }
     path_ = *options.Log;
     if (const TargetVerdict verdict = CheckTarget(path_, PlacesOf(options)); !verdict.Allowed()) {
-        return Refuse(path_, verdict);
+        return RefusePlace(path_, verdict);
     }
     if (const ErrorCode code = Files().Open(path_, FileMode::CreateAlways, file_); code != kErrorNone) {
-        PrintMessage(FailureText(path_, code));
-        return kExitFailed;
+        return Refuse(FailureText(path_, code));
     }
     Write(LogHeadText());
     return kExitDone;

@@ -12,8 +12,7 @@ int OpenMediumOrTell(const std::string& path) {
         return kExitDone;
     }
     if (code == kErrorDirectory) {
-        PrintMessage(path + " is a folder. Give a disk, or a file that holds the image of one.");
-        return kExitFailed;
+        return Refuse(path + " is a folder. Give a disk, or a file that holds the image of one.");
     }
     PrintMessage("Cannot open " + path + ": " + OpenErrorText(code));
     if (code == kErrorAccessDenied) {

@@ -53,6 +53,11 @@ void PrintMessage(std::string_view text) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+int Refuse(const std::string& text, int code) {
+    PrintMessage(text);
+    return code;
+}
+
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {
     return std::to_string(count) + " " + (count == 1 ? one : more);
 }

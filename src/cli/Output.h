@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/ExitCode.h"
 #include "platform/system/Bytes.h"
 #include "platform/system/ErrorCodes.h"
 
@@ -57,6 +58,9 @@ void AppendPrintable(std::string& out, std::string_view text);
 /// Prints one line to standard error, after wiping the progress bar if one stands there. Control characters
 /// in it (it may hold a name from the medium), line ends too, are shown as \xNN.
 void PrintMessage(std::string_view text);
+
+/// Prints a message and gives an exit code.
+int Refuse(const std::string& text, int code = kExitFailed);
 
 /// A number of things for people: "1 file", "2 files".
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more);

@@ -28,19 +28,17 @@ public:
 
 int OpenTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
     if (!CheckTarget(options.Target, {medium, {}, {}}).Allowed()) {
-        PrintMessage(options.Target +
-                     " lies on the medium that is being read. Saving there would destroy what is "
-                     "to be recovered; choose a folder on another disk.");
-        return kExitFailed;
+        return Refuse(options.Target +
+                      " lies on the medium that is being read. Saving there would destroy what is "
+                      "to be recovered; choose a folder on another disk.");
     }
     const ErrorCode code = TargetFolder::OpenTargetFolder(options.Target, true, target);
     if (code == kErrorDirectory) {
-        PrintMessage("Cannot save to " + options.Target + ": it is a file or lies below one. Give a folder.");
-        return kExitFailed;
+        return Refuse("Cannot save to " + options.Target +
+                      ": it is a file or lies below one. Give a folder.");
     }
     if (code != kErrorNone) {
-        PrintMessage("Cannot save to " + options.Target + ": " + SystemErrorText(code));
-        return kExitFailed;
+        return Refuse("Cannot save to " + options.Target + ": " + SystemErrorText(code));
     }
     return kExitDone;
 }
@@ -104,10 +102,9 @@ int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked)
 int RunSave(const Options& options) {
     Session session(options);
     std::unique_ptr<TargetFolder> target;
-    int opened = session.OpenMedium();
-    opened = opened == kExitDone ? session.OpenVolume() : opened;
-    opened = opened == kExitDone ? OpenTarget(options, session.MediumPath(), target) : opened;
-    opened = opened == kExitDone ? session.ScanVolume() : opened;
+    const int opened = RunSteps([&] { return session.OpenMedium(); }, [&] { return session.OpenVolume(); },
+                                [&] { return OpenTarget(options, session.MediumPath(), target); },
+                                [&] { return session.ScanVolume(); });
     if (opened != kExitDone) {
         return opened;
     }

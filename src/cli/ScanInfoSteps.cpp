@@ -17,13 +17,11 @@ namespace thntfs {
 namespace {
 
 int RefuseWord(const Options& options, const char* word, const char* why) {
-    PrintMessage(std::string(word) + " can't be used with " + options.Medium + ", " + why);
-    return kExitWrongWords;
+    return Refuse(std::string(word) + " can't be used with " + options.Medium + ", " + why, kExitWrongWords);
 }
 
 int TellFailedSave(const std::string& target, const std::string& reason) {
-    PrintMessage("Cannot save scan information to " + target + ": " + reason);
-    return kExitFailed;
+    return Refuse("Cannot save scan information to " + target + ": " + reason);
 }
 
 ErrorCode TryToCreate(const std::string& target) {

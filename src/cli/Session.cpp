@@ -78,12 +78,12 @@ const std::string& Session::MediumPath() const {
 
 int Session::OpenMedium() {
     saved_ = ProbeScanInfo(options_.Medium);
-    int code = CheckSavedResultWords(options_, saved_.Kind);
-    code = code == kExitDone ? CheckSaveInfo(options_, MediumPath()) : code;
-    if (code != kExitDone) {
-        return code;
-    }
-    return saved_.Kind == ScanInfoKind::None ? OpenWantedMedium() : LoadSavedResult(saved_.Kind);
+    return RunSteps([&] { return CheckSavedResultWords(options_, saved_.Kind); },
+                    [&] { return CheckSaveInfo(options_, MediumPath()); },
+                    [&] {
+                        return saved_.Kind == ScanInfoKind::None ? OpenWantedMedium()
+                                                                 : LoadSavedResult(saved_.Kind);
+                    });
 }
 
 int Session::LoadSavedResult(ScanInfoKind kind) {
@@ -128,10 +128,7 @@ int Session::LoadPartitions() {
     return Engine.SourceDisk.Partitions.Empty() ? TellNoVolume() : int{kExitDone};
 }
 
-int Session::TellNoVolume() {
-    PrintMessage(options_.Medium + " holds no volume.");
-    return kExitFailed;
-}
+int Session::TellNoVolume() { return Refuse(options_.Medium + " holds no volume."); }
 
 int Session::OpenWantedMedium() {
     if (const int code = OpenMediumOrTell(options_.Medium); code != kExitDone) {
@@ -139,8 +136,7 @@ int Session::OpenWantedMedium() {
     }
     if (Engine.SourceDisk.TotalSectors == 0 &&
         (options_.Search || ScanInfoKindOfName(options_.Medium) == ScanInfoKind::None)) {
-        PrintMessage(options_.Medium + " is empty: there is not one sector to read.");
-        return kExitFailed;
+        return Refuse(options_.Medium + " is empty: there is not one sector to read.");
     }
     return FindVolumes();
 }
@@ -151,10 +147,9 @@ int Session::FindVolumes() {
         const int code = SearchMedium(options_, Host);
         complete_ = !Engine.Losses.Any();
         if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
-            PrintMessage(*options_.Search == SearchMethod::Quick
-                             ? "The quick search found no NTFS volume; try --search thorough."
-                             : "The search found no NTFS volume.");
-            return kExitFailed;
+            return Refuse(*options_.Search == SearchMethod::Quick
+                              ? "The quick search found no NTFS volume; try --search thorough."
+                              : "The search found no NTFS volume.");
         }
         return code;
     }
@@ -172,18 +167,14 @@ int Session::FindVolumes() {
     return kExitDone;
 }
 
-int Session::TellEarlyStop() {
-    PrintMessage("Stopped before the volume was found.");
-    return kExitDoneInPart;
-}
+int Session::TellEarlyStop() { return Refuse("Stopped before the volume was found.", kExitDoneInPart); }
 
 // A medium that gives nothing at all has no missing table, and searching it would find nothing.
 int Session::TellNoVolumeInTable() const {
     const MediumAnswer answer = AskMedium();
     if (!answer.Answers) {
-        PrintMessage(options_.Medium + " can't be read: " + SystemErrorText(answer.FirstSector) +
-                     " If it is a disk, look whether it is still attached.");
-        return kExitFailed;
+        return Refuse(options_.Medium + " can't be read: " + SystemErrorText(answer.FirstSector) +
+                      " If it is a disk, look whether it is still attached.");
     }
     if (answer.FirstSector != kErrorNone) {
         PrintMessage("The partition table of " + options_.Medium +
@@ -220,8 +211,7 @@ int Session::TakeVolume() {
     }
     LoadVolumeParams(*candidate);
     if (const std::string fault = ClusterFault(); !fault.empty()) {
-        PrintMessage(fault + " Look for other traces of the volume with --search thorough.");
-        return kExitFailed;
+        return Refuse(fault + " Look for other traces of the volume with --search thorough.");
     }
     const bool located = LocateMft() != 0;
     if (located) {
@@ -330,17 +320,11 @@ int Session::ReopenCatalogue() {
 
 int Session::TellNoCatalogue() {
     LogNoCatalogue();
-    PrintMessage("Supporting Files couldn't be opened");
-    return kExitFailed;
+    return Refuse("Supporting Files couldn't be opened");
 }
 
 int Session::OpenCatalogueOfMedium() {
-    for (const auto step : {&Session::OpenMedium, &Session::OpenVolume, &Session::ScanVolume}) {
-        if (const int code = (this->*step)(); code != kExitDone) {
-            return code;
-        }
-    }
-    return kExitDone;
+    return RunSteps([&] { return OpenMedium(); }, [&] { return OpenVolume(); }, [&] { return ScanVolume(); });
 }
 
 } // namespace thntfs

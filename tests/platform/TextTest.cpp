@@ -2,6 +2,7 @@
 
 #include "platform/system/Dates.h"
 #include "platform/system/ErrorCodes.h"
+#include "platform/system/SizeText.h"
 #include "platform/system/posix/ErrnoMap.h"
 
 #include <cerrno>
@@ -42,6 +43,15 @@ TEST(TextTest, InvalidNarrowTextIsReplacedAndReadOn) {
     EXPECT_EQ(WideText("\xE0\x80\xAF"), u"\uFFFD\uFFFD\uFFFD") << "overlong slash";
     EXPECT_EQ(WideText("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD") << "a surrogate";
     EXPECT_EQ(WideText("\xF4\x90\x80\x80"), u"\uFFFD\uFFFD\uFFFD\uFFFD") << "past the last character";
+}
+
+TEST(SizeTextTest, UnitsBeginWhereTheyAreTold) {
+    EXPECT_EQ(SizeText(1048575), "1023.999 KB");
+    EXPECT_EQ(SizeText(1048576), "  1.000 MB");
+    EXPECT_EQ(ByteText(1) + ByteText(1023) + ByteText(1024), "1 byte1023 bytes1.0 KB");
+    EXPECT_EQ(DiskSizeText((1U << 30U) - 1048576) + DiskSizeText(1U << 30U), "1023.00 MB1.00 GB");
+    EXPECT_EQ(StretchSizeText(1024) + StretchSizeText(1152), "1024 bytes1.13 KB");
+    EXPECT_EQ(StretchSizeText(1048576) + StretchSizeText(1073741824), "1024.00 KB1024.00 MB");
 }
 
 TEST(DatesTest, AgreesWithTheCalendarOnEveryDay) {
