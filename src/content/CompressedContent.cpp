@@ -45,9 +45,9 @@ public:
     void Collect(std::uint64_t sector, std::uint32_t clusters) {
         const Bytes place =
             Bytes(raw_).subspan(collected_, std::size_t{clusters} * Engine.VolumeParams.ClusterBytes);
-        ReadSectorsCleared(place, sector);
+        const ReadOutcome outcome = ReadSectorsCleared(place, sector);
         Engine.BytesBehindEnd += BytesBehindMedium(sector, place.size());
-        KeepUnread(sector, place.size());
+        KeepUnread(outcome, sector, place.size());
         collected_ += place.size();
         taken_ += place.size();
         if (collected_ == raw_.size()) {
@@ -79,10 +79,10 @@ private:
         return std::min<std::uint64_t>(size_ - std::min(size_, Engine.BytesWritten), raw_.size());
     }
 
-    void KeepUnread(std::uint64_t sector, std::uint64_t bytes) {
+    void KeepUnread(const ReadOutcome& outcome, std::uint64_t sector, std::uint64_t bytes) {
         const std::uint64_t sectorBytes = Engine.SourceDisk.BytesPerSector;
         for (const std::uint64_t unread :
-             UnreadSectors(sector + bytes / std::max<std::uint64_t>(sectorBytes, 1))) {
+             UnreadSectors(outcome, sector + bytes / std::max<std::uint64_t>(sectorBytes, 1))) {
             unread_.push_back({unread, collected_ + (unread - sector) * sectorBytes});
         }
     }

@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "engine/Host.h"
+#include "engine/SectorReader.h"
 #include "platform/media/Medium.h"
 
 #include <algorithm>
@@ -31,11 +32,11 @@ std::uint64_t BytesBehindMedium(std::uint64_t sector, std::uint64_t bytes) {
     return bytes > room ? bytes - room : 0;
 }
 
-std::vector<std::uint64_t> UnreadSectors(std::uint64_t end) {
+std::vector<std::uint64_t> UnreadSectors(const ReadOutcome& outcome, std::uint64_t end) {
     std::vector<std::uint64_t> unread;
-    std::copy_if(Engine.BadSectors.begin(), Engine.BadSectors.end(), std::back_inserter(unread),
+    std::copy_if(outcome.BadSectors.begin(), outcome.BadSectors.end(), std::back_inserter(unread),
                  [end](std::uint64_t sector) { return sector < end; });
-    for (std::uint64_t sector = Engine.UntriedFrom; sector < end; ++sector) {
+    for (std::uint64_t sector = outcome.UntriedFrom; sector < end; ++sector) {
         unread.push_back(sector);
     }
     return unread;
@@ -47,10 +48,11 @@ void NoteUnreadSector(std::uint64_t sector) {
     }
 }
 
-void NoteMissingData(std::uint64_t sector, std::uint64_t bytes) {
+void NoteMissingData(const ReadOutcome& outcome, std::uint64_t sector, std::uint64_t bytes) {
     Engine.BytesBehindEnd += BytesBehindMedium(sector, bytes);
     const std::uint64_t sectorBytes = std::max<std::uint64_t>(Engine.SourceDisk.BytesPerSector, 1);
-    for (const std::uint64_t unread : UnreadSectors(sector + (bytes + sectorBytes - 1) / sectorBytes)) {
+    for (const std::uint64_t unread :
+         UnreadSectors(outcome, sector + (bytes + sectorBytes - 1) / sectorBytes)) {
         NoteUnreadSector(unread);
     }
 }

@@ -153,7 +153,7 @@ int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {
     }
     ListHead<MftExtent> runs;
     DecodeRunList(record, list.RunListStart(), runs);
-    WalkListClusters(runs, [&nodes](ConstBytes cluster) {
+    WalkListClusters(runs, [&nodes](ConstBytes cluster, const ReadOutcome&) {
         WalkListEntries(cluster, NodeCollector(nodes));
         return true;
     });
@@ -178,10 +178,10 @@ int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<Mft
             const std::uint32_t clusters = std::min(left, perPiece);
             left -= clusters;
             Bytes piece(buffer.data(), static_cast<std::size_t>(clusters * clusterBytes));
-            ReadSectorsCleared(piece, sector);
+            const ReadOutcome outcome = ReadSectorsCleared(piece, sector);
             piece = piece.first(static_cast<std::size_t>(
                 std::min<std::uint64_t>(piece.size(), entry.Size - Engine.BytesWritten)));
-            NoteMissingData(sector, piece.size());
+            NoteMissingData(outcome, sector, piece.size());
             sector += std::uint64_t{clusters} * Engine.VolumeParams.SectorsPerCluster;
             Engine.BytesWritten += piece.size();
             WriteCatalogue(outputHandle, piece);

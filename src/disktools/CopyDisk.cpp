@@ -71,8 +71,8 @@ private:
 
     void CopyPiece(const Piece& piece) {
         const Bytes bytes = Bytes(buffer_).first(static_cast<std::size_t>(piece.Count * sectorBytes_));
-        ReadSectorsCleared(bytes, piece.First);
-        ClearBadSectors(bytes, piece.First);
+        const ReadOutcome outcome = ReadSectorsCleared(bytes, piece.First);
+        ClearBadSectors(bytes, piece.First, outcome.BadSectors);
         if (piece.First == 0) {
             StampFirstSector(bytes);
         }
@@ -83,24 +83,25 @@ private:
         position_ = piece.First + piece.Count;
         Engine.ProgressDone += piece.Count;
         if (written) {
-            Account(piece);
+            Account(piece, outcome);
         }
         ledger_.Pass(target_, Place());
     }
 
     /// A failed read of a single sector may have left a part of it.
-    void ClearBadSectors(Bytes bytes, std::uint64_t first) const {
-        for (const std::uint64_t sector : Engine.BadSectors) {
+    void ClearBadSectors(Bytes bytes, std::uint64_t first,
+                         const std::vector<std::uint64_t>& badSectors) const {
+        for (const std::uint64_t sector : badSectors) {
             const Bytes bad =
                 bytes.subspan(static_cast<std::size_t>((sector - first) * sectorBytes_), sectorBytes_);
             std::fill(bad.begin(), bad.end(), std::uint8_t{0});
         }
     }
 
-    void Account(const Piece& piece) {
-        const std::uint64_t end = std::min(piece.First + piece.Count, Engine.UntriedFrom);
+    void Account(const Piece& piece, const ReadOutcome& outcome) {
+        const std::uint64_t end = std::min(piece.First + piece.Count, outcome.UntriedFrom);
         ledger_.Mark(piece.First * sectorBytes_, (end - piece.First) * sectorBytes_, AreaState::Read);
-        for (const std::uint64_t sector : Engine.BadSectors) {
+        for (const std::uint64_t sector : outcome.BadSectors) {
             ledger_.Mark(sector * sectorBytes_, sectorBytes_, AreaState::Bad);
         }
     }

@@ -40,7 +40,7 @@ void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisito
     }
 }
 
-void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(ConstBytes)>& visit) {
+void WalkListClusters(const ListHead<MftExtent>& runs, const ListClusterVisitor& visit) {
     const std::uint32_t clusterBytes = std::min(Engine.VolumeParams.ClusterBytes, kMaxListBytes);
     if (clusterBytes == 0) {
         return;
@@ -49,8 +49,8 @@ void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(
     std::vector<std::uint8_t> cluster(clusterBytes);
     for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
         for (std::uint64_t i = 0; i < run->Clusters && clustersLeft > 0; ++i, --clustersLeft) {
-            ReadSectorsCleared(cluster, SectorOfCluster(run->StartCluster + i));
-            if (!visit(cluster)) {
+            const ReadOutcome outcome = ReadSectorsCleared(cluster, SectorOfCluster(run->StartCluster + i));
+            if (!visit(cluster, outcome)) {
                 return;
             }
         }

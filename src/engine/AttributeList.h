@@ -8,6 +8,8 @@
 
 namespace thntfs {
 
+struct ReadOutcome;
+
 /// One entry of an attribute list, read where it lies.
 class AttributeListEntry {
 public:
@@ -49,9 +51,12 @@ void WalkListEntries(ConstBytes bytes, const ListVisitor& visit);
 /// Entries of a resident attribute list: from its value's start to the attribute's end.
 void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisitor& visit);
 
+/// Takes a cluster of a list and what became of its read; false ends the walk.
+using ListClusterVisitor = std::function<bool(ConstBytes, const ReadOutcome&)>;
+
 /// The clusters of a non-resident attribute list, one after the other, each read into a cleared buffer of
-/// ClusterBytes and handed to `visit`, which gives false to end the walk. NTFS bounds an attribute list to
+/// ClusterBytes and handed to `visit`. NTFS bounds an attribute list to
 /// 256 KiB: of a larger cluster no more is read, nor are clusters beyond that. Passes CUserException on.
-void WalkListClusters(const ListHead<MftExtent>& runs, const std::function<bool(ConstBytes)>& visit);
+void WalkListClusters(const ListHead<MftExtent>& runs, const ListClusterVisitor& visit);
 
 } // namespace thntfs

@@ -276,8 +276,8 @@ int DecodeFromListRuns(const ListHead<MftExtent>& runs, DecodedEntry& entry) {
     int result = 0;
     bool unread = false;
     try {
-        WalkListClusters(runs, [&](ConstBytes cluster) {
-            unread = unread || !Engine.BadSectors.empty();
+        WalkListClusters(runs, [&](ConstBytes cluster, const ReadOutcome& outcome) {
+            unread = unread || !outcome.BadSectors.empty();
             WalkListEntries(cluster, [&](const AttributeListEntry& listEntry) {
                 const std::uint32_t type = listEntry.Type();
                 if (Engine.Lists.Ended || !IsValidType(type) || type > kTypeData) {

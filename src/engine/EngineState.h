@@ -23,8 +23,6 @@ class CVarientCloneImageDialog;
 /// thrown, so it holds no data. Decoding passes it on, scans catch it.
 struct CUserException {};
 
-inline constexpr std::uint64_t kAllWereTried = ~std::uint64_t{0};
-
 /// All that the engine works on. One exists, `Engine`. One job at a time uses it, on one thread.
 struct EngineState {
     EngineState();
@@ -69,11 +67,6 @@ struct EngineState {
     std::uint8_t PreviewActive = 0;      ///< 1: the writers send no progress
     std::vector<std::uint8_t> PreviewBuffer;
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
-
-    // What the last ReadSectors left open, in sectors of the medium.
-    std::vector<std::uint64_t> BadSectors; ///< tried one by one and not given, in order
-    std::uint64_t UntriedFrom =
-        kAllWereTried; ///< the first that a stop or a fatal code kept from being tried
 
     ScanLosses Losses; ///< of the last scan or search
     ListReads Lists;

@@ -55,11 +55,6 @@ std::uint32_t RecordsInClusters(std::uint32_t clusters) {
     return clusters * (volume.SectorsPerCluster / volume.SectorsPerFileRecord);
 }
 
-// Outside a job a read that failed has not been walked sector by sector.
-void NoteFailedRead() {
-    Engine.TableCut = Engine.TableCut || Engine.UntriedFrom != kAllWereTried || !Engine.BadSectors.empty();
-}
-
 // Bytes that the volume can hold at the most. What a record states beyond them can't be true.
 std::uint64_t VolumeBytes() {
     const DiskRecord& disk = Engine.SourceDisk;
@@ -99,8 +94,8 @@ ListHead<AttributeListNode> ReadTableAttributeList(ConstBytes record, const Attr
         } else {
             ListHead<MftExtent> runs;
             DecodeRunList(record, list.RunListStart(), runs);
-            WalkListClusters(runs, [&nodes](ConstBytes cluster) {
-                NoteFailedRead();
+            WalkListClusters(runs, [&nodes](ConstBytes cluster, const ReadOutcome& outcome) {
+                Engine.TableCut = Engine.TableCut || !outcome.Whole();
                 WalkListEntries(cluster, DataNodeCollector(true, nodes));
                 return !WasInterrupted();
             });

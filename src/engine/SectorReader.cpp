@@ -23,42 +23,38 @@ void ReportFailedRead(std::uint64_t sector, ErrorCode code) {
             SystemErrorText(code), kLogFailed);
 }
 
-void NoteTried(std::uint64_t sector, ErrorCode code) {
-    if (code != kErrorNone) {
-        Engine.BadSectors.push_back(sector);
+void ReadOneSector(Bytes buffer, std::uint64_t sector, ReadOutcome& outcome) {
+    outcome.Code = ReadSectorsOnce(buffer, sector);
+    if (outcome.Code != kErrorNone) {
+        outcome.BadSectors.push_back(sector);
     }
-    Engine.UntriedFrom = sector + 1;
+    outcome.UntriedFrom = sector + 1;
 }
 
-ErrorCode WalkSectors(Bytes buffer, std::uint64_t firstSector, ErrorCode code) {
+// A failed request is walked sector by sector.
+void WalkSectors(Bytes buffer, std::uint64_t firstSector, ReadOutcome& outcome) {
     const std::size_t sectorBytes = Engine.SourceDisk.BytesPerSector;
-    Engine.UntriedFrom = firstSector;
+    outcome.UntriedFrom = firstSector;
     if (sectorBytes == 0) {
-        return Engine.ScanRunFlag == 0 ? kErrorNone : code;
+        outcome.Code = Engine.ScanRunFlag == 0 ? kErrorNone : outcome.Code;
+        return;
     }
     std::uint64_t sector = firstSector;
     for (std::size_t position = 0; position < buffer.size(); position += sectorBytes, ++sector) {
         if (!JobMayGoOn()) {
-            return kErrorNone;
+            outcome.Code = kErrorNone;
+            return;
         }
-        if (!PassesOver(code)) {
-            RaiseFatal(code);
+        if (!PassesOver(outcome.Code)) {
+            RaiseFatal(outcome.Code);
         }
-        if (code == kErrorIoDevice) {
+        if (outcome.Code == kErrorIoDevice) {
             Host().PauseOneSecond();
         }
         const std::size_t bytes = std::min(sectorBytes, buffer.size() - position);
-        code = ReadSectorsOnce(buffer.subspan(position, bytes), sector);
-        NoteTried(sector, code);
+        ReadOneSector(buffer.subspan(position, bytes), sector, outcome);
     }
-    Engine.UntriedFrom = kAllWereTried;
-    return code;
-}
-
-ErrorCode ReadWhole(Bytes buffer, std::uint64_t firstSector) {
-    Engine.BadSectors.clear();
-    Engine.UntriedFrom = kAllWereTried;
-    return ReadSectorsOnce(buffer, firstSector);
+    outcome.UntriedFrom = kAllWereTried;
 }
 
 // A read that reaches behind the end of the medium leaves that part of the buffer alone.
@@ -94,12 +90,13 @@ ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector) {
     return code;
 }
 
-ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector) {
-    const ErrorCode code = ReadWhole(buffer, firstSector);
-    if (code == kErrorNone || buffer.empty()) {
-        return code;
+ReadOutcome ReadSectors(Bytes buffer, std::uint64_t firstSector) {
+    ReadOutcome outcome;
+    outcome.Code = ReadSectorsOnce(buffer, firstSector);
+    if (outcome.Code != kErrorNone && !buffer.empty()) {
+        WalkSectors(buffer, firstSector, outcome);
     }
-    return WalkSectors(buffer, firstSector, code);
+    return outcome;
 }
 
 bool TryReadSectors(Bytes buffer, std::uint64_t firstSector) {
@@ -109,14 +106,15 @@ bool TryReadSectors(Bytes buffer, std::uint64_t firstSector) {
            disk.MediaHandle->ReadAt(firstSector * disk.BytesPerSector, buffer) == kErrorNone;
 }
 
-ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector) {
+ReadOutcome ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector) {
+    ReadOutcome outcome;
     ClearBehindEnd(buffer, firstSector);
-    const ErrorCode code = ReadWhole(buffer, firstSector);
-    if (code == kErrorNone || buffer.empty()) {
-        return code;
+    outcome.Code = ReadSectorsOnce(buffer, firstSector);
+    if (outcome.Code != kErrorNone && !buffer.empty()) {
+        std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+        WalkSectors(buffer, firstSector, outcome);
     }
-    std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
-    return WalkSectors(buffer, firstSector, code);
+    return outcome;
 }
 
 void ProbeImageSectorSize() {

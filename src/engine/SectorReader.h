@@ -4,8 +4,21 @@
 #include "platform/system/ErrorCodes.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace thntfs {
+
+inline constexpr std::uint64_t kAllWereTried = ~std::uint64_t{0};
+
+/// What became of a read. Sectors are absolute.
+struct ReadOutcome {
+    ErrorCode Code = kErrorNone;               ///< 0 or what the last single-sector read left
+    std::vector<std::uint64_t> BadSectors;     ///< tried one by one and not given, in order
+    std::uint64_t UntriedFrom = kAllWereTried; ///< the first that no read of its own was made for
+
+    /// True where each sector has been given.
+    [[nodiscard]] bool Whole() const { return BadSectors.empty() && UntriedFrom == kAllWereTried; }
+};
 
 /// The one road by which the engine reads the medium. Sector N begins at byte N * SourceDisk.BytesPerSector.
 ///
@@ -14,14 +27,12 @@ namespace thntfs {
 ///
 /// In a job (ScanRunFlag set) a failed request is walked sector by sector; codes 23 and 27 pass a bad sector
 /// over, 1117 costs a second's pause first. Outside a job a failed request is given up with status 0.
-/// Gives 0 or the code that the last single-sector read left.
 /// Throws CUserException, after a box with the system's text, on any other code.
-/// BadSectors and UntriedFrom of the engine state then tell which sectors the call could not give.
-ErrorCode ReadSectors(Bytes buffer, std::uint64_t firstSector);
+ReadOutcome ReadSectors(Bytes buffer, std::uint64_t firstSector);
 
 /// ReadSectors into a buffer that is cleared for the caller, and only where that shows: a read that succeeds
 /// within the medium overwrites it all.
-ErrorCode ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector);
+ReadOutcome ReadSectorsCleared(Bytes buffer, std::uint64_t firstSector);
 
 /// One attempt at a read. A failure leaves a line in the process log. Never throws.
 ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);

@@ -37,17 +37,15 @@ TableEntry EntryAt(const TableBytes& table, std::size_t index) {
 
 bool IsLink(std::uint8_t type) { return type == 0x05 || type == 0x0F || type == 0x85; }
 
-bool WasReadWhole() { return Engine.BadSectors.empty() && Engine.UntriedFrom == kAllWereTried; }
-
 void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
     // A read that ends the walk leaves it as what couldn't be read.
     Engine.TableVolumes.push_back({start, sectorCount, TableVolumeState::Unreadable});
     std::vector<std::uint8_t> sector(
         std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
-    ReadSectors(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), start);
+    const ReadOutcome outcome = ReadSectors(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), start);
     if (IsNtfsBootSector(sector) == 0) {
         Engine.TableVolumes.back().State =
-            WasReadWhole() ? TableVolumeState::NoBootSector : TableVolumeState::Unreadable;
+            outcome.Whole() ? TableVolumeState::NoBootSector : TableVolumeState::Unreadable;
         return;
     }
     auto candidate = std::make_unique<PartitionCandidate>();
@@ -58,8 +56,8 @@ void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
 
 // The volumes of a table of the chain that can't be read are lost with all that follow. The first table
 // stands for itself: without it no volume is known.
-void NoteLostTable(std::uint64_t tableSector) {
-    if (tableSector != 0 && !WasReadWhole()) {
+void NoteLostTable(std::uint64_t tableSector, const ReadOutcome& outcome) {
+    if (tableSector != 0 && !outcome.Whole()) {
         Engine.TableVolumes.push_back({tableSector, 0, TableVolumeState::LostTable});
     }
 }
@@ -67,8 +65,7 @@ void NoteLostTable(std::uint64_t tableSector) {
 // Takes the volumes of one table and gives the sector that its last link names, 0 where it has none.
 std::uint64_t ReadTable(std::uint64_t tableSector, std::uint64_t extendedBase) {
     TableBytes table{};
-    ReadSectors(table, tableSector);
-    NoteLostTable(tableSector);
+    NoteLostTable(tableSector, ReadSectors(table, tableSector));
     if (U16At(table, kSignatureAt) != kSignature || EntryAt(table, 0).Type == kTypeEmpty) {
         return 0;
     }

@@ -28,16 +28,15 @@ std::uint64_t RoundToCylinder(std::uint64_t sector, std::uint64_t smallest) {
 }
 
 // Probes behind the end of the disk lose nothing.
-void CountLoss(std::uint64_t sector) {
-    const bool bad = !Engine.BadSectors.empty() && Engine.BadSectors.front() == sector;
+void CountLoss(std::uint64_t sector, const ReadOutcome& outcome) {
+    const bool bad = !outcome.BadSectors.empty() && outcome.BadSectors.front() == sector;
     Engine.Losses.Sectors += bad && sector < Engine.SourceDisk.TotalSectors ? 1 : 0;
 }
 
 void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_t endSector,
            CandidateIndex& index) {
     Host().SearchPosition(sector, endSector);
-    ReadSectorsCleared(buffer, sector);
-    CountLoss(sector);
+    CountLoss(sector, ReadSectorsCleared(buffer, sector));
     const ConstBytes first = ConstBytes(buffer).first(kBootSectorBytes);
     if (IsNtfsBootSector(first) != 0) {
         FollowBootSector(first, sector, SecondSight::Ignore, index);

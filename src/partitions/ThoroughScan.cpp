@@ -49,11 +49,14 @@ public:
     }
 
 private:
+    static void ReadAndCount(Bytes buffer, std::uint64_t sector) {
+        Engine.Losses.Sectors += ReadSectorsCleared(buffer, sector).BadSectors.size();
+    }
+
     // Gives the slots read. The last stretch is read sector by sector, up to the end of the range.
     std::size_t ReadBatch() {
         if (position_ + kBatchSectors < end_) {
-            ReadSectorsCleared(buffer_, position_);
-            Engine.Losses.Sectors += Engine.BadSectors.size();
+            ReadAndCount(buffer_, position_);
             return kBatchSectors;
         }
         const auto slots = static_cast<std::size_t>(end_ - position_);
@@ -61,8 +64,7 @@ private:
             if (!JobMayGoOn()) {
                 return slot;
             }
-            ReadSectorsCleared(Bytes(buffer_).subspan(slot * sectorBytes_, sectorBytes_), position_ + slot);
-            Engine.Losses.Sectors += Engine.BadSectors.size();
+            ReadAndCount(Bytes(buffer_).subspan(slot * sectorBytes_, sectorBytes_), position_ + slot);
         }
         return slots;
     }

@@ -109,8 +109,8 @@ void TableWalk::ReportProgress() const {
 
 void TableWalk::ReadBatch(std::uint32_t records) {
     const Bytes wanted(batch_.data(), std::size_t{records} * Engine.VolumeParams.FileRecordBytes);
-    ReadSectorsCleared(wanted, recordSector_);
-    losses_.BeginBatch(recordSector_, recordIndex_, records);
+    const ReadOutcome outcome = ReadSectorsCleared(wanted, recordSector_);
+    losses_.BeginBatch(outcome, recordSector_, recordIndex_, records);
 }
 
 bool TableWalk::IsBehindMedium() const {

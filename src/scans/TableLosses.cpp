@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/SectorReader.h"
 #include "platform/media/Medium.h"
 
 #include <algorithm>
@@ -22,7 +23,8 @@ TableLosses::TableLosses() {
     }
 }
 
-void TableLosses::BeginBatch(std::uint64_t firstSector, std::uint32_t firstSlot, std::uint32_t records) {
+void TableLosses::BeginBatch(const ReadOutcome& outcome, std::uint64_t firstSector, std::uint32_t firstSlot,
+                             std::uint32_t records) {
     const DiskRecord& disk = Engine.SourceDisk;
     const std::uint64_t recordBytes = Engine.VolumeParams.FileRecordBytes;
     const std::uint64_t first = firstSector * disk.BytesPerSector;
@@ -30,12 +32,12 @@ void TableLosses::BeginBatch(std::uint64_t firstSector, std::uint32_t firstSlot,
     batchFirst_ = firstSlot;
     endSlot_ = firstSlot + (end > first ? (end - first) / recordBytes : 0);
     unread_.clear();
-    for (const std::uint64_t sector : Engine.BadSectors) {
+    for (const std::uint64_t sector : outcome.BadSectors) {
         unread_.push_back(firstSlot + static_cast<std::uint32_t>((sector - firstSector) *
                                                                  disk.BytesPerSector / recordBytes));
     }
-    if (Engine.UntriedFrom != kAllWereTried) {
-        const std::uint64_t untried = (Engine.UntriedFrom - firstSector) * disk.BytesPerSector / recordBytes;
+    if (outcome.UntriedFrom != kAllWereTried) {
+        const std::uint64_t untried = (outcome.UntriedFrom - firstSector) * disk.BytesPerSector / recordBytes;
         for (std::uint64_t i = untried; i < records; ++i) {
             unread_.push_back(firstSlot + static_cast<std::uint32_t>(i));
         }

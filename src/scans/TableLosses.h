@@ -7,6 +7,8 @@
 
 namespace thntfs {
 
+struct ReadOutcome;
+
 /// Keeps account, in EngineState::Losses, of the records that a walk over the Master File Table should have
 /// met and could not have. Slots are counted from 0 over all extents. What lies behind the part of the table
 /// that holds records, as the table's own record says, was never written and is no loss.
@@ -15,8 +17,9 @@ public:
     /// Counts what the extents lack.
     TableLosses();
 
-    /// A batch of `records` slots has just been read from an absolute sector by ReadSectors.
-    void BeginBatch(std::uint64_t firstSector, std::uint32_t firstSlot, std::uint32_t records);
+    /// A batch of `records` slots has been read from an absolute sector.
+    void BeginBatch(const ReadOutcome& outcome, std::uint64_t firstSector, std::uint32_t firstSlot,
+                    std::uint32_t records);
 
     /// A slot of the batch holds a record, whatever the scan makes of it.
     void Accept() { foundRecords_ = true; }

@@ -111,9 +111,9 @@ void VolumeWalk::ReadAhead() { spansRead_ = TryReadSectors(buffer_, spanSector_)
 
 // A span may reach behind the volume: what can't be read there is no loss.
 void VolumeWalk::ReadSpan(Bytes span) try {
-    ReadSectorsCleared(span, spanSector_);
+    const ReadOutcome outcome = ReadSectorsCleared(span, spanSector_);
     Engine.Losses.Sectors += static_cast<std::uint64_t>(
-        std::count_if(Engine.BadSectors.begin(), Engine.BadSectors.end(),
+        std::count_if(outcome.BadSectors.begin(), outcome.BadSectors.end(),
                       [this](std::uint64_t sector) { return sector < endSector_; }));
 } catch (const CUserException&) {
     Engine.Losses.Sectors +=

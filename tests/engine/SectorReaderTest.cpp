@@ -16,7 +16,7 @@ protected:
     }
 
     /// Reads `sectors` sectors from kFirst into a cleared Buffer.
-    ErrorCode Read(std::size_t sectors) {
+    ReadOutcome Read(std::size_t sectors) {
         Buffer.assign(sectors * 512, 0);
         return ReadSectors(Buffer, kFirst);
     }
@@ -94,14 +94,20 @@ TEST_F(SectorReaderTest, PassesBadSectorsOverInAJob) {
         Plan->GivePart = false;
         Reports.Log.clear();
         Reports.Pauses = 0;
-        EXPECT_EQ(Read(test.Sectors), test.Status);
+        const ReadOutcome outcome = Read(test.Sectors);
+        EXPECT_EQ(outcome.Code, test.Status);
+        EXPECT_EQ(outcome.UntriedFrom, kAllWereTried);
         EXPECT_EQ(Picture(), test.Picture);
         EXPECT_EQ(Reports.Pauses, test.Pauses);
         std::vector<std::string> lines;
+        std::vector<std::uint64_t> sectors;
         for (const auto& [sector, code] : test.Lines) {
             lines.push_back(LineFor(sector, code));
+            sectors.push_back(sector);
         }
         EXPECT_EQ(LogNames(), lines);
+        sectors.erase(sectors.begin(), sectors.begin() + (sectors.empty() ? 0 : 1)); // the bulk read's line
+        EXPECT_EQ(outcome.BadSectors, sectors);
         EXPECT_TRUE(Reports.Boxes.empty());
     }
 }
@@ -126,7 +132,7 @@ TEST_F(SectorReaderTest, AFatalCodeOfASingleSectorCountsUnlessItIsTheLast) {
     EXPECT_EQ(Reports.Boxes.size(), 1U);
 
     Plan->Rules = {{11, 1, 23, 1}, {11, 1, kErrorNotReady}};
-    EXPECT_EQ(Read(4), kErrorNotReady);
+    EXPECT_EQ(Read(4).Code, kErrorNotReady);
     EXPECT_EQ(Picture(), "+++0");
     EXPECT_EQ(Reports.Boxes.size(), 1U);
 }
@@ -137,7 +143,10 @@ TEST_F(SectorReaderTest, OutsideAJobAFailedReadIsGivenUp) {
         SCOPED_TRACE(code);
         Plan->Rules = {{10, 1, code}};
         Reports.Log.clear();
-        EXPECT_EQ(Read(4), kErrorNone);
+        const ReadOutcome outcome = Read(4);
+        EXPECT_EQ(outcome.Code, kErrorNone);
+        EXPECT_EQ(outcome.UntriedFrom, kFirst);
+        EXPECT_FALSE(outcome.Whole());
         EXPECT_EQ(Picture(), "++00") << "as the failed read left it";
         EXPECT_EQ(LogNames(), std::vector<std::string>{LineFor(8, code)});
     }
@@ -155,7 +164,9 @@ TEST_F(SectorReaderTest, ClearingTheFlagEndsTheWalkBeforeTheNextSector) {
         Plan->OnRead = [](std::uint64_t index, const ReadRequest&) {
             Engine.ScanRunFlag = index == 3 ? 0 : Engine.ScanRunFlag.load();
         };
-        EXPECT_EQ(Read(5), kErrorNone);
+        const ReadOutcome outcome = Read(5);
+        EXPECT_EQ(outcome.Code, kErrorNone);
+        EXPECT_EQ(outcome.UntriedFrom, kFirst + 3);
         EXPECT_EQ(Picture(), "++000");
         EXPECT_EQ(Plan->Log.size(), 4U);
     }
@@ -173,7 +184,7 @@ TEST_F(SectorReaderTest, NeverWritesBeyondTheRequest) {
         OpenDisk(MakeMemoryMedium(ByteVector(65536, 0x11)), test.SectorBytes);
         Plan->Rules = {{0, 1, 23, 1}};
         ByteVector guarded(test.Bytes + 64, 0xEE);
-        EXPECT_EQ(ReadSectors(Bytes(guarded).first(test.Bytes), 0), kErrorNone);
+        EXPECT_EQ(ReadSectors(Bytes(guarded).first(test.Bytes), 0).Code, kErrorNone);
         EXPECT_EQ(guarded, [&] {
             ByteVector expected(test.Bytes, 0x11);
             expected.resize(test.Bytes + 64, 0xEE);
@@ -195,7 +206,7 @@ TEST_F(SectorReaderTest, TheLogLineNamesSectorAndCode) {
 
 TEST_F(SectorReaderTest, BehindTheEndTheBufferKeepsItsZeros) {
     Buffer.assign(2048, 0);
-    EXPECT_EQ(ReadSectors(Buffer, 62), kErrorNone);
+    EXPECT_EQ(ReadSectors(Buffer, 62).Code, kErrorNone);
     EXPECT_EQ(Buffer[1023], 64);
     EXPECT_EQ(Buffer[1024], 0);
     EXPECT_TRUE(Reports.Log.empty());
@@ -204,7 +215,7 @@ TEST_F(SectorReaderTest, BehindTheEndTheBufferKeepsItsZeros) {
 TEST_F(SectorReaderTest, ReadsIntoABufferThatCountsAsCleared) {
     const auto read = [this](std::uint64_t first) {
         Buffer.assign(2048, 0xEE);
-        return ReadSectorsCleared(Buffer, first);
+        return ReadSectorsCleared(Buffer, first).Code;
     };
     EXPECT_EQ(read(kFirst), kErrorNone);
     EXPECT_EQ(Picture(), "++++");
@@ -226,7 +237,7 @@ TEST_F(SectorReaderTest, ReadsIntoABufferThatCountsAsCleared) {
 
 TEST_F(SectorReaderTest, WithoutAMedium) {
     Engine.SourceDisk.MediaHandle.reset();
-    EXPECT_EQ(ReadSectors({}, 0), kErrorInvalidHandle) << "a request of nothing gives its code back";
+    EXPECT_EQ(ReadSectors({}, 0).Code, kErrorInvalidHandle) << "a request of nothing gives its code back";
     EXPECT_TRUE(Reports.Boxes.empty());
     ReadFatally(1);
 }
@@ -244,7 +255,7 @@ TEST_F(SectorReaderTest, ProbeTakesTheStampedSectorSize) {
     Engine.SourceDisk.BytesPerSector = 0;
     ProbeImageSectorSize();
     EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 0);
-    EXPECT_EQ(ReadSectors(image, 0), kErrorNone) << "as any failed read outside a job";
+    EXPECT_EQ(ReadSectors(image, 0).Code, kErrorNone) << "as any failed read outside a job";
 }
 
 } // namespace thntfs::test

@@ -131,7 +131,7 @@ TEST_F(TreeInfoFileTest, LoadPutsBackWhatTheBytesSay) {
 
     // The medium has been opened anew, and the catalogue's files are those of the file.
     ByteVector sector(512);
-    EXPECT_EQ(ReadSectors(sector, 9), kErrorNone);
+    EXPECT_EQ(ReadSectors(sector, 9).Code, kErrorNone);
     EXPECT_EQ(sector, ByteVector(512, 10));
     EXPECT_EQ(Stored(kTreeFileName), laid_.Tree);
     EXPECT_EQ(Stored(kEntryFileName), laid_.Entries);
@@ -203,7 +203,7 @@ TEST_F(TreeInfoFileTest, ChangedMediumLoads) {
     EXPECT_TRUE(LoadTree(LayTreeInfo(laid_)).Done);
     EXPECT_EQ(Engine.SourceDisk.TotalSectors, 1000U);
     ByteVector sector(512, 0xEE);
-    EXPECT_EQ(ReadSectors(sector, 999), kErrorNone);
+    EXPECT_EQ(ReadSectors(sector, 999).Code, kErrorNone);
     EXPECT_EQ(sector, ByteVector(512, 0xEE));
 }
 
