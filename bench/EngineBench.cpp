@@ -28,7 +28,7 @@ bool OpenVolume(const std::string& imagePath) {
     if (OpenImageFile(imagePath) != kErrorNone || ReadPartitionTable() == 0) {
         return false;
     }
-    LoadVolumeParams(*Engine.SourceDisk.Partitions.First());
+    LoadVolumeParams(Engine.SourceDisk.Partitions.front());
     return LocateMft() != 0;
 }
 
@@ -37,10 +37,9 @@ std::uint64_t ReadTable() {
     std::vector<std::uint8_t> piece(kPieceBytes);
     std::uint64_t sum = 0;
     const std::uint64_t sectorBytes = Engine.SourceDisk.BytesPerSector;
-    for (const MftExtent* run = Engine.VolumeParams.MftExtents.First(); run != nullptr;
-         run = run->Next.get()) {
-        const std::uint64_t first = SectorOfCluster(run->StartCluster) * sectorBytes;
-        const std::uint64_t bytes = std::uint64_t{run->Clusters} * Engine.VolumeParams.ClusterBytes;
+    for (const MftExtent& run : Engine.VolumeParams.MftExtents) {
+        const std::uint64_t first = SectorOfCluster(run.StartCluster) * sectorBytes;
+        const std::uint64_t bytes = std::uint64_t{run.Clusters} * Engine.VolumeParams.ClusterBytes;
         for (std::uint64_t done = 0; done < bytes; done += kPieceBytes) {
             const std::size_t wanted = static_cast<std::size_t>(std::min(kPieceBytes, bytes - done));
             if (Engine.SourceDisk.MediaHandle->ReadAt(first + done, Bytes(piece).first(wanted)) !=

@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         DecodedEntry entry;
         DecodeFileRecord(record, entry);
         HasAttributeList(record);
-        ListHead<AttributeListNode> nodes;
+        std::vector<AttributeListNode> nodes;
         try {
             ReadAttributeList(record, nodes);
         } catch (const CUserException&) {

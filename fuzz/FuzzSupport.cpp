@@ -37,6 +37,13 @@ private:
     WorkFolder folder_;
 };
 
+test::MemoryFileStore& FilesInMemory() {
+    static test::MemoryFileStore files;
+    SetFileStore(&files);
+    Engine.CatalogueFolder = "/catalogue";
+    return files;
+}
+
 } // namespace
 
 void OpenPlainVolume(ConstBytes bytes) {
@@ -55,10 +62,7 @@ void OpenPlainVolume(ConstBytes bytes) {
     candidate.SectorsPerCluster = 8;
     LoadVolumeParams(candidate);
 
-    auto table = std::make_unique<MftExtent>();
-    table->Clusters = 4;
-    table->StartCluster = 1;
-    Engine.VolumeParams.MftExtents.Append(std::move(table));
+    Engine.VolumeParams.MftExtents.push_back({4, 1});
 }
 
 void KeepFilesInMemory() {

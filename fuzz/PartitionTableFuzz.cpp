@@ -10,9 +10,8 @@ using namespace thntfs;
 namespace {
 
 void TakeEachCandidate() {
-    for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-         candidate = candidate->Next.get()) {
-        LoadVolumeParams(*candidate);
+    for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+        LoadVolumeParams(candidate);
         LocateMft();
     }
 }

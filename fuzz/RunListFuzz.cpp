@@ -9,10 +9,10 @@ using namespace thntfs;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::vector<std::uint8_t> buffer(data, data + size);
-    ListHead<MftExtent> extents;
+    std::vector<MftExtent> extents;
     DecodeRunList(buffer, 0, extents);
     DecodeRunList(buffer, size / 2, extents);
-    if (extents.Count() > 2 * size) {
+    if (extents.size() > 2 * size) {
         std::abort();
     }
     return 0;

@@ -145,23 +145,24 @@ EntryList ListFolder(std::uint32_t blockOffset, std::uint64_t& totalBytes, std::
     EntryList folders;
     ChildWalk children(blockOffset);
     for (std::uint32_t child = children.Next(); child != 0; child = children.Next()) {
-        std::unique_ptr<CatalogueItem> item = LoadEntry(child);
-        if (item == nullptr) {
+        CatalogueItem item;
+        if (LoadEntryInto(child, item) == 0) {
             continue;
         }
-        totalBytes += item->Size;
-        if (item->IsFolder()) {
+        totalBytes += item.Size;
+        if (item.IsFolder()) {
             ++folderCount;
-            folders.PushFront(std::move(item));
+            folders.push_back(std::move(item));
         } else {
             ++fileCount;
             if (keepFiles) {
-                files.PushFront(std::move(item));
+                files.push_back(std::move(item));
             }
         }
     }
-    files.Splice(std::move(folders));
-    return files;
+    EntryList entries(std::make_move_iterator(files.rbegin()), std::make_move_iterator(files.rend()));
+    std::move(folders.rbegin(), folders.rend(), std::back_inserter(entries));
+    return entries;
 }
 
 } // namespace thntfs

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "engine/CatalogueRecords.h"
-#include "engine/ListHead.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,7 +18,6 @@ struct CatalogueItem {
     std::uint32_t ParentNumber = 0;
     std::uint32_t BlockOffset = 0;
     std::u16string Name;
-    std::unique_ptr<CatalogueItem> Next;
     std::uint16_t CreatedDate = 0;
     std::uint16_t AccessedDate = 0;
     std::uint16_t Flags = 0;
@@ -29,7 +27,7 @@ struct CatalogueItem {
     [[nodiscard]] bool IsLive() const { return (Flags & kFlagLive) != 0; }
 };
 
-using EntryList = ListHead<CatalogueItem>;
+using EntryList = std::vector<CatalogueItem>;
 
 /// Number of entries: the size of EntryFile in bytes / 44. 0 where no catalogue is open.
 std::uint64_t CatalogueEntryCount();

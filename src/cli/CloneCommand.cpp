@@ -45,9 +45,8 @@ void AddDisk(Lines& lines, const DiskProperties& disk) {
 void AddVolumes(Lines& lines, const std::string& path) {
     if (OpenSource(path) == kErrorNone && ReadPartitionTable() != 0) {
         unsigned number = 0;
-        for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-             candidate = candidate->Next.get()) {
-            lines.push_back("NTFS volume " + CandidateText(++number, *candidate));
+        for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+            lines.push_back("NTFS volume " + CandidateText(++number, candidate));
         }
     }
     ResetEngineState();

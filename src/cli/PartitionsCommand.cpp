@@ -42,7 +42,7 @@ void PrintCandidates(Output& output, bool asJson) {
 
 // A saved list has no place for what can't be taken.
 void TellSavedNumbers() {
-    const std::size_t usable = Engine.SourceDisk.Partitions.Count();
+    const std::size_t usable = Engine.SourceDisk.Partitions.size();
     if (ListVolumes().size() != usable) {
         PrintMessage("The saved list holds the usable partitions alone, with the numbers 1 to " +
                      std::to_string(usable) + ".");
@@ -64,7 +64,7 @@ int WithMissingVolumes(int code) {
 int RunPartitions(const Options& options) {
     Session session(options);
     int code = session.OpenMedium();
-    if (!Engine.SourceDisk.Partitions.Empty()) {
+    if (!Engine.SourceDisk.Partitions.empty()) {
         TellUnusableVolumes();
         code = SaveScanInfo(options, WithMissingVolumes(code));
         if (options.SaveInfo) {

@@ -37,7 +37,7 @@ int SearchMedium(const Options& options, TerminalHost& host) {
         PrintMessage(LossText(Engine.Losses) + ". Volumes whose traces lie there are missing.");
     }
     if (complete == 0) {
-        PrintMessage("Search stopped: " + std::to_string(disk.Partitions.Count()) +
+        PrintMessage("Search stopped: " + std::to_string(disk.Partitions.size()) +
                      " volumes were found so far.");
         return kExitDoneInPart;
     }

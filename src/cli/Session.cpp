@@ -106,7 +106,7 @@ int Session::LoadTree() {
     if (!result.Done) {
         return TellLoadFailure(options_.Medium, result);
     }
-    if (options_.Chosen == Command::Partitions && Engine.SourceDisk.Partitions.Empty()) {
+    if (options_.Chosen == Command::Partitions && Engine.SourceDisk.Partitions.empty()) {
         return TellNoVolume();
     }
     SetUnlessInterrupted(Engine.ScanRunFlag);
@@ -118,14 +118,14 @@ int Session::LoadTree() {
 int Session::LoadPartitions() {
     const ScanInfoResult result = LoadPartitionInfo(options_.Medium, [this] {
         TellChangedMedium();
-        if (options_.Chosen != Command::Partitions && !Engine.SourceDisk.Partitions.Empty()) {
+        if (options_.Chosen != Command::Partitions && !Engine.SourceDisk.Partitions.empty()) {
             volumeTaken_ = TakeVolume();
         }
     });
     if (!result.Done) {
         return TellLoadFailure(options_.Medium, result);
     }
-    return Engine.SourceDisk.Partitions.Empty() ? TellNoVolume() : int{kExitDone};
+    return Engine.SourceDisk.Partitions.empty() ? TellNoVolume() : int{kExitDone};
 }
 
 int Session::TellNoVolume() { return Refuse(options_.Medium + " holds no volume."); }
@@ -146,7 +146,7 @@ int Session::FindVolumes() {
         LogMedium();
         const int code = SearchMedium(options_, Host);
         complete_ = !Engine.Losses.Any();
-        if (code == kExitDone && Engine.SourceDisk.Partitions.Empty()) {
+        if (code == kExitDone && Engine.SourceDisk.Partitions.empty()) {
             return Refuse(*options_.Search == SearchMethod::Quick
                               ? "The quick search found no NTFS volume; try --search thorough."
                               : "The search found no NTFS volume.");

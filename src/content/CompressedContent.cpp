@@ -116,7 +116,7 @@ private:
 
 } // namespace
 
-int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs,
+int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs,
                         unsigned unitExponent) {
     const std::uint64_t unitBytes = UnitBytes(unitExponent);
     if (unitBytes == 0) {
@@ -126,15 +126,18 @@ int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const Li
     const std::uint64_t end =
         std::min(entry.Size, limit > ~std::uint64_t{0} / kMaxRatio ? limit : kMaxRatio * limit);
     UnitWriter unit(outputHandle, entry.Size, unitBytes);
-    for (const MftExtent* run = runs.First(); run != nullptr && !ContentStopped(); run = run->Next.get()) {
-        if (run->StartCluster == 0) {
+    for (const MftExtent& run : runs) {
+        if (ContentStopped()) {
+            break;
+        }
+        if (run.StartCluster == 0) {
             if (Engine.BytesWritten >= end) {
                 break;
             }
             unit.Close();
         }
-        std::uint64_t sector = SectorOfCluster(run->StartCluster);
-        std::uint32_t left = run->StartCluster == 0 ? 0 : run->Clusters;
+        std::uint64_t sector = SectorOfCluster(run.StartCluster);
+        std::uint32_t left = run.StartCluster == 0 ? 0 : run.Clusters;
         while (left > 0 && Engine.BytesWritten < end && unit.Taken() < limit && !ContentStopped()) {
             const std::uint32_t clusters = std::min(left, unit.Room());
             unit.Collect(sector, clusters);

@@ -3,7 +3,6 @@
 #include "engine/EngineState.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/media/Medium.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,8 +14,7 @@ std::uint64_t VolumeByteLimit() {
     const std::uint64_t sectorBytes = std::max<std::uint64_t>(disk.BytesPerSector, 1);
     const std::uint64_t volumeSectors =
         std::min(Engine.VolumeParams.TotalSectors, ~std::uint64_t{0} / sectorBytes);
-    const std::uint64_t mediumBytes = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
-    return std::max(volumeSectors * sectorBytes, mediumBytes);
+    return std::max(volumeSectors * sectorBytes, MediumBytes());
 }
 
 std::uint64_t BytesBehindMedium(std::uint64_t sector, std::uint64_t bytes) {
@@ -24,7 +22,7 @@ std::uint64_t BytesBehindMedium(std::uint64_t sector, std::uint64_t bytes) {
     if (disk.MediaHandle == nullptr || disk.BytesPerSector == 0) {
         return 0;
     }
-    const std::uint64_t size = disk.MediaHandle->SizeBytes();
+    const std::uint64_t size = MediumBytes();
     if (sector > size / disk.BytesPerSector) {
         return bytes;
     }

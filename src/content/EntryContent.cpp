@@ -36,12 +36,12 @@ bool ReadCheckedRecord(RecordBuffer& record, std::uint64_t sector) {
     return CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) != 0;
 }
 
-ListVisitor NodeCollector(ListHead<AttributeListNode>& nodes) {
+ListVisitor NodeCollector(std::vector<AttributeListNode>& nodes) {
     return [&nodes](const AttributeListEntry& entry) {
         if (!IsValidType(entry.Type())) {
             return ListStep::End;
         }
-        nodes.Append(MakeListNode(entry));
+        nodes.push_back(MakeListNode(entry));
         return ListStep::GoOn;
     };
 }
@@ -50,14 +50,14 @@ using RecordVisitor = std::function<int(ConstBytes record)>;
 
 // The pieces of the data come one behind the other in the order of the list.
 int VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
-    ListHead<AttributeListNode> nodes;
+    std::vector<AttributeListNode> nodes;
     ReadAttributeList(record, nodes);
     int result = 1;
-    for (const AttributeListNode* node = nodes.First(); node != nullptr; node = node->Next.get()) {
-        if (node->AttributeType != kTypeData) {
+    for (const AttributeListNode& node : nodes) {
+        if (node.AttributeType != kTypeData) {
             continue;
         }
-        const auto sector = FindRecordSector(node->RecordNumber);
+        const auto sector = FindRecordSector(node.RecordNumber);
         if (!sector) {
             continue;
         }
@@ -99,11 +99,14 @@ std::uint64_t BytesHeld(ConstBytes record, std::uint64_t limit) {
     if (!data || data->NonResident() == 0) {
         return data ? data->Value().size() : 0;
     }
-    ListHead<MftExtent> runs;
+    std::vector<MftExtent> runs;
     DecodeRunList(record, data->RunListStart(), runs);
     std::uint64_t bytes = 0;
-    for (const MftExtent* run = runs.First(); run != nullptr && bytes < limit; run = run->Next.get()) {
-        bytes += run->StartCluster == 0 ? 0 : std::uint64_t{run->Clusters} * Engine.VolumeParams.ClusterBytes;
+    for (const MftExtent& run : runs) {
+        if (bytes >= limit) {
+            break;
+        }
+        bytes += run.StartCluster == 0 ? 0 : std::uint64_t{run.Clusters} * Engine.VolumeParams.ClusterBytes;
     }
     return std::min(bytes, limit);
 }
@@ -133,14 +136,14 @@ int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstByte
     if (data->NonResident() == 0) {
         return data->ValueLength() != 0 ? WriteCatalogue(outputHandle, data->Value()) : 1;
     }
-    ListHead<MftExtent> runs;
+    std::vector<MftExtent> runs;
     DecodeRunList(record, data->RunListStart(), runs);
     return data->Flags() == kFlagsCompressed
                ? WriteCompressedRuns(entry, outputHandle, runs, data->CompressionUnit())
                : WriteRuns(entry, outputHandle, runs);
 }
 
-int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {
+int ReadAttributeList(ConstBytes record, std::vector<AttributeListNode>& nodes) {
     AttributeWalk walk(record);
     walk.Next();
     const Attribute list = walk.Current();
@@ -151,7 +154,7 @@ int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {
         WalkResidentList(record, list, NodeCollector(nodes));
         return 1;
     }
-    ListHead<MftExtent> runs;
+    std::vector<MftExtent> runs;
     DecodeRunList(record, list.RunListStart(), runs);
     WalkListClusters(runs, [&nodes](ConstBytes cluster, const ReadOutcome&) {
         WalkListEntries(cluster, NodeCollector(nodes));
@@ -160,7 +163,7 @@ int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes) {
     return 1;
 }
 
-int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs) {
+int WriteRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs) {
     const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
     const std::uint64_t end = std::min(entry.Size, VolumeByteLimit());
     if (clusterBytes == 0 || clusterBytes > kMaxClusterBytes) {
@@ -168,12 +171,12 @@ int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<Mft
     }
     const std::uint32_t perPiece = ClustersPerPiece();
     std::vector<std::uint8_t> buffer(static_cast<std::size_t>(perPiece * clusterBytes));
-    for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
-        if (run->StartCluster == 0) {
+    for (const MftExtent& run : runs) {
+        if (run.StartCluster == 0) {
             continue; // a hole
         }
-        std::uint64_t sector = SectorOfCluster(run->StartCluster);
-        std::uint32_t left = run->Clusters;
+        std::uint64_t sector = SectorOfCluster(run.StartCluster);
+        std::uint32_t left = run.Clusters;
         while (left > 0 && Engine.BytesWritten < end && !ContentStopped()) {
             const std::uint32_t clusters = std::min(left, perPiece);
             left -= clusters;

@@ -28,13 +28,13 @@ int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstByte
 
 /// Decodes the attribute list of a checked record, which is taken to be its second attribute. Gives 1, or 0
 /// where that attribute is another.
-int ReadAttributeList(ConstBytes record, ListHead<AttributeListNode>& nodes);
+int ReadAttributeList(ConstBytes record, std::vector<AttributeListNode>& nodes);
 
 /// Writes the clusters of plain runs, up to the entry's size. Gives 1.
-int WriteRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs);
+int WriteRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs);
 
 /// Writes the data of compressed runs, unit by unit; a unit is ClusterBytes * 2^unitExponent bytes. Gives 1.
-int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const ListHead<MftExtent>& runs,
+int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs,
                         unsigned unitExponent);
 
 } // namespace thntfs

@@ -25,14 +25,14 @@ void CopyValue(ConstBytes value) {
 }
 
 // Reads cluster by cluster up to the entry's size; holes add nothing.
-void ReadRunsToPreviewBuffer(const CatalogueItem& entry, const ListHead<MftExtent>& runs) {
+void ReadRunsToPreviewBuffer(const CatalogueItem& entry, const std::vector<MftExtent>& runs) {
     const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
-    for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
-        for (std::uint32_t i = 0; run->StartCluster != 0 && i < run->Clusters; ++i) {
+    for (const MftExtent& run : runs) {
+        for (std::uint32_t i = 0; run.StartCluster != 0 && i < run.Clusters; ++i) {
             const Bytes place = Bytes(Engine.PreviewBuffer)
                                     .subspan(static_cast<std::size_t>(Engine.PreviewLength),
                                              static_cast<std::size_t>(clusterBytes));
-            ReadSectors(place, SectorOfCluster(run->StartCluster + i));
+            ReadSectors(place, SectorOfCluster(run.StartCluster + i));
             Engine.PreviewLength = std::min(Engine.PreviewLength + clusterBytes, entry.Size);
             if (Engine.PreviewLength == entry.Size) {
                 return;
@@ -50,7 +50,7 @@ void TakeData(const CatalogueItem& entry, ConstBytes record, const Attribute& da
     } else if (data.Flags() == kFlagsCompressed) {
         Host().MessageBox("Preview not available", "Compressed data", BoxIcon::Warning);
     } else {
-        ListHead<MftExtent> runs;
+        std::vector<MftExtent> runs;
         DecodeRunList(record, data.RunListStart(), runs);
         ReadRunsToPreviewBuffer(entry, runs);
     }

@@ -15,13 +15,8 @@ constexpr std::uint32_t kMaxListBytes = 256U << 10U;
 
 } // namespace
 
-std::unique_ptr<AttributeListNode> MakeListNode(const AttributeListEntry& entry) {
-    auto node = std::make_unique<AttributeListNode>();
-    node->AttributeType = entry.Type();
-    node->StartVcn = entry.StartVcn();
-    node->RecordNumber = entry.RecordNumber();
-    node->AttributeId = entry.AttributeId();
-    return node;
+AttributeListNode MakeListNode(const AttributeListEntry& entry) {
+    return {entry.Type(), entry.StartVcn(), entry.RecordNumber(), entry.AttributeId()};
 }
 
 void WalkListEntries(ConstBytes bytes, const ListVisitor& visit) {
@@ -40,16 +35,16 @@ void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisito
     }
 }
 
-void WalkListClusters(const ListHead<MftExtent>& runs, const ListClusterVisitor& visit) {
+void WalkListClusters(const std::vector<MftExtent>& runs, const ListClusterVisitor& visit) {
     const std::uint32_t clusterBytes = std::min(Engine.VolumeParams.ClusterBytes, kMaxListBytes);
     if (clusterBytes == 0) {
         return;
     }
     std::uint32_t clustersLeft = kMaxListBytes / clusterBytes;
     std::vector<std::uint8_t> cluster(clusterBytes);
-    for (const MftExtent* run = runs.First(); run != nullptr; run = run->Next.get()) {
-        for (std::uint64_t i = 0; i < run->Clusters && clustersLeft > 0; ++i, --clustersLeft) {
-            const ReadOutcome outcome = ReadSectorsCleared(cluster, SectorOfCluster(run->StartCluster + i));
+    for (const MftExtent& run : runs) {
+        for (std::uint64_t i = 0; i < run.Clusters && clustersLeft > 0; ++i, --clustersLeft) {
+            const ReadOutcome outcome = ReadSectorsCleared(cluster, SectorOfCluster(run.StartCluster + i));
             if (!visit(cluster, outcome)) {
                 return;
             }

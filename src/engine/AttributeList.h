@@ -4,7 +4,6 @@
 #include "engine/StoredRecords.h"
 
 #include <functional>
-#include <memory>
 
 namespace thntfs {
 
@@ -34,11 +33,10 @@ struct AttributeListNode {
     std::uint32_t AttributeType = 0;
     std::uint64_t StartVcn = 0;
     std::uint32_t RecordNumber = 0;
-    std::unique_ptr<AttributeListNode> Next;
     std::uint16_t AttributeId = 0;
 };
 
-std::unique_ptr<AttributeListNode> MakeListNode(const AttributeListEntry& entry);
+AttributeListNode MakeListNode(const AttributeListEntry& entry);
 
 /// What a visitor of list entries answers: go on with the next entry, or end this walk.
 enum class ListStep { GoOn, End };
@@ -57,6 +55,6 @@ using ListClusterVisitor = std::function<bool(ConstBytes, const ReadOutcome&)>;
 /// The clusters of a non-resident attribute list, one after the other, each read into a cleared buffer of
 /// ClusterBytes and handed to `visit`. NTFS bounds an attribute list to
 /// 256 KiB: of a larger cluster no more is read, nor are clusters beyond that. Passes CUserException on.
-void WalkListClusters(const ListHead<MftExtent>& runs, const ListClusterVisitor& visit);
+void WalkListClusters(const std::vector<MftExtent>& runs, const ListClusterVisitor& visit);
 
 } // namespace thntfs

@@ -4,7 +4,6 @@
 #include "engine/FileRecord.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
-#include "platform/media/Medium.h"
 #include "platform/system/Dates.h"
 
 #include <algorithm>
@@ -92,7 +91,7 @@ bool FollowAttributeList(ConstBytes record, const Attribute& list, DecodedEntry&
     if (list.NonResident() == 0) {
         return FollowResidentList(record, list, entry);
     }
-    ListHead<MftExtent> runs;
+    std::vector<MftExtent> runs;
     DecodeRunList(record, list.RunListStart(), runs);
     return DecodeFromListRuns(runs, entry) != 0;
 }
@@ -128,10 +127,8 @@ bool TakeAttribute(ConstBytes record, const Attribute& attribute, DecodedEntry& 
 }
 
 std::uint32_t ReadsForOneRecord() {
-    const DiskRecord& disk = Engine.SourceDisk;
-    const std::uint64_t mediumBytes = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
     const std::uint64_t recordBytes = std::max(1U, Engine.VolumeParams.FileRecordBytes);
-    return Engine.Lists.OfScan > mediumBytes / recordBytes * kMaxReadsOfRecordOnMedium + kMaxReadsOfRecord
+    return Engine.Lists.OfScan > MediumBytes() / recordBytes * kMaxReadsOfRecordOnMedium + kMaxReadsOfRecord
                ? kReadsWhereListsShare
                : kMaxReadsOfRecord;
 }
@@ -225,11 +222,10 @@ std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber) {
         return std::nullopt;
     }
     std::uint64_t before = 0;
-    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr;
-         extent = extent->Next.get()) {
-        const std::uint32_t records = RecordsInExtent(*extent);
+    for (const MftExtent& extent : volume.MftExtents) {
+        const std::uint32_t records = RecordsInExtent(extent);
         if (recordNumber - before < records) {
-            return SectorOfCluster(extent->StartCluster) +
+            return SectorOfCluster(extent.StartCluster) +
                    (recordNumber - before) * volume.SectorsPerFileRecord;
         }
         before += records;
@@ -272,7 +268,7 @@ int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry) 
     return 0;
 }
 
-int DecodeFromListRuns(const ListHead<MftExtent>& runs, DecodedEntry& entry) {
+int DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry) {
     int result = 0;
     bool unread = false;
     try {

@@ -44,6 +44,6 @@ int ReadExtensionName(const AttributeListEntry& listEntry, DecodedEntry& entry);
 int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry);
 
 /// Name and size by way of a non-resident attribute list. Gives 1 if the walk ended with a result.
-int DecodeFromListRuns(const ListHead<MftExtent>& runs, DecodedEntry& entry);
+int DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry);
 
 } // namespace thntfs

@@ -5,7 +5,6 @@
 #include "engine/FileRecord.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
-#include "platform/media/Medium.h"
 #include "platform/system/Interrupt.h"
 
 #include <algorithm>
@@ -57,10 +56,8 @@ std::uint32_t RecordsInClusters(std::uint32_t clusters) {
 
 // Bytes that the volume can hold at the most. What a record states beyond them can't be true.
 std::uint64_t VolumeBytes() {
-    const DiskRecord& disk = Engine.SourceDisk;
-    const std::uint64_t medium = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
     const std::uint64_t sectors = std::min(Engine.VolumeParams.TotalSectors, ~std::uint64_t{0} >> 16U);
-    return std::max(medium, sectors * disk.BytesPerSector);
+    return std::max(MediumBytes(), sectors * Engine.SourceDisk.BytesPerSector);
 }
 
 void TakeTableBytes(const Attribute& firstPiece) {
@@ -72,27 +69,27 @@ void TakeTableBytes(const Attribute& firstPiece) {
 
 // Keeps the entries of data attributes. In the clusters of a non-resident list, unlike in a resident one, an
 // invalid type is the padding behind the last entry.
-ListVisitor DataNodeCollector(bool invalidTypeEnds, ListHead<AttributeListNode>& nodes) {
+ListVisitor DataNodeCollector(bool invalidTypeEnds, std::vector<AttributeListNode>& nodes) {
     return [invalidTypeEnds, &nodes](const AttributeListEntry& entry) {
         const std::uint32_t type = entry.Type();
         if (type > kTypeData || (invalidTypeEnds && !IsValidType(type))) {
             return ListStep::End;
         }
         if (type == kTypeData) {
-            nodes.Append(MakeListNode(entry));
+            nodes.push_back(MakeListNode(entry));
         }
         return ListStep::GoOn;
     };
 }
 
 // Whatever goes wrong on the way, the nodes collected so far are used.
-ListHead<AttributeListNode> ReadTableAttributeList(ConstBytes record, const Attribute& list) {
-    ListHead<AttributeListNode> nodes;
+std::vector<AttributeListNode> ReadTableAttributeList(ConstBytes record, const Attribute& list) {
+    std::vector<AttributeListNode> nodes;
     try {
         if (list.NonResident() == 0) {
             WalkResidentList(record, list, DataNodeCollector(false, nodes));
         } else {
-            ListHead<MftExtent> runs;
+            std::vector<MftExtent> runs;
             DecodeRunList(record, list.RunListStart(), runs);
             WalkListClusters(runs, [&nodes](ConstBytes cluster, const ReadOutcome& outcome) {
                 Engine.TableCut = Engine.TableCut || !outcome.Whole();
@@ -152,28 +149,28 @@ void NoteLostPiece(const AttributeListNode& node, std::uint64_t& reach) {
     }
 }
 
-// Clusters of the extents behind one of them, or of all. An empty one counts too: it takes memory.
-std::uint64_t ClustersBehind(const MftExtent* last) {
+// Clusters of the extents from one of them on. An empty one counts too: it takes memory.
+std::uint64_t ClustersFrom(std::size_t first) {
+    const std::vector<MftExtent>& extents = Engine.VolumeParams.MftExtents;
     std::uint64_t clusters = 0;
-    const MftExtent* extent = last == nullptr ? Engine.VolumeParams.MftExtents.First() : last->Next.get();
-    for (; extent != nullptr; extent = extent->Next.get()) {
-        clusters += std::max(1U, extent->Clusters);
+    for (std::size_t i = first; i < extents.size(); ++i) {
+        clusters += std::max(1U, extents[i].Clusters);
     }
     return clusters;
 }
 
 // A table that has grown larger than its volume is damaged; its further pieces are left.
-void CollectMftExtents(const ListHead<AttributeListNode>& nodes) try {
+void CollectMftExtents(const std::vector<AttributeListNode>& nodes) try {
     const VolumeParams& volume = Engine.VolumeParams;
     RecordBuffer record(volume.FileRecordBytes);
     std::uint64_t clustersLeft = VolumeBytes() / std::max(1U, volume.ClusterBytes);
     std::uint64_t reach = 0;
-    for (const AttributeListNode* node = nodes.First(); node != nullptr; node = node->Next.get()) {
-        const MftExtent* last = volume.MftExtents.Last();
-        if (WasInterrupted() || !TakePiece(*node, record)) {
-            NoteLostPiece(*node, reach);
+    for (const AttributeListNode& node : nodes) {
+        const std::size_t before = volume.MftExtents.size();
+        if (WasInterrupted() || !TakePiece(node, record)) {
+            NoteLostPiece(node, reach);
         }
-        const std::uint64_t clusters = ClustersBehind(last);
+        const std::uint64_t clusters = ClustersFrom(before);
         if (clusters > clustersLeft) {
             Engine.TableCut = true;
             break;
@@ -229,7 +226,7 @@ void FindAndDecodeTable() {
 
 int LocateMft() {
     VolumeParams& volume = Engine.VolumeParams;
-    volume.MftExtents.Clear();
+    volume.MftExtents.clear();
     volume.MftRecordCount = 0;
     Engine.TableBytes = 0;
     Engine.TableCut = false;
@@ -241,7 +238,7 @@ int LocateMft() {
     } catch (const CUserException&) {
     } catch (const std::exception&) {
     }
-    return volume.MftExtents.Empty() ? 0 : 1;
+    return volume.MftExtents.empty() ? 0 : 1;
 }
 
 } // namespace thntfs

@@ -32,7 +32,7 @@ bool IsAllOnes(ConstBytes field) {
 
 } // namespace
 
-int DecodeRunList(ConstBytes buffer, std::uint64_t offset, ListHead<MftExtent>& extents) try {
+int DecodeRunList(ConstBytes buffer, std::uint64_t offset, std::vector<MftExtent>& extents) try {
     std::uint64_t cluster = 0;
     for (std::uint64_t at = offset;;) {
         const std::uint8_t header = U8At(buffer, at);
@@ -47,12 +47,13 @@ int DecodeRunList(ConstBytes buffer, std::uint64_t offset, ListHead<MftExtent>& 
             IsAllOnes(start)) {
             return 1;
         }
-        MftExtent& extent = extents.Append(std::make_unique<MftExtent>());
+        MftExtent extent;
         if (offsetBytes != 0) {
             cluster += SignedFieldValue(start);
             extent.Clusters = FieldValue(length);
             extent.StartCluster = cluster;
         }
+        extents.push_back(extent);
         at += 1 + lengthBytes + offsetBytes;
     }
 } catch (const std::bad_alloc&) {

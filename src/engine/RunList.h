@@ -8,6 +8,6 @@ namespace thntfs {
 /// The running cluster number starts at 0 in each call. A sparse run gives an extent that is all zero; its
 /// length isn't kept. A header byte that asks for more than 4 bytes a field, a field of all ones, or the end
 /// of the buffer ends the list with what has been decoded. Always gives 1.
-int DecodeRunList(ConstBytes buffer, std::uint64_t offset, ListHead<MftExtent>& extents);
+int DecodeRunList(ConstBytes buffer, std::uint64_t offset, std::vector<MftExtent>& extents);
 
 } // namespace thntfs

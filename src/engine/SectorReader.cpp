@@ -59,15 +59,19 @@ void WalkSectors(Bytes buffer, std::uint64_t firstSector, ReadOutcome& outcome) 
 
 // A read that reaches behind the end of the medium leaves that part of the buffer alone.
 void ClearBehindEnd(Bytes buffer, std::uint64_t firstSector) {
-    const DiskRecord& disk = Engine.SourceDisk;
-    const std::uint64_t size = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
-    const std::uint64_t offset = firstSector * disk.BytesPerSector;
+    const std::uint64_t size = MediumBytes();
+    const std::uint64_t offset = firstSector * Engine.SourceDisk.BytesPerSector;
     if (offset > size || buffer.size() > size - offset) {
         std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
     }
 }
 
 } // namespace
+
+std::uint64_t MediumBytes() {
+    const auto& medium = Engine.SourceDisk.MediaHandle;
+    return medium != nullptr ? medium->SizeBytes() : 0;
+}
 
 bool JobMayGoOn() {
     Host().PassGate();

@@ -42,6 +42,9 @@ ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector);
 /// failed.
 bool TryReadSectors(Bytes buffer, std::uint64_t firstSector);
 
+/// Size of the medium in bytes, 0 where none is open.
+std::uint64_t MediumBytes();
+
 /// What a job that makes many reads asks before each: passes the gate of the user's pause, then tells whether
 /// ScanRunFlag is still set.
 bool JobMayGoOn();

@@ -35,11 +35,11 @@ void TakeClusterCount(std::uint8_t stored, Record& record) {
 
 } // namespace
 
-StoredMftExtent EncodeMftExtent(const MftExtent& extent) {
+StoredMftExtent EncodeMftExtent(const MftExtent& extent, bool hasNext) {
     StoredMftExtent stored{};
     PutNumber(stored, 0, extent.Clusters);
     PutNumber(stored, 4, extent.StartCluster);
-    PutNumber(stored, 12, LinkWord(extent.Next != nullptr));
+    PutNumber(stored, 12, LinkWord(hasNext));
     return stored;
 }
 
@@ -51,7 +51,7 @@ MftExtent DecodeMftExtent(const StoredMftExtent& stored, bool& hasNext) {
     return extent;
 }
 
-StoredCandidate EncodeCandidate(const PartitionCandidate& candidate) {
+StoredCandidate EncodeCandidate(const PartitionCandidate& candidate, bool hasNext) {
     StoredCandidate stored{};
     PutNumber(stored, 8, candidate.StartSector);
     PutNumber(stored, 16, candidate.TotalSectors);
@@ -67,7 +67,7 @@ StoredCandidate EncodeCandidate(const PartitionCandidate& candidate) {
     PutNumber(stored, 69, candidate.SectorsPerFileRecord);
     PutNumber(stored, 70, candidate.SectorsPerIndexBlock);
     PutNumber(stored, 71, candidate.EvidenceFlags);
-    PutNumber(stored, 72, LinkWord(candidate.Next != nullptr));
+    PutNumber(stored, 72, LinkWord(hasNext));
     return stored;
 }
 
@@ -105,8 +105,8 @@ StoredDisk EncodeDisk(const DiskRecord& disk) {
     }
     PutNumber(stored, 516, disk.BytesPerSector);
     PutNumber(stored, 518, disk.TotalSectors);
-    PutNumber(stored, 534, LinkWord(!disk.Partitions.Empty()));
-    PutNumber(stored, 538, LinkWord(!disk.Partitions.Empty()));
+    PutNumber(stored, 534, LinkWord(!disk.Partitions.empty()));
+    PutNumber(stored, 538, LinkWord(!disk.Partitions.empty()));
     return stored;
 }
 
@@ -133,7 +133,7 @@ StoredVolume EncodeVolume(const VolumeParams& volume) {
     PutNumber(stored, 24, volume.MftMirrCluster);
     PutNumber(stored, 32, volume.VolumeSerial);
     PutNumber(stored, 40, volume.StartSector);
-    PutNumber(stored, 48, LinkWord(!volume.MftExtents.Empty()));
+    PutNumber(stored, 48, LinkWord(!volume.MftExtents.empty()));
     PutNumber(stored, 52, volume.MftRecordCount);
     PutNumber(stored, 56, volume.FileRecordBytes);
     PutNumber(stored, 60, volume.IndexBlockBytes);

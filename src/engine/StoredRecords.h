@@ -1,12 +1,12 @@
 #pragma once
 
-#include "engine/ListHead.h"
 #include "engine/LittleEndian.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace thntfs {
 
@@ -21,14 +21,14 @@ class Medium;
 struct MftExtent {
     std::uint32_t Clusters = 0;     ///< length of the run in clusters
     std::uint64_t StartCluster = 0; ///< first logical cluster; 0 together with Clusters 0 for a sparse run
-    std::unique_ptr<MftExtent> Next;
 };
 
 inline constexpr std::size_t kStoredMftExtentBytes = 16;
 using StoredMftExtent = std::array<std::uint8_t, kStoredMftExtentBytes>;
 static_assert(sizeof(StoredMftExtent) == kStoredMftExtentBytes);
 
-StoredMftExtent EncodeMftExtent(const MftExtent& extent);
+/// `hasNext`: another extent follows, which the link promises.
+StoredMftExtent EncodeMftExtent(const MftExtent& extent, bool hasNext);
 /// Decodes an extent; `hasNext` tells whether its link promises another record.
 MftExtent DecodeMftExtent(const StoredMftExtent& stored, bool& hasNext);
 
@@ -48,7 +48,6 @@ struct PartitionCandidate {
     std::uint8_t SectorsPerFileRecord = 0;
     std::uint8_t SectorsPerIndexBlock = 0;
     std::uint8_t EvidenceFlags = 0; ///< bits kEvidence…
-    std::unique_ptr<PartitionCandidate> Next;
 };
 
 inline constexpr std::uint8_t kEvidenceBootSector = 1;
@@ -60,7 +59,8 @@ inline constexpr std::size_t kStoredCandidateBytes = 76;
 using StoredCandidate = std::array<std::uint8_t, kStoredCandidateBytes>;
 static_assert(sizeof(StoredCandidate) == kStoredCandidateBytes);
 
-StoredCandidate EncodeCandidate(const PartitionCandidate& candidate);
+/// `hasNext`: another candidate follows, which the link promises.
+StoredCandidate EncodeCandidate(const PartitionCandidate& candidate, bool hasNext);
 /// Decodes a candidate; `hasNext` tells whether its link promises another record.
 PartitionCandidate DecodeCandidate(const StoredCandidate& stored, bool& hasNext);
 
@@ -76,7 +76,7 @@ struct DiskRecord {
     std::unique_ptr<File> WriteHandle; ///< the target of a copy, open for writing; used in TargetDisk alone
     std::uint16_t BytesPerSector = 0;  ///< sector size of the medium
     std::uint64_t TotalSectors = 0;    ///< size of the medium in sectors
-    ListHead<PartitionCandidate> Partitions; ///< FirstPartition and LastPartition of the stored form
+    std::vector<PartitionCandidate> Partitions; ///< FirstPartition and LastPartition of the stored form
 };
 
 inline constexpr std::size_t kMaxDescriptionUnits = 255;
@@ -97,7 +97,7 @@ struct VolumeParams {
     std::uint64_t MftMirrCluster = 0; ///< logical cluster of its mirror
     std::uint64_t VolumeSerial = 0;
     std::uint64_t StartSector = 0; ///< absolute first sector of the volume
-    ListHead<MftExtent> MftExtents;
+    std::vector<MftExtent> MftExtents;
     std::uint32_t MftRecordCount = 0; ///< from clusters; feeds the progress display alone
     std::uint32_t FileRecordBytes = 0;
     std::uint32_t IndexBlockBytes = 0;

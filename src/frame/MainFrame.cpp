@@ -73,7 +73,7 @@ FrameState CMainFrame::State() const {
     state.JobBusy = JobBusy != 0;
     state.HasTree = !TreeView->IsEmpty();
     // A search changes the list of candidates on its own thread, to its very end.
-    state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.Empty();
+    state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.empty();
     state.HasLog = !LogList->IsEmpty();
     state.HasFound = FoundEntry != kNoEntry;
     state.HasCopyDialog = Engine.CopyDialog != nullptr;

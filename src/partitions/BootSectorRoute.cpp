@@ -23,17 +23,16 @@ void FollowBootSector(ConstBytes bootSector, std::uint64_t sector, SecondSight s
     if (!FitsOnMedium(bootSector, sector)) {
         return;
     }
-    auto candidate = std::make_unique<PartitionCandidate>();
-    DecodeFoundBootSector(bootSector, sector, *candidate);
-    if (PartitionCandidate* known = index.FindSameVolume(*candidate); known != nullptr) {
+    PartitionCandidate candidate;
+    DecodeFoundBootSector(bootSector, sector, candidate);
+    if (PartitionCandidate* known = index.FindSameVolume(candidate); known != nullptr) {
         if (secondSight == SecondSight::Mark) {
             known->EvidenceFlags |= kEvidenceSecondBootSector;
         }
         return;
     }
-    const std::uint64_t start = candidate->StartSector;
-    if (index.Add(std::move(candidate))) {
-        Host().PartitionFound(start);
+    if (index.Add(candidate)) {
+        Host().PartitionFound(candidate.StartSector);
     }
 }
 

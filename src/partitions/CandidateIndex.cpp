@@ -8,6 +8,8 @@ namespace thntfs {
 
 namespace {
 
+constexpr std::size_t kNowhere = ~std::size_t{0};
+
 // At least the sectors of a listed candidate's cluster.
 std::uint64_t FarthestBelow(const PartitionCandidate& wanted) {
     return std::max<std::uint64_t>(255, wanted.ClusterBytes / 512);
@@ -16,7 +18,7 @@ std::uint64_t FarthestBelow(const PartitionCandidate& wanted) {
 } // namespace
 
 CandidateIndex::CandidateIndex() {
-    Engine.SourceDisk.Partitions.Clear();
+    Engine.SourceDisk.Partitions.clear();
     Engine.TableVolumes.clear();
     Engine.SearchLimits = 0;
 }
@@ -28,7 +30,7 @@ CandidateIndex::Layout CandidateIndex::LayoutOf(const PartitionCandidate& candid
 
 PartitionCandidate* CandidateIndex::FindSameVolume(const PartitionCandidate& wanted) const {
     const auto found = volumes_.find({wanted.VolumeSerial, LayoutOf(wanted)});
-    return found == volumes_.end() ? nullptr : found->second;
+    return found == volumes_.end() ? nullptr : &Engine.SourceDisk.Partitions[found->second];
 }
 
 PartitionCandidate* CandidateIndex::FindSameLayout(const PartitionCandidate& wanted) const {
@@ -38,45 +40,42 @@ PartitionCandidate* CandidateIndex::FindSameLayout(const PartitionCandidate& wan
     }
     const std::uint64_t start = wanted.StartSector;
     const std::uint64_t below = start - FarthestBelow(wanted);
-    const Listed* first = nullptr;
-    if (below <= start) {
-        TakeFirst(layout->second, below, start, start, first);
-    } else {
-        // Starts worked out from records may have wrapped below zero.
-        TakeFirst(layout->second, 0, start, start, first);
-        TakeFirst(layout->second, below, ~std::uint64_t{0}, start, first);
-    }
-    return first == nullptr ? nullptr : first->Candidate;
+    // Starts worked out from records may have wrapped below zero.
+    const Place first = below <= start
+                            ? FirstWithin(layout->second, below, start, start)
+                            : std::min(FirstWithin(layout->second, 0, start, start),
+                                       FirstWithin(layout->second, below, ~std::uint64_t{0}, start));
+    return first == kNowhere ? nullptr : &Engine.SourceDisk.Partitions[first];
 }
 
-// Looks among the starts from lowest to highest for one that lies at most a cluster below `start`.
-void CandidateIndex::TakeFirst(const ByStart& starts, std::uint64_t lowest, std::uint64_t highest,
-                               std::uint64_t start, const Listed*& first) {
+// The first in the list that starts from lowest to highest and at most its own cluster below `start`.
+CandidateIndex::Place CandidateIndex::FirstWithin(const ByStart& starts, std::uint64_t lowest,
+                                                  std::uint64_t highest, std::uint64_t start) {
+    Place first = kNowhere;
     for (auto at = starts.lower_bound(lowest); at != starts.end() && at->first <= highest; ++at) {
-        const Listed& listed = at->second;
-        if (start - at->first <= listed.Candidate->SectorsPerCluster &&
-            (first == nullptr || listed.Position < first->Position)) {
-            first = &listed;
+        if (start - at->first <= Engine.SourceDisk.Partitions[at->second].SectorsPerCluster) {
+            first = std::min(first, at->second);
         }
     }
+    return first;
 }
 
 bool CandidateIndex::HasRoom() const {
-    if (count_ < kMaxCandidates) {
+    if (Engine.SourceDisk.Partitions.size() < kMaxCandidates) {
         return true;
     }
     Engine.SearchLimits |= kLimitCandidates;
     return false;
 }
 
-bool CandidateIndex::Add(std::unique_ptr<PartitionCandidate> candidate) {
+bool CandidateIndex::Add(const PartitionCandidate& candidate) {
     if (!HasRoom()) {
         return false;
     }
-    PartitionCandidate& added = Engine.SourceDisk.Partitions.Append(std::move(candidate));
-    volumes_.try_emplace({added.VolumeSerial, LayoutOf(added)}, &added);
-    layouts_[LayoutOf(added)].emplace(added.StartSector, Listed{&added, count_});
-    ++count_;
+    const Place place = Engine.SourceDisk.Partitions.size();
+    Engine.SourceDisk.Partitions.push_back(candidate);
+    volumes_.try_emplace({candidate.VolumeSerial, LayoutOf(candidate)}, place);
+    layouts_[LayoutOf(candidate)].emplace(candidate.StartSector, place);
     return true;
 }
 

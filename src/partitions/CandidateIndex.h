@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <tuple>
 
 namespace thntfs {
@@ -20,7 +19,7 @@ public:
     CandidateIndex();
 
     /// The first candidate with the same serial, clusters of the table and its mirror, cluster and record
-    /// size, wherever it starts; null where there is none.
+    /// size, wherever it starts; null where there is none. Valid until the next Add.
     [[nodiscard]] PartitionCandidate* FindSameVolume(const PartitionCandidate& wanted) const;
 
     /// The first candidate with the same layout, whatever its serial, that starts where the wanted one starts
@@ -31,25 +30,21 @@ public:
     [[nodiscard]] bool HasRoom() const;
 
     /// Adds a candidate at the tail of the list. Gives false, and drops it, where the list is full.
-    bool Add(std::unique_ptr<PartitionCandidate> candidate);
+    bool Add(const PartitionCandidate& candidate);
 
 private:
     using Layout = std::tuple<std::uint64_t, std::uint64_t, std::uint32_t, std::uint16_t>;
     using Volume = std::pair<std::uint64_t, Layout>;
 
-    struct Listed {
-        PartitionCandidate* Candidate;
-        std::size_t Position;
-    };
-    using ByStart = std::multimap<std::uint64_t, Listed>;
+    using Place = std::size_t; ///< in the list
+    using ByStart = std::multimap<std::uint64_t, Place>;
 
-    static void TakeFirst(const ByStart& starts, std::uint64_t lowest, std::uint64_t highest,
-                          std::uint64_t start, const Listed*& first);
+    static Place FirstWithin(const ByStart& starts, std::uint64_t lowest, std::uint64_t highest,
+                             std::uint64_t start);
     static Layout LayoutOf(const PartitionCandidate& candidate);
 
-    std::map<Volume, PartitionCandidate*> volumes_; ///< the first of each
+    std::map<Volume, Place> volumes_; ///< the first of each
     std::map<Layout, ByStart> layouts_;
-    std::size_t count_ = 0;
 };
 
 } // namespace thntfs

@@ -87,65 +87,64 @@ bool Complete(MftEvidence& evidence) {
     return evidence.SectorsPerRecord != 0 && evidence.SectorsPerCluster != 0;
 }
 
-using EvidenceReader = int (*)(ConstBytes, MftEvidence&);
+using EvidenceReader = bool (*)(ConstBytes, MftEvidence&);
 
 void Collect(ConstBytes checked, ConstBytes asItStands, std::uint64_t sector, EvidenceReader read,
-             EvidenceList& list, std::size_t& count) {
-    auto evidence = std::make_unique<MftEvidence>();
-    evidence->SectorNumber = sector;
-    if (read(checked, *evidence) == 0 || !Complete(*evidence)) {
+             EvidenceList& list) {
+    MftEvidence evidence;
+    evidence.SectorNumber = sector;
+    if (!read(checked, evidence) || !Complete(evidence)) {
         return;
     }
-    if (count == EvidenceCollector::kMaxEvidence) {
+    if (list.size() == EvidenceCollector::kMaxEvidence) {
         Engine.SearchLimits |= kLimitEvidence;
         return;
     }
-    HashContent(asItStands, *evidence);
-    list.Append(std::move(evidence));
-    ++count;
+    HashContent(asItStands, evidence);
+    list.push_back(evidence);
 }
 
 } // namespace
 
-int ReadMftEvidence(ConstBytes record, MftEvidence& evidence) {
+bool ReadMftEvidence(ConstBytes record, MftEvidence& evidence) {
     evidence.RecordBytes = BytesAllocated(record);
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const Attribute attribute = walk.Current();
         switch (attribute.Type()) {
         case kTypeEnd:
-            return 0;
+            return false;
         case kTypeStandardInformation:
             if (!TakeFormatTime(record, attribute, evidence)) {
-                return 0;
+                return false;
             }
             break;
         case kTypeData:
             evidence.DataCluster = FirstRunCluster(record, attribute);
             break;
         case kTypeBitmap:
-            return TakeBitmap(record, attribute, evidence) ? 1 : 0;
+            return TakeBitmap(record, attribute, evidence);
         default:
             break;
         }
     }
-    return 0;
+    return false;
 }
 
-int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence) {
+bool ReadMirrEvidence(ConstBytes record, MftEvidence& evidence) {
     evidence.RecordBytes = BytesAllocated(record);
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const Attribute attribute = walk.Current();
         if (attribute.Type() == kTypeEnd) {
-            return 0;
+            return false;
         }
         if (attribute.Type() == kTypeStandardInformation && !TakeFormatTime(record, attribute, evidence)) {
-            return 0;
+            return false;
         }
         if (attribute.Type() == kTypeData) {
-            return TakeMirrorData(record, attribute, evidence) ? 1 : 0;
+            return TakeMirrorData(record, attribute, evidence);
         }
     }
-    return 0;
+    return false;
 }
 
 // The second check meets a record that the first has fixed up. Only one that stays below one sector, the
@@ -154,10 +153,10 @@ void EvidenceCollector::Examine(ConstBytes record, std::uint64_t sector) {
     checked_.assign(record.begin(), record.end());
     const auto bytes = static_cast<std::uint32_t>(record.size());
     if (IsMftRecord(checked_, bytes) != 0) {
-        Collect(checked_, record, sector, ReadMftEvidence, MftList, mftCount_);
+        Collect(checked_, record, sector, ReadMftEvidence, MftList);
     }
     if (IsMftMirrRecord(checked_, bytes) != 0) {
-        Collect(checked_, record, sector, ReadMirrEvidence, MirrList, mirrCount_);
+        Collect(checked_, record, sector, ReadMirrEvidence, MirrList);
     }
 }
 

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "engine/ListHead.h"
 #include "partitions/CandidateIndex.h"
 #include "platform/system/Bytes.h"
 
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 namespace thntfs {
@@ -17,20 +15,19 @@ struct MftEvidence {
     std::uint64_t DataCluster = 0;  ///< logical cluster that the record gives for its data
     std::uint32_t RecordBytes = 0;
     std::uint32_t ClusterBytes = 0;
-    std::unique_ptr<MftEvidence> Next;
     std::uint32_t SectorsPerCluster = 0;
     std::uint8_t SectorsPerRecord = 0;
-    std::uint32_t Paired = 0;              ///< 1 when a twin pair has used this evidence
+    bool Paired = false;                   ///< a twin pair has used this evidence
     std::uint64_t ContentHash[2] = {0, 0}; ///< of the record as it stands on the medium; equal for copies
 };
 
-using EvidenceList = ListHead<MftEvidence>;
+using EvidenceList = std::vector<MftEvidence>;
 
-/// Fields that a checked $MFT record gives of its volume. Gives 1 or 0.
-int ReadMftEvidence(ConstBytes record, MftEvidence& evidence);
+/// Fields that a checked $MFT record gives of its volume; false where it gives none.
+bool ReadMftEvidence(ConstBytes record, MftEvidence& evidence);
 
 /// The same for a checked $MFTMirr record.
-int ReadMirrEvidence(ConstBytes record, MftEvidence& evidence);
+bool ReadMirrEvidence(ConstBytes record, MftEvidence& evidence);
 
 /// The two lists of a Thorough search, in the order of discovery. A list takes kMaxEvidence records; a disk
 /// with more holds little but copies, and SearchLimits says so.
@@ -47,15 +44,13 @@ public:
 
 private:
     std::vector<std::uint8_t> checked_; ///< the record in hand, as the checks leave it
-    std::size_t mftCount_ = 0;
-    std::size_t mirrCount_ = 0;
 };
 
 /// Two copies of record 0 of a Master File Table, one in the table and one in its mirror, give a volume.
-void PairMftTwins(const EvidenceList& mftList, CandidateIndex& index);
+void PairMftTwins(EvidenceList& mftList, CandidateIndex& index);
 
 /// Two copies of record 1 likewise.
-void PairMirrTwins(const EvidenceList& mirrList, CandidateIndex& index);
+void PairMirrTwins(EvidenceList& mirrList, CandidateIndex& index);
 
 /// A $MFT record and a $MFTMirr record that no twin pair has used give a volume.
 void PairMftWithMirr(const EvidenceList& mftList, const EvidenceList& mirrList, CandidateIndex& index);

@@ -30,13 +30,11 @@ void TakeSizeFromMirror(PartitionCandidate& candidate) {
     candidate.TotalSectors = 2 * std::uint64_t{candidate.SectorsPerCluster} * candidate.MftMirrCluster;
 }
 
-// Of many copies of one record almost all pairs come here for nothing, so a candidate is made to last only
-// once it is going to be listed.
-void AddOrMark(PartitionCandidate&& candidate, CandidateIndex& index) {
+void AddOrMark(const PartitionCandidate& candidate, CandidateIndex& index) {
     if (PartitionCandidate* known = index.FindSameLayout(candidate); known != nullptr) {
         known->EvidenceFlags |= candidate.EvidenceFlags;
-    } else if (index.HasRoom()) {
-        index.Add(std::make_unique<PartitionCandidate>(std::move(candidate)));
+    } else {
+        index.Add(candidate);
     }
 }
 
@@ -96,20 +94,18 @@ TwinKey KeyOf(const MftEvidence& evidence) {
 
 /// All copies of one record, by rising sector.
 struct Copies {
-    std::vector<MftEvidence*> Evidence;
+    std::vector<const MftEvidence*> Evidence;
     std::size_t Passed = 0; ///< of these, copies that have been paired with all behind them
 };
 using CopiesByKey = std::map<TwinKey, Copies>;
 
-CopiesByKey GroupCopies(const EvidenceList& list) {
+CopiesByKey GroupCopies(EvidenceList& list) {
     CopiesByKey groups;
-    for (MftEvidence* evidence = list.First(); evidence != nullptr; evidence = evidence->Next.get()) {
-        groups[KeyOf(*evidence)].Evidence.push_back(evidence);
+    for (const MftEvidence& evidence : list) {
+        groups[KeyOf(evidence)].Evidence.push_back(&evidence);
     }
-    for (const auto& [key, copies] : groups) {
-        for (MftEvidence* evidence : copies.Evidence) {
-            evidence->Paired = copies.Evidence.size() > 1 ? 1 : 0;
-        }
+    for (MftEvidence& evidence : list) {
+        evidence.Paired = groups[KeyOf(evidence)].Evidence.size() > 1;
     }
     return groups;
 }
@@ -140,22 +136,21 @@ void MarkAllListed(const CopiesByKey& groups, PairBudget& budget, CandidateIndex
     for (const auto& [key, copies] : groups) {
         byCluster.emplace(copies.Evidence.front()->DataCluster, &copies);
     }
-    for (const PartitionCandidate* listed = Engine.SourceDisk.Partitions.First(); listed != nullptr;
-         listed = listed->Next.get()) {
-        auto [copies, end] = byCluster.equal_range(Twins::DataCluster(*listed));
-        for (; copies != end && (listed->EvidenceFlags & kEvidenceTwins) == 0; ++copies) {
-            MarkListed<Twins>(*listed, *copies->second, budget, index);
+    for (const PartitionCandidate& listed : Engine.SourceDisk.Partitions) {
+        auto [copies, end] = byCluster.equal_range(Twins::DataCluster(listed));
+        for (; copies != end && (listed.EvidenceFlags & kEvidenceTwins) == 0; ++copies) {
+            MarkListed<Twins>(listed, *copies->second, budget, index);
         }
     }
 }
 
 // Pairs each evidence with every copy of it that stands behind it in the list.
 template <typename Twins>
-void PairTwins(const EvidenceList& list, CandidateIndex& index) {
+void PairTwins(EvidenceList& list, CandidateIndex& index) {
     CopiesByKey groups = GroupCopies(list);
     PairBudget budget;
-    for (const MftEvidence* first = list.First(); first != nullptr; first = first->Next.get()) {
-        Copies& copies = groups[KeyOf(*first)];
+    for (const MftEvidence& first : list) {
+        Copies& copies = groups[KeyOf(first)];
         ++copies.Passed;
         for (std::size_t behind = copies.Passed; behind < copies.Evidence.size(); ++behind) {
             if (!index.HasRoom()) {
@@ -165,7 +160,7 @@ void PairTwins(const EvidenceList& list, CandidateIndex& index) {
             if (!budget.MayGoOn()) {
                 return;
             }
-            AddOrMark(Twins::Volume(*first, *copies.Evidence[behind]), index);
+            AddOrMark(Twins::Volume(first, *copies.Evidence[behind]), index);
         }
     }
 }
@@ -194,16 +189,15 @@ void PairOneMftWithMirr(const MftEvidence& mft, const MftEvidence& mirr, Candida
     } else {
         candidate.StartSector = mirr.SectorNumber - candidate.TotalSectors / 2;
     }
-    AddOrMark(std::move(candidate), index);
+    AddOrMark(candidate, index);
 }
 
 /// The tables of listed volumes that no pair has marked yet.
 std::set<std::uint64_t> UnmarkedTables() {
     std::set<std::uint64_t> clusters;
-    for (const PartitionCandidate* listed = Engine.SourceDisk.Partitions.First(); listed != nullptr;
-         listed = listed->Next.get()) {
-        if ((listed->EvidenceFlags & kEvidenceMftWithMirr) == 0) {
-            clusters.insert(listed->MftCluster);
+    for (const PartitionCandidate& listed : Engine.SourceDisk.Partitions) {
+        if ((listed.EvidenceFlags & kEvidenceMftWithMirr) == 0) {
+            clusters.insert(listed.MftCluster);
         }
     }
     return clusters;
@@ -211,37 +205,35 @@ std::set<std::uint64_t> UnmarkedTables() {
 
 } // namespace
 
-void PairMftTwins(const EvidenceList& mftList, CandidateIndex& index) { PairTwins<MftTwins>(mftList, index); }
+void PairMftTwins(EvidenceList& mftList, CandidateIndex& index) { PairTwins<MftTwins>(mftList, index); }
 
-void PairMirrTwins(const EvidenceList& mirrList, CandidateIndex& index) {
-    PairTwins<MirrTwins>(mirrList, index);
-}
+void PairMirrTwins(EvidenceList& mirrList, CandidateIndex& index) { PairTwins<MirrTwins>(mirrList, index); }
 
 void PairMftWithMirr(const EvidenceList& mftList, const EvidenceList& mirrList, CandidateIndex& index) {
     std::map<VolumeKey, std::vector<const MftEvidence*>> mirrors;
-    for (const MftEvidence* mirr = mirrList.First(); mirr != nullptr; mirr = mirr->Next.get()) {
-        if (mirr->Paired == 0) {
-            mirrors[VolumeOf(*mirr)].push_back(mirr);
+    for (const MftEvidence& mirr : mirrList) {
+        if (!mirr.Paired) {
+            mirrors[VolumeOf(mirr)].push_back(&mirr);
         }
     }
     PairBudget budget;
     std::optional<std::set<std::uint64_t>> unmarked; // of the full list, which only marks can change
-    for (const MftEvidence* mft = mftList.First(); mft != nullptr; mft = mft->Next.get()) {
-        const auto& agreeing = mirrors[VolumeOf(*mft)];
-        if (mft->Paired != 0 || agreeing.empty()) {
+    for (const MftEvidence& mft : mftList) {
+        const auto& agreeing = mirrors[VolumeOf(mft)];
+        if (mft.Paired || agreeing.empty()) {
             continue;
         }
         if (!index.HasRoom() && !unmarked) {
             unmarked = UnmarkedTables();
         }
-        if (unmarked && !unmarked->contains(mft->DataCluster)) {
+        if (unmarked && !unmarked->contains(mft.DataCluster)) {
             continue;
         }
         for (const MftEvidence* mirr : agreeing) {
             if (!budget.MayGoOn()) {
                 return;
             }
-            PairOneMftWithMirr(*mft, *mirr, index);
+            PairOneMftWithMirr(mft, *mirr, index);
         }
     }
 }

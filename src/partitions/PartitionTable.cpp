@@ -48,9 +48,8 @@ void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
             outcome.Whole() ? TableVolumeState::NoBootSector : TableVolumeState::Unreadable;
         return;
     }
-    auto candidate = std::make_unique<PartitionCandidate>();
-    DecodeTableBootSector(sector, start, sectorCount, *candidate);
-    Engine.SourceDisk.Partitions.Append(std::move(candidate));
+    PartitionCandidate& candidate = Engine.SourceDisk.Partitions.emplace_back();
+    DecodeTableBootSector(sector, start, sectorCount, candidate);
     Engine.TableVolumes.back().State = TableVolumeState::Usable;
 }
 
@@ -97,7 +96,7 @@ void WalkTables() {
 } // namespace
 
 int ReadPartitionTable() {
-    Engine.SourceDisk.Partitions.Clear();
+    Engine.SourceDisk.Partitions.clear();
     Engine.TableVolumes.clear();
     Engine.SearchLimits = 0;
     try {
@@ -105,7 +104,7 @@ int ReadPartitionTable() {
     } catch (const CUserException&) {
     } catch (const std::bad_alloc&) {
     }
-    return Engine.SourceDisk.Partitions.Empty() ? 0 : 1;
+    return Engine.SourceDisk.Partitions.empty() ? 0 : 1;
 }
 
 } // namespace thntfs

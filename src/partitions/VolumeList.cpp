@@ -15,14 +15,14 @@ unsigned NextNumber(const std::vector<ListedVolume>& volumes) {
 
 std::vector<ListedVolume> ListVolumes() {
     std::vector<ListedVolume> volumes;
-    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
+    const std::vector<PartitionCandidate>& candidates = Engine.SourceDisk.Partitions;
+    auto candidate = candidates.begin();
     for (const TableVolume& entry : Engine.TableVolumes) {
-        const bool usable = entry.State == TableVolumeState::Usable && candidate != nullptr;
-        volumes.push_back({NextNumber(volumes), usable ? candidate : nullptr, entry});
-        candidate = usable ? candidate->Next.get() : candidate;
+        const bool usable = entry.State == TableVolumeState::Usable && candidate != candidates.end();
+        volumes.push_back({NextNumber(volumes), usable ? &*candidate++ : nullptr, entry});
     }
-    for (; candidate != nullptr; candidate = candidate->Next.get()) {
-        volumes.push_back({NextNumber(volumes), candidate, {}});
+    for (; candidate != candidates.end(); ++candidate) {
+        volumes.push_back({NextNumber(volumes), &*candidate, {}});
     }
     return volumes;
 }

@@ -23,11 +23,12 @@ enum class RecordMatch { Same, Different, Unknown };
 
 // A search takes a volume's size from its boot sector, a partition table has its own.
 bool SizeIsOfBootSector() {
-    const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
-    while (candidate != nullptr && candidate->StartSector != Engine.VolumeParams.StartSector) {
-        candidate = candidate->Next.get();
+    for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+        if (candidate.StartSector == Engine.VolumeParams.StartSector) {
+            return (candidate.EvidenceFlags & kEvidenceBootSector) != 0;
+        }
     }
-    return candidate != nullptr && (candidate->EvidenceFlags & kEvidenceBootSector) != 0;
+    return false;
 }
 
 BootMatch CompareBootSector(ConstBytes sector) {

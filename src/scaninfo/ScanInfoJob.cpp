@@ -90,9 +90,8 @@ ScanInfoResult RunScanInfoLoad(const ScanInfoPlace& place, const ScanInfoTexts& 
 void PutMediumAndCandidates(ScanInfoWriter& writer, std::uint32_t magic) {
     writer.PutU32(magic);
     writer.Put(EncodeDisk(Engine.SourceDisk));
-    for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-         candidate = candidate->Next.get()) {
-        writer.Put(EncodeCandidate(*candidate));
+    for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+        writer.Put(EncodeCandidate(candidate, &candidate != &Engine.SourceDisk.Partitions.back()));
     }
 }
 
@@ -107,8 +106,8 @@ void TakeMediumAndCandidates(ScanInfoReader& reader, std::uint32_t magic) {
         throw ScanInfoFault{};
     }
     while (more) {
-        Engine.SourceDisk.Partitions.Append(std::make_unique<PartitionCandidate>(
-            DecodeCandidate(reader.TakeRecord<kStoredCandidateBytes>(), more)));
+        Engine.SourceDisk.Partitions.push_back(
+            DecodeCandidate(reader.TakeRecord<kStoredCandidateBytes>(), more));
     }
 }
 

@@ -21,9 +21,8 @@ std::string CataloguePath(const char* name) { return Engine.CatalogueFolder + na
 
 void PutVolume(ScanInfoWriter& writer) {
     writer.Put(EncodeVolume(Engine.VolumeParams));
-    for (const MftExtent* extent = Engine.VolumeParams.MftExtents.First(); extent != nullptr;
-         extent = extent->Next.get()) {
-        writer.Put(EncodeMftExtent(*extent));
+    for (const MftExtent& extent : Engine.VolumeParams.MftExtents) {
+        writer.Put(EncodeMftExtent(extent, &extent != &Engine.VolumeParams.MftExtents.back()));
     }
 }
 
@@ -34,8 +33,8 @@ void TakeVolume(ScanInfoReader& reader) {
         throw ScanInfoFault{};
     }
     while (more) {
-        Engine.VolumeParams.MftExtents.Append(
-            std::make_unique<MftExtent>(DecodeMftExtent(reader.TakeRecord<kStoredMftExtentBytes>(), more)));
+        Engine.VolumeParams.MftExtents.push_back(
+            DecodeMftExtent(reader.TakeRecord<kStoredMftExtentBytes>(), more));
     }
 }
 

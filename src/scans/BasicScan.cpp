@@ -5,7 +5,6 @@
 #include "engine/FileRecord.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/media/Medium.h"
 #include "scans/RecordCataloguing.h"
 #include "scans/TableLosses.h"
 
@@ -61,9 +60,8 @@ private:
 
 void TableWalk::Run() {
     const VolumeParams& volume = Engine.VolumeParams;
-    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr;
-         extent = extent->Next.get()) {
-        WalkExtent(*extent);
+    for (const MftExtent& extent : volume.MftExtents) {
+        WalkExtent(extent);
     }
     if (!Stopped()) {
         losses_.Finish();
@@ -116,7 +114,7 @@ void TableWalk::ReadBatch(std::uint32_t records) {
 bool TableWalk::IsBehindMedium() const {
     const DiskRecord& disk = Engine.SourceDisk;
     return disk.MediaHandle != nullptr && disk.BytesPerSector != 0 &&
-           recordSector_ > disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
+           recordSector_ > MediumBytes() / disk.BytesPerSector;
 }
 
 // A batch is decoded as a whole and then catalogued: the parents' places in the folder tree are on their way

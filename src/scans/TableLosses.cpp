@@ -3,7 +3,6 @@
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
 #include "engine/SectorReader.h"
-#include "platform/media/Medium.h"
 
 #include <algorithm>
 
@@ -11,9 +10,8 @@ namespace thntfs {
 
 TableLosses::TableLosses() {
     const VolumeParams& volume = Engine.VolumeParams;
-    for (const MftExtent* extent = volume.MftExtents.First(); extent != nullptr;
-         extent = extent->Next.get()) {
-        held_ += RecordsInExtent(*extent);
+    for (const MftExtent& extent : volume.MftExtents) {
+        held_ += RecordsInExtent(extent);
     }
     const std::uint64_t stated = Engine.TableBytes / volume.FileRecordBytes;
     known_ = Engine.TableBytes == 0 ? held_ : std::min(stated, held_);
@@ -28,7 +26,7 @@ void TableLosses::BeginBatch(const ReadOutcome& outcome, std::uint64_t firstSect
     const DiskRecord& disk = Engine.SourceDisk;
     const std::uint64_t recordBytes = Engine.VolumeParams.FileRecordBytes;
     const std::uint64_t first = firstSector * disk.BytesPerSector;
-    const std::uint64_t end = disk.MediaHandle != nullptr ? disk.MediaHandle->SizeBytes() : 0;
+    const std::uint64_t end = MediumBytes();
     batchFirst_ = firstSlot;
     endSlot_ = firstSlot + (end > first ? (end - first) / recordBytes : 0);
     unread_.clear();

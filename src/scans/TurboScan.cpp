@@ -5,7 +5,6 @@
 #include "engine/FileRecord.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
-#include "platform/media/Medium.h"
 #include "scans/RecordCataloguing.h"
 
 #include <algorithm>
@@ -76,7 +75,7 @@ VolumeWalk::VolumeWalk()
     // Behind the medium's end there is nothing to find, however large the volume claims to be. A size that no
     // boot sector states is a guess, so nothing is lost by it.
     if (disk.MediaHandle != nullptr && disk.BytesPerSector != 0) {
-        const std::uint64_t sectors = disk.MediaHandle->SizeBytes() / disk.BytesPerSector;
+        const std::uint64_t sectors = MediumBytes() / disk.BytesPerSector;
         if (Engine.VolumeParams.VolumeSerial != 0 && endSector_ > sectors) {
             Engine.Losses.Sectors += endSector_ - std::max(sectors, spanSector_);
         }

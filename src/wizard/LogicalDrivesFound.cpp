@@ -181,7 +181,7 @@ QString CLogicalDrivesFound::EndText() const {
     if (!*ranOut_) {
         return MethodText() + QStringLiteral(" scan of drives aborted.");
     }
-    const bool advise = !IsThorough() && Engine.SourceDisk.Partitions.Empty();
+    const bool advise = !IsThorough() && Engine.SourceDisk.Partitions.empty();
     return MethodText() + QStringLiteral(" scan of drives completed.") +
            (advise ? QStringLiteral("\nNo logical drive(s) found.\nPlease use thorough scan.") : QString());
 }

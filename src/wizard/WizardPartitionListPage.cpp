@@ -83,7 +83,7 @@ void CWizardPartitionListPage::OnSetActive() {
 void CWizardPartitionListPage::Fill() {
     list_->setRowCount(0);
     volumes_.clear();
-    const bool any = !Engine.SourceDisk.Partitions.Empty();
+    const bool any = !Engine.SourceDisk.Partitions.empty();
     list_->setEnabled(any);
     if (!any) {
         list_->AddRow({QStringLiteral("No Logical Drives Found")});

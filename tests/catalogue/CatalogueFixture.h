@@ -1,8 +1,8 @@
 #pragma once
 
 #include "catalogue/Catalogue.h"
-#include "engine/EngineFixture.h"
 #include "platform/files/WorkFolder.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 
@@ -19,7 +19,7 @@ protected:
     }
 
     [[nodiscard]] static ByteVector Stored(const char* name) {
-        return ReadWholeFile(Engine.CatalogueFolder + name);
+        return ReadFileBytes(Engine.CatalogueFolder + name);
     }
     [[nodiscard]] static FolderBlock StoredBlockAt(std::uint32_t offset) {
         const ByteVector tree = Stored(kTreeFileName);

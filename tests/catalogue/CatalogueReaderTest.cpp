@@ -29,8 +29,8 @@ protected:
 
     static std::vector<std::uint32_t> IdsOf(const EntryList& list) {
         std::vector<std::uint32_t> ids;
-        for (const CatalogueItem* item = list.First(); item != nullptr; item = item->Next.get()) {
-            ids.push_back(item->EntryId);
+        for (const CatalogueItem& item : list) {
+            ids.push_back(item.EntryId);
         }
         return ids;
     }
@@ -142,13 +142,13 @@ TEST_F(CatalogueReaderTest, ListsFilesThenFoldersEachInReverse) {
     EXPECT_EQ(IdsOf(List(128, false)), folders);
     EXPECT_EQ(Files, 67U);
     EXPECT_EQ(Bytes, 60 * std::uint64_t{0xFFFFFFFF});
-    EXPECT_TRUE(List(StoredEntryAt(5).BlockOffset).Empty());
+    EXPECT_TRUE(List(StoredEntryAt(5).BlockOffset).empty());
     EXPECT_EQ(Folders, 20U);
     EXPECT_EQ(IdsOf(List(0)), (Ids{1}));
 
     Damage(kTreeFileName, 128 + 8 + 4 * 5, 0); // a free slot in the middle
     EXPECT_EQ(IdsOf(List(128)).size(), 39U);
-    EXPECT_TRUE(List(0x7FFFFF80).Empty()) << "behind the end of TreeFile";
+    EXPECT_TRUE(List(0x7FFFFF80).empty()) << "behind the end of TreeFile";
 }
 
 TEST_F(CatalogueReaderTest, BlocksAndEntriesThatCannotBeRead) {
@@ -163,7 +163,7 @@ TEST_F(CatalogueReaderTest, BlocksAndEntriesThatCannotBeRead) {
     EXPECT_THROW(List(128), CUserException);
     EXPECT_EQ(Reports.Boxes.size(), 1U);
     store.FailAt(2, kErrorCrc);
-    EXPECT_TRUE(List(128).Empty()) << "the entry is left out, the listing goes on";
+    EXPECT_TRUE(List(128).empty()) << "the entry is left out, the listing goes on";
     EXPECT_EQ(Reports.Boxes.size(), 2U);
     EXPECT_EQ(IdsOf(List(128)), (Ids{2}));
 }
@@ -207,7 +207,7 @@ TEST_F(CatalogueReaderTest, CirclesEnd) {
     EXPECT_EQ(WalkAll(), whole);
     Damage(kTreeFileName, 128 + 4, 128); // a block that follows itself
     EXPECT_EQ(WalkAll(), whole);
-    EXPECT_LE(List(128).Count(), 40U);
+    EXPECT_LE(List(128).size(), 40U);
     EXPECT_FALSE(FindEntries("/one/two/x").empty());
     EXPECT_TRUE(FindEntries("/one/two/x/one").empty());
     Damage(kTreeFileName, 256 + 12, 0xFFFFFFFF); // no such entry

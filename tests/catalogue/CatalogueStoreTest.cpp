@@ -39,7 +39,7 @@ int WriteAndRead() {
         std::uint64_t bytes = 0;
         std::uint32_t files = 0;
         std::uint32_t folders = 0;
-        result &= ListFolder(0, bytes, files, folders, true).Count() == 41 ? 1 : 0;
+        result &= ListFolder(0, bytes, files, folders, true).size() == 41 ? 1 : 0;
     } catch (const CUserException&) {
         result = 0;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "content/EntryContent.h"
-#include "engine/EngineFixture.h"
+#include "support/EngineFixture.h"
 #include "support/MemoryFile.h"
 
 namespace thntfs::test {

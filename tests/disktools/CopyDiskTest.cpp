@@ -1,6 +1,7 @@
 #include "CopyFixture.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
+#include "platform/media/Medium.h"
 
 namespace thntfs::test {
 
@@ -236,9 +237,9 @@ TEST_F(CopyDiskTest, AnImageOpensAndGivesTheVolumesOfItsDisk) {
         geometry.RecordBytes = std::max(1024U, sectorBytes);
         geometry.TotalSectors = 16383U * 512U / sectorBytes;
         const VolumeBuilder volume(geometry);
-        OpenDisk(volume.MakeMedium(sectorBytes), static_cast<std::uint16_t>(sectorBytes));
+        OpenDisk(volume.SharedImage(), static_cast<std::uint16_t>(sectorBytes), sectorBytes);
         ASSERT_EQ(ReadPartitionTable(), 1U);
-        const StoredCandidate candidate = EncodeCandidate(*Engine.SourceDisk.Partitions.First());
+        const StoredCandidate candidate = EncodeCandidate(Engine.SourceDisk.Partitions.front(), false);
         const std::uint64_t sectors = Total();
         Target.Content.clear();
         ASSERT_EQ(Copy(), 1U);
@@ -249,8 +250,8 @@ TEST_F(CopyDiskTest, AnImageOpensAndGivesTheVolumesOfItsDisk) {
         EXPECT_EQ(SectorBytes(), sectorBytes);
         EXPECT_EQ(Total(), sectors);
         ASSERT_EQ(ReadPartitionTable(), 1U);
-        EXPECT_EQ(EncodeCandidate(*Engine.SourceDisk.Partitions.First()), candidate);
-        EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
+        EXPECT_EQ(EncodeCandidate(Engine.SourceDisk.Partitions.front(), false), candidate);
+        EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include "disktools/CopyDisk.h"
 #include "disktools/CopyMapFile.h"
-#include "engine/EngineFixture.h"
 #include "platform/files/WorkFolder.h"
+#include "support/EngineFixture.h"
 #include "support/MemoryFile.h"
 
 #include <cstdlib>
@@ -45,7 +45,7 @@ protected:
 
     void OpenNumbered(std::uint64_t sectors, std::uint16_t sectorBytes = 512) {
         Original = DiskBytes(sectors, sectorBytes);
-        OpenDisk(MakeMemoryMedium(Original), sectorBytes);
+        OpenDisk(Original, sectorBytes);
         Plan->GivePart = false;
     }
 

@@ -1,7 +1,7 @@
 #include "engine/DecodeRecord.h"
 
-#include "engine/EngineFixture.h"
 #include "engine/FileRecord.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 

@@ -1,5 +1,5 @@
 #include "engine/ClusterSize.h"
-#include "engine/EngineFixture.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 
@@ -24,7 +24,7 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
     EXPECT_EQ(volume.SectorsPerCluster, 0U) << "which stays open itself";
     EXPECT_EQ(volume.SectorsPerIndexBlock, 8);
     EXPECT_EQ(volume.IndexBlockBytes, 32768U);
-    EXPECT_EQ(volume.MftExtents.Count(), 1U);
+    EXPECT_EQ(volume.MftExtents.size(), 1U);
     EXPECT_EQ(volume.MftRecordCount, 77U);
 
     PartitionCandidate partly;
@@ -53,7 +53,7 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
 TEST_F(EngineStateTest, ResetClosesAndClears) {
     OpenVolume(VolumeBuilder());
     Engine.SourceDisk.Description.assign(1, u'x');
-    Engine.SourceDisk.Partitions.Append(std::make_unique<PartitionCandidate>());
+    Engine.SourceDisk.Partitions.emplace_back();
     Engine.ScanRunFlag = 1;
     Engine.NamesEnd = 12;
     ResetEngineState();
@@ -72,7 +72,7 @@ TEST_F(EngineStateTest, StoredVolumeAndExtentBytes) {
     VolumeParams volume;
     volume.TotalSectors = 0x0102030405060708;
     volume.StartSector = 0x80;
-    volume.MftExtents.Append(std::make_unique<MftExtent>());
+    volume.MftExtents.emplace_back();
     volume.MftRecordCount = 0x11223344;
     volume.FileRecordBytes = 1024;
     volume.IndexBlockBytes = 4096;
@@ -95,8 +95,7 @@ TEST_F(EngineStateTest, StoredVolumeAndExtentBytes) {
     MftExtent extent;
     extent.Clusters = 0x01020304;
     extent.StartCluster = 0x0A0B0C0D0E;
-    extent.Next = std::make_unique<MftExtent>();
-    EXPECT_EQ(EncodeMftExtent(extent),
+    EXPECT_EQ(EncodeMftExtent(extent, true),
               (StoredMftExtent{4, 3, 2, 1, 14, 13, 12, 11, 10, 0, 0, 0, 1, 0, 0, 0}));
 }
 
@@ -132,8 +131,7 @@ TEST_F(EngineStateTest, StoredCandidateBytes) {
     candidate.SectorsPerFileRecord = 12;
     candidate.SectorsPerIndexBlock = 13;
     candidate.EvidenceFlags = 14;
-    candidate.Next = std::make_unique<PartitionCandidate>();
-    const StoredCandidate stored = EncodeCandidate(candidate);
+    const StoredCandidate stored = EncodeCandidate(candidate, true);
     ByteVector expected(76);
     for (std::uint8_t i = 1; i <= 6; ++i) {
         expected[8U * i] = i;
@@ -152,7 +150,7 @@ TEST_F(EngineStateTest, StoredCandidateBytes) {
     const PartitionCandidate decoded = DecodeCandidate(stored, linked);
     EXPECT_TRUE(linked);
     expected[72] = 0;
-    const StoredCandidate again = EncodeCandidate(decoded);
+    const StoredCandidate again = EncodeCandidate(decoded, false);
     EXPECT_EQ(ByteVector(again.begin(), again.end()), expected);
 }
 
@@ -170,7 +168,7 @@ TEST_F(EngineStateTest, ClustersOfAnySize) {
         candidate.BytesPerSector = 512;
         candidate.SectorsPerCluster = test.Sectors;
         candidate.ClusterBytes = 512 * test.Sectors;
-        const StoredCandidate stored = EncodeCandidate(candidate);
+        const StoredCandidate stored = EncodeCandidate(candidate, false);
         EXPECT_EQ(stored[68], test.Stored);
         bool linked = false;
         LoadVolumeParams(DecodeCandidate(stored, linked));

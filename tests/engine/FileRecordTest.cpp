@@ -1,6 +1,6 @@
 #include "engine/FileRecord.h"
 
-#include "engine/EngineFixture.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 

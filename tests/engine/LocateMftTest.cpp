@@ -1,7 +1,7 @@
 #include "engine/LocateMft.h"
 
-#include "engine/EngineFixture.h"
 #include "engine/FileRecord.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 
@@ -98,7 +98,7 @@ TEST_F(LocateMftTest, RefusesAVolumeWithoutItsMeasures) {
         volume.FileRecordBytes = field == 1 ? 0 : volume.FileRecordBytes;
         volume.SectorsPerCluster = field == 2 ? std::uint8_t{0} : volume.SectorsPerCluster;
         EXPECT_EQ(LocateMft(), 0);
-        EXPECT_TRUE(volume.MftExtents.Empty());
+        EXPECT_TRUE(volume.MftExtents.empty());
         EXPECT_EQ(volume.MftRecordCount, 0U);
         EXPECT_TRUE(Plan->Log.empty());
     }

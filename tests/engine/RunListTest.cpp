@@ -1,6 +1,6 @@
 #include "engine/RunList.h"
 
-#include "engine/EngineFixture.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 
@@ -34,7 +34,7 @@ TEST(RunListTest, DecodesUpToItsEnd) {
     };
     for (const RunListCase& test : cases) {
         SCOPED_TRACE(test.Name);
-        ListHead<MftExtent> extents;
+        std::vector<MftExtent> extents;
         EXPECT_EQ(DecodeRunList(test.Bytes, 0, extents), 1);
         EXPECT_EQ(RunsIn(extents), test.Expected);
     }
@@ -42,7 +42,7 @@ TEST(RunListTest, DecodesUpToItsEnd) {
 
 TEST(RunListTest, AppendsAndStartsOver) {
     const ByteVector bytes = {0xEE, 0x11, 4, 64, 0};
-    ListHead<MftExtent> extents;
+    std::vector<MftExtent> extents;
     DecodeRunList(bytes, 1, extents);
     DecodeRunList(bytes, 1, extents);
     DecodeRunList(bytes, ~std::uint64_t{0}, extents);

@@ -1,6 +1,6 @@
 #include "engine/SectorReader.h"
 
-#include "engine/EngineFixture.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 
@@ -11,7 +11,7 @@ constexpr std::uint64_t kFirst = 8; // the requests below begin at this sector
 class SectorReaderTest : public EngineFixture {
 protected:
     SectorReaderTest() {
-        OpenDisk(MakeMemoryMedium(NumberedSectors(64)));
+        OpenDisk(NumberedSectors(64));
         Engine.ScanRunFlag = 1;
     }
 
@@ -181,7 +181,7 @@ TEST_F(SectorReaderTest, NeverWritesBeyondTheRequest) {
     };
     for (const Case test : {Case{512, 700}, Case{512, 100}, Case{4096, 512}, Case{4096, 5000}}) {
         SCOPED_TRACE(test.Bytes);
-        OpenDisk(MakeMemoryMedium(ByteVector(65536, 0x11)), test.SectorBytes);
+        OpenDisk(ByteVector(65536, 0x11), test.SectorBytes);
         Plan->Rules = {{0, 1, 23, 1}};
         ByteVector guarded(test.Bytes + 64, 0xEE);
         EXPECT_EQ(ReadSectors(Bytes(guarded).first(test.Bytes), 0).Code, kErrorNone);
@@ -230,13 +230,13 @@ TEST_F(SectorReaderTest, ReadsIntoABufferThatCountsAsCleared) {
         EXPECT_EQ(Buffer[0], first == 62 ? 63 : 0) << first;
         EXPECT_EQ(Buffer[1024], 0) << first;
     }
-    Engine.SourceDisk.MediaHandle.reset();
+    CloseDisk();
     EXPECT_EQ(read(kFirst), kErrorNone);
     EXPECT_EQ(Picture(), "0000");
 }
 
 TEST_F(SectorReaderTest, WithoutAMedium) {
-    Engine.SourceDisk.MediaHandle.reset();
+    CloseDisk();
     EXPECT_EQ(ReadSectors({}, 0).Code, kErrorInvalidHandle) << "a request of nothing gives its code back";
     EXPECT_TRUE(Reports.Boxes.empty());
     ReadFatally(1);
@@ -246,7 +246,7 @@ TEST_F(SectorReaderTest, ProbeTakesTheStampedSectorSize) {
     Engine.ScanRunFlag = 0;
     ByteVector image(1024);
     StampImage(image, 2, 4096);
-    OpenDisk(MakeMemoryMedium(image));
+    OpenDisk(image);
     Engine.SourceDisk.BytesPerSector = 0;
     ProbeImageSectorSize();
     EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 4096);

@@ -1,6 +1,6 @@
 #include "partitions/BootSector.h"
 
-#include "engine/EngineFixture.h"
+#include "support/EngineFixture.h"
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 #include "partitions/PartitionSearch.h"
 
-#include "engine/EngineFixture.h"
 #include "partitions/MftEvidence.h"
+#include "support/EngineFixture.h"
 
 namespace thntfs::test {
 
@@ -14,9 +14,7 @@ protected:
     /// Puts bytes under the engine as an image and searches it; gives the search's result.
     std::uint32_t Search(SearchMethod method, ByteVector bytes, std::uint64_t first = 0,
                          std::uint64_t end = kAll) {
-        Engine.SourceDisk.BytesPerSector = 512;
-        Engine.SourceDisk.TotalSectors = bytes.size() / 512;
-        Engine.SourceDisk.MediaHandle = MakeMemoryMedium(std::move(bytes));
+        OpenDisk(std::move(bytes));
         Engine.ScanRunFlag = 1;
         return RunPartitionSearch(method, first, std::min(end, Engine.SourceDisk.TotalSectors));
     }
@@ -24,11 +22,10 @@ protected:
     /// "start+sectors e flags" of each candidate in the list's order.
     static std::vector<std::string> Found() {
         std::vector<std::string> lines;
-        for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-             candidate = candidate->Next.get()) {
-            lines.push_back(std::to_string(candidate->StartSector) + "+" +
-                            std::to_string(candidate->TotalSectors) + " e" +
-                            std::to_string(candidate->EvidenceFlags));
+        for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+            lines.push_back(std::to_string(candidate.StartSector) + "+" +
+                            std::to_string(candidate.TotalSectors) + " e" +
+                            std::to_string(candidate.EvidenceFlags));
         }
         return lines;
     }
@@ -111,11 +108,8 @@ TEST_F(PartitionSearchTest, AStopLeavesWhatWasFoundAndABadSectorCostsItselfAlone
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
 
     Reports.OnSearchPosition = nullptr;
-    auto plan = std::make_shared<FaultPlan>();
-    plan->Rules = {{.FirstSector = 6}, {.FirstSector = 701, .SectorCount = 299, .Code = kErrorNotReady}};
-    Engine.SourceDisk.MediaHandle = MakeFaultyMedium(MakeMemoryMedium(disk), plan);
-    Engine.ScanRunFlag = 1;
-    EXPECT_EQ(ThoroughScan(0, 1000), 1U) << "a fatal error isn't a stop";
+    Plan->Rules = {{.FirstSector = 6}, {.FirstSector = 701, .SectorCount = 299, .Code = kErrorNotReady}};
+    EXPECT_EQ(Search(SearchMethod::Thorough, disk), 1U) << "a fatal error isn't a stop";
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
     EXPECT_EQ(Reports.Boxes.size(), 1U);
     EXPECT_EQ(Engine.Losses.Sectors, 1U + (1000 - 640)) << "from the batch on that the fatal error ended";
@@ -135,14 +129,12 @@ TEST_F(PartitionSearchTest, AStopIsSeenBeforeTheNextRead) {
     };
     for (const Case& c : {Case{SearchMethod::Quick, 300, 1}, Case{SearchMethod::Thorough, 100, 4},
                           Case{SearchMethod::Thorough, 300, 3}}) {
-        auto plan = std::make_shared<FaultPlan>();
-        plan->OnRead = [&c](std::uint64_t index, const ReadRequest&) {
+        Plan->OnRead = [&c](std::uint64_t index, const ReadRequest&) {
             Engine.ScanRunFlag = index + 1 < c.ReadsBefore ? 1 : 0;
         };
-        Search(c.Method, {});
-        Engine.SourceDisk.MediaHandle = MakeFaultyMedium(MakeMemoryMedium(likeRecords), plan);
-        EXPECT_EQ(RunPartitionSearch(c.Method, 0, c.End), 0U);
-        EXPECT_EQ(plan->Log.size(), c.ReadsBefore) << c.End;
+        Plan->Log.clear();
+        EXPECT_EQ(Search(c.Method, likeRecords, 0, c.End), 0U);
+        EXPECT_EQ(Plan->Log.size(), c.ReadsBefore) << c.End;
     }
 }
 
@@ -190,7 +182,7 @@ TEST_F(EvidenceTest, TwinsOfEitherRecordGiveTheVolume) {
     Put(kMirror, Mft());
     SearchDisk();
     ASSERT_EQ(Found(), (Lines{"63+640 e2"}));
-    const PartitionCandidate& byMft = *Engine.SourceDisk.Partitions.First();
+    const PartitionCandidate& byMft = Engine.SourceDisk.Partitions.front();
     EXPECT_EQ(byMft.MftSector, kMirror);
     EXPECT_EQ(byMft.MftCluster, 16U);
     EXPECT_EQ(byMft.MftMirrCluster, 40U);
@@ -207,8 +199,8 @@ TEST_F(EvidenceTest, TwinsOfEitherRecordGiveTheVolume) {
     Put(kMirror + 2, Mirr());
     SearchDisk();
     ASSERT_EQ(Found(), (Lines{"63+640 e2"}));
-    EXPECT_EQ(Engine.SourceDisk.Partitions.First()->MftCluster, 16U);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.First()->MftSector, kMirror);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.front().MftCluster, 16U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.front().MftSector, kMirror);
 }
 
 TEST_F(EvidenceTest, AMftRecordWithAMirrRecordGivesTheVolume) {
@@ -273,10 +265,7 @@ TEST_F(EvidenceTest, ADiskOfLookAlikesEndsInABoundedList) {
 TEST_F(EvidenceTest, AStopEndsThePairing) {
     EvidenceList copies;
     for (std::uint64_t i = 0; i < 2500; ++i) { // three million pairs, most of them of one volume
-        auto copy = std::make_unique<MftEvidence>();
-        copy->SectorNumber = 2 * i;
-        copy->SectorsPerCluster = 128;
-        copies.Append(std::move(copy));
+        copies.push_back({.SectorNumber = 2 * i, .SectorsPerCluster = 128});
     }
     Search(SearchMethod::Thorough, {});
     Reports.OnGate = [] { Engine.ScanRunFlag = 0; };

@@ -1,8 +1,8 @@
 #include "partitions/PartitionTable.h"
 
-#include "engine/EngineFixture.h"
 #include "partitions/VolumeList.h"
 #include "platform/system/Interrupt.h"
+#include "support/EngineFixture.h"
 
 #include <algorithm>
 #include <csignal>
@@ -19,7 +19,7 @@ protected:
 
     void Open(std::uint16_t sectorBytes) {
         Image = std::make_shared<ByteVector>(std::size_t{4000} * sectorBytes);
-        OpenDisk(MakeMemoryMedium(Image), sectorBytes);
+        OpenDisk(Image, sectorBytes);
     }
 
     void Put(std::uint64_t sector, const ByteVector& bytes) {
@@ -35,9 +35,8 @@ protected:
     Starts Read() {
         Starts starts;
         const int result = ReadPartitionTable();
-        for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First(); candidate != nullptr;
-             candidate = candidate->Next.get()) {
-            starts.push_back(candidate->StartSector);
+        for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+            starts.push_back(candidate.StartSector);
         }
         EXPECT_EQ(result, starts.empty() ? 0 : 1);
         return starts;
@@ -64,8 +63,8 @@ TEST_F(PartitionTableTest, PrimaryVolumesInEntryOrder) {
     }
     PutTable(0, {{0x07, 300, 50}, {0x0C, 400, 50}, {0x07, 500, 50}, {0x07, 100, 60}});
     EXPECT_EQ(Read(), (Starts{300, 100})) << "another type and a bad boot sector are left out";
-    EXPECT_EQ(Engine.SourceDisk.Partitions.First()->TotalSectors, 50U);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Last()->TotalSectors, 60U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.front().TotalSectors, 50U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.back().TotalSectors, 60U);
     EXPECT_EQ(States(), "ubu") << "a bad boot sector keeps its number, another type has none";
     EXPECT_EQ(Read().size(), 2U) << "the old list is freed";
     EXPECT_EQ(Plan->Log.size(), 8U) << "a table and three boot sectors, twice";
@@ -87,7 +86,7 @@ TEST_F(PartitionTableTest, ExtendedChains) {
         PutTable(1200, {{0x07, 63, 32}});
         EXPECT_EQ(Read(), (Starts{100, 1063, 1163, 1263})) << int{link};
     }
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Last()->TotalSectors, 32U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.back().TotalSectors, 32U);
 
     PutTable(0, {{0x05, 1000, 900}, {0x05, 2000, 900}});
     PutTable(2000, {{0x07, 63, 30}});
@@ -154,7 +153,7 @@ TEST_F(PartitionTableTest, ReadsThatFail) {
     EXPECT_EQ(Reports.Boxes.size(), 1U);
     Plan->Rules = {{0, 1, kErrorCrc}};
     EXPECT_EQ(Read(), Starts{});
-    Engine.SourceDisk.MediaHandle.reset();
+    CloseDisk();
     Engine.ScanRunFlag = 0;
     EXPECT_EQ(Read(), Starts{});
 }

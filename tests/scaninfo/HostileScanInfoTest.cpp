@@ -150,8 +150,8 @@ TEST_F(HostileScanInfoTest, LongListsAreBoundedByTheFile) {
     laid_.Candidates.assign(200000, {1, 1, 8});
     laid_.Extents.assign(300000, {0, 0});
     EXPECT_TRUE(LoadTree(LayTreeInfo(laid_)).Done);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 200000U);
-    EXPECT_EQ(Engine.VolumeParams.MftExtents.Count(), 300000U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 200000U);
+    EXPECT_EQ(Engine.VolumeParams.MftExtents.size(), 300000U);
     UseLoaded();
 }
 
@@ -321,9 +321,8 @@ TEST_F(MutatedScanInfoTest, PartitionListsToo) {
             bytes[516 + random() % (bytes.size() - 516)] = static_cast<std::uint8_t>(random());
         }
         const auto useEach = [] {
-            for (const PartitionCandidate* candidate = Engine.SourceDisk.Partitions.First();
-                 candidate != nullptr; candidate = candidate->Next.get()) {
-                LoadVolumeParams(*candidate);
+            for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+                LoadVolumeParams(candidate);
                 LocateMft();
             }
         };

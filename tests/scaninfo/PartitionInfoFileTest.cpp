@@ -1,3 +1,4 @@
+#include "engine/SectorReader.h"
 #include "platform/system/Text.h"
 #include "scaninfo/ScanInfoFixture.h"
 
@@ -29,7 +30,7 @@ TEST_F(PartitionInfoFileTest, ALoadedFileIsSavedWithTheSameBytes) {
         EXPECT_TRUE(SavePartitionInfo(At("again")).Done);
         ExpectLog({"Saving Scan Info File : again", "To Location : " + scratch_.Path(), "", kLogInProgress},
                   {"Disk scan information saved successfully.", At("again.thd"), "", kLogDone});
-        EXPECT_EQ(ReadWholeFile(At("again.thd")), bytes);
+        EXPECT_EQ(ReadFileBytes(At("again.thd")), bytes);
     }
 }
 
@@ -37,21 +38,20 @@ TEST_F(PartitionInfoFileTest, LoadRestoresMediumAndList) {
     laid_.Candidates = {{63, 100, 1}, {4096, 200, 8}};
     EXPECT_TRUE(LoadPartitions(LayPartitionInfo(laid_)).Done);
     EXPECT_EQ(NarrowText(Engine.SourceDisk.Description), ImagePath());
-    ASSERT_NE(Engine.SourceDisk.MediaHandle, nullptr);
-    EXPECT_EQ(Engine.SourceDisk.MediaHandle->SizeBytes(), 64U * 512);
-    ASSERT_EQ(Engine.SourceDisk.Partitions.Count(), 2U);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.First()->StartSector, 63U);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Last()->TotalSectors, 200U);
+    EXPECT_EQ(MediumBytes(), 64U * 512);
+    ASSERT_EQ(Engine.SourceDisk.Partitions.size(), 2U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.front().StartSector, 63U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.back().TotalSectors, 200U);
     EXPECT_EQ(Engine.VolumeParams.FileRecordBytes, 0U);
 
     laid_.Candidates.clear();
     EXPECT_TRUE(LoadPartitions(LayPartitionInfo(laid_)).Done);
-    EXPECT_TRUE(Engine.SourceDisk.Partitions.Empty());
+    EXPECT_TRUE(Engine.SourceDisk.Partitions.empty());
 }
 
 TEST_F(PartitionInfoFileTest, TheChoiceIsLoggedBeforeTheSuccess) {
     const auto choose = [] {
-        EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
+        EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
         EXPECT_NE(Engine.SourceDisk.MediaHandle, nullptr);
         ProcessLogEntry entry;
         entry.Name = "Selected";

@@ -1,7 +1,7 @@
 #include "scaninfo/ProcessLog.h"
 
-#include "engine/EngineFixture.h"
 #include "platform/files/WorkFolder.h"
+#include "support/EngineFixture.h"
 #include "support/FailingFileStore.h"
 
 #include <cctype>
@@ -61,7 +61,7 @@ TEST(ProcessLogTest, TextOfTheFile) {
     std::unique_ptr<File> file;
     ASSERT_EQ(Files().Open(scratch.Path() + "/log.txt", FileMode::CreateAlways, file), kErrorNone);
     EXPECT_EQ(WriteLogText(log, *file), kErrorNone);
-    EXPECT_EQ(ReadWholeFile(scratch.Path() + "/log.txt"),
+    EXPECT_EQ(ReadFileBytes(scratch.Path() + "/log.txt"),
               BytesOf(head + LogRowText(log.Rows()[0]) + LogRowText(log.Rows()[1])));
 }
 

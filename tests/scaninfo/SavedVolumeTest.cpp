@@ -64,25 +64,25 @@ TEST_P(SavedVolumeTest, LoadsAsItWasScanned) {
     const PackedImage image = PackedImageNamed(GetParam(), ManifestFolder(), VolumeFolder());
     ASSERT_EQ(OpenSource(image.Path), kErrorNone);
     ASSERT_EQ(ReadPartitionTable(), 1);
-    TakeVolume(*Engine.SourceDisk.Partitions.Last());
+    TakeVolume(Engine.SourceDisk.Partitions.back());
     const std::vector<std::string> scanned = Picture();
     const auto runs = RunsIn(Engine.VolumeParams.MftExtents);
-    const std::size_t candidates = Engine.SourceDisk.Partitions.Count();
+    const std::size_t candidates = Engine.SourceDisk.Partitions.size();
     EXPECT_GT(scanned.size(), 3U);
     EXPECT_TRUE(SaveTreeInfo(At("scan.tht")).Done);
     EXPECT_TRUE(SavePartitionInfo(At("found.thd")).Done);
-    const ByteVector saved = ReadWholeFile(At("scan.tht"));
+    const ByteVector saved = ReadFileBytes(At("scan.tht"));
 
     EXPECT_TRUE(LoadTreeInfo(At("scan.tht")).Done);
     EXPECT_EQ(Picture(), scanned);
     EXPECT_EQ(RunsIn(Engine.VolumeParams.MftExtents), runs);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), candidates);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.size(), candidates);
     EXPECT_TRUE(SaveTreeInfo(At("again.tht")).Done);
-    EXPECT_EQ(ReadWholeFile(At("again.tht")), saved);
+    EXPECT_EQ(ReadFileBytes(At("again.tht")), saved);
 
     EXPECT_TRUE(LoadPartitionInfo(At("found.thd")).Done);
-    ASSERT_EQ(Engine.SourceDisk.Partitions.Count(), candidates);
-    TakeVolume(*Engine.SourceDisk.Partitions.Last());
+    ASSERT_EQ(Engine.SourceDisk.Partitions.size(), candidates);
+    TakeVolume(Engine.SourceDisk.Partitions.back());
     EXPECT_EQ(Picture(), scanned);
 }
 

@@ -59,9 +59,9 @@ protected:
     static void ExpectReset() {
         EXPECT_EQ(Engine.SourceDisk.MediaHandle, nullptr);
         EXPECT_TRUE(Engine.SourceDisk.Description.empty());
-        EXPECT_TRUE(Engine.SourceDisk.Partitions.Empty());
+        EXPECT_TRUE(Engine.SourceDisk.Partitions.empty());
         EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 0);
-        EXPECT_TRUE(Engine.VolumeParams.MftExtents.Empty());
+        EXPECT_TRUE(Engine.VolumeParams.MftExtents.empty());
         EXPECT_EQ(Engine.VolumeParams.FileRecordBytes, 0U);
     }
 

@@ -28,23 +28,23 @@ protected:
         Engine.SourceDisk.BytesPerSector = 512;
         Engine.SourceDisk.TotalSectors = laid_.TotalSectors;
         for (const LaidCandidate& laid : laid_.Candidates) {
-            auto candidate = std::make_unique<PartitionCandidate>(CandidateOf(VolumeGeometry{}));
-            candidate->StartSector = laid.StartSector;
-            candidate->TotalSectors = laid.TotalSectors;
-            candidate->MftSector = laid.StartSector + 32;
-            candidate->VolumeSerial = 0x1122334455667788;
-            candidate->EvidenceFlags = 5;
-            Engine.SourceDisk.Partitions.Append(std::move(candidate));
+            PartitionCandidate candidate = CandidateOf(VolumeGeometry{});
+            candidate.StartSector = laid.StartSector;
+            candidate.TotalSectors = laid.TotalSectors;
+            candidate.MftSector = laid.StartSector + 32;
+            candidate.VolumeSerial = 0x1122334455667788;
+            candidate.EvidenceFlags = 5;
+            Engine.SourceDisk.Partitions.push_back(candidate);
         }
         LoadVolumeParams(CandidateOf(VolumeGeometry{}));
         Engine.VolumeParams.VolumeSerial = 0x1122334455667788;
         Engine.VolumeParams.MftRecordCount = 256;
         Engine.VolumeParams.TurboScanRun = 1;
         for (const LaidExtent& laid : laid_.Extents) {
-            auto extent = std::make_unique<MftExtent>();
-            extent->Clusters = laid.Clusters;
-            extent->StartCluster = laid.StartCluster;
-            Engine.VolumeParams.MftExtents.Append(std::move(extent));
+            MftExtent extent;
+            extent.Clusters = laid.Clusters;
+            extent.StartCluster = laid.StartCluster;
+            Engine.VolumeParams.MftExtents.push_back(extent);
         }
         WriteFileBytes(Engine.CatalogueFolder + kTreeFileName, laid_.Tree);
         WriteFileBytes(Engine.CatalogueFolder + kEntryFileName, laid_.Entries);
@@ -74,11 +74,11 @@ TEST_F(TreeInfoFileTest, SaveWritesTheBytesOfTheTables) {
             laid_.Extents.resize(extents);
             FillEngine();
             EXPECT_TRUE(SaveTreeInfo(At("saved.tht")).Done);
-            EXPECT_EQ(ReadWholeFile(At("saved.tht")), LayTreeInfo(laid_));
+            EXPECT_EQ(ReadFileBytes(At("saved.tht")), LayTreeInfo(laid_));
         }
     }
     // Saving leaves the engine as it was.
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 3U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 3U);
     EXPECT_EQ(Paths(), (std::vector<std::string>{"", "/folder", "/folder/file.txt"}));
 }
 
@@ -113,8 +113,8 @@ TEST_F(TreeInfoFileTest, LoadPutsBackWhatTheBytesSay) {
     EXPECT_EQ(NarrowText(disk.Description), ImagePath());
     EXPECT_EQ(disk.BytesPerSector, 512);
     EXPECT_EQ(disk.TotalSectors, 64U);
-    ASSERT_EQ(disk.Partitions.Count(), 2U);
-    const PartitionCandidate& second = *disk.Partitions.Last();
+    ASSERT_EQ(disk.Partitions.size(), 2U);
+    const PartitionCandidate& second = disk.Partitions.back();
     EXPECT_EQ(second.StartSector, 0x123456789AU);
     EXPECT_EQ(second.TotalSectors, 77U);
     EXPECT_EQ(second.MftMirrCluster, 1024U);
@@ -151,8 +151,8 @@ TEST_F(TreeInfoFileTest, OnlyZeroAndNotZeroCountInLinks) {
     Lay(bytes, 546 + 2 * 76 + 48, 4, 0xFF00);   // MftExtents
     Lay(bytes, 620 + 2 * 76 + 12, 4, 0x000100); // link of the first extent
     EXPECT_TRUE(LoadTree(bytes).Done);
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 2U);
-    EXPECT_EQ(Engine.VolumeParams.MftExtents.Count(), 2U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 2U);
+    EXPECT_EQ(Engine.VolumeParams.MftExtents.size(), 2U);
 }
 
 TEST_F(TreeInfoFileTest, AnyNameLoadsAndRelativePathsToo) {
@@ -219,7 +219,7 @@ TEST_F(TreeInfoFileTest, SaveThatCannotCreateItsFile) {
                                  {At(std::string(300, 'n')), kErrorFilenameTooLong}}) {
         EXPECT_EQ(SaveTreeInfo(save.Path).Text, FailedSave(save.Code));
         EXPECT_EQ(Reports.Log.back().Status, kLogFailed);
-        EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
+        EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
         EXPECT_NE(Engine.EntryFile, nullptr);
     }
     LoadVolumeParams(CandidateOf(VolumeGeometry{})); // the catalogue isn't this one's
@@ -243,13 +243,13 @@ TEST_F(TreeInfoFileTest, AnOlderFileOutlivesEveryFailedSave) {
         const ScanInfoResult result = SaveTreeInfo(At("saved.tht"));
         if (!result.Done) {
             EXPECT_EQ(result.Text, FailedSave(kErrorDiskFull)) << call;
-            EXPECT_EQ(ReadWholeFile(At("saved.tht")), older) << call;
+            EXPECT_EQ(ReadFileBytes(At("saved.tht")), older) << call;
         }
         EXPECT_EQ(Names(), (std::set<std::string>{"disk.img", "saved.tht"})) << call;
     } while (store.Plan().Failures != 0 && call < 100);
     SetFileStore(nullptr);
     EXPECT_GT(call, 10U);
-    EXPECT_EQ(ReadWholeFile(At("saved.tht")), LayTreeInfo(laid_));
+    EXPECT_EQ(ReadFileBytes(At("saved.tht")), LayTreeInfo(laid_));
     EXPECT_EQ(fs::status(At("saved.tht")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
@@ -259,7 +259,7 @@ TEST_F(TreeInfoFileTest, ALinkKeepsItsPlace) {
     fs::create_symlink(At("elsewhere/real.tht"), At("link.tht"));
     EXPECT_TRUE(SaveTreeInfo(At("link.tht")).Done);
     EXPECT_TRUE(fs::is_symlink(At("link.tht")));
-    EXPECT_EQ(ReadWholeFile(At("elsewhere/real.tht")), LayTreeInfo(laid_));
+    EXPECT_EQ(ReadFileBytes(At("elsewhere/real.tht")), LayTreeInfo(laid_));
 }
 
 TEST_F(TreeInfoFileTest, LoadThatFailsAtAnyCallIsTold) {

@@ -53,9 +53,9 @@ using Lines = std::vector<std::string>;
 
 /// What must hold of every finished catalogue: ids, name ranges, owners of chains, each entry in one chain.
 void ExpectSoundCatalogue() {
-    const ByteVector entries = ReadWholeFile(Engine.CatalogueFolder + kEntryFileName);
-    const ByteVector names = ReadWholeFile(Engine.CatalogueFolder + kNameFileName);
-    const ByteVector tree = ReadWholeFile(Engine.CatalogueFolder + kTreeFileName);
+    const ByteVector entries = ReadFileBytes(Engine.CatalogueFolder + kEntryFileName);
+    const ByteVector names = ReadFileBytes(Engine.CatalogueFolder + kNameFileName);
+    const ByteVector tree = ReadFileBytes(Engine.CatalogueFolder + kTreeFileName);
     const std::size_t count = entries.size() / kStoredEntryBytes;
     EXPECT_EQ(entries.size() % kStoredEntryBytes + tree.size() % kStoredBlockBytes, 0U);
     std::multiset<std::uint32_t> children;

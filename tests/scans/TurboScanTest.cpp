@@ -11,14 +11,10 @@ using Lines = std::vector<std::string>;
 
 class TurboScanTest : public CatalogueFixture {
 protected:
-    /// Scans the volume over `medium`, or over its own bytes, and opens the catalogue; gives the scan's
-    /// result.
-    std::uint32_t Scan(std::unique_ptr<Medium> medium = nullptr) {
+    /// Scans the volume and opens the catalogue; gives the scan's result.
+    std::uint32_t Scan() {
         OpenVolume(Volume);
-        Engine.VolumeParams.MftExtents.Clear();
-        if (medium != nullptr) {
-            Engine.SourceDisk.MediaHandle = std::move(medium);
-        }
+        Engine.VolumeParams.MftExtents.clear();
         Engine.ScanRunFlag = 1;
         EXPECT_EQ(CreateCatalogue(), 1);
         const std::uint32_t result = TurboScan();
@@ -151,9 +147,8 @@ TEST_F(TurboScanTest, ABlockThatFailsItsCheckIsLookedThroughForRecords) {
 TEST_F(TurboScanTest, ABadSectorCostsItselfAlone) {
     Volume.AddFile({.Number = 41, .Name = u"lost.txt"});
     Volume.AddFile({.Number = 42, .Name = u"kept.txt"});
-    auto plan = std::make_shared<FaultPlan>();
-    plan->Rules = {{.FirstSector = Volume.RecordSector(41)}};
-    EXPECT_EQ(Scan(MakeFaultyMedium(Volume.MakeMedium(), plan)), 1U);
+    Plan->Rules = {{.FirstSector = Volume.RecordSector(41)}};
+    EXPECT_EQ(Scan(), 1U);
     EXPECT_EQ(Picture(), (Lines{"/kept.txt 42"}));
     // One line for the span and one for the sector: reading ahead leaves none.
     EXPECT_EQ(Reports.Log.size(), 2U);
@@ -161,10 +156,9 @@ TEST_F(TurboScanTest, ABadSectorCostsItselfAlone) {
 
 TEST_F(TurboScanTest, AFatalErrorKeepsWhatWasFoundAndCountsAsCompleted) {
     Volume.AddFile({.Number = 41, .Name = u"before.txt"});
-    auto plan = std::make_shared<FaultPlan>();
-    plan->Rules = {
+    Plan->Rules = {
         {.FirstSector = Volume.Geometry().SectorOf(600), .SectorCount = 100000, .Code = kErrorNotReady}};
-    EXPECT_EQ(Scan(MakeFaultyMedium(Volume.MakeMedium(), plan)), 1U);
+    EXPECT_EQ(Scan(), 1U);
     EXPECT_EQ(Picture(), (Lines{"/before.txt 41"}));
     EXPECT_EQ(Reports.Boxes.size(), 1U);
 }

@@ -1,7 +1,5 @@
 #include "support/VolumeBuilder.h"
 
-#include "platform/media/Medium.h"
-
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -166,10 +164,6 @@ void VolumeBuilder::LinkChild(std::uint32_t parent, std::uint64_t reference, con
     }
     found->second.HasChild = true;
     PlaceFolder(found->second.Spec, {{.Reference = reference, .Key = name}});
-}
-
-std::unique_ptr<Medium> VolumeBuilder::MakeMedium(std::uint32_t deviceSectorBytes) const {
-    return MakeMemoryMedium(image_, deviceSectorBytes);
 }
 
 } // namespace thntfs::test

@@ -60,8 +60,8 @@ public:
 
     /// Direct access to the medium's bytes.
     [[nodiscard]] ByteVector& Image() { return *image_; }
-    /// A medium over the same bytes, which later changes reach too.
-    [[nodiscard]] std::unique_ptr<Medium> MakeMedium(std::uint32_t deviceSectorBytes = 0) const;
+    /// The same bytes to lay a medium over, which later changes reach too.
+    [[nodiscard]] std::shared_ptr<ByteVector> SharedImage() const { return image_; }
     void WriteTo(const std::string& path) const { WriteFileBytes(path, *image_); }
 
 private:

@@ -114,7 +114,7 @@ TEST_F(SearchTest, ThoroughFindsTheVolumeAndFinishes) {
     EXPECT_EQ(percent, QStringLiteral("100 %"));
     EXPECT_EQ(Boxes(), Texts{"Information: Thorough scan of drives completed."});
     EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Information);
-    EXPECT_FALSE(Engine.VolumeParams.MftExtents.Empty());
+    EXPECT_FALSE(Engine.VolumeParams.MftExtents.empty());
 }
 
 TEST_F(SearchTest, CancelledQuestionKeepsThePage) {
@@ -163,7 +163,7 @@ TEST_F(SearchTest, AbortKeepsWhatWasFound) {
                      "Information: Thorough scan of drives aborted."}));
     EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Critical);
     EXPECT_EQ(Arrived.back(), "1 Aborted searching partitions | -----------------");
-    EXPECT_EQ(Engine.SourceDisk.Partitions.Count(), 1U);
+    EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
     EXPECT_EQ(Engine.ScanRunFlag, 0U);
 }
 
@@ -282,7 +282,7 @@ TEST_F(SearchTest, RangeGoesIntoTheSearch) {
     });
     EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr));
     EXPECT_EQ(Arrived.at(0), "0 Searching Logical Volumes | Sectors Range 3000 to 4000");
-    EXPECT_TRUE(Engine.SourceDisk.Partitions.Empty());
+    EXPECT_TRUE(Engine.SourceDisk.Partitions.empty());
     EXPECT_EQ(Boxes(), Texts{"Information: Thorough scan of drives completed."}) << "no advice";
 }
 

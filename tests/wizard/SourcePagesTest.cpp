@@ -80,7 +80,7 @@ TEST_F(SourcePagesTest, ImageWithAPartitionTableToTheVolume) {
     EXPECT_EQ(Sheet->State().WizardLogEntry.Name, "Selected NTFS logical drive 2");
     EXPECT_EQ(Sheet->State().LogicalDriveNumber, 2);
     EXPECT_EQ(Engine.VolumeParams.StartSector, 12414U);
-    EXPECT_FALSE(Engine.VolumeParams.MftExtents.Empty());
+    EXPECT_FALSE(Engine.VolumeParams.MftExtents.empty());
     EXPECT_TRUE(Answers.Boxes.empty());
     EXPECT_EQ(Answers.FileFilters.at(0),
               (QStringList{QStringLiteral("Volume Salvage (NTFS) Image File (*.th2)"),
@@ -207,11 +207,11 @@ TEST_F(SourcePagesTest, ListAloneOffersNoWayBack) {
     });
     EXPECT_EQ(Engine.ProcessingMode, 1);
     for (std::uint64_t i = 0; i < 12; ++i) {
-        auto candidate = std::make_unique<PartitionCandidate>();
-        candidate->StartSector = 0x100000000 + i; // the list shows the low 32 bits
-        candidate->TotalSectors = i == 11 ? 0x80000 : 1;
-        candidate->BytesPerSector = 4096;
-        Engine.SourceDisk.Partitions.Append(std::move(candidate));
+        PartitionCandidate candidate;
+        candidate.StartSector = 0x100000000 + i; // the list shows the low 32 bits
+        candidate.TotalSectors = i == 11 ? 0x80000 : 1;
+        candidate.BytesPerSector = 4096;
+        Engine.SourceDisk.Partitions.push_back(candidate);
     }
     RunWith([&] {
         EXPECT_EQ(RowsShown(*Sheet).at(0), "NTFS logical drive 1 | 0 |   4.000 KB");
