@@ -37,13 +37,6 @@ private:
     WorkFolder folder_;
 };
 
-test::MemoryFileStore& FilesInMemory() {
-    static test::MemoryFileStore files;
-    SetFileStore(&files);
-    Engine.CatalogueFolder = "/catalogue";
-    return files;
-}
-
 } // namespace
 
 void OpenPlainVolume(ConstBytes bytes) {
