@@ -8,6 +8,7 @@
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
+#include "platform/media/Medium.h"
 #include "scans/BasicScan.h"
 #include "support/Lznt1Compressor.h"
 
@@ -25,11 +26,11 @@ namespace {
 constexpr std::uint64_t kPieceBytes = 64 * 1024;
 
 bool OpenVolume(const std::string& imagePath) {
-    if (OpenImageFile(imagePath) != kErrorNone || ReadPartitionTable() == 0) {
+    if (OpenImageFile(imagePath) != kErrorNone || !ReadPartitionTable()) {
         return false;
     }
     LoadVolumeParams(Engine.SourceDisk.Partitions.front());
-    return LocateMft() != 0;
+    return LocateMft();
 }
 
 /// Gives the bytes read, 0 where a read failed.

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> record(input.begin(), input.begin() + static_cast<std::ptrdiff_t>(recordBytes));
     std::vector<std::uint8_t> copy = record;
     IsMftRecord(copy, static_cast<std::uint32_t>(copy.size()));
-    if (CheckFileRecord(record, static_cast<std::uint32_t>(record.size()), 512) != 0) {
+    if (CheckFileRecord(record, static_cast<std::uint32_t>(record.size()), 512)) {
         DecodedEntry entry;
         DecodeFileRecord(record, entry);
         HasAttributeList(record);

@@ -6,7 +6,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kRootEntryId = 1;
 constexpr std::size_t kMaxPathUnits = 32767; // the longest path of NTFS
 constexpr std::size_t kMaxPathBytes = 3 * kMaxPathUnits;
 constexpr std::size_t kWholeBatch = 131072;

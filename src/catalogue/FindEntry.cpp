@@ -9,8 +9,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kTopEntryId = 0;
-constexpr std::uint32_t kRootEntryId = 1;
 constexpr std::size_t kMaxDepth = 4096;
 
 // Looks below one folder for the entries whose path goes on as `rest`. A name that holds a slash is matched

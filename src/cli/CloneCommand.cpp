@@ -43,7 +43,7 @@ void AddDisk(Lines& lines, const DiskProperties& disk) {
 
 /// Opens the target as a source for a moment, as any disk whose volumes are listed.
 void AddVolumes(Lines& lines, const std::string& path) {
-    if (OpenSource(path) == kErrorNone && ReadPartitionTable() != 0) {
+    if (OpenSource(path) == kErrorNone && ReadPartitionTable()) {
         unsigned number = 0;
         for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
             lines.push_back("NTFS volume " + CandidateText(++number, candidate));

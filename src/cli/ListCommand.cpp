@@ -11,8 +11,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kRootEntryId = 1;
-
 class Lister {
 public:
     Lister(const Options& options, Output& output)

@@ -153,7 +153,7 @@ int Session::FindVolumes() {
         }
         return code;
     }
-    const bool found = ReadPartitionTable() != 0;
+    const bool found = ReadPartitionTable();
     if (WasInterrupted()) {
         return TellEarlyStop();
     }
@@ -213,7 +213,7 @@ int Session::TakeVolume() {
     if (const std::string fault = ClusterFault(); !fault.empty()) {
         return Refuse(fault + " Look for other traces of the volume with --search thorough.");
     }
-    const bool located = LocateMft() != 0;
+    const bool located = LocateMft();
     if (located) {
         Host.LogEvent(PartitionChosenEntry(options_.Partition.value_or(1), *candidate));
     }

@@ -30,12 +30,6 @@ std::uint32_t ClustersPerPiece() {
     return std::clamp(kPieceBytes / Engine.VolumeParams.ClusterBytes, 1U, kClustersPerPiece);
 }
 
-bool ReadCheckedRecord(RecordBuffer& record, std::uint64_t sector) {
-    const VolumeParams& volume = Engine.VolumeParams;
-    ReadSectorsCleared(record, sector);
-    return CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) != 0;
-}
-
 ListVisitor NodeCollector(std::vector<AttributeListNode>& nodes) {
     return [&nodes](const AttributeListEntry& entry) {
         if (!IsValidType(entry.Type())) {
@@ -61,7 +55,7 @@ int VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
         if (!sector) {
             continue;
         }
-        if (!ReadCheckedRecord(record, *sector)) {
+        if (!ReadFileRecord(record, *sector)) {
             return 0;
         }
         result = visit(record);
@@ -72,10 +66,10 @@ int VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
 // Hands over each record that may hold a part of the entry's data.
 int VisitDataRecords(const CatalogueItem& entry, const RecordVisitor& visit) try {
     RecordBuffer record(Engine.VolumeParams.FileRecordBytes);
-    if (!ReadCheckedRecord(record, entry.RecordSector)) {
+    if (!ReadFileRecord(record, entry.RecordSector)) {
         return 0;
     }
-    return HasAttributeList(record) == 0 ? visit(record) : VisitListedRecords(record, visit);
+    return HasAttributeList(record) ? VisitListedRecords(record, visit) : visit(record);
 } catch (const std::exception&) {
     return 0;
 }
@@ -150,16 +144,7 @@ int ReadAttributeList(ConstBytes record, std::vector<AttributeListNode>& nodes) 
     if (list.Type() != kTypeAttributeList) {
         return 0;
     }
-    if (list.NonResident() == 0) {
-        WalkResidentList(record, list, NodeCollector(nodes));
-        return 1;
-    }
-    std::vector<MftExtent> runs;
-    DecodeRunList(record, list.RunListStart(), runs);
-    WalkListClusters(runs, [&nodes](ConstBytes cluster, const ReadOutcome&) {
-        WalkListEntries(cluster, NodeCollector(nodes));
-        return true;
-    });
+    WalkAttributeList(record, list, NodeCollector(nodes), [](const ReadOutcome&) { return true; });
     return 1;
 }
 

@@ -1,8 +1,7 @@
 #include "content/PreviewContent.h"
 
-#include "engine/Attribute.h"
+#include "engine/DecodeRecord.h"
 #include "engine/EngineState.h"
-#include "engine/FileRecord.h"
 #include "engine/Host.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
@@ -57,10 +56,8 @@ void TakeData(const CatalogueItem& entry, ConstBytes record, const Attribute& da
 }
 
 int FillPreviewBuffer(const CatalogueItem& entry) {
-    const VolumeParams& volume = Engine.VolumeParams;
-    std::vector<std::uint8_t> record(volume.FileRecordBytes);
-    ReadSectors(record, entry.RecordSector);
-    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+    std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
+    if (!ReadFileRecord(record, entry.RecordSector)) {
         return 0;
     }
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {

@@ -12,7 +12,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kRootEntryId = 1;
 constexpr std::uint64_t kBigFileBytes = std::uint64_t{1} << 20U;
 constexpr std::uint16_t kFlagSparse = 0x200;
 constexpr std::uint16_t kFlagCompressed = 0x800;

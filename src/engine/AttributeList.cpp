@@ -1,6 +1,7 @@
 #include "engine/AttributeList.h"
 
 #include "engine/EngineState.h"
+#include "engine/RunList.h"
 #include "engine/SectorReader.h"
 
 #include <algorithm>
@@ -35,7 +36,8 @@ void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisito
     }
 }
 
-void WalkListClusters(const std::vector<MftExtent>& runs, const ListClusterVisitor& visit) {
+void WalkListRuns(const std::vector<MftExtent>& runs, const ListVisitor& visit,
+                  const ClusterVisitor& afterCluster) {
     const std::uint32_t clusterBytes = std::min(Engine.VolumeParams.ClusterBytes, kMaxListBytes);
     if (clusterBytes == 0) {
         return;
@@ -45,11 +47,23 @@ void WalkListClusters(const std::vector<MftExtent>& runs, const ListClusterVisit
     for (const MftExtent& run : runs) {
         for (std::uint64_t i = 0; i < run.Clusters && clustersLeft > 0; ++i, --clustersLeft) {
             const ReadOutcome outcome = ReadSectorsCleared(cluster, SectorOfCluster(run.StartCluster + i));
-            if (!visit(cluster, outcome)) {
+            WalkListEntries(cluster, visit);
+            if (!afterCluster(outcome)) {
                 return;
             }
         }
     }
+}
+
+void WalkAttributeList(ConstBytes record, const Attribute& list, const ListVisitor& visit,
+                       const ClusterVisitor& afterCluster) {
+    if (list.NonResident() == 0) {
+        WalkResidentList(record, list, visit);
+        return;
+    }
+    std::vector<MftExtent> runs;
+    DecodeRunList(record, list.RunListStart(), runs);
+    WalkListRuns(runs, visit, afterCluster);
 }
 
 } // namespace thntfs

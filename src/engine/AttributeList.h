@@ -49,12 +49,17 @@ void WalkListEntries(ConstBytes bytes, const ListVisitor& visit);
 /// Entries of a resident attribute list: from its value's start to the attribute's end.
 void WalkResidentList(ConstBytes record, const Attribute& list, const ListVisitor& visit);
 
-/// Takes a cluster of a list and what became of its read; false ends the walk.
-using ListClusterVisitor = std::function<bool(ConstBytes, const ReadOutcome&)>;
+/// Told of each cluster's read once its entries have been visited; false ends the walk.
+using ClusterVisitor = std::function<bool(const ReadOutcome&)>;
 
-/// The clusters of a non-resident attribute list, one after the other, each read into a cleared buffer of
-/// ClusterBytes and handed to `visit`. NTFS bounds an attribute list to
-/// 256 KiB: of a larger cluster no more is read, nor are clusters beyond that. Passes CUserException on.
-void WalkListClusters(const std::vector<MftExtent>& runs, const ListClusterVisitor& visit);
+/// Entries of a non-resident attribute list, cluster by cluster, each read into a cleared buffer of
+/// ClusterBytes; an entry doesn't reach into the next cluster. NTFS bounds an attribute list to 256 KiB: of a
+/// larger cluster no more is read, nor are clusters beyond that. Passes CUserException on.
+void WalkListRuns(const std::vector<MftExtent>& runs, const ListVisitor& visit,
+                  const ClusterVisitor& afterCluster);
+
+/// Entries of an attribute list of either form.
+void WalkAttributeList(ConstBytes record, const Attribute& list, const ListVisitor& visit,
+                       const ClusterVisitor& afterCluster);
 
 } // namespace thntfs

@@ -13,6 +13,10 @@ namespace thntfs {
 /// name stays free, so that a chain that begins there is empty.
 inline constexpr std::uint64_t kMaxCatalogueFileBytes = 0xFFFFFF80;
 
+/// The two entries with which each catalogue begins: the top, which holds all, and the root folder.
+inline constexpr std::uint32_t kTopEntryId = 0;
+inline constexpr std::uint32_t kRootEntryId = 1;
+
 /// Bits of an entry's Flags that the catalogue has taken over from the file attribute word.
 inline constexpr std::uint16_t kFlagLive = 8;
 inline constexpr std::uint16_t kFlagFolder = 16;

@@ -71,12 +71,12 @@ void TakeNumberFromIndex(ConstBytes record, const Attribute& attribute, DecodedE
 }
 
 bool FollowResidentList(ConstBytes record, const Attribute& list, DecodedEntry& entry) {
-    int result = 0;
+    bool result = false;
     WalkResidentList(record, list, [&](const AttributeListEntry& listEntry) {
         const std::uint32_t type = listEntry.Type();
         if (type == kTypeFileName) {
             result = ReadExtensionName(listEntry, entry);
-            return result != 0 ? ListStep::GoOn : ListStep::End;
+            return result ? ListStep::GoOn : ListStep::End;
         }
         if (type == kTypeData && listEntry.StartVcn() == 0 && !listEntry.Named()) {
             result = ReadExtensionSize(listEntry, entry);
@@ -84,7 +84,7 @@ bool FollowResidentList(ConstBytes record, const Attribute& list, DecodedEntry& 
         }
         return type > kTypeData ? ListStep::End : ListStep::GoOn;
     });
-    return result != 0;
+    return result;
 }
 
 bool FollowAttributeList(ConstBytes record, const Attribute& list, DecodedEntry& entry) {
@@ -93,7 +93,7 @@ bool FollowAttributeList(ConstBytes record, const Attribute& list, DecodedEntry&
     }
     std::vector<MftExtent> runs;
     DecodeRunList(record, list.RunListStart(), runs);
-    return DecodeFromListRuns(runs, entry) != 0;
+    return DecodeFromListRuns(runs, entry);
 }
 
 // Handles one attribute; false ends the walk.
@@ -148,14 +148,12 @@ bool MayReadOn() {
 
 // Reads and checks the record that a list entry names; empty where it can't be had.
 std::vector<std::uint8_t> ReadListedRecord(const AttributeListEntry& listEntry) {
-    const VolumeParams& volume = Engine.VolumeParams;
     const auto sector = FindRecordSector(listEntry.RecordNumber());
     if (!sector || !MayReadOn()) {
         return {};
     }
-    std::vector<std::uint8_t> record(volume.FileRecordBytes);
-    ReadSectors(record, *sector);
-    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+    std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
+    if (!ReadFileRecord(record, *sector)) {
         return {};
     }
     return record;
@@ -197,7 +195,7 @@ void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry) {
     }
 }
 
-int DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
+bool DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
     Engine.Lists.BeginRecord();
     try {
         for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
@@ -211,9 +209,9 @@ int DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
     const bool stopped = Engine.Lists.Stopped && Engine.Lists.Ended;
     if (stopped || IsMetafileName(entry.Name()) || entry.RecordNumber == entry.ParentNumber) {
         entry.ClearName();
-        return 0;
+        return false;
     }
-    return 1;
+    return true;
 }
 
 std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber) {
@@ -236,21 +234,26 @@ std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber) {
     return std::nullopt;
 }
 
-int ReadExtensionName(const AttributeListEntry& listEntry, DecodedEntry& entry) try {
-    int result = 0;
+bool ReadFileRecord(Bytes record, std::uint64_t sector) {
+    ReadSectorsCleared(record, sector);
+    return CheckFileRecord(record, Engine.VolumeParams.FileRecordBytes, Engine.VolumeParams.BytesPerSector);
+}
+
+bool ReadExtensionName(const AttributeListEntry& listEntry, DecodedEntry& entry) try {
+    bool result = false;
     const std::vector<std::uint8_t> record = ReadListedRecord(listEntry);
     for (AttributeWalk walk(record); walk.Valid() && walk.Current().Type() <= kTypeFileName; walk.Next()) {
         if (walk.Current().Type() == kTypeFileName) {
             TakeName(record, walk.Current().ValueStart(), entry);
-            result = 1;
+            result = true;
         }
     }
     return result;
 } catch (const std::bad_alloc&) {
-    return 0;
+    return false;
 }
 
-int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry) try {
+bool ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry) try {
     const std::vector<std::uint8_t> record = ReadListedRecord(listEntry);
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const Attribute attribute = walk.Current();
@@ -258,42 +261,42 @@ int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry) 
             continue;
         }
         if (!HoldsFirstPiece(attribute)) {
-            return 0;
+            return false;
         }
         TakeExtensionSize(attribute, entry);
-        return 1;
+        return true;
     }
-    return 0;
+    return false;
 } catch (const std::bad_alloc&) {
-    return 0;
+    return false;
 }
 
-int DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry) {
-    int result = 0;
+bool DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry) {
+    bool result = false;
     bool unread = false;
+    const auto visit = [&](const AttributeListEntry& listEntry) {
+        const std::uint32_t type = listEntry.Type();
+        if (Engine.Lists.Ended || !IsValidType(type) || type > kTypeData) {
+            return ListStep::End;
+        }
+        if (type == kTypeFileName) {
+            result = ReadExtensionName(listEntry, entry);
+        }
+        if (type == kTypeData && listEntry.StartVcn() == 0 && !listEntry.Named()) {
+            result = ReadExtensionSize(listEntry, entry);
+            return ListStep::End;
+        }
+        return ListStep::GoOn;
+    };
     try {
-        WalkListClusters(runs, [&](ConstBytes cluster, const ReadOutcome& outcome) {
+        WalkListRuns(runs, visit, [&](const ReadOutcome& outcome) {
             unread = unread || !outcome.BadSectors.empty();
-            WalkListEntries(cluster, [&](const AttributeListEntry& listEntry) {
-                const std::uint32_t type = listEntry.Type();
-                if (Engine.Lists.Ended || !IsValidType(type) || type > kTypeData) {
-                    return ListStep::End;
-                }
-                if (type == kTypeFileName) {
-                    result = ReadExtensionName(listEntry, entry);
-                }
-                if (type == kTypeData && listEntry.StartVcn() == 0 && !listEntry.Named()) {
-                    result = ReadExtensionSize(listEntry, entry);
-                    return ListStep::End;
-                }
-                return ListStep::GoOn;
-            });
-            return result == 0 && MayReadOn();
+            return !result && MayReadOn();
         });
     } catch (const std::bad_alloc&) {
         // What has been read so far counts.
     }
-    Engine.Lists.Unread = unread && result == 0;
+    Engine.Lists.Unread = unread && !result;
     return result;
 }
 

@@ -24,11 +24,11 @@ struct DecodedEntry : CatalogueEntry {
 };
 
 /// Turns a checked FILE record into an entry: name, parent, size, dates, Flags, and for a folder the number
-/// that its index root gives. Follows attribute lists into extension records. Gives 1 if the entry is to be
-/// catalogued; 0, with the name cleared, for the volume's own metafiles and for a record that yields neither
-/// parent nor number. What a scan may read for one record is bounded, and a stop ends the reading; a record
-/// that a stop kept from being decoded gives 0 too. ListReads tells. Passes CUserException on.
-int DecodeFileRecord(ConstBytes record, DecodedEntry& entry);
+/// that its index root gives. Follows attribute lists into extension records. True if the entry is to be
+/// catalogued; false, with the name cleared, for the volume's own metafiles and for a record that yields
+/// neither parent nor number. What a scan may read for one record is bounded, and a stop ends the reading; a
+/// record that a stop kept from being decoded gives false too. ListReads tells. Passes CUserException on.
+bool DecodeFileRecord(ConstBytes record, DecodedEntry& entry);
 
 /// Takes the name of a file name attribute's value, which starts at `valueStart` of the bytes.
 void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry);
@@ -37,13 +37,17 @@ void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry);
 /// extent holds it.
 std::optional<std::uint64_t> FindRecordSector(std::uint32_t recordNumber);
 
-/// The name from the extension record that a list entry names. Gives 1 if there was one.
-int ReadExtensionName(const AttributeListEntry& listEntry, DecodedEntry& entry);
+/// Reads and checks a record of the volume at an absolute sector. `record` has FileRecordBytes; it is cleared
+/// first. False where no record stands there. Passes CUserException on.
+bool ReadFileRecord(Bytes record, std::uint64_t sector);
 
-/// The size from the extension record that a list entry names. Gives 1 if there was one.
-int ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry);
+/// The name from the extension record that a list entry names; false where it gives none.
+bool ReadExtensionName(const AttributeListEntry& listEntry, DecodedEntry& entry);
 
-/// Name and size by way of a non-resident attribute list. Gives 1 if the walk ended with a result.
-int DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry);
+/// The size from the extension record that a list entry names; false where it gives none.
+bool ReadExtensionSize(const AttributeListEntry& listEntry, DecodedEntry& entry);
+
+/// Name and size by way of a non-resident attribute list; false where the walk ended without a result.
+bool DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry);
 
 } // namespace thntfs

@@ -9,7 +9,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kIndexMagic = 0x58444E49; // "INDX"
 constexpr std::uint16_t kCommonStride = 512;
 
 // Where the first attribute must stand, from the place and size of the update sequence array.
@@ -128,11 +127,11 @@ struct SystemRecord {
     bool EndsAboveData; ///< a type of 0 or above 0x80 ends the walk
 };
 
-int IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord& wanted) {
-    if (CheckFileRecord(record, recordBytes, Engine.SourceDisk.BytesPerSector) == 0) {
-        return 0;
+bool IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord& wanted) {
+    if (!CheckFileRecord(record, recordBytes, Engine.SourceDisk.BytesPerSector)) {
+        return false;
     }
-    int result = 0;
+    bool result = false;
     // One attribute that starts right behind the used bytes is still looked at.
     bool within = true;
     for (AttributeWalk walk(record); within; walk.Next()) {
@@ -149,7 +148,7 @@ int IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord& 
             if (!HasName(attribute, record, wanted.Name)) {
                 break;
             }
-            result = 1;
+            result = true;
         }
     }
     return result;
@@ -157,53 +156,52 @@ int IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord& 
 
 } // namespace
 
-int CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes) {
+bool CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes) {
     if (sectorBytes < 2 || !HeaderIsPlausible(record, recordBytes)) {
-        return 0;
+        return false;
     }
     const std::uint16_t stride = ProtectionStride(UsaCount(record), recordBytes, sectorBytes);
-    return stride != 0 && UndoProtection(record, BytesInUse(record), stride) && AttributesArePlausible(record)
-               ? 1
-               : 0;
+    return stride != 0 && UndoProtection(record, BytesInUse(record), stride) &&
+           AttributesArePlausible(record);
 }
 
-int CheckIndexBlock(Bytes block, std::uint16_t sectorBytes) {
+bool CheckIndexBlock(Bytes block, std::uint16_t sectorBytes) {
     if (sectorBytes < 2 || U32At(block, 0) != kIndexMagic || UsaOffset(block) % 8 != 0) {
-        return 0;
+        return false;
     }
     const std::uint32_t blockBytes = std::uint32_t{Engine.VolumeParams.SectorsPerIndexBlock} * sectorBytes;
     const std::uint16_t stride = ProtectionStride(UsaCount(block), blockBytes, sectorBytes);
     if (stride == 0) {
-        return 0;
+        return false;
     }
     const std::uint32_t firstEntry = U32At(block, 24);
     const std::uint32_t used = U32At(block, 28);
     const std::uint32_t allocated = U32At(block, 32);
     if (firstEntry % 8 != 0 || used > allocated || used % 8 != 0 || allocated % 8 != 0) {
-        return 0;
+        return false;
     }
-    return UndoProtection(block, std::uint64_t{used} + 24, stride) ? 1 : 0;
+    return UndoProtection(block, std::uint64_t{used} + 24, stride);
 }
 
-int IsMftRecord(Bytes record, std::uint32_t recordBytes) {
+bool IsMftRecord(Bytes record, std::uint32_t recordBytes) {
     return IsSystemRecord(record, recordBytes, {u"$MFT", true});
 }
 
-int IsMftMirrRecord(Bytes record, std::uint32_t recordBytes) {
+bool IsMftMirrRecord(Bytes record, std::uint32_t recordBytes) {
     return IsSystemRecord(record, recordBytes, {u"$MFTMirr", false});
 }
 
-int HasAttributeList(ConstBytes record) {
+bool HasAttributeList(ConstBytes record) {
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const std::uint32_t type = walk.Current().Type();
         if (!IsValidType(type) || type > kTypeAttributeList) {
-            return 0;
+            return false;
         }
         if (type == kTypeAttributeList) {
-            return 1;
+            return true;
         }
     }
-    return 0;
+    return false;
 }
 
 } // namespace thntfs

@@ -8,9 +8,10 @@ namespace thntfs {
 
 // Header of a FILE record.
 
-inline constexpr std::uint32_t kFileMagic = 0x454C4946; ///< "FILE"
-inline constexpr std::uint16_t kUsaOffsetOld = 42;      ///< older form, without a record number of its own
-inline constexpr std::uint16_t kUsaOffsetNew = 48;      ///< newer form
+inline constexpr std::uint32_t kFileMagic = 0x454C4946;  ///< "FILE"
+inline constexpr std::uint32_t kIndexMagic = 0x58444E49; ///< "INDX", of an index block
+inline constexpr std::uint16_t kUsaOffsetOld = 42;       ///< older form, without a record number of its own
+inline constexpr std::uint16_t kUsaOffsetNew = 48;       ///< newer form
 
 [[nodiscard]] inline std::uint16_t UsaOffset(ConstBytes record) { return U16At(record, 4); }
 [[nodiscard]] inline std::uint16_t UsaCount(ConstBytes record) { return U16At(record, 6); }
@@ -27,21 +28,21 @@ inline constexpr std::uint16_t kUsaOffsetNew = 48;      ///< newer form
 /// Decides whether a block of bytes counts as a FILE record, and undoes its update sequence protection while
 /// it does so. The record is changed in place: it can be checked once only, and a rejected one may be left
 /// partly fixed. `recordBytes` is the record size in bytes, `sectorBytes` the sector size that the protection
-/// uses. Reports nothing. Gives 1 or 0.
-int CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes);
+/// uses. Reports nothing.
+bool CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes);
 
 /// The same decision for an INDX block. Its size enters only through VolumeParams.SectorsPerIndexBlock.
-int CheckIndexBlock(Bytes block, std::uint16_t sectorBytes);
+bool CheckIndexBlock(Bytes block, std::uint16_t sectorBytes);
 
-/// 1 for the record that describes the Master File Table: it passes CheckFileRecord with the medium's sector
-/// size, the four times of its standard information are equal (nothing has touched it since the volume was
-/// formatted) and its name is "$MFT". The buffer is fixed up afterwards.
-int IsMftRecord(Bytes record, std::uint32_t recordBytes);
+/// True for the record that describes the Master File Table: it passes CheckFileRecord with the medium's
+/// sector size, the four times of its standard information are equal (nothing has touched it since the volume
+/// was formatted) and its name is "$MFT". The buffer is fixed up afterwards.
+bool IsMftRecord(Bytes record, std::uint32_t recordBytes);
 
 /// The same for the record of the table's mirror, "$MFTMirr".
-int IsMftMirrRecord(Bytes record, std::uint32_t recordBytes);
+bool IsMftMirrRecord(Bytes record, std::uint32_t recordBytes);
 
-/// 1 if a checked record holds an attribute list.
-int HasAttributeList(ConstBytes record);
+/// Whether a checked record holds an attribute list.
+bool HasAttributeList(ConstBytes record);
 
 } // namespace thntfs

@@ -1,6 +1,7 @@
 #include "engine/LocateMft.h"
 
 #include "engine/AttributeList.h"
+#include "engine/DecodeRecord.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
 #include "engine/RunList.h"
@@ -21,11 +22,9 @@ using RecordBuffer = std::vector<std::uint8_t>;
 // A table begins where its cluster begins; the sectors behind are tried for a start that was told wrong.
 constexpr std::uint32_t kMaxSectorsTried = 128;
 
-void ReadRecord(RecordBuffer& record, std::uint64_t sector) { ReadSectorsCleared(record, sector); }
-
 bool ReadMftRecord(RecordBuffer& record, std::uint64_t sector) {
-    ReadRecord(record, sector);
-    return IsMftRecord(record, Engine.VolumeParams.FileRecordBytes) != 0;
+    ReadSectorsCleared(record, sector);
+    return IsMftRecord(record, Engine.VolumeParams.FileRecordBytes);
 }
 
 bool SearchMftRecord(RecordBuffer& record) {
@@ -86,17 +85,11 @@ ListVisitor DataNodeCollector(bool invalidTypeEnds, std::vector<AttributeListNod
 std::vector<AttributeListNode> ReadTableAttributeList(ConstBytes record, const Attribute& list) {
     std::vector<AttributeListNode> nodes;
     try {
-        if (list.NonResident() == 0) {
-            WalkResidentList(record, list, DataNodeCollector(false, nodes));
-        } else {
-            std::vector<MftExtent> runs;
-            DecodeRunList(record, list.RunListStart(), runs);
-            WalkListClusters(runs, [&nodes](ConstBytes cluster, const ReadOutcome& outcome) {
-                Engine.TableCut = Engine.TableCut || !outcome.Whole();
-                WalkListEntries(cluster, DataNodeCollector(true, nodes));
-                return !WasInterrupted();
-            });
-        }
+        WalkAttributeList(record, list, DataNodeCollector(list.NonResident() != 0, nodes),
+                          [](const ReadOutcome& outcome) {
+                              Engine.TableCut = Engine.TableCut || !outcome.Whole();
+                              return !WasInterrupted();
+                          });
     } catch (const CUserException&) {
         Engine.TableCut = true;
     } catch (const std::bad_alloc&) {
@@ -122,9 +115,8 @@ std::optional<Attribute> FindAttribute(ConstBytes record, std::uint32_t type, st
 // table, since the runs aren't known yet.
 bool TakePiece(const AttributeListNode& node, RecordBuffer& record) {
     VolumeParams& volume = Engine.VolumeParams;
-    ReadRecord(record, SectorOfCluster(volume.MftCluster) +
-                           std::uint64_t{node.RecordNumber} * volume.SectorsPerFileRecord);
-    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+    const std::uint64_t sectorsBefore = std::uint64_t{node.RecordNumber} * volume.SectorsPerFileRecord;
+    if (!ReadFileRecord(record, SectorOfCluster(volume.MftCluster) + sectorsBefore)) {
         return false;
     }
     const auto piece = FindAttribute(record, node.AttributeType, node.AttributeId);
@@ -224,21 +216,21 @@ void FindAndDecodeTable() {
 
 } // namespace
 
-int LocateMft() {
+bool LocateMft() {
     VolumeParams& volume = Engine.VolumeParams;
     volume.MftExtents.clear();
     volume.MftRecordCount = 0;
     Engine.TableBytes = 0;
     Engine.TableCut = false;
     if (volume.MftCluster == 0 || volume.FileRecordBytes == 0 || volume.SectorsPerCluster == 0) {
-        return 0;
+        return false;
     }
     try {
         FindAndDecodeTable();
     } catch (const CUserException&) {
     } catch (const std::exception&) {
     }
-    return volume.MftExtents.empty() ? 0 : 1;
+    return !volume.MftExtents.empty();
 }
 
 } // namespace thntfs

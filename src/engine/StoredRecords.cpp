@@ -1,6 +1,7 @@
 #include "engine/StoredRecords.h"
 
 #include "engine/ClusterSize.h"
+#include "engine/StoredFields.h"
 #include "platform/files/File.h"
 #include "platform/media/Medium.h"
 
@@ -12,6 +13,13 @@ namespace {
 
 constexpr std::uint32_t kLargestStoredCount = 0xFF;
 constexpr std::uint8_t kSmallestPower = 0xF4; // of a boot sector: 2 to the power of 12
+
+// Places of what is stored in another form than it has in memory.
+constexpr std::uint64_t kExtentLinkAt = 12;
+constexpr std::uint64_t kCandidateSectorsPerClusterAt = 68;
+constexpr std::uint64_t kCandidateLinkAt = 72;
+constexpr std::uint64_t kVolumeLinkAt = 48;
+constexpr std::uint64_t kVolumeSectorsPerClusterAt = 72;
 
 std::uint32_t LinkWord(bool linked) { return linked ? 1U : 0U; }
 
@@ -33,61 +41,76 @@ void TakeClusterCount(std::uint8_t stored, Record& record) {
     }
 }
 
+template <typename Extent, typename Visitor>
+void VisitExtent(Extent& extent, const Visitor& field) {
+    field(0, extent.Clusters);
+    field(4, extent.StartCluster);
+}
+
+template <typename Candidate, typename Visitor>
+void VisitCandidate(Candidate& candidate, const Visitor& field) {
+    field(8, candidate.StartSector);
+    field(16, candidate.TotalSectors);
+    field(24, candidate.MftSector);
+    field(32, candidate.MftCluster);
+    field(40, candidate.MftMirrCluster);
+    field(48, candidate.VolumeSerial);
+    field(56, candidate.IndexBlockBytes);
+    field(60, candidate.ClusterBytes);
+    field(64, candidate.FileRecordBytes);
+    field(66, candidate.BytesPerSector);
+    field(69, candidate.SectorsPerFileRecord);
+    field(70, candidate.SectorsPerIndexBlock);
+    field(71, candidate.EvidenceFlags);
+}
+
+template <typename Volume, typename Visitor>
+void VisitVolume(Volume& volume, const Visitor& field) {
+    field(0, volume.TotalSectors);
+    field(8, volume.MftSector);
+    field(16, volume.MftCluster);
+    field(24, volume.MftMirrCluster);
+    field(32, volume.VolumeSerial);
+    field(40, volume.StartSector);
+    field(52, volume.MftRecordCount);
+    field(56, volume.FileRecordBytes);
+    field(60, volume.IndexBlockBytes);
+    field(64, volume.ClusterBytes);
+    field(68, volume.BytesPerSector);
+    field(70, volume.SectorsPerFileRecord);
+    field(71, volume.SectorsPerIndexBlock);
+    field(73, volume.TurboScanRun);
+}
+
 } // namespace
 
 StoredMftExtent EncodeMftExtent(const MftExtent& extent, bool hasNext) {
     StoredMftExtent stored{};
-    PutNumber(stored, 0, extent.Clusters);
-    PutNumber(stored, 4, extent.StartCluster);
-    PutNumber(stored, 12, LinkWord(hasNext));
+    VisitExtent(extent, FieldWriter(stored));
+    PutNumber(stored, kExtentLinkAt, LinkWord(hasNext));
     return stored;
 }
 
 MftExtent DecodeMftExtent(const StoredMftExtent& stored, bool& hasNext) {
     MftExtent extent;
-    extent.Clusters = U32At(stored, 0);
-    extent.StartCluster = U64At(stored, 4);
-    hasNext = U32At(stored, 12) != 0;
+    VisitExtent(extent, FieldReader(stored));
+    hasNext = U32At(stored, kExtentLinkAt) != 0;
     return extent;
 }
 
 StoredCandidate EncodeCandidate(const PartitionCandidate& candidate, bool hasNext) {
     StoredCandidate stored{};
-    PutNumber(stored, 8, candidate.StartSector);
-    PutNumber(stored, 16, candidate.TotalSectors);
-    PutNumber(stored, 24, candidate.MftSector);
-    PutNumber(stored, 32, candidate.MftCluster);
-    PutNumber(stored, 40, candidate.MftMirrCluster);
-    PutNumber(stored, 48, candidate.VolumeSerial);
-    PutNumber(stored, 56, candidate.IndexBlockBytes);
-    PutNumber(stored, 60, candidate.ClusterBytes);
-    PutNumber(stored, 64, candidate.FileRecordBytes);
-    PutNumber(stored, 66, candidate.BytesPerSector);
-    PutNumber(stored, 68, StoredClusterCount(candidate.SectorsPerCluster));
-    PutNumber(stored, 69, candidate.SectorsPerFileRecord);
-    PutNumber(stored, 70, candidate.SectorsPerIndexBlock);
-    PutNumber(stored, 71, candidate.EvidenceFlags);
-    PutNumber(stored, 72, LinkWord(hasNext));
+    VisitCandidate(candidate, FieldWriter(stored));
+    PutNumber(stored, kCandidateSectorsPerClusterAt, StoredClusterCount(candidate.SectorsPerCluster));
+    PutNumber(stored, kCandidateLinkAt, LinkWord(hasNext));
     return stored;
 }
 
 PartitionCandidate DecodeCandidate(const StoredCandidate& stored, bool& hasNext) {
     PartitionCandidate candidate;
-    candidate.StartSector = U64At(stored, 8);
-    candidate.TotalSectors = U64At(stored, 16);
-    candidate.MftSector = U64At(stored, 24);
-    candidate.MftCluster = U64At(stored, 32);
-    candidate.MftMirrCluster = U64At(stored, 40);
-    candidate.VolumeSerial = U64At(stored, 48);
-    candidate.IndexBlockBytes = U32At(stored, 56);
-    candidate.ClusterBytes = U32At(stored, 60);
-    candidate.FileRecordBytes = U16At(stored, 64);
-    candidate.BytesPerSector = U16At(stored, 66);
-    TakeClusterCount(U8At(stored, 68), candidate);
-    candidate.SectorsPerFileRecord = U8At(stored, 69);
-    candidate.SectorsPerIndexBlock = U8At(stored, 70);
-    candidate.EvidenceFlags = U8At(stored, 71);
-    hasNext = U32At(stored, 72) != 0;
+    VisitCandidate(candidate, FieldReader(stored));
+    TakeClusterCount(U8At(stored, kCandidateSectorsPerClusterAt), candidate);
+    hasNext = U32At(stored, kCandidateLinkAt) != 0;
     return candidate;
 }
 
@@ -127,43 +150,17 @@ DiskRecord DecodeDisk(const StoredDisk& stored, bool& hasPartitions) {
 
 StoredVolume EncodeVolume(const VolumeParams& volume) {
     StoredVolume stored{};
-    PutNumber(stored, 0, volume.TotalSectors);
-    PutNumber(stored, 8, volume.MftSector);
-    PutNumber(stored, 16, volume.MftCluster);
-    PutNumber(stored, 24, volume.MftMirrCluster);
-    PutNumber(stored, 32, volume.VolumeSerial);
-    PutNumber(stored, 40, volume.StartSector);
-    PutNumber(stored, 48, LinkWord(!volume.MftExtents.empty()));
-    PutNumber(stored, 52, volume.MftRecordCount);
-    PutNumber(stored, 56, volume.FileRecordBytes);
-    PutNumber(stored, 60, volume.IndexBlockBytes);
-    PutNumber(stored, 64, volume.ClusterBytes);
-    PutNumber(stored, 68, volume.BytesPerSector);
-    PutNumber(stored, 70, volume.SectorsPerFileRecord);
-    PutNumber(stored, 71, volume.SectorsPerIndexBlock);
-    PutNumber(stored, 72, StoredClusterCount(volume.SectorsPerCluster));
-    PutNumber(stored, 73, volume.TurboScanRun);
+    VisitVolume(volume, FieldWriter(stored));
+    PutNumber(stored, kVolumeSectorsPerClusterAt, StoredClusterCount(volume.SectorsPerCluster));
+    PutNumber(stored, kVolumeLinkAt, LinkWord(!volume.MftExtents.empty()));
     return stored;
 }
 
 VolumeParams DecodeVolume(const StoredVolume& stored, bool& hasExtents) {
     VolumeParams volume;
-    volume.TotalSectors = U64At(stored, 0);
-    volume.MftSector = U64At(stored, 8);
-    volume.MftCluster = U64At(stored, 16);
-    volume.MftMirrCluster = U64At(stored, 24);
-    volume.VolumeSerial = U64At(stored, 32);
-    volume.StartSector = U64At(stored, 40);
-    hasExtents = U32At(stored, 48) != 0;
-    volume.MftRecordCount = U32At(stored, 52);
-    volume.FileRecordBytes = U32At(stored, 56);
-    volume.IndexBlockBytes = U32At(stored, 60);
-    volume.ClusterBytes = U32At(stored, 64);
-    volume.BytesPerSector = U16At(stored, 68);
-    volume.SectorsPerFileRecord = U8At(stored, 70);
-    volume.SectorsPerIndexBlock = U8At(stored, 71);
-    TakeClusterCount(U8At(stored, 72), volume);
-    volume.TurboScanRun = U8At(stored, 73);
+    VisitVolume(volume, FieldReader(stored));
+    TakeClusterCount(U8At(stored, kVolumeSectorsPerClusterAt), volume);
+    hasExtents = U32At(stored, kVolumeLinkAt) != 0;
     return volume;
 }
 

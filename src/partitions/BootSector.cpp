@@ -16,7 +16,6 @@ constexpr std::uint64_t kRecordSizeAt = 64;
 constexpr std::uint64_t kIndexSizeAt = 68;
 constexpr std::uint64_t kSerialAt = 72;
 
-constexpr std::uint16_t kLowNineBits = 0x1FF;
 constexpr std::uint16_t kBitNine = 0x200;
 
 bool IsPossibleSectorSize(std::uint16_t bytes) {
@@ -65,25 +64,23 @@ void DecodeCommon(ConstBytes sector, std::uint64_t start, std::uint16_t bytesPer
 
 } // namespace
 
-int IsNtfsBootSector(ConstBytes sector) {
+bool IsNtfsBootSector(ConstBytes sector) {
     if (U8At(sector, 0) == 0 || U8At(sector, 1) == 0 || U8At(sector, 2) != 0x90) {
-        return 0;
+        return false;
     }
     if (U32At(sector, 32) != 0 || U16At(sector, 36) != 0x80) {
-        return 0;
+        return false;
     }
     if (!IsPossibleSectorSize(U16At(sector, kBytesPerSectorAt)) ||
         !IsPossibleClusterByte(U8At(sector, kSectorsPerClusterAt))) {
-        return 0;
+        return false;
     }
     if (U8At(sector, kRecordSizeAt) == 0 || U8At(sector, kIndexSizeAt) == 0) {
-        return 0;
+        return false;
     }
     return IsPossiblePosition(U64At(sector, kMftClusterAt)) &&
-                   IsPossiblePosition(U64At(sector, kMftMirrClusterAt)) &&
-                   IsPossiblePosition(U64At(sector, kTotalSectorsAt))
-               ? 1
-               : 0;
+           IsPossiblePosition(U64At(sector, kMftMirrClusterAt)) &&
+           IsPossiblePosition(U64At(sector, kTotalSectorsAt));
 }
 
 std::uint64_t BootTotalSectors(ConstBytes sector) { return U64At(sector, kTotalSectorsAt); }

@@ -8,9 +8,9 @@ namespace thntfs {
 
 inline constexpr std::size_t kBootSectorBytes = 512;
 
-/// Gives 1 if 512 bytes are an NTFS boot sector by its jump, its fixed fields, its sector and cluster sizes
-/// and its three cluster numbers, else 0. The signature 0xAA55 isn't looked at.
-int IsNtfsBootSector(ConstBytes sector);
+/// Whether 512 bytes are an NTFS boot sector by its jump, its fixed fields, its sector and cluster sizes
+/// and its three cluster numbers. The signature 0xAA55 isn't looked at.
+bool IsNtfsBootSector(ConstBytes sector);
 
 /// Total sectors, first logical cluster of the Master File Table and sectors per cluster that a boot sector
 /// states.

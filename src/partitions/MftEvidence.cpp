@@ -11,8 +11,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kLowNineBits = 0x1FF;
-
 // First cluster of an attribute's first run, low byte first and without a sign.
 std::uint64_t FirstRunCluster(ConstBytes record, const Attribute& attribute) {
     const std::uint64_t run = attribute.RunListStart();
@@ -152,10 +150,10 @@ bool ReadMirrEvidence(ConstBytes record, MftEvidence& evidence) {
 void EvidenceCollector::Examine(ConstBytes record, std::uint64_t sector) {
     checked_.assign(record.begin(), record.end());
     const auto bytes = static_cast<std::uint32_t>(record.size());
-    if (IsMftRecord(checked_, bytes) != 0) {
+    if (IsMftRecord(checked_, bytes)) {
         Collect(checked_, record, sector, ReadMftEvidence, MftList);
     }
-    if (IsMftMirrRecord(checked_, bytes) != 0) {
+    if (IsMftMirrRecord(checked_, bytes)) {
         Collect(checked_, record, sector, ReadMirrEvidence, MirrList);
     }
 }

@@ -43,7 +43,7 @@ void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
     std::vector<std::uint8_t> sector(
         std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
     const ReadOutcome outcome = ReadSectors(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), start);
-    if (IsNtfsBootSector(sector) == 0) {
+    if (!IsNtfsBootSector(sector)) {
         Engine.TableVolumes.back().State =
             outcome.Whole() ? TableVolumeState::NoBootSector : TableVolumeState::Unreadable;
         return;
@@ -95,7 +95,7 @@ void WalkTables() {
 
 } // namespace
 
-int ReadPartitionTable() {
+bool ReadPartitionTable() {
     Engine.SourceDisk.Partitions.clear();
     Engine.TableVolumes.clear();
     Engine.SearchLimits = 0;
@@ -104,7 +104,7 @@ int ReadPartitionTable() {
     } catch (const CUserException&) {
     } catch (const std::bad_alloc&) {
     }
-    return Engine.SourceDisk.Partitions.empty() ? 0 : 1;
+    return !Engine.SourceDisk.Partitions.empty();
 }
 
 } // namespace thntfs

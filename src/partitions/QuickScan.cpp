@@ -38,7 +38,7 @@ void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_
     Host().SearchPosition(sector, endSector);
     CountLoss(sector, ReadSectorsCleared(buffer, sector));
     const ConstBytes first = ConstBytes(buffer).first(kBootSectorBytes);
-    if (IsNtfsBootSector(first) != 0) {
+    if (IsNtfsBootSector(first)) {
         FollowBootSector(first, sector, SecondSight::Ignore, index);
     }
 }

@@ -71,7 +71,7 @@ private:
 
     void ExamineSlot(std::size_t slot) {
         const ConstBytes sector = ConstBytes(buffer_).subspan(slot * sectorBytes_, sectorBytes_);
-        if (sector[2] == kNopOfJump && IsNtfsBootSector(sector) != 0) {
+        if (sector[2] == kNopOfJump && IsNtfsBootSector(sector)) {
             FollowBootSector(sector.first(kBootSectorBytes), position_ + slot, SecondSight::Mark, index_);
         } else if (U32At(sector, 0) == kFileMagic &&
                    (UsaOffset(sector) == kUsaOffsetOld || UsaOffset(sector) == kUsaOffsetNew)) {

@@ -32,7 +32,7 @@ bool SizeIsOfBootSector() {
 }
 
 BootMatch CompareBootSector(ConstBytes sector) {
-    if (IsNtfsBootSector(sector) == 0) {
+    if (!IsNtfsBootSector(sector)) {
         return BootMatch::Other;
     }
     const VolumeParams& volume = Engine.VolumeParams;
@@ -82,7 +82,7 @@ std::vector<CatalogueItem> ChooseEntries() {
 // A record whose names have gone to another one, by its attribute list, tells nothing by itself.
 RecordMatch CompareRecord(Bytes record, const CatalogueItem& item) {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+    if (!CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector)) {
         return RecordMatch::Different;
     }
     bool hasList = false;

@@ -1,5 +1,6 @@
 #include "scaninfo/ScanInfoJob.h"
 
+#include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
 #include "platform/files/ReplacementFile.h"
@@ -13,7 +14,6 @@ namespace thntfs {
 namespace {
 
 constexpr const char* kUnknownError = "Unknown error";
-constexpr std::uint16_t kLowNineBits = 0x1FF;
 
 std::string FailureText(const char* verb, const ScanInfoTexts& texts, ErrorCode code) {
     return std::string("Failed to ") + verb + " " + texts.Name + ". Errorcode =" + std::to_string(code);

@@ -131,7 +131,7 @@ void TableWalk::DecodeBatch(std::uint32_t records) {
 
 void TableWalk::DecodeSlot(Bytes record) {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+    if (!CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector)) {
         losses_.Reject(record, recordIndex_);
         return;
     }
@@ -142,9 +142,9 @@ void TableWalk::DecodeSlot(Bytes record) {
     DecodedRecord& decoded = decoded_[decodedCount_];
     DecodedEntry& entry = decoded.Entry;
     entry.Clear();
-    const int kept = DecodeFileRecord(record, entry);
+    const bool kept = DecodeFileRecord(record, entry);
     TableLosses::NoteList();
-    if (kept == 0) {
+    if (!kept) {
         return;
     }
     if (UsaOffset(record) == kUsaOffsetNew) {

@@ -15,7 +15,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kIndexMagic = 0x58444E49; // "INDX"
 constexpr std::size_t kReadBytes = std::size_t{128} << 10U;
 constexpr std::uint32_t kMaxSpanBytes = 1U << 20U; // far above any index block that NTFS makes
 
@@ -122,7 +121,7 @@ void VolumeWalk::ReadSpan(Bytes span) try {
 
 void VolumeWalk::ProcessSpan(Bytes span) {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (U32At(span, 0) == kIndexMagic && CheckIndexBlock(span, volume.BytesPerSector) != 0) {
+    if (U32At(span, 0) == kIndexMagic && CheckIndexBlock(span, volume.BytesPerSector)) {
         HarvestIndexBlock(span, nextEntryId_);
         recordSector_ += span_.Sectors;
         runningNumber_ = 0;
@@ -140,11 +139,11 @@ void VolumeWalk::ProcessSpan(Bytes span) {
 void VolumeWalk::ProcessRecord(Bytes record) {
     const VolumeParams& volume = Engine.VolumeParams;
     if (U32At(record, 0) != kFileMagic || BaseReference(record) != 0 ||
-        CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) == 0) {
+        !CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector)) {
         return;
     }
     DecodedEntry entry;
-    if (DecodeFileRecord(record, entry) == 0) {
+    if (!DecodeFileRecord(record, entry)) {
         return;
     }
     entry.RecordNumber = NumberOfRecord(record, entry.RecordNumber);

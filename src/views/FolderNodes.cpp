@@ -11,7 +11,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kTopEntryId = 0;
 constexpr std::size_t kEntriesToReport = 1024;
 constexpr std::size_t kMaxLevels = 16384; // no path of NTFS has more; to lay out a level takes stack
 

@@ -14,7 +14,7 @@ namespace {
 
 bool TableNamesVolumes() {
     const WaitCursor slow; // a failing disk takes its time
-    return ReadPartitionTable() != 0;
+    return ReadPartitionTable();
 }
 
 // A medium that gives nothing at all has no missing table: the reason comes first.

@@ -38,7 +38,7 @@ void Warn(const QString& text) { ShowBox(text, QStringLiteral("Information"), Bo
 
 bool LocateTable() {
     const WaitCursor slow; // a failing disk takes its time
-    return LocateMft() != 0;
+    return LocateMft();
 }
 
 /// Whether the volume that has been taken into use can be. A box tells why not.

@@ -34,7 +34,7 @@ protected:
     /// Start sectors of the volumes that are found.
     Starts Read() {
         Starts starts;
-        const int result = ReadPartitionTable();
+        const bool result = ReadPartitionTable();
         for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
             starts.push_back(candidate.StartSector);
         }
