@@ -8,7 +8,7 @@ namespace thntfs {
 namespace {
 
 // Names of a damaged catalogue may overlap and be far longer than all that the file holds.
-constexpr std::size_t kMaxNameUnits = std::size_t{16} << 20U;
+constexpr std::size_t kMaxBatchUnits = std::size_t{16} << 20U;
 
 } // namespace
 
@@ -24,7 +24,7 @@ void EntryBatch::Load(std::span<const std::uint32_t> ids) {
         Loaded& loaded = loaded_[place];
         loaded.Valid = LoadStoredEntry(ids[place], loaded.Entry) != 0;
         loaded.NameStart = names_.size();
-        if (loaded.Valid && names_.size() < kMaxNameUnits) {
+        if (loaded.Valid && names_.size() < kMaxBatchUnits) {
             AppendName(loaded.Entry, names_);
         }
         loaded.NameUnits = names_.size() - loaded.NameStart;

@@ -19,7 +19,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint16_t kFlagsCompressed = 1;
 constexpr std::uint32_t kClustersPerPiece = 16;
 constexpr std::uint32_t kPieceBytes = 1U << 20U;
 

@@ -14,8 +14,7 @@ namespace thntfs {
 namespace {
 
 constexpr std::uint64_t kMaxPreviewBytes = 0x1E00000;
-constexpr std::uint64_t kMaxClusterBytes = 64U << 20U;
-constexpr std::uint16_t kFlagsCompressed = 1;
+constexpr std::uint64_t kMaxPreviewCluster = 64U << 20U;
 
 void CopyValue(ConstBytes value) {
     const std::size_t bytes = std::min(value.size(), Engine.PreviewBuffer.size());
@@ -78,7 +77,7 @@ int FillPreviewBuffer(const CatalogueItem& entry) {
 int LoadPreviewBuffer(const CatalogueItem& entry) try {
     const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
     if (entry.Size == 0 || entry.Size > kMaxPreviewBytes || clusterBytes == 0 ||
-        clusterBytes > kMaxClusterBytes) {
+        clusterBytes > kMaxPreviewCluster) {
         return 0;
     }
     Engine.PreviewLength = 0;

@@ -15,6 +15,9 @@ inline constexpr std::uint32_t kTypeIndexRoot = 0x90;
 inline constexpr std::uint32_t kTypeBitmap = 0xB0;
 inline constexpr std::uint32_t kTypeEnd = 0xFFFFFFFF;
 
+/// The flags of an attribute whose data is compressed and nothing else.
+inline constexpr std::uint16_t kFlagsCompressed = 1;
+
 /// The sixteen attribute types of NTFS: the multiples of 16 from 0x10 to 0x100.
 [[nodiscard]] inline bool IsValidType(std::uint32_t type) {
     return type >= 0x10 && type <= 0x100 && type % 16 == 0;

@@ -17,7 +17,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr int kIconPixels = 16;
+constexpr int kTreeIconPixels = 16;
 
 } // namespace
 
@@ -37,7 +37,7 @@ void CTHNTFSTreeView::SetUpLook() {
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);
     setSelectionBehavior(SelectItems);
-    setIconSize({kIconPixels, kIconPixels});
+    setIconSize({kTreeIconPixels, kTreeIconPixels});
     setContextMenuPolicy(Qt::PreventContextMenu);
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);

@@ -18,7 +18,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr int kWidth = 64; // in letters
+constexpr int kFoundWidth = 64; // in letters
 
 void SetFrameStatus(const QString& text) {
     if (auto* frame = dynamic_cast<QWidget*>(MainWindow())) {
@@ -79,7 +79,7 @@ void CLogicalDrivesFound::LayOut() {
     layout->addLayout(progress);
     layout->addWidget(bar_);
     layout->addWidget(abort_, 0, Qt::AlignRight);
-    resize(kWidth * fontMetrics().averageCharWidth(), sizeHint().height());
+    resize(kFoundWidth * fontMetrics().averageCharWidth(), sizeHint().height());
 }
 
 void CLogicalDrivesFound::Run() {

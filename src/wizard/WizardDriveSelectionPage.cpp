@@ -15,7 +15,7 @@ namespace thntfs {
 
 namespace {
 
-bool LooksUsb(const DiskInfo& /*disk*/) { return false; }
+bool NoneLooksUsb(const DiskInfo& /*disk*/) { return false; }
 
 QString WayToTheRight(const QString& path) {
     return QStringLiteral(
@@ -40,7 +40,7 @@ void TellOpeningFailed(const std::string& path, ErrorCode code) {
 CWizardDriveSelectionPage::CWizardDriveSelectionPage(WizardState& state, WizardPageOwner& owner)
     : CWizardPage(state, owner, "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option",
                   "ntfsrecoverdata.htm")
-    , tree_(new CDiskTree(this, state.Disks, LooksUsb))
+    , tree_(new CDiskTree(this, state.Disks, NoneLooksUsb))
     , modes_(new CProcessingModes(this, state, QStringLiteral("Processing Modes")))
     , info_(new CInfoListBox(this)) {
     LayOut();

@@ -17,14 +17,14 @@ namespace {
 
 const QString kExtension = QStringLiteral(".th2");
 
-bool LooksUsb(const DiskInfo& disk) { return disk.InterfaceType != "IDE"; }
+bool AllButIdeLookUsb(const DiskInfo& disk) { return disk.InterfaceType != "IDE"; }
 
 } // namespace
 
 CWizardImageDiskPage::CWizardImageDiskPage(WizardState& state, WizardPageOwner& owner)
     : CWizardPage(state, owner, "Step 1: Select source drive\nStep 2: Select destination path",
                   "ntfsdiskimaging2.htm")
-    , tree_(new CDiskTree(this, state.Disks, LooksUsb))
+    , tree_(new CDiskTree(this, state.Disks, AllButIdeLookUsb))
     , pick_(new QPushButton(QStringLiteral("Select &destination path"), this))
     , info_(new CInfoListBox(this))
     , pathText_(new CElidedLabel(QStringLiteral("File Path :"), this)) {

@@ -27,7 +27,7 @@ namespace {
 
 const QString kStartUpKey = QStringLiteral("Wizard/StartUp");
 constexpr std::size_t kMaxDisks = kNoDisk; // positions are bytes, and this one means none
-constexpr int kMargin = 10;
+constexpr int kSheetMargin = 10;
 
 // The system's figures stand in the list all the same. A loop device is no disk that could be broken.
 void TellUnreadable(const DiskInfo& disk) {
@@ -97,7 +97,7 @@ void CWizardSheet::LayOut() {
     auto* line = new QFrame(this);
     line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
     auto* buttons = new QHBoxLayout;
-    buttons->setContentsMargins(kMargin, 0, kMargin, kMargin);
+    buttons->setContentsMargins(kSheetMargin, 0, kSheetMargin, kSheetMargin);
     buttons->addWidget(runAtStartup_);
     buttons->addStretch();
     for (QPushButton* button : {back_, next_, finish_, cancel_, help_}) {

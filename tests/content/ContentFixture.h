@@ -6,6 +6,14 @@
 
 namespace thntfs::test {
 
+inline ByteVector Join(std::initializer_list<ByteVector> parts) {
+    ByteVector bytes;
+    for (const ByteVector& part : parts) {
+        AppendBytes(bytes, part);
+    }
+    return bytes;
+}
+
 using DataRun = Run; // a test class has a Run of its own
 
 /// A volume with one file in record 40, and a job that takes it out.

@@ -11,14 +11,6 @@ namespace {
 
 class EntryContentTest : public ContentFixture {};
 
-ByteVector Join(std::initializer_list<ByteVector> parts) {
-    ByteVector bytes;
-    for (const ByteVector& part : parts) {
-        AppendBytes(bytes, part);
-    }
-    return bytes;
-}
-
 ByteVector Clusters(std::size_t count, std::uint64_t seed = 1) { return PatternBytes(count * 4096, seed); }
 
 /// Bytes that compress well, but not to almost nothing.

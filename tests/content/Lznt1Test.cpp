@@ -1,5 +1,6 @@
 #include "content/Lznt1.h"
 
+#include "content/ContentFixture.h"
 #include "support/Lznt1Compressor.h"
 #include "support/VolumeBuilderBytes.h"
 
@@ -15,14 +16,6 @@ ByteVector Chunk(bool compressed, const ByteVector& data) {
     const auto header = static_cast<std::uint16_t>((compressed ? 0xB000U : 0x3000U) | (data.size() - 1));
     ByteVector bytes = {static_cast<std::uint8_t>(header), static_cast<std::uint8_t>(header >> 8U)};
     AppendBytes(bytes, data);
-    return bytes;
-}
-
-ByteVector Join(std::initializer_list<ByteVector> parts) {
-    ByteVector bytes;
-    for (const ByteVector& part : parts) {
-        AppendBytes(bytes, part);
-    }
     return bytes;
 }
 

@@ -17,6 +17,9 @@
 
 namespace thntfs::test {
 
+/// The description that a job's lines of the log carry, between its separators.
+inline const std::string kRule = " | -----------------------------------";
+
 /// The real main window, without a screen, and a user who answers what it asks.
 class FrameFixture : public ::testing::Test {
 protected:

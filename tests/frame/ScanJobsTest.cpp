@@ -11,8 +11,6 @@
 namespace thntfs::test {
 namespace {
 
-const std::string kRule = " | -----------------------------------";
-
 const std::vector<std::string> kBasicScanLines{
     "Processing Internal File System Structure..." + kRule + " | 0",
     "Completed processing Internal File System Structure" + kRule + " | 2",

@@ -28,8 +28,6 @@ constexpr std::size_t kClusterSectors = 8;
 constexpr std::size_t kMftCluster = 4;
 constexpr std::size_t kMirrorCluster = 3071;
 
-const std::string kRule = " | -----------------------------------";
-
 class WholeRoad : public FrameFixture {
 protected:
     /// The image "basic" with some of its sectors overwritten.

@@ -6,8 +6,8 @@ namespace thntfs::test {
 
 namespace {
 
-constexpr const char* kInvalid = "Not a valid Disk scan information"; // without a full stop
-constexpr const char* kOpened = "Disk scan information opened successfully.";
+constexpr const char* kInvalidSearch = "Not a valid Disk scan information"; // without a full stop
+constexpr const char* kSearchOpened = "Disk scan information opened successfully.";
 
 class PartitionInfoFileTest : public ScanInfoFixture {
 protected:
@@ -58,7 +58,7 @@ TEST_F(PartitionInfoFileTest, TheChoiceIsLoggedBeforeTheSuccess) {
         Host().LogEvent(entry);
     };
     EXPECT_TRUE(LoadPartitions(LayPartitionInfo(laid_), choose).Done);
-    ExpectLog({"Selected", "", "", kLogInProgress}, {kOpened, At("laid.thd"), "", kLogDone});
+    ExpectLog({"Selected", "", "", kLogInProgress}, {kSearchOpened, At("laid.thd"), "", kLogDone});
 }
 
 TEST_F(PartitionInfoFileTest, TheCatalogueIsLeftAlone) {
@@ -68,11 +68,11 @@ TEST_F(PartitionInfoFileTest, TheCatalogueIsLeftAlone) {
 }
 
 TEST_F(PartitionInfoFileTest, FailedLoadsLeaveTheEngineReset) {
-    ExpectFailedLoad(LayTreeInfo(laid_), kInvalid);
-    ExpectFailedLoad(ByteVector{1, 1}, kInvalid);
+    ExpectFailedLoad(LayTreeInfo(laid_), kInvalidSearch);
+    ExpectFailedLoad(ByteVector{1, 1}, kInvalidSearch);
     ByteVector promising = LayPartitionInfo(laid_);
     Lay(promising, 546 + 72, 4, 1);
-    ExpectFailedLoad(promising, kInvalid);
+    ExpectFailedLoad(promising, kInvalidSearch);
     laid_.Description = "/nowhere/disk.img";
     ExpectFailedLoad(LayPartitionInfo(laid_), "Failed to open Disk scan information. Errorcode =2");
 

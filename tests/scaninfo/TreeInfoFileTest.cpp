@@ -9,9 +9,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kInvalid = "Not a valid Partition scan information.";
+constexpr const char* kInvalidTree = "Not a valid Partition scan information.";
 constexpr const char* kSaved = "Partition scan information saved successfully.";
-constexpr const char* kOpened = "Partition scan information opened successfully.";
+constexpr const char* kTreeOpened = "Partition scan information opened successfully.";
 
 std::string FailedOpen(ErrorCode code) {
     return "Failed to open Partition scan information. Errorcode =" + std::to_string(code);
@@ -107,7 +107,7 @@ TEST_F(TreeInfoFileTest, LoadPutsBackWhatTheBytesSay) {
     laid_.Candidates = {{128, 16383, 8}, {0x123456789A, 77, 16}};
     laid_.Extents = {{64, 4}, {7, 0x123456789ABCDEF0}, {0, 0}};
     EXPECT_TRUE(LoadTree(LayTreeInfo(laid_)).Done);
-    ExpectTreeLoadLog(kOpened, kLogDone);
+    ExpectTreeLoadLog(kTreeOpened, kLogDone);
 
     const DiskRecord& disk = Engine.SourceDisk;
     EXPECT_EQ(NarrowText(disk.Description), ImagePath());
@@ -162,7 +162,7 @@ TEST_F(TreeInfoFileTest, AnyNameLoadsAndRelativePathsToo) {
     fs::current_path(scratch_.Path());
     EXPECT_TRUE(LoadTreeInfo("any name").Done);
     fs::current_path(before);
-    ExpectTreeLoadLog(kOpened, kLogDone, "any name");
+    ExpectTreeLoadLog(kTreeOpened, kLogDone, "any name");
 }
 
 TEST_F(TreeInfoFileTest, FailedLoadsLeaveTheEngineReset) {
@@ -175,16 +175,16 @@ TEST_F(TreeInfoFileTest, FailedLoadsLeaveTheEngineReset) {
 
     fs::create_directory(At("folder.tht"));
     EXPECT_EQ(LoadTreeInfo(At("folder.tht")).Text, FailedOpen(kErrorDirectory));
-    ExpectFailedLoad(LayPartitionInfo(laid_), kInvalid);
-    ExpectFailedLoad(BytesOf("text, and nothing of a scan"), kInvalid);
-    ExpectFailedLoad({}, kInvalid);
+    ExpectFailedLoad(LayPartitionInfo(laid_), kInvalidTree);
+    ExpectFailedLoad(BytesOf("text, and nothing of a scan"), kInvalidTree);
+    ExpectFailedLoad({}, kInvalidTree);
     const std::size_t separators[] = {620 + 76 + 16, 620 + 76 + 16 + 12 + laid_.Tree.size(),
                                       620 + 76 + 16 + 24 + laid_.Tree.size() + laid_.Entries.size()};
     for (const std::size_t separator : separators) {
         ByteVector bytes = good;
         ASSERT_EQ(bytes.at(separator), 1);
         bytes.at(separator) = 2;
-        ExpectFailedLoad(bytes, kInvalid);
+        ExpectFailedLoad(bytes, kInvalidTree);
     }
 }
 
@@ -280,7 +280,7 @@ TEST_F(TreeInfoFileTest, LoadThatFailsAtAnyCallIsTold) {
     SetFileStore(nullptr);
     EXPECT_GT(call, 10U);
     EXPECT_EQ(texts, (std::set<std::string>{FailedOpen(kErrorIoDevice), "Supporting Files couldn't be opened",
-                                            kOpened}));
+                                            kTreeOpened}));
 }
 
 } // namespace

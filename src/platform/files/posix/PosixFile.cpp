@@ -18,7 +18,7 @@ namespace thntfs {
 namespace {
 
 constexpr mode_t kForAll = 0666;
-constexpr mode_t kOwnerOnly = 0600;
+constexpr mode_t kOwnMode = 0600;
 constexpr std::uint64_t kMaxOffset = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
 /// Calls `transfer(done)` until `size` bytes are through or it gives 0, which ends a read at the end of the
@@ -183,7 +183,7 @@ public:
             (void)Delete(path);
         }
         FileDescriptor descriptor =
-            OpenDescriptor(path.c_str(), FlagsOfMode(mode) | O_NOCTTY, own ? kOwnerOnly : kForAll);
+            OpenDescriptor(path.c_str(), FlagsOfMode(mode) | O_NOCTTY, own ? kOwnMode : kForAll);
         struct stat status {};
         if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &status) != 0) {
             return FileErrorOfErrno(errno);

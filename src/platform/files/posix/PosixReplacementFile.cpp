@@ -48,7 +48,7 @@ std::string StemOf(const std::string& target) {
     return fs::path(target).filename().string().substr(0, kKeptNameBytes);
 }
 
-void RemoveIfLeft(const std::string& path) {
+void RemovePartIfLeft(const std::string& path) {
     const FileDescriptor part = OpenDescriptor(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     struct stat status {};
     if (::fstat(part.Get(), &status) == 0 && S_ISREG(status.st_mode) && IsLeftBehind(part, path)) {
@@ -56,13 +56,13 @@ void RemoveIfLeft(const std::string& path) {
     }
 }
 
-void RemoveLeftParts(const std::string& target) {
+void RemovePartsOf(const std::string& target) {
     const std::string stem = StemOf(target);
     std::error_code failure;
     for (fs::directory_iterator entry(FolderOf(target), failure), end; !failure && entry != end;
          entry.increment(failure)) {
         if (IsPartName(entry->path().filename().string(), stem)) {
-            RemoveIfLeft(entry->path().string());
+            RemovePartIfLeft(entry->path().string());
         }
     }
 }
@@ -151,7 +151,7 @@ ErrorCode ReplacementFile::Create(const std::string& target) {
     if (code != kErrorNone) {
         return code;
     }
-    RemoveLeftParts(target_);
+    RemovePartsOf(target_);
     part_ = std::make_unique<Part>();
     return part_->Create(target_, file_);
 }

@@ -20,10 +20,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t kOwnerOnly = 0700;
+constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kRightsOfOthers = 0077;
 constexpr std::string_view kPattern = "XXXXXX";
-constexpr unsigned kMaxTries = 100;
+constexpr unsigned kFolderTries = 100;
 
 /// Empty where the environment names none.
 std::string FolderOfEnvironment(const char* name) {
@@ -45,7 +45,7 @@ std::string UserFolderAt(const std::string& place) {
 /// Makes the user's folder where it isn't there. Anybody may have put a folder or a link of its name into
 /// /tmp before.
 ErrorCode MakeUserFolder(const std::string& path) {
-    if (::mkdir(path.c_str(), kOwnerOnly) != 0 && errno != EEXIST) {
+    if (::mkdir(path.c_str(), kFolderMode) != 0 && errno != EEXIST) {
         return FileErrorOfErrno(errno);
     }
     struct stat status {};
@@ -61,7 +61,7 @@ FileDescriptor OpenFolder(const std::string& path) {
     return OpenDescriptor(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
 }
 
-void RemoveIfLeft(const std::string& path) {
+void RemoveFolderIfLeft(const std::string& path) {
     const FileDescriptor folder = OpenFolder(path);
     if (IsLeftBehind(folder, path)) {
         std::error_code ignored;
@@ -76,7 +76,7 @@ void RemoveLeftFolders(const std::string& parent, const std::string& prefix) {
         const std::string path = entry->path().string();
         const std::string name = entry->path().filename().string();
         if (name.starts_with(prefix) && name.size() == prefix.size() + kPattern.size()) {
-            RemoveIfLeft(path);
+            RemoveFolderIfLeft(path);
         }
     }
 }
@@ -134,7 +134,7 @@ ErrorCode WorkFolder::TryPlaces(const PlaceRule& mayLieAt, bool lasting) {
 ErrorCode WorkFolder::TryPlace(const std::string& place, bool lasting) {
     const std::string user = UserFolderAt(place);
     ErrorCode code = kErrorPathNotFound;
-    for (unsigned i = 0; code == kErrorPathNotFound && i < kMaxTries; ++i) {
+    for (unsigned i = 0; code == kErrorPathNotFound && i < kFolderTries; ++i) {
         // Another run may take the user's folder away when it ends.
         code = MakeUserFolder(user);
         if (code == kErrorNone && lasting) {
@@ -149,7 +149,7 @@ ErrorCode WorkFolder::TryPlace(const std::string& place, bool lasting) {
 
 ErrorCode WorkFolder::MakeRunFolder(const std::string& parent, const std::string& prefix) {
     RemoveLeftFolders(parent, prefix);
-    for (unsigned i = 0; i < kMaxTries; ++i) {
+    for (unsigned i = 0; i < kFolderTries; ++i) {
         std::string path = parent + "/" + prefix + std::string(kPattern);
         if (::mkdtemp(path.data()) == nullptr) {
             return errno == ENOENT ? kErrorPathNotFound : FileErrorOfErrno(errno);

@@ -1,5 +1,7 @@
 #include "platform/media/posix/BlockDevices.h"
 
+#include "platform/media/posix/SysfsFolders.h"
+
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -45,19 +47,6 @@ fs::path FolderOf(DeviceNumber device) {
     return failure ? fs::path{} : folder;
 }
 
-std::vector<fs::path> FoldersIn(const fs::path& folder) {
-    std::vector<fs::path> found;
-    std::error_code failure;
-    fs::directory_iterator entry(folder, failure);
-    while (!failure && entry != fs::directory_iterator{}) {
-        if (entry->is_directory(failure)) {
-            found.push_back(entry->path());
-        }
-        entry.increment(failure);
-    }
-    return found;
-}
-
 std::vector<DeviceNumber> DevicesIn(const fs::path& folder) {
     std::vector<DeviceNumber> devices;
     for (const fs::path& entry : FoldersIn(folder)) {
@@ -66,11 +55,6 @@ std::vector<DeviceNumber> DevicesIn(const fs::path& folder) {
         }
     }
     return devices;
-}
-
-bool Exists(const fs::path& path) {
-    std::error_code failure;
-    return fs::exists(path, failure);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/media/DiskListing.h"
 #include "platform/media/posix/SysfsDisks.h"
+#include "platform/media/posix/SysfsFolders.h"
 #include "platform/media/posix/UdevRecord.h"
 
 #include <algorithm>
@@ -81,25 +82,6 @@ std::uint64_t Number(const fs::path& file) {
     std::uint64_t number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
     return number;
-}
-
-bool Exists(const fs::path& path) {
-    std::error_code failure;
-    return fs::exists(path, failure);
-}
-
-/// Folders of a folder, links to folders too. What can't be read is empty.
-std::vector<fs::path> FoldersIn(const fs::path& folder) {
-    std::vector<fs::path> found;
-    std::error_code failure;
-    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-        std::error_code ignored;
-        if (entry->is_directory(ignored)) {
-            found.push_back(entry->path());
-        }
-    }
-    return found;
 }
 
 /// The place of a whole disk's name in the order of the list, none for any other name.
