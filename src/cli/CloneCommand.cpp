@@ -98,7 +98,7 @@ int TellLoss(const Options& options, const TargetFacts& facts) {
     return kExitDone;
 }
 
-int OpenTarget(const Options& options) {
+int OpenCloneTarget(const Options& options) {
     const ErrorCode code = OpenTargetDisk(options.Target, Engine.TargetDisk.WriteHandle);
     if (code == kErrorSharingViolation) {
         return Refuse(options.Target + " is in use by the system.");
@@ -117,7 +117,7 @@ int RunClone(const Options& options) {
         RunSteps([&] { return RefuseCopy(CheckCopyPlaces(options.Medium, options.Target), options); },
                  [&] { return LookAtTarget(options.Target, facts); },
                  [&] { return session.OpenSourceDisk(); }, [&] { return CheckSize(options, facts); },
-                 [&] { return TellLoss(options, facts); }, [&] { return OpenTarget(options); });
+                 [&] { return TellLoss(options, facts); }, [&] { return OpenCloneTarget(options); });
     if (code != kExitDone) {
         return code;
     }

@@ -79,7 +79,7 @@ void PutText(Output& output, const CopyReport& report, const CopyMap& map) {
     }
 }
 
-void PutJson(Output& output, const CopyReport& report, const CopyMap& map) {
+void PutReportJson(Output& output, const CopyReport& report, const CopyMap& map) {
     const std::uint64_t total = SectorsOf(map.TotalBytes());
     const std::uint64_t bad = SectorsOf(map.BytesOf(AreaState::Bad));
     const std::uint64_t unread = SectorsOf(map.BytesOf(AreaState::Unread));
@@ -106,7 +106,7 @@ void PutJson(Output& output, const CopyReport& report, const CopyMap& map) {
 
 void PrintCopyReport(Output& output, const CopyReport& report, const CopyMap& map, bool asJson) {
     if (asJson) {
-        PutJson(output, report, map);
+        PutReportJson(output, report, map);
     } else {
         PutText(output, report, map);
     }

@@ -65,7 +65,7 @@ void PutTable(Output& output, const std::vector<DiskInfo>& disks) {
     }
 }
 
-void PutJson(Output& output, const std::vector<DiskInfo>& disks) {
+void PutDisksJson(Output& output, const std::vector<DiskInfo>& disks) {
     auto array = nlohmann::ordered_json::array();
     for (const DiskInfo& disk : disks) {
         array.push_back({{"Name", disk.Name},
@@ -89,7 +89,7 @@ int RunDisks(const Options& options) {
     const std::vector<DiskInfo> disks = EnumerateDisks();
     Output output;
     if (options.Json) {
-        PutJson(output, disks);
+        PutDisksJson(output, disks);
     } else if (disks.empty()) {
         PrintMessage("The system shows no disk here.");
     } else {

@@ -11,7 +11,7 @@ namespace thntfs {
 
 namespace {
 
-int OpenTarget(ImageTarget& target, const Options& options) {
+int OpenImageTarget(ImageTarget& target, const Options& options) {
     const CopyVerdict verdict = target.Open(options.Resume || options.Retries != 0, options.Resume);
     if (verdict.Allowed()) {
         if (!target.OtherSource().empty()) {
@@ -50,7 +50,7 @@ int RunImage(const Options& options) {
         return code;
     }
     ImageTarget target(options.Medium, options.Target);
-    if (const int code = OpenTarget(target, options); code != kExitDone) {
+    if (const int code = OpenImageTarget(target, options); code != kExitDone) {
         return code;
     }
     if (IsMounted(options.Medium)) {

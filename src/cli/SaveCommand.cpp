@@ -26,7 +26,7 @@ public:
     }
 };
 
-int OpenTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
+int OpenSaveTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
     if (!CheckTarget(options.Target, {medium, {}, {}}).Allowed()) {
         return Refuse(options.Target +
                       " lies on the medium that is being read. Saving there would destroy what is "
@@ -59,7 +59,7 @@ std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver)
     return missing;
 }
 
-void PrintTotals(Output& output, const SaveTotals& totals, const Options& options, bool scannedAll) {
+void PrintSaveTotals(Output& output, const SaveTotals& totals, const Options& options, bool scannedAll) {
     if (options.Json) {
         const bool complete = scannedAll && !totals.Stopped;
         const nlohmann::ordered_json object = {{"files", totals.Files},   {"folders", totals.Folders},
@@ -103,7 +103,7 @@ int RunSave(const Options& options) {
     Session session(options);
     std::unique_ptr<TargetFolder> target;
     const int opened = RunSteps([&] { return session.OpenMedium(); }, [&] { return session.OpenVolume(); },
-                                [&] { return OpenTarget(options, session.MediumPath(), target); },
+                                [&] { return OpenSaveTarget(options, session.MediumPath(), target); },
                                 [&] { return session.ScanVolume(); });
     if (opened != kExitDone) {
         return opened;
@@ -122,7 +122,7 @@ int RunSave(const Options& options) {
     const SaveTotals& totals = saver.Finish();
     session.Host.Bar.End();
     Output output;
-    PrintTotals(output, totals, options, session.Complete());
+    PrintSaveTotals(output, totals, options, session.Complete());
     const int code = ExitCodeOf(totals, missing, options.Paths.size());
     return output.Finish(code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code);
 }

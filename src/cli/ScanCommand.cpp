@@ -68,7 +68,7 @@ void PrintTree(Output& output, bool withFiles) {
     }
 }
 
-void PrintTotals(Output& output, const ScanTotals& totals) {
+void PrintScanTotals(Output& output, const ScanTotals& totals) {
     output.Put("Files:   " + std::to_string(totals.Files) + ", of them " +
                std::to_string(totals.DeletedFiles) + " deleted\nFolders: " + std::to_string(totals.Folders) +
                ", of them " + std::to_string(totals.DeletedFolders) + " deleted, " +
@@ -103,7 +103,7 @@ int RunScan(const Options& options) {
             PrintJson(output, totals, session.Complete());
         } else {
             PrintTree(output, options.Files);
-            PrintTotals(output, totals);
+            PrintScanTotals(output, totals);
         }
     } catch (const CUserException&) {
         return output.Finish(kExitFailed);

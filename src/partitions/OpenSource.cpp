@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint32_t kSmallestSectorBytes = 512;
 constexpr std::uint32_t kLargestSectorBytes = 32768; // the largest that the stored records hold
 
-bool IsPossibleSectorSize(std::uint32_t bytes) {
+bool IsMediumSectorSize(std::uint32_t bytes) {
     return std::has_single_bit(bytes) && bytes >= kSmallestSectorBytes && bytes <= kLargestSectorBytes;
 }
 
@@ -32,7 +32,7 @@ void CountSectors() {
 
 ErrorCode TakeDevice(const std::string& path) {
     const std::uint32_t sectorBytes = Engine.SourceDisk.MediaHandle->DeviceSectorBytes();
-    if (!IsPossibleSectorSize(sectorBytes)) {
+    if (!IsMediumSectorSize(sectorBytes)) {
         ResetEngineState();
         return kErrorSectorSize;
     }
@@ -47,7 +47,7 @@ ErrorCode TakeDevice(const std::string& path) {
 void TakeImage(const std::string& path) {
     DiskRecord& disk = Engine.SourceDisk;
     ProbeImageSectorSize();
-    if (!IsPossibleSectorSize(disk.BytesPerSector)) {
+    if (!IsMediumSectorSize(disk.BytesPerSector)) {
         disk.BytesPerSector = kSmallestSectorBytes;
     }
     CountSectors();

@@ -85,7 +85,7 @@ std::uint64_t Number(const fs::path& file) {
 }
 
 /// The place of a whole disk's name in the order of the list, none for any other name.
-std::optional<std::size_t> KindOf(std::string_view name) {
+std::optional<std::size_t> DiskKindOf(std::string_view name) {
     for (const NameKind& kind : kKinds) {
         const std::string_view beginning = kind.Beginning;
         if (name.starts_with(beginning) && HasTail(name.substr(beginning.size()), kind.Rest)) {
@@ -260,7 +260,7 @@ std::vector<DiskProperties> ListDisksIn(const std::string& sysFolder, const std:
     std::vector<std::pair<Place, fs::path>> folders;
     for (const fs::path& folder : FoldersIn(fs::path(sysFolder) / "block")) {
         const std::string name = folder.filename();
-        if (const auto kind = KindOf(name)) {
+        if (const auto kind = DiskKindOf(name)) {
             folders.emplace_back(Place{*kind, name}, folder);
         }
     }

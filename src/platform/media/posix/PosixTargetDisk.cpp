@@ -14,7 +14,7 @@ namespace thntfs {
 namespace {
 
 /// The kind of thing under a path, 0 where there is none (errno tells why).
-mode_t KindOf(const std::string& path) {
+mode_t FileKindOf(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
@@ -28,7 +28,7 @@ bool IsOfKind(const FileDescriptor& descriptor, mode_t kind) {
 
 ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file) {
     file.reset();
-    const mode_t kind = KindOf(path);
+    const mode_t kind = FileKindOf(path);
     if (kind == 0) {
         return FileErrorOfErrno(errno);
     }
