@@ -7,6 +7,7 @@
 #include "platform/files/WorkFolder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
+#include "shell/DesktopState.h"
 #include "shell/JobThread.h"
 #include "views/FolderNodes.h"
 
@@ -59,8 +60,7 @@ void MeasureScan(CMainFrame& frame) {
 void MeasureList(CMainFrame& frame) {
     const FolderNode folder = BiggestFolder();
     std::printf("list_files=%u\n", folder.DirectFiles);
-    Print("list_fill",
-          MillisecondsOf([&] { SendWindowMessage(frame.ListView, WM_LIST_SHOW_FOLDER, folder.EntryId); }));
+    Print("list_fill", MillisecondsOf([&] { WM_LIST_SHOW_FOLDER.Send(frame.ListView, folder.EntryId); }));
     constexpr std::array<SortKind, kColumns> kKinds{
         SortKind::Text, SortKind::WholeNumber, SortKind::Text,       SortKind::Date,
         SortKind::Date, SortKind::Text,        SortKind::WholeNumber};
@@ -130,7 +130,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::printf("entries=%llu\nfolders=%u\n", static_cast<unsigned long long>(CatalogueEntryCount()),
-                Engine.TotalFolders);
+                Desktop.TotalFolders);
     Print("tree_fill", MillisecondsOf([&] { frame.TreeView->FillTree(); }));
     MeasureScan(frame);
     MeasureList(frame);

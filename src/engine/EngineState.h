@@ -16,8 +16,6 @@ namespace thntfs {
 
 class FolderTree;
 class PagedFile;
-class CDlgWait;
-class CVarientCloneImageDialog;
 
 /// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is
 /// thrown, so it holds no data. Decoding passes it on, scans catch it.
@@ -76,21 +74,6 @@ struct EngineState {
     bool TableCut = false;        ///< a piece of it could not be had
 
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
-
-    // What the tree of the desktop program shows, and what of it carries a check mark.
-    std::uint32_t TotalFiles = 0;
-    std::uint32_t TotalFolders = 0;
-    std::uint64_t TotalBytes = 0;
-    std::uint32_t MarkedFiles = 0;
-    std::uint32_t MarkedFolders = 0;
-    std::uint64_t MarkedBytes = 0;
-
-    // Where the desktop program stands.
-    std::atomic<std::uint32_t> StructuresMissing{0}; ///< 1 when the chosen volume's table was not located
-    std::uint32_t TurboScanUsed = 0;                 ///< 1 from a Turbo Scan to the next volume
-    std::uint8_t ProcessingMode = 0; ///< 0 partition table, 1 search: how the candidates came about
-    CDlgWait* WaitDialog = nullptr;  ///< stands while a list is filled; not owned
-    CVarientCloneImageDialog* CopyDialog = nullptr; ///< of a running copy; not owned
 };
 
 extern EngineState Engine;

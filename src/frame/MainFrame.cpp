@@ -6,6 +6,8 @@
 #include "frame/CommandIds.h"
 #include "frame/StatusTexts.h"
 #include "shell/DesktopHost.h"
+#include "shell/DesktopState.h"
+#include "shell/WindowMessages.h"
 
 #include <QMenuBar>
 #include <QStatusBar>
@@ -19,15 +21,15 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         TellNotBuilt(QStringLiteral("Tip of the day"));
         break;
     case WM_LOG_EVENT:
-        return SendWindowMessage(LogList, WM_LOG_ADD, wParam, lParam);
+        return WM_LOG_ADD.Send(LogList, WM_LOG_EVENT.First(wParam));
     case WM_COPY_EVENT:
-        LogCopyEvent(wParam, lParam);
+        LogCopyEvent(WM_COPY_EVENT.First(wParam), WM_COPY_EVENT.Second(lParam));
         break;
     case WM_START_BASIC_SCAN:
         StartBasicScan();
         break;
     case WM_JOB_FINISHED:
-        FinishJob(wParam);
+        FinishJob(WM_JOB_FINISHED.First(wParam));
         break;
     case WM_JOB_FAILED:
         EndFailedJob();
@@ -37,12 +39,12 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         break;
     case WM_PROGRESS_CAPTION:
         if (ProgressBar) {
-            ProgressBar->Label = QString::fromLatin1(PointerIn<const char>(wParam));
+            ProgressBar->Label = QString::fromLatin1(WM_PROGRESS_CAPTION.First(wParam));
             TheDesktopHost().BeginProgress();
         }
         break;
     case WM_UPDATE_TOTALS:
-        UpdateTotals(wParam);
+        UpdateTotals(WM_UPDATE_TOTALS.First(wParam));
         break;
     case WM_SAVE_REQUEST:
         TellNotBuilt(QStringLiteral("Save"));
@@ -76,11 +78,11 @@ FrameState CMainFrame::State() const {
     state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.empty();
     state.HasLog = !LogList->IsEmpty();
     state.HasFound = FoundEntry != kNoEntry;
-    state.HasCopyDialog = Engine.CopyDialog != nullptr;
+    state.HasCopyDialog = Desktop.CopyDialog != nullptr;
     state.CurrentHasParent = TreeView->CurrentHasParent();
-    state.StructuresMissing = Engine.StructuresMissing != 0;
+    state.StructuresMissing = Desktop.StructuresMissing;
     state.BasicScanDone = BasicScanDone != 0;
-    state.TurboScanUsed = Engine.TurboScanUsed != 0;
+    state.TurboScanUsed = Desktop.TurboScanUsed;
     return state;
 }
 
@@ -102,20 +104,20 @@ void CMainFrame::UpdateCommands() {
 void CMainFrame::ClearViews() {
     TreeView->Clear();
     ListView->Clear();
-    Engine.TotalFiles = 0;
-    Engine.TotalFolders = 0;
-    Engine.TotalBytes = 0;
+    Desktop.TotalFiles = 0;
+    Desktop.TotalFolders = 0;
+    Desktop.TotalBytes = 0;
     Panes[1]->setText(QLatin1String(kNoTotalsText));
     Panes[2]->clear(); // the marks went with the folders
 }
 
-void CMainFrame::UpdateTotals(std::uintptr_t what) {
-    if (what == 1) {
+void CMainFrame::UpdateTotals(Totals what) {
+    if (what == Totals::All) {
         Panes[1]->setText(
-            QString::fromStdString(TotalsText(Engine.TotalBytes, Engine.TotalFiles, Engine.TotalFolders)));
-    } else if (what == 2) {
-        Panes[2]->setText(
-            QString::fromStdString(MarkedText(Engine.MarkedBytes, Engine.MarkedFiles, Engine.MarkedFolders)));
+            QString::fromStdString(TotalsText(Desktop.TotalBytes, Desktop.TotalFiles, Desktop.TotalFolders)));
+    } else {
+        Panes[2]->setText(QString::fromStdString(
+            MarkedText(Desktop.MarkedBytes, Desktop.MarkedFiles, Desktop.MarkedFolders)));
     }
 }
 

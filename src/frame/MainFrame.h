@@ -4,9 +4,9 @@
 #include "frame/CommandRules.h"
 #include "platform/files/WorkFolder.h"
 #include "shell/JobThread.h"
-#include "shell/MessageTarget.h"
 #include "shell/ProcessLogList.h"
 #include "shell/ProgressBar.h"
+#include "shell/WindowMessages.h"
 #include "views/THNTFSListView.h"
 #include "views/THNTFSTreeView.h"
 
@@ -130,14 +130,14 @@ private:
     void StartBasicScan();
     void StartTurboScan();
     void StopProcess();
-    void FinishJob(std::uintptr_t kind);
+    void FinishJob(FinishedJob kind);
     void EndFailedJob();
     void ReturnToIdle();
     void ShowJobProgress();
     void CreateProgressBar(const QString& caption);
-    void LogCopyEvent(std::uintptr_t work, std::uintptr_t event);
+    void LogCopyEvent(CopyWork work, CopyEvent event);
     void ClearViews();
-    void UpdateTotals(std::uintptr_t what);
+    void UpdateTotals(Totals what);
     void RunSheet(CWizardSheet& sheet);
     void TakeWizardResult(const CWizardSheet& sheet);
 

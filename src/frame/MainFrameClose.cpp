@@ -4,6 +4,7 @@
 #include "frame/MainFrame.h"
 #include "platform/system/Interrupt.h"
 #include "shell/Boxes.h"
+#include "shell/DesktopState.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -38,7 +39,7 @@ bool CMainFrame::GiveUpScan() {
 
 // A scan that has been given up can't be saved any more, so there is nothing to ask about.
 bool CMainFrame::MayClose() {
-    if (Engine.WaitDialog != nullptr) {
+    if (Desktop.WaitDialog != nullptr) {
         return false;
     }
     if (Engine.ScanRunFlag != 0) {
@@ -91,7 +92,7 @@ void CMainFrame::EndIfAsked() {
     RefuseBoxes(true);
     if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
         dialog->done(QDialog::Rejected);
-    } else if (JobBusy == 0 && Engine.WaitDialog == nullptr) {
+    } else if (JobBusy == 0 && Desktop.WaitDialog == nullptr) {
         close();
     }
 }

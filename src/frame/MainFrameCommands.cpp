@@ -2,12 +2,12 @@
 
 #include "dialogs/AboutBox.h"
 #include "dialogs/HelpViewer.h"
-#include "engine/EngineState.h"
 #include "frame/CommandIds.h"
 #include "frame/CommandTable.h"
 #include "frame/MainFrame.h"
 #include "scaninfo/ScanInfo.h"
 #include "shell/Boxes.h"
+#include "shell/DesktopState.h"
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
@@ -80,7 +80,7 @@ void CMainFrame::RunCommand(std::uint32_t command) {
         StartTurboScan();
         break;
     case kCmdParentFolder:
-        if (Engine.WaitDialog == nullptr) {
+        if (Desktop.WaitDialog == nullptr) {
             TreeView->GoToParent();
         }
         break;
@@ -133,7 +133,7 @@ bool CMainFrame::RunHelpCommand(std::uint32_t command) {
         ShowHelp(QStringLiteral("faq.htm"));
         return true;
     case kCmdTips:
-        SendWindowMessage(this, WM_SHOW_TIPS);
+        WM_SHOW_TIPS.Send(this);
         return true;
     case kCmdAbout:
         ShowAboutBox(this);
@@ -159,7 +159,7 @@ void CMainFrame::OpenFoundDrive() {
         return;
     }
     CWizardSheet sheet(this, LogicalDriveNumber);
-    sheet.OpenOnPartitionList(Engine.ProcessingMode);
+    sheet.OpenOnPartitionList(Desktop.ProcessingMode);
     RunSheet(sheet);
 }
 

@@ -8,6 +8,7 @@
 #include "frame/StatusTexts.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
+#include "shell/DesktopState.h"
 #include "shell/PauseGate.h"
 #include "wizard/WizardSheet.h"
 
@@ -17,13 +18,13 @@ namespace thntfs {
 
 namespace {
 
-const char* FinishedText(std::uintptr_t kind) {
+const char* FinishedText(FinishedJob kind) {
     switch (kind) {
-    case kFinishedSave:
+    case FinishedJob::Save:
         return "Saving data completed.";
-    case kFinishedFileTypes:
+    case FinishedJob::FileTypes:
         return "Searching for file type(s) finished.";
-    case kFinishedBasicScan:
+    case FinishedJob::BasicScan:
         return "You have just completed Basic Scan of a logical drive.\n\n"
                "Please examine the tree created, if you find none of the\n"
                "files listed are the one you were looking for, then use\n"
@@ -34,11 +35,11 @@ const char* FinishedText(std::uintptr_t kind) {
     }
 }
 
-const char* WorkName(std::uintptr_t work) {
+const char* WorkName(CopyWork work) {
     switch (work) {
-    case kWorkClone:
+    case CopyWork::Clone:
         return "Disk Cloning";
-    case kWorkImage:
+    case CopyWork::Image:
         return "Disk Imaging";
     default:
         return "Internal File processing";
@@ -49,7 +50,7 @@ const char* WorkName(std::uintptr_t work) {
 
 // A stopped worker still fills the tree, and some commands are enabled meanwhile.
 bool CMainFrame::MayStartWork() {
-    if (Engine.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
+    if (Desktop.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
         return false;
     }
     if (JobBusy != 0) {
@@ -60,14 +61,14 @@ bool CMainFrame::MayStartWork() {
 
 void CMainFrame::TakeWizardResult(const CWizardSheet& sheet) {
     CurrentEntry = std::make_unique<ProcessLogEntry>(sheet.State().WizardLogEntry);
-    Engine.TurboScanUsed = 0;
+    Desktop.TurboScanUsed = false;
     JobBusy = 1;
     BeginBasicScan();
 }
 
 void CMainFrame::BeginBasicScan() {
     ClearViews();
-    SendWindowMessage(this, WM_UPDATE_TOTALS, 1);
+    WM_UPDATE_TOTALS.Send(this, Totals::All, 0);
     ClearFindMark();
     PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;
@@ -75,7 +76,7 @@ void CMainFrame::BeginBasicScan() {
     ScanInfoDirty = 1;
     scanUnsaved_ = true;
     NoScanYet = 0;
-    SendWindowMessage(this, WM_START_BASIC_SCAN);
+    WM_START_BASIC_SCAN.Send(this);
 }
 
 // A bar made before the worker starts is there for its first report.
@@ -92,7 +93,7 @@ void CMainFrame::StartTurboScan() {
     PlaceCatalogue(catalogueFolder_, SourceMediumPath());
     Engine.ScanRunFlag = 1;
     JobBusy = 1;
-    Engine.TurboScanUsed = 1;
+    Desktop.TurboScanUsed = true;
     ScanInfoDirty = 1;
     scanUnsaved_ = true;
     Panes[1]->setText(QLatin1String(kNoTotalsText));
@@ -139,40 +140,40 @@ void CMainFrame::ShowJobProgress() {
 // The worker stands still while the question is up. What it had sent before may still be handled meanwhile,
 // its last message too.
 void CMainFrame::StopProcess() {
-    if (Engine.ScanRunFlag == 0 || Engine.CopyDialog != nullptr) {
+    if (Engine.ScanRunFlag == 0 || Desktop.CopyDialog != nullptr) {
         return;
     }
     const WorkerPause pause;
-    PostWindowMessage(MainWindow(), WM_COPY_EVENT, kWorkScan, kEventPaused);
+    WM_COPY_EVENT.Post(MainWindow(), CopyWork::Scan, CopyEvent::Paused);
     if (Engine.ScanRunFlag != 0 &&
         AskYesNo(QStringLiteral("Do you want to stop process?"), QStringLiteral("Confirm"))) {
         Engine.ScanRunFlag = 0;
         return;
     }
-    PostWindowMessage(MainWindow(), WM_COPY_EVENT, kWorkScan, kEventResumed);
+    WM_COPY_EVENT.Post(MainWindow(), CopyWork::Scan, CopyEvent::Resumed);
 }
 
-void CMainFrame::LogCopyEvent(std::uintptr_t work, std::uintptr_t event) {
+void CMainFrame::LogCopyEvent(CopyWork work, CopyEvent event) {
     ProcessLogEntry entry;
-    if (event == kEventPaused || event == kEventResumed) {
+    if (event == CopyEvent::Paused || event == CopyEvent::Resumed) {
         entry.Name = WorkName(work);
-        entry.Description = event == kEventPaused ? "Process Paused" : "Process Resumed";
-        SendWindowMessage(LogList, WM_LOG_ADD, WordOf(&entry));
+        entry.Description = event == CopyEvent::Paused ? "Process Paused" : "Process Resumed";
+        WM_LOG_ADD.Send(LogList, entry);
         return;
     }
     if (!CurrentEntry) {
         CurrentEntry = std::make_unique<ProcessLogEntry>();
     }
-    const bool completed = event == kEventCompleted;
+    const bool completed = event == CopyEvent::Completed;
     CurrentEntry->Status = completed ? kLogDone : kLogFailed;
     CurrentEntry->Name = (completed ? "Completed " : "Aborted ") + CurrentEntry->Name;
-    if (work == kWorkClone || work == kWorkImage) {
+    if (work == CopyWork::Clone || work == CopyWork::Image) {
         JobBusy = 0;
     }
-    SendWindowMessage(LogList, WM_LOG_ADD, WordOf(CurrentEntry.get()));
+    WM_LOG_ADD.Send(LogList, *CurrentEntry);
 }
 
-void CMainFrame::FinishJob(std::uintptr_t kind) {
+void CMainFrame::FinishJob(FinishedJob kind) {
     ProgressBar.reset();
     if (const char* text = FinishedText(kind)) {
         ShowBox(QLatin1String(text), QStringLiteral("Information"), BoxIcon::Information);

@@ -7,6 +7,7 @@
 #include "scans/BasicScan.h"
 #include "scans/TurboScan.h"
 #include "shell/Boxes.h"
+#include "shell/DesktopState.h"
 
 #include <exception>
 
@@ -30,7 +31,7 @@ bool RunBasicScan(CMainFrame& frame) {
     LogBasicScanEnded(BasicScan() != 0);
     LogLosses();
     CloseCatalogue();
-    SendWindowMessage(&frame, WM_PROGRESS_CAPTION, WordOf("Populating "));
+    WM_PROGRESS_CAPTION.Send(&frame, "Populating ");
     LogTreeFillStarted();
     if (OpenCatalogue() == 0) {
         return false;
@@ -43,16 +44,16 @@ bool RunBasicScan(CMainFrame& frame) {
 void ShowFullProgress(CMainFrame& frame) {
     Engine.ProgressDone = 1;
     Engine.ProgressTotal = 1;
-    SendWindowMessage(&frame, WM_JOB_PROGRESS, 1, 1);
+    WM_JOB_PROGRESS.Send(&frame);
 }
 
 bool RunTurboScan(CMainFrame& frame) {
     const unsigned number = frame.LogicalDriveNumber;
     CloseCatalogue();
     Engine.VolumeParams.TurboScanRun = 1;
-    Engine.StructuresMissing = 0;
+    Desktop.StructuresMissing = false;
     LogTurboScanStarted(number);
-    SendWindowMessage(&frame, WM_CLEAR_VIEWS);
+    WM_CLEAR_VIEWS.Send(&frame);
     if (CreateCatalogue() == 0) {
         return false;
     }
@@ -83,7 +84,7 @@ bool RunToEnd(bool (*scan)(CMainFrame&), CMainFrame& frame) {
     }
     if (!done) {
         LogNoCatalogue();
-        SendWindowMessage(&frame, WM_JOB_FAILED);
+        WM_JOB_FAILED.Send(&frame);
     }
     return done;
 }
@@ -92,14 +93,14 @@ bool RunToEnd(bool (*scan)(CMainFrame&), CMainFrame& frame) {
 
 void BasicScanThread(CMainFrame& frame) {
     if (RunToEnd(&RunBasicScan, frame)) {
-        SendWindowMessage(&frame, WM_JOB_FINISHED, kFinishedBasicScan);
+        WM_JOB_FINISHED.Send(&frame, FinishedJob::BasicScan);
         frame.BasicScanDone = 1;
     }
 }
 
 void TurboScanThread(CMainFrame& frame) {
     if (RunToEnd(&RunTurboScan, frame)) {
-        SendWindowMessage(&frame, WM_JOB_FINISHED, kFinishedTurboScan);
+        WM_JOB_FINISHED.Send(&frame, FinishedJob::TurboScan);
     }
 }
 

@@ -1,6 +1,6 @@
 #include "shell/Boxes.h"
 
-#include "shell/MessageTarget.h"
+#include "shell/WindowMessages.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -103,12 +103,14 @@ BoxAnswer RunBox(const BoxRequest& request) {
     return AnswerOf(box.exec(), request.Buttons);
 }
 
+constexpr WindowMessage<const BoxRequest&> kShowBox{WM_APP};
+
 /// Shows the boxes of workers, which wait in their send.
 class BoxService : public MessageTarget {
 public:
     std::intptr_t OnMessage(std::uint32_t /*message*/, std::uintptr_t wParam,
                             std::uintptr_t /*lParam*/) override {
-        return static_cast<std::intptr_t>(RunBox(*PointerIn<const BoxRequest>(wParam)));
+        return static_cast<std::intptr_t>(RunBox(kShowBox.First(wParam)));
     }
 };
 
@@ -122,7 +124,7 @@ BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon, Box
     if (OnInterfaceThread()) {
         return RunBox(request);
     }
-    return static_cast<BoxAnswer>(SendWindowMessage(boxService.get(), WM_APP, WordOf(&request)));
+    return static_cast<BoxAnswer>(kShowBox.Send(boxService.get(), request));
 }
 
 bool AskYesNo(const QString& text, const QString& caption, BoxAnswer preset) {

@@ -3,6 +3,7 @@
 #include "engine/EngineState.h"
 #include "shell/Boxes.h"
 #include "shell/PauseGate.h"
+#include "shell/WindowMessages.h"
 
 namespace thntfs {
 
@@ -14,9 +15,7 @@ int PercentOf(std::uint64_t done, std::uint64_t total) {
 
 } // namespace
 
-void DesktopHost::LogEvent(const ProcessLogEntry& entry) {
-    SendWindowMessage(MainWindow(), WM_LOG_EVENT, WordOf(&entry));
-}
+void DesktopHost::LogEvent(const ProcessLogEntry& entry) { WM_LOG_EVENT.Send(MainWindow(), entry); }
 
 // The bar shows whole percents, so a look that would not change it is spared the way to the other thread.
 void DesktopHost::JobProgress() {
@@ -25,7 +24,7 @@ void DesktopHost::JobProgress() {
         return;
     }
     sentPercent_ = percent;
-    SendWindowMessage(MainWindow(), WM_JOB_PROGRESS);
+    WM_JOB_PROGRESS.Send(MainWindow());
 }
 
 void DesktopHost::ErrorBox(const std::string& text) {
@@ -54,17 +53,17 @@ void DesktopHost::SearchPosition(std::uint64_t sector, std::uint64_t endSector) 
     const int percent = PercentOf(position, end);
     if (percent != sentSearchPercent_) {
         sentSearchPercent_ = percent;
-        SendWindowMessage(searchDialog_, WM_SEARCH_POSITION, position, end);
+        WM_SEARCH_POSITION.Send(searchDialog_, position, end);
     }
 }
 
 void DesktopHost::PartitionFound(std::uint64_t startSector) {
-    SendWindowMessage(searchDialog_, WM_PARTITION_FOUND, static_cast<std::uint32_t>(startSector));
+    WM_PARTITION_FOUND.Send(searchDialog_, static_cast<std::uint32_t>(startSector));
 }
 
 void DesktopHost::CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) {
-    SendWindowMessage(MainWindow(), WM_COPY_POSITION, static_cast<std::uint32_t>(sectorsDone),
-                      static_cast<std::uint32_t>(totalSectors));
+    WM_COPY_POSITION.Send(MainWindow(), static_cast<std::uint32_t>(sectorsDone),
+                          static_cast<std::uint32_t>(totalSectors));
 }
 
 DesktopHost& TheDesktopHost() {

@@ -1,6 +1,6 @@
 #include "shell/DlgWait.h"
 
-#include "engine/EngineState.h"
+#include "shell/DesktopState.h"
 
 #include <QFont>
 #include <QPainter>
@@ -31,11 +31,11 @@ CDlgWait::CDlgWait(QWidget* owner)
     if (owner != nullptr) {
         move(owner->window()->frameGeometry().center() - rect().center());
     }
-    Engine.WaitDialog = this;
+    Desktop.WaitDialog = this;
     since_.start();
 }
 
-CDlgWait::~CDlgWait() { Engine.WaitDialog = nullptr; }
+CDlgWait::~CDlgWait() { Desktop.WaitDialog = nullptr; }
 
 // No events are run here, as a fill must not meet what another message or the user would do to the list. So
 // the window system's word that the window is on the screen doesn't arrive either, without which nothing is

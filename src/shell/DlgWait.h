@@ -5,9 +5,9 @@
 
 namespace thntfs {
 
-/// The small window that stands while the list is filled. Engine.WaitDialog names it from its construction to
-/// its destruction, which tells views and commands that the program is busy. It comes to the screen when the
-/// fill takes long enough for somebody to wonder.
+/// The small window that stands while the list is filled. Desktop.WaitDialog names it from its construction
+/// to its destruction, which tells views and commands that the program is busy. It comes to the screen when
+/// the fill takes long enough for somebody to wonder.
 class CDlgWait : public QWidget {
 public:
     explicit CDlgWait(QWidget* owner);

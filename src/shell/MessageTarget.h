@@ -1,7 +1,5 @@
 #pragma once
 
-#include "shell/WindowMessages.h"
-
 #include <cstdint>
 #include <memory>
 
@@ -46,15 +44,5 @@ bool OnInterfaceThread();
 /// The main frame, to which all report; null as long as there is none.
 MessageTarget* MainWindow();
 void SetMainWindow(MessageTarget* frame);
-
-/// A pointer in a message's word, and out of it.
-template <typename T>
-std::uintptr_t WordOf(const T* pointer) {
-    return reinterpret_cast<std::uintptr_t>(pointer);
-}
-template <typename T>
-T* PointerIn(std::uintptr_t word) {
-    return reinterpret_cast<T*>(word);
-}
 
 } // namespace thntfs

@@ -1,5 +1,7 @@
 #include "shell/ProcessLogList.h"
 
+#include "shell/WindowMessages.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
@@ -58,7 +60,7 @@ void CProcessLogList::SetUpHeader() {
 std::intptr_t CProcessLogList::OnMessage(std::uint32_t message, std::uintptr_t wParam,
                                          std::uintptr_t /*lParam*/) {
     if (message == WM_LOG_ADD) {
-        model_.Add(*PointerIn<const ProcessLogEntry>(wParam));
+        model_.Add(WM_LOG_ADD.First(wParam));
     }
     return 0;
 }

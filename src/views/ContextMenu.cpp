@@ -1,6 +1,6 @@
 #include "views/ContextMenu.h"
 
-#include "shell/MessageTarget.h"
+#include "shell/WindowMessages.h"
 
 #include <QMenu>
 #include <utility>
@@ -11,7 +11,7 @@ namespace {
 
 bool previewWindowOpen = false;
 
-std::uint32_t MessageOf(int command) {
+const WindowMessage<std::uint32_t>& MessageOf(int command) {
     switch (command) {
     case kCommandPreview:
         return WM_SHOW_PREVIEW;
@@ -44,7 +44,7 @@ void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& 
                          if (command == kCommandSave) {
                              save();
                          } else {
-                             SendWindowMessage(MainWindow(), MessageOf(command), entryId);
+                             MessageOf(command).Send(MainWindow(), entryId);
                          }
                      });
     QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);

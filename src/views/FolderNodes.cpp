@@ -3,6 +3,7 @@
 #include "catalogue/EntryWalk.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
+#include "shell/DesktopState.h"
 #include "views/ShownName.h"
 
 #include <algorithm>
@@ -60,12 +61,12 @@ private:
 
     void Add(const CatalogueItem& item, std::size_t depth) {
         above_.resize(depth + 1);
-        Engine.TotalBytes += item.Size;
+        Desktop.TotalBytes += item.Size;
         if (item.IsFolder()) {
-            ++Engine.TotalFolders;
+            ++Desktop.TotalFolders;
             AddFolder(item);
         } else {
-            ++Engine.TotalFiles;
+            ++Desktop.TotalFiles;
             FolderNode& parent = folders_.Nodes[above_.back()];
             ++parent.DirectFiles;
             parent.DirectBytes += item.Size;
@@ -96,9 +97,9 @@ std::u16string_view FolderNodes::Name(std::uint32_t place) const {
 }
 
 FolderNodes CollectFolders() {
-    Engine.TotalFiles = 0;
-    Engine.TotalFolders = 0;
-    Engine.TotalBytes = 0;
+    Desktop.TotalFiles = 0;
+    Desktop.TotalFolders = 0;
+    Desktop.TotalBytes = 0;
     Engine.ProgressTotal = CatalogueEntryCount();
     FolderNodes folders;
     Collector collector(folders);

@@ -1,6 +1,6 @@
 #include "views/FolderTreeModel.h"
 
-#include "engine/EngineState.h"
+#include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "views/ShownName.h"
 #include "views/TextOrder.h"
@@ -134,14 +134,14 @@ bool FolderTreeModel::AllChildrenAre(std::uint32_t place, FolderMark mark) const
 
 // The top is no folder of the volume: the totals leave it out too.
 void FolderTreeModel::SumMarks() const {
-    Engine.MarkedFiles = 0;
-    Engine.MarkedFolders = 0;
-    Engine.MarkedBytes = 0;
+    Desktop.MarkedFiles = 0;
+    Desktop.MarkedFolders = 0;
+    Desktop.MarkedBytes = 0;
     for (std::uint32_t place = 0; place < folders_.Nodes.size(); ++place) {
         if (marks_[place] == FolderMark::Checked) {
-            Engine.MarkedFolders += place == kTop ? 0 : 1;
-            Engine.MarkedFiles += folders_.Nodes[place].DirectFiles;
-            Engine.MarkedBytes += folders_.Nodes[place].DirectBytes;
+            Desktop.MarkedFolders += place == kTop ? 0 : 1;
+            Desktop.MarkedFiles += folders_.Nodes[place].DirectFiles;
+            Desktop.MarkedBytes += folders_.Nodes[place].DirectBytes;
         }
     }
 }

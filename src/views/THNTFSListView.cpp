@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueReader.h"
 #include "shell/DlgWait.h"
+#include "shell/WindowMessages.h"
 #include "views/ContextMenu.h"
 #include "views/DetailsView.h"
 #include "views/IconView.h"
@@ -104,7 +105,7 @@ void CTHNTFSListView::SetFoundEntry(std::uint32_t entryId) {
 std::intptr_t CTHNTFSListView::OnMessage(std::uint32_t message, std::uintptr_t wParam,
                                          std::uintptr_t /*lParam*/) {
     if (message == WM_LIST_SHOW_FOLDER) {
-        ShowFolder(static_cast<std::uint32_t>(wParam));
+        ShowFolder(WM_LIST_SHOW_FOLDER.First(wParam));
     }
     return 0;
 }
@@ -132,7 +133,7 @@ void CTHNTFSListView::ReadRows(std::uint32_t entryId) {
 
 void CTHNTFSListView::GoDown(std::uint32_t entryId) {
     ShowFolder(entryId);
-    SendWindowMessage(treeView_, WM_TREE_SELECT_CHILD, entryId);
+    WM_TREE_SELECT_CHILD.Send(treeView_, entryId);
 }
 
 void CTHNTFSListView::DoubleClicked(const QModelIndex& index) {
@@ -201,7 +202,7 @@ void CTHNTFSListView::SaveSelected() const {
     for (const int row : SelectedRows()) {
         Engine.MarkedEntries.push_back(model_->Row(row).EntryId);
     }
-    SendWindowMessage(MainWindow(), WM_SAVE_REQUEST);
+    WM_SAVE_REQUEST.Send(MainWindow(), 0);
 }
 
 } // namespace thntfs

@@ -1,6 +1,8 @@
 #include "views/THNTFSTreeView.h"
 
 #include "engine/EngineState.h"
+#include "shell/DesktopState.h"
+#include "shell/WindowMessages.h"
 #include "views/ContextMenu.h"
 #include "views/FolderDelegate.h"
 #include "views/FolderTreeModel.h"
@@ -45,7 +47,7 @@ void CTHNTFSTreeView::SetUpLook() {
 
 void CTHNTFSTreeView::FillTree() {
     FolderNodes folders = CollectFolders();
-    SendWindowMessage(this, WM_TREE_FILLED, WordOf(&folders));
+    WM_TREE_FILLED.Send(this, folders);
 }
 
 void CTHNTFSTreeView::Clear() {
@@ -64,7 +66,7 @@ bool CTHNTFSTreeView::CurrentHasParent() const {
 }
 
 void CTHNTFSTreeView::GoToParent() {
-    if (Engine.WaitDialog != nullptr || !CurrentHasParent()) {
+    if (Desktop.WaitDialog != nullptr || !CurrentHasParent()) {
         return;
     }
     const std::uint32_t parent = model_->Node(model_->Current()).Parent;
@@ -77,13 +79,13 @@ std::intptr_t CTHNTFSTreeView::OnMessage(std::uint32_t message, std::uintptr_t w
                                          std::uintptr_t /*lParam*/) {
     switch (message) {
     case WM_TREE_FILLED:
-        TakeFolders(*PointerIn<FolderNodes>(wParam));
+        TakeFolders(WM_TREE_FILLED.First(wParam));
         break;
     case WM_TREE_SELECT_CHILD:
-        SelectChild(static_cast<std::uint32_t>(wParam));
+        SelectChild(WM_TREE_SELECT_CHILD.First(wParam));
         break;
     case WM_TREE_SELECT_FOLDER:
-        SelectFolder(static_cast<std::uint32_t>(wParam));
+        SelectFolder(WM_TREE_SELECT_FOLDER.First(wParam));
         break;
     default:
         break;
@@ -96,7 +98,7 @@ void CTHNTFSTreeView::TakeFolders(FolderNodes& folders) {
     model_->SumMarks();
     Select(FolderTreeModel::kTop);
     ExpandWithParents(model_->IndexOf(FolderTreeModel::kTop));
-    SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 1, 0);
+    WM_UPDATE_TOTALS.Send(MainWindow(), Totals::All, 0);
     ShowInList(FolderTreeModel::kTop);
     if (listView_ != nullptr) {
         listView_->SortList(0, true, SortKind::Text);
@@ -143,7 +145,7 @@ void CTHNTFSTreeView::ExpandWithParents(QModelIndex index) {
 }
 
 void CTHNTFSTreeView::ShowInList(std::uint32_t place) {
-    SendWindowMessage(listView_, WM_LIST_SHOW_FOLDER, model_->Node(place).EntryId);
+    WM_LIST_SHOW_FOLDER.Send(listView_, model_->Node(place).EntryId);
 }
 
 void CTHNTFSTreeView::ChooseSelected() {
@@ -158,7 +160,7 @@ void CTHNTFSTreeView::ToggleMark(std::uint32_t place) {
     model_->ToggleMark(place);
     viewport()->update();
     model_->SumMarks();
-    SendWindowMessage(MainWindow(), WM_UPDATE_TOTALS, 2, 1);
+    WM_UPDATE_TOTALS.Send(MainWindow(), Totals::Marked, 1);
 }
 
 // A screen reader asks for no state that it isn't told about.
@@ -270,7 +272,7 @@ void CTHNTFSTreeView::OpenMenu(const QPoint& at) {
     const std::uint32_t entryId = CurrentEntry();
     OpenContextMenu(this, at, {}, entryId, [entryId] {
         Engine.MarkedEntries = {entryId};
-        SendWindowMessage(MainWindow(), WM_SAVE_REQUEST, entryId);
+        WM_SAVE_REQUEST.Send(MainWindow(), entryId);
     });
 }
 

@@ -5,6 +5,7 @@
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 #include "shell/PauseGate.h"
+#include "shell/WindowMessages.h"
 #include "wizard/RowTable.h"
 
 #include <QApplication>
@@ -36,7 +37,7 @@ void RunSearch(const SearchRequest& request, MessageTarget* dialog) {
     } catch (const std::exception& failure) {
         Host().ErrorBox(failure.what());
     }
-    SendWindowMessage(dialog, WM_SEARCH_FINISHED, ranOut);
+    WM_SEARCH_FINISHED.Send(dialog, ranOut != 0);
     Engine.ScanRunFlag = 0;
 }
 
@@ -84,7 +85,7 @@ void CLogicalDrivesFound::LayOut() {
 
 void CLogicalDrivesFound::Run() {
     SetFrameStatus(MethodText() + QStringLiteral(" scan in progress"));
-    SendWindowMessage(this, WM_START_PARTITION_SEARCH);
+    WM_START_PARTITION_SEARCH.Send(this);
     exec();
     // Where the whole program was told to end meanwhile, the worker still wants its messages handled.
     while (!over_) {
@@ -101,13 +102,13 @@ std::intptr_t CLogicalDrivesFound::OnMessage(std::uint32_t message, std::uintptr
         StartSearch();
         break;
     case WM_SEARCH_POSITION:
-        ShowPosition(static_cast<std::uint32_t>(wParam), static_cast<std::uint32_t>(lParam));
+        ShowPosition(WM_SEARCH_POSITION.First(wParam), WM_SEARCH_POSITION.Second(lParam));
         break;
     case WM_PARTITION_FOUND:
-        AddPartition(static_cast<std::uint32_t>(wParam));
+        AddPartition(WM_PARTITION_FOUND.First(wParam));
         break;
     case WM_SEARCH_FINISHED:
-        ranOut_ = wParam != 0;
+        ranOut_ = WM_SEARCH_FINISHED.First(wParam);
         if (!asking_) {
             EndSearch();
         }
@@ -166,7 +167,7 @@ void CLogicalDrivesFound::AskToAbort() {
 void CLogicalDrivesFound::EndSearch() {
     Engine.ScanRunFlag = 0;
     if (*ranOut_) {
-        SendWindowMessage(this, WM_SEARCH_POSITION, 1, 1);
+        WM_SEARCH_POSITION.Send(this, 1, 1);
     }
     ShowBox(EndText(), QStringLiteral("Information"), *ranOut_ ? BoxIcon::Information : BoxIcon::Stop);
     over_ = true;

@@ -4,8 +4,8 @@
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 #include "shell/Boxes.h"
-#include "shell/MessageTarget.h"
 #include "shell/WaitCursor.h"
+#include "shell/WindowMessages.h"
 #include "wizard/SearchForPartitions.h"
 
 namespace thntfs {
@@ -48,14 +48,14 @@ bool Search(const ChosenSource& source, QWidget* owner) {
 
 } // namespace
 
-bool GiveUpOldScan() { return SendWindowMessage(MainWindow(), WM_GIVE_UP_SCAN) == 0; }
+bool GiveUpOldScan() { return WM_GIVE_UP_SCAN.Send(MainWindow()) == 0; }
 
 bool CloseOldMedium() {
     if (!GiveUpOldScan()) {
         return false;
     }
     ResetEngineState();
-    SendWindowMessage(MainWindow(), WM_CLEAR_VIEWS);
+    WM_CLEAR_VIEWS.Send(MainWindow());
     return true;
 }
 

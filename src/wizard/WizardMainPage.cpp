@@ -1,6 +1,6 @@
 #include "wizard/WizardMainPage.h"
 
-#include "engine/EngineState.h"
+#include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "wizard/PageTexts.h"
 #include "wizard/WizardState.h"
@@ -84,7 +84,7 @@ QString CWizardMainPage::HelpTopic() const {
 void CWizardMainPage::OnSetActive() {
     State().ProcessingMode = 0;
     State().PagesFresh = true;
-    Engine.StructuresMissing = 0;
+    Desktop.StructuresMissing = false;
     ShowChosenTask();
 }
 

@@ -6,6 +6,7 @@
 #include "platform/system/SizeText.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
+#include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "shell/WaitCursor.h"
 #include "wizard/RowTable.h"
@@ -50,7 +51,7 @@ bool CanBeScanned() {
     if (!LocateTable()) {
         Warn(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
                             "Tools->Turbo Scan."));
-        Engine.StructuresMissing = 1;
+        Desktop.StructuresMissing = true;
         return false;
     }
     return true;
@@ -75,7 +76,7 @@ CWizardPartitionListPage::CWizardPartitionListPage(WizardState& state, WizardPag
 QString CWizardPartitionListPage::CloseCaption() const { return QStringLiteral("Volume Salvage (NTFS)"); }
 
 void CWizardPartitionListPage::OnSetActive() {
-    Engine.ProcessingMode = State().ProcessingMode;
+    Desktop.ProcessingMode = State().ProcessingMode;
     Fill();
     TakeSelection();
 }

@@ -1,8 +1,8 @@
 #include "wizard/WizardSheet.h"
 
 #include "dialogs/HelpViewer.h"
-#include "engine/EngineState.h"
 #include "shell/Boxes.h"
+#include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "shell/Settings.h"
 #include "wizard/WizardCloneDiskPage.h"
@@ -119,7 +119,7 @@ void CWizardSheet::OpenOnPartitionList(std::uint8_t processingMode) {
 
 void CWizardSheet::OpenOnImage(const QString& path) {
     state_.WizardTask = kTaskRecoverImage;
-    Engine.StructuresMissing = 0; // as the main page, which is passed over, does
+    Desktop.StructuresMissing = false; // as the main page, which is passed over, does
     imagePage_->ChooseImage(path);
     firstPage_ = kImageSelectionPage;
 }

@@ -2,6 +2,7 @@
 // lives and shows something or nothing.
 
 #include "FrameFixture.h"
+#include "shell/DesktopState.h"
 
 #include <QAbstractItemModel>
 #include <QTest>
@@ -66,7 +67,7 @@ TEST_F(DamagedScans, LeaveTheWindowAlive) {
         Frame->LoadTreeInfoFrom(QString::fromStdString(path));
         loaded += Frame->TreeView->IsEmpty() ? 0 : 1;
         LookAround();
-        EXPECT_EQ(Engine.WaitDialog, nullptr);
+        EXPECT_EQ(Desktop.WaitDialog, nullptr);
         EXPECT_TRUE(Frame->ActionOf(kCmdLoadTreeInfo)->isEnabled());
     }
     EXPECT_GT(loaded, kFiles / 4);

@@ -3,6 +3,7 @@
 #include "platform/media/Medium.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
+#include "shell/DesktopState.h"
 #include "shell/PauseGate.h"
 #include "support/BuildPaths.h"
 
@@ -48,8 +49,8 @@ FrameFixture::FrameFixture() {
     std::filesystem::create_directory(Folder / "catalogue");
     Engine.CatalogueFolder = Folder / "catalogue";
     ResetEngineState();
-    Engine.StructuresMissing = 0;
-    Engine.TurboScanUsed = 0;
+    Desktop.StructuresMissing = false;
+    Desktop.TurboScanUsed = false;
     Answers.Passed = QStringLiteral("Disk Opening Error"); // this machine's own
     Frame = std::make_unique<CMainFrame>();
     Frame->resize(1100, 750);

@@ -156,8 +156,8 @@ TEST_F(FrameLook, BackTabGoesRoundByTheLog) {
 
 TEST_F(FrameLook, NarrowWindowLeavesRoomForTheProgressBar) {
     Frame->resize(800, 600);
-    SendWindowMessage(Frame.get(), WM_UPDATE_TOTALS, 1);
-    SendWindowMessage(Frame.get(), WM_UPDATE_TOTALS, 2, 1);
+    WM_UPDATE_TOTALS.Send(Frame.get(), Totals::All, 0);
+    WM_UPDATE_TOTALS.Send(Frame.get(), Totals::Marked, 1);
     CProgressBar bar(Frame->Panes[0], QStringLiteral("Populating  :100%"), 100, 100);
     RunEvents();
     EXPECT_EQ(Frame->width(), 800);

@@ -1,6 +1,7 @@
 // Scans as jobs: their states, lines and boxes, the user's pause and stop, and what goes wrong on the way.
 
 #include "FrameFixture.h"
+#include "shell/DesktopState.h"
 #include "shell/PauseGate.h"
 #include "support/EnvironmentVariable.h"
 #include "support/FailingFileStore.h"
@@ -126,14 +127,14 @@ TEST_F(ScanJobs, AStoppedScanShowsWhatItFound) {
 
 TEST_F(ScanJobs, AStoppedTurboScanSaysSo) {
     Load();
-    Engine.StructuresMissing = 1;
+    Desktop.StructuresMissing = true;
     AskForStopAtRead(1);
     Answers.Answer(QMessageBox::Yes);
     PressKey(Qt::Key_T, Qt::ControlModifier);
     ASSERT_TRUE(WaitForIdle());
     EXPECT_EQ(BoxText(1), "Turbo Scan aborted");
     EXPECT_EQ(LogRows().back(), "Aborted turbo scan of logical drive 4" + kRule + " | 1");
-    EXPECT_EQ(Engine.StructuresMissing, 0U);
+    EXPECT_FALSE(Desktop.StructuresMissing);
 }
 
 TEST_F(ScanJobs, AFolderThatCannotBeWrittenEndsInIdle) {

@@ -2,6 +2,7 @@
 
 #include "FrameFixture.h"
 #include "shell/DesktopHost.h"
+#include "shell/DesktopState.h"
 #include "support/BuildPaths.h"
 #include "support/LoopDevice.h"
 #include "support/desktop/ModalSteps.h"
@@ -179,7 +180,7 @@ TEST_F(WholeRoad, MissingStructuresAndThenTurboScan) {
         Press(sheet, "Cancel");
     });
     RunWizard();
-    EXPECT_EQ(Engine.StructuresMissing, 1U);
+    EXPECT_TRUE(Desktop.StructuresMissing);
     EXPECT_TRUE(Frame->TreeView->IsEmpty());
 
     PressKey(Qt::Key_T, Qt::ControlModifier);

@@ -1,5 +1,5 @@
-#include "engine/EngineState.h"
 #include "shell/ColorLabel.h"
+#include "shell/DesktopState.h"
 #include "shell/DlgWait.h"
 #include "shell/ProgressBar.h"
 #include "shell/ShellFixture.h"
@@ -70,10 +70,10 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
     owner.show();
     RunEvents();
     TestTarget target;
-    EXPECT_EQ(Engine.WaitDialog, nullptr);
+    EXPECT_EQ(Desktop.WaitDialog, nullptr);
     {
         CDlgWait wait(&owner);
-        EXPECT_EQ(Engine.WaitDialog, &wait);
+        EXPECT_EQ(Desktop.WaitDialog, &wait);
         wait.Waiting();
         EXPECT_FALSE(wait.isVisible());
 
@@ -95,7 +95,7 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
         EXPECT_TRUE(target.Numbers.empty());
         EXPECT_FALSE(timerRan);
     }
-    EXPECT_EQ(Engine.WaitDialog, nullptr);
+    EXPECT_EQ(Desktop.WaitDialog, nullptr);
     RunEvents();
 }
 

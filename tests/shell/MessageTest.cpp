@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint32_t kFirst = WM_APP + 1;
 constexpr std::uint32_t kSecond = WM_APP + 2;
 constexpr std::uint32_t kThird = WM_APP + 3;
+constexpr WindowMessage<std::size_t, std::string&> kGreeting{kFirst};
 
 TEST(MessageTest, SendsOfManyWorkersRunOneAtATimeAndGiveTheirResults) {
     constexpr std::uintptr_t kSends = 300;
@@ -21,7 +22,7 @@ TEST(MessageTest, SendsOfManyWorkersRunOneAtATimeAndGiveTheirResults) {
     bool inside = false;
     int faults = 0;
     target.Handle = [&](std::uint32_t, std::uintptr_t worker, std::uintptr_t word) {
-        auto& text = *PointerIn<std::string>(word);
+        auto& text = kGreeting.Second(word);
         faults += static_cast<int>(!OnInterfaceThread() || std::exchange(inside, true));
         faults += static_cast<int>(text != std::to_string(seen[worker]++));
         text += " handled";
@@ -33,7 +34,7 @@ TEST(MessageTest, SendsOfManyWorkersRunOneAtATimeAndGiveTheirResults) {
         for (std::uintptr_t i = 0; i < kSends; ++i) {
             std::string text = std::to_string(i);
             const std::string expected = text + " handled";
-            const auto result = SendWindowMessage(&target, kFirst, worker, WordOf(&text));
+            const auto result = kGreeting.Send(&target, worker, text);
             wrongReplies += static_cast<int>(text != expected || result != std::ssize(expected));
         }
     };

@@ -29,7 +29,7 @@ protected:
     void Send(const std::string& name, const std::string& description = {},
               std::uint8_t status = kLogInProgress) {
         const ProcessLogEntry entry{name, description, "a time of the sender's", status};
-        SendWindowMessage(&List, WM_LOG_ADD, WordOf(&entry));
+        WM_LOG_ADD.Send(&List, entry);
     }
 
     bool AllShown() {

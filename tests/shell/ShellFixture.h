@@ -1,7 +1,7 @@
 #pragma once
 
-#include "shell/MessageTarget.h"
 #include "shell/PauseGate.h"
+#include "shell/WindowMessages.h"
 #include "support/desktop/BoxAnswers.h"
 
 #include <algorithm>

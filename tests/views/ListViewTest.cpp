@@ -1,4 +1,5 @@
 #include "platform/files/PagedFile.h"
+#include "shell/DesktopState.h"
 #include "shell/DlgWait.h"
 #include "views/ViewsFixture.h"
 
@@ -31,8 +32,8 @@ protected:
         boxId = box.EntryId;
         maker.Finish();
         Fill();
-        SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, kRootId);
-        SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+        WM_TREE_SELECT_FOLDER.Send(Tree, kRootId);
+        WM_LIST_SHOW_FOLDER.Send(List, kRootId);
         RunEvents();
     }
     ~ListViewTest() override { CloseMenu(); }
@@ -102,7 +103,7 @@ TEST_F(ListViewTest, IconViewsGiveEachNameItsCellAndSpeak) {
     maker.Finish();
     for (const std::uint32_t mode : {60000U, 60001U, 60002U}) {
         List->SetViewMode(mode);
-        SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+        WM_LIST_SHOW_FOLDER.Send(List, kRootId);
         RunEvents();
         for (int row = 0; row < 2; ++row) {
             const auto* view = static_cast<QListView*>(Rows());
@@ -124,20 +125,20 @@ TEST_F(ListViewTest, EntriesOfOneFolderComeOnceAndBrokenOnesNotAtAll) {
     AddChild(maker.Root(), file);
     AddChild(maker.Root(), 0x7FFFFFFF);
     maker.Finish();
-    SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+    WM_LIST_SHOW_FOLDER.Send(List, kRootId);
     EXPECT_EQ(Names(), QStringLiteral("once"));
     CloseCatalogue();
-    SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+    WM_LIST_SHOW_FOLDER.Send(List, kRootId);
     EXPECT_TRUE(List->IsEmpty());
-    EXPECT_EQ(Engine.WaitDialog, nullptr);
+    EXPECT_EQ(Desktop.WaitDialog, nullptr);
     EXPECT_EQ(Reports.Boxes.size(), 1U);
 }
 
 TEST_F(ListViewTest, UnreadableChainLeavesTheListEmptyAndTheProgramIdle) {
     Engine.TreeFile.reset();
-    SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+    WM_LIST_SHOW_FOLDER.Send(List, kRootId);
     EXPECT_TRUE(List->IsEmpty());
-    EXPECT_EQ(Engine.WaitDialog, nullptr);
+    EXPECT_EQ(Desktop.WaitDialog, nullptr);
     EXPECT_EQ(Reports.Boxes.size(), 1U);
 }
 
@@ -153,7 +154,7 @@ TEST_F(ListViewTest, HeaderSortsByTheKindOfItsColumnAndTurnsAtASecondClick) {
     };
     const auto* header = static_cast<QTreeView*>(Rows())->header();
     for (const auto& [column, order] : orders) {
-        SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+        WM_LIST_SHOW_FOLDER.Send(List, kRootId);
         ClickHeader(column);
         EXPECT_EQ(Names(), order) << "column " << column;
         EXPECT_EQ(header->sortIndicatorSection(), column);
@@ -164,7 +165,7 @@ TEST_F(ListViewTest, HeaderSortsByTheKindOfItsColumnAndTurnsAtASecondClick) {
     ClickHeader(3); // another column keeps the header's direction
     EXPECT_EQ(Cell(0, 0), QStringLiteral("Alpha.tmp"));
 
-    SendWindowMessage(List, WM_LIST_SHOW_FOLDER, kRootId);
+    WM_LIST_SHOW_FOLDER.Send(List, kRootId);
     EXPECT_EQ(Names(), QStringLiteral("music box report.doc Alpha.tmp"));
     EXPECT_EQ(header->sortIndicatorSection(), 3);
     List->Clear();

@@ -65,7 +65,7 @@ protected:
         maker.Finish();
         Fill();
         Tree->expandAll();
-        SendWindowMessage(List, WM_LIST_SHOW_FOLDER, 1);
+        WM_LIST_SHOW_FOLDER.Send(List, 1);
         RunEvents();
     }
     ~LookTest() override { QApplication::setPalette(usual_); }
@@ -95,7 +95,7 @@ private:
 TEST_F(LookTest, FixedColoursHoldAndAllTextIsLegibleOnLightAndDarkPalettes) {
     const QModelIndex folder = Item({QStringLiteral(" Root")});
     const QModelIndex current = Item({QStringLiteral(" Root"), QStringLiteral("LLLLLL")});
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, folderId);
+    WM_TREE_SELECT_FOLDER.Send(Tree, folderId);
     for (const QPalette& palette :
          {PaletteOn({239, 239, 239}, Qt::white), PaletteOn({45, 45, 48}, {30, 30, 30})}) {
         UsePalette(palette);
@@ -136,7 +136,7 @@ TEST_F(LookTest, FoundRowStandsOutUntilFindEnds) {
     EXPECT_GT(qRed(found.Text), 240);
     EXPECT_LT(qGreen(found.Text), 60);
     EXPECT_EQ(RowPainted(4).Ground, qRgb(232, 232, 244));
-    SendWindowMessage(List, WM_LIST_SHOW_FOLDER, 1);
+    WM_LIST_SHOW_FOLDER.Send(List, 1);
     RunEvents();
     EXPECT_EQ(RowPainted(2).Ground, qRgb(251, 248, 191));
     List->SetFoundEntry(0xFFFFFFFF);

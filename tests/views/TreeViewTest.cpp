@@ -1,3 +1,4 @@
+#include "shell/DesktopState.h"
 #include "shell/DlgWait.h"
 #include "views/ViewsFixture.h"
 
@@ -75,9 +76,9 @@ TEST_F(TreeViewTest, FillShowsAllFoldersSortedAndTheTopInTheList) {
               QStringList({QStringLiteral("docs"), QStringLiteral("gone"), QStringLiteral("Photos")}));
     EXPECT_EQ(ChildNames(Docs()), QStringList({QStringLiteral("Bills"), QStringLiteral("letters")}));
     EXPECT_EQ(Frame.Messages, (std::vector<Message>{{WM_UPDATE_TOTALS, 1, 0}}));
-    EXPECT_EQ(Engine.TotalFiles, 4U);
-    EXPECT_EQ(Engine.TotalFolders, 6U);
-    EXPECT_EQ(Engine.TotalBytes, 5123U);
+    EXPECT_EQ(Desktop.TotalFiles, 4U);
+    EXPECT_EQ(Desktop.TotalFolders, 6U);
+    EXPECT_EQ(Desktop.TotalBytes, 5123U);
     EXPECT_EQ(Reports.Progress.front(), TestHost::Pair(2, 11));
     EXPECT_EQ(Reports.Progress.back(), TestHost::Pair(8, 11));
     EXPECT_GT(Reports.Gates, 0U);
@@ -94,8 +95,8 @@ TEST_F(TreeViewTest, ClearEmptiesItAndNothingIsCurrent) {
     EXPECT_FALSE(Tree->CurrentHasParent());
     EXPECT_EQ(Tree->CurrentEntry(), 0U);
     Tree->GoToParent();
-    SendWindowMessage(Tree, WM_TREE_SELECT_CHILD, docsId);
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, docsId);
+    WM_TREE_SELECT_CHILD.Send(Tree, docsId);
+    WM_TREE_SELECT_FOLDER.Send(Tree, docsId);
     QTest::keyClick(Tree, Qt::Key_Return);
     EXPECT_TRUE(Tree->IsEmpty());
 }
@@ -105,7 +106,7 @@ TEST_F(TreeViewTest, CatalogueThatIsMissingOrCannotBeReadShowsItsTop) {
     Tree->FillTree();
     EXPECT_EQ(ChildNames(Item({})), QStringList());
     EXPECT_FALSE(Reports.Boxes.empty());
-    EXPECT_EQ(Engine.TotalFolders, 0U);
+    EXPECT_EQ(Desktop.TotalFolders, 0U);
 }
 
 TEST_F(TreeViewTest, ClickOnIconOrNameChoosesAndElsewhereDoesNothing) {
@@ -145,13 +146,13 @@ TEST_F(TreeViewTest, ReturnMovesToTheSelectionWhichTheArrowKeysAloneDoNot) {
 }
 
 TEST_F(TreeViewTest, FollowsTheListFindAndTheWayUp) {
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, docsId);
+    WM_TREE_SELECT_FOLDER.Send(Tree, docsId);
     Tree->collapseAll();
-    SendWindowMessage(Tree, WM_TREE_SELECT_CHILD, lettersId);
+    WM_TREE_SELECT_CHILD.Send(Tree, lettersId);
     ExpectCurrent(Letters(), lettersId);
     EXPECT_TRUE(Tree->isExpanded(Docs()) && Tree->isExpanded(Item({root})));
 
-    SendWindowMessage(Tree, WM_TREE_SELECT_CHILD, photosId);
+    WM_TREE_SELECT_CHILD.Send(Tree, photosId);
     EXPECT_EQ(Tree->CurrentEntry(), lettersId);
     EXPECT_FALSE(IsBold(Letters()));
 
@@ -163,9 +164,9 @@ TEST_F(TreeViewTest, FollowsTheListFindAndTheWayUp) {
     EXPECT_FALSE(Tree->CurrentHasParent());
     ExpectCurrent(Item({}), 0);
 
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, photosId);
+    WM_TREE_SELECT_FOLDER.Send(Tree, photosId);
     ExpectCurrent(Photos(), photosId);
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, 4711);
+    WM_TREE_SELECT_FOLDER.Send(Tree, 4711);
     ExpectCurrent(Photos(), photosId);
 }
 
@@ -176,29 +177,29 @@ TEST_F(TreeViewTest, MarksSpreadDownAndUpAndAreSummedUp) {
     EXPECT_EQ(MarkOf(Docs()), Qt::PartiallyChecked);
     EXPECT_EQ(MarkOf(Item({})), Qt::PartiallyChecked);
     EXPECT_EQ(Frame.Messages, (std::vector<Message>{{WM_UPDATE_TOTALS, 2, 1}}));
-    EXPECT_EQ(Engine.MarkedFolders, 1U);
-    EXPECT_EQ(Engine.MarkedFiles, 2U);
-    EXPECT_EQ(Engine.MarkedBytes, 120U);
+    EXPECT_EQ(Desktop.MarkedFolders, 1U);
+    EXPECT_EQ(Desktop.MarkedFiles, 2U);
+    EXPECT_EQ(Desktop.MarkedBytes, 120U);
 
     ClickTree(OnMark(Bills()));
     EXPECT_EQ(MarkOf(Docs()), Qt::Checked);
-    EXPECT_EQ(Engine.MarkedBytes, 123U);
+    EXPECT_EQ(Desktop.MarkedBytes, 123U);
     ClickTree(OnMark(Bills()));
     ClickTree(OnMark(Docs())); // partly checked: clears it and what is below
     EXPECT_EQ(MarkOf(Letters()), Qt::Unchecked);
     EXPECT_EQ(MarkOf(Item({})), Qt::Unchecked);
-    EXPECT_EQ(Engine.MarkedFolders, 0U);
+    EXPECT_EQ(Desktop.MarkedFolders, 0U);
 
     ClickTree(OnMark(Item({})));
     EXPECT_EQ(MarkOf(Letters()), Qt::Checked);
-    EXPECT_EQ(Engine.MarkedFolders, Engine.TotalFolders);
-    EXPECT_EQ(Engine.MarkedFiles, Engine.TotalFiles);
-    EXPECT_EQ(Engine.MarkedBytes, Engine.TotalBytes);
+    EXPECT_EQ(Desktop.MarkedFolders, Desktop.TotalFolders);
+    EXPECT_EQ(Desktop.MarkedFiles, Desktop.TotalFiles);
+    EXPECT_EQ(Desktop.MarkedBytes, Desktop.TotalBytes);
     EXPECT_EQ(Tree->CurrentEntry(), 0U);
 
     Fill();
     EXPECT_EQ(MarkOf(Item({})), Qt::Unchecked);
-    EXPECT_EQ(Engine.MarkedFiles, 0U);
+    EXPECT_EQ(Desktop.MarkedFiles, 0U);
 }
 
 TEST_F(TreeViewTest, SpeaksOfWhatIsOnlySeenAndSpaceSetsMarks) {
@@ -211,7 +212,7 @@ TEST_F(TreeViewTest, SpeaksOfWhatIsOnlySeenAndSpaceSetsMarks) {
     EXPECT_EQ(spoken(Item({root, QStringLiteral("gone")})), QStringLiteral("gone, deleted"));
     EXPECT_EQ(spoken(Letters()), QStringLiteral("letters"));
     QTest::keyClick(Tree, Qt::Key_Space);
-    EXPECT_EQ(Engine.MarkedFiles, 2U);
+    EXPECT_EQ(Desktop.MarkedFiles, 2U);
     EXPECT_TRUE(tree->focusChild()->state().checkable);
     EXPECT_TRUE(tree->focusChild()->state().checked);
     EXPECT_EQ(spoken(Docs()), QStringLiteral("docs, partly marked"));
@@ -276,7 +277,7 @@ TEST_F(TreeViewTest, BusyProgramTakesNoOrders) {
     }
     EXPECT_TRUE(Frame.Messages.empty());
 
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, docsId);
+    WM_TREE_SELECT_FOLDER.Send(Tree, docsId);
     const CDlgWait wait(&Window);
     Tree->GoToParent();
     EXPECT_EQ(Tree->CurrentEntry(), docsId);
@@ -298,10 +299,10 @@ TEST_F(OddTreeTest, FoldersThatHoldEachOtherEndTheWalk) {
     const QModelIndex last =
         Item({QStringLiteral(" Root"), QStringLiteral("outer"), QStringLiteral("inner")});
     EXPECT_EQ(ChildNames(last), QStringList());
-    EXPECT_EQ(Engine.TotalFolders, 3U);
+    EXPECT_EQ(Desktop.TotalFolders, 3U);
     Tree->expandAll();
     ClickTree(OnMark(last));
-    EXPECT_EQ(Engine.MarkedFolders, 3U);
+    EXPECT_EQ(Desktop.MarkedFolders, 3U);
 }
 
 TEST_F(OddTreeTest, DeepestFolderCanBeShown) {
@@ -313,9 +314,9 @@ TEST_F(OddTreeTest, DeepestFolderCanBeShown) {
     }
     maker.Finish();
     Fill();
-    const std::uint32_t deepest = Engine.TotalFolders; // the ids follow each other
+    const std::uint32_t deepest = Desktop.TotalFolders; // the ids follow each other
     EXPECT_GT(deepest, 16000U);
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, deepest);
+    WM_TREE_SELECT_FOLDER.Send(Tree, deepest);
     RunEvents();
     EXPECT_EQ(Tree->CurrentEntry(), deepest);
     Tree->grab();
@@ -350,7 +351,7 @@ TEST_F(OddTreeTest, NamesStayOneLineOfText) {
     Fill();
     const QString name = QString::fromUtf8("a\u240Ab\u2409c\u2424d\u2424e\u2421\uFFFD");
     ASSERT_EQ(ChildNames(Item({QStringLiteral(" Root")})), QStringList{name});
-    SendWindowMessage(Tree, WM_TREE_SELECT_FOLDER, oddId);
+    WM_TREE_SELECT_FOLDER.Send(Tree, oddId);
     RunEvents();
     ClickTree(OnName(Tree->currentIndex()));
     EXPECT_EQ(Cell(0, 0), QString::fromUtf8("x\uFFFDy"));

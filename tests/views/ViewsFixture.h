@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/CatalogueFixture.h"
+#include "shell/WindowMessages.h"
 #include "support/desktop/BoxAnswers.h"
 #include "views/ContextMenu.h"
 #include "views/THNTFSListView.h"

@@ -3,6 +3,7 @@
 #include "partitions/OpenSource.h"
 #include "platform/media/Medium.h"
 #include "shell/PauseGate.h"
+#include "shell/WindowMessages.h"
 #include "support/FaultyMedium.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"

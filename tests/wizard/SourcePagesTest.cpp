@@ -1,6 +1,7 @@
 #include "WizardFixture.h"
 #include "engine/EngineState.h"
 #include "platform/media/Medium.h"
+#include "shell/DesktopState.h"
 #include "support/FaultyMedium.h"
 #include "support/LoopDevice.h"
 #include "support/VolumeBuilderMedium.h"
@@ -92,9 +93,9 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
     disk[63 * 512] = 0; // of the first boot sector
     Texts rows = kLogicalRows;
     rows[0] = "Logical drive 1: no NTFS boot sector stands there | 63 |   6.000 MB";
-    Engine.StructuresMissing = 1;
+    Desktop.StructuresMissing = true;
     Sheet->OpenOnImage(Write("image", disk));
-    EXPECT_EQ(Engine.StructuresMissing, 0U);
+    EXPECT_FALSE(Desktop.StructuresMissing);
     const int result = RunWith([&] {
         EXPECT_EQ(Buttons(), "< Back Next >");
         Press("Next >");
@@ -107,9 +108,9 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
         EXPECT_EQ(Heading(), "Select image to recover data");
         EXPECT_EQ(Buttons(), "< Back Next >");
         Press("Search for lost partition(s)");
-        Engine.StructuresMissing = 1;
+        Desktop.StructuresMissing = true;
         Press("< Back");
-        EXPECT_EQ(Engine.StructuresMissing, 0U);
+        EXPECT_FALSE(Desktop.StructuresMissing);
         EXPECT_EQ(Buttons(), "(< Back) Next >");
         EXPECT_EQ(Sheet->State().ProcessingMode, 0);
         Press("Next >");
@@ -170,7 +171,7 @@ TEST_F(SourcePagesTest, WhatCannotBeScannedIsRefused) {
         Press("Finish");
         EXPECT_EQ(Heading(), "Select the partition to recover");
         EXPECT_EQ(Buttons(), "< Back Finish");
-        EXPECT_EQ(Engine.StructuresMissing, 1U);
+        EXPECT_TRUE(Desktop.StructuresMissing);
         Answers.Answer(QMessageBox::Yes);
         Press("Cancel");
     });
@@ -205,7 +206,7 @@ TEST_F(SourcePagesTest, ListAloneOffersNoWayBack) {
         ClickRow(0);
         EXPECT_EQ(Buttons(), "(< Back) (Finish)");
     });
-    EXPECT_EQ(Engine.ProcessingMode, 1);
+    EXPECT_EQ(Desktop.ProcessingMode, 1);
     for (std::uint64_t i = 0; i < 12; ++i) {
         PartitionCandidate candidate;
         candidate.StartSector = 0x100000000 + i; // the list shows the low 32 bits

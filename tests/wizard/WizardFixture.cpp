@@ -1,6 +1,8 @@
 #include "WizardFixture.h"
 
 #include "engine/EngineState.h"
+#include "shell/DesktopState.h"
+#include "shell/WindowMessages.h"
 #include "support/BuildPaths.h"
 #include "wizard/InfoListBox.h"
 
@@ -32,7 +34,7 @@ QString VolumePath(const char* name) {
 WizardTest::WizardTest() {
     SetMainWindow(this);
     ResetEngineState();
-    Engine.StructuresMissing = 0;
+    Desktop.StructuresMissing = false;
     MakeSheet();
 }
 
@@ -46,7 +48,7 @@ std::intptr_t WizardTest::OnMessage(std::uint32_t message, std::uintptr_t wParam
     if (message == WM_CLEAR_VIEWS) {
         Arrived.emplace_back("clear views");
     } else if (message == WM_LOG_EVENT) {
-        const auto& entry = *PointerIn<const ProcessLogEntry>(wParam);
+        const auto& entry = WM_LOG_EVENT.First(wParam);
         Arrived.push_back(std::to_string(entry.Status) + " " + entry.Name + " | " + entry.Description);
     }
     return message == WM_GIVE_UP_SCAN && KeepsOldScan ? 1 : 0;
