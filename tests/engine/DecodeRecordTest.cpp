@@ -14,9 +14,9 @@ protected:
     /// A live file's record with standard information.
     RecordBuilder File() { return Volume.NewRecord(40).AddStandardInformation(); }
 
-    int Decode(const RecordBuilder& record) {
+    bool Decode(const RecordBuilder& record) {
         ByteVector bytes = record.Finish();
-        EXPECT_EQ(CheckFileRecord(bytes, Volume.Geometry().RecordBytes, 512), 1);
+        EXPECT_TRUE(CheckFileRecord(bytes, Volume.Geometry().RecordBytes, 512));
         Entry = DecodedEntry();
         return DecodeFileRecord(bytes, Entry);
     }
@@ -49,7 +49,7 @@ TEST_F(DecodeRecordTest, TheLastNameThatIsNotInDosFormCounts) {
         for (const FileNameValue& name : test.Names) {
             record.AddFileName(name);
         }
-        EXPECT_EQ(Decode(record), test.Parent != 0 ? 1 : 0) << "without a parent and a number it is dropped";
+        EXPECT_EQ(Decode(record), test.Parent != 0) << "without a parent and a number it is dropped";
         EXPECT_EQ(Entry.Name(), test.Expected);
         EXPECT_EQ(Entry.ParentNumber, test.Parent);
     }
@@ -98,6 +98,8 @@ TEST_F(DecodeRecordTest, SizeComesFromTheFirstUnnamedData) {
     };
     RecordBuilder halfNamed = named().AddData(value, u"s");
     halfNamed.Poke16(halfNamed.LastAttributeOffset() + 10, 0); // a name length, but no place
+    RecordBuilder behindUsed = named().AddData(value);
+    behindUsed.Poke32(24, static_cast<std::uint32_t>(behindUsed.LastAttributeOffset()));
     const Case cases[] = {
         {"none", named(), 0},
         {"resident", named().AddData(value), 5},
@@ -105,12 +107,13 @@ TEST_F(DecodeRecordTest, SizeComesFromTheFirstUnnamedData) {
         {"behind a stream", named().AddData(BytesOf("123"), u"s").AddData(value), 5},
         {"two", named().AddData(value).AddData(BytesOf("123")), 5},
         {"half named", halfNamed, 5},
+        {"behind the used bytes", behindUsed, 0},
         {"in clusters", named().AddData({.Runs = {{2, 100}}, .RealSize = 4097}), 4097},
         {"above 4 GiB", named().AddData({.Runs = {{9, 100}}, .RealSize = 0x123456789A}), 0x123456789A},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.Name);
-        EXPECT_EQ(Decode(test.Record), 1);
+        EXPECT_TRUE(Decode(test.Record));
         EXPECT_EQ(Entry.Size, test.Size);
     }
 }
@@ -118,11 +121,11 @@ TEST_F(DecodeRecordTest, SizeComesFromTheFirstUnnamedData) {
 TEST_F(DecodeRecordTest, MetafilesAreDroppedByNameInAnyFolder) {
     for (const char16_t* name : {u"$MFT", u"$MFTMirr", u"$LogFile", u"$Volume", u"$AttrDef", u".", u"$Bitmap",
                                  u"$Boot", u"$BadClus", u"$Secure", u"$UpCase"}) {
-        EXPECT_EQ(Decode(File().AddFileName(NameIn(77, name))), 0);
+        EXPECT_FALSE(Decode(File().AddFileName(NameIn(77, name))));
         EXPECT_EQ(Entry.NameLength, 0);
     }
     for (const char16_t* name : {u"$mft", u"$MFT1", u"$Boo", u"..", u"$Extend", u"$Quota", u"$"}) {
-        EXPECT_EQ(Decode(File().AddFileName(NameIn(77, name))), 1);
+        EXPECT_TRUE(Decode(File().AddFileName(NameIn(77, name))));
         EXPECT_EQ(Entry.Name(), name);
     }
 }
@@ -136,15 +139,15 @@ TEST_F(DecodeRecordTest, AFolderLearnsItsNumberFromItsIndex) {
             .AddFileName(NameIn(parent, u"folder"))
             .AddIndexRoot(entries);
     };
-    EXPECT_EQ(Decode(folder(5, one)), 1);
+    EXPECT_TRUE(Decode(folder(5, one)));
     EXPECT_EQ(Entry.RecordNumber, 41U);
-    EXPECT_EQ(Decode(folder(5, {})), 1);
+    EXPECT_TRUE(Decode(folder(5, {})));
     EXPECT_EQ(Entry.RecordNumber, 0U) << "an index without a key tells nothing";
-    EXPECT_EQ(Decode(folder(41, one)), 0) << "a folder in itself is the root";
-    EXPECT_EQ(Decode(folder(0, {})), 0);
+    EXPECT_FALSE(Decode(folder(41, one))) << "a folder in itself is the root";
+    EXPECT_FALSE(Decode(folder(0, {})));
 
     const std::size_t value = folder(5, one).LastAttributeOffset() + 32; // behind the header and "$I30"
-    EXPECT_EQ(Decode(folder(5, one).Poke8(value, 0x31)), 1);
+    EXPECT_TRUE(Decode(folder(5, one).Poke8(value, 0x31)));
     EXPECT_EQ(Entry.RecordNumber, 0U) << "not an index over names";
     Decode(folder(5, one).Poke32(value + 24, 8));
     EXPECT_EQ(Entry.RecordNumber, 0U) << "allocated isn't used";
@@ -154,7 +157,7 @@ TEST_F(DecodeRecordTest, AFolderLearnsItsNumberFromItsIndex) {
     EXPECT_EQ(Entry.RecordNumber, 41U);
 
     RecordBuilder dosOnly = Volume.NewRecord(41).SetFolder(true).AddStandardInformation();
-    EXPECT_EQ(Decode(dosOnly.AddFileName(NameIn(7, u"SHORT", 2)).AddIndexRoot(one)), 1);
+    EXPECT_TRUE(Decode(dosOnly.AddFileName(NameIn(7, u"SHORT", 2)).AddIndexRoot(one)));
     EXPECT_EQ(Entry.NameLength, 0);
 }
 
@@ -165,74 +168,55 @@ TEST_F(DecodeRecordTest, TheWalkEndsAtDataAndAtTheIndexRoot) {
     EXPECT_EQ(Entry.Size, 0U);
 }
 
-struct ListCase {
-    const char* Name;
-    std::vector<ListEntry> List;
-    std::u16string Expected;
-    std::uint64_t Size;
-};
-
 TEST_F(DecodeRecordTest, AttributeListsLeadToExtensionRecords) {
-    Volume.PlaceRecord(Volume.NewRecord(50).SetBase(40).AddFileName(NameIn(9, u"Win32 name")));
-    Volume.PlaceRecord(Volume.NewRecord(51)
-                           .SetBase(40)
-                           .AddFileName(NameIn(9, u"Win32 name"))
-                           .AddFileName(NameIn(8, u"DOS", 2))
-                           .AddData({.Runs = {{4, 200}}, .RealSize = 0x100000001}));
-    Volume.PlaceRecord(
-        Volume.NewRecord(52).SetBase(40).AddData(BytesOf("123"), u"named").AddData(BytesOf("1")));
-    Volume.PlaceRecord(Volume.NewRecord(53)
-                           .SetBase(40)
-                           .AddResident(0x40, ByteVector(8))
-                           .AddData({.Runs = {{4, 200}}, .FirstVcn = 4}));
-    Volume.PlaceRecord(
-        Volume.NewRecord(54).SetBase(40).AddResident(0x40, ByteVector(8)).AddData(ByteVector{}));
-    Volume.PlaceRecord(55, ByteVector(1024));
-    Volume.PlaceRecord(Volume.NewRecord(56)
-                           .SetBase(40)
-                           .AddResident(0x40, ByteVector(8))
-                           .AddData({.Runs = {{4, 200}}, .LastVcn = ~0ULL}));
-    const ListCase cases[] = {
-        {"name and size", {{kFileName, 50}, {kData, 51}}, u"Win32 name", 0x100000001},
-        {"the last of a record's names, of whatever form",
-         {{kFileName, 51}, {kData, 51}},
-         u"DOS",
-         0x100000001},
-        {"the first data of the record, named or not", {{kFileName, 50}, {kData, 52}}, u"Win32 name", 3},
-        {"a later piece isn't followed", {{kFileName, 50}, {kData, 51, 4}, {kData, 52}}, u"Win32 name", 3},
-        {"nor is a stream",
-         {{kFileName, 50}, {kData, 52, 0, 0, u"s"}, {kData, 51}},
-         u"Win32 name",
-         0x100000001},
-        {"nor what stands behind the data",
-         {{kFileName, 50}, {kData, 52}, {kFileName, 51}},
-         u"Win32 name",
-         3},
-        {"a type above data ends", {{kFileName, 50}, {kIndexRoot, 1}, {kData, 52}}, u"Win32 name", 0},
-        {"types below are passed",
-         {{kStandardInformation, 40}, {0x50, 3}, {kFileName, 50}},
-         u"Win32 name",
-         0},
-        {"a piece that isn't the first", {{kFileName, 50}, {kData, 53}}, u"Win32 name", 0},
-        {"an empty piece", {{kFileName, 50}, {kData, 54}}, u"Win32 name", 0},
-        {"a piece without an end", {{kFileName, 50}, {kData, 56}}, u"Win32 name", 0},
-        {"a lost size record", {{kFileName, 50}, {kData, 55}}, u"Win32 name", 0},
-        {"a number no extent holds", {{kFileName, 50}, {kData, 5000}}, u"Win32 name", 0},
+    const auto extension = [this](std::uint32_t number) { return Volume.NewRecord(number).SetBase(40); };
+    const auto unnamed = [&](std::uint32_t number) {
+        return extension(number).AddResident(0x40, ByteVector(8));
     };
-    for (const ListCase& test : cases) {
+    const NonResidentValue large = {.Runs = {{4, 200}}, .RealSize = 0x100000001};
+    Volume.PlaceRecord(extension(50).AddFileName(NameIn(9, u"long")));
+    Volume.PlaceRecord(
+        extension(51).AddFileName(NameIn(9, u"long")).AddFileName(NameIn(8, u"DOS", 2)).AddData(large));
+    Volume.PlaceRecord(extension(52).AddData(BytesOf("123"), u"named").AddData(BytesOf("1")));
+    Volume.PlaceRecord(unnamed(53).AddData({.Runs = {{4, 200}}, .FirstVcn = 4}));
+    Volume.PlaceRecord(unnamed(54).AddData(ByteVector{}));
+    Volume.PlaceRecord(55, ByteVector(1024));
+    Volume.PlaceRecord(unnamed(56).AddData({.Runs = {{4, 200}}, .LastVcn = ~0ULL}));
+    struct Case {
+        const char* Name;
+        std::vector<ListEntry> List;
+        std::uint64_t Size;
+        std::u16string Expected = u"long";
+    };
+    const Case cases[] = {
+        {"name and size", {{kFileName, 50}, {kData, 51}}, 0x100000001},
+        {"the last name, of whatever form", {{kFileName, 51}, {kData, 51}}, 0x100000001, u"DOS"},
+        {"the record's first data, named or not", {{kFileName, 50}, {kData, 52}}, 3},
+        {"a later piece isn't followed", {{kFileName, 50}, {kData, 51, 4}, {kData, 52}}, 3},
+        {"nor is a stream", {{kFileName, 50}, {kData, 52, 0, 0, u"s"}, {kData, 51}}, 0x100000001},
+        {"nor what stands behind the data", {{kFileName, 50}, {kData, 52}, {kFileName, 51}}, 3},
+        {"a type above data ends", {{kFileName, 50}, {kIndexRoot, 1}, {kData, 52}}, 0},
+        {"types below are passed", {{kStandardInformation, 40}, {0x50, 3}, {kFileName, 50}}, 0},
+        {"a piece that isn't the first", {{kFileName, 50}, {kData, 53}}, 0},
+        {"an empty piece", {{kFileName, 50}, {kData, 54}}, 0},
+        {"a piece without an end", {{kFileName, 50}, {kData, 56}}, 0},
+        {"a lost size record", {{kFileName, 50}, {kData, 55}}, 0},
+        {"a number no extent holds", {{kFileName, 50}, {kData, 5000}}, 0},
+    };
+    const std::uint64_t cluster = Volume.AllocateClusters(1);
+    for (const Case& test : cases) {
         SCOPED_TRACE(test.Name);
-        EXPECT_EQ(Decode(File().AddAttributeList(test.List)), 1);
-        EXPECT_EQ(Entry.Name(), test.Expected);
-        EXPECT_EQ(Entry.Size, test.Size);
-
-        // The same list in two clusters of its own, its entries between padding.
-        const std::uint64_t cluster = Volume.AllocateClusters(1);
+        Volume.PutClusters(cluster, ByteVector(4096));
         Volume.PutClusters(cluster, EncodeAttributeList(test.List));
-        EXPECT_EQ(Decode(File().AddAttributeList(NonResidentValue{.Runs = {{1, cluster}}})), 1);
-        EXPECT_EQ(Entry.Name(), test.Expected);
-        EXPECT_EQ(Entry.Size, test.Size);
+        for (const RecordBuilder& record :
+             {File().AddAttributeList(test.List),
+              File().AddAttributeList(NonResidentValue{.Runs = {{1, cluster}}})}) {
+            EXPECT_TRUE(Decode(record));
+            EXPECT_EQ(Entry.Name(), test.Expected);
+            EXPECT_EQ(Entry.Size, test.Size);
+        }
     }
-    EXPECT_EQ(Decode(File().AddAttributeList(std::vector<ListEntry>{{kFileName, 55}, {kData, 51}})), 0)
+    EXPECT_FALSE(Decode(File().AddAttributeList(std::vector<ListEntry>{{kFileName, 55}, {kData, 51}})))
         << "a lost name ends the walk";
     EXPECT_EQ(Entry.Size, 0U);
 }
@@ -271,11 +255,11 @@ TEST_F(DecodeRecordTest, AListInClustersEndsWithTheClusterThatGaveAResult) {
     put(2, {{kFileName, 51}, {kData, 51}});
     const RecordBuilder record =
         File().AddAttributeList(NonResidentValue{.Runs = {{1, clusters}, {4, {}}, {2, clusters + 1}}});
-    EXPECT_EQ(Decode(record), 1);
+    EXPECT_TRUE(Decode(record));
     EXPECT_EQ(Entry.Name(), u"first");
     EXPECT_EQ(Entry.Size, 0U);
     put(1, {{kFileName, 999}});
-    EXPECT_EQ(Decode(record), 1);
+    EXPECT_TRUE(Decode(record));
     EXPECT_EQ(Entry.Name(), u"second");
     EXPECT_EQ(Entry.Size, 2U);
 }
@@ -288,6 +272,11 @@ TEST_F(DecodeRecordTest, AListThatAsksForMoreReadsThanAnyDriverWritesEndsAndSoDo
     Decode(record);
     EXPECT_LT(Plan->Log.size(), 3200U);
     EXPECT_TRUE(Engine.Lists.Ended);
+
+    Plan->Log.clear();
+    const std::uint64_t zeros = Volume.AllocateClusters(100);
+    Decode(File().AddAttributeList(NonResidentValue{.Runs = {{100, zeros}}}));
+    EXPECT_EQ(Plan->Log.size(), 64U) << "256 KiB";
 
     // Lists that share their records end sooner.
     for (int i = 0; i < 100; ++i) {
@@ -302,7 +291,7 @@ TEST_F(DecodeRecordTest, AListThatAsksForMoreReadsThanAnyDriverWritesEndsAndSoDo
     Plan->OnRead = [before = Plan->Log.size()](std::uint64_t index, const ReadRequest&) {
         Engine.ScanRunFlag = index < before + 5 ? 1 : 0;
     };
-    EXPECT_EQ(Decode(record), 0);
+    EXPECT_FALSE(Decode(record));
     EXPECT_EQ(Engine.Lists.OfRecord, 7U) << "six reads, and the look that ended them";
     EXPECT_TRUE(Engine.Lists.Stopped);
 }

@@ -2,29 +2,17 @@
 
 #include "platform/media/Medium.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace thntfs::test {
-
-std::uint64_t FaultPlan::FailedReads() const {
-    return static_cast<std::uint64_t>(std::count_if(
-        Log.begin(), Log.end(), [](const ReadRequest& request) { return request.Result != kErrorNone; }));
-}
-
-std::uint64_t FaultPlan::BytesAsked() const {
-    std::uint64_t sum = 0;
-    for (const ReadRequest& request : Log) {
-        sum += request.Size;
-    }
-    return sum;
-}
 
 namespace {
 
 class FaultyMedium : public Medium {
 public:
-    FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan);
+    FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan)
+        : inner_(std::move(inner))
+        , plan_(std::move(plan)) {}
 
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override;
     [[nodiscard]] std::uint64_t SizeBytes() const override { return inner_->SizeBytes(); }
@@ -37,10 +25,6 @@ private:
     std::unique_ptr<Medium> inner_;
     std::shared_ptr<FaultPlan> plan_;
 };
-
-FaultyMedium::FaultyMedium(std::unique_ptr<Medium> inner, std::shared_ptr<FaultPlan> plan)
-    : inner_(std::move(inner))
-    , plan_(std::move(plan)) {}
 
 ErrorCode FaultyMedium::ReadAt(std::uint64_t offset, Bytes buffer) {
     const std::size_t index = plan_->Log.size();

@@ -39,9 +39,6 @@ struct FaultPlan {
     std::vector<ReadRequest> Log; ///< all requests in order
     std::function<void(std::uint64_t index, const ReadRequest& request)>
         OnRead; ///< before each; index from 0
-
-    [[nodiscard]] std::uint64_t FailedReads() const;
-    [[nodiscard]] std::uint64_t BytesAsked() const;
 };
 
 /// A medium over another one that fails by a plan.

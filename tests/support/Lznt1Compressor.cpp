@@ -45,7 +45,11 @@ public:
         std::int32_t candidate = heads_[HashAt(position)];
         for (int tries = 0; candidate >= 0 && tries < kMaxTries; ++tries) {
             const auto from = static_cast<std::size_t>(candidate);
-            const std::size_t length = CommonLength(from, position, maxLength);
+            const auto here = chunk_.begin() + static_cast<std::ptrdiff_t>(position);
+            const auto end =
+                here + static_cast<std::ptrdiff_t>(std::min(maxLength, chunk_.size() - position));
+            const auto length = static_cast<std::size_t>(
+                std::mismatch(here, end, chunk_.begin() + static_cast<std::ptrdiff_t>(from)).first - here);
             if (length >= kMinMatch && length > best.Length) {
                 best = {length, position - from};
             }
@@ -59,15 +63,6 @@ private:
         const auto three = static_cast<std::uint32_t>(chunk_[position] | (chunk_[position + 1] << 8) |
                                                       (chunk_[position + 2] << 16));
         return (three * 2654435761U) >> 20;
-    }
-
-    [[nodiscard]] std::size_t CommonLength(std::size_t from, std::size_t to, std::size_t maxLength) const {
-        const std::size_t limit = std::min(maxLength, chunk_.size() - to);
-        std::size_t length = 0;
-        while (length < limit && chunk_[from + length] == chunk_[to + length]) {
-            ++length;
-        }
-        return length;
     }
 
     ConstBytes chunk_;
@@ -90,20 +85,6 @@ void AppendWord(ByteVector& out, std::size_t word) {
     out.push_back(static_cast<std::uint8_t>(word >> 8));
 }
 
-/// Appends one token and gives the number of bytes that it stands for; `copied` tells whether it is a copy.
-std::size_t AppendToken(ByteVector& out, ConstBytes chunk, const MatchFinder& finder, std::size_t position,
-                        bool& copied) {
-    const int lengthBits = LengthBitsAt(position);
-    const Match match = finder.Longest(position, (std::size_t{1} << lengthBits) - 1 + kMinMatch);
-    copied = match.Length != 0;
-    if (!copied) {
-        out.push_back(chunk[position]);
-        return 1;
-    }
-    AppendWord(out, ((match.Distance - 1) << lengthBits) | (match.Length - kMinMatch));
-    return match.Length;
-}
-
 ByteVector CompressChunk(ConstBytes chunk) {
     ByteVector out;
     MatchFinder finder(chunk);
@@ -113,10 +94,15 @@ ByteVector CompressChunk(ConstBytes chunk) {
         unsigned flags = 0;
         out.push_back(0);
         for (unsigned token = 0; token < 8 && position < chunk.size(); ++token) {
-            bool copied = false;
-            const std::size_t taken = AppendToken(out, chunk, finder, position, copied);
-            flags |= copied ? 1U << token : 0U;
-            for (std::size_t step = 0; step < taken; ++step) {
+            const int lengthBits = LengthBitsAt(position);
+            const Match match = finder.Longest(position, (std::size_t{1} << lengthBits) - 1 + kMinMatch);
+            if (match.Length != 0) {
+                AppendWord(out, ((match.Distance - 1) << lengthBits) | (match.Length - kMinMatch));
+                flags |= 1U << token;
+            } else {
+                out.push_back(chunk[position]);
+            }
+            for (const std::size_t end = position + std::max<std::size_t>(match.Length, 1); position < end;) {
                 finder.Remember(position++);
             }
         }
@@ -128,13 +114,9 @@ ByteVector CompressChunk(ConstBytes chunk) {
 void AppendChunk(ByteVector& out, ConstBytes chunk) {
     const ByteVector packed = CompressChunk(chunk);
     const bool shorter = packed.size() < chunk.size();
-    const std::size_t length = shorter ? packed.size() : chunk.size();
-    AppendWord(out, (shorter ? 0x8000U : 0U) | 0x3000U | (length - 1));
-    if (shorter) {
-        out.insert(out.end(), packed.begin(), packed.end());
-    } else {
-        out.insert(out.end(), chunk.begin(), chunk.end());
-    }
+    const ConstBytes stored = shorter ? ConstBytes(packed) : chunk;
+    AppendWord(out, (shorter ? 0x8000U : 0U) | 0x3000U | (stored.size() - 1));
+    out.insert(out.end(), stored.begin(), stored.end());
 }
 
 } // namespace

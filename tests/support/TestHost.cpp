@@ -20,12 +20,7 @@ TestHost::TestHost() { SetHost(this); }
 
 TestHost::~TestHost() { SetHost(nullptr); }
 
-void TestHost::LogEvent(const ProcessLogEntry& entry) {
-    Log.push_back(entry);
-    if (OnLog) {
-        OnLog(entry);
-    }
-}
+void TestHost::LogEvent(const ProcessLogEntry& entry) { Log.push_back(entry); }
 
 void TestHost::JobProgress() {
     Progress.emplace_back(Engine.ProgressDone, Engine.ProgressTotal);
@@ -34,10 +29,7 @@ void TestHost::JobProgress() {
 
 void TestHost::ErrorBox(const std::string& text) { Boxes.push_back(text); }
 
-void TestHost::PauseOneSecond() {
-    ++Pauses;
-    Call(OnPause);
-}
+void TestHost::PauseOneSecond() { ++Pauses; }
 
 void TestHost::PassGate() {
     ++Gates;

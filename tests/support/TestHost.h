@@ -40,9 +40,7 @@ public:
 
     /// What a test wants done at a call, after it has been recorded. An empty one does nothing.
     std::function<void()> OnProgress;
-    std::function<void()> OnPause;
     std::function<void()> OnGate;
-    std::function<void(const ProcessLogEntry& entry)> OnLog;
     std::function<void()> OnCopyPosition;
     std::function<void()> OnSearchPosition;
 };

@@ -59,14 +59,6 @@ void VolumeBuilder::WriteMetafiles() {
     AddFolder({.Number = kRootNumber, .Parent = kRootNumber, .Name = u"."});
 }
 
-RecordBuilder VolumeBuilder::NewRecord(std::uint32_t number, RecordForm form) const {
-    return RecordBuilder(geometry_, number, form);
-}
-
-IndexBlockBuilder VolumeBuilder::NewIndexBlock(std::uint64_t vcn) const {
-    return IndexBlockBuilder(geometry_, vcn);
-}
-
 void VolumeBuilder::PlaceRecord(const RecordBuilder& record) {
     PlaceRecord(record.Number(), record.Finish());
 }

@@ -40,8 +40,10 @@ public:
 
     [[nodiscard]] const VolumeGeometry& Geometry() const { return geometry_; }
     /// A builder for record `number` with this volume's measures.
-    [[nodiscard]] RecordBuilder NewRecord(std::uint32_t number, RecordForm form = RecordForm::Newer) const;
-    [[nodiscard]] IndexBlockBuilder NewIndexBlock(std::uint64_t vcn = 0) const;
+    [[nodiscard]] RecordBuilder NewRecord(std::uint32_t number, RecordForm form = RecordForm::Newer) const {
+        return RecordBuilder(geometry_, number, form);
+    }
+    [[nodiscard]] IndexBlockBuilder NewIndexBlock() const { return IndexBlockBuilder(geometry_); }
 
     /// Puts a record into its place in the table, and into the mirror if its number is below 4.
     void PlaceRecord(const RecordBuilder& record);

@@ -6,14 +6,6 @@ namespace thntfs::test {
 
 namespace {
 
-std::size_t BytesOfUnsigned(std::uint64_t value) {
-    std::size_t bytes = 1;
-    while (bytes < 8 && (value >> (bytes * 8)) != 0) {
-        ++bytes;
-    }
-    return bytes;
-}
-
 std::size_t BytesOfSigned(std::int64_t value) {
     std::size_t bytes = 1;
     while (bytes < 8 && (value >> (bytes * 8 - 1)) != 0 && (value >> (bytes * 8 - 1)) != -1) {
@@ -26,12 +18,6 @@ void AppendNumber(ByteVector& bytes, std::uint64_t value, std::size_t width) {
     for (std::size_t index = 0; index < width; ++index) {
         bytes.push_back(static_cast<std::uint8_t>(value >> (index * 8)));
     }
-}
-
-// A length whose top bit is set would read as negative in readers that take it as signed.
-std::size_t LengthBytes(std::uint64_t clusters) {
-    const std::size_t bytes = BytesOfUnsigned(clusters);
-    return bytes < 8 && (clusters >> (bytes * 8 - 1)) != 0 ? bytes + 1 : bytes;
 }
 
 } // namespace
@@ -48,7 +34,8 @@ ByteVector EncodeRuns(const std::vector<Run>& runs) {
     ByteVector list;
     std::uint64_t before = 0;
     for (const Run& run : runs) {
-        const std::size_t lengthBytes = LengthBytes(run.Clusters);
+        // A length whose top bit is set would read as negative in readers that take it as signed.
+        const std::size_t lengthBytes = BytesOfSigned(static_cast<std::int64_t>(run.Clusters));
         const auto offset = static_cast<std::int64_t>(run.Start.value_or(before) - before);
         const std::size_t offsetBytes = run.Start ? BytesOfSigned(offset) : 0;
         list.push_back(static_cast<std::uint8_t>(lengthBytes | (offsetBytes << 4)));
@@ -65,6 +52,14 @@ void ProtectBlock(Bytes block, std::size_t arrayOffset, std::size_t stride, std:
     for (std::size_t end = stride, place = arrayOffset + 2; end <= block.size(); end += stride, place += 2) {
         PutNumber(block, place, U16At(block, end - 2));
         PutNumber(block, end - 2, checkWord);
+    }
+}
+
+void ApplyPokes(Bytes bytes, const std::vector<PokedBytes>& pokes) {
+    for (const PokedBytes& poke : pokes) {
+        for (std::size_t index = 0; index < poke.Width; ++index) {
+            bytes[poke.Offset + index] = static_cast<std::uint8_t>(poke.Value >> (index * 8));
+        }
     }
 }
 

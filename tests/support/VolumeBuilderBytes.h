@@ -31,6 +31,16 @@ constexpr std::size_t RoundUp8(std::size_t value) { return (value + 7) / 8 * 8; 
 /// words of the sectors, and the check word in their places. `stride` is the sector size in bytes.
 void ProtectBlock(Bytes block, std::size_t arrayOffset, std::size_t stride, std::uint16_t checkWord);
 
+/// A number put over what a builder has laid out.
+struct PokedBytes {
+    std::size_t Offset = 0;
+    std::size_t Width = 0;
+    std::uint64_t Value = 0;
+};
+
+/// Puts them in their order.
+void ApplyPokes(Bytes bytes, const std::vector<PokedBytes>& pokes);
+
 /// Makes room for `length` more bytes at the end and copies them there.
 void AppendBytes(ByteVector& bytes, ConstBytes more);
 

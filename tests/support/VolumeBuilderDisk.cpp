@@ -24,7 +24,7 @@ ByteVector EncodeBootSector(const BootSectorFields& fields, std::uint32_t bytes)
     std::copy_n(fields.Label.begin(), std::min<std::size_t>(fields.Label.size(), 8), sector.begin() + 3);
     PutNumber(sector, 11, fields.SectorBytes);
     PutNumber(sector, 13, fields.SectorsPerCluster);
-    PutNumber(sector, 21, fields.MediaByte);
+    PutNumber(sector, 21, std::uint8_t{0xF8}); // a fixed disk
     PutNumber(sector, 28, fields.HiddenSectors);
     PutNumber(sector, 32, fields.Zero32);
     PutNumber(sector, 36, fields.DriveWord);

@@ -12,7 +12,6 @@ struct BootSectorFields {
     std::string Label = "NTFS    ";         ///< 8 bytes at 3
     std::uint16_t SectorBytes = 512;        ///< at 11
     std::uint8_t SectorsPerCluster = 8;     ///< at 13
-    std::uint8_t MediaByte = 0xF8;          ///< at 21
     std::uint32_t HiddenSectors = 0;        ///< at 28
     std::uint32_t Zero32 = 0;               ///< at 32
     std::uint16_t DriveWord = 0x80;         ///< at 36

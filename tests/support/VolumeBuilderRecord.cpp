@@ -47,7 +47,7 @@ ByteVector EncodeNonResident(std::uint32_t type, const NonResidentValue& value, 
     AppendBytes(bytes, EncodeRuns(value.Runs));
     bytes.resize(RoundUp8(bytes.size()));
     const std::uint64_t clusters = ClustersOf(value.Runs);
-    const std::uint64_t allocated = value.AllocatedSize.value_or(clusters * clusterBytes);
+    const std::uint64_t allocated = clusters * clusterBytes;
     const std::uint64_t real = value.RealSize.value_or(allocated);
     PutNumber(bytes, 0, type);
     PutNumber(bytes, 4, static_cast<std::uint32_t>(bytes.size()));
@@ -64,7 +64,7 @@ ByteVector EncodeNonResident(std::uint32_t type, const NonResidentValue& value, 
     PutNumber(bytes, 48, real);
     PutNumber(bytes, 56, value.InitializedSize.value_or(real));
     if (value.CompressionExponent != 0) {
-        PutNumber(bytes, 64, value.CompressedSize.value_or(AllocatedClusters(value.Runs) * clusterBytes));
+        PutNumber(bytes, 64, AllocatedClusters(value.Runs) * clusterBytes);
     }
     return bytes;
 }
@@ -113,34 +113,26 @@ ByteVector EncodeIndexEntry(const IndexEntry& entry) {
     const ByteVector key = EncodeFileName(entry.Key);
     ByteVector bytes(16);
     AppendBytes(bytes, key);
-    bytes.resize(RoundUp8(bytes.size()) + (entry.Subnode ? 8 : 0));
+    bytes.resize(RoundUp8(bytes.size()));
     PutNumber(bytes, 0, entry.Reference);
     PutNumber(bytes, 8, static_cast<std::uint16_t>(bytes.size()));
     PutNumber(bytes, 10, static_cast<std::uint16_t>(key.size()));
-    PutNumber(bytes, 12, static_cast<std::uint16_t>(entry.Subnode ? 1 : 0));
-    if (entry.Subnode) {
-        PutNumber(bytes, bytes.size() - 8, *entry.Subnode);
-    }
     return bytes;
 }
 
-ByteVector EncodeEndEntry(std::optional<std::uint64_t> subnode) {
-    ByteVector bytes(subnode ? 24 : 16);
-    PutNumber(bytes, 8, static_cast<std::uint16_t>(bytes.size()));
-    PutNumber(bytes, 12, static_cast<std::uint16_t>(subnode ? 3 : 2));
-    if (subnode) {
-        PutNumber(bytes, 16, *subnode);
-    }
+ByteVector EncodeEndEntry() {
+    ByteVector bytes(16);
+    PutNumber(bytes, 8, std::uint16_t{16});
+    PutNumber(bytes, 12, std::uint16_t{2});
     return bytes;
 }
 
-ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries,
-                           std::optional<std::uint64_t> endSubnode) {
+ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries) {
     ByteVector bytes(32);
     for (const IndexEntry& entry : entries) {
         AppendBytes(bytes, EncodeIndexEntry(entry));
     }
-    AppendBytes(bytes, EncodeEndEntry(endSubnode));
+    AppendBytes(bytes, EncodeEndEntry());
     const auto indexBytes = static_cast<std::uint32_t>(bytes.size() - 16);
     PutNumber(bytes, 0, kFileName);
     PutNumber(bytes, 4, std::uint32_t{1}); // collated as file names
@@ -149,7 +141,6 @@ ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<Ind
     PutNumber(bytes, 16, std::uint32_t{16});
     PutNumber(bytes, 20, indexBytes);
     PutNumber(bytes, 24, indexBytes);
-    PutNumber(bytes, 28, static_cast<std::uint8_t>(endSubnode ? 1 : 0));
     return bytes;
 }
 
@@ -179,11 +170,6 @@ RecordBuilder& RecordBuilder::SetSequence(std::uint16_t sequence) {
     return *this;
 }
 
-RecordBuilder& RecordBuilder::SetCheckWord(std::uint16_t checkWord) {
-    checkWord_ = checkWord;
-    return *this;
-}
-
 RecordBuilder& RecordBuilder::AddStandardInformation(const FileTimes& times, std::uint32_t attributeBits) {
     ByteVector value(72);
     PutTimes(value, 0, times);
@@ -209,9 +195,8 @@ RecordBuilder& RecordBuilder::AddAttributeList(const NonResidentValue& value) {
     return AddNonResident(kAttributeList, value);
 }
 
-RecordBuilder& RecordBuilder::AddIndexRoot(const std::vector<IndexEntry>& entries,
-                                           std::optional<std::uint64_t> endSubnode) {
-    return AddResident(kIndexRoot, EncodeIndexRoot(geometry_, entries, endSubnode), u"$I30");
+RecordBuilder& RecordBuilder::AddIndexRoot(const std::vector<IndexEntry>& entries) {
+    return AddResident(kIndexRoot, EncodeIndexRoot(geometry_, entries), u"$I30");
 }
 
 RecordBuilder& RecordBuilder::AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name,
@@ -239,17 +224,6 @@ RecordBuilder& RecordBuilder::Poke(std::size_t offset, std::size_t width, std::u
     }
     pokes_.push_back({offset, width, value});
     return *this;
-}
-
-RecordBuilder& RecordBuilder::Poke8(std::size_t offset, std::uint8_t value) { return Poke(offset, 1, value); }
-RecordBuilder& RecordBuilder::Poke16(std::size_t offset, std::uint16_t value) {
-    return Poke(offset, 2, value);
-}
-RecordBuilder& RecordBuilder::Poke32(std::size_t offset, std::uint32_t value) {
-    return Poke(offset, 4, value);
-}
-RecordBuilder& RecordBuilder::Poke64(std::size_t offset, std::uint64_t value) {
-    return Poke(offset, 8, value);
 }
 
 RecordBuilder& RecordBuilder::OmitEndMarker() {
@@ -285,17 +259,13 @@ ByteVector RecordBuilder::RawBytes() const {
         PutNumber(record, end, std::uint32_t{0xFFFFFFFF});
     }
     WriteHeader(record, endMarker_ ? end + 8 : end);
-    for (const PokedBytes& poke : pokes_) {
-        for (std::size_t index = 0; index < poke.Width; ++index) {
-            record[poke.Offset + index] = static_cast<std::uint8_t>(poke.Value >> (index * 8));
-        }
-    }
+    ApplyPokes(record, pokes_);
     return record;
 }
 
 ByteVector RecordBuilder::Finish() const {
     ByteVector record = RawBytes();
-    ProtectBlock(record, ArrayOffset(), geometry_.SectorBytes, checkWord_);
+    ProtectBlock(record, ArrayOffset(), geometry_.SectorBytes, 0x0107);
     return record;
 }
 

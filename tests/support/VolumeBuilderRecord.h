@@ -44,10 +44,8 @@ struct NonResidentValue {
         0; ///< log2 of clusters per compression unit; not 0 adds the field at 64
     std::uint64_t FirstVcn = 0;
     std::optional<std::uint64_t> LastVcn = {};
-    std::optional<std::uint64_t> AllocatedSize = {};
     std::optional<std::uint64_t> RealSize = {};
     std::optional<std::uint64_t> InitializedSize = {};
-    std::optional<std::uint64_t> CompressedSize = {};
 };
 
 /// One entry of an attribute list.
@@ -65,15 +63,13 @@ ByteVector EncodeAttributeList(const std::vector<ListEntry>& entries);
 struct IndexEntry {
     std::uint64_t Reference = 0; ///< file reference of the named file
     FileNameValue Key;
-    std::optional<std::uint64_t> Subnode = {}; ///< VCN of the index block below
 };
 
 ByteVector EncodeIndexEntry(const IndexEntry& entry);
-/// The entry that closes an index node, with the VCN of a block below where one is given.
-ByteVector EncodeEndEntry(std::optional<std::uint64_t> subnode = {});
+/// The entry that closes an index node.
+ByteVector EncodeEndEntry();
 /// Value of an index root over file names with these entries and the end entry.
-ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries,
-                           std::optional<std::uint64_t> endSubnode = {});
+ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries);
 
 /// The newer form has its update sequence array at 48 and the record's own number at 44, the older form has
 /// the array at 42 and no number.
@@ -89,7 +85,6 @@ public:
     RecordBuilder& SetFolder(bool folder);
     RecordBuilder& SetBase(std::uint64_t baseReference);
     RecordBuilder& SetSequence(std::uint16_t sequence);
-    RecordBuilder& SetCheckWord(std::uint16_t checkWord);
 
     RecordBuilder& AddStandardInformation(const FileTimes& times = EqualTimes(),
                                           std::uint32_t attributeBits = kArchiveBit);
@@ -99,8 +94,7 @@ public:
     RecordBuilder& AddAttributeList(const std::vector<ListEntry>& entries);
     RecordBuilder& AddAttributeList(const NonResidentValue& value);
     /// Resident index root "$I30" over file names.
-    RecordBuilder& AddIndexRoot(const std::vector<IndexEntry>& entries,
-                                std::optional<std::uint64_t> endSubnode = {});
+    RecordBuilder& AddIndexRoot(const std::vector<IndexEntry>& entries);
     RecordBuilder& AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name = {},
                                std::uint16_t flags = 0);
     RecordBuilder& AddNonResident(std::uint32_t type, const NonResidentValue& value);
@@ -110,17 +104,13 @@ public:
     /// Byte offset in the record of the attribute added `index` calls after the first.
     [[nodiscard]] std::size_t AttributeOffset(std::size_t index) const { return offsets_.at(index); }
     [[nodiscard]] std::size_t LastAttributeOffset() const { return offsets_.back(); }
-    [[nodiscard]] std::uint16_t LastAttributeId() const {
-        return static_cast<std::uint16_t>(offsets_.size() - 1);
-    }
     [[nodiscard]] std::uint32_t Number() const { return number_; }
-    [[nodiscard]] std::size_t FirstAttributeOffset() const { return first_; }
 
     /// Puts a number at a byte offset of the record once all else is laid out, before the protection.
-    RecordBuilder& Poke8(std::size_t offset, std::uint8_t value);
-    RecordBuilder& Poke16(std::size_t offset, std::uint16_t value);
-    RecordBuilder& Poke32(std::size_t offset, std::uint32_t value);
-    RecordBuilder& Poke64(std::size_t offset, std::uint64_t value);
+    RecordBuilder& Poke8(std::size_t offset, std::uint8_t value) { return Poke(offset, 1, value); }
+    RecordBuilder& Poke16(std::size_t offset, std::uint16_t value) { return Poke(offset, 2, value); }
+    RecordBuilder& Poke32(std::size_t offset, std::uint32_t value) { return Poke(offset, 4, value); }
+    RecordBuilder& Poke(std::size_t offset, std::size_t width, std::uint64_t value);
     /// No end marker; bytes in use end with the last attribute.
     RecordBuilder& OmitEndMarker();
 
@@ -130,13 +120,6 @@ public:
     [[nodiscard]] ByteVector Finish() const;
 
 private:
-    struct PokedBytes {
-        std::size_t Offset = 0;
-        std::size_t Width = 0;
-        std::uint64_t Value = 0;
-    };
-
-    RecordBuilder& Poke(std::size_t offset, std::size_t width, std::uint64_t value);
     void WriteHeader(Bytes record, std::size_t used) const;
     [[nodiscard]] std::size_t ArrayOffset() const { return form_ == RecordForm::Newer ? 48 : 42; }
 
@@ -147,7 +130,6 @@ private:
     std::uint16_t flags_ = 1;
     std::uint64_t base_ = 0;
     std::uint16_t sequence_ = 1;
-    std::uint16_t checkWord_ = 0x0107;
     bool endMarker_ = true;
     ByteVector attributes_;
     std::vector<std::size_t> offsets_;
