@@ -2,10 +2,12 @@
 
 #include "platform/files/WorkFolder.h"
 #include "platform/media/posix/SysfsDisks.h"
+#include "support/LoopDevice.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace thntfs::test {
 
@@ -18,28 +20,24 @@ class DiskEnumerationTest : public ::testing::Test {
 protected:
     DiskEnumerationTest() { EXPECT_EQ(folder_.Create(), kErrorNone); }
 
-    /// `road` is the device's place in the tree of busses; `files` are those of its folder.
-    void AddDisk(const std::string& name, const std::string& road,
-                 const std::vector<std::pair<std::string, std::string>>& files) {
+    /// `road` is the device's place in the tree of busses; `files` are those of its folder, "name=text" with
+    /// ';' between.
+    void AddDisk(const std::string& name, const std::string& road, const std::string& files) {
         const fs::path device = fs::path(folder_.Path()) / "sys" / "devices" / road / "block" / name;
         const fs::path block = fs::path(folder_.Path()) / "sys" / "block";
         fs::create_directories(device);
         fs::create_directories(block);
         fs::create_symlink(device, block / name);
-        for (const auto& [file, text] : files) {
-            fs::create_directories((device / file).parent_path());
-            std::ofstream(device / file) << text << "\n";
+        std::istringstream lines("queue/logical_block_size=512;" + files);
+        for (std::string line; std::getline(lines, line, ';');) {
+            const fs::path file = device / line.substr(0, line.find('='));
+            fs::create_directories(file.parent_path());
+            std::ofstream(file) << line.substr(line.find('=') + 1) << "\n";
         }
     }
 
-    void AddUdev(const std::string& device, const std::string& text) {
-        fs::create_directories(Udev());
-        std::ofstream(Udev() + "/b" + device) << text;
-    }
-
-    [[nodiscard]] std::string Udev() const { return folder_.Path() + "/udev"; }
     [[nodiscard]] std::vector<DiskProperties> List() const {
-        return ListDisksIn(folder_.Path() + "/sys", Udev());
+        return ListDisksIn(folder_.Path() + "/sys", folder_.Path() + "/udev");
     }
 
     /// All eleven fields.
@@ -52,14 +50,6 @@ protected:
         return DescribeDisk(disk, sizeBytes).value_or(DiskInfo{});
     }
 
-    static DiskProperties Sized(std::uint64_t bytes) {
-        DiskProperties disk;
-        disk.BytesPerSector = 512;
-        disk.SizeBytes = bytes;
-        return disk;
-    }
-
-private:
     WorkFolder folder_;
 };
 
@@ -68,167 +58,113 @@ using Texts = std::vector<std::string>;
 } // namespace
 
 TEST_F(DiskEnumerationTest, FieldsOfDisksOfAllKinds) {
+    EXPECT_TRUE(List().empty());
+    using namespace std::string_literals;
     AddDisk("sda", "pci0000:00/ata1/host0/target0:0:0/0:0:0:0",
-            {{"dev", "8:0"},
-             {"size", "976773168"},
-             {"removable", "0"},
-             {"queue/logical_block_size", "512"},
-             {"device/vendor", "ATA     "},
-             {"device/model", "WDC WD5000AAKX-0"},
-             {"device/rev", "1H15"},
-             {"device/vpd_pg80", std::string("\0\x80\0\x14     WD-WCC2E123456", 24)}});
+            "dev=8:0;size=976773168;removable=0;device/vendor=ATA     ;device/model=WDC WD5000AAKX-0;"
+            "device/rev=1H15;device/vpd_pg80=\0\x80\0A     WD-WCC2E123456;"
+            "sda10/partition=10;sda10/size=3;sda2/partition=2;sda2/size=1;power/control=on"s);
     AddDisk("sdb", "pci0000:00/usb1/1-2/host6/target6:0:0/6:0:0:0",
-            {{"dev", "8:16"},
-             {"size", "30031872"},
-             {"removable", "1"},
-             {"queue/logical_block_size", "512"},
-             {"device/vendor", "SanDisk"},
-             {"device/model", "Cruzer Blade"},
-             {"device/rev", "1.00"}});
-    AddUdev("8:16",
-            "S:disk/by-id/usb-x\nE:ID_MODEL_ENC=Cruzer\\x20Blade\\x20\\x20\nE:ID_SERIAL_SHORT=4C5300011\n"
-            "E:ID_REVISION=1.27\nE:broken\n");
+            "dev=8:16;size=30031872;removable=1;device/vendor=SanDisk;device/model=Cruzer Blade;"
+            "device/rev=1.00");
+    fs::create_directory(folder_.Path() + "/udev");
+    std::ofstream(folder_.Path() + "/udev/b8:16")
+        << "S:disk/by-id/usb-x\nE:ID_MODEL_ENC=Cruzer\\x20Blade\\x20\\x20\nE:ID_SERIAL_SHORT=4C5300011\n"
+           "E:ID_REVISION=1.27\nE:broken\n";
+    AddDisk("sdc", "usb1/x", "size=0");
     AddDisk("nvme0n1", "pci0000:00/nvme/nvme0",
-            {{"dev", "259:0"},
-             {"size", "250069680"},
-             {"queue/logical_block_size", "4096"},
-             {"device/model", "Samsung SSD 980 PRO"},
-             {"device/serial", "S5GX  "},
-             {"device/firmware_rev", "5B2QGXA7"}});
-    AddDisk("vda", "pci0000:00/virtio1",
-            {{"dev", "254:0"},
-             {"size", "2097152"},
-             {"queue/logical_block_size", "512"},
-             {"device/vendor", "0x1af4"},
-             {"serial", "root"}});
+            "dev=259:0;size=250069680;queue/logical_block_size=4096;device/model=Samsung SSD 980 PRO;"
+            "device/serial=S5GX  ;device/firmware_rev=5B2QGXA7");
+    AddDisk("vda", "pci0000:00/virtio1", "dev=254:0;size=2097152;device/vendor=0x1af4;serial=root");
     const std::vector<DiskProperties> disks = List();
-    ASSERT_EQ(disks.size(), 4U);
+    ASSERT_EQ(disks.size(), 5U);
     EXPECT_EQ(Fields(Describe(disks[0])),
               (Texts{"sda", "Fixed hard disk media", "IDE", "976773168", "60801", "255", "465.76 GB",
                      "WD-WCC2E123456", "1H15", "WDC WD5000AAKX-0", "512"}));
     EXPECT_EQ(Fields(Describe(disks[1])),
               (Texts{"sdb", "Removable media", "USB", "30031872", "1869", "255", "14.32 GB", "4C5300011",
                      "1.27", "USB mobile disk ", "512"}));
+    ASSERT_EQ(disks[0].Parts.size(), 2U);
+    EXPECT_EQ(disks[0].Parts[0].Path, "/dev/sda2");
+    EXPECT_EQ(disks[0].Parts[1].Path, "/dev/sda10");
+    EXPECT_EQ(disks[0].Parts[1].SizeBytes, 1536U);
     EXPECT_EQ(disks[1].Model, "Cruzer Blade");
-    EXPECT_EQ(Fields(Describe(disks[2])),
+    EXPECT_FALSE(DescribeDisk(disks[2], 0)) << "a drive without a medium";
+    EXPECT_EQ(Fields(Describe(disks[3])),
               (Texts{"nvme0n1", "Fixed hard disk media", "NVMe", "31258710", "1945", "255", "119.24 GB",
                      "S5GX", "5B2QGXA7", "Samsung SSD 980 PRO", "4096"}));
-    EXPECT_EQ(Fields(Describe(disks[3])), (Texts{"vda", "Fixed hard disk media", "VirtIO", "2097152", "130",
+    EXPECT_EQ(Fields(Describe(disks[4])), (Texts{"vda", "Fixed hard disk media", "VirtIO", "2097152", "130",
                                                  "255", "1.00 GB", "root", "", "Virtual disk", "512"}));
 }
 
 TEST_F(DiskEnumerationTest, DisksAloneAndInTheOrderOfPeople) {
-    const std::vector<std::pair<std::string, std::string>> files = {{"size", "8"},
-                                                                    {"queue/logical_block_size", "512"}};
     for (const char* name :
          {"sdaa", "sdz", "sda", "nvme1n1", "nvme10n1", "nvme0c0n1", "mmcblk0", "mmcblk0boot0", "dm-0",
           "zram0", "ram0", "sr0", "md127", "vda", "hda", "loop0", "loop7"}) {
-        AddDisk(name, "virtual", files);
+        AddDisk(name, "virtual", "size=8");
     }
-    AddDisk("loop11", "virtual",
-            {{"size", "8"}, {"queue/logical_block_size", "512"}, {"loop/backing_file", "/a b.img"}});
-    AddDisk("nvme2n1", "virtual", {{"size", "8"}, {"hidden", "1"}});
-    AddDisk("md0", "virtual", {{"size", "0"}});
+    AddDisk("loop11", "virtual", "size=8;loop/backing_file=/a b.img");
+    AddDisk("nvme2n1", "virtual", "size=8;hidden=1");
+    AddDisk("md0", "virtual", "size=0");
     Texts paths;
     for (const DiskProperties& disk : List()) {
         paths.push_back(disk.Path);
     }
     EXPECT_EQ(paths, (Texts{"/dev/hda", "/dev/sda", "/dev/sdz", "/dev/sdaa", "/dev/nvme1n1", "/dev/nvme10n1",
                             "/dev/vda", "/dev/mmcblk0", "/dev/md127", "/dev/loop11"}));
-    EXPECT_EQ(List().back().Model, "/a b.img");
-    EXPECT_EQ(List().back().Media, "Disk image");
+    EXPECT_EQ(List().back().Model + " " + List().back().Media, "/a b.img Disk image");
 }
 
-TEST_F(DiskEnumerationTest, PartitionsInTheirOrder) {
-    AddDisk("sda", "virtual",
-            {{"size", "999"},
-             {"queue/logical_block_size", "512"},
-             {"sda10/partition", "10"},
-             {"sda10/size", "3"},
-             {"sda2/partition", "2"},
-             {"sda2/size", "1"},
-             {"power/control", "on"}});
-    ASSERT_EQ(List().size(), 1U);
-    const std::vector<DiskPart> parts = List()[0].Parts;
-    ASSERT_EQ(parts.size(), 2U);
-    EXPECT_EQ(parts[0].Path, "/dev/sda2");
-    EXPECT_EQ(parts[1].Path, "/dev/sda10");
-    EXPECT_EQ(parts[1].SizeBytes, 1536U);
-}
-
-TEST_F(DiskEnumerationTest, NoDisksAndNoSystemGiveAnEmptyList) {
-    EXPECT_TRUE(List().empty());
-    EXPECT_TRUE(ListDisksIn("/none", "/none").empty());
-}
-
-TEST_F(DiskEnumerationTest, ADriveWithoutAMediumIsLeftOut) {
-    AddDisk("sdc", "usb1/x",
-            {{"size", "0"}, {"queue/logical_block_size", "512"}, {"device/model", "Reader"}});
-    ASSERT_EQ(List().size(), 1U);
-    EXPECT_FALSE(DescribeDisk(List()[0], 0));
-}
-
-TEST_F(DiskEnumerationTest, SizesForPeople) {
-    const std::pair<std::uint64_t, const char*> cases[] = {
-        {500ULL << 20U, "500.00 MB"},
-        {1ULL << 30U, "1.00 GB"},
-        {(1ULL << 30U) - 1, "1.00 GB"},
-        {1023ULL << 20U, "1023.00 MB"},
-        {1, "0.00 MB"},
-        {500107862016, "465.76 GB"},
-        {8ULL << 40U, "8192.00 GB"},
-        {123456789012345, "114978.09 GB"},
-    };
-    for (const auto& [bytes, text] : cases) {
-        EXPECT_EQ(Describe(Sized(bytes)).Size, text) << bytes;
-    }
-}
-
-TEST_F(DiskEnumerationTest, WhatTheOpenedDeviceTellsGoesBeforeTheListedFigures) {
-    const DiskProperties disk = Sized(1U << 20U);
-    EXPECT_EQ(Describe(disk, 1U << 21U).TotalSectors, "4096");
-    EXPECT_EQ(Describe(disk, 1U << 21U).Size, "2.00 MB");
-    EXPECT_EQ(Describe(disk, 0).TotalSectors, "2048");
-    EXPECT_EQ(Describe(disk, 0).Size, "1.00 MB");
-}
-
-TEST_F(DiskEnumerationTest, TextsAreMadeFitToShow) {
-    DiskProperties disk = Sized(512);
+TEST_F(DiskEnumerationTest, FieldsAreMadeFitToShow) {
+    DiskProperties disk;
+    disk.BytesPerSector = 512;
+    disk.SizeBytes = 1U << 20U;
+    EXPECT_EQ(Describe(disk, 1U << 21U).TotalSectors, "4096") << "as the opened device tells";
+    EXPECT_EQ(Describe(disk, (1U << 30U) - 1).Size, "1.00 GB");
     disk.Path = "/dev/cciss/c0d0";
     disk.Media = "Fixed\thard disk\tmedia";
     disk.Revision = "__A_1___";
     disk.Model = "bad \xFF byte";
-    const DiskInfo info = Describe(disk);
-    EXPECT_EQ(info.Name, "cciss/c0d0");
-    EXPECT_EQ(info.MediaType, "Fixed hard disk media");
-    EXPECT_EQ(info.Revision, "A_1");
-    EXPECT_EQ(info.Model, "bad \xEF\xBF\xBD byte");
-    EXPECT_EQ(info.Serial, "N/A");
+    EXPECT_EQ(Fields(Describe(disk)), (Texts{"cciss/c0d0", "Fixed hard disk media", "", "2048", "0", "0",
+                                             "1.00 MB", "N/A", "A_1", "bad \xEF\xBF\xBD byte", "512"}));
 }
 
 // "WD-WCAV12345678" as a disk has it, 20 bytes with blanks in front, in words whose two bytes are swapped.
 TEST_F(DiskEnumerationTest, OnlyASerialNumberInHexadecimalWordsIsDecoded) {
-    DiskProperties disk = Sized(512);
-    disk.Serial = "2020202057202d44435756413231343336353837";
-    EXPECT_EQ(Describe(disk).Serial, " WDWCAV12345678");
-    for (const char* readable : {"2020", "WD-WCC2E123456", "20202020205744574356413132343336353837zz"}) {
-        disk.Serial = readable;
-        EXPECT_EQ(Describe(disk).Serial, readable);
+    DiskProperties disk;
+    disk.BytesPerSector = 512;
+    for (const auto& [serial, shown] :
+         {std::pair{"2020202057202d44435756413231343336353837", " WDWCAV12345678"},
+          {"2020", "2020"},
+          {"20202020205744574356413132343336353837zz", "20202020205744574356413132343336353837zz"}}) {
+        disk.Serial = serial;
+        EXPECT_EQ(Describe(disk).Serial, shown);
     }
-}
-
-TEST_F(DiskEnumerationTest, DecodesSerialsStepByStep) {
     const std::pair<const char*, const char*> cases[] = {
-        {"", " "},
-        {"3141", " A1"}, // swapped in the group
-        {"31413141", " A1A1"},
-        {"31414", " A1"},    // a half pair stands for 0x40, which is dropped
-        {"61316131", " 11"}, // 0x61 is no capital
-        {"20&._20", " "},    // all trimmed
-        {"zz4A", " J3"},     // letters behind f count on: z is 35, 35 * 16 is cut to 0x30
+        {"31413141", " A1A1"}, // swapped in the group
+        {"31414", " A1"},      // a half pair stands for 0x40, which is dropped
+        {"61316131", " 11"},   // 0x61 is no capital
+        {"20&._20", " "},      // all trimmed
+        {"zz4z", " C3"},       // letters behind f count on: z is 35, which is cut to 0x30 and 3
     };
     for (const auto& [text, serial] : cases) {
         EXPECT_EQ(DecodeDiskSerial(text), serial) << text;
+    }
+}
+
+TEST_F(DiskEnumerationTest, ADeviceIsFoundByItsOwnNameBeforeOneOfTheSameMedium) {
+    EXPECT_EQ(Fields(DiskOfDevice("/dev/none")),
+              (Texts{"/dev/none", "", "", "", "", "", "", "N/A", "", "", ""}));
+    std::ofstream(folder_.Path() + "/image") << std::string(4096, 'x');
+    const auto one = LoopDevice::Attach(folder_.Path() + "/image");
+    const auto other = LoopDevice::Attach(folder_.Path() + "/image");
+    if (one == nullptr || other == nullptr) {
+        GTEST_SKIP() << "loop devices are not to be had here";
+    }
+    for (const auto* device : {&one, &other}) {
+        const DiskInfo disk = DiskOfDevice((*device)->Path());
+        EXPECT_EQ("/dev/" + disk.Name, (*device)->Path());
+        EXPECT_EQ(disk.TotalSectors + " " + disk.Path, "8 " + (*device)->Path());
     }
 }
 
