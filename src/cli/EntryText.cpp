@@ -4,7 +4,8 @@
 #include "platform/system/Dates.h"
 #include "platform/system/Text.h"
 
-#include <nlohmann/json.hpp>
+#include <array>
+#include <charconv>
 
 namespace thntfs {
 
@@ -18,9 +19,25 @@ void AppendPadded(std::string& out, const std::string& text, std::size_t columns
     out += text;
 }
 
-nlohmann::ordered_json DateJson(std::uint16_t dosDate) {
-    const std::string date = IsoDate(dosDate);
-    return date.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(date);
+void AppendNumberField(std::string& out, std::string_view start, std::uint64_t number) {
+    std::array<char, 20> digits{};
+    out += start;
+    out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
+}
+
+void AppendTextField(std::string& out, std::string_view start, std::string_view text) {
+    out += start;
+    out += '"';
+    AppendJsonText(out, text);
+    out += '"';
+}
+
+void AppendDateField(std::string& out, std::string_view start, std::uint16_t dosDate) {
+    if (const std::string date = IsoDate(dosDate); date.empty()) {
+        (out += start) += "null";
+    } else {
+        AppendTextField(out, start, date);
+    }
 }
 
 } // namespace
@@ -35,21 +52,21 @@ void AppendEntryLine(std::string& out, const CatalogueItem& item, const std::str
     out += item.IsFolder() ? "/\n" : "\n";
 }
 
+// Field by field: objects of the JSON library took three times as long as all the rest of a listing.
 void AppendEntryJson(std::string& out, const CatalogueItem& item, const std::string& path) {
-    const nlohmann::ordered_json object = {{"id", item.EntryId},
-                                           {"path", path},
-                                           {"name", NarrowText(item.Name)},
-                                           {"folder", item.IsFolder()},
-                                           {"live", item.IsLive()},
-                                           {"size", item.Size},
-                                           {"record", item.RecordNumber},
-                                           {"parent", item.ParentNumber},
-                                           {"recordSector", item.RecordSector},
-                                           {"flags", item.Flags},
-                                           {"created", DateJson(item.CreatedDate)},
-                                           {"accessed", DateJson(item.AccessedDate)}};
-    out += object.dump();
-    out += '\n';
+    AppendNumberField(out, R"({"id":)", item.EntryId);
+    AppendTextField(out, R"(,"path":)", path);
+    AppendTextField(out, R"(,"name":)", NarrowText(item.Name));
+    out += item.IsFolder() ? R"(,"folder":true)" : R"(,"folder":false)";
+    out += item.IsLive() ? R"(,"live":true)" : R"(,"live":false)";
+    AppendNumberField(out, R"(,"size":)", item.Size);
+    AppendNumberField(out, R"(,"record":)", item.RecordNumber);
+    AppendNumberField(out, R"(,"parent":)", item.ParentNumber);
+    AppendNumberField(out, R"(,"recordSector":)", item.RecordSector);
+    AppendNumberField(out, R"(,"flags":)", item.Flags);
+    AppendDateField(out, R"(,"created":)", item.CreatedDate);
+    AppendDateField(out, R"(,"accessed":)", item.AccessedDate);
+    out += "}\n";
 }
 
 } // namespace thntfs

@@ -7,11 +7,11 @@
 #include "disktools/CopyMapFile.h"
 #include "platform/files/File.h"
 #include "platform/system/Dates.h"
+#include "platform/system/Text.h"
 #include "scaninfo/ProcessLog.h"
 #include "scaninfo/ScanInfo.h"
 
 #include <utility>
-#include <vector>
 
 namespace thntfs {
 
@@ -79,8 +79,7 @@ void LogFile::Add(ProcessLogEntry entry) {
 
 void LogFile::Write(const std::string& text) {
     if (failure_ == kErrorNone) {
-        const std::vector<std::uint8_t> bytes(text.begin(), text.end());
-        failure_ = file_->Write(bytes);
+        failure_ = file_->Write(TextBytes(text));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/files/File.h"
 #include "platform/files/ReplacementFile.h"
+#include "platform/system/Text.h"
 
 #include <algorithm>
 #include <memory>
@@ -57,7 +58,7 @@ ErrorCode SaveMap(const std::string& path, const CopyMap& map, const CopyPlace& 
     ReplacementFile file;
     ErrorCode code = file.Create(path);
     if (code == kErrorNone) {
-        code = file.Handle().Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        code = file.Handle().Write(TextBytes(text));
     }
     return code == kErrorNone ? file.Commit() : code;
 }

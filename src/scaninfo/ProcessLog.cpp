@@ -2,6 +2,7 @@
 
 #include "platform/files/File.h"
 #include "platform/system/Dates.h"
+#include "platform/system/Text.h"
 
 #include <string_view>
 #include <utility>
@@ -32,9 +33,9 @@ std::string WithLineEnds(std::string_view text) {
 }
 
 ErrorCode WriteText(File& file, std::string& text) {
-    const std::vector<std::uint8_t> bytes(text.begin(), text.end());
+    const ErrorCode code = file.Write(TextBytes(text));
     text.clear();
-    return file.Write(bytes);
+    return code;
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "CliFixture.h"
+#include "cli/Output.h"
 
 namespace thntfs::test {
 
@@ -101,6 +102,16 @@ TEST_F(BrowseTest, ScanShowsTheTree) {
                                   "Bytes:   82 (82 bytes)\n"))
         << run.Out;
     EXPECT_TRUE(Contains(Run({"scan", "--files"}).Out, "      two.txt  13 bytes  [deleted]\n"));
+}
+
+TEST(JsonTextTest, IsThatOfTheLibrary) {
+    std::string text = "plain ä€\U0001F600";
+    for (unsigned char sign = 0; sign < 0x80; ++sign) {
+        text += static_cast<char>(sign);
+    }
+    std::string out;
+    AppendJsonText(out, text);
+    EXPECT_EQ('"' + out + '"', Json(text).dump());
 }
 
 /// Names and types of an object's fields in their order.

@@ -30,6 +30,11 @@ unsigned DaysOfMonth(unsigned year, unsigned month) {
     return month == 2 && IsLeapYear(year) ? 29 : kDays[month - 1];
 }
 
+void PutTwoDigits(std::string& text, std::size_t place, unsigned number) {
+    text[place] = static_cast<char>('0' + number / 10);
+    text[place + 1] = static_cast<char>('0' + number % 10);
+}
+
 } // namespace
 
 std::uint16_t DosDateOfFileTime(std::uint64_t fileTime) {
@@ -57,9 +62,12 @@ std::string IsoDate(std::uint16_t dosDate) {
     if (month < 1 || month > 12 || day < 1 || day > DaysOfMonth(year, month)) {
         return {};
     }
-    std::array<char, 16> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%04u-%02u-%02u", year, month, day);
-    return {text.data(), static_cast<std::size_t>(length)};
+    std::string text = "....-..-..";
+    PutTwoDigits(text, 0, year / 100);
+    PutTwoDigits(text, 2, year % 100);
+    PutTwoDigits(text, 5, month);
+    PutTwoDigits(text, 8, day);
+    return text;
 }
 
 std::string LogTimeText(const std::tm& local) {

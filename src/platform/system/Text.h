@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/system/Bytes.h"
+
 #include <string>
 #include <string_view>
 
@@ -14,5 +16,10 @@ void AppendNarrowText(std::string& out, std::u16string_view wide);
 
 /// UTF-16 text of narrow text. Bytes that are not valid UTF-8 become U+FFFD.
 std::u16string WideText(std::string_view narrow);
+
+/// The bytes of a text, which keeps them.
+inline ConstBytes TextBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
 
 } // namespace thntfs
