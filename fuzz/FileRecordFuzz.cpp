@@ -5,8 +5,15 @@
 #include "content/EntryContent.h"
 #include "engine/DecodeRecord.h"
 #include "engine/FileRecord.h"
+#include "support/MemoryFile.h"
 
 using namespace thntfs;
+
+namespace {
+
+constexpr std::uint64_t kMostContent = 1U << 20U;
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ConstBytes input(data, size);
@@ -20,8 +27,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         DecodeFileRecord(record, entry);
         HasAttributeList(record);
         std::vector<AttributeListNode> nodes;
+        CatalogueItem item; // of the same record, where it lies
+        item.Size = kMostContent;
+        test::MemoryFile sink;
+        MissingData missing;
         try {
             ReadAttributeList(record, nodes);
+            ReadEntryContent(item, sink, missing);
         } catch (const CUserException&) {
         }
     }

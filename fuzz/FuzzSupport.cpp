@@ -101,7 +101,8 @@ void ReadContents() {
         try {
             Engine.BytesWritten = 0;
             if (LoadEntryInto(static_cast<std::uint32_t>(id), item) != 0) {
-                ReadEntryContent(item, sink);
+                MissingData missing;
+                ReadEntryContent(item, sink, missing);
             }
         } catch (const CUserException&) {
         }

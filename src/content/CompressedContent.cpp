@@ -28,8 +28,9 @@ std::uint64_t UnitBytes(unsigned unitExponent) {
 // Collects the clusters of one unit and puts the unit out when it is complete.
 class UnitWriter {
 public:
-    UnitWriter(File& outputHandle, std::uint64_t size, std::uint64_t unitBytes)
+    UnitWriter(File& outputHandle, std::uint64_t size, std::uint64_t unitBytes, MissingData& missing)
         : outputHandle_(outputHandle)
+        , missing_(missing)
         , size_(size)
         , raw_(static_cast<std::size_t>(unitBytes))
         , plain_(static_cast<std::size_t>(unitBytes)) {}
@@ -46,12 +47,12 @@ public:
         const Bytes place =
             Bytes(raw_).subspan(collected_, std::size_t{clusters} * Engine.VolumeParams.ClusterBytes);
         const ReadOutcome outcome = ReadSectorsCleared(place, sector);
-        Engine.BytesBehindEnd += BytesBehindMedium(sector, place.size());
+        missing_.AddBehindEnd(sector, place.size());
         KeepUnread(outcome, sector, place.size());
         collected_ += place.size();
         taken_ += place.size();
         if (collected_ == raw_.size()) {
-            NoteUnread(BytesWanted());
+            SettleUnread(BytesWanted());
             Put(raw_); // a unit that compression would not have made smaller
         }
     }
@@ -60,10 +61,10 @@ public:
     void Close() {
         const ConstBytes collected = ConstBytes(raw_).first(collected_);
         if (IsChunkChain(collected)) {
-            NoteUnread(ChunksEnd(collected, BytesWanted()));
+            SettleUnread(ChunksEnd(collected, BytesWanted()));
             Put(ConstBytes(plain_).first(DecompressLznt1(collected, plain_)));
         } else {
-            NoteUnread(collected.size());
+            SettleUnread(collected.size());
             Put(collected);
         }
     }
@@ -88,10 +89,10 @@ private:
     }
 
     /// What lies in the last cluster behind the `dataBytes` bytes of data is nobody's loss.
-    void NoteUnread(std::uint64_t dataBytes) {
+    void SettleUnread(std::uint64_t dataBytes) {
         for (const UnreadPlace& place : unread_) {
             if (place.Offset < dataBytes) {
-                NoteUnreadSector(place.Sector);
+                missing_.AddSector(place.Sector);
             }
         }
         unread_.clear();
@@ -106,6 +107,7 @@ private:
     }
 
     File& outputHandle_;
+    MissingData& missing_;
     std::uint64_t size_; ///< of the file, in bytes
     std::vector<std::uint8_t> raw_;
     std::vector<std::uint8_t> plain_;
@@ -116,16 +118,16 @@ private:
 
 } // namespace
 
-int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs,
-                        unsigned unitExponent) {
+void WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs,
+                         unsigned unitExponent, MissingData& missing) {
     const std::uint64_t unitBytes = UnitBytes(unitExponent);
     if (unitBytes == 0) {
-        return 1;
+        return;
     }
     const std::uint64_t limit = VolumeByteLimit();
     const std::uint64_t end =
         std::min(entry.Size, limit > ~std::uint64_t{0} / kMaxRatio ? limit : kMaxRatio * limit);
-    UnitWriter unit(outputHandle, entry.Size, unitBytes);
+    UnitWriter unit(outputHandle, entry.Size, unitBytes, missing);
     for (const MftExtent& run : runs) {
         if (ContentStopped()) {
             break;
@@ -146,7 +148,6 @@ int WriteCompressedRuns(const CatalogueItem& entry, File& outputHandle, const st
         }
         ReportContentProgress(entry.Size);
     }
-    return 1;
 }
 
 } // namespace thntfs

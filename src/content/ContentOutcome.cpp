@@ -45,9 +45,9 @@ private:
     std::uint64_t begun_ = 0; ///< up to here the bytes are on their way to the device
 };
 
-ContentEnd RunToItsEnd(const CatalogueItem& entry, CountingFile& output) {
+ContentEnd RunToItsEnd(const CatalogueItem& entry, CountingFile& output, MissingData& missing) {
     try {
-        if (ReadEntryContent(entry, output) == 0) {
+        if (!ReadEntryContent(entry, output, missing)) {
             return ContentEnd::RecordDamaged;
         }
     } catch (const CUserException&) {
@@ -58,9 +58,7 @@ ContentEnd RunToItsEnd(const CatalogueItem& entry, CountingFile& output) {
 
 } // namespace
 
-bool ContentOutcome::Whole() const {
-    return End == ContentEnd::Reached && Written == Size && BytesBehindEnd == 0 && SectorsUnread == 0;
-}
+bool ContentOutcome::Whole() const { return End == ContentEnd::Reached && Written == Size && Missing.None(); }
 
 bool ContentOutcome::Kept() const {
     return End == ContentEnd::Reached || (End == ContentEnd::RecordDamaged && Written != 0);
@@ -71,15 +69,16 @@ std::vector<std::string> DamageReasons(const ContentOutcome& outcome) {
     if (outcome.End == ContentEnd::RecordDamaged) {
         reasons.emplace_back("one of its file records is damaged");
     }
-    if (outcome.SectorsUnread != 0) {
-        reasons.push_back(
-            outcome.SectorsUnread == 1
-                ? "sector " + std::to_string(outcome.FirstSectorUnread) + " could not be read and is zeros"
-                : std::to_string(outcome.SectorsUnread) + " sectors, the first of them " +
-                      std::to_string(outcome.FirstSectorUnread) + ", could not be read and are zeros");
+    const MissingData& missing = outcome.Missing;
+    if (missing.SectorsUnread == 1) {
+        reasons.push_back("sector " + std::to_string(missing.FirstSectorUnread) +
+                          " could not be read and is zeros");
+    } else if (missing.SectorsUnread != 0) {
+        reasons.push_back(std::to_string(missing.SectorsUnread) + " sectors, the first of them " +
+                          std::to_string(missing.FirstSectorUnread) + ", could not be read and are zeros");
     }
-    if (outcome.BytesBehindEnd != 0) {
-        reasons.push_back(std::to_string(outcome.BytesBehindEnd) +
+    if (missing.BytesBehindEnd != 0) {
+        reasons.push_back(std::to_string(missing.BytesBehindEnd) +
                           " bytes lie behind the end of the medium and are zeros");
     }
     const std::string lengths = "it came out " + std::to_string(outcome.Written) +
@@ -95,10 +94,8 @@ std::vector<std::string> DamageReasons(const ContentOutcome& outcome) {
 ContentOutcome TakeContent(const CatalogueItem& entry, File& output) {
     CountingFile counted(output);
     Engine.BytesWritten = 0;
-    Engine.BytesBehindEnd = 0;
-    Engine.SectorsUnread = 0;
     ContentOutcome outcome;
-    outcome.End = RunToItsEnd(entry, counted);
+    outcome.End = RunToItsEnd(entry, counted, outcome.Missing);
     if (outcome.End != ContentEnd::WriteFailed && outcome.End != ContentEnd::MediumFailed &&
         Engine.ScanRunFlag == 0) {
         outcome.End = ContentEnd::Stopped;
@@ -106,9 +103,6 @@ ContentOutcome TakeContent(const CatalogueItem& entry, File& output) {
     outcome.WriteError = counted.Failure;
     outcome.Size = entry.Size;
     outcome.Written = counted.Written;
-    outcome.BytesBehindEnd = Engine.BytesBehindEnd;
-    outcome.SectorsUnread = Engine.SectorsUnread;
-    outcome.FirstSectorUnread = Engine.FirstSectorUnread;
     return outcome;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "catalogue/CatalogueReader.h"
-#include "platform/system/Bytes.h"
+#include "content/MissingData.h"
 #include "platform/system/ErrorCodes.h"
 
 #include <cstdint>
@@ -24,12 +24,10 @@ enum class ContentEnd {
 /// How a file's content came out. The one judgement on what is whole and what is damaged.
 struct ContentOutcome {
     ContentEnd End = ContentEnd::Reached;
-    ErrorCode WriteError = kErrorNone;   ///< of the write that failed
-    std::uint64_t Size = 0;              ///< bytes that the file should have
-    std::uint64_t Written = 0;           ///< bytes put out
-    std::uint64_t BytesBehindEnd = 0;    ///< of these, zeros for what lies behind the end of the medium
-    std::uint64_t SectorsUnread = 0;     ///< sectors of its data that stayed unreadable and are zeros
-    std::uint64_t FirstSectorUnread = 0; ///< the first of them, on the medium
+    ErrorCode WriteError = kErrorNone; ///< of the write that failed
+    std::uint64_t Size = 0;            ///< bytes that the file should have
+    std::uint64_t Written = 0;         ///< bytes put out
+    MissingData Missing;               ///< of these
 
     /// Every byte that was asked for, and none besides.
     [[nodiscard]] bool Whole() const;

@@ -39,13 +39,12 @@ ListVisitor NodeCollector(std::vector<AttributeListNode>& nodes) {
     };
 }
 
-using RecordVisitor = std::function<int(ConstBytes record)>;
+using RecordVisitor = std::function<void(ConstBytes record)>;
 
 // The pieces of the data come one behind the other in the order of the list.
-int VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
+bool VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
     std::vector<AttributeListNode> nodes;
     ReadAttributeList(record, nodes);
-    int result = 1;
     for (const AttributeListNode& node : nodes) {
         if (node.AttributeType != kTypeData) {
             continue;
@@ -55,22 +54,26 @@ int VisitListedRecords(RecordBuffer& record, const RecordVisitor& visit) {
             continue;
         }
         if (!ReadFileRecord(record, *sector)) {
-            return 0;
+            return false;
         }
-        result = visit(record);
+        visit(record);
     }
-    return result;
+    return true;
 }
 
-// Hands over each record that may hold a part of the entry's data.
-int VisitDataRecords(const CatalogueItem& entry, const RecordVisitor& visit) try {
+// Hands over each record that may hold a part of the entry's data. Gives false where one fails its check.
+bool VisitDataRecords(const CatalogueItem& entry, const RecordVisitor& visit) try {
     RecordBuffer record(Engine.VolumeParams.FileRecordBytes);
     if (!ReadFileRecord(record, entry.RecordSector)) {
-        return 0;
+        return false;
     }
-    return HasAttributeList(record) ? VisitListedRecords(record, visit) : visit(record);
+    if (HasAttributeList(record)) {
+        return VisitListedRecords(record, visit);
+    }
+    visit(record);
+    return true;
 } catch (const std::exception&) {
-    return 0;
+    return false;
 }
 
 std::optional<Attribute> FindData(ConstBytes record) {
@@ -106,76 +109,87 @@ std::uint64_t BytesHeld(ConstBytes record, std::uint64_t limit) {
 
 } // namespace
 
-int ReadEntryContent(const CatalogueItem& entry, File& outputHandle) {
+bool ReadEntryContent(const CatalogueItem& entry, File& outputHandle, MissingData& missing) {
     return VisitDataRecords(
-        entry, [&](ConstBytes record) { return WriteDataAttribute(entry, outputHandle, record); });
+        entry, [&](ConstBytes record) { WriteDataAttribute(entry, outputHandle, record, missing); });
 }
 
 std::uint64_t ContentNeed(const CatalogueItem& entry) {
     const std::uint64_t limit = std::min(entry.Size, VolumeByteLimit());
     std::uint64_t need = 0;
-    VisitDataRecords(entry, [&](ConstBytes record) {
-        need = std::min(limit, need + BytesHeld(record, limit));
-        return 1;
-    });
+    VisitDataRecords(entry,
+                     [&](ConstBytes record) { need = std::min(limit, need + BytesHeld(record, limit)); });
     return need;
 }
 
-int WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record) {
+void WriteDataAttribute(const CatalogueItem& entry, File& outputHandle, ConstBytes record,
+                        MissingData& missing) {
     const std::optional<Attribute> data = FindData(record);
     if (!data) {
-        return 1;
+        return;
     }
     if (data->NonResident() == 0) {
-        return data->ValueLength() != 0 ? WriteCatalogue(outputHandle, data->Value()) : 1;
+        if (data->ValueLength() != 0) {
+            WriteCatalogue(outputHandle, data->Value());
+        }
+        return;
     }
     std::vector<MftExtent> runs;
     DecodeRunList(record, data->RunListStart(), runs);
-    return data->Flags() == kFlagsCompressed
-               ? WriteCompressedRuns(entry, outputHandle, runs, data->CompressionUnit())
-               : WriteRuns(entry, outputHandle, runs);
+    if (data->Flags() == kFlagsCompressed) {
+        WriteCompressedRuns(entry, outputHandle, runs, data->CompressionUnit(), missing);
+    } else {
+        WriteRuns(entry, outputHandle, runs, missing);
+    }
 }
 
-int ReadAttributeList(ConstBytes record, std::vector<AttributeListNode>& nodes) {
+bool ReadAttributeList(ConstBytes record, std::vector<AttributeListNode>& nodes) {
     AttributeWalk walk(record);
     walk.Next();
     const Attribute list = walk.Current();
     if (list.Type() != kTypeAttributeList) {
-        return 0;
+        return false;
     }
     WalkAttributeList(record, list, NodeCollector(nodes), [](const ReadOutcome&) { return true; });
-    return 1;
+    return true;
 }
 
-int WriteRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs) {
-    const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+namespace {
+
+// Reads the next clusters of a run and writes what the entry's size leaves of them.
+void WritePiece(const CatalogueItem& entry, File& outputHandle, Bytes buffer, std::uint64_t sector,
+                MissingData& missing) {
+    const ReadOutcome outcome = ReadSectorsCleared(buffer, sector);
+    const Bytes piece = buffer.first(
+        static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), entry.Size - Engine.BytesWritten)));
+    missing.AddMissingOf(outcome, sector, piece.size());
+    Engine.BytesWritten += piece.size();
+    WriteCatalogue(outputHandle, piece);
+    ReportContentProgress(entry.Size);
+}
+
+} // namespace
+
+void WriteRuns(const CatalogueItem& entry, File& outputHandle, const std::vector<MftExtent>& runs,
+               MissingData& missing) {
+    const VolumeParams& volume = Engine.VolumeParams;
     const std::uint64_t end = std::min(entry.Size, VolumeByteLimit());
-    if (clusterBytes == 0 || clusterBytes > kMaxClusterBytes) {
-        return 1;
+    if (volume.ClusterBytes == 0 || volume.ClusterBytes > kMaxClusterBytes) {
+        return;
     }
     const std::uint32_t perPiece = ClustersPerPiece();
-    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(perPiece * clusterBytes));
+    std::vector<std::uint8_t> buffer(std::size_t{perPiece} * volume.ClusterBytes);
     for (const MftExtent& run : runs) {
-        if (run.StartCluster == 0) {
-            continue; // a hole
-        }
         std::uint64_t sector = SectorOfCluster(run.StartCluster);
-        std::uint32_t left = run.Clusters;
+        std::uint32_t left = run.StartCluster == 0 ? 0 : run.Clusters; // a hole is passed over
         while (left > 0 && Engine.BytesWritten < end && !ContentStopped()) {
             const std::uint32_t clusters = std::min(left, perPiece);
+            WritePiece(entry, outputHandle, Bytes(buffer).first(std::size_t{clusters} * volume.ClusterBytes),
+                       sector, missing);
             left -= clusters;
-            Bytes piece(buffer.data(), static_cast<std::size_t>(clusters * clusterBytes));
-            const ReadOutcome outcome = ReadSectorsCleared(piece, sector);
-            piece = piece.first(static_cast<std::size_t>(
-                std::min<std::uint64_t>(piece.size(), entry.Size - Engine.BytesWritten)));
-            NoteMissingData(outcome, sector, piece.size());
-            sector += std::uint64_t{clusters} * Engine.VolumeParams.SectorsPerCluster;
-            Engine.BytesWritten += piece.size();
-            WriteCatalogue(outputHandle, piece);
-            ReportContentProgress(entry.Size);
+            sector += std::uint64_t{clusters} * volume.SectorsPerCluster;
         }
     }
-    return 1;
 }
 
 } // namespace thntfs

@@ -54,10 +54,10 @@ void TakeData(const CatalogueItem& entry, ConstBytes record, const Attribute& da
     }
 }
 
-int FillPreviewBuffer(const CatalogueItem& entry) {
+void FillPreviewBuffer(const CatalogueItem& entry) {
     std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
     if (!ReadFileRecord(record, entry.RecordSector)) {
-        return 0;
+        return;
     }
     for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const Attribute attribute = walk.Current();
@@ -69,24 +69,23 @@ int FillPreviewBuffer(const CatalogueItem& entry) {
             break;
         }
     }
-    return 1;
 }
 
 } // namespace
 
-int LoadPreviewBuffer(const CatalogueItem& entry) try {
+bool LoadPreviewBuffer(const CatalogueItem& entry) try {
     const std::uint64_t clusterBytes = Engine.VolumeParams.ClusterBytes;
     if (entry.Size == 0 || entry.Size > kMaxPreviewBytes || clusterBytes == 0 ||
         clusterBytes > kMaxPreviewCluster) {
-        return 0;
+        return false;
     }
     Engine.PreviewLength = 0;
     Engine.PreviewBuffer.assign(static_cast<std::size_t>((entry.Size / clusterBytes + 1) * clusterBytes), 0);
     FillPreviewBuffer(entry);
-    return 1;
+    return true;
 } catch (const std::bad_alloc&) {
     Engine.PreviewBuffer.clear();
-    return 0;
+    return false;
 }
 
 } // namespace thntfs

@@ -58,11 +58,8 @@ struct EngineState {
     std::string ImageFolder;
 
     // Content of one file on its way out.
-    std::uint64_t BytesWritten = 0;      ///< bytes of the current file put out so far
-    std::uint64_t BytesBehindEnd = 0;    ///< of these, bytes that would lie behind the end of the medium
-    std::uint64_t SectorsUnread = 0;     ///< sectors of its data that stayed unreadable
-    std::uint64_t FirstSectorUnread = 0; ///< the first of them, on the medium
-    std::uint8_t PreviewActive = 0;      ///< 1: the writers send no progress
+    std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far
+    bool PreviewActive = false;     ///< the writers send no progress
     std::vector<std::uint8_t> PreviewBuffer;
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
 

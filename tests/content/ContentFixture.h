@@ -45,13 +45,16 @@ protected:
     }
 
     /// Places the record and reads its content with a size in the catalogue; the file is in Out.
-    int Read(const RecordBuilder& record, std::uint64_t size) {
+    bool Read(const RecordBuilder& record, std::uint64_t size) {
         Volume.PlaceRecord(record);
+        return Read(ItemOf(record.Number(), size));
+    }
+    bool Read(const CatalogueItem& item) {
+        MissingData missing;
         Out.Clear();
         Engine.BytesWritten = 0;
-        Engine.BytesBehindEnd = 0;
         Reports.Progress.clear();
-        return ReadEntryContent(ItemOf(record.Number(), size), Out);
+        return ReadEntryContent(item, Out, missing);
     }
 
     /// Bytes of each write to Out.

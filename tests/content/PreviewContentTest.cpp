@@ -16,7 +16,7 @@ protected:
         Engine.PreviewLength = 0;
     }
 
-    int Load(const RecordBuilder& record, std::uint64_t size) {
+    bool Load(const RecordBuilder& record, std::uint64_t size) {
         Volume.PlaceRecord(record);
         return LoadPreviewBuffer(ItemOf(record.Number(), size));
     }
@@ -24,17 +24,6 @@ protected:
     [[nodiscard]] static ByteVector Loaded() {
         return FirstOf(Engine.PreviewBuffer, static_cast<std::size_t>(Engine.PreviewLength));
     }
-};
-
-/// A host that keeps the text, caption and icon of its boxes.
-class BoxHost : public EngineHost {
-public:
-    BoxHost() { SetHost(this); }
-    ~BoxHost() override { SetHost(nullptr); }
-    void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override {
-        Boxes.push_back(text + "|" + caption + (icon == BoxIcon::Warning ? "|warning" : ""));
-    }
-    std::vector<std::string> Boxes;
 };
 
 } // namespace
@@ -45,11 +34,11 @@ TEST_F(PreviewContentTest, TheGuard) {
          {std::uint64_t{0}, kLimit + 1, std::uint64_t{1} << 32U, ~std::uint64_t{0}}) {
         Engine.PreviewLength = 0;
         Plan->Log.clear();
-        EXPECT_EQ(Load(record, size), 0) << size;
+        EXPECT_FALSE(Load(record, size)) << size;
         EXPECT_EQ(Engine.PreviewLength, 0U);
         EXPECT_TRUE(Plan->Log.empty());
     }
-    EXPECT_EQ(Load(record, kLimit), 1);
+    EXPECT_TRUE(Load(record, kLimit));
     EXPECT_EQ(Loaded(), BytesOf("abc"));
     EXPECT_EQ(Engine.PreviewBuffer.size(), kLimit + 4096);
 }
@@ -59,24 +48,23 @@ TEST_F(PreviewContentTest, ClustersUpToTheSize) {
     const NonResidentValue data = {
         .Runs = {PutRun(FirstOf(plain, 8192)), {9, {}}, PutRun({plain.begin() + 8192, plain.end()})}};
     for (const std::size_t size : {1U, 4095U, 4096U, 4097U, 8192U, 8193U, 20479U, 20480U}) {
-        EXPECT_EQ(Load(Record().AddData(data), size), 1);
+        EXPECT_TRUE(Load(Record().AddData(data), size));
         EXPECT_EQ(Loaded(), FirstOf(plain, size)) << size;
         EXPECT_GT(Engine.PreviewBuffer.size(), size);
     }
-    EXPECT_EQ(Load(Record().AddData(data), 56 * 1024), 1);
+    EXPECT_TRUE(Load(Record().AddData(data), 56 * 1024));
     EXPECT_EQ(Loaded(), plain) << "the holes are missing at the end";
-    EXPECT_EQ(Load(Record().AddData({.Runs = {{1600, 200}}}), kLimit), 1);
+    EXPECT_TRUE(Load(Record().AddData({.Runs = {{1600, 200}}}), kLimit));
     EXPECT_EQ(Engine.PreviewLength, 1600U * 4096);
 }
 
 TEST_F(PreviewContentTest, WhatItDoesNotLoad) {
-    BoxHost boxes;
-    EXPECT_EQ(Load(Record().AddData({.Runs = {PutRun(PatternBytes(4096))}, .Flags = 1}), 100), 1);
+    EXPECT_TRUE(Load(Record().AddData({.Runs = {PutRun(PatternBytes(4096))}, .Flags = 1}), 100));
     EXPECT_EQ(Engine.PreviewLength, 0U);
-    EXPECT_EQ(boxes.Boxes, (std::vector<std::string>{"Preview not available|Compressed data|warning"}));
-    EXPECT_EQ(Load(Record().AddData({.Runs = {PutRun(PatternBytes(4096))}, .Flags = 0x8001}), 100), 1);
+    EXPECT_EQ(Reports.Boxes, (std::vector<std::string>{"Preview not available|Compressed data|!"}));
+    EXPECT_TRUE(Load(Record().AddData({.Runs = {PutRun(PatternBytes(4096))}, .Flags = 0x8001}), 100));
     EXPECT_EQ(Engine.PreviewLength, 100U);
-    EXPECT_EQ(boxes.Boxes.size(), 1U);
+    EXPECT_EQ(Reports.Boxes.size(), 1U);
 
     Load(Volume.NewRecord(40).AddStandardInformation().AddAttributeList(std::vector<ListEntry>{{kData, 41}}),
          100);
@@ -86,7 +74,7 @@ TEST_F(PreviewContentTest, WhatItDoesNotLoad) {
     Load(Record(), 100);
     EXPECT_EQ(Engine.PreviewLength, 0U);
     Volume.PlaceRecord(40, ByteVector(1024));
-    EXPECT_EQ(LoadPreviewBuffer(ItemOf(40, 100)), 1);
+    EXPECT_TRUE(LoadPreviewBuffer(ItemOf(40, 100)));
     EXPECT_EQ(Engine.PreviewLength, 0U);
 }
 
@@ -102,7 +90,7 @@ TEST_F(PreviewContentTest, ABadSectorCostsItsCluster) {
     const ByteVector plain = PatternBytes(3 * 4096);
     const DataRun run = PutRun(plain);
     Plan->Rules = {{Volume.Geometry().SectorOf(*run.Start) + 8, 1, kErrorCrc}};
-    EXPECT_EQ(Load(Record().AddData({.Runs = {run}}), plain.size()), 1);
+    EXPECT_TRUE(Load(Record().AddData({.Runs = {run}}), plain.size()));
     ByteVector expected = plain;
     std::fill_n(expected.begin() + 4096, 4096, std::uint8_t{0});
     EXPECT_EQ(Loaded(), expected);

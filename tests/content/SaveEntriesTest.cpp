@@ -4,6 +4,7 @@
 #include "engine/LocateMft.h"
 #include "scans/BasicScan.h"
 #include "support/FailingFileStore.h"
+#include "support/MemoryFile.h"
 
 #include <filesystem>
 #include <map>
@@ -22,8 +23,8 @@ struct KeptListener : SaveListener {
     std::vector<std::string> Paths;
 };
 
-/// A folder that takes all and can't be synced from a chosen call on.
-class UnsyncedFolder final : public TargetFolder {
+/// A folder with so much room that takes all into one file and can't be synced at a chosen call.
+class FakeFolder final : public TargetFolder {
 public:
     ErrorCode MakeSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
         return kErrorNone;
@@ -31,21 +32,25 @@ public:
     ErrorCode OpenSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
         return kErrorNone;
     }
-    ErrorCode CreateFile(const std::string&, std::unique_ptr<File>&) override { return kErrorNone; }
+    ErrorCode CreateFile(const std::string&, std::unique_ptr<File>& file) override {
+        file = Content.Open();
+        return kErrorNone;
+    }
     ErrorCode CreatePart(std::string&, std::unique_ptr<File>&) override { return kErrorNone; }
     ErrorCode NamePart(const std::string&, const std::string&) override { return kErrorNone; }
     ErrorCode DeleteFile(const std::string&) override { return kErrorNone; }
-    [[nodiscard]] std::optional<std::uint64_t> FreeBytes() const override { return std::nullopt; }
+    [[nodiscard]] std::optional<std::uint64_t> FreeBytes() const override { return Room; }
     ErrorCode Sync() override { return ++Syncs == FailingSync ? kErrorDiskFull : kErrorNone; }
 
+    MemoryFile Content;
+    std::optional<std::uint64_t> Room;
     int Syncs = 0;
     int FailingSync = 0;
 };
 
 class SaveEntriesTest : public CatalogueFixture {
 protected:
-    /// Scans the volume and saves all of it.
-    SaveTotals SaveAll() {
+    void Scan() {
         OpenVolume(Volume);
         Engine.ScanRunFlag = 1;
         EXPECT_EQ(LocateMft(), 1);
@@ -53,6 +58,9 @@ protected:
         EXPECT_EQ(BasicScan(), 1);
         CloseCatalogue();
         EXPECT_EQ(OpenCatalogue(), 1);
+    }
+    SaveTotals ScanAndSaveAll() {
+        Scan();
         std::unique_ptr<TargetFolder> target;
         EXPECT_EQ(TargetFolder::OpenTargetFolder(Target, true, target), kErrorNone);
         EntrySaver saver(std::move(target), Listener, false);
@@ -93,7 +101,7 @@ TEST_F(SaveEntriesTest, WhatCarriesItsNameIsWholeAndTheRestIsNamed) {
         fs::remove_all(Target);
         Listener.Paths.clear();
         Store.FailAt(call, kErrorDiskFull);
-        const SaveTotals totals = SaveAll();
+        const SaveTotals totals = ScanAndSaveAll();
         const auto files = Saved();
         EXPECT_EQ(totals.Files, files.size());
         EXPECT_EQ(totals.Failed, Listener.Paths.size());
@@ -113,10 +121,10 @@ TEST_F(SaveEntriesTest, WhatCarriesItsNameIsWholeAndTheRestIsNamed) {
 }
 
 TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
-    UnsyncedFolder folder;
+    FakeFolder folder;
     folder.FailingSync = 2;
     SaveAccount account(folder, Listener);
-    const ContentOutcome outcome = {.Size = 1U << 20U, .Written = 1U << 20U};
+    const ContentOutcome outcome = {.Size = 1U << 20U, .Written = 1U << 20U, .Missing = {}};
     for (int i = 0; i < 500; ++i) {
         account.FileWritten(std::to_string(i), outcome);
     }
@@ -129,6 +137,22 @@ TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
     folder.FailingSync = folder.Syncs + 1;
     EXPECT_EQ(account.Settle().Failed, totals.Failed + 1);
     EXPECT_EQ(Listener.Paths.back(), "last");
+}
+
+TEST_F(SaveEntriesTest, RoomForTheFileIsEnough) {
+    Volume.AddFile({.Number = 40, .Name = u"plain", .Content = PatternBytes(40000), .InClusters = true});
+    RecordBuilder cut = Volume.NewRecord(41).AddStandardInformation().AddFileName(NameIn(5, u"cut"));
+    Volume.PlaceRecord(cut.AddData({.Runs = {{2, 100}}, .RealSize = 40000}));
+    Scan();
+    for (const auto& [path, need] : {std::pair{"/plain", 40000U}, {"/cut", 8192U}}) {
+        for (const std::uint64_t room : {need, need - 1}) {
+            auto folder = std::make_unique<FakeFolder>();
+            folder->Room = room;
+            EntrySaver saver(std::move(folder), Listener, false);
+            saver.Save(FindEntries(path).front());
+            EXPECT_EQ(saver.Finish().Files, room == need ? 1U : 0U) << path;
+        }
+    }
 }
 
 TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {
@@ -144,7 +168,7 @@ TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     const rlimit few = {95, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-    const SaveTotals totals = SaveAll();
+    const SaveTotals totals = ScanAndSaveAll();
     ::setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_EQ(totals.Files, kDepth);
     EXPECT_EQ(totals.Failed, 0U);

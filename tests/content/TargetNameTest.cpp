@@ -3,7 +3,6 @@
 #include "platform/files/TargetFolder.h"
 
 #include <gtest/gtest.h>
-#include <random>
 
 namespace thntfs::test {
 
@@ -72,23 +71,6 @@ TEST(TargetNameTest, NumberedNames) {
     EXPECT_EQ(NumberedName(".profile", 2), ".profile (2)");
     EXPECT_EQ(NumberedName("a.b.c", 3), "a.b (3).c");
     EXPECT_EQ(NumberedName(Repeat("n", 251, ".jpg"), 4294967295U), Repeat("n", 238, " (4294967295).jpg"));
-}
-
-TEST(TargetNameTest, AnyNameIsOneComponentThatFits) {
-    std::mt19937 random(1);
-    constexpr char16_t kUnits[] = u"ab./\\:\0 \x01\u00E4\u4E2D\xD83D\xDE00*CONU1";
-    for (int round = 0; round < 5000; ++round) {
-        std::u16string name(random() % 256, u' ');
-        for (char16_t& unit : name) {
-            unit = kUnits[random() % (std::size(kUnits) - 1)];
-        }
-        for (const std::string& safe : {TargetName(name), NumberedName(TargetName(name), 7)}) {
-            ASSERT_TRUE(IsPlainName(safe));
-            ASSERT_LE(safe.size(), kMaxTargetNameBytes);
-            ASSERT_EQ(safe.find('\\'), std::string::npos);
-            ASSERT_NE(static_cast<unsigned char>(safe[0]) & 0xC0U, 0x80U) << "no character is cut";
-        }
-    }
 }
 
 } // namespace thntfs::test

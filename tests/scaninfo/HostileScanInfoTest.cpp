@@ -61,10 +61,10 @@ protected:
 
     static void ReadContent(const CatalogueItem& item) {
         Engine.BytesWritten = 0;
-        Engine.BytesBehindEnd = 0;
         try {
             MemoryFile file;
-            ReadEntryContent(item, file);
+            MissingData missing;
+            ReadEntryContent(item, file, missing);
         } catch (const CUserException&) {
         }
     }

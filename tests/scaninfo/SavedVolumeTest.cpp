@@ -2,32 +2,15 @@
 #include "engine/LocateMft.h"
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
-#include "platform/files/File.h"
 #include "scaninfo/ScanInfoFixture.h"
 #include "scans/BasicScan.h"
 #include "support/BuildPaths.h"
 #include "support/Manifest.h"
-#include "support/Sha256.h"
+#include "support/MemoryFile.h"
 
 namespace thntfs::test {
 
 namespace {
-
-class HashingFile : public File {
-public:
-    ErrorCode Write(ConstBytes bytes) override {
-        hash_.Add(bytes);
-        return kErrorNone;
-    }
-    ErrorCode WriteAt(std::uint64_t, ConstBytes) override { return kErrorInvalidParameter; }
-    ErrorCode ReadAt(std::uint64_t, Bytes, std::size_t&) override { return kErrorInvalidParameter; }
-    ErrorCode Size(std::uint64_t&) override { return kErrorInvalidParameter; }
-    ErrorCode Sync() override { return kErrorNone; }
-    std::string Finish() { return hash_.Finish(); }
-
-private:
-    Sha256 hash_;
-};
 
 /// Scans of real volumes, kept and loaded again.
 class SavedVolumeTest : public ScanInfoFixture, public testing::WithParamInterface<std::string> {
@@ -42,7 +25,7 @@ protected:
         ASSERT_EQ(OpenCatalogue(), 1);
     }
 
-    /// Each entry with the hash of its content.
+    /// Each entry with its content.
     static std::vector<std::string> Picture() {
         std::vector<std::string> lines;
         EntryWalk walk({}, WalkReach::Whole);
@@ -50,10 +33,11 @@ protected:
             const CatalogueItem& item = walk.Item();
             lines.push_back(walk.Path() + " " + std::to_string(item.Size) + " " + std::to_string(item.Flags));
             if (!item.IsFolder()) {
-                HashingFile content;
+                MemoryFile content;
+                MissingData missing;
                 Engine.BytesWritten = 0;
-                ReadEntryContent(item, content);
-                lines.back() += " " + content.Finish();
+                ReadEntryContent(item, content, missing);
+                lines.back().append(content.Content.begin(), content.Content.end());
             }
         }
         return lines;
@@ -86,9 +70,7 @@ TEST_P(SavedVolumeTest, LoadsAsItWasScanned) {
     EXPECT_EQ(Picture(), scanned);
 }
 
-INSTANTIATE_TEST_SUITE_P(Packed, SavedVolumeTest,
-                         testing::Values("basic", "compressed", "logical", "mftfrag", "names", "record4k",
-                                         "sector4k"),
+INSTANTIATE_TEST_SUITE_P(Packed, SavedVolumeTest, testing::Values("compressed", "mftfrag"),
                          [](const auto& volume) { return volume.param; });
 
 } // namespace

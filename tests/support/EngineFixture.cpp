@@ -63,7 +63,7 @@ EngineFixture::EngineFixture() { ResetEngineState(); }
 EngineFixture::~EngineFixture() {
     ResetEngineState();
     Engine.ScanRunFlag = 0;
-    Engine.PreviewActive = 0;
+    Engine.PreviewActive = false;
 }
 
 void EngineFixture::OpenDisk(ByteVector bytes, std::uint16_t sectorBytes) {

@@ -29,6 +29,10 @@ void TestHost::JobProgress() {
 
 void TestHost::ErrorBox(const std::string& text) { Boxes.push_back(text); }
 
+void TestHost::MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) {
+    Boxes.push_back(text + "|" + caption + (icon == BoxIcon::Warning ? "|!" : ""));
+}
+
 void TestHost::PauseOneSecond() { ++Pauses; }
 
 void TestHost::PassGate() {

@@ -20,6 +20,7 @@ public:
     void LogEvent(const ProcessLogEntry& entry) override;
     void JobProgress() override;
     void ErrorBox(const std::string& text) override;
+    void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override;
     void PauseOneSecond() override;
     void PassGate() override;
     void SearchPosition(std::uint64_t sector, std::uint64_t endSector) override;
@@ -30,8 +31,8 @@ public:
     [[nodiscard]] std::size_t CountLogged(const std::string& name) const;
 
     std::vector<ProcessLogEntry> Log;
-    std::vector<Pair> Progress; ///< ProgressDone of ProgressTotal at each call
-    std::vector<std::string> Boxes;
+    std::vector<Pair> Progress;     ///< ProgressDone of ProgressTotal at each call
+    std::vector<std::string> Boxes; ///< texts of error boxes; of others "text|caption", "|!" if they warn
     std::vector<Pair> SearchPositions;
     std::vector<std::uint64_t> FoundPartitions;
     std::vector<Pair> CopyPositions;
