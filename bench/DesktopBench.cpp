@@ -9,7 +9,10 @@
 #include "shell/DesktopHost.h"
 #include "shell/DesktopState.h"
 #include "shell/JobThread.h"
+#include "shell/WindowMessages.h"
 #include "views/FolderNodes.h"
+#include "views/THNTFSListView.h"
+#include "views/THNTFSTreeView.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -38,6 +41,11 @@ double MillisecondsOf(Work work) {
 
 void Print(const char* name, double milliseconds) { std::printf("%s=%.1f\n", name, milliseconds); }
 
+template <typename View>
+View& Find(const CMainFrame& frame, const char* name) {
+    return dynamic_cast<View&>(*frame.findChild<QWidget*>(QLatin1String(name)));
+}
+
 FolderNode BiggestFolder() {
     const FolderNodes folders = CollectFolders();
     return *std::max_element(
@@ -50,28 +58,27 @@ void MeasureScan(CMainFrame& frame) {
     RefuseBoxes(true);
     Print("basic_scan", MillisecondsOf([&] {
               frame.BeginBasicScan();
-              while (frame.JobBusy != 0) {
+              while (Engine.ScanRunFlag != 0) {
                   QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
               }
           }));
     RefuseBoxes(false);
 }
 
-void MeasureList(CMainFrame& frame) {
+void MeasureList(CTHNTFSListView& list) {
     const FolderNode folder = BiggestFolder();
     std::printf("list_files=%u\n", folder.DirectFiles);
-    Print("list_fill", MillisecondsOf([&] { WM_LIST_SHOW_FOLDER.Send(frame.ListView, folder.EntryId); }));
+    Print("list_fill", MillisecondsOf([&] { WM_LIST_SHOW_FOLDER.Send(&list, folder.EntryId); }));
     constexpr std::array<SortKind, kColumns> kKinds{
         SortKind::Text, SortKind::WholeNumber, SortKind::Text,       SortKind::Date,
         SortKind::Date, SortKind::Text,        SortKind::WholeNumber};
     double slowest = 0;
     for (int column = 0; column < kColumns; ++column) {
-        slowest = std::max(slowest,
-                           MillisecondsOf([&] { frame.ListView->SortList(column, false, kKinds[column]); }));
+        slowest = std::max(slowest, MillisecondsOf([&] { list.SortList(column, false, kKinds[column]); }));
     }
     Print("list_slowest_sort", slowest);
 
-    auto* details = frame.ListView->findChild<QTreeView*>();
+    auto* details = list.findChild<QTreeView*>();
     QScrollBar* bar = details->verticalScrollBar();
     double slowestStep = 0;
     for (int step = 0; step <= kScrollSteps; ++step) {
@@ -124,16 +131,17 @@ int main(int argc, char** argv) {
     CMainFrame frame;
     frame.show();
     QCoreApplication::processEvents();
-    Print("load", MillisecondsOf([&] { frame.LoadTreeInfoFrom(QString::fromLocal8Bit(argv[1])); }));
-    if (frame.TreeView->IsEmpty()) {
+    Print("load", MillisecondsOf([&] { frame.OpenFile(QString::fromLocal8Bit(argv[1])); }));
+    auto& tree = Find<CTHNTFSTreeView>(frame, "TreeView");
+    if (tree.IsEmpty()) {
         std::fprintf(stderr, "%s can't be loaded\n", argv[1]);
         return 1;
     }
     std::printf("entries=%llu\nfolders=%u\n", static_cast<unsigned long long>(CatalogueEntryCount()),
                 Desktop.TotalFolders);
-    Print("tree_fill", MillisecondsOf([&] { frame.TreeView->FillTree(); }));
+    Print("tree_fill", MillisecondsOf([&] { tree.FillTree(); }));
     MeasureScan(frame);
-    MeasureList(frame);
+    MeasureList(Find<CTHNTFSListView>(frame, "ListView"));
     MeasureLog(frame);
     SetHost(nullptr);
     return 0;

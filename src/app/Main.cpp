@@ -2,7 +2,6 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
-#include "frame/CommandIds.h"
 #include "frame/MainFrame.h"
 #include "platform/files/InstanceLock.h"
 #include "platform/system/Interrupt.h"
@@ -57,7 +56,7 @@ int RunProgram(QApplication& application, const QString& file) {
     if (!file.isEmpty()) {
         QTimer::singleShot(0, &frame, [&frame, &file] { frame.OpenFile(file); });
     } else if (WantsWizard()) {
-        QTimer::singleShot(0, &frame, [&frame] { frame.RunCommand(kCmdWizard); });
+        QTimer::singleShot(0, &frame, [&frame] { frame.RunWizard(); });
     }
     const int status = application.exec();
     CloseCatalogue();

@@ -15,22 +15,22 @@ constexpr const char* kNoFolder = "/dev/null"; // nothing can be created below i
 } // namespace
 
 // The folder may have gone since the last scan: whoever clears up temporary files asks nobody.
-void PlaceCatalogue(WorkFolder& folder, const std::string& medium) {
+void CataloguePlace::KeepAwayFrom(const std::string& medium) {
     const std::string& present = Engine.CatalogueFolder;
-    const bool given = !present.empty() && present != kNoFolder && present != folder.Path();
+    const bool given = !present.empty() && present != kNoFolder && present != folder_.Path();
     if (given && CheckTarget(present, {medium, {}, {}}).Allowed()) {
         return;
     }
-    const WorkPlace place = TakeLastingWorkFolder(folder, medium);
+    const WorkPlace place = TakeLastingWorkFolder(folder_, medium);
     if (place.Code != kErrorNone) {
         Engine.CatalogueFolder = kNoFolder;
         ShowBox(QString::fromStdString(place.Told), QStringLiteral("Error"), BoxIcon::Stop);
         return;
     }
-    if (!place.Told.empty() && folder.Path() != present) {
+    if (!place.Told.empty() && folder_.Path() != present) {
         LogLine("Temporary files", place.Told, kLogInProgress);
     }
-    Engine.CatalogueFolder = folder.Path();
+    Engine.CatalogueFolder = folder_.Path();
 }
 
 } // namespace thntfs

@@ -1,29 +1,113 @@
-// Messages to the main window, and what its commands look like.
+// The making of the main window, and the way of messages through it.
 
 #include "frame/MainFrame.h"
 
+#include "content/TargetRules.h"
 #include "engine/EngineState.h"
-#include "frame/CommandIds.h"
-#include "frame/StatusTexts.h"
-#include "shell/DesktopHost.h"
 #include "shell/DesktopState.h"
-#include "shell/WindowMessages.h"
+#include "shell/Icons.h"
+#include "shell/ProcessLogList.h"
+#include "shell/Settings.h"
+#include "views/THNTFSListView.h"
+#include "views/THNTFSTreeView.h"
 
-#include <QMenuBar>
+#include <QAbstractEventDispatcher>
+#include <QDockWidget>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QStatusTipEvent>
 
 namespace thntfs {
 
+namespace {
+
+constexpr int kTreeWidth = 250;
+constexpr int kListWidth = 650;
+constexpr int kLogHeight = 120;
+constexpr int kSplitterWidth = 4;
+
+} // namespace
+
+CMainFrame::CMainFrame()
+    : splitter_(new QSplitter(Qt::Horizontal, this))
+    , treeView_(new CTHNTFSTreeView(splitter_))
+    , listView_(new CTHNTFSListView(splitter_))
+    , logList_(new CProcessLogList(this))
+    , logPane_(new QDockWidget(QStringLiteral("Process Log"), this))
+    , commands_(*this, [this](std::uint32_t command) { RunCommand(command); })
+    , panes_(statusBar())
+    , scanInfo_(*this)
+    , job_(*this, *treeView_, panes_) {
+    SetMainWindow(this);
+    setWindowTitle(QLatin1String(kProgramName));
+    setWindowIcon(LoadIcon("app"));
+    setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(true);
+    LayOutViews();
+    LayOutLog();
+    UseTheme(themeIndex_);
+    RestoreSettings();
+    WatchForEnd();
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            [this] { UpdateCommands(); });
+    UpdateCommands();
+}
+
+CMainFrame::~CMainFrame() {
+    job_.WaitForWorker();
+    SetMainWindow(nullptr);
+}
+
+void CMainFrame::LayOutViews() {
+    treeView_->setObjectName(QStringLiteral("TreeView"));
+    listView_->setObjectName(QStringLiteral("ListView"));
+    splitter_->setHandleWidth(kSplitterWidth);
+    splitter_->setChildrenCollapsible(false);
+    treeView_->SetListView(listView_);
+    listView_->SetTreeView(treeView_);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({kTreeWidth, kListWidth});
+    setCentralWidget(splitter_);
+}
+
+void CMainFrame::LayOutLog() {
+    logList_->setObjectName(QStringLiteral("LogList"));
+    logList_->SetTabTarget(treeView_);
+    treeView_->SetBackTabTarget(logList_);
+    logPane_->setObjectName(QStringLiteral("ProcessLog"));
+    logPane_->setFeatures(QDockWidget::NoDockWidgetFeatures);
+    logPane_->setWidget(logList_);
+    addDockWidget(Qt::BottomDockWidgetArea, logPane_);
+    resizeDocks({logPane_}, {kLogHeight}, Qt::Vertical);
+}
+
+void CMainFrame::RestoreSettings() {
+    const QSettings settings = OpenSettings();
+    restoreGeometry(settings.value(QStringLiteral("Window/Geometry")).toByteArray());
+    restoreState(settings.value(QStringLiteral("Window/State")).toByteArray());
+    splitter_->restoreState(settings.value(QStringLiteral("Window/Splitter")).toByteArray());
+    commands_.SetToolbarPixels(settings.value(QStringLiteral("Window/ToolbarIcons")).toInt());
+    SetViewMode(settings.value(QStringLiteral("Window/ViewMode"), kCmdDetails).toUInt());
+}
+
+void CMainFrame::SaveSettings() const {
+    QSettings settings = OpenSettings();
+    settings.setValue(QStringLiteral("Window/Geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("Window/State"), saveState());
+    settings.setValue(QStringLiteral("Window/Splitter"), splitter_->saveState());
+    settings.setValue(QStringLiteral("Window/ToolbarIcons"), commands_.ToolbarPixels());
+    settings.setValue(QStringLiteral("Window/ViewMode"), viewMode_);
+}
+
 std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) {
     switch (message) {
     case WM_SHOW_TIPS:
-        TellNotBuilt(QStringLiteral("Tip of the day"));
+        TellNotBuilt(PlainTitle(kCmdTips));
         break;
     case WM_LOG_EVENT:
-        return WM_LOG_ADD.Send(LogList, WM_LOG_EVENT.First(wParam));
+        return WM_LOG_ADD.Send(logList_, WM_LOG_EVENT.First(wParam));
     case WM_COPY_EVENT:
-        LogCopyEvent(WM_COPY_EVENT.First(wParam), WM_COPY_EVENT.Second(lParam));
+        WM_LOG_ADD.Send(logList_, job_.EntryOf(WM_COPY_EVENT.First(wParam), WM_COPY_EVENT.Second(lParam)));
         break;
     case WM_START_BASIC_SCAN:
         StartBasicScan();
@@ -32,19 +116,17 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         FinishJob(WM_JOB_FINISHED.First(wParam));
         break;
     case WM_JOB_FAILED:
-        EndFailedJob();
+        job_.EndFailed();
+        UpdateCommands();
         break;
     case WM_JOB_PROGRESS:
-        ShowJobProgress();
+        panes_.ShowProgress();
         break;
     case WM_PROGRESS_CAPTION:
-        if (ProgressBar) {
-            ProgressBar->Label = QString::fromLatin1(WM_PROGRESS_CAPTION.First(wParam));
-            TheDesktopHost().BeginProgress();
-        }
+        panes_.SetPhase(WM_PROGRESS_CAPTION.First(wParam));
         break;
     case WM_UPDATE_TOTALS:
-        UpdateTotals(WM_UPDATE_TOTALS.First(wParam));
+        panes_.ShowTotals(WM_UPDATE_TOTALS.First(wParam));
         break;
     case WM_SAVE_REQUEST:
         TellNotBuilt(QStringLiteral("Save"));
@@ -69,56 +151,8 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
     return 0;
 }
 
-FrameState CMainFrame::State() const {
-    FrameState state;
-    state.ScanRunning = Engine.ScanRunFlag != 0;
-    state.JobBusy = JobBusy != 0;
-    state.HasTree = !TreeView->IsEmpty();
-    // A search changes the list of candidates on its own thread, to its very end.
-    state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.empty();
-    state.HasLog = !LogList->IsEmpty();
-    state.HasFound = FoundEntry != kNoEntry;
-    state.HasCopyDialog = Desktop.CopyDialog != nullptr;
-    state.CurrentHasParent = TreeView->CurrentHasParent();
-    state.StructuresMissing = Desktop.StructuresMissing;
-    state.BasicScanDone = BasicScanDone != 0;
-    state.TurboScanUsed = Desktop.TurboScanUsed;
-    return state;
-}
-
-void CMainFrame::UpdateCommands() {
-    const FrameState state = State();
-    for (const auto& [command, action] : actions_) {
-        action->setEnabled(CommandEnabled(command, state));
-    }
-    ActionOf(kCmdViewToolbar)->setChecked(!toolbar_->isHidden());
-    ActionOf(kCmdViewStatusBar)->setChecked(!statusBar()->isHidden());
-    ActionOf(ViewMode)->setChecked(true);
-    const Qt::CursorShape shape = state.ScanRunning ? Qt::WaitCursor : Qt::ArrowCursor;
-    if (splitter_->cursor().shape() != shape) {
-        splitter_->setCursor(shape);
-        logPane_->setCursor(shape);
-    }
-}
-
-void CMainFrame::ClearViews() {
-    TreeView->Clear();
-    ListView->Clear();
-    Desktop.TotalFiles = 0;
-    Desktop.TotalFolders = 0;
-    Desktop.TotalBytes = 0;
-    Panes[1]->setText(QLatin1String(kNoTotalsText));
-    Panes[2]->clear(); // the marks went with the folders
-}
-
-void CMainFrame::UpdateTotals(Totals what) {
-    if (what == Totals::All) {
-        Panes[1]->setText(
-            QString::fromStdString(TotalsText(Desktop.TotalBytes, Desktop.TotalFiles, Desktop.TotalFolders)));
-    } else {
-        Panes[2]->setText(QString::fromStdString(
-            MarkedText(Desktop.MarkedBytes, Desktop.MarkedFiles, Desktop.MarkedFolders)));
-    }
+void CMainFrame::TellNotBuilt(const QString& what) {
+    panes_.ShowNotice(what + QStringLiteral(" is not built into the desktop program yet."));
 }
 
 // Prompts of commands go to pane 0 and leave the other panes and a running job's bar alone.
@@ -126,28 +160,58 @@ bool CMainFrame::event(QEvent* event) {
     if (event->type() != QEvent::StatusTip) {
         return QMainWindow::event(event);
     }
-    const QString tip = static_cast<QStatusTipEvent*>(event)->tip();
-    if (!ProgressBar) {
-        const QString idle = notice_.isEmpty() ? QStringLiteral("Ready") : notice_;
-        Panes[0]->setText(tip.isEmpty() ? idle : tip);
-    }
+    panes_.ShowPrompt(static_cast<QStatusTipEvent*>(event)->tip());
     return true;
-}
-
-void CMainFrame::TellNotBuilt(const QString& what) {
-    constexpr int kNoticeMilliseconds = 6000;
-    notice_ =
-        what.isEmpty() ? QString() : what + QStringLiteral(" is not built into the desktop program yet.");
-    QStatusTipEvent idle{QString()};
-    event(&idle);
-    if (!what.isEmpty()) {
-        noticeTimer_.start(kNoticeMilliseconds);
-    }
 }
 
 void CMainFrame::focusInEvent(QFocusEvent* event) {
     QMainWindow::focusInEvent(event);
-    TreeView->setFocus();
+    treeView_->setFocus();
+}
+
+void CMainFrame::ClearViews() {
+    treeView_->Clear();
+    listView_->Clear();
+    Desktop.TotalFiles = 0;
+    Desktop.TotalFolders = 0;
+    Desktop.TotalBytes = 0;
+    panes_.ForgetTotals();
+    panes_.ClearMarked(); // the marks went with the folders
+}
+
+void CMainFrame::BeginBasicScan() {
+    ClearViews();
+    panes_.ShowTotals(Totals::All);
+    ClearFindMark();
+    cataloguePlace_.KeepAwayFrom(SourceMediumPath());
+    job_.SetRunning();
+    scanInfo_.NoteBasicScan();
+    StartBasicScan();
+}
+
+void CMainFrame::StartBasicScan() {
+    job_.StartBasicScan();
+    UpdateCommands();
+}
+
+void CMainFrame::StartTurboScan() {
+    cataloguePlace_.KeepAwayFrom(SourceMediumPath());
+    job_.SetRunning();
+    scanInfo_.NoteTurboScan();
+    panes_.ForgetTotals();
+    ClearFindMark();
+    job_.StartTurboScan(logicalDriveNumber_);
+    UpdateCommands();
+}
+
+void CMainFrame::FinishJob(FinishedJob kind) {
+    job_.TellFinished(kind);
+    if (!ending_) {
+        showMaximized();
+    }
+    job_.ReturnToIdle();
+    UpdateCommands();
+    panes_.ClearMarked();
 }
 
 } // namespace thntfs

@@ -5,6 +5,7 @@
 #include "platform/system/Interrupt.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopState.h"
+#include "views/THNTFSTreeView.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -19,7 +20,7 @@ bool CMainFrame::AskAboutScan() {
     switch (ShowBox(QStringLiteral("Do you want to save scan information?"), QStringLiteral("Confirm"),
                     BoxIcon::Information, BoxButtons::YesNoCancel)) {
     case BoxAnswer::Yes:
-        return SaveTreeInfoByDialog();
+        return SaveTree();
     case BoxAnswer::No:
         return true;
     default:
@@ -30,14 +31,13 @@ bool CMainFrame::AskAboutScan() {
 // To be called before another medium or volume takes the place of what the views show. False where the user
 // would rather keep that.
 bool CMainFrame::GiveUpScan() {
-    if (scanUnsaved_ && !TreeView->IsEmpty() && !AskAboutScan()) {
+    if (scanInfo_.HasUnsavedScan() && !treeView_->IsEmpty() && !AskAboutScan()) {
         return false;
     }
     ClearViews();
     return true;
 }
 
-// A scan that has been given up can't be saved any more, so there is nothing to ask about.
 bool CMainFrame::MayClose() {
     if (Desktop.WaitDialog != nullptr) {
         return false;
@@ -46,11 +46,11 @@ bool CMainFrame::MayClose() {
         ShowBox(QStringLiteral("Please stop running process"), QStringLiteral("Warning"), BoxIcon::Warning);
         return false;
     }
-    if (JobBusy != 0) {
+    if (job_.JobBusy()) {
         ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
         return false;
     }
-    return ScanInfoDirty == 0 || NoScanYet != 0 || !CatalogueIsOfVolumeInWork() || AskAboutScan();
+    return scanInfo_.MayForgetCatalogue() || AskAboutScan();
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
@@ -92,7 +92,7 @@ void CMainFrame::EndIfAsked() {
     RefuseBoxes(true);
     if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
         dialog->done(QDialog::Rejected);
-    } else if (JobBusy == 0 && Desktop.WaitDialog == nullptr) {
+    } else if (!job_.JobBusy() && Desktop.WaitDialog == nullptr) {
         close();
     }
 }

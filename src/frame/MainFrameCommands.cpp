@@ -1,51 +1,21 @@
-// What the commands of the main window do.
+// What the commands of the main window do, and when they may.
 
 #include "dialogs/AboutBox.h"
 #include "dialogs/HelpViewer.h"
+#include "engine/EngineState.h"
 #include "frame/CommandIds.h"
-#include "frame/CommandTable.h"
 #include "frame/MainFrame.h"
-#include "scaninfo/ScanInfo.h"
-#include "shell/Boxes.h"
+#include "frame/Themes.h"
+#include "shell/DesktopHost.h"
 #include "shell/DesktopState.h"
-#include "wizard/WizardSheet.h"
+#include "shell/ProcessLogList.h"
+#include "views/THNTFSListView.h"
+#include "views/THNTFSTreeView.h"
 
-#include <QApplication>
-#include <QDragEnterEvent>
-#include <QFileInfo>
-#include <QMimeData>
-#include <QStatusBar>
-#include <QStyleFactory>
+#include <QDockWidget>
+#include <QSplitter>
 
 namespace thntfs {
-
-namespace {
-
-constexpr std::array<int, 4> kToolbarPixels{16, 24, 32, 48};
-
-QString PlainTitle(std::uint32_t command) {
-    return QString::fromLatin1(TextOfCommand(command).Menu)
-        .section(QLatin1Char('\t'), 0, 0)
-        .remove(QLatin1Char('&'))
-        .trimmed();
-}
-
-// The one local file that is being dragged, empty where it is anything else.
-QString DroppedFile(const QMimeData* data) {
-    const QList<QUrl> urls = data->urls();
-    return urls.size() == 1 && urls.front().isLocalFile() ? urls.front().toLocalFile() : QString();
-}
-
-// Why a file can't be opened, empty where it can.
-QString FaultOf(const QFileInfo& file) {
-    if (file.isDir()) {
-        return file.filePath() + QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
-                                                "saved scan information (.tht, .thd).");
-    }
-    return file.exists() ? QString() : file.filePath() + QStringLiteral(" isn't there.");
-}
-
-} // namespace
 
 void CMainFrame::RunCommand(std::uint32_t command) {
     if (RunViewCommand(command) || RunHelpCommand(command)) {
@@ -65,30 +35,34 @@ void CMainFrame::RunCommand(std::uint32_t command) {
         LoadTreeInfoByDialog();
         break;
     case kCmdSavePartitionInfo:
-        SavePartitionInfoByDialog();
+        if (job_.MayStartWork()) {
+            scanInfo_.SavePartitions();
+        }
         break;
     case kCmdSaveTreeInfo:
-        SaveTreeInfoByDialog();
+        SaveTree();
         break;
     case kCmdExit:
         close();
         break;
     case kCmdStop:
-        StopProcess();
+        job_.Stop();
         break;
     case kCmdTurboScan:
-        StartTurboScan();
+        if (job_.MayStartWork()) {
+            StartTurboScan();
+        }
         break;
     case kCmdParentFolder:
         if (Desktop.WaitDialog == nullptr) {
-            TreeView->GoToParent();
+            treeView_->GoToParent();
         }
         break;
     case kCmdClearLog:
-        LogList->Clear();
+        logList_->Clear();
         break;
     case kCmdSaveLog:
-        SaveLogByDialog();
+        SaveLog(*this, logList_->Log());
         break;
     case kCmdEscape:
         ClearFindMark();
@@ -104,13 +78,14 @@ bool CMainFrame::RunViewCommand(std::uint32_t command) {
     if (command >= kCmdLargeIcons && command <= kCmdDetails) {
         SetViewMode(command);
     } else if (command >= kCmdThemeOffice2000 && command <= kCmdThemeNative) {
-        SetTheme(command);
+        themeIndex_ = static_cast<std::uint8_t>(command - kCmdThemeOffice2000);
+        UseTheme(themeIndex_);
     } else if (command >= kCmdToolbar16 && command <= kCmdToolbar48) {
-        SetToolbarSize(kToolbarPixels[command - kCmdToolbar16]);
+        commands_.SetToolbarPixelsBy(command);
     } else if (command == kCmdViewToolbar) {
-        toolbar_->setVisible(toolbar_->isHidden());
+        commands_.ToggleToolbar();
     } else if (command == kCmdViewStatusBar) {
-        statusBar()->setVisible(statusBar()->isHidden());
+        commands_.ToggleStatusBar();
     } else {
         return false;
     }
@@ -132,9 +107,6 @@ bool CMainFrame::RunHelpCommand(std::uint32_t command) {
     case kCmdFaq:
         ShowHelp(QStringLiteral("faq.htm"));
         return true;
-    case kCmdTips:
-        WM_SHOW_TIPS.Send(this);
-        return true;
     case kCmdAbout:
         ShowAboutBox(this);
         return true;
@@ -143,95 +115,40 @@ bool CMainFrame::RunHelpCommand(std::uint32_t command) {
     }
 }
 
-void CMainFrame::RunWizard(const QString& imagePath) {
-    if (!MayStartWork()) {
-        return;
+void CMainFrame::UpdateCommands() {
+    commands_.Update(State(), viewMode_);
+    const Qt::CursorShape shape = Engine.ScanRunFlag != 0 ? Qt::WaitCursor : Qt::ArrowCursor;
+    if (splitter_->cursor().shape() != shape) {
+        splitter_->setCursor(shape);
+        logPane_->setCursor(shape);
     }
-    CWizardSheet sheet(this, LogicalDriveNumber);
-    if (!imagePath.isEmpty()) {
-        sheet.OpenOnImage(imagePath);
-    }
-    RunSheet(sheet);
 }
 
-void CMainFrame::OpenFoundDrive() {
-    if (!MayStartWork()) {
-        return;
-    }
-    CWizardSheet sheet(this, LogicalDriveNumber);
-    sheet.OpenOnPartitionList(Desktop.ProcessingMode);
-    RunSheet(sheet);
-}
-
-// A click in the list of partitions counts though the wizard is cancelled.
-void CMainFrame::RunSheet(CWizardSheet& sheet) {
-    const bool finished = sheet.Run() == kWizardFinished;
-    LogicalDriveNumber = sheet.State().LogicalDriveNumber;
-    if (finished) {
-        TakeWizardResult(sheet);
-    }
+FrameState CMainFrame::State() const {
+    FrameState state;
+    state.ScanRunning = Engine.ScanRunFlag != 0;
+    state.JobBusy = job_.JobBusy();
+    state.HasTree = !treeView_->IsEmpty();
+    // A search changes the list of candidates on its own thread, to its very end.
+    state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.empty();
+    state.HasLog = !logList_->IsEmpty();
+    state.HasFound = foundEntry_ != kNoEntry;
+    state.HasCopyDialog = Desktop.CopyDialog != nullptr;
+    state.CurrentHasParent = treeView_->CurrentHasParent();
+    state.StructuresMissing = Desktop.StructuresMissing;
+    state.BasicScanDone = job_.BasicScanDone();
+    state.TurboScanUsed = Desktop.TurboScanUsed;
+    return state;
 }
 
 void CMainFrame::SetViewMode(std::uint32_t command) {
-    ViewMode = command >= kCmdLargeIcons && command <= kCmdDetails ? command : kCmdDetails;
-    ListView->SetViewMode(ViewMode);
-}
-
-// A theme is one of the toolkit's styles; the start-up theme is the one that suits the user's desktop.
-void CMainFrame::SetTheme(std::uint32_t command) {
-    static const QString native = QApplication::style()->objectName();
-    switch (command) {
-    case kCmdThemeOffice2000:
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Windows")));
-        break;
-    case kCmdThemeOfficeXp:
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-        break;
-    default:
-        if (QApplication::style()->objectName() != native) {
-            QApplication::setStyle(QStyleFactory::create(native));
-        }
-        break;
-    }
-    ThemeIndex = static_cast<std::uint8_t>(command - kCmdThemeOffice2000);
-}
-
-void CMainFrame::SetToolbarSize(int pixels) {
-    const auto* known = std::find(kToolbarPixels.begin(), kToolbarPixels.end(), pixels);
-    const int size = known != kToolbarPixels.end() ? pixels : 32;
-    toolbar_->setIconSize(QSize(size, size));
+    viewMode_ = command >= kCmdLargeIcons && command <= kCmdDetails ? command : kCmdDetails;
+    listView_->SetViewMode(viewMode_);
 }
 
 void CMainFrame::ClearFindMark() {
-    FoundEntry = kNoEntry;
-    ListView->SetFoundEntry(kNoEntry);
-}
-
-void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
-    if (!DroppedFile(event->mimeData()).isEmpty() && CommandEnabled(kCmdWizard, State())) {
-        event->acceptProposedAction();
-    }
-}
-
-// The file is opened once the drop is over: the program that it comes from waits until then.
-void CMainFrame::dropEvent(QDropEvent* event) {
-    event->acceptProposedAction();
-    QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenFile(path); });
-}
-
-void CMainFrame::OpenFile(const QString& file) {
-    const QString path = QFileInfo(file).absoluteFilePath();
-    const QString fault = FaultOf(QFileInfo(path));
-    if (!fault.isEmpty()) {
-        ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);
-        return;
-    }
-    const ScanInfoKind kind = ProbeScanInfo(path.toStdString()).Kind;
-    if (kind == ScanInfoKind::None) {
-        RunWizard(path);
-    } else if (MayStartWork()) {
-        kind == ScanInfoKind::Tree ? LoadTreeInfoFrom(path) : LoadPartitionInfoFrom(path);
-    }
+    foundEntry_ = kNoEntry;
+    listView_->SetFoundEntry(kNoEntry);
 }
 
 } // namespace thntfs

@@ -2,27 +2,29 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
-#include "frame/MainFrame.h"
 #include "scaninfo/JobLog.h"
 #include "scans/BasicScan.h"
 #include "scans/TurboScan.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopState.h"
+#include "shell/WindowMessages.h"
+#include "views/THNTFSTreeView.h"
 
 #include <exception>
+#include <functional>
 
 namespace thntfs {
 
 namespace {
 
-void FillTree(CMainFrame& frame) {
+void FillTree(CTHNTFSTreeView& tree) {
     try {
-        frame.TreeView->FillTree();
+        tree.FillTree();
     } catch (const CUserException&) { // its box has been seen
     }
 }
 
-bool RunBasicScan(CMainFrame& frame) {
+bool RunBasicScan(MessageTarget& frame, CTHNTFSTreeView& tree) {
     LogBasicScanStarted();
     CloseCatalogue();
     if (CreateCatalogue() == 0) {
@@ -36,19 +38,18 @@ bool RunBasicScan(CMainFrame& frame) {
     if (OpenCatalogue() == 0) {
         return false;
     }
-    FillTree(frame);
+    FillTree(tree);
     LogTreeFillEnded();
     return true;
 }
 
-void ShowFullProgress(CMainFrame& frame) {
+void ShowFullProgress(MessageTarget& frame) {
     Engine.ProgressDone = 1;
     Engine.ProgressTotal = 1;
     WM_JOB_PROGRESS.Send(&frame);
 }
 
-bool RunTurboScan(CMainFrame& frame) {
-    const unsigned number = frame.LogicalDriveNumber;
+bool RunTurboScan(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t number) {
     CloseCatalogue();
     Engine.VolumeParams.TurboScanRun = 1;
     Desktop.StructuresMissing = false;
@@ -69,20 +70,22 @@ bool RunTurboScan(CMainFrame& frame) {
     if (OpenCatalogue() == 0) {
         return false;
     }
-    FillTree(frame);
+    FillTree(tree);
     return true;
 }
 
 // What the library throws for want of memory ends a scan like a catalogue that can't be made.
-bool RunToEnd(bool (*scan)(CMainFrame&), CMainFrame& frame) {
+bool RunToEnd(MessageTarget& frame, FinishedJob kind, const std::function<bool()>& scan) {
     bool done = false;
     try {
-        done = scan(frame);
+        done = scan();
     } catch (const CUserException&) { // its box has been seen
     } catch (const std::exception& failure) {
         Host().ErrorBox(failure.what());
     }
-    if (!done) {
+    if (done) {
+        WM_JOB_FINISHED.Send(&frame, kind);
+    } else {
         LogNoCatalogue();
         WM_JOB_FAILED.Send(&frame);
     }
@@ -91,17 +94,13 @@ bool RunToEnd(bool (*scan)(CMainFrame&), CMainFrame& frame) {
 
 } // namespace
 
-void BasicScanThread(CMainFrame& frame) {
-    if (RunToEnd(&RunBasicScan, frame)) {
-        WM_JOB_FINISHED.Send(&frame, FinishedJob::BasicScan);
-        frame.BasicScanDone = 1;
-    }
+bool BasicScanThread(MessageTarget& frame, CTHNTFSTreeView& tree) {
+    return RunToEnd(frame, FinishedJob::BasicScan, [&] { return RunBasicScan(frame, tree); });
 }
 
-void TurboScanThread(CMainFrame& frame) {
-    if (RunToEnd(&RunTurboScan, frame)) {
-        WM_JOB_FINISHED.Send(&frame, FinishedJob::TurboScan);
-    }
+bool TurboScanThread(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t logicalDriveNumber) {
+    return RunToEnd(frame, FinishedJob::TurboScan,
+                    [&] { return RunTurboScan(frame, tree, logicalDriveNumber); });
 }
 
 } // namespace thntfs

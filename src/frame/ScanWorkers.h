@@ -1,14 +1,17 @@
 #pragma once
 
+#include <cstdint>
+
 namespace thntfs {
 
-class CMainFrame;
+class CTHNTFSTreeView;
+class MessageTarget;
 
-// The threads of the two scans: from a volume in work to a filled tree. Each sends its lines to the log and
-// ends with WM_JOB_FINISHED, or with WM_JOB_FAILED where the catalogue can't be made or opened again. What a
-// stopped scan has found is shown too.
+// What the threads of the two scans do: from a volume in work to a filled tree. Each sends its lines to the
+// log and ends with WM_JOB_FINISHED, or with WM_JOB_FAILED and false where the catalogue can't be made or
+// opened again. What a stopped scan has found is shown too.
 
-void BasicScanThread(CMainFrame& frame);
-void TurboScanThread(CMainFrame& frame);
+bool BasicScanThread(MessageTarget& frame, CTHNTFSTreeView& tree);
+bool TurboScanThread(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t logicalDriveNumber);
 
 } // namespace thntfs

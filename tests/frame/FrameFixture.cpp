@@ -1,21 +1,18 @@
 #include "FrameFixture.h"
 
+#include "catalogue/Catalogue.h"
 #include "platform/media/Medium.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 #include "shell/DesktopState.h"
-#include "shell/PauseGate.h"
-#include "support/BuildPaths.h"
+#include "shell/ProcessLogList.h"
 
-#include <QAbstractItemView>
-#include <QHeaderView>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
-#include <QTreeView>
-#include <chrono>
+#include <algorithm>
 #include <filesystem>
-#include <thread>
 
 namespace thntfs::test {
 
@@ -25,13 +22,11 @@ QString PlainTitle(const QAction& action) {
     return action.text().section(QLatin1Char('\t'), 0, 0).remove(QLatin1Char('&')).trimmed();
 }
 
-QAction* ActionTitled(const QList<QAction*>& actions, const QString& title) {
-    for (QAction* action : actions) {
-        if (PlainTitle(*action) == title) {
-            return action;
-        }
-    }
-    return nullptr;
+QAction& ActionTitled(const QList<QAction*>& actions, const QString& title) {
+    const auto found = std::find_if(actions.begin(), actions.end(),
+                                    [&](const QAction* action) { return PlainTitle(*action) == title; });
+    EXPECT_NE(found, actions.end()) << title.toStdString();
+    return **found;
 }
 
 void AppendTree(const QAbstractItemModel& model, const QModelIndex& parent, int depth, std::string& text) {
@@ -78,29 +73,17 @@ std::string FrameFixture::SavedScanOf(const std::string& medium) {
 
 void FrameFixture::LoadByMenu(const std::string& path) {
     Answers.AnswerFile(QString::fromStdString(path));
-    ChooseInMenu(
-        {QStringLiteral("File"), QStringLiteral("Open Saved Scan Info"), QStringLiteral("Load Tree Info")});
+    ChooseInMenu(kLoadTree);
 }
 
 void FrameFixture::WatchMedium() {
     Engine.SourceDisk.MediaHandle = MakeFaultyMedium(std::move(Engine.SourceDisk.MediaHandle), Plan);
 }
 
-void FrameFixture::AskForStopAtRead(std::uint64_t read) {
-    Plan->OnRead = [this, read](std::uint64_t index, const ReadRequest& /*request*/) {
-        if (index != read) {
-            return;
-        }
-        while (pressing_) { // one key at a time
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        const auto press = [this] {
-            PressKey(Qt::Key_F4);
-            answered_ = true;
-        };
-        QMetaObject::invokeMethod(Frame.get(), press, Qt::QueuedConnection);
-        while (!WorkerGate().IsClosed() && !answered_) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+void FrameFixture::AtRead(std::uint64_t read, const std::function<void()>& act) {
+    Plan->OnRead = [this, read, act](std::uint64_t index, const ReadRequest& /*request*/) {
+        if (index == read) {
+            QMetaObject::invokeMethod(Frame.get(), act, Qt::BlockingQueuedConnection);
         }
     };
 }
@@ -108,21 +91,18 @@ void FrameFixture::AskForStopAtRead(std::uint64_t read) {
 void FrameFixture::PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     Frame->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(Frame.get()));
-    Frame->UpdateCommands();
-    pressing_ = true;
+    RunEvents();
     QTest::keyClick(Frame.get(), key, modifiers);
-    pressing_ = false;
 }
 
-void FrameFixture::ChooseInMenu(const std::vector<QString>& titles) {
-    QAction* action = ActionTitled(Frame->menuBar()->actions(), titles.front());
-    ASSERT_NE(action, nullptr) << titles.front().toStdString();
-    QTest::mouseClick(Frame->menuBar(), Qt::LeftButton, {},
-                      Frame->menuBar()->actionGeometry(action).center());
-    for (std::size_t i = 1; i < titles.size(); ++i) {
+void FrameFixture::ChooseInMenu(const char* path) {
+    QStringList titles = QString::fromLatin1(path).split(QLatin1Char('/'));
+    QMenuBar* bar = Frame->menuBar();
+    QAction* action = &ActionTitled(bar->actions(), titles.takeFirst());
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(action).center());
+    for (const QString& title : titles) {
         QMenu* menu = action->menu();
-        action = ActionTitled(menu->actions(), titles[i]);
-        ASSERT_NE(action, nullptr) << titles[i].toStdString();
+        action = &ActionTitled(menu->actions(), title);
         if (action->menu() != nullptr) { // the mouse would have to wait for it to open
             menu->setActiveAction(action);
             QTest::keyClick(menu, Qt::Key_Right);
@@ -132,13 +112,35 @@ void FrameFixture::ChooseInMenu(const std::vector<QString>& titles) {
     }
 }
 
-bool FrameFixture::WaitForIdle() const {
-    return WaitUntil([this] { return Frame->JobBusy == 0 && Engine.ScanRunFlag == 0; });
+bool FrameFixture::WaitForIdle() {
+    return WaitUntil([this] { return Command("Wizard").isEnabled(); });
 }
+
+QAction& FrameFixture::Command(const char* title) const {
+    return ActionTitled(Frame->actions(), QLatin1String(title));
+}
+
+bool FrameFixture::IsOffered(const char* title) const {
+    RunEvents();
+    return Command(title).isEnabled();
+}
+
+std::set<std::string> FrameFixture::Greyed() const {
+    RunEvents();
+    std::set<std::string> titles;
+    for (const QAction* action : Frame->actions()) {
+        if (!action->isEnabled()) {
+            titles.insert(PlainTitle(*action).toStdString());
+        }
+    }
+    return titles;
+}
+
+const ProcessLog& FrameFixture::Log() const { return Find<CProcessLogList>("LogList").Log(); }
 
 std::vector<std::string> FrameFixture::LogRows() const {
     std::vector<std::string> rows;
-    for (const ProcessLogEntry& row : Frame->LogList->Log().Rows()) {
+    for (const ProcessLogEntry& row : Log().Rows()) {
         rows.push_back(row.Name + " | " + row.Description + " | " + std::to_string(row.Status));
     }
     return rows;
@@ -146,17 +148,22 @@ std::vector<std::string> FrameFixture::LogRows() const {
 
 std::string FrameFixture::TreeText() const {
     std::string text;
-    AppendTree(*Frame->TreeView->model(), {}, 0, text);
+    AppendTree(*Tree().model(), {}, 0, text);
     return text;
 }
 
 std::vector<std::string> FrameFixture::ListNames() const {
-    const auto* details = Frame->ListView->findChild<QTreeView*>();
+    const auto* details = Find<QWidget>("ListView").findChild<QTreeView*>();
     std::vector<std::string> names;
     for (int row = 0; row < details->model()->rowCount(); ++row) {
         names.push_back(details->model()->index(row, 0).data().toString().toStdString());
     }
     return names;
+}
+
+std::string FrameFixture::Pane(int number) const {
+    const QString name = QStringLiteral("StatusPane%1").arg(number);
+    return Frame->findChild<QLabel*>(name)->text().toStdString();
 }
 
 } // namespace thntfs::test

@@ -1,156 +1,75 @@
-// What the window shows before anything has happened: menus, toolbar, panes, prompts.
+// What the window shows before anything has been opened, and how the user changes its look.
 
 #include "FrameFixture.h"
-#include "frame/StatusTexts.h"
+#include "frame/CommandIds.h"
+#include "frame/CommandRules.h"
+#include "shell/ProgressBar.h"
+#include "shell/WindowMessages.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QStatusTipEvent>
 #include <QTest>
-#include <clocale>
-#include <cstdlib>
+#include <QToolBar>
 
 namespace thntfs::test {
 namespace {
 
-std::string TextOf(const QAction& action) {
-    if (action.isSeparator()) {
-        return "-";
-    }
-    std::string text = action.text().toStdString();
-    if (!action.shortcut().isEmpty()) {
-        text += " [" + action.shortcut().toString().toStdString() + "]";
-    }
-    return text;
-}
+class FrameLook : public FrameFixture {
+protected:
+    QToolBar& Toolbar() { return Find<QToolBar>("ToolBar"); }
 
-void AppendMenu(const QMenu& menu, const std::string& indent, std::string& text) {
-    for (const QAction* action : menu.actions()) {
-        text += indent + TextOf(*action) + "\n";
-        if (action->menu() != nullptr) {
-            AppendMenu(*action->menu(), indent + "  ", text);
-        }
+    void OpenAnew() {
+        Frame->close();
+        Frame = std::make_unique<CMainFrame>();
+        Frame->show();
     }
-}
 
-using FrameLook = FrameFixture;
-
-TEST_F(FrameLook, MenusHoldAllCommandsInTheirOrder) {
-    std::string text;
-    for (const QAction* action : Frame->menuBar()->actions()) {
-        text += TextOf(*action) + "\n";
-        AppendMenu(*action->menu(), "  ", text);
+    void ExpectView(const char* title, bool details) {
+        EXPECT_TRUE(Command(title).isChecked()) << title;
+        EXPECT_EQ(Find<QWidget>("ListView").findChild<QTreeView*>()->isVisible(), details) << title;
     }
-    EXPECT_EQ(text, R"(&File
-  &Wizard [Ctrl+W]
-  Open found &Logical Drive [Ctrl+Shift+O]
-  Open Saved Scan Info
-    Load &Partition Info
-    Load &Tree Info [Ctrl+O]
-  -
-  E&xit [Alt+F4]
-&Tools
-  &Find [Ctrl+F]
-  Find Next [F3]
-  Save All [Ctrl+Shift+S]
-  Stop Current Process [F4]
-)"
-                    "  Save Scan Information\tCtrl+I\n"
-                    R"(    Save &Partition Info
-    Save &Tree Info
-  &Go to Parent Folder
-  -
-  Turbo Scan [Ctrl+T]
-  Spoor Hou&nd
-  -
-  Cl&ear Process  Log
-  Sa&ve Process Log
-&View
-  ToolBar
-  &Status Bar
-  -
-  &Large Icons
-  S&mall Icons
-  L&ist
-  &Details
-&Help
-  &Contents [F1]
-  &Tip of the day
-  -
-  Software Feature
-  Contact Us
-  FAQ
-  &Update Wizard
-  -
-  &About  [Ctrl+B]
-)");
-}
+};
 
-TEST_F(FrameLook, ToolbarShowsTitlesPromptsAndIcons) {
-    const auto* toolbar = Frame->findChild<QToolBar*>();
-    std::string text;
-    for (const QAction* action : toolbar->actions()) {
-        text += action->isSeparator()
-                    ? "-"
-                    : action->toolTip().toStdString() + ": " + action->statusTip().toStdString();
-        text += "\n";
-        EXPECT_TRUE(action->isSeparator() || !action->icon().pixmap(32, 32).isNull()) << text;
-    }
-    EXPECT_EQ(text, R"(Wizard: Click here to launch wizard
--
-Spoor Hound : Performs search of known file types in physical media
-Turbo Scan: Searches for lost files/folders
--
-Find: Finds specified files/folders
-Find Next: Finds next matching files/folders
--
-Save All: Saves all recovered data
--
-Stop Current Process: Stops any disk/file scanning process.
--
-Goto Parent: Return to the parent folder
--
-Update Wizard: Check for software updates
--
- Help: Lists help topics
-)");
-    EXPECT_EQ(toolbar->iconSize(), QSize(32, 32));
-}
-
-TEST_F(FrameLook, PanesStandAsAtTheStart) {
-    EXPECT_EQ(Pane(0), "Ready");
-    EXPECT_EQ(Pane(1), "Total 0 KB in 0 Files in 0 Folders");
-    EXPECT_EQ(Pane(2), "");
+TEST_F(FrameLook, AtTheStartNothingIsThereToWorkWith) {
     EXPECT_EQ(Frame->windowTitle().toStdString(), "Tarnholt Volume Salvage (NTFS)");
-    EXPECT_TRUE(Frame->TreeView->IsEmpty());
-}
-
-TEST_F(FrameLook, PromptsComeAndGo) {
-    QStatusTipEvent prompt(QStringLiteral("Saves all recovered data"));
-    QCoreApplication::sendEvent(Frame.get(), &prompt);
-    EXPECT_EQ(Pane(0), "Saves all recovered data");
-    QStatusTipEvent nothing{QString()};
-    QCoreApplication::sendEvent(Frame.get(), &nothing);
-    EXPECT_EQ(Pane(0), "Ready");
-}
-
-TEST_F(FrameLook, SubmenuHasAPromptAndBarsHaveNames) {
-    const auto submenus = Frame->menuBar()->actions()[1]->menu()->actions();
-    EXPECT_EQ(submenus[4]->statusTip().toStdString(), "Saves scanned information");
-    for (QWidget* bar : std::initializer_list<QWidget*>{Frame->menuBar(), Frame->statusBar(), Frame->LogList,
-                                                        Frame->findChild<QToolBar*>()}) {
+    EXPECT_EQ(Pane(0) + "|" + Pane(1) + "|" + Pane(2), "Ready|Total 0 KB in 0 Files in 0 Folders|");
+    EXPECT_TRUE(TreeIsEmpty());
+    EXPECT_EQ(Greyed(), (std::set<std::string>{"", "Open found Logical Drive", "Find", "Find Next",
+                                               "Save All", "Stop Current Process", "Save Partition Info",
+                                               "Save Tree Info", "Go to Parent Folder", "Turbo Scan",
+                                               "Clear Process  Log", "Save Process Log"}));
+    for (const QAction* action : Toolbar().actions()) {
+        EXPECT_TRUE(action->isSeparator() || !action->icon().pixmap(32, 32).isNull());
+    }
+    for (QWidget* bar : std::initializer_list<QWidget*>{Frame->menuBar(), Frame->statusBar(), &Toolbar(),
+                                                        &Find<QWidget>("LogList")}) {
         EXPECT_FALSE(QAccessible::queryAccessibleInterface(bar)->text(QAccessible::Name).isEmpty());
     }
 }
 
+TEST_F(FrameLook, PromptsComeAndGo) {
+    for (const char* text : {"Saves all recovered data", ""}) {
+        QStatusTipEvent prompt{QLatin1String(text)};
+        QCoreApplication::sendEvent(Frame.get(), &prompt);
+        EXPECT_EQ(Pane(0), *text == '\0' ? "Ready" : text);
+    }
+    ChooseInMenu("Tools/Spoor Hound");
+    EXPECT_EQ(Pane(0), "Spoor Hound is not built into the desktop program yet.");
+    ChooseInMenu("Help/Tip of the day");
+    EXPECT_EQ(Pane(0), "Tip of the day is not built into the desktop program yet.");
+}
+
 TEST_F(FrameLook, BackTabGoesRoundByTheLog) {
-    Frame->TreeView->setFocus();
-    for (QWidget* pane : std::initializer_list<QWidget*>{Frame->LogList, Frame->ListView, Frame->TreeView}) {
+    Tree().setFocus();
+    for (const char* name : {"LogList", "ListView", "TreeView"}) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
-        EXPECT_TRUE(pane == QApplication::focusWidget() || pane->isAncestorOf(QApplication::focusWidget()));
+        auto& pane = Find<QWidget>(name);
+        EXPECT_TRUE(&pane == QApplication::focusWidget() || pane.isAncestorOf(QApplication::focusWidget()));
     }
 }
 
@@ -158,70 +77,55 @@ TEST_F(FrameLook, NarrowWindowLeavesRoomForTheProgressBar) {
     Frame->resize(800, 600);
     WM_UPDATE_TOTALS.Send(Frame.get(), Totals::All, 0);
     WM_UPDATE_TOTALS.Send(Frame.get(), Totals::Marked, 1);
-    CProgressBar bar(Frame->Panes[0], QStringLiteral("Populating  :100%"), 100, 100);
+    CProgressBar bar(&Find<QLabel>("StatusPane0"), QStringLiteral("Populating  :100%"), 100, 100);
     RunEvents();
     EXPECT_EQ(Frame->width(), 800);
     EXPECT_GT(bar.width(), 60);
-    EXPECT_GT(Frame->ListView->findChild<QTreeView*>()->columnWidth(0), 150); // names can be read
-}
-
-TEST_F(FrameLook, CommandsToComeSaySo) {
-    ChooseInMenu({QStringLiteral("Tools"), QStringLiteral("Spoor Hound")});
-    EXPECT_EQ(Pane(0), "Spoor Hound is not built into the desktop program yet.");
-    ChooseInMenu({QStringLiteral("Help"), QStringLiteral("Tip of the day")});
-    EXPECT_EQ(Pane(0), "Tip of the day is not built into the desktop program yet.");
+    EXPECT_GT(Find<QWidget>("ListView").findChild<QTreeView*>()->columnWidth(0), 150); // names can be read
 }
 
 TEST_F(FrameLook, BarsAreHiddenAndShownAndTheirLinesMarked) {
-    ChooseInMenu({QStringLiteral("View"), QStringLiteral("ToolBar")});
-    ChooseInMenu({QStringLiteral("View"), QStringLiteral("Status Bar")});
-    EXPECT_TRUE(Frame->findChild<QToolBar*>()->isHidden());
-    EXPECT_TRUE(Frame->statusBar()->isHidden());
-    EXPECT_FALSE(Frame->ActionOf(kCmdViewToolbar)->isChecked());
-    ChooseInMenu({QStringLiteral("View"), QStringLiteral("ToolBar")});
-    EXPECT_FALSE(Frame->findChild<QToolBar*>()->isHidden());
-    EXPECT_TRUE(Frame->ActionOf(kCmdViewToolbar)->isChecked());
+    for (const bool hidden : {true, false}) {
+        ChooseInMenu("View/ToolBar");
+        ChooseInMenu("View/Status Bar");
+        EXPECT_EQ(Toolbar().isHidden(), hidden);
+        EXPECT_EQ(Frame->statusBar()->isHidden(), hidden);
+        EXPECT_EQ(Command("ToolBar").isChecked(), !hidden);
+        EXPECT_EQ(Command("Status Bar").isChecked(), !hidden);
+    }
 }
 
-TEST_F(FrameLook, ToolbarOffersItsSizesAndKeepsTheChoice) {
-    auto* toolbar = Frame->findChild<QToolBar*>();
-    Q_EMIT toolbar->customContextMenuRequested({10, 10});
+TEST_F(FrameLook, SizeOfTheToolbarAndViewModeAreChosenAndKept) {
+    EXPECT_EQ(Toolbar().iconSize(), QSize(32, 32));
+    ExpectView("Details", true);
+    Q_EMIT Toolbar().customContextMenuRequested({10, 10});
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
     ASSERT_EQ(menu->actions().size(), 4);
     QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().back()).center());
-    EXPECT_EQ(toolbar->iconSize(), QSize(48, 48));
-    Frame->close();
-    Frame = std::make_unique<CMainFrame>();
-    EXPECT_EQ(Frame->findChild<QToolBar*>()->iconSize(), QSize(48, 48));
-    Frame->RunCommand(kCmdToolbar16 + 2);
-    Frame->close();
+    ChooseInMenu("View/Small Icons");
+    OpenAnew();
+    EXPECT_EQ(Toolbar().iconSize(), QSize(48, 48));
+    ExpectView("Small Icons", false);
+    for (const char* title : {"Large Icons", "List"}) {
+        ChooseInMenu((std::string("View/") + title).c_str());
+        ExpectView(title, false);
+        ChooseInMenu("View/Details");
+        ExpectView("Details", true);
+    }
+    Command("32x32 pixels").trigger();
+    OpenAnew();
+    ExpectView("Details", true);
+    EXPECT_EQ(Toolbar().iconSize(), QSize(32, 32));
 }
 
-TEST_F(FrameLook, ViewModeIsOneOfFourAndIsKept) {
-    EXPECT_TRUE(Frame->ActionOf(kCmdDetails)->isChecked());
-    ChooseInMenu({QStringLiteral("View"), QStringLiteral("Small Icons")});
-    EXPECT_TRUE(Frame->ActionOf(kCmdSmallIcons)->isChecked());
-    EXPECT_FALSE(Frame->ActionOf(kCmdDetails)->isChecked());
-    Frame->close();
-    Frame = std::make_unique<CMainFrame>();
-    EXPECT_EQ(Frame->ViewMode, kCmdSmallIcons);
-    Frame->RunCommand(kCmdDetails);
-    Frame->close();
-}
-
-TEST(StatusTexts, SwitchUnitAtTheirBoundsInAnyLanguage) {
-    ScratchFolder folder;
-    RunProgram("/usr/bin/localedef", {"-i", "de_DE", "-f", "UTF-8", folder / "de_DE.UTF-8"});
-    ::setenv("LOCPATH", folder.Path().c_str(), 1);
-    std::setlocale(LC_NUMERIC, "de_DE.UTF-8"); // where the system has the means to make it
-    EXPECT_EQ(TotalsText(512, 3, 4), "  0.500 KB in 3 Files in 4 Folders");
-    EXPECT_EQ(TotalsText(1048575, 1, 0), "1023.999 KB in 1 Files in 0 Folders");
-    EXPECT_EQ(TotalsText(1048576, 1, 0), "  1.000 MB in 1 Files in 0 Folders");
-    EXPECT_EQ(TotalsText(1073741823, 1, 0), "1024.000 MB in 1 Files in 0 Folders");
-    EXPECT_EQ(MarkedText(1073741824, 2, 1), "Marked   1.000 GB in 2 Files in 1 Folders");
-    std::setlocale(LC_NUMERIC, "C");
-    ::unsetenv("LOCPATH");
+TEST(CommandRules, OfWhatNoWindowBringsAboutYet) {
+    FrameState state;
+    state.HasFound = true;
+    EXPECT_TRUE(CommandEnabled(kCmdFindNext, state));
+    state.ScanRunning = state.HasCopyDialog = true;
+    EXPECT_FALSE(CommandEnabled(kCmdFindNext, state));
+    EXPECT_FALSE(CommandEnabled(kCmdStop, state));
 }
 
 } // namespace

@@ -1,138 +1,167 @@
-// Scans as jobs: their states, lines and boxes, the user's pause and stop, and what goes wrong on the way.
+// Scans as jobs: what they show and allow, the user's pause and stop, and what goes wrong on the way.
 
 #include "FrameFixture.h"
 #include "shell/DesktopState.h"
+#include "shell/DlgWait.h"
 #include "shell/PauseGate.h"
 #include "support/EnvironmentVariable.h"
 #include "support/FailingFileStore.h"
 
-#include <algorithm>
 #include <filesystem>
 
 namespace thntfs::test {
 namespace {
 
-const std::vector<std::string> kBasicScanLines{
-    "Processing Internal File System Structure..." + kRule + " | 0",
-    "Completed processing Internal File System Structure" + kRule + " | 2",
-    "Populating Directory Structure..." + kRule + " | 0",
-    "Completed Populating Directory Structure" + kRule + " | 2",
-};
+using Titles = std::set<std::string>;
+
+const std::string kPaused = "Internal File processing | Process Paused | 0";
+const std::string kResumed = "Internal File processing | Process Resumed | 0";
 
 class ScanJobs : public FrameFixture {
 protected:
     void Load(const std::string& image = "basic.img") {
         LoadByMenu(SavedScanOf(Volume(image)));
-        Frame->RunCommand(kCmdClearLog);
+        ClearLog();
         WatchMedium();
     }
 
-    [[nodiscard]] std::string BoxText(std::size_t number) const {
-        return Answers.Boxes.at(number).Text.toStdString();
+    void ClearLog() { ChooseInMenu("Tools/Clear Process  Log"); }
+
+    void Scan() {
+        Frame->BeginBasicScan();
+        ASSERT_TRUE(WaitForIdle());
     }
+
+    /// Chooses a command as a key does that comes before its rule is looked at again; gives the boxes' texts.
+    std::vector<std::string> Insist(const char* title) {
+        Answers.Boxes.clear();
+        Command(title).setEnabled(true);
+        Command(title).trigger();
+        return BoxTexts();
+    }
+
+    std::vector<std::string> Close() {
+        Answers.Boxes.clear();
+        Frame->close();
+        EXPECT_TRUE(Frame->isVisible());
+        return BoxTexts();
+    }
+
+    [[nodiscard]] std::vector<std::string> BoxTexts() const {
+        std::vector<std::string> texts;
+        for (const SeenBox& box : Answers.Boxes) {
+            texts.push_back(box.Caption.toStdString() + ": " + box.Text.toStdString());
+        }
+        return texts;
+    }
+    using Texts = std::vector<std::string>;
 };
 
-TEST_F(ScanJobs, BasicScanRunsFromIdleToIdle) {
+TEST_F(ScanJobs, ABasicScanFillsTheWindowAndAllowsOneTurboScan) {
     Load();
     const std::string saved = TreeText();
     const std::string totals = Pane(1);
-    std::vector<std::string> statesInBox;
-    Answers.MayAnswer = [&](const QMessageBox& /*box*/) {
-        statesInBox.push_back(std::to_string(Engine.ScanRunFlag) + std::to_string(Frame->JobBusy));
+    const Titles greyed = Greyed();
+    EXPECT_EQ(greyed, (Titles{"", "Find Next", "Go to Parent Folder", "Stop Current Process", "Turbo Scan",
+                              "Clear Process  Log", "Save Process Log"}));
+    AtRead(1, [this] {
+        EXPECT_TRUE(TreeIsEmpty());
+        EXPECT_EQ(Pane(1), "  0.000 KB in 0 Files in 0 Folders");
+    });
+    Answers.MayAnswer = [this](const QMessageBox& /*box*/) {
+        EXPECT_FALSE(IsOffered("Load Tree Info")); // the job lasts until its end has been told
+        EXPECT_EQ(Pane(0), "Ready");
         return true;
     };
-    Frame->BeginBasicScan();
-    EXPECT_EQ(Engine.ScanRunFlag, 1U);
-    EXPECT_EQ(Frame->JobBusy, 1U);
-    EXPECT_NE(Frame->WorkerThread, nullptr);
-    EXPECT_TRUE(Frame->TreeView->IsEmpty());
-    EXPECT_EQ(Pane(1), "  0.000 KB in 0 Files in 0 Folders");
-    Frame->UpdateCommands();
-    EXPECT_FALSE(Frame->ActionOf(kCmdLoadTreeInfo)->isEnabled());
-    EXPECT_TRUE(Frame->ActionOf(kCmdStop)->isEnabled());
-
-    ASSERT_TRUE(WaitForIdle());
+    Scan();
     EXPECT_EQ(LogRows(), kBasicScanLines);
-    EXPECT_EQ(statesInBox, std::vector<std::string>{"11"});
-    EXPECT_TRUE(BoxText(0).starts_with("You have just completed Basic Scan of a logical drive.\n\nPlease"));
-    EXPECT_EQ(Answers.Boxes[0].Caption.toStdString(), "Information");
+    ASSERT_EQ(Answers.Boxes.size(), 1U);
+    EXPECT_TRUE(BoxTexts()[0].starts_with("Information: You have just completed Basic Scan of a logical"));
     EXPECT_EQ(TreeText(), saved);
     EXPECT_EQ(Pane(1), totals);
-    EXPECT_EQ(Pane(0), "Ready");
-    EXPECT_EQ(Frame->WorkerThread, nullptr);
     EXPECT_TRUE(Frame->isMaximized());
-    EXPECT_TRUE(WaitUntil([this] { return Frame->BasicScanDone == 1; }));
-}
+    EXPECT_TRUE(WaitUntil([this] { return IsOffered("Turbo Scan"); }));
+    EXPECT_TRUE(IsOffered("Save Tree Info"));
 
-TEST_F(ScanJobs, TurboScanIsOfferedOnceForEachBasicScan) {
-    Load();
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
-    ASSERT_TRUE(WaitUntil([this] { return Frame->BasicScanDone == 1; }));
-    const std::string basicTree = TreeText();
-    Frame->UpdateCommands();
-    Frame->RunCommand(kCmdClearLog);
+    ClearLog();
     Answers.Boxes.clear();
-    ASSERT_TRUE(Frame->ActionOf(kCmdTurboScan)->isEnabled());
-
+    Answers.MayAnswer = {};
+    AtRead(Plan->Log.size() + 1, [this] { EXPECT_EQ(Pane(1), "Total 0 KB in 0 Files in 0 Folders"); });
     PressKey(Qt::Key_T, Qt::ControlModifier);
-    EXPECT_EQ(Pane(1), "Total 0 KB in 0 Files in 0 Folders");
     ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(LogRows(),
-              (std::vector<std::string>{"Started turbo scan of logical drive 4" + kRule + " | 0",
-                                        "Completed turbo scan of logical drive 4" + kRule + " | 2"}));
-    ASSERT_EQ(Answers.Boxes.size(), 1U);
-    EXPECT_EQ(BoxText(0), "Turbo Scan Completed");
-    EXPECT_EQ(TreeText(), basicTree);
-    Frame->UpdateCommands();
-    EXPECT_FALSE(Frame->ActionOf(kCmdTurboScan)->isEnabled());
+    EXPECT_EQ(LogRows(), (Texts{"Started turbo scan of logical drive 4" + kRule + " | 0",
+                                "Completed turbo scan of logical drive 4" + kRule + " | 2"}));
+    EXPECT_EQ(BoxTexts(), Texts{"Information: Turbo Scan Completed"});
+    EXPECT_EQ(TreeText(), saved);
+    EXPECT_FALSE(IsOffered("Turbo Scan"));
 }
 
-TEST_F(ScanJobs, AnsweringNoToTheStopQuestionGoesOn) {
-    Load();
-    AskForStopAtRead(1);
-    bool stoodStill = false;
-    Answers.MayAnswer = [&](const QMessageBox& box) {
-        if (box.text() == QStringLiteral("Do you want to stop process?")) {
-            stoodStill = WaitUntil([] { return WorkerGate().IsHolding(); });
+// Between the stop and the worker's end the catalogue is being read, though no scan runs any more.
+TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
+    Load("bigfolder.img");
+    const auto startsWork = {"Wizard",         "Open found Logical Drive", "Load Tree Info",
+                             "Save Tree Info", "Load Partition Info",      "Save Partition Info",
+                             "Turbo Scan"};
+    const auto whileStopping = [&] {
+        EXPECT_EQ(Greyed(),
+                  (Titles{"", "Wizard", "Find", "Find Next", "Save All", "Save Tree Info",
+                          "Stop Current Process", "Go to Parent Folder", "Turbo Scan", "Spoor Hound"}));
+        EXPECT_EQ(Close(), Texts{"Information: Please wait..."});
+        for (const char* title : startsWork) {
+            EXPECT_EQ(Insist(title), Texts{"Information: Please wait..."}) << title;
         }
+        const CDlgWait wait(Frame.get());
+        EXPECT_EQ(Close(), Texts{});
+        EXPECT_EQ(Insist("Load Tree Info"), Texts{});
+    };
+    AtRead(1, [&] {
+        Titles greyed = Greyed();
+        for (const char* title : startsWork) {
+            EXPECT_EQ(greyed.erase(title), 1U) << title;
+            EXPECT_EQ(Insist(title), Texts{}) << title;
+        }
+        EXPECT_EQ(greyed,
+                  (Titles{"", "Find", "Find Next", "Save All", "Go to Parent Folder", "Spoor Hound"}));
+        EXPECT_EQ(Close(), Texts{"Warning: Please stop running process"});
+        Answers.Answer(QMessageBox::Yes);
+        PressKey(Qt::Key_F4);
+        whileStopping();
+    });
+    Scan();
+    EXPECT_EQ(LogRows(), (Texts{kBasicScanLines[0], kPaused,
+                                "Aborted processing Internal File System Structure" + kRule + " | 1",
+                                kBasicScanLines[2], kBasicScanLines[3]}));
+    EXPECT_FALSE(TreeIsEmpty()) << "what was found till then";
+    EXPECT_TRUE(WaitUntil([this] { return IsOffered("Turbo Scan"); }));
+    EXPECT_TRUE(Answers.SuggestedFiles.size() == 1) << "no file dialog since the load";
+}
+
+TEST_F(ScanJobs, TheStopQuestionHoldsTheWorkerAndNoGoesOn) {
+    Load();
+    bool held = false;
+    Answers.MayAnswer = [&held](const QMessageBox& box) {
+        held = held || (box.icon() == QMessageBox::Question && WorkerGate().IsClosed());
         return true;
     };
     Answers.Answer(QMessageBox::No);
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
-    EXPECT_TRUE(stoodStill);
-    EXPECT_EQ(BoxText(0), "Do you want to stop process?");
-    EXPECT_EQ(Answers.Boxes[0].Caption.toStdString(), "Confirm");
-    EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Question);
-    std::vector<std::string> expected = kBasicScanLines;
-    expected.insert(expected.begin() + 1, {"Internal File processing | Process Paused | 0",
-                                           "Internal File processing | Process Resumed | 0"});
+    AtRead(1, [this] { PressKey(Qt::Key_F4); });
+    Scan();
+    EXPECT_TRUE(held);
+    EXPECT_FALSE(WorkerGate().IsClosed());
+    EXPECT_EQ(BoxTexts().at(0), "Confirm: Do you want to stop process?");
+    Texts expected = kBasicScanLines;
+    expected.insert(expected.begin() + 1, {kPaused, kResumed});
     EXPECT_EQ(LogRows(), expected);
-}
-
-TEST_F(ScanJobs, AStoppedScanShowsWhatItFound) {
-    Load("bigfolder.img");
-    AskForStopAtRead(1);
-    Answers.Answer(QMessageBox::Yes);
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(LogRows(),
-              (std::vector<std::string>{kBasicScanLines[0], "Internal File processing | Process Paused | 0",
-                                        "Aborted processing Internal File System Structure" + kRule + " | 1",
-                                        kBasicScanLines[2], kBasicScanLines[3]}));
-    EXPECT_FALSE(Frame->TreeView->IsEmpty());
-    EXPECT_TRUE(WaitUntil([this] { return Frame->BasicScanDone == 1; }));
 }
 
 TEST_F(ScanJobs, AStoppedTurboScanSaysSo) {
     Load();
     Desktop.StructuresMissing = true;
-    AskForStopAtRead(1);
     Answers.Answer(QMessageBox::Yes);
+    AtRead(1, [this] { PressKey(Qt::Key_F4); });
     PressKey(Qt::Key_T, Qt::ControlModifier);
     ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(BoxText(1), "Turbo Scan aborted");
+    EXPECT_EQ(BoxTexts().at(1), "Information: Turbo Scan aborted");
     EXPECT_EQ(LogRows().back(), "Aborted turbo scan of logical drive 4" + kRule + " | 1");
     EXPECT_FALSE(Desktop.StructuresMissing);
 }
@@ -140,15 +169,11 @@ TEST_F(ScanJobs, AStoppedTurboScanSaysSo) {
 TEST_F(ScanJobs, AFolderThatCannotBeWrittenEndsInIdle) {
     Load();
     Engine.CatalogueFolder = Folder / "nowhere";
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(LogRows(), (std::vector<std::string>{kBasicScanLines[0],
-                                                   "Supporting Files couldn't be opened" + kRule + " | 2"}));
-    EXPECT_EQ(Frame->WorkerThread, nullptr);
+    Scan();
+    EXPECT_EQ(LogRows(), (Texts{kBasicScanLines[0], "Supporting Files couldn't be opened" + kRule + " | 2"}));
     EXPECT_EQ(Pane(0), "Ready");
-    EXPECT_EQ(Frame->BasicScanDone, 0U);
-    Frame->UpdateCommands();
-    EXPECT_TRUE(Frame->ActionOf(kCmdLoadTreeInfo)->isEnabled());
+    EXPECT_FALSE(IsOffered("Turbo Scan"));
+    EXPECT_TRUE(IsOffered("Load Tree Info"));
 }
 
 TEST_F(ScanJobs, FilesOfAScanLieInAFolderOfTheUsersOwn) {
@@ -157,8 +182,7 @@ TEST_F(ScanJobs, FilesOfAScanLieInAFolderOfTheUsersOwn) {
     std::filesystem::create_symlink(Folder / "precious", Folder / "shared/NST.THT");
     const EnvironmentVariable place("TMPDIR", Folder / "shared");
     Engine.CatalogueFolder.clear();
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
+    Scan();
     EXPECT_EQ(LogRows(), kBasicScanLines);
     EXPECT_TRUE(Engine.CatalogueFolder.starts_with(Folder / "shared/th-ntfs-")) << Engine.CatalogueFolder;
     EXPECT_FALSE(std::filesystem::exists(Folder / "precious"));
@@ -170,50 +194,23 @@ TEST_F(ScanJobs, AFullFolderShowsItsBoxAndTheProgramLives) {
     SetFileStore(&store);
     for (std::uint64_t call = 1; call < 30; ++call) {
         store.FailAt(call, kErrorDiskFull, true);
-        Frame->BeginBasicScan();
-        ASSERT_TRUE(WaitForIdle()) << call;
+        Scan();
         EXPECT_FALSE(LogRows().empty());
     }
     SetFileStore(nullptr);
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
+    Scan();
     EXPECT_EQ(LogRows().back(), kBasicScanLines.back());
-    EXPECT_FALSE(Frame->TreeView->IsEmpty());
+    EXPECT_FALSE(TreeIsEmpty());
 }
 
 TEST_F(ScanJobs, ADiskThatGoesAwayEndsTheScanWithABox) {
     Load();
     Plan->Rules.push_back({0, kForever, kErrorNotReady});
-    Frame->BeginBasicScan();
-    ASSERT_TRUE(WaitForIdle());
+    Scan();
     ASSERT_GE(Answers.Boxes.size(), 2U);
-    EXPECT_EQ(Answers.Boxes[0].Caption.toStdString(), "Error");
+    EXPECT_TRUE(BoxTexts()[0].starts_with("Error: "));
     EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Critical);
     EXPECT_EQ(LogRows().back(), kBasicScanLines.back());
-}
-
-// Between the stop and the worker's end the catalogue is being read, though no scan runs any more.
-TEST_F(ScanJobs, CommandsThatStartWorkLookForThemselves) {
-    Load();
-    const std::size_t dialogs = Answers.SuggestedFiles.size();
-    const std::vector<std::uint32_t> commands{kCmdWizard,       kCmdOpenFoundDrive,    kCmdLoadTreeInfo,
-                                              kCmdSaveTreeInfo, kCmdLoadPartitionInfo, kCmdTurboScan};
-    Frame->JobBusy = 1;
-    for (const std::uint32_t command : commands) {
-        Answers.Boxes.clear();
-        Frame->RunCommand(command);
-        ASSERT_EQ(Answers.Boxes.size(), 1U) << command;
-        EXPECT_EQ(BoxText(0), "Please wait...");
-    }
-    Engine.ScanRunFlag = 1;
-    Answers.Boxes.clear();
-    for (const std::uint32_t command : commands) {
-        Frame->RunCommand(command);
-    }
-    Frame->JobBusy = 0;
-    EXPECT_TRUE(Answers.Boxes.empty());
-    EXPECT_EQ(Answers.SuggestedFiles.size(), dialogs);
-    EXPECT_TRUE(LogRows().empty());
 }
 
 } // namespace

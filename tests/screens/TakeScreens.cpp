@@ -3,12 +3,10 @@
 // image.
 
 #include "frame/FrameFixture.h"
-#include "shell/PauseGate.h"
 #include "support/desktop/ModalSteps.h"
 #include "support/desktop/Widgets.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"
-#include "wizard/LogicalDrivesFound.h"
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
@@ -17,10 +15,8 @@
 #include <QTableWidget>
 #include <QTest>
 #include <QToolButton>
-#include <QTreeView>
 #include <QTreeWidget>
 #include <fstream>
-#include <thread>
 
 namespace thntfs::test {
 namespace {
@@ -28,51 +24,45 @@ namespace {
 constexpr int kSettleMilliseconds = 300;
 constexpr std::size_t kSector = 512;
 
-void UseDarkPalette() {
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    QPalette dark(QColor(45, 45, 48));
-    dark.setColor(QPalette::Base, QColor(30, 30, 32));
-    QApplication::setPalette(dark);
-}
-
 class Screens : public FrameFixture {
 protected:
     Screens() {
         if (qEnvironmentVariableIsSet("THNTFS_DARK")) {
-            UseDarkPalette();
+            QApplication::setStyle(QStringLiteral("Fusion"));
+            QPalette dark(QColor(45, 45, 48));
+            dark.setColor(QPalette::Base, QColor(30, 30, 32));
+            QApplication::setPalette(dark);
         }
         Frame->showMaximized();
         QTest::qWait(kSettleMilliseconds);
     }
 
-    static void Shoot(const char* name) {
+    static void Shoot(const std::string& name) {
         QTest::qWait(kSettleMilliseconds);
-        QTimer::singleShot(0, [] {}); // the commands' states follow when the loop is about to wait
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        RunEvents();
         QTest::qWait(kSettleMilliseconds);
         const QString folder = qEnvironmentVariable("THNTFS_SCREENS", QStringLiteral("."));
         const QPixmap picture = QGuiApplication::primaryScreen()->grabWindow(0);
-        EXPECT_TRUE(picture.save(folder + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png")));
+        EXPECT_TRUE(picture.save(folder + QLatin1Char('/') + QString::fromStdString(name + ".png")));
     }
 
-    /// The image of the sample disk, or else one of the packed volumes.
-    static std::string Sample() {
-        return qEnvironmentVariable("THNTFS_SAMPLE", QString::fromStdString(Volume("basic.img")))
-            .toStdString();
+    /// The boxes that come up are shot under these names, one after the other.
+    void ShootBoxes(std::vector<std::string> names) {
+        Answers.MayAnswer = [names = std::move(names), next = std::size_t{0}](const QMessageBox&) mutable {
+            if (next < names.size()) {
+                Shoot(names[next++]);
+            }
+            return true;
+        };
     }
 
-    void Choose(const std::vector<QString>& path) {
-        auto& tree = *Frame->TreeView;
+    void ChooseFolder(const std::vector<QString>& path) {
+        auto& tree = Tree();
         QModelIndex index = tree.model()->index(0, 0);
         for (const QString& name : path) {
             tree.expand(index);
-            for (int row = 0; row < tree.model()->rowCount(index); ++row) {
-                const QModelIndex child = tree.model()->index(row, 0, index);
-                if (child.data().toString().trimmed() == name) {
-                    index = child;
-                    break;
-                }
-            }
+            index = tree.model()->match(tree.model()->index(0, 0, index), Qt::DisplayRole, name, 1,
+                                        Qt::MatchContains)[0];
         }
         tree.setCurrentIndex(index);
         QTest::keyClick(&tree, Qt::Key_Return);
@@ -80,15 +70,22 @@ protected:
 
     void AtSheet(std::function<void(CWizardSheet&)> act) { Steps.When<CWizardSheet>(std::move(act)); }
 
-    static void ClickRow(QTableWidget& table, int row) {
-        QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
-                          table.visualItemRect(table.item(row, 0)).center());
+    void RunWizard() {
+        PressKey(Qt::Key_W, Qt::ControlModifier);
+        EXPECT_TRUE(Steps.AllDone());
     }
 
-    void ChooseFirstDisk(const CWizardSheet& sheet) {
+    static void ChooseFirstDisk(const CWizardSheet& sheet) {
         auto& tree = *sheet.ActivePage().findChild<QTreeWidget*>();
         QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
                           tree.visualItemRect(tree.topLevelItem(0)->child(0)).center());
+    }
+
+    void ChooseImage(const CWizardSheet& sheet, const std::string& path) {
+        Press(sheet, "Recover your data from disk image");
+        Press(sheet, "Next >");
+        Answers.AnswerFile(QString::fromStdString(path));
+        Press(sheet, "Select Image File");
     }
 
     ModalSteps Steps;
@@ -96,35 +93,23 @@ protected:
 
 TEST_F(Screens, MainWindow) {
     Shoot("main-empty");
-    LoadByMenu(SavedScanOf(Sample()));
-    Choose({QStringLiteral("Root"), QStringLiteral("Pictures"), QStringLiteral("Summer 2022")});
+    const QString sample = qEnvironmentVariable("THNTFS_SAMPLE", QString::fromStdString(Volume("basic.img")));
+    LoadByMenu(SavedScanOf(sample.toStdString()));
+    ChooseFolder({QStringLiteral("Root"), QStringLiteral("Pictures"), QStringLiteral("Summer 2022")});
     Shoot("main-tree");
-    Frame->RunCommand(60000);
+    ChooseInMenu("View/Large Icons");
     Shoot("main-icons");
-    Frame->RunCommand(60003);
+    ChooseInMenu("View/Details");
 }
 
 TEST_F(Screens, RunningScanAndStopQuestion) {
     LoadByMenu(SavedScanOf(Volume("office.img")));
     WatchMedium();
-    Plan->OnRead = [this](std::uint64_t index, const ReadRequest& /*request*/) {
-        if (index == 12) {
-            QMetaObject::invokeMethod(
-                Frame.get(), [] { Shoot("main-scanning"); }, Qt::BlockingQueuedConnection);
-            QMetaObject::invokeMethod(
-                Frame.get(), [this] { PressKey(Qt::Key_F4); }, Qt::QueuedConnection);
-            while (!WorkerGate().IsClosed()) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        }
-    };
-    const char* name = "main-stop";
-    Answers.MayAnswer = [&name](const QMessageBox& /*box*/) {
-        if (name != nullptr) {
-            Shoot(std::exchange(name, name == std::string("main-stop") ? "main-finished" : nullptr));
-        }
-        return true;
-    };
+    AtRead(12, [this] {
+        Shoot("main-scanning");
+        PressKey(Qt::Key_F4);
+    });
+    ShootBoxes({"main-stop", "main-finished"});
     Frame->BeginBasicScan();
     EXPECT_TRUE(WaitForIdle());
 }
@@ -144,18 +129,16 @@ TEST_F(Screens, WizardPages) {
         ChooseFirstDisk(sheet);
         Shoot("wizard-create-image");
         Press(sheet, "< Back");
-        Press(sheet, "Recover your data from disk image");
-        Press(sheet, "Next >");
-        Answers.AnswerFile(QString::fromStdString(Volume("logical.img")));
-        Press(sheet, "Select Image File");
+        ChooseImage(sheet, Volume("logical.img"));
         Shoot("wizard-image");
         Press(sheet, "Next >");
         auto& table = *sheet.ActivePage().findChild<QTableWidget*>();
-        ClickRow(table, 1);
+        QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
+                          table.visualItemRect(table.item(1, 0)).center());
         Shoot("wizard-partitions");
         sheet.done(0);
     });
-    PressKey(Qt::Key_W, Qt::ControlModifier);
+    RunWizard();
     AtSheet([](CWizardSheet& sheet) {
         auto* clone = sheet.ActivePage().findChildren<QToolButton*>().at(kTaskClone); // is hidden
         clone->setEnabled(true);
@@ -164,8 +147,7 @@ TEST_F(Screens, WizardPages) {
         Shoot("wizard-clone");
         sheet.done(0);
     });
-    PressKey(Qt::Key_W, Qt::ControlModifier);
-    EXPECT_TRUE(Steps.AllDone());
+    RunWizard();
 }
 
 TEST_F(Screens, SearchDialogs) {
@@ -173,10 +155,7 @@ TEST_F(Screens, SearchDialogs) {
     disk.replace(0, kSector, kSector, '\0');
     std::ofstream(Folder / "wreck.img", std::ios::binary) << disk;
     AtSheet([this](CWizardSheet& sheet) {
-        Press(sheet, "Recover your data from disk image");
-        Press(sheet, "Next >");
-        Answers.AnswerFile(QString::fromStdString(Folder / "wreck.img"));
-        Press(sheet, "Select Image File");
+        ChooseImage(sheet, Folder / "wreck.img");
         Press(sheet, "Search for lost partition(s)");
         Press(sheet, "Next >");
     });
@@ -189,19 +168,12 @@ TEST_F(Screens, SearchDialogs) {
         Shoot("search-range");
         Press(dialog, "OK");
     });
-    bool shot = false;
-    Answers.MayAnswer = [&shot](const QMessageBox& /*box*/) {
-        if (!std::exchange(shot, true)) {
-            Shoot("search-finished");
-        }
-        return true;
-    };
+    ShootBoxes({"search-finished"});
     AtSheet([](CWizardSheet& sheet) {
         Shoot("search-result");
         sheet.done(0);
     });
-    PressKey(Qt::Key_W, Qt::ControlModifier);
-    EXPECT_TRUE(Steps.AllDone());
+    RunWizard();
 }
 
 TEST_F(Screens, HelpAndAbout) {
@@ -209,8 +181,8 @@ TEST_F(Screens, HelpAndAbout) {
         Shoot("about");
         QTest::mouseClick(QApplication::activeModalWidget(), Qt::LeftButton);
     });
-    Frame->RunCommand(kCmdAbout);
-    Frame->RunCommand(kCmdHelpContents);
+    PressKey(Qt::Key_B, Qt::ControlModifier);
+    PressKey(Qt::Key_F1);
     Shoot("help");
 }
 

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QTest>
@@ -88,15 +89,17 @@ bool WaitUntil(const std::function<bool()>& condition, int milliseconds) {
         if (since.elapsed() > milliseconds) {
             return false;
         }
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 10);
-        QTest::qWait(1);
+        RunEvents();
     }
     return true;
 }
 
+// What a window does before it waits is done too.
 void RunEvents() {
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
+    QEventLoop loop;
+    QTimer::singleShot(1, &loop, &QEventLoop::quit);
+    loop.exec();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 } // namespace thntfs::test

@@ -1,11 +1,10 @@
-// The main window's commands that load and save: scan information of both kinds, the log's text.
+#include "frame/ScanInfoFiles.h"
 
+#include "catalogue/Catalogue.h"
 #include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
-#include "frame/CataloguePlace.h"
-#include "frame/MainFrame.h"
 #include "platform/files/ReplacementFile.h"
 #include "platform/system/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
@@ -13,7 +12,6 @@
 #include "scaninfo/ScanInfoNames.h"
 #include "scaninfo/TreeInfoFile.h"
 #include "shell/Boxes.h"
-#include "wizard/WizardSheet.h"
 
 #include <QApplication>
 #include <ctime>
@@ -24,6 +22,8 @@ namespace {
 
 QString TreeFilter() { return QStringLiteral("Scan Info File (*.tht)"); }
 QString PartitionFilter() { return QStringLiteral("Scan Info File (*.thd)"); }
+
+QString TextOf(std::string_view text) { return QString::fromLatin1(text.data(), qsizetype(text.size())); }
 
 std::tm LocalNow() {
     const std::time_t now = std::time(nullptr);
@@ -67,94 +67,71 @@ bool AcceptMedium(const MediumMatch& match) {
 
 } // namespace
 
-void CMainFrame::LoadTreeInfoByDialog() {
-    if (!MayStartWork()) {
-        return;
-    }
-    const QString path = ChooseFileToOpen(this, QStringLiteral("Load Tree Info"), TreeFilter());
-    if (!path.isEmpty()) {
-        LoadTreeInfoFrom(path);
-    }
+void ScanInfoFiles::NoteBasicScan() {
+    NoteTurboScan();
+    noScanYet_ = false;
 }
 
-void CMainFrame::LoadTreeInfoFrom(const QString& path) {
-    if (!GiveUpScan()) {
-        return;
-    }
+void ScanInfoFiles::NoteTurboScan() {
+    scanInfoDirty_ = true;
+    scanUnsaved_ = true;
+}
+
+// A scan that has been given up can't be saved any more, so there is nothing to ask about.
+bool ScanInfoFiles::MayForgetCatalogue() const {
+    return !scanInfoDirty_ || noScanYet_ || !CatalogueIsOfVolumeInWork();
+}
+
+QString ScanInfoFiles::ChooseTreeInfo() const {
+    return ChooseFileToOpen(&owner_, QStringLiteral("Load Tree Info"), TreeFilter());
+}
+
+QString ScanInfoFiles::ChoosePartitionInfo() const {
+    return ChooseFileToOpen(&owner_, QStringLiteral("Load Partition Info"), PartitionFilter());
+}
+
+bool ScanInfoFiles::LoadTree(const QString& path, const std::function<void()>& show) {
     scanUnsaved_ = false;
-    PlaceCatalogue(catalogueFolder_, ProbeScanInfo(path.toStdString()).Medium);
-    const auto show = [this] {
-        CreateProgressBar(QString(8, QLatin1Char(' ')));
-        ScanInfoDirty = 1;
-        NoScanYet = 0;
-        TreeView->FillTree();
+    const auto showLoaded = [this, &show] {
+        scanInfoDirty_ = true;
+        noScanYet_ = false;
+        show();
     };
-    const ScanInfoResult result = LoadTreeInfo(path.toStdString(), show, AcceptMedium);
-    ProgressBar.reset();
-    if (!result.Done) {
-        ClearViews();
-    }
-    UpdateCommands();
+    return LoadTreeInfo(path.toStdString(), showLoaded, AcceptMedium).Done;
 }
 
-bool CMainFrame::SaveTreeInfoByDialog() {
-    if (!MayStartWork()) {
-        return false;
-    }
+bool ScanInfoFiles::SaveTree() {
     QWidget* wizard = QApplication::activeModalWidget(); // it may lead here as well as the menu
-    const QString path =
-        ChooseFileToSave(wizard != nullptr ? wizard : this, QStringLiteral("Save Tree Info"),
-                         QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(),
-                         QString::fromLatin1(kTreeInfoExtension.data(), kTreeInfoExtension.size()));
+    const QString path = ChooseFileToSave(
+        wizard != nullptr ? wizard : &owner_, QStringLiteral("Save Tree Info"),
+        QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(), TextOf(kTreeInfoExtension));
     if (path.isEmpty() || !LiesElsewhere(path, kTreeInfoExtension) || !PathIsKept()) {
         return false;
     }
-    const ScanInfoResult result = SaveTreeInfo(path.toStdString());
-    ScanInfoDirty = 0;
-    scanUnsaved_ = scanUnsaved_ && !result.Done;
-    return result.Done;
+    const bool done = SaveTreeInfo(path.toStdString()).Done;
+    scanInfoDirty_ = false;
+    scanUnsaved_ = scanUnsaved_ && !done;
+    return done;
 }
 
-void CMainFrame::LoadPartitionInfoByDialog() {
-    if (!MayStartWork()) {
-        return;
-    }
-    const QString path = ChooseFileToOpen(this, QStringLiteral("Load Partition Info"), PartitionFilter());
-    if (!path.isEmpty()) {
-        LoadPartitionInfoFrom(path);
-    }
-}
-
-void CMainFrame::LoadPartitionInfoFrom(const QString& path) {
-    if (!GiveUpScan()) {
-        return;
-    }
-    LoadPartitionInfo(path.toStdString(), [this] { OpenFoundDrive(); });
-    UpdateCommands();
-}
-
-void CMainFrame::SavePartitionInfoByDialog() {
-    if (!MayStartWork()) {
-        return;
-    }
-    const QString path =
-        ChooseFileToSave(this, QStringLiteral("Save Partition Info"),
-                         QString::fromStdString(SuggestedPartitionInfoName(LocalNow())), PartitionFilter(),
-                         QString::fromLatin1(kPartitionInfoExtension.data(), kPartitionInfoExtension.size()));
+void ScanInfoFiles::SavePartitions() const {
+    const QString path = ChooseFileToSave(&owner_, QStringLiteral("Save Partition Info"),
+                                          QString::fromStdString(SuggestedPartitionInfoName(LocalNow())),
+                                          PartitionFilter(), TextOf(kPartitionInfoExtension));
     if (!path.isEmpty() && LiesElsewhere(path, kPartitionInfoExtension) && PathIsKept()) {
         SavePartitionInfo(path.toStdString());
     }
 }
 
-void CMainFrame::SaveLogByDialog() {
+void SaveLog(QWidget& owner, const ProcessLog& log) {
     const QString path =
-        ChooseTextFileToSave(this, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
+        ChooseTextFileToSave(&owner, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
     if (path.isEmpty() || !LiesElsewhere(path, {})) {
         return;
     }
     ReplacementFile file;
     ErrorCode code = file.Create(path.toStdString());
-    code = code == kErrorNone ? WriteLogText(LogList->Log(), file.Handle()) : code;
+    code = code == kErrorNone ? WriteLogText(log, file.Handle()) : code;
     code = code == kErrorNone ? file.Commit() : code;
     if (code != kErrorNone) {
         ShowBox(QStringLiteral("Error creating log file"), QStringLiteral("Error"), BoxIcon::Information);

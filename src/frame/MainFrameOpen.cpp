@@ -1,0 +1,139 @@
+// What the main window opens: volumes by the wizard; images and saved scan information by menu and drop.
+
+#include "frame/MainFrame.h"
+#include "scaninfo/PartitionInfoFile.h"
+#include "scaninfo/ScanInfo.h"
+#include "shell/Boxes.h"
+#include "shell/DesktopState.h"
+#include "views/THNTFSTreeView.h"
+#include "wizard/WizardSheet.h"
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMimeData>
+
+namespace thntfs {
+
+namespace {
+
+// The one local file that is being dragged, empty where it is anything else.
+QString DroppedFile(const QMimeData* data) {
+    const QList<QUrl> urls = data->urls();
+    return urls.size() == 1 && urls.front().isLocalFile() ? urls.front().toLocalFile() : QString();
+}
+
+// Why a file can't be opened, empty where it can.
+QString FaultOf(const QFileInfo& file) {
+    if (file.isDir()) {
+        return file.filePath() + QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
+                                                "saved scan information (.tht, .thd).");
+    }
+    return file.exists() ? QString() : file.filePath() + QStringLiteral(" isn't there.");
+}
+
+} // namespace
+
+void CMainFrame::RunWizard(const QString& imagePath) {
+    if (!job_.MayStartWork()) {
+        return;
+    }
+    CWizardSheet sheet(this, logicalDriveNumber_);
+    if (!imagePath.isEmpty()) {
+        sheet.OpenOnImage(imagePath);
+    }
+    RunSheet(sheet);
+}
+
+void CMainFrame::OpenFoundDrive() {
+    if (!job_.MayStartWork()) {
+        return;
+    }
+    CWizardSheet sheet(this, logicalDriveNumber_);
+    sheet.OpenOnPartitionList(Desktop.ProcessingMode);
+    RunSheet(sheet);
+}
+
+// A click in the list of partitions counts though the wizard is cancelled.
+void CMainFrame::RunSheet(CWizardSheet& sheet) {
+    const bool finished = sheet.Run() == kWizardFinished;
+    logicalDriveNumber_ = sheet.State().LogicalDriveNumber;
+    if (finished) {
+        job_.TakeVolume(sheet.State().WizardLogEntry);
+        BeginBasicScan();
+    }
+}
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedFile(event->mimeData()).isEmpty() && CommandEnabled(kCmdWizard, State())) {
+        event->acceptProposedAction();
+    }
+}
+
+// The file is opened once the drop is over: the program that it comes from waits until then.
+void CMainFrame::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    QTimer::singleShot(0, this, [this, path = DroppedFile(event->mimeData())] { OpenFile(path); });
+}
+
+void CMainFrame::OpenFile(const QString& file) {
+    const QString path = QFileInfo(file).absoluteFilePath();
+    const QString fault = FaultOf(QFileInfo(path));
+    if (!fault.isEmpty()) {
+        ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);
+        return;
+    }
+    const ScanInfoKind kind = ProbeScanInfo(path.toStdString()).Kind;
+    if (kind == ScanInfoKind::None) {
+        RunWizard(path);
+    } else if (job_.MayStartWork()) {
+        kind == ScanInfoKind::Tree ? LoadTreeInfoFrom(path) : LoadPartitionInfoFrom(path);
+    }
+}
+
+void CMainFrame::LoadTreeInfoByDialog() {
+    if (!job_.MayStartWork()) {
+        return;
+    }
+    const QString path = scanInfo_.ChooseTreeInfo();
+    if (!path.isEmpty()) {
+        LoadTreeInfoFrom(path);
+    }
+}
+
+void CMainFrame::LoadTreeInfoFrom(const QString& path) {
+    if (!GiveUpScan()) {
+        return;
+    }
+    cataloguePlace_.KeepAwayFrom(ProbeScanInfo(path.toStdString()).Medium);
+    const bool loaded = scanInfo_.LoadTree(path, [this] {
+        panes_.BeginProgress(kBlankCaption);
+        treeView_->FillTree();
+    });
+    panes_.EndProgress();
+    if (!loaded) {
+        ClearViews();
+    }
+    UpdateCommands();
+}
+
+void CMainFrame::LoadPartitionInfoByDialog() {
+    if (!job_.MayStartWork()) {
+        return;
+    }
+    const QString path = scanInfo_.ChoosePartitionInfo();
+    if (!path.isEmpty()) {
+        LoadPartitionInfoFrom(path);
+    }
+}
+
+void CMainFrame::LoadPartitionInfoFrom(const QString& path) {
+    if (!GiveUpScan()) {
+        return;
+    }
+    LoadPartitionInfo(path.toStdString(), [this] { OpenFoundDrive(); });
+    UpdateCommands();
+}
+
+bool CMainFrame::SaveTree() { return job_.MayStartWork() && scanInfo_.SaveTree(); }
+
+} // namespace thntfs
