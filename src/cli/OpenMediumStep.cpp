@@ -2,7 +2,10 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "partitions/DiskEnumeration.h"
 #include "partitions/OpenSource.h"
+#include "platform/files/Paths.h"
+#include "scaninfo/JobLog.h"
 
 namespace thntfs {
 
@@ -20,6 +23,15 @@ int OpenMediumOrTell(const std::string& path) {
             "Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
     }
     return kExitFailed;
+}
+
+void LogMediumChosen(const Options& options) {
+    const bool searched = options.Search.has_value();
+    if (SourceIsDevice()) {
+        LogDiskChosen(DiskOfDevice(options.Medium), searched);
+    } else {
+        LogImageChosen(AbsolutePath(options.Medium), searched);
+    }
 }
 
 } // namespace thntfs

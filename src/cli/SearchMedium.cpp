@@ -41,7 +41,15 @@ int SearchMedium(const Options& options, TerminalHost& host) {
                      " volumes were found so far.");
         return kExitDoneInPart;
     }
-    return host.HadFatal() ? kExitDoneInPart : kExitDone;
+    if (host.HadFatal()) {
+        return kExitDoneInPart;
+    }
+    if (disk.Partitions.empty()) {
+        return Refuse(*options.Search == SearchMethod::Quick
+                          ? "The quick search found no NTFS volume; try --search thorough."
+                          : "The search found no NTFS volume.");
+    }
+    return kExitDone;
 }
 
 } // namespace thntfs

@@ -45,19 +45,13 @@ public:
 
 private:
     int OpenWantedMedium();
+    int SearchVolumes();
+    int ReadVolumes();
     int TellNoVolume();
     int LoadSavedResult(ScanInfoKind kind);
     int LoadTree();
     int LoadPartitions();
-    int FindVolumes();
-    [[nodiscard]] int TellNoVolumeInTable() const;
-    void LogMedium() const;
-    int TakeVolume();
     int MakeCatalogueFolder();
-    void BeginScan();
-    bool RunScan();
-    int TellLosses();
-    static int TellEarlyStop();
     int ReopenCatalogue();
     static int TellNoCatalogue();
 

@@ -150,6 +150,7 @@ TEST_F(BadMediumTest, AMediumThatGoesIsNeverCalledDone) {
         {1, {"cat", image_, "/file.bin"}},
         {1, {"save", image_, "--to", target_}},
         {3, {"partitions", image_, "--search", "thorough"}},
+        {3, {"partitions", image_, "--search", "quick"}},
         {1, {"image", image_, At("copy")}},
     };
     for (const auto& [status, words] : cases) {

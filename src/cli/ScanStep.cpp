@@ -1,0 +1,49 @@
+#include "cli/ScanStep.h"
+
+#include "cli/ExitCode.h"
+#include "cli/Output.h"
+#include "engine/EngineState.h"
+#include "scaninfo/JobLog.h"
+#include "scans/BasicScan.h"
+#include "scans/TurboScan.h"
+
+namespace thntfs {
+
+void BeginWantedScan(const Options& options) {
+    if (options.Turbo) {
+        Engine.VolumeParams.TurboScanRun = 1;
+        LogTurboScanStarted(options.Partition.value_or(1));
+    } else {
+        LogBasicScanStarted();
+    }
+}
+
+bool RunWantedScan(const Options& options, TerminalHost& host) {
+    bool complete = false;
+    if (options.Turbo) {
+        host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
+        complete = TurboScan() != 0;
+        LogTurboScanEnded(options.Partition.value_or(1), complete);
+    } else {
+        host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
+        complete = BasicScan() != 0;
+        LogBasicScanEnded(complete);
+    }
+    LogLosses();
+    return complete;
+}
+
+// Not one record where the table should be means that its runs are wrong or that it can't be read at all.
+int TellScanLosses(const Options& options, const TerminalHost& host) {
+    const ScanLosses& losses = Engine.Losses;
+    if (!losses.Any()) {
+        return kExitDone;
+    }
+    PrintMessage(LossText(losses) + (losses.NoTable ? "." : ". Files may be missing."));
+    if (!options.Turbo) {
+        PrintMessage("--turbo looks for records in the whole volume, wherever they stand.");
+    }
+    return losses.NoTable && !host.HadFatal() ? kExitFailed : kExitDone;
+}
+
+} // namespace thntfs
