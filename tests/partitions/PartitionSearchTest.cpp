@@ -13,8 +13,8 @@ class PartitionSearchTest : public EngineFixture {
 protected:
     /// Puts bytes under the engine as an image and searches it; gives the search's result.
     std::uint32_t Search(SearchMethod method, ByteVector bytes, std::uint64_t first = 0,
-                         std::uint64_t end = kAll) {
-        OpenDisk(std::move(bytes));
+                         std::uint64_t end = kAll, std::uint16_t sectorBytes = 512) {
+        OpenDisk(std::move(bytes), sectorBytes);
         Engine.ScanRunFlag = 1;
         return RunPartitionSearch(method, first, std::min(end, Engine.SourceDisk.TotalSectors));
     }
@@ -68,6 +68,9 @@ TEST_F(PartitionSearchTest, QuickRoundsItsBoundsToCylinders) {
         EXPECT_EQ(Reports.SearchPositions.front().first, std::min(c.FirstProbe, c.LastEnd)) << c.First;
         EXPECT_EQ(Reports.SearchPositions.back().second, c.LastEnd) << c.End;
     }
+    Plan->Rules = {{.FirstSector = 0, .SectorCount = 100}};
+    Search(SearchMethod::Quick, ByteVector(512 * 40));
+    EXPECT_EQ(Engine.Losses.Sectors, 1U) << "nothing is lost behind the end of the disk";
 }
 
 TEST_F(PartitionSearchTest, ABootSectorMustFitOnTheDisk) {
@@ -75,6 +78,7 @@ TEST_F(PartitionSearchTest, ABootSectorMustFitOnTheDisk) {
     disk = BootAt(std::move(disk), 200, 801, 2);  // one sector too many
     disk = BootAt(std::move(disk), 300, 1001, 3); // more than the disk
     disk = BootAt(std::move(disk), 980, 20, 4);   // its table would lie behind the end
+    disk = BootAt(std::move(disk), 400, ~300ULL, 5);
     Search(SearchMethod::Thorough, disk);
     EXPECT_EQ(Found(), (Lines{"100+900 e1"}));
 }
@@ -90,11 +94,11 @@ TEST_F(PartitionSearchTest, TheSameVolumeTwiceIsOneAndOnlyThoroughMarksIt) {
 TEST_F(PartitionSearchTest, SectorNumbersAreTrueInTheLastStretchAndTheRangeIsKept) {
     ByteVector disk(512 * 1000);
     std::uint64_t serial = 1;
-    for (const std::uint64_t sector : {9U, 10U, 500U, 777U, 778U}) {
+    for (const std::uint64_t sector : {7U, 8U, 500U, 777U, 778U}) {
         disk = BootAt(std::move(disk), sector, 100, serial++);
     }
-    Search(SearchMethod::Thorough, disk, 10, 778);
-    EXPECT_EQ(Found(), (Lines{"10+100 e1", "500+100 e1", "777+100 e1"}));
+    Search(SearchMethod::Thorough, disk, 8, 778); // six batches and two sectors
+    EXPECT_EQ(Found(), (Lines{"8+100 e1", "500+100 e1", "777+100 e1"}));
 }
 
 TEST_F(PartitionSearchTest, AStopLeavesWhatWasFoundAndABadSectorCostsItselfAlone) {
@@ -113,6 +117,9 @@ TEST_F(PartitionSearchTest, AStopLeavesWhatWasFoundAndABadSectorCostsItselfAlone
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
     EXPECT_EQ(Reports.Boxes.size(), 1U);
     EXPECT_EQ(Engine.Losses.Sectors, 1U + (1000 - 640)) << "from the batch on that the fatal error ended";
+    Plan->Rules.clear();
+    Search(SearchMethod::Thorough, disk);
+    EXPECT_FALSE(Engine.Losses.Any());
 }
 
 // A slow medium: each read takes so long that the stop comes between two.
@@ -147,31 +154,40 @@ protected:
     static constexpr std::uint64_t kMirror = 63 + 40 * 8;
 
     void Put(std::uint64_t sector, ConstBytes bytes) {
-        std::copy(bytes.begin(), bytes.end(), Disk.begin() + static_cast<std::ptrdiff_t>(512 * sector));
+        std::copy(bytes.begin(), bytes.end(),
+                  Disk.begin() + static_cast<std::ptrdiff_t>(Geometry.SectorBytes * sector));
     }
+    void Put(std::uint64_t sector, const RecordBuilder& record) { Put(sector, record.Finish()); }
 
-    RecordBuilder Record(std::uint32_t number, const char16_t* name, const FileTimes& times = EqualTimes()) {
+    RecordBuilder Record(std::uint32_t number, const char16_t* name, const FileTimes& times) {
         RecordBuilder record(Geometry, number);
-        FileNameValue value;
-        value.Name = name;
-        record.AddStandardInformation(times).AddFileName(value);
-        return record;
+        return record.AddStandardInformation(times).AddFileName(NameIn(5, name));
     }
 
-    ByteVector Mft(const FileTimes& times = EqualTimes()) {
+    RecordBuilder Mft(const FileTimes& times = EqualTimes()) {
         return Record(0, u"$MFT", times)
             .AddData(NonResidentValue{.Runs = {{64, 16}}})
-            .AddNonResident(kBitmap, NonResidentValue{.Runs = {{1, 15}}, .RealSize = 8, .InitializedSize = 8})
-            .Finish();
+            .AddNonResident(kBitmap, NonResidentValue{.Runs = {{1, 15}}, .RealSize = 8});
     }
 
-    ByteVector Mirr() {
-        return Record(1, u"$MFTMirr")
-            .AddData(NonResidentValue{.Runs = {{1, 40}}, .RealSize = 4096, .InitializedSize = 4096})
-            .Finish();
+    RecordBuilder Mirr(const FileTimes& times = EqualTimes()) {
+        return Record(1, u"$MFTMirr", times).AddData(NonResidentValue{.Runs = {{1, 40}}, .RealSize = 4096});
     }
 
-    void SearchDisk() { Search(SearchMethod::Thorough, Disk); }
+    /// The boot sector of the volume.
+    ByteVector Boot() {
+        BootSectorFields fields = BootFieldsOf(Geometry);
+        fields.TotalSectors = 640;
+        fields.MftCluster = 16;
+        fields.MirrorCluster = 40;
+        return EncodeBootSector(fields);
+    }
+
+    Lines SearchDisk() {
+        Search(SearchMethod::Thorough, Disk, 0, kAll, static_cast<std::uint16_t>(Geometry.SectorBytes));
+        return Found();
+    }
+    void Wipe() { Disk.assign(Disk.size(), 0); }
 
     VolumeGeometry Geometry;
     ByteVector Disk = ByteVector(512 * 2000);
@@ -180,8 +196,8 @@ protected:
 TEST_F(EvidenceTest, TwinsOfEitherRecordGiveTheVolume) {
     Put(kTable, Mft());
     Put(kMirror, Mft());
-    SearchDisk();
-    ASSERT_EQ(Found(), (Lines{"63+640 e2"}));
+    Put(kMirror + 2, Mirr()); // makes no other pair with what twins have used
+    ASSERT_EQ(SearchDisk(), (Lines{"63+640 e2"}));
     const PartitionCandidate& byMft = Engine.SourceDisk.Partitions.front();
     EXPECT_EQ(byMft.MftSector, kMirror);
     EXPECT_EQ(byMft.MftCluster, 16U);
@@ -193,42 +209,48 @@ TEST_F(EvidenceTest, TwinsOfEitherRecordGiveTheVolume) {
     EXPECT_EQ(byMft.VolumeSerial + byMft.IndexBlockBytes + byMft.SectorsPerIndexBlock, 0U);
     EXPECT_TRUE(Reports.FoundPartitions.empty())
         << "volumes worked out from records are told by the list alone";
+    Reports.OnSearchPosition = [this] {
+        Engine.ScanRunFlag = Reports.SearchPositions.back().first < kMirror ? 1 : 0;
+    };
+    EXPECT_EQ(SearchDisk(), (Lines{"63+640 e2"})) << "what was met before a stop is paired";
+    EXPECT_EQ(Reports.SearchPositions.back().first, 384U);
+    Reports.OnSearchPosition = nullptr;
 
-    Disk.assign(Disk.size(), 0);
+    Wipe();
     Put(kTable + 2, Mirr());
     Put(kMirror + 2, Mirr());
-    SearchDisk();
-    ASSERT_EQ(Found(), (Lines{"63+640 e2"}));
+    Put(1000, Mft());
+    ASSERT_EQ(SearchDisk(), (Lines{"63+640 e2"}));
     EXPECT_EQ(Engine.SourceDisk.Partitions.front().MftCluster, 16U);
     EXPECT_EQ(Engine.SourceDisk.Partitions.front().MftSector, kMirror);
+    Put(kMirror + 82, Mirr());
+    EXPECT_EQ(SearchDisk().size(), 3U) << "three copies make three pairs";
 }
 
 TEST_F(EvidenceTest, AMftRecordWithAMirrRecordGivesTheVolume) {
     Put(kMirror, Mft());
     Put(kMirror + 2, Mirr());
-    SearchDisk();
-    EXPECT_EQ(Found(), (Lines{"63+640 e4"}));
-
-    Disk.assign(Disk.size(), 0);
+    EXPECT_EQ(SearchDisk(), (Lines{"63+640 e4"}));
+    Wipe();
     Put(kTable, Mft());
     Put(kMirror + 2, Mirr());
-    SearchDisk();
-    EXPECT_EQ(Found(), (Lines{"65+640 e4"}))
+    EXPECT_EQ(SearchDisk(), (Lines{"65+640 e4"}))
         << "the mirror's copy stands one record behind the mirror's start";
+    Wipe();
+    Put(kTable, Mft());
+    Put(kTable + 2, Mirr());
+    EXPECT_EQ(SearchDisk(), Lines{})
+        << "neighbours would be the mirror, of a volume that began before the disk";
 }
 
 TEST_F(EvidenceTest, RecordsMarkAVolumeThatIsListedAlready) {
+    Put(63, Boot());
     Put(kTable, Mft());
-    Put(kMirror, Mft());
-    Put(kTable + 2, Mirr());
-    Put(kMirror + 2, Mirr());
-    BootSectorFields fields = BootFieldsOf(Geometry);
-    fields.TotalSectors = 640;
-    fields.MftCluster = 16;
-    fields.MirrorCluster = 40;
-    Put(63, EncodeBootSector(fields));
-    SearchDisk();
-    EXPECT_EQ(Found(), (Lines{"63+640 e3"}));
+    Put(kMirror + 8, Mirr());
+    EXPECT_EQ(SearchDisk(), (Lines{"63+640 e5"})) << "up to a cluster away";
+    Put(kMirror + 8, ByteVector(1024));
+    Put(kMirror + 9, Mirr());
+    EXPECT_EQ(SearchDisk(), (Lines{"63+640 e1", "72+640 e4"}));
 }
 
 TEST_F(EvidenceTest, RecordsThatDontAgreeGiveNothing) {
@@ -236,30 +258,60 @@ TEST_F(EvidenceTest, RecordsThatDontAgreeGiveNothing) {
     touched.Modified += 1;
     Put(kTable, Mft(touched)); // no evidence at all
     Put(kMirror, Mft());
-    FileTimes later = EqualTimes();
-    later = {later.Created + 5, later.Created + 5, later.Created + 5, later.Created + 5};
-    Put(600, Mft(later)); // of another formatting
-    SearchDisk();
-    EXPECT_EQ(Found(), Lines{});
+    Put(600, Mft(EqualTimes(5))); // of another formatting
+    Put(602, Mirr(EqualTimes(9)));
+    Put(800, Mft().Poke(16, 2, 9)); // no copy
+    EXPECT_EQ(SearchDisk(), Lines{});
+    for (const std::size_t bytesField : {40U, 56U}) { // allocated, initialised
+        for (RecordBuilder record : {Mft(), Mirr()}) {
+            Wipe();
+            record.Poke(record.LastAttributeOffset() + bytesField, 8, 4097);
+            Put(kTable, record);
+            Put(kMirror, record);
+            EXPECT_EQ(SearchDisk(), Lines{}) << bytesField;
+        }
+    }
+    for (const std::uint32_t bytes : {4096U, 8192U}) {
+        Geometry.RecordBytes = bytes;
+        Put(kTable, Mft());
+        Put(kMirror, Mft());
+        EXPECT_EQ(SearchDisk(), bytes == 4096 ? Lines{"63+640 e2"} : Lines{}) << "too large";
+    }
 }
 
-TEST_F(EvidenceTest, ThreeCopiesGiveThreePairs) {
-    for (const std::uint64_t sector : {400U, 480U, 800U}) {
-        Put(sector, Mft());
+TEST_F(EvidenceTest, RecordsOfOneLargeSector) {
+    Geometry.SectorBytes = Geometry.RecordBytes = 4096;
+    Geometry.SectorsPerCluster = 1;
+    Disk.resize(4096 * 256);
+    for (const std::uint64_t cluster : {16U, 40U}) {
+        RecordBuilder noData = Record(0, u"$MFT", EqualTimes());
+        Put(63 + cluster, noData.AddNonResident(kBitmap, NonResidentValue{.Runs = {{1, 15}}, .RealSize = 8}));
     }
-    SearchDisk();
-    EXPECT_EQ(Found().size(), 3U);
+    EXPECT_EQ(SearchDisk(), (Lines{"63+80 e2"})) << "the table is taken to follow its bitmap";
 }
 
 TEST_F(EvidenceTest, ADiskOfLookAlikesEndsInABoundedList) {
     Disk.resize(std::size_t{512} * 8 * 3000);
-    const ByteVector record = Mft();
+    const ByteVector record = Mft().Finish();
     for (std::uint64_t i = 0; i < 3000; ++i) {
         Put(8 * i, record);
     }
-    SearchDisk();
-    EXPECT_EQ(Found().size(), CandidateIndex::kMaxCandidates);
+    // A volume that is listed before is marked all the same.
+    Put(4, Boot());
+    Put(14, Mft(EqualTimes(5)));
+    Put(4 + 40 * 8 + 2, Mirr(EqualTimes(5)));
+    Engine.SearchLimits = kLimitEvidence; // of the search before
+    const Lines found = SearchDisk();
+    EXPECT_EQ(found.size(), CandidateIndex::kMaxCandidates);
+    EXPECT_EQ(found.front(), "4+640 e7");
     EXPECT_EQ(Engine.SearchLimits, kLimitCandidates);
+
+    EvidenceCollector collector;
+    for (std::size_t i = 0; i <= EvidenceCollector::kMaxEvidence; ++i) {
+        collector.Examine(record, i);
+    }
+    EXPECT_EQ(collector.MftList.size(), EvidenceCollector::kMaxEvidence);
+    EXPECT_EQ(Engine.SearchLimits, kLimitCandidates | kLimitEvidence);
 }
 
 TEST_F(EvidenceTest, AStopEndsThePairing) {
