@@ -32,7 +32,7 @@ public:
         , buffer_(perTransfer_ * sectorBytes_) {}
 
     /// `fromStart` copies the first transfer whatever the ledger says of it.
-    std::uint32_t Run(bool fromStart) {
+    bool Run(bool fromStart) {
         Engine.ProgressDone = 0;
         Engine.ProgressTotal = ledger_.Map().BytesOf(AreaState::Unread) / sectorBytes_;
         try {
@@ -40,10 +40,10 @@ public:
             ledger_.Close(target_, Place());
         } catch (const CUserException&) {
             KeepWhatIsThere();
-            return Engine.ScanRunFlag;
+            return Engine.ScanRunFlag != 0;
         }
         Host().CopyPosition(std::min(position_, total_), total_);
-        return Engine.ScanRunFlag;
+        return Engine.ScanRunFlag != 0;
     }
 
 private:
@@ -164,14 +164,14 @@ std::uint64_t CopiedBytes(std::uint64_t totalSectors, std::uint32_t sectorsPerTr
     return std::max<std::uint64_t>(totalSectors, sectorsPerTransfer) * Engine.SourceDisk.BytesPerSector;
 }
 
-std::uint32_t CopyDisk(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
-                       CopyLedger* ledger) {
+bool CopyDisk(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
+              CopyLedger* ledger) {
     CopyLedger own(CopyMap(totalSectors * Engine.SourceDisk.BytesPerSector));
     return DiskCopier(target, totalSectors, sectorsPerTransfer, ledger != nullptr ? *ledger : own).Run(true);
 }
 
-std::uint32_t ResumeCopy(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
-                         CopyLedger& ledger) {
+bool ResumeCopy(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
+                CopyLedger& ledger) {
     return DiskCopier(target, totalSectors, sectorsPerTransfer, ledger).Run(false);
 }
 

@@ -31,20 +31,20 @@ std::uint64_t CopiedBytes(std::uint64_t totalSectors, std::uint32_t sectorsPerTr
 /// after the last. ProgressDone of ProgressTotal count the sectors of this run. A bad sector is zeros in the
 /// target.
 ///
-/// Gives ScanRunFlag: 1 where it ran out, 0 where it was stopped. A fatal failure of the source or the target
-/// shows its box and ends the copy too, without a last CopyPosition. `ledger`, if there is one, tells at any
-/// end what is in the target.
-std::uint32_t CopyDisk(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
-                       CopyLedger* ledger = nullptr);
+/// Gives true where it ran out, false where it was stopped. A fatal failure of the source or the target
+/// shows its box and ends the copy too, without a last CopyPosition, and counts as running out. `ledger`, if
+/// there is one, tells at any end what is in the target.
+bool CopyDisk(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
+              CopyLedger* ledger = nullptr);
 
 /// Goes on with a copy: reads and writes what the ledger holds for unread and nothing else. The target then
 /// is as one run would have made it.
-std::uint32_t ResumeCopy(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
-                         CopyLedger& ledger);
+bool ResumeCopy(File& target, std::uint64_t totalSectors, std::uint32_t sectorsPerTransfer,
+                CopyLedger& ledger);
 
 /// Tries the bad sectors of a copy again, one by one, up to `passes` times, and writes what can now be read.
-/// Progress goes to JobProgress, counted in sectors of the pass. Gives ScanRunFlag, and ends at a fatal
-/// failure, as CopyDisk.
-std::uint32_t RetryBadSectors(File& target, unsigned passes, CopyLedger& ledger);
+/// Progress goes to JobProgress, counted in sectors of the pass. What it gives, and the end at a
+/// fatal failure, are as in CopyDisk.
+bool RetryBadSectors(File& target, unsigned passes, CopyLedger& ledger);
 
 } // namespace thntfs

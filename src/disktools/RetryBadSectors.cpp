@@ -94,14 +94,14 @@ private:
 
 } // namespace
 
-std::uint32_t RetryBadSectors(File& target, unsigned passes, CopyLedger& ledger) {
+bool RetryBadSectors(File& target, unsigned passes, CopyLedger& ledger) {
     BadSectorRetry retry(target, ledger);
     try {
         retry.Run(passes);
     } catch (const CUserException&) {
         retry.KeepWhatIsThere();
     }
-    return Engine.ScanRunFlag;
+    return Engine.ScanRunFlag != 0;
 }
 
 } // namespace thntfs

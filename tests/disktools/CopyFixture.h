@@ -66,12 +66,10 @@ protected:
 
     [[nodiscard]] static CopyMap FreshMap() { return CopyMap(Total() * SectorBytes()); }
 
-    std::uint32_t Copy(CopyLedger* ledger = nullptr) {
+    bool Copy(CopyLedger* ledger = nullptr) {
         return CopyDisk(Target, Total(), kCopyTransferSectors, ledger);
     }
-    std::uint32_t Resume(CopyLedger& ledger) {
-        return ResumeCopy(Target, Total(), kCopyTransferSectors, ledger);
-    }
+    bool Resume(CopyLedger& ledger) { return ResumeCopy(Target, Total(), kCopyTransferSectors, ledger); }
 
     ByteVector Original;
     MemoryFile Target;

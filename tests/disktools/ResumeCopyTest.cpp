@@ -89,7 +89,7 @@ TEST_F(ResumeCopyTest, AfterAStopAnywhereTheRestIsReadAndNothingElse) {
             Engine.ScanRunFlag = ++calls == stopAt ? 0 : Engine.ScanRunFlag.load();
         };
         CopyLedger first(FreshMap(), MapPath(), "test");
-        if (Copy(&first) == 1) {
+        if (Copy(&first)) {
             break;
         }
         ++stops;
@@ -101,7 +101,7 @@ TEST_F(ResumeCopyTest, AfterAStopAnywhereTheRestIsReadAndNothingElse) {
         ForgetRequests();
         Engine.ScanRunFlag = 1;
         CopyLedger second(map);
-        EXPECT_EQ(Resume(second), 1U);
+        EXPECT_TRUE(Resume(second));
         EXPECT_EQ(Target.Content, Expected(kBad));
         EXPECT_EQ(Reports.CopyPositions.back(), (TestHost::Pair{kSectors, kSectors}));
         EXPECT_EQ(second.Map().BytesOf(AreaState::Bad), kBad.size() * 512);
@@ -120,12 +120,12 @@ TEST_F(ResumeCopyTest, SmallDiskThatWasStoppedStillGetsItsFullFirstTransfer) {
     Plan->Rules = {{50, 1, kErrorCrc, 1}};
     Reports.OnGate = [&] { Engine.ScanRunFlag = Reports.Gates == 60 ? 0 : 1; };
     CopyLedger ledger(FreshMap());
-    EXPECT_EQ(Copy(&ledger), 0U);
+    EXPECT_FALSE(Copy(&ledger));
     EXPECT_EQ(PictureOf(ledger.Map()), "0+59+ 59+41?");
     Reports.OnGate = nullptr;
     Engine.ScanRunFlag = 1;
     Target.Content.resize(59 * 512);
-    EXPECT_EQ(Resume(ledger), 1U);
+    EXPECT_TRUE(Resume(ledger));
     EXPECT_EQ(Target.Content, Expected());
 }
 
@@ -157,7 +157,7 @@ TEST_F(ResumeCopyTest, TheMapIsTrueWhereverTheRunIsKilled) {
         Target.Content = Target.Synced;
         ForgetRequests();
         CopyLedger rest(map);
-        EXPECT_EQ(Resume(rest), 1U);
+        EXPECT_TRUE(Resume(rest));
         EXPECT_EQ(Target.Content, Expected(kBad));
         ExpectOnlyUnreadTouched(map);
         ForgetRequests();
@@ -173,7 +173,7 @@ TEST_F(ResumeCopyTest, AMapThatCannotBeWrittenDoesNotStopTheCopy) {
     SetFileStore(&store);
     store.FailAt(1, kErrorDiskFull, true);
     CopyLedger ledger = BusyLedger(FreshMap());
-    EXPECT_EQ(Copy(&ledger), 1U);
+    EXPECT_TRUE(Copy(&ledger));
     EXPECT_EQ(Target.Content, Expected(kBad));
     EXPECT_EQ(ledger.MapFailure(), kErrorDiskFull);
     EXPECT_TRUE(Reports.Boxes.empty());
@@ -188,7 +188,7 @@ TEST_F(ResumeCopyTest, HolesBetweenWhatOthersHaveReadAreFilled) {
         std::fill_n(Target.Content.begin() + first * 512, count * 512, std::uint8_t{0xEE});
     }
     const CopyMap map = ledger.Map();
-    EXPECT_EQ(Resume(ledger), 1U);
+    EXPECT_TRUE(Resume(ledger));
     EXPECT_EQ(Target.Content, Expected(kBad));
     ExpectOnlyUnreadTouched(map);
     EXPECT_EQ(Reports.CopyPositions,
@@ -200,13 +200,13 @@ TEST_F(ResumeCopyTest, HolesBetweenWhatOthersHaveReadAreFilled) {
 
 TEST_F(ResumeCopyTest, RetryReadsTheBadSectorsOneByOneAndWritesWhatItGets) {
     CopyLedger ledger = BusyLedger(FreshMap());
-    ASSERT_EQ(Copy(&ledger), 1U);
+    ASSERT_TRUE(Copy(&ledger));
     ForgetRequests();
     Reports.Log.clear();
     // Sector 3 comes back at once, 256 at the third pass, the others never.
     Plan->Rules = {{4, 1},  {255, 1}, {256, 1, kErrorSectorNotFound, 2}, {400, 1}, {520, 1, kErrorIoDevice},
                    {539, 1}};
-    EXPECT_EQ(RetryBadSectors(Target, 4, ledger), 1U);
+    EXPECT_TRUE(RetryBadSectors(Target, 4, ledger));
     EXPECT_EQ(Target.Content, Expected({4, 255, 400, 520, 539}));
     EXPECT_EQ(PictureOf(ledger.Map()),
               "0+4+ 4+1- 5+250+ 255+1- 256+144+ 400+1- 401+119+ 520+1- 521+18+ 539+1-");
@@ -223,23 +223,23 @@ TEST_F(ResumeCopyTest, RetryReadsTheBadSectorsOneByOneAndWritesWhatItGets) {
 TEST_F(ResumeCopyTest, RetryPutsTheStampsBackIntoTheFirstSector) {
     Plan->Rules = {{0, 1}};
     CopyLedger ledger(FreshMap());
-    ASSERT_EQ(Copy(&ledger), 1U);
+    ASSERT_TRUE(Copy(&ledger));
     EXPECT_EQ(Target.Content, Expected({0}));
     Plan->Rules.clear();
-    EXPECT_EQ(RetryBadSectors(Target, 1, ledger), 1U);
+    EXPECT_TRUE(RetryBadSectors(Target, 1, ledger));
     EXPECT_EQ(Target.Content, Expected());
     ForgetRequests();
-    EXPECT_EQ(RetryBadSectors(Target, 5, ledger), 1U);
+    EXPECT_TRUE(RetryBadSectors(Target, 5, ledger));
     EXPECT_TRUE(Plan->Log.empty()) << "nothing is bad any more";
 }
 
 TEST_F(ResumeCopyTest, RetryStopsAtOnceAndAtAFatalCode) {
     CopyLedger ledger = BusyLedger(FreshMap());
-    ASSERT_EQ(Copy(&ledger), 1U);
+    ASSERT_TRUE(Copy(&ledger));
     ForgetRequests();
     Plan->OnRead = [](std::uint64_t index, const ReadRequest&) { Engine.ScanRunFlag = index == 2 ? 0 : 1; };
     Plan->Rules.clear();
-    EXPECT_EQ(RetryBadSectors(Target, 9, ledger), 0U);
+    EXPECT_FALSE(RetryBadSectors(Target, 9, ledger));
     EXPECT_EQ(Plan->Log.size(), 3U);
     EXPECT_EQ(Target.Content, Expected({256, 400, 520, 539}));
     EXPECT_EQ(PictureOf(MapOnDisk()), PictureOf(ledger.Map()));
@@ -248,7 +248,7 @@ TEST_F(ResumeCopyTest, RetryStopsAtOnceAndAtAFatalCode) {
     Engine.ScanRunFlag = 1;
     Plan->OnRead = nullptr;
     Plan->Rules = {{400, 1, kErrorNotReady}};
-    EXPECT_EQ(RetryBadSectors(Target, 9, ledger), 1U);
+    EXPECT_TRUE(RetryBadSectors(Target, 9, ledger));
     EXPECT_EQ(Reports.Boxes, std::vector<std::string>{SystemErrorText(kErrorNotReady)});
     EXPECT_EQ(Target.Content, Expected({400, 520, 539}));
     EXPECT_EQ(PictureOf(MapOnDisk()), PictureOf(ledger.Map()));
