@@ -226,6 +226,9 @@ TEST_F(ResumeCopyTest, RetryPutsTheStampsBackIntoTheFirstSector) {
     ASSERT_TRUE(Copy(&ledger));
     EXPECT_EQ(Target.Content, Expected({0}));
     Plan->Rules.clear();
+    Target.OnCall = [calls = 0]() mutable { return ++calls == 1 ? kErrorInvalidUserBuffer : kErrorNone; };
+    EXPECT_TRUE(RetryBadSectors(Target, 1, ledger));
+    EXPECT_EQ(PictureOf(ledger.Map()), "0+1- 1+539+");
     EXPECT_TRUE(RetryBadSectors(Target, 1, ledger));
     EXPECT_EQ(Target.Content, Expected());
     ForgetRequests();

@@ -27,6 +27,7 @@ struct Laid {
     std::uint16_t BytesPerSector = 512;
     std::uint64_t TotalSectors = 0;
     std::vector<LaidCandidate> Candidates;
+    std::uint64_t VolumeStart = 128; ///< sector
     std::vector<LaidExtent> Extents;
     std::uint32_t FileRecordBytes = 1024;
     ByteVector Tree;
@@ -41,85 +42,62 @@ inline void Lay(ByteVector& bytes, std::size_t offset, std::size_t width, std::u
     }
 }
 
-/// Makes room for a record of `length` bytes and gives its offset.
-inline std::size_t Grow(ByteVector& bytes, std::size_t length) {
-    bytes.resize(bytes.size() + length);
-    return bytes.size() - length;
+using U8 = std::uint8_t;
+using U16 = std::uint16_t;
+using U32 = std::uint32_t;
+using U64 = std::uint64_t;
+
+/// Appends numbers, each as wide as its type, and gives the offset of the first.
+template <typename... Numbers>
+std::size_t LayFields(ByteVector& bytes, Numbers... numbers) {
+    const std::size_t start = bytes.size();
+    std::size_t at = start;
+    bytes.resize(start + (sizeof(Numbers) + ...));
+    ((Lay(bytes, at, sizeof(Numbers), numbers), at += sizeof(Numbers)), ...);
+    return start;
 }
 
+inline constexpr U64 kLaidSerial = 0x1122334455667788;
+
 inline void LayDisk(ByteVector& bytes, const Laid& laid) {
-    const std::size_t at = Grow(bytes, 542);
+    const U32 any = laid.Candidates.empty() ? 0 : 1;
+    const std::size_t at = bytes.size();
+    bytes.resize(at + 516);
     for (std::size_t i = 0; i < laid.Description.size(); ++i) {
-        bytes.at(at + 2 * i) = static_cast<std::uint8_t>(laid.Description[i]);
+        bytes.at(at + 2 * i) = static_cast<U8>(laid.Description[i]);
     }
-    Lay(bytes, at + 516, 2, laid.BytesPerSector);
-    Lay(bytes, at + 518, 8, laid.TotalSectors);
-    Lay(bytes, at + 534, 4, laid.Candidates.empty() ? 0 : 1);
-    Lay(bytes, at + 538, 4, laid.Candidates.empty() ? 0 : 1);
-    for (std::size_t i = 0; i < laid.Candidates.size(); ++i) {
-        const LaidCandidate& candidate = laid.Candidates[i];
-        const std::size_t record = Grow(bytes, 76);
-        Lay(bytes, record + 8, 8, candidate.StartSector);
-        Lay(bytes, record + 16, 8, candidate.TotalSectors);
-        Lay(bytes, record + 24, 8, candidate.StartSector + 32);         // sector of the table
-        Lay(bytes, record + 32, 8, 4);                                  // its cluster
-        Lay(bytes, record + 40, 8, 1024);                               // its mirror's
-        Lay(bytes, record + 48, 8, 0x1122334455667788);                 // serial
-        Lay(bytes, record + 56, 4, 4096);                               // index block
-        Lay(bytes, record + 60, 4, 512U * candidate.SectorsPerCluster); // cluster
-        Lay(bytes, record + 64, 2, 1024);                               // file record
-        Lay(bytes, record + 66, 2, 512);                                // sector
-        Lay(bytes, record + 68, 1, candidate.SectorsPerCluster);
-        Lay(bytes, record + 69, 1, 2);
-        Lay(bytes, record + 70, 1, 8);
-        Lay(bytes, record + 71, 1, 5); // evidence
-        Lay(bytes, record + 72, 4, i + 1 < laid.Candidates.size() ? 1 : 0);
+    LayFields(bytes, laid.BytesPerSector, laid.TotalSectors, U64{0}, any, any);
+    for (const LaidCandidate& candidate : laid.Candidates) {
+        const U32 clusterBytes = 512U * candidate.SectorsPerCluster;
+        // Its sectors; the table's sector and cluster, the mirror's cluster; bytes of an index block, a
+        // cluster, a record, a sector; evidence 5; whether another one follows.
+        LayFields(bytes, U64{0}, candidate.StartSector, candidate.TotalSectors, candidate.StartSector + 32,
+                  U64{4}, U64{1024}, kLaidSerial, U32{4096}, clusterBytes, U16{1024}, U16{512},
+                  candidate.SectorsPerCluster, U8{2}, U8{8}, U8{5},
+                  U32{&candidate != &laid.Candidates.back()});
     }
 }
 
 inline void LayVolume(ByteVector& bytes, const Laid& laid) {
-    const std::size_t at = Grow(bytes, 74);
-    Lay(bytes, at, 8, 16383);
-    Lay(bytes, at + 8, 8, 160);
-    Lay(bytes, at + 16, 8, 4);
-    Lay(bytes, at + 24, 8, 1024);
-    Lay(bytes, at + 32, 8, 0x1122334455667788);
-    Lay(bytes, at + 40, 8, 128);
-    Lay(bytes, at + 48, 4, laid.Extents.empty() ? 0 : 1);
-    Lay(bytes, at + 52, 4, 256);
-    Lay(bytes, at + 56, 4, laid.FileRecordBytes);
-    Lay(bytes, at + 60, 4, 4096);
-    Lay(bytes, at + 64, 4, 4096);
-    Lay(bytes, at + 68, 2, 512);
-    Lay(bytes, at + 70, 1, 2);
-    Lay(bytes, at + 71, 1, 8);
-    Lay(bytes, at + 72, 1, 8);
-    Lay(bytes, at + 73, 1, 1);
-    for (std::size_t i = 0; i < laid.Extents.size(); ++i) {
-        const std::size_t record = Grow(bytes, 16);
-        Lay(bytes, record, 4, laid.Extents[i].Clusters);
-        Lay(bytes, record + 4, 8, laid.Extents[i].StartCluster);
-        Lay(bytes, record + 12, 4, i + 1 < laid.Extents.size() ? 1 : 0);
+    const U64 start = laid.VolumeStart;
+    // Sectors; the table's sector and cluster, the mirror's cluster; where it starts; runs, records; bytes of
+    // a record, an index block, a cluster, a sector.
+    LayFields(bytes, U64{16383}, start + 32, U64{4}, U64{1024}, kLaidSerial, start,
+              U32{!laid.Extents.empty()}, U32{256}, laid.FileRecordBytes, U32{4096}, U32{4096}, U16{512},
+              U8{2}, U8{8}, U8{8}, U8{1});
+    for (const LaidExtent& extent : laid.Extents) {
+        LayFields(bytes, extent.Clusters, extent.StartCluster, U32{&extent != &laid.Extents.back()});
     }
 }
-
-inline void LaySized(ByteVector& bytes, const ByteVector& content) {
-    Lay(bytes, Grow(bytes, 8), 8, content.size());
-    AppendBytes(bytes, content);
-}
-
-inline void LaySeparator(ByteVector& bytes) { AppendBytes(bytes, ByteVector{1, 1, 1, 1}); }
 
 inline ByteVector LayTreeInfo(const Laid& laid) {
     ByteVector bytes = {0, 0, 1, 1};
     LayDisk(bytes, laid);
     LayVolume(bytes, laid);
-    LaySeparator(bytes);
-    LaySized(bytes, laid.Tree);
-    LaySeparator(bytes);
-    LaySized(bytes, laid.Entries);
-    LaySeparator(bytes);
-    LaySized(bytes, laid.Names);
+    for (const ByteVector* content : {&laid.Tree, &laid.Entries, &laid.Names}) {
+        LayFields(bytes, U32{0x01010101}, U64{content->size()});
+        AppendBytes(bytes, *content);
+    }
     return bytes;
 }
 
@@ -129,12 +107,10 @@ inline ByteVector LayPartitionInfo(const Laid& laid) {
     return bytes;
 }
 
-/// A block of a folder's chain.
-inline void LayBlock(ByteVector& tree, std::uint32_t owner, std::uint32_t next,
-                     const std::vector<std::uint32_t>& slots) {
-    const std::size_t at = Grow(tree, 128);
-    Lay(tree, at, 4, owner);
-    Lay(tree, at + 4, 4, next);
+/// A block of a folder's chain, which ends with it.
+inline void LayBlock(ByteVector& tree, std::uint32_t owner, const std::vector<std::uint32_t>& slots) {
+    const std::size_t at = LayFields(tree, owner);
+    tree.resize(at + 128);
     for (std::size_t i = 0; i < slots.size(); ++i) {
         Lay(tree, at + 8 + 4 * i, 4, slots[i]);
     }
@@ -143,24 +119,18 @@ inline void LayBlock(ByteVector& tree, std::uint32_t owner, std::uint32_t next,
 /// An entry and its name, with the next free EntryId.
 inline void LayEntry(Laid& laid, std::uint32_t number, std::uint32_t parent, std::uint32_t block, bool folder,
                      std::u16string_view name, std::uint64_t size = 0) {
-    const std::size_t at = Grow(laid.Entries, 44);
-    Lay(laid.Entries, at, 8, size);
-    Lay(laid.Entries, at + 8, 8, 160 + 2 * number);
-    Lay(laid.Entries, at + 16, 4, at / 44);
-    Lay(laid.Entries, at + 20, 4, number);
-    Lay(laid.Entries, at + 24, 4, parent);
-    Lay(laid.Entries, at + 28, 4, block);
-    Lay(laid.Entries, at + 32, 4, laid.Names.size());
-    Lay(laid.Entries, at + 36, 2, name.size());
-    Lay(laid.Entries, at + 38, 2, folder ? 24 : 8);
+    const auto id = static_cast<U32>(laid.Entries.size() / 44);
+    LayFields(laid.Entries, size, U64{160 + 2 * number}, id, number, parent, block,
+              static_cast<U32>(laid.Names.size()), static_cast<U16>(name.size()), folder ? U16{24} : U16{8},
+              U32{0});
     AppendText(laid.Names, name);
 }
 
 /// A catalogue of the two seeds, "folder" and in it "file.txt".
 inline void LaySmallCatalogue(Laid& laid) {
-    LayBlock(laid.Tree, 0, 0, {1});
-    LayBlock(laid.Tree, 5, 0, {2});
-    LayBlock(laid.Tree, 40, 0, {3});
+    LayBlock(laid.Tree, 0, {1});
+    LayBlock(laid.Tree, 5, {2});
+    LayBlock(laid.Tree, 40, {3});
     LayEntry(laid, 0, 0, 0, true, u"#");
     LayEntry(laid, 5, 0, 128, true, u" Root");
     LayEntry(laid, 40, 5, 256, true, u"folder");

@@ -46,9 +46,14 @@ protected:
         return names;
     }
 
-    /// "/folder", "/folder/file.txt", …
-    static std::vector<std::string> Paths() {
-        std::vector<std::string> paths;
+    using Lines = std::vector<std::string>;
+
+    /// What the small catalogue holds.
+    const Lines kPaths = {"", "/folder", "/folder/file.txt"};
+
+    /// What the open catalogue holds.
+    static Lines Paths() {
+        Lines paths;
         EntryWalk walk({}, WalkReach::Whole);
         while (walk.Next()) {
             paths.push_back(walk.Path());
@@ -65,22 +70,14 @@ protected:
         EXPECT_EQ(Engine.VolumeParams.FileRecordBytes, 0U);
     }
 
-    /// The last two records of the log: the one that begins and the one that ends.
-    void ExpectLog(const ProcessLogEntry& begins, const ProcessLogEntry& ends) {
-        ASSERT_GE(Reports.Log.size(), 2U);
-        const auto expect = [](const ProcessLogEntry& got, const ProcessLogEntry& wanted) {
-            EXPECT_EQ(got.Name, wanted.Name);
-            EXPECT_EQ(got.Description, wanted.Description);
-            EXPECT_EQ(got.Status, wanted.Status);
-        };
-        expect(Reports.Log[Reports.Log.size() - 2], begins);
-        expect(Reports.Log.back(), ends);
-    }
-    void ExpectTreeLoadLog(const std::string& text, std::uint8_t status,
-                           const std::string& file = "laid.tht") {
-        ExpectLog(
-            {"Processing Scan Info File : " + file, "Location : " + scratch_.Path(), "", kLogInProgress},
-            {text, At(file), "", status});
+    /// The last two records of the log, the one that begins and the one that ends, as "name|text|status".
+    [[nodiscard]] Lines LogEnd() const {
+        Lines lines;
+        for (std::size_t i = Reports.Log.size() - 2; i < Reports.Log.size(); ++i) {
+            const ProcessLogEntry& entry = Reports.Log[i];
+            lines.push_back(entry.Name + "|" + entry.Description + "|" + std::to_string(entry.Status));
+        }
+        return lines;
     }
 
     WorkFolder scratch_;

@@ -16,33 +16,31 @@ std::tm Day(int year, int month, int day, int weekday) {
     return local;
 }
 
-TEST(ScanInfoNamesTest, SuggestedNamesOfEveryMonthAndWeekday) {
-    const char* const months[] = {"Jan", "Feb", "Mar",  "Apr", "May", "Jun",
-                                  "Jul", "Aug", "Sept", "Oct", "Nov", "Dec"};
-    for (int month = 1; month <= 12; ++month) {
-        const std::string text = months[month - 1];
-        EXPECT_EQ(SuggestedTreeInfoName(Day(2026, month, 9, 0)),
-                  "TH NTFS Scan Info# 09-" + text + "-2026.tht");
-    }
-    const char* const weekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    for (int weekday = 0; weekday < 7; ++weekday) {
-        const std::string text = weekdays[weekday];
-        EXPECT_EQ(SuggestedPartitionInfoName(Day(1999, 9, 30, weekday)),
-                  "TH NTFS Scan Information # " + text + ", 30-Sept-1999");
-    }
+class ScanInfoNamesTest : public ScanInfoFixture {};
+
+TEST_F(ScanInfoNamesTest, SuggestedNames) {
+    EXPECT_EQ(SuggestedTreeInfoName(Day(2026, 1, 9, 0)), "TH NTFS Scan Info# 09-Jan-2026.tht");
+    EXPECT_EQ(SuggestedTreeInfoName(Day(2026, 12, 31, 0)), "TH NTFS Scan Info# 31-Dec-2026.tht");
+    EXPECT_EQ(SuggestedPartitionInfoName(Day(1999, 9, 30, 0)),
+              "TH NTFS Scan Information # Sun, 30-Sept-1999");
+    EXPECT_EQ(SuggestedPartitionInfoName(Day(1999, 6, 30, 6)), "TH NTFS Scan Information # Sat, 30-Jun-1999");
 }
 
-TEST(ScanInfoNamesTest, PlaceOfAPath) {
-    const ScanInfoPlace plain = ScanInfoPlaceOf("/a/b/c.d", ".tht");
-    EXPECT_EQ(plain.Folder, "/a/b");
-    EXPECT_EQ(plain.FileName, "c.d");
-    EXPECT_EQ(plain.Target, "/a/b/c.d.tht");
-    const ScanInfoPlace root = ScanInfoPlaceOf("/c.tht", ".tht");
-    EXPECT_EQ(root.Folder, "");
-    EXPECT_EQ(root.Target, "/c.tht");
+TEST_F(ScanInfoNamesTest, PlaceOfAPath) {
+    for (const auto& [given, target] : {std::pair{"/a/b.tht", "/a/b.tht"},
+                                        {"/a/b", "/a/b.tht"},
+                                        {"/c.THT", "/c.THT.tht"},
+                                        {"/d.tht.bak", "/d.tht.bak.tht"},
+                                        {"/tht", "/tht.tht"},
+                                        {"/.tht", "/.tht"}}) {
+        EXPECT_EQ(ScanInfoPlaceOf(given, ".tht").Target, target);
+    }
+    EXPECT_EQ(ScanInfoPlaceOf("/a/b/c", ".tht").Folder, "/a/b");
+    EXPECT_EQ(ScanInfoPlaceOf("/a/b/c", ".tht").FileName, "c");
+    EXPECT_EQ(ScanInfoPlaceOf("/c", ".tht").Folder, "");
 }
 
-TEST(ScanInfoNamesTest, DescriptionsThatFit) {
+TEST_F(ScanInfoNamesTest, DescriptionsThatFit) {
     EXPECT_TRUE(DescriptionFits("/" + std::string(254, 'x')));
     EXPECT_FALSE(DescriptionFits("/" + std::string(255, 'x')));
     EXPECT_FALSE(DescriptionFits(std::string(254, 'x'))); // stored from the root on
@@ -55,21 +53,17 @@ TEST(ScanInfoNamesTest, DescriptionsThatFit) {
     EXPECT_FALSE(DescriptionFits("/not UTF-8 \xFF")); // couldn't be found again
 }
 
-class ProbeTest : public ScanInfoFixture {};
-
-TEST_F(ProbeTest, FilesAreKnownByTheirFirstBytesAlone) {
-    const auto kindOf = [this](ConstBytes bytes) {
+TEST_F(ScanInfoNamesTest, FilesAreKnownByTheirFirstBytesAlone) {
+    const auto expect = [this](ConstBytes bytes, ScanInfoKind kind, const std::string& medium) {
         WriteFileBytes(At("probed.img"), bytes);
-        return ProbeScanInfo(At("probed.img")).Kind;
+        EXPECT_EQ(ProbeScanInfo(At("probed.img")).Kind, kind);
+        EXPECT_EQ(ProbeScanInfo(At("probed.img")).Medium, medium);
     };
-    EXPECT_EQ(kindOf(LayTreeInfo(laid_)), ScanInfoKind::Tree);
-    EXPECT_EQ(ProbeScanInfo(At("probed.img")).Medium, ImagePath());
-    EXPECT_EQ(kindOf(LayPartitionInfo(laid_)), ScanInfoKind::Partitions);
-    EXPECT_EQ(ProbeScanInfo(At("probed.img")).Medium, ImagePath());
-    EXPECT_EQ(kindOf(ByteVector{0, 0, 1, 1}), ScanInfoKind::Tree);
-    EXPECT_EQ(ProbeScanInfo(At("probed.img")).Medium, "");
-    EXPECT_EQ(kindOf(ByteVector{0, 0, 1}), ScanInfoKind::None);
-    EXPECT_EQ(kindOf(ByteVector(1024)), ScanInfoKind::None);
+    expect(LayTreeInfo(laid_), ScanInfoKind::Tree, ImagePath());
+    expect(LayPartitionInfo(laid_), ScanInfoKind::Partitions, ImagePath());
+    expect(ByteVector{0, 0, 1, 1}, ScanInfoKind::Tree, "");
+    expect(ByteVector{0, 0, 1}, ScanInfoKind::None, "");
+    expect(ByteVector(1024), ScanInfoKind::None, "");
     EXPECT_EQ(ProbeScanInfo(scratch_.Path()).Kind, ScanInfoKind::None);
     EXPECT_EQ(ProbeScanInfo(At("missing")).Kind, ScanInfoKind::None);
 }
