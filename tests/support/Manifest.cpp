@@ -1,8 +1,11 @@
 #include "support/Manifest.h"
 
+#include "support/BuildPaths.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace thntfs::test {
@@ -13,44 +16,23 @@ constexpr const char* kLayoutEnding = ".layout.tsv";
 
 std::vector<std::string> Split(const std::string& text, char separator) {
     std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (std::size_t end = 0; end != std::string::npos; start = end + 1) {
-        end = text.find(separator, start);
-        parts.push_back(text.substr(start, end - start));
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);) {
+        parts.push_back(part);
     }
     return parts;
 }
 
-std::vector<std::vector<std::string>> ReadTable(const std::string& path, std::size_t columns) {
-    std::ifstream file(path);
+/// The cells of each row of a list of tests/volumes.
+std::vector<std::vector<std::string>> ReadTable(const std::string& name) {
+    std::ifstream file(ManifestFolder() + "/" + name);
     std::vector<std::vector<std::string>> rows;
     for (std::string line; std::getline(file, line);) {
         if (!line.starts_with('#')) {
             rows.push_back(Split(line, '\t'));
-            if (rows.back().size() < columns) {
-                throw std::runtime_error(path + ": short line");
-            }
         }
     }
-    if (rows.empty()) {
-        throw std::runtime_error(path + ": nothing in it");
-    }
-    return rows;
-}
-
-LayoutRow MakeLayoutRow(const std::vector<std::string>& cells) {
-    const auto number = [&](std::size_t i) { return std::stoull(cells[i]); };
-    const auto small = [&](std::size_t i) { return static_cast<std::uint32_t>(number(i)); };
-    return {small(0), number(1), small(2),  small(3),  small(4), small(5),
-            small(6), number(7), number(8), number(9), cells[10]};
-}
-
-ManifestRow MakeManifestRow(const std::vector<std::string>& cells) {
-    ManifestRow row{cells[0], cells[1] == "live", cells[2] == "folder", std::stoull(cells[3]), cells[4], {}};
-    for (const std::string& note : Split(cells[5], ',')) {
-        row.Notes.insert(note);
-    }
-    return row;
+    return rows.empty() ? throw std::runtime_error(name + ": nothing in it") : rows;
 }
 
 } // namespace
@@ -58,39 +40,39 @@ ManifestRow MakeManifestRow(const std::vector<std::string>& cells) {
 std::vector<ManifestRow> PackedImage::Manifest(unsigned number) const {
     const std::string part = Partitions.size() == 1 ? "" : ".p" + std::to_string(number);
     std::vector<ManifestRow> rows;
-    for (const auto& cells : ReadTable(Folder + "/" + Name + part + ".manifest.tsv", 6)) {
-        rows.push_back(MakeManifestRow(cells));
+    for (const auto& cells : ReadTable(Name + part + ".manifest.tsv")) {
+        const std::vector<std::string> notes = Split(cells.at(5), ',');
+        rows.push_back({cells[0],
+                        cells[1] == "live",
+                        cells[2] == "folder",
+                        std::stoull(cells[3]),
+                        cells[4],
+                        {notes.begin(), notes.end()}});
     }
     return rows;
 }
 
-std::vector<PackedImage> PackedImages(const std::string& manifestFolder, const std::string& volumeFolder) {
+PackedImage PackedImageNamed(const std::string& name) {
+    PackedImage image{name, VolumeFolder() + "/" + name + ".img", {}};
+    for (const auto& cells : ReadTable(name + kLayoutEnding)) {
+        const auto number = [&cells](std::size_t i) { return std::stoull(cells.at(i)); };
+        const auto small = [&](std::size_t i) { return static_cast<std::uint32_t>(number(i)); };
+        image.Partitions.push_back({small(0), number(1), small(2), small(3), small(4), small(5), small(6),
+                                    number(7), number(8), number(9), cells.at(10)});
+    }
+    return image;
+}
+
+std::vector<PackedImage> PackedImages() {
     std::vector<PackedImage> images;
-    for (const auto& entry : std::filesystem::directory_iterator(manifestFolder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(ManifestFolder())) {
         const std::string name = entry.path().filename().string();
         if (name.ends_with(kLayoutEnding)) {
-            PackedImage image;
-            image.Name = name.substr(0, name.size() - std::string(kLayoutEnding).size());
-            image.Path = volumeFolder + "/" + image.Name + ".img";
-            image.Folder = manifestFolder;
-            for (const auto& cells : ReadTable(entry.path().string(), 11)) {
-                image.Partitions.push_back(MakeLayoutRow(cells));
-            }
-            images.push_back(std::move(image));
+            images.push_back(PackedImageNamed(name.substr(0, name.find('.'))));
         }
     }
     std::sort(images.begin(), images.end(), [](const auto& a, const auto& b) { return a.Name < b.Name; });
     return images;
-}
-
-PackedImage PackedImageNamed(const std::string& name, const std::string& manifestFolder,
-                             const std::string& volumeFolder) {
-    for (PackedImage& image : PackedImages(manifestFolder, volumeFolder)) {
-        if (image.Name == name) {
-            return std::move(image);
-        }
-    }
-    throw std::runtime_error("no packed image " + name);
 }
 
 } // namespace thntfs::test

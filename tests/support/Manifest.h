@@ -50,16 +50,12 @@ struct PackedImage {
 
     /// The rows of the partition with this number, from 1.
     [[nodiscard]] std::vector<ManifestRow> Manifest(unsigned number) const;
-
-    /// Folder of the lists.
-    std::string Folder;
 };
 
-/// All packed images by name. `manifestFolder` holds the lists, `volumeFolder` the unpacked images.
-std::vector<PackedImage> PackedImages(const std::string& manifestFolder, const std::string& volumeFolder);
+/// The packed image with a name; throws std::runtime_error where there is none.
+PackedImage PackedImageNamed(const std::string& name);
 
-/// The one with a name; throws std::runtime_error where there is none.
-PackedImage PackedImageNamed(const std::string& name, const std::string& manifestFolder,
-                             const std::string& volumeFolder);
+/// All of them by name.
+std::vector<PackedImage> PackedImages();
 
 } // namespace thntfs::test

@@ -1,11 +1,14 @@
 #include "support/Sha256.h"
 
-#include <algorithm>
+#include <array>
 #include <bit>
+#include <vector>
 
 namespace thntfs::test {
 
 namespace {
+
+using DigestWords = std::array<std::uint32_t, 8>;
 
 constexpr std::array<std::uint32_t, 64> kRound = {
     0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
@@ -17,14 +20,11 @@ constexpr std::array<std::uint32_t, 64> kRound = {
     0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
     0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2};
 
-std::uint32_t BigEndian32(const std::uint8_t* at) {
-    return std::uint32_t{at[0]} << 24 | std::uint32_t{at[1]} << 16 | std::uint32_t{at[2]} << 8 | at[3];
-}
-
-std::array<std::uint32_t, 64> Schedule(const std::uint8_t* block) {
+// In the order of the standard, most significant first.
+std::array<std::uint32_t, 64> Schedule(ConstBytes block) {
     std::array<std::uint32_t, 64> w{};
-    for (std::size_t i = 0; i < 16; ++i) {
-        w[i] = BigEndian32(block + 4 * i);
+    for (std::size_t i = 0; i < 64; ++i) {
+        w[i / 4] = w[i / 4] << 8 | block[i];
     }
     for (std::size_t i = 16; i < 64; ++i) {
         const std::uint32_t a = w[i - 15];
@@ -35,11 +35,9 @@ std::array<std::uint32_t, 64> Schedule(const std::uint8_t* block) {
     return w;
 }
 
-} // namespace
-
-void Sha256::Compress(const std::uint8_t* block) {
+void Compress(DigestWords& state, ConstBytes block) {
     const std::array<std::uint32_t, 64> w = Schedule(block);
-    auto [a, b, c, d, e, f, g, h] = state_;
+    auto [a, b, c, d, e, f, g, h] = state;
     for (std::size_t i = 0; i < 64; ++i) {
         const std::uint32_t one = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) +
                                   ((e & f) ^ (~e & g)) + kRound[i] + w[i];
@@ -54,59 +52,33 @@ void Sha256::Compress(const std::uint8_t* block) {
         b = a;
         a = one + two;
     }
-    const std::array<std::uint32_t, 8> added = {a, b, c, d, e, f, g, h};
+    const DigestWords added = {a, b, c, d, e, f, g, h};
     for (std::size_t i = 0; i < 8; ++i) {
-        state_[i] += added[i];
+        state[i] += added[i];
     }
 }
 
-void Sha256::Add(ConstBytes bytes) {
-    while (!bytes.empty()) {
-        const std::size_t filled = length_ % block_.size();
-        const std::size_t count = std::min(bytes.size(), block_.size() - filled);
-        if (count == block_.size()) {
-            Compress(bytes.data());
-        } else {
-            std::copy_n(bytes.begin(), count, block_.begin() + static_cast<std::ptrdiff_t>(filled));
-            if (filled + count == block_.size()) {
-                Compress(block_.data());
-            }
-        }
-        length_ += count;
-        bytes = bytes.subspan(count);
-    }
-}
+} // namespace
 
-void Sha256::AddZeros(std::uint64_t count) {
-    static constexpr std::array<std::uint8_t, 4096> kZeros{};
-    for (; count > 0; count -= std::min<std::uint64_t>(count, kZeros.size())) {
-        Add(ConstBytes(kZeros).first(
-            static_cast<std::size_t>(std::min<std::uint64_t>(count, kZeros.size()))));
+std::string Sha256Of(ConstBytes bytes) {
+    DigestWords state{0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                      0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+    std::vector<std::uint8_t> all(bytes.begin(), bytes.end());
+    all.push_back(0x80);
+    all.resize((all.size() + 8 + 63) / 64 * 64 - 8);
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        all.push_back(static_cast<std::uint8_t>(std::uint64_t{bytes.size()} * 8 >> shift));
     }
-}
-
-std::string Sha256::Finish() {
-    const std::uint64_t bits = length_ * 8;
-    Add(std::array<std::uint8_t, 1>{0x80});
-    AddZeros((120 - length_ % 64) % 64);
-    std::array<std::uint8_t, 8> size{};
-    for (std::size_t i = 0; i < 8; ++i) {
-        size[i] = static_cast<std::uint8_t>(bits >> (56 - 8 * i));
+    for (std::size_t at = 0; at < all.size(); at += 64) {
+        Compress(state, ConstBytes(all).subspan(at, 64));
     }
-    Add(size);
     std::string text;
-    for (const std::uint32_t word : state_) {
+    for (const std::uint32_t word : state) {
         for (int shift = 28; shift >= 0; shift -= 4) {
             text += "0123456789abcdef"[word >> shift & 15U];
         }
     }
     return text;
-}
-
-std::string Sha256Of(ConstBytes bytes) {
-    Sha256 digest;
-    digest.Add(bytes);
-    return digest.Finish();
 }
 
 } // namespace thntfs::test

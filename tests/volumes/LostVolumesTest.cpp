@@ -1,3 +1,4 @@
+#include "platform/system/Text.h"
 #include "support/BuildPaths.h"
 #include "support/Manifest.h"
 #include "support/RunProgram.h"
@@ -26,10 +27,6 @@ constexpr std::uint64_t kClusterSectors = 8;
 
 void Wipe(Disk& disk, std::uint64_t sector, std::uint64_t count) {
     std::fill_n(disk.begin() + static_cast<std::ptrdiff_t>(kSector * sector), kSector * count, '\0');
-}
-
-PackedImage ImageNamed(const std::string& name) {
-    return PackedImageNamed(name, ManifestFolder(), VolumeFolder());
 }
 
 void WipeTable(Disk& disk) { Wipe(disk, 0, 1); }
@@ -62,7 +59,7 @@ void WipeFirstTableCluster(Disk& disk) { Wipe(disk, kStart + 4 * kClusterSectors
 // over the old ones, and the rest of the old records lie where the new table goes on.
 void FormatAgain(Disk& disk) {
     WipeTable(disk);
-    const Disk other = ReadWholeFile(ImageNamed("names").Path);
+    const Disk other = ReadWholeFile(PackedImageNamed("names").Path);
     constexpr std::size_t kWritten = (16 + 27) * 1024;
     std::copy_n(other.begin() + 63 * kSector, kWritten,
                 disk.begin() + static_cast<std::ptrdiff_t>(kSector * kStart));
@@ -82,7 +79,7 @@ void PrintTo(const WreckCase& wreck, std::ostream* out) { *out << wreck.Name; }
 class LostVolumeTest : public testing::TestWithParam<WreckCase> {
 protected:
     LostVolumeTest() {
-        Disk disk = ReadWholeFile(ImageNamed("basic").Path);
+        Disk disk = ReadWholeFile(PackedImageNamed("basic").Path);
         GetParam().Wreck(disk);
         std::ofstream(scratch_ / "disk.img", std::ios::binary) << disk;
     }
@@ -109,8 +106,7 @@ protected:
         std::set<std::string> hashes;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(scratch_ / "out")) {
             if (entry.is_regular_file()) {
-                const std::string bytes = ReadWholeFile(entry.path().string());
-                hashes.insert(Sha256Of(std::vector<std::uint8_t>(bytes.begin(), bytes.end())));
+                hashes.insert(Sha256Of(TextBytes(ReadWholeFile(entry.path().string()))));
             }
         }
         return hashes;
@@ -120,7 +116,7 @@ protected:
 };
 
 std::size_t CountBack(const std::set<std::string>& hashes) {
-    const std::vector<ManifestRow> rows = ImageNamed("basic").Manifest(1);
+    const std::vector<ManifestRow> rows = PackedImageNamed("basic").Manifest(1);
     return static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), [&](const ManifestRow& row) {
         return !row.Folder && row.Size > 0 && hashes.contains(row.Sha256);
     }));

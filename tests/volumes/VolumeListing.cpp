@@ -20,7 +20,7 @@ std::vector<std::string> VolumeCase::Words(const std::string& command) const {
 
 std::vector<VolumeCase> AllVolumes() {
     std::vector<VolumeCase> volumes;
-    for (const PackedImage& image : PackedImages(ManifestFolder(), VolumeFolder())) {
+    for (const PackedImage& image : PackedImages()) {
         for (const LayoutRow& layout : image.Partitions) {
             volumes.push_back({image, layout});
         }

@@ -1,6 +1,7 @@
 #include "DataMap.h"
 #include "VolumeListing.h"
 #include "content/TargetName.h"
+#include "platform/system/Text.h"
 #include "support/BuildPaths.h"
 #include "support/RunProgram.h"
 #include "support/Sha256.h"
@@ -18,10 +19,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxSample = 24;
 constexpr unsigned kMaxTwins = 4; ///< files of one path
-
-ConstBytes BytesOfText(const std::string& text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
 
 std::string CaseName(const testing::TestParamInfo<VolumeCase>& info) {
     return info.param.Image.Name + "_p" + std::to_string(info.param.Layout.Number);
@@ -46,7 +43,7 @@ json TruthOf(const LayoutRow& row) {
 }
 
 TEST(ImagesTest, PartitionsAreThoseOfTheTable) {
-    for (const PackedImage& image : PackedImages(ManifestFolder(), VolumeFolder())) {
+    for (const PackedImage& image : PackedImages()) {
         SCOPED_TRACE(image.Name);
         json truth = json::array();
         for (const LayoutRow& row : image.Partitions) {
@@ -77,7 +74,7 @@ protected:
 
     /// Whether these bytes are what must come out of a row's file. `entry` is its line of the listing.
     void ExpectBytes(const ManifestRow& row, const json& entry, const std::string& bytes) {
-        if (row.Has("reused") || Sha256Of(BytesOfText(bytes)) == row.Sha256) {
+        if (row.Has("reused") || Sha256Of(TextBytes(bytes)) == row.Sha256) {
             return;
         }
         ASSERT_TRUE(row.Has("sparse") || row.Has("compressed"))
@@ -85,8 +82,7 @@ protected:
         const VolumeCase& volume = GetParam();
         const DataMap map = ReadDataMap(volume.Image, volume.Layout, entry["recordSector"]);
         ASSERT_TRUE(map.Complete) << row.Path;
-        const std::string hash =
-            HashWithHoles(BytesOfText(bytes), map, row.Size, volume.Image, volume.Layout);
+        const std::string hash = HashWithHoles(TextBytes(bytes), map, row.Size, volume.Image, volume.Layout);
         if (row.Has("open-end")) {
             const std::uint64_t unit = map.UnitClusters * volume.Layout.ClusterBytes();
             EXPECT_EQ(bytes.size(), row.Size / unit * unit) << row.Path << ": units that a hole closes";
@@ -200,7 +196,7 @@ std::string TakeSavedFile(const ManifestRow& row, const std::string& target, con
         if (!saved.Files.contains(path)) {
             continue;
         }
-        if (!row.Has("samepath") || Sha256Of(BytesOfText(ReadWholeFile(folder + path))) == row.Sha256) {
+        if (!row.Has("samepath") || Sha256Of(TextBytes(ReadWholeFile(folder + path))) == row.Sha256) {
             saved.Files.erase(path);
             return path;
         }
