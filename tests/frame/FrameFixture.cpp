@@ -152,15 +152,6 @@ std::string FrameFixture::TreeText() const {
     return text;
 }
 
-std::vector<std::string> FrameFixture::ListNames() const {
-    const auto* details = Find<QWidget>("ListView").findChild<QTreeView*>();
-    std::vector<std::string> names;
-    for (int row = 0; row < details->model()->rowCount(); ++row) {
-        names.push_back(details->model()->index(row, 0).data().toString().toStdString());
-    }
-    return names;
-}
-
 std::string FrameFixture::Pane(int number) const {
     const QString name = QStringLiteral("StatusPane%1").arg(number);
     return Frame->findChild<QLabel*>(name)->text().toStdString();

@@ -76,6 +76,8 @@ protected:
         return dynamic_cast<Widget&>(*Frame->findChild<QWidget*>(QLatin1String(name)));
     }
     [[nodiscard]] QTreeView& Tree() const { return Find<QTreeView>("TreeView"); }
+    /// The list in its view of columns.
+    [[nodiscard]] QTreeView& Details() const { return *Find<QWidget>("ListView").findChild<QTreeView*>(); }
     [[nodiscard]] bool TreeIsEmpty() const { return Tree().model()->rowCount() == 0; }
     [[nodiscard]] const ProcessLog& Log() const;
 
@@ -84,9 +86,6 @@ protected:
 
     /// The tree as one text: a line a folder, two blanks a level.
     [[nodiscard]] std::string TreeText() const;
-
-    /// First column of the list from the top.
-    [[nodiscard]] std::vector<std::string> ListNames() const;
 
     /// Text of a pane of the status bar.
     [[nodiscard]] std::string Pane(int number) const;

@@ -31,7 +31,7 @@ protected:
 
     void ExpectView(const char* title, bool details) {
         EXPECT_TRUE(Command(title).isChecked()) << title;
-        EXPECT_EQ(Find<QWidget>("ListView").findChild<QTreeView*>()->isVisible(), details) << title;
+        EXPECT_EQ(Details().isVisible(), details) << title;
     }
 };
 
@@ -58,6 +58,8 @@ TEST_F(FrameLook, PromptsComeAndGo) {
         QCoreApplication::sendEvent(Frame.get(), &prompt);
         EXPECT_EQ(Pane(0), *text == '\0' ? "Ready" : text);
     }
+    EXPECT_EQ(Command("Find Next").statusTip() + Command("Find Next").toolTip(),
+              QStringLiteral("Finds next matching files/foldersFind Next"));
     ChooseInMenu("Tools/Spoor Hound");
     EXPECT_EQ(Pane(0), "Spoor Hound is not built into the desktop program yet.");
     ChooseInMenu("Help/Tip of the day");
@@ -81,17 +83,17 @@ TEST_F(FrameLook, NarrowWindowLeavesRoomForTheProgressBar) {
     RunEvents();
     EXPECT_EQ(Frame->width(), 800);
     EXPECT_GT(bar.width(), 60);
-    EXPECT_GT(Find<QWidget>("ListView").findChild<QTreeView*>()->columnWidth(0), 150); // names can be read
+    EXPECT_GT(Details().columnWidth(0), 150); // names can be read
 }
 
 TEST_F(FrameLook, BarsAreHiddenAndShownAndTheirLinesMarked) {
-    for (const bool hidden : {true, false}) {
-        ChooseInMenu("View/ToolBar");
-        ChooseInMenu("View/Status Bar");
-        EXPECT_EQ(Toolbar().isHidden(), hidden);
-        EXPECT_EQ(Frame->statusBar()->isHidden(), hidden);
-        EXPECT_EQ(Command("ToolBar").isChecked(), !hidden);
-        EXPECT_EQ(Command("Status Bar").isChecked(), !hidden);
+    for (const auto& [title, bar] :
+         {std::pair<const char*, QWidget*>{"ToolBar", &Toolbar()}, {"Status Bar", Frame->statusBar()}}) {
+        for (const bool shown : {false, true}) {
+            ChooseInMenu((std::string("View/") + title).c_str());
+            EXPECT_EQ(bar->isVisible(), shown) << title;
+            EXPECT_EQ(Command(title).isChecked(), shown) << title;
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 #include "FrameFixture.h"
 #include "support/FailingFileStore.h"
 
+#include <QTest>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -31,10 +32,14 @@ TEST_F(LoadSavedScan, FillsTheWindowAndIsSavedAsItWas) {
     const std::string tree = TreeText();
     EXPECT_EQ(tree.substr(0, 2), "#\n");
     EXPECT_NE(tree.find("\n   Root\n"), std::string::npos) << tree;
-    EXPECT_EQ(ListNames().at(0), " Root");
+    EXPECT_EQ(Details().model()->index(0, 0).data(), QStringLiteral(" Root"));
     EXPECT_EQ(Pane(0), "Ready");
     const auto folders = std::to_string(std::count(tree.begin(), tree.end(), '\n') - 1);
     EXPECT_TRUE(Pane(1).ends_with(" Files in " + folders + " Folders")) << Pane(1) << "\n" << tree;
+
+    EXPECT_EQ(Pane(2), "");
+    QTest::keyClick(&Tree(), Qt::Key_Space); // marks all
+    EXPECT_EQ(Pane(2), "Marked " + Pane(1));
 
     ChooseInMenu(kLoadTree); // and cancelled
     EXPECT_EQ(TreeText(), tree);
@@ -46,25 +51,14 @@ TEST_F(LoadSavedScan, FillsTheWindowAndIsSavedAsItWas) {
     EXPECT_EQ(LogRows().at(3), "Partition scan information saved successfully. | " + copy + ".tht | 2");
     EXPECT_TRUE(Answers.SuggestedFiles.at(2).startsWith(QStringLiteral("TH NTFS Scan Info# ")));
     EXPECT_TRUE(Answers.Boxes.empty());
-}
 
-TEST_F(LoadSavedScan, WhatIsMarkedIsSummedUp) {
-    LoadByMenu(SavedScanOf(Volume("basic.img")));
-    EXPECT_EQ(Pane(2), "");
-    Tree().setFocus();
-    QTest::keyClick(&Tree(), Qt::Key_Space); // all of it
-    EXPECT_EQ(Pane(2), "Marked " + Pane(1));
-    EXPECT_TRUE(Pane(2).find(" in 0 ") == std::string::npos);
-}
-
-TEST_F(LoadSavedScan, ANameThatGetsItsEndingIsAskedAboutToo) {
-    LoadByMenu(SavedScanOf(Volume("basic.img")));
-    std::ofstream(Folder / "old.tht") << "precious";
-    Answers.AnswerFile(QString::fromStdString(Folder / "old"));
+    Answers.AnswerFile(QString::fromStdString(copy)); // it gets its ending, and what is there isn't lost
     Answers.Answer(QMessageBox::No);
     ChooseInMenu(kSaveTree);
-    ASSERT_EQ(Answers.Boxes.size(), 1U);
-    EXPECT_EQ(ReadWholeFile(Folder / "old.tht"), "precious");
+    EXPECT_EQ(Answers.Boxes.size(), 1U);
+    EXPECT_EQ(LogRows().size(), 4U);
+    Frame->close();
+    EXPECT_FALSE(Frame->isVisible()) << "it is in a file, so nothing is asked";
 }
 
 TEST_F(LoadSavedScan, TheMediumIsNeverWrittenOver) {
@@ -81,6 +75,14 @@ TEST_F(LoadSavedScan, TheMediumIsNeverWrittenOver) {
         EXPECT_TRUE(std::filesystem::is_symlink(link));
     }
     EXPECT_EQ(ReadWholeFile(Disk), ReadWholeFile(Volume("basic.img")));
+
+    Engine.SourceDisk.Description.assign(kMaxDescriptionUnits, u'x');
+    Engine.ImagePath.assign(kMaxDescriptionUnits + 1, 'x');
+    for (const char* command : {kSavePartitions, kSaveTree}) {
+        Answers.AnswerFile(QString::fromStdString(Folder / "long"));
+        ChooseInMenu(command);
+        EXPECT_TRUE(Answers.Boxes.back().Text.contains(QStringLiteral("path of the medium is too long")));
+    }
 }
 
 TEST_F(LoadSavedScan, WhatCannotBeLoadedLeavesEmptyViewsAndALine) {
@@ -93,28 +95,25 @@ TEST_F(LoadSavedScan, WhatCannotBeLoadedLeavesEmptyViewsAndALine) {
     LoadByMenu(wrong);
     EXPECT_EQ(LogRows().back(), "Not a valid Partition scan information. | " + wrong + " | 1");
     EXPECT_TRUE(TreeIsEmpty());
-    EXPECT_TRUE(ListNames().empty());
+    EXPECT_EQ(Details().model()->rowCount(), 0);
     EXPECT_EQ(Pane(0), "Ready");
     EXPECT_EQ(Pane(1), "Total 0 KB in 0 Files in 0 Folders");
     EXPECT_FALSE(IsOffered("Save Tree Info"));
     EXPECT_TRUE(IsOffered("Load Tree Info"));
 
-    std::filesystem::remove(Disk);
-    LoadByMenu(good);
-    EXPECT_EQ(LogRows().back(), "Failed to open Partition scan information. Errorcode =2 | " + good + " | 1");
-    EXPECT_TRUE(Answers.Boxes.empty());
-}
-
-TEST_F(LoadSavedScan, AnotherMediumUnderThePathIsAskedAbout) {
-    const std::string good = MakeDisk("basic.img");
     std::filesystem::copy_file(Volume("names.img"), Disk, std::filesystem::copy_options::overwrite_existing);
     LoadByMenu(good);
-    ASSERT_EQ(Answers.Boxes.size(), 1U);
-    EXPECT_TRUE(LogRows().at(1).ends_with(" | " + Disk + " | 1")) << LogRows().at(1);
+    EXPECT_EQ(Answers.Boxes.size(), 1U) << "another medium";
     EXPECT_TRUE(TreeIsEmpty());
     Answers.Answer(QMessageBox::Yes);
     LoadByMenu(good);
     EXPECT_FALSE(TreeIsEmpty());
+    EXPECT_TRUE(LogRows().end()[-2].ends_with(" | " + Disk + " | 1")) << LogRows().end()[-2];
+
+    std::filesystem::remove(Disk);
+    LoadByMenu(good);
+    EXPECT_EQ(LogRows().back(), "Failed to open Partition scan information. Errorcode =2 | " + good + " | 1");
+    EXPECT_EQ(Answers.Boxes.size(), 2U);
 }
 
 TEST_F(LoadSavedScan, TheLogIsSavedAndARefusedWriteIsTold) {

@@ -2,7 +2,6 @@
 
 #include "FrameFixture.h"
 #include "shell/DesktopHost.h"
-#include "support/desktop/ModalSteps.h"
 #include "support/desktop/Widgets.h"
 #include "wizard/WizardSheet.h"
 
@@ -18,25 +17,9 @@
 namespace thntfs::test {
 namespace {
 
-constexpr std::size_t kSector = 512;
-constexpr std::size_t kStart = 2048; // of the volume on the image "basic"
-constexpr std::size_t kClusterSectors = 8;
-constexpr std::size_t kMftCluster = 4;
-constexpr std::size_t kMirrorCluster = 3071;
-
 class WholeRoad : public FrameFixture {
 protected:
-    /// The image "basic" with some of its sectors overwritten.
-    std::string MakeWreck(const std::vector<std::pair<std::size_t, std::size_t>>& wiped) {
-        std::string disk = ReadWholeFile(Image);
-        for (const auto& [sector, count] : wiped) {
-            disk.replace(sector * kSector, count * kSector, count * kSector, '\0');
-        }
-        std::ofstream(Folder / "wreck.img", std::ios::binary) << disk;
-        return Folder / "wreck.img";
-    }
-
-    void AtSheet(std::function<void(CWizardSheet&)> act) { Steps.When<CWizardSheet>(std::move(act)); }
+    void AtSheet(std::function<void(CWizardSheet&)> act) { Answers.When<CWizardSheet>(std::move(act)); }
 
     /// Steps from the main page over the image page to the volumes of its table.
     void ChooseImage(const std::string& path) {
@@ -72,7 +55,7 @@ protected:
     /// The key leads to a wizard's run, and where that finishes to a scan.
     void RunWizard(Qt::Key key = Qt::Key_W, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
         PressKey(key, modifiers);
-        EXPECT_TRUE(Steps.AllDone());
+        EXPECT_TRUE(Answers.AllDone());
         EXPECT_TRUE(WaitForIdle());
     }
 
@@ -91,7 +74,6 @@ protected:
     }
 
     const std::string Image = Volume("basic.img");
-    ModalSteps Steps;
 };
 
 TEST_F(WholeRoad, AnImageBothScansAndTheNextVolume) {
@@ -104,7 +86,7 @@ TEST_F(WholeRoad, AnImageBothScansAndTheNextVolume) {
     lines.insert(lines.end(), kBasicScanLines.begin(), kBasicScanLines.end());
     EXPECT_EQ(LogRows(), lines);
     EXPECT_NE(TreeText().find("    Reused\n"), std::string::npos) << TreeText();
-    EXPECT_EQ(ListNames().at(0), " Root");
+    EXPECT_EQ(Details().model()->index(0, 0).data(), QStringLiteral(" Root"));
     EXPECT_EQ(DesktopScan("basic.tht"), TerminalScan({Image}));
 
     ASSERT_TRUE(WaitUntil([this] { return IsOffered("Turbo Scan"); }));
@@ -121,12 +103,20 @@ TEST_F(WholeRoad, AnImageBothScansAndTheNextVolume) {
     RunWizard(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_FALSE(TreeIsEmpty());
     EXPECT_TRUE(IsOffered("Turbo Scan")) << "once for each volume";
+    Answers.Boxes.clear();
+    Frame->close();
+    EXPECT_EQ(Answers.Boxes.size(), 1U) << "the scan is in no file";
 }
 
 TEST_F(WholeRoad, MissingStructuresAndThenTurboScan) {
-    const std::string wreck = MakeWreck({{kStart + kMftCluster * kClusterSectors, kClusterSectors},
-                                         {kStart + kMirrorCluster * kClusterSectors, kClusterSectors}});
-    ChooseImage(wreck);
+    constexpr std::size_t kStart = 2048 * 512;
+    constexpr std::size_t kCluster = 4096;
+    std::string disk = ReadWholeFile(Image);
+    for (const std::size_t cluster : {4, 3071}) { // of the table and of its mirror
+        disk.replace(kStart + cluster * kCluster, kCluster, kCluster, '\0');
+    }
+    std::ofstream(Folder / "wreck.img", std::ios::binary) << disk;
+    ChooseImage(Folder / "wreck.img");
     TakeFirstRow();
     AtSheet([this](CWizardSheet& sheet) {
         EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Warning);
@@ -148,17 +138,16 @@ TEST_F(WholeRoad, MissingStructuresAndThenTurboScan) {
 }
 
 TEST_F(WholeRoad, FoundPartitionsGoBothWaysBetweenThePrograms) {
-    const std::string wreck = MakeWreck({{0, 1}});
     const std::string terminalFile = Folder / "terminal.thd";
     const RunResult saved =
-        RunProgram(CliPath(), {"partitions", wreck, "--search", "thorough", "--save-info", terminalFile});
+        RunProgram(CliPath(), {"partitions", Image, "--search", "thorough", "--save-info", terminalFile});
     ASSERT_EQ(saved.Status, 0) << saved.Err;
 
     Answers.AnswerFile(QString::fromStdString(terminalFile));
     AtSheet([](CWizardSheet& sheet) { EXPECT_EQ(ButtonOf(sheet, "< Back")->isEnabled(), false); });
     TakeFirstRow();
     ChooseInMenu("File/Open Saved Scan Info/Load Partition Info");
-    EXPECT_TRUE(Steps.AllDone());
+    EXPECT_TRUE(Answers.AllDone());
     ASSERT_TRUE(WaitForIdle());
     const auto rows = LogRows();
     EXPECT_EQ(rows.at(0), "Processing Scan Info File : terminal.thd | Location : " + Folder.Path() + " | 0");
@@ -184,7 +173,7 @@ TEST_F(WholeRoad, AnUnsavedScanIsAskedAboutBeforeADropTakesItsPlace) {
     });
     TakeFirstRow();
     Drop(Image);
-    EXPECT_TRUE(WaitUntil([this] { return Steps.AllDone(); }));
+    EXPECT_TRUE(WaitUntil([this] { return Answers.AllDone(); }));
     ASSERT_TRUE(WaitForIdle());
     const std::string tree = TreeText();
     const auto dropAndAnswer = [this](const std::string& path, QMessageBox::StandardButton answer) {
@@ -211,12 +200,23 @@ TEST_F(WholeRoad, AnUnsavedScanIsAskedAboutBeforeADropTakesItsPlace) {
     EXPECT_TRUE(TreeIsEmpty());
     EXPECT_EQ(ReadWholeFile(Folder / "kept.tht"), TerminalScan({Image}));
 
-    Answers.Boxes.clear();
     Drop(saved);
     EXPECT_TRUE(WaitUntil([this] { return !TreeIsEmpty(); }));
-    EXPECT_TRUE(Answers.Boxes.empty()) << "what is gone can't be saved";
-    Drop(Folder.Path()); // is refused
-    EXPECT_TRUE(WaitUntil([this] { return !Answers.Boxes.empty(); }));
+    Frame->BeginBasicScan();
+    ASSERT_TRUE(WaitForIdle());
+    dropAndAnswer(saved, QMessageBox::No);
+    Answers.Boxes.clear();
+    for (const char* volume : {"names.img", "basic.img"}) {
+        Drop(SavedScanOf(Volume(volume)));
+        EXPECT_TRUE(WaitUntil([this] { return !TreeIsEmpty(); }));
+        EXPECT_TRUE(Answers.Boxes.empty()) << "it was in a file already";
+    }
+    for (const std::string& path : {Folder.Path(), Folder / "nowhere.img"}) {
+        Answers.Boxes.clear();
+        Drop(path);
+        EXPECT_TRUE(WaitUntil([this] { return !Answers.Boxes.empty(); })) << path;
+        EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Warning);
+    }
 }
 
 } // namespace

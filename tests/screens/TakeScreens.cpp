@@ -3,7 +3,6 @@
 // image.
 
 #include "frame/FrameFixture.h"
-#include "support/desktop/ModalSteps.h"
 #include "support/desktop/Widgets.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"
@@ -68,11 +67,11 @@ protected:
         QTest::keyClick(&tree, Qt::Key_Return);
     }
 
-    void AtSheet(std::function<void(CWizardSheet&)> act) { Steps.When<CWizardSheet>(std::move(act)); }
+    void AtSheet(std::function<void(CWizardSheet&)> act) { Answers.When<CWizardSheet>(std::move(act)); }
 
     void RunWizard() {
         PressKey(Qt::Key_W, Qt::ControlModifier);
-        EXPECT_TRUE(Steps.AllDone());
+        EXPECT_TRUE(Answers.AllDone());
     }
 
     static void ChooseFirstDisk(const CWizardSheet& sheet) {
@@ -87,8 +86,6 @@ protected:
         Answers.AnswerFile(QString::fromStdString(path));
         Press(sheet, "Select Image File");
     }
-
-    ModalSteps Steps;
 };
 
 TEST_F(Screens, MainWindow) {
@@ -159,12 +156,12 @@ TEST_F(Screens, SearchDialogs) {
         Press(sheet, "Search for lost partition(s)");
         Press(sheet, "Next >");
     });
-    Steps.When<CDiskScanMode>([](CDiskScanMode& dialog) {
+    Answers.When<CDiskScanMode>([](CDiskScanMode& dialog) {
         Press(dialog, "Thorough Scan");
         Shoot("search-method");
         Press(dialog, "OK");
     });
-    Steps.When<CChooseSectorRange>([](CChooseSectorRange& dialog) {
+    Answers.When<CChooseSectorRange>([](CChooseSectorRange& dialog) {
         Shoot("search-range");
         Press(dialog, "OK");
     });

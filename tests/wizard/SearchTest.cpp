@@ -60,14 +60,15 @@ protected:
     }
 
     void AnswerMode(const char* method, const char* button = "OK") {
-        Steps.When<CDiskScanMode>([method, button](CDiskScanMode& dialog) {
+        Answers.When<CDiskScanMode>([method, button](CDiskScanMode& dialog) {
             test::Press(dialog, method);
             test::Press(dialog, button);
         });
     }
 
     void AnswerRange(const char* button) {
-        Steps.When<CChooseSectorRange>([button](CChooseSectorRange& dialog) { test::Press(dialog, button); });
+        Answers.When<CChooseSectorRange>(
+            [button](CChooseSectorRange& dialog) { test::Press(dialog, button); });
     }
 
     [[nodiscard]] Texts WreckLines() const {
@@ -141,7 +142,7 @@ TEST_F(SearchTest, AbortKeepsWhatWasFound) {
     OpenSlowWreck();
     AnswerMode("Thorough Scan");
     AnswerRange("OK");
-    Steps.When<CLogicalDrivesFound>([&](CLogicalDrivesFound& dialog) {
+    Answers.When<CLogicalDrivesFound>([&](CLogicalDrivesFound& dialog) {
         EXPECT_TRUE(WaitUntil([&] { return !RowsShown(dialog).empty(); }));
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Thorough Scan"));
         QTest::keyClick(&dialog, Qt::Key_Escape);
@@ -158,7 +159,7 @@ TEST_F(SearchTest, AbortKeepsWhatWasFound) {
         test::Press(dialog, "Abort Process");
     });
     EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr)) << "the wizard goes on";
-    EXPECT_TRUE(Steps.AllDone());
+    EXPECT_TRUE(Answers.AllDone());
     EXPECT_EQ(Boxes(),
               (Texts{"Confirm: Do you want to abort scanning?", "Confirm: Do you want to abort scanning?",
                      "Information: Thorough scan of drives aborted."}));
@@ -172,7 +173,7 @@ TEST_F(SearchTest, EndOfTheProgramEndsTheSearch) {
     OpenSlowWreck();
     AnswerMode("Thorough Scan");
     AnswerRange("OK");
-    Steps.When<CLogicalDrivesFound>([&](CLogicalDrivesFound& dialog) {
+    Answers.When<CLogicalDrivesFound>([&](CLogicalDrivesFound& dialog) {
         EXPECT_TRUE(WaitUntil([&] { return !RowsShown(dialog).empty(); }));
         dialog.done(QDialog::Rejected);
     });
@@ -276,7 +277,7 @@ TEST_F(SearchTest, RangeTakesDigitsAndFillsWhatIsLeftEmpty) {
 TEST_F(SearchTest, RangeGoesIntoTheSearch) {
     OpenWreck();
     AnswerMode("Thorough Scan");
-    Steps.When<CChooseSectorRange>([](CChooseSectorRange& dialog) {
+    Answers.When<CChooseSectorRange>([](CChooseSectorRange& dialog) {
         dialog.findChildren<QLineEdit*>().at(0)->setText(QStringLiteral("3000"));
         dialog.findChildren<QLineEdit*>().at(1)->setText(QStringLiteral("4000"));
         test::Press(dialog, "OK");

@@ -59,12 +59,12 @@ void WizardTest::MakeSheet(std::vector<DiskInfo> disks) {
 }
 
 void WizardTest::AtSheet(std::function<void()> act) {
-    Steps.When<CWizardSheet>([act = std::move(act)](CWizardSheet&) { act(); });
+    Answers.When<CWizardSheet>([act = std::move(act)](CWizardSheet&) { act(); });
 }
 
 int WizardTest::Run() {
     const int result = Sheet->Run();
-    EXPECT_TRUE(Steps.AllDone());
+    EXPECT_TRUE(Answers.AllDone());
     return result;
 }
 

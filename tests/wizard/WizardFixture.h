@@ -3,7 +3,6 @@
 #include "shell/MessageTarget.h"
 #include "support/RunProgram.h"
 #include "support/desktop/BoxAnswers.h"
-#include "support/desktop/ModalSteps.h"
 #include "support/desktop/Widgets.h"
 #include "wizard/WizardSheet.h"
 
@@ -62,7 +61,6 @@ protected:
     Texts Arrived; ///< at the frame, in order: "clear views", and "STATUS first | second" of a log line
     bool KeepsOldScan = false; ///< what the frame says when it is to give up a scan
     BoxAnswers Answers;
-    ModalSteps Steps;
     ScratchFolder Scratch;
     std::unique_ptr<CWizardSheet> Sheet;
 };

@@ -2,74 +2,70 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QTest>
+#include <gtest/gtest.h>
 
 namespace thntfs::test {
 
 namespace {
 
-QMessageBox::StandardButton DefaultAnswer(const QMessageBox& box) {
-    for (const auto button : {QMessageBox::Ok, QMessageBox::No, QMessageBox::Cancel}) {
-        if (box.standardButtons().testFlag(button)) {
-            return button;
-        }
-    }
-    return QMessageBox::Ok;
-}
+constexpr int kPatienceMs = 20000;
 
 } // namespace
 
 BoxAnswers::BoxAnswers() {
-    timer_.setInterval(5);
+    sinceStep_.start();
     QObject::connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
-    timer_.start();
+    timer_.start(2);
 }
 
+// A timer isn't run again as long as its own call lasts: what may bring up the next window must not be in it.
 void BoxAnswers::Look() {
     QWidget* modal = QApplication::activeModalWidget();
-    auto* box = qobject_cast<QMessageBox*>(modal);
-    if (box != nullptr && !Passed.isEmpty() && box->text().startsWith(Passed)) {
-        box->accept();
-    } else if (box != nullptr) {
+    if (modal == nullptr || modal == answered_ || stepQueued_) {
+        return;
+    }
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
         AnswerBox(*box);
     } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
         AnswerFileDialog(*dialog);
+    } else if (!steps_.empty() && steps_.front()(modal)) {
+        stepQueued_ = true;
+        QTimer::singleShot(0, this, [this] { DoStep(); });
+    } else if (sinceStep_.elapsed() > kPatienceMs) {
+        GiveUp(*modal);
     }
 }
 
-// The answer may bring up the next box, which this timer's turn must not wait for.
 void BoxAnswers::AnswerBox(QMessageBox& box) {
-    if (answered_ == &box) {
+    if (!Passed.isEmpty() && box.text().startsWith(Passed)) {
+        box.accept();
         return;
     }
     if (recorded_ != &box) {
         recorded_ = &box;
-        QObject::connect(&box, &QObject::destroyed, this, [this] { recorded_ = nullptr; });
         Boxes.push_back({box.text(), box.windowTitle(), box.icon(), box.standardButtons()});
     }
     if (MayAnswer && !MayAnswer(box)) {
         return;
     }
-    QMessageBox::StandardButton answer = DefaultAnswer(box);
+    answered_ = &box;
+    QWidget* answer = nullptr;
     if (!answers_.empty()) {
-        answer = answers_.front();
+        answer = box.button(answers_.front());
+        ASSERT_NE(answer, nullptr) << box.text().toStdString();
         answers_.pop_front();
     }
-    answered_ = &box;
-    QObject::connect(&box, &QObject::destroyed, this, [this] { answered_ = nullptr; });
-    QTimer::singleShot(0, &box, [&box, answer] { QTest::mouseClick(box.button(answer), Qt::LeftButton); });
+    QTimer::singleShot(0, &box, [&box, answer] {
+        answer == nullptr ? QTest::keyClick(&box, Qt::Key_Escape) : QTest::mouseClick(answer, Qt::LeftButton);
+    });
 }
 
 void BoxAnswers::AnswerFileDialog(QFileDialog& dialog) {
-    if (answered_ == &dialog) {
-        return;
-    }
     answered_ = &dialog;
-    QObject::connect(&dialog, &QObject::destroyed, this, [this] { answered_ = nullptr; });
     auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     SuggestedFiles.push_back(edit->text());
     FileFilters.push_back(dialog.nameFilters());
@@ -80,6 +76,24 @@ void BoxAnswers::AnswerFileDialog(QFileDialog& dialog) {
     edit->setText(files_.front());
     files_.pop_front();
     QTimer::singleShot(0, edit, [edit] { QTest::keyClick(edit, Qt::Key_Return); });
+}
+
+// Between the look and this call the window may have gone, or another one come over it.
+void BoxAnswers::DoStep() {
+    stepQueued_ = false;
+    if (const Act act = steps_.front()(QApplication::activeModalWidget())) {
+        steps_.pop_front();
+        sinceStep_.restart();
+        act();
+    }
+}
+
+void BoxAnswers::GiveUp(QWidget& window) {
+    ADD_FAILURE() << "no step for \"" << window.windowTitle().toStdString() << "\", " << steps_.size()
+                  << " to go";
+    if (auto* dialog = qobject_cast<QDialog*>(&window)) {
+        dialog->done(-1);
+    }
 }
 
 bool WaitUntil(const std::function<bool()>& condition, int milliseconds) {
