@@ -1,8 +1,8 @@
 #include "platform/media/DiskIdentity.h"
 
-#include "platform/files/WorkFolder.h"
 #include "platform/media/posix/MountTable.h"
 #include "support/LoopDevice.h"
+#include "support/RunProgram.h"
 
 #include <filesystem>
 #include <fstream>
@@ -15,101 +15,74 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class DiskIdentityTest : public ::testing::Test {
+class DiskIdentityTest : public testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(Folder.Create(), kErrorNone);
-        for (const char* name : {"image", "other"}) {
-            std::ofstream(At(name)) << name;
-            fs::resize_file(At(name), 4U << 20U);
+    DiskIdentityTest() {
+        for (const std::string& path : {image_, other_}) {
+            std::ofstream(path) << path;
+            fs::resize_file(path, 4U << 20U);
         }
     }
-    [[nodiscard]] std::string At(const std::string& name) const { return Folder.Path() + "/" + name; }
+    ~DiskIdentityTest() override { OutputOf("umount '" + mount_ + "'"); }
 
-    WorkFolder Folder;
-};
-
-/// A file system on a loop device, mounted; the destructor unmounts it.
-class Mounted {
-public:
-    Mounted(const std::string& device, std::string folder)
-        : folder_(std::move(folder)) {
-        fs::create_directory(folder_);
-        done_ = OutputOf("PATH=$PATH:/sbin:/usr/sbin; mkfs.ext4 -qF " + device + " && mount " + device +
-                         " '" + folder_ + "' && echo done") == "done";
+    /// False where no file system can be mounted here.
+    [[nodiscard]] bool MountNewFileSystem(const std::string& device) const {
+        return OutputOf("PATH=$PATH:/sbin:/usr/sbin; mkdir '" + mount_ + "' && mkfs.ext4 -qF " + device +
+                        " && mount " + device + " '" + mount_ + "' && echo done") == "done";
     }
-    ~Mounted() {
-        if (done_) {
-            OutputOf("umount '" + folder_ + "'");
-        }
-    }
-    Mounted(const Mounted&) = delete;
-    Mounted& operator=(const Mounted&) = delete;
-    [[nodiscard]] bool Done() const { return done_; }
 
-private:
-    std::string folder_;
-    bool done_ = false;
+    ScratchFolder scratch_;
+    std::string image_ = scratch_ / "image";
+    std::string other_ = scratch_ / "other";
+    std::string mount_ = scratch_ / "mnt";
 };
-
-} // namespace
 
 TEST_F(DiskIdentityTest, ImageIsKnownUnderEveryName) {
-    fs::create_symlink("image", At("link"));
-    fs::create_hard_link(At("image"), At("hard"));
-    EXPECT_TRUE(SameMedium(At("image"), At("./image")));
-    EXPECT_TRUE(SameMedium(At("link"), At("hard")));
-    EXPECT_FALSE(SameMedium(At("image"), At("other")));
-    EXPECT_FALSE(SameMedium(At("none"), At("none")));
-
-    EXPECT_TRUE(SharesMedium(At("hard"), At("image"))) << "writing over the image";
-    EXPECT_FALSE(SharesMedium(Folder.Path(), At("image"))) << "beside the image";
-    EXPECT_FALSE(SharesMedium(At("new/deep/file"), At("image")));
-    EXPECT_FALSE(IsMounted(At("image")));
+    const std::string link = scratch_ / "link";
+    const std::string hard = scratch_ / "hard";
+    fs::create_symlink("image", link);
+    fs::create_hard_link(image_, hard);
+    EXPECT_TRUE(SameMedium(image_, scratch_ / "./image"));
+    EXPECT_TRUE(SameMedium(link, hard));
+    EXPECT_FALSE(SameMedium(image_, other_));
+    EXPECT_FALSE(SameMedium(scratch_ / "none", scratch_ / "none"));
+    EXPECT_TRUE(SharesMedium(hard, image_)) << "writing over the image";
+    EXPECT_FALSE(SharesMedium(scratch_.Path(), image_)) << "beside the image";
+    EXPECT_FALSE(SharesMedium(scratch_ / "new/deep/file", image_));
+    EXPECT_FALSE(IsMounted(image_) || IsMounted("/dev/null"));
 }
 
-TEST_F(DiskIdentityTest, LoopDeviceStandsForItsImage) {
-    const auto loop = LoopDevice::Attach(At("image"));
-    const auto twin = LoopDevice::Attach(At("image"));
-    const auto other = LoopDevice::Attach(At("other"));
-    if (loop == nullptr || twin == nullptr || other == nullptr) {
+TEST_F(DiskIdentityTest, LoopDeviceStandsForItsImageAndWhatIsMountedFromIt) {
+    const auto loop = LoopDevice::Attach(image_);
+    const auto twin = LoopDevice::Attach(image_);
+    const auto different = LoopDevice::Attach(other_);
+    if (loop == nullptr || twin == nullptr || different == nullptr) {
         GTEST_SKIP() << "no loop devices here";
     }
-    EXPECT_TRUE(SameMedium(loop->Path(), At("image")));
+    EXPECT_TRUE(SameMedium(loop->Path(), image_));
     EXPECT_TRUE(SameMedium(loop->Path(), twin->Path()));
-    EXPECT_FALSE(SameMedium(loop->Path(), other->Path()));
-    EXPECT_FALSE(SharesMedium(Folder.Path(), loop->Path())) << "a looped image is no more than an image";
+    EXPECT_FALSE(SameMedium(loop->Path(), different->Path()));
+    EXPECT_FALSE(SharesMedium(scratch_.Path(), loop->Path())) << "a looped image is no more than an image";
     EXPECT_FALSE(IsMounted(loop->Path()));
-    EXPECT_FALSE(IsMounted("/dev/null"));
-
-    const auto upper = LoopDevice::Attach(loop->Path());
-    if (upper != nullptr) {
-        EXPECT_TRUE(SameMedium(upper->Path(), At("image"))) << "a loop on a loop";
+    if (const auto upper = LoopDevice::Attach(loop->Path()); upper != nullptr) {
+        EXPECT_TRUE(SameMedium(upper->Path(), image_)) << "a loop on a loop";
     }
-}
 
-TEST_F(DiskIdentityTest, FolderOnTheImageShares) {
-    const auto loop = LoopDevice::Attach(At("image"));
-    if (loop == nullptr) {
-        GTEST_SKIP() << "no loop device here";
-    }
-    const Mounted mounted(loop->Path(), At("mnt"));
-    if (!mounted.Done()) {
+    if (!MountNewFileSystem(loop->Path())) {
         GTEST_SKIP() << "no file system can be mounted here";
     }
-    EXPECT_TRUE(SharesMedium(At("mnt"), At("image")));
-    EXPECT_TRUE(SharesMedium(At("mnt/not/yet"), loop->Path()));
-    EXPECT_FALSE(SharesMedium(At("mnt"), At("other")));
-    EXPECT_TRUE(IsMounted(loop->Path()));
-    EXPECT_TRUE(IsMounted(At("image")));
-    EXPECT_FALSE(IsMounted(At("other")));
+    EXPECT_TRUE(SharesMedium(mount_, image_));
+    EXPECT_TRUE(SharesMedium(mount_ + "/not/yet", loop->Path()));
+    EXPECT_FALSE(SharesMedium(mount_, other_));
+    EXPECT_TRUE(IsMounted(loop->Path()) && IsMounted(image_));
+    EXPECT_FALSE(IsMounted(other_));
 
     // An image on that file system is a medium for itself, but not when the disk below is read.
-    std::ofstream(At("mnt/inner")) << "inner";
-    fs::resize_file(At("mnt/inner"), 1U << 20U);
-    EXPECT_TRUE(SharesMedium(At("mnt/inner"), loop->Path()));
-    EXPECT_FALSE(SharesMedium(At("mnt"), At("mnt/inner")));
-    EXPECT_FALSE(SameMedium(loop->Path(), At("mnt/inner")));
+    const std::string inner = mount_ + "/inner";
+    std::ofstream(inner) << "inner";
+    EXPECT_TRUE(SharesMedium(inner, loop->Path()));
+    EXPECT_FALSE(SharesMedium(mount_, inner));
+    EXPECT_FALSE(SameMedium(loop->Path(), inner));
 }
 
 TEST_F(DiskIdentityTest, RootFileSystemSharesItsDisk) {
@@ -118,12 +91,10 @@ TEST_F(DiskIdentityTest, RootFileSystemSharesItsDisk) {
     if (!disk || !disk->IsBlockDevice) {
         GTEST_SKIP() << "the root does not lie on a disk: " << source;
     }
-    EXPECT_TRUE(SharesMedium("/", source));
-    EXPECT_TRUE(IsMounted(source));
-    const auto whole = DiskOfPartition(disk->Device);
-    EXPECT_EQ(SameMedium(source, "/dev/block/" + std::to_string(major(whole.value_or(disk->Device))) + ":" +
-                                     std::to_string(minor(whole.value_or(disk->Device)))),
-              fs::exists("/dev/block"));
+    EXPECT_TRUE(SharesMedium("/", source) && IsMounted(source));
+    const dev_t whole = DiskOfPartition(disk->Device).value_or(disk->Device);
+    const std::string name = std::to_string(major(whole)) + ":" + std::to_string(minor(whole));
+    EXPECT_EQ(SameMedium(source, "/dev/block/" + name), fs::exists("/dev/block"));
 }
 
 TEST(MountTableTest, ReadsAnyLine) {
@@ -133,10 +104,12 @@ TEST(MountTableTest, ReadsAnyLine) {
     EXPECT_EQ(mount->Id, 36U);
     EXPECT_EQ(mount->Device, makedev(98, 5));
     EXPECT_EQ(mount->Source, "/dev/my disk");
-    for (const char* line : {"", "36", "36 35 98", "36 35 98-5 / / rw - a b c", "36 35 98:5 / / rw",
-                             "36 35 98:5 / / rw - ext3"}) {
+    for (const char* line :
+         {"", "36 35 98", "36 35 98-5 / / rw - a b c", "36 35 98:5 / / rw", "36 35 98:5 / / rw - ext3"}) {
         EXPECT_FALSE(ParseMount(line).has_value()) << line;
     }
 }
+
+} // namespace
 
 } // namespace thntfs::test

@@ -1,47 +1,17 @@
 #include "platform/files/PagedFile.h"
 
-#include "platform/files/WorkFolder.h"
 #include "support/FailingFileStore.h"
+#include "support/MemoryFile.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
-#include <utility>
 
 namespace thntfs::test {
 
 namespace {
 
 constexpr std::size_t kPage = PagedFile::kPageBytes;
-
-class PagedFileTest : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_EQ(folder_.Create(), kErrorNone); }
-
-    [[nodiscard]] std::string Path() const { return folder_.Path() + "/paged"; }
-
-    std::unique_ptr<File> Open(FileMode mode) {
-        std::unique_ptr<File> file;
-        EXPECT_EQ(Files().Open(Path(), mode, file), kErrorNone);
-        return file;
-    }
-
-    std::vector<std::uint8_t> Stored() {
-        const auto file = Open(FileMode::OpenRead);
-        std::uint64_t size = 0;
-        EXPECT_EQ(file->Size(size), kErrorNone);
-        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-        std::size_t got = 0;
-        EXPECT_EQ(file->ReadAt(0, bytes, got), kErrorNone);
-        EXPECT_EQ(got, bytes.size());
-        return bytes;
-    }
-
-    FailingFileStore Store;
-
-private:
-    WorkFolder folder_;
-};
 
 /// The same work on a paged file and on a plain vector. A call that fails is made again, once.
 class Twin {
@@ -75,9 +45,7 @@ public:
     std::vector<std::uint8_t> Model;
 
 private:
-    std::size_t Below(std::size_t end) {
-        return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_);
-    }
+    std::size_t Below(std::size_t end) { return random_() % end; }
 
     void Write(std::size_t offset, std::size_t size) {
         std::vector<std::uint8_t> bytes(size);
@@ -93,97 +61,71 @@ private:
         std::vector<std::uint8_t> bytes(size, 0xAA);
         std::size_t got = 0;
         Retry([&] { return Paged.ReadAt(offset, bytes, got); });
-        ASSERT_EQ(got, offset < Model.size() ? std::min(size, Model.size() - offset) : 0);
-        ASSERT_TRUE(std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got),
-                               Model.begin() + static_cast<std::ptrdiff_t>(std::min(offset, Model.size()))));
+        const auto from = Model.begin() + static_cast<std::ptrdiff_t>(std::min(offset, Model.size()));
+        ASSERT_EQ(got, std::min<std::size_t>(size, static_cast<std::size_t>(Model.end() - from)));
+        ASSERT_TRUE(std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got), from));
     }
 
     std::mt19937 random_;
 };
 
-} // namespace
+struct PagedFileTest : testing::Test {
+    MemoryFile file_;
+    FailingFileStore store_;
+};
 
 TEST_F(PagedFileTest, ActsLikeAPlainFileWhateverTheNumberOfPages) {
     for (const std::size_t maxPages : {0U, 1U, 2U, 3U, 7U, 64U}) {
-        std::vector<std::uint8_t> start(maxPages * 5000, 0x5A);
-        ASSERT_EQ(Open(FileMode::CreateAlways)->Write(start), kErrorNone);
-        Twin twin(Open(FileMode::OpenReadWrite), maxPages, start, static_cast<unsigned>(maxPages));
+        file_.Content.assign(maxPages * 5000, 0x5A);
+        Twin twin(file_.Open(), maxPages, file_.Content, static_cast<unsigned>(maxPages));
         for (int i = 0; i < 5000; ++i) {
             ASSERT_NO_FATAL_FAILURE(twin.Step()) << "pages " << maxPages << " step " << i;
         }
         ASSERT_EQ(twin.Paged.Flush(), kErrorNone);
-        EXPECT_EQ(Stored(), twin.Model) << "pages " << maxPages;
+        EXPECT_EQ(file_.Content, twin.Model) << "pages " << maxPages;
     }
 }
 
 TEST_F(PagedFileTest, LosesNothingWhicheverCallFails) {
-    const auto run = [&](std::uint64_t failing) {
-        const std::vector<std::uint8_t> start(6 * kPage + 100, 0x5A);
-        auto file = Open(FileMode::CreateAlways);
-        ASSERT_EQ(file->Write(start), kErrorNone);
-        Store.FailAt(failing, kErrorDiskFull);
-        Twin twin(Store.Wrap(std::move(file)), 3, start, 5);
+    std::uint64_t failing = 0;
+    do {
+        SCOPED_TRACE(failing);
+        file_.Content.assign(6 * kPage + 100, 0x5A);
+        store_.FailAt(failing);
+        Twin twin(store_.Wrap(file_.Open()), 3, file_.Content, 5);
         for (int i = 0; i < 200; ++i) {
-            ASSERT_NO_FATAL_FAILURE(twin.Step()) << "failing call " << failing << " step " << i;
+            ASSERT_NO_FATAL_FAILURE(twin.Step()) << i;
         }
         twin.Retry([&] { return twin.Paged.Flush(); });
-        EXPECT_EQ(Stored(), twin.Model) << "failing call " << failing;
-        EXPECT_EQ(Store.Plan().Failures, failing == 0 ? 0U : 1U);
-    };
-    run(0);
-    const std::uint64_t calls = Store.Plan().Calls;
-    ASSERT_GT(calls, 50U);
-    for (std::uint64_t failing = 1; failing <= calls; ++failing) {
-        ASSERT_NO_FATAL_FAILURE(run(failing));
-    }
-}
-
-TEST_F(PagedFileTest, KeepsWhatAFullDiskRefused) {
-    auto file = Open(FileMode::CreateAlways);
-    Store.FailAt(1, kErrorDiskFull, true);
-    PagedFile paged(Store.Wrap(std::move(file)), 2, 0);
-    std::vector<std::uint8_t> bytes(2 * kPage, 7);
-    ASSERT_EQ(paged.WriteAt(0, bytes), kErrorNone);
-    EXPECT_EQ(paged.WriteAt(2 * kPage, ConstBytes(bytes).first(1)), kErrorDiskFull);
-    EXPECT_EQ(paged.Flush(), kErrorDiskFull);
-    EXPECT_EQ(paged.Size(), 2 * kPage);
-
-    std::vector<std::uint8_t> back(bytes.size());
-    std::size_t got = 0;
-    EXPECT_EQ(paged.ReadAt(0, back, got), kErrorNone);
-    EXPECT_EQ(back, bytes);
-
-    Store.FailAt(0);
-    EXPECT_EQ(paged.Flush(), kErrorNone);
-    EXPECT_EQ(Stored(), bytes);
+        ASSERT_EQ(file_.Content, twin.Model);
+    } while (failing++ == 0 || store_.Plan().Failures == 1);
+    EXPECT_GT(failing, 50U);
 }
 
 TEST_F(PagedFileTest, AppendsWithFewCallsAndReadsNothingBack) {
-    Store.FailAt(0);
-    PagedFile paged(Store.Wrap(Open(FileMode::CreateAlways)), 256, 0);
-    Store.FailAt(0);
+    PagedFile paged(store_.Wrap(file_.Open()), 256, 0);
     const std::vector<std::uint8_t> record(44, 1);
-    const std::uint64_t records = 256 * kPage / record.size();
-    for (std::uint64_t i = 0; i < records; ++i) {
+    for (std::uint64_t i = 0; i < 256 * kPage / record.size(); ++i) {
         ASSERT_EQ(paged.WriteAt(i * record.size(), record), kErrorNone);
     }
-    ASSERT_EQ(Store.Plan().Calls, 0U);
-    ASSERT_EQ(paged.Flush(), kErrorNone);
-    EXPECT_EQ(Store.Plan().Calls, 4U) << "256 pages in writes of 64";
-    ASSERT_EQ(paged.Flush(), kErrorNone);
-    EXPECT_EQ(Store.Plan().Calls, 4U);
+    ASSERT_EQ(store_.Plan().Calls, 0U);
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_EQ(paged.Flush(), kErrorNone);
+        EXPECT_EQ(store_.Plan().Calls, 4U) << "256 pages in writes of 64, once";
+    }
 }
 
 TEST_F(PagedFileTest, RefusesOffsetsThatNoFileReaches) {
-    PagedFile paged(Open(FileMode::CreateAlways), 2, ~0ULL);
-    std::vector<std::uint8_t> bytes(16);
+    PagedFile paged(file_.Open(), 2, ~0ULL); // it is shorter than it was said to be
+    std::vector<std::uint8_t> bytes(16, 1);
     std::size_t got = 0;
     EXPECT_EQ(paged.ReadAt(~0ULL - 20, bytes, got), kErrorFileTooLarge);
     EXPECT_EQ(paged.ReadAt(PagedFile::kMaxBytes - 8, bytes, got), kErrorFileTooLarge);
     EXPECT_EQ(paged.WriteAt(~0ULL - 7, bytes), kErrorFileTooLarge);
-    // The file is shorter than it was said to be.
     EXPECT_EQ(paged.ReadAt(100, bytes, got), kErrorNone);
     EXPECT_EQ(bytes, std::vector<std::uint8_t>(16));
 }
+
+} // namespace
 
 } // namespace thntfs::test

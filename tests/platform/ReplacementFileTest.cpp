@@ -1,13 +1,13 @@
 #include "platform/files/ReplacementFile.h"
 
-#include "platform/files/WorkFolder.h"
-#include "support/FailingFileStore.h"
+#include "platform/files/File.h"
+#include "platform/system/Text.h"
+#include "support/RunProgram.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sys/file.h>
 #include <unistd.h>
 #include <vector>
@@ -18,82 +18,54 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class ReplacementFileTest : public ::testing::Test {
+class ReplacementFileTest : public testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_EQ(Folder.Create(), kErrorNone);
-        Target = Folder.Path() + "/scan.tht";
-    }
-
     static ErrorCode Replace(const std::string& target) {
         ReplacementFile file;
-        const std::vector<std::uint8_t> bytes{'n', 'e', 'w'};
         ErrorCode code = file.Create(target);
-        code = code == kErrorNone ? file.Handle().Write(bytes) : code;
+        code = code == kErrorNone ? file.Handle().Write(TextBytes("new")) : code;
         return code == kErrorNone ? file.Commit() : code;
     }
 
     static void Put(const std::string& path) { std::ofstream(path) << "old"; }
 
-    static std::string Content(const std::string& path) {
-        std::ifstream in(path);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
-    [[nodiscard]] std::ptrdiff_t FileCount() const {
-        return std::distance(fs::directory_iterator(Folder.Path()), fs::directory_iterator());
-    }
-
-    WorkFolder Folder;
-    std::string Target;
+    ScratchFolder scratch_;
+    std::string target_ = scratch_ / "scan.tht";
 };
 
-} // namespace
-
 TEST_F(ReplacementFileTest, TakesAwayWhatDeadRunsHaveLeftAndNothingElse) {
-    const std::string living = Target + ".th-ntfs-0123456789ab.part";
-    Put(living);
+    const std::string living = target_ + ".th-ntfs-0123456789ab.part";
+    const std::vector<std::string> kept = {living,
+                                           target_ + ".new",
+                                           target_ + ".part",
+                                           target_ + ".part1",
+                                           target_ + ".th-ntfs-0123456789ab.part.old",
+                                           scratch_ / "b.tht.th-ntfs-0123456789ab.part"};
+    std::for_each(kept.begin(), kept.end(), Put);
     const int lock = ::open(living.c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(::flock(lock, LOCK_EX), 0);
-    const std::vector<std::string> foreign = {Target + ".new", Target + ".part", Target + ".part1",
-                                              Target + ".th-ntfs-0123456789ab.part.old",
-                                              Folder.Path() + "/b.tht.th-ntfs-0123456789ab.part"};
-    std::for_each(foreign.begin(), foreign.end(), Put);
     for (unsigned i = 0; i < 200; ++i) {
-        Put(Target + ".th-ntfs-000000000" + std::to_string(100 + i) + ".part");
+        Put(target_ + ".th-ntfs-000000000" + std::to_string(100 + i) + ".part");
     }
-    EXPECT_EQ(Replace(Target), kErrorNone);
-    EXPECT_EQ(Content(Target), "new");
-    EXPECT_EQ(Content(living), "old");
-    for (const std::string& path : foreign) {
-        EXPECT_EQ(Content(path), "old") << path;
+    EXPECT_EQ(Replace(target_), kErrorNone);
+    EXPECT_EQ(ReadWholeFile(target_), "new");
+    for (const std::string& path : kept) {
+        EXPECT_EQ(ReadWholeFile(path), "old") << path;
     }
-    EXPECT_EQ(FileCount(), static_cast<std::ptrdiff_t>(foreign.size()) + 2);
+    EXPECT_EQ(std::distance(fs::directory_iterator(scratch_.Path()), {}), std::ssize(kept) + 1);
     ::close(lock);
 }
 
 TEST_F(ReplacementFileTest, KeepsLinkAndRights) {
-    Put(Target);
-    fs::permissions(Target, fs::perms::owner_read | fs::perms::owner_write);
-    fs::create_symlink("scan.tht", Folder.Path() + "/link");
-    EXPECT_EQ(Replace(Folder.Path() + "/link"), kErrorNone);
-    EXPECT_TRUE(fs::is_symlink(Folder.Path() + "/link"));
-    EXPECT_EQ(Content(Target), "new");
-    EXPECT_EQ(fs::status(Target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    Put(target_);
+    fs::permissions(target_, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("scan.tht", scratch_ / "link");
+    EXPECT_EQ(Replace(scratch_ / "link"), kErrorNone);
+    EXPECT_TRUE(fs::is_symlink(scratch_ / "link"));
+    EXPECT_EQ(ReadWholeFile(target_), "new");
+    EXPECT_EQ(fs::status(target_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(ReplacementFileTest, AnyFailureLeavesTheOlderFile) {
-    Put(Target);
-    FailingFileStore store;
-    SetFileStore(&store);
-    for (std::uint64_t call = 1; call <= store.Plan().Calls + 1; ++call) {
-        store.FailAt(call);
-        const ErrorCode code = Replace(Target);
-        EXPECT_EQ(code == kErrorNone, store.Plan().Failures == 0) << call;
-        EXPECT_EQ(Content(Target), code == kErrorNone ? "new" : "old") << call;
-        EXPECT_EQ(FileCount(), 1) << call;
-    }
-    EXPECT_GE(store.Plan().Calls, 5U);
-}
+} // namespace
 
 } // namespace thntfs::test

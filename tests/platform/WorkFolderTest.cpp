@@ -1,10 +1,12 @@
 #include "platform/files/WorkFolder.h"
 
+#include "platform/files/InstanceLock.h"
 #include "support/EnvironmentVariable.h"
 #include "support/RunProgram.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
 #include <unistd.h>
 
 namespace thntfs::test {
@@ -62,6 +64,17 @@ TEST_F(WorkFolderTest, PassesOverWhereItMustNotLie) {
     WorkFolder open;
     EXPECT_EQ(open.Create(), kErrorNone);
     EXPECT_EQ(open.Passed(), place_.Path());
+}
+
+TEST(InstanceLockTest, IsHeldByOneAndGoesWithItsHolder) {
+    const std::string name = "th-ntfs-test-" + std::to_string(::getpid());
+    std::optional<InstanceLock> first(std::in_place);
+    EXPECT_EQ(first->Take(name), kErrorNone);
+    InstanceLock second;
+    EXPECT_EQ(second.Take(name), kErrorAlreadyExists);
+    first.reset();
+    EXPECT_EQ(second.Take(name), kErrorNone);
+    EXPECT_EQ(InstanceLock().Take(std::string(200, 'x')), kErrorInvalidName);
 }
 
 } // namespace
