@@ -109,6 +109,7 @@ inline constexpr WindowMessage<> WM_GIVE_UP_SCAN{WM_APP + 16};
 inline constexpr WindowMessage<const ProcessLogEntry&> WM_LOG_ADD{WM_APP + 17};
 
 // To the dialog that runs a partition search.
+/// Not sent: the dialog begins by itself. The number stays taken.
 inline constexpr WindowMessage<> WM_START_PARTITION_SEARCH{WM_APP + 50};
 /// Sector reached, sectors in all; low 32 bits.
 inline constexpr WindowMessage<std::uint32_t, std::uint32_t> WM_SEARCH_POSITION{WM_APP + 51};

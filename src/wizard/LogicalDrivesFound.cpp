@@ -85,7 +85,7 @@ void CLogicalDrivesFound::LayOut() {
 
 void CLogicalDrivesFound::Run() {
     SetFrameStatus(MethodText() + QStringLiteral(" scan in progress"));
-    WM_START_PARTITION_SEARCH.Send(this);
+    StartSearch();
     exec();
     // Where the whole program was told to end meanwhile, the worker still wants its messages handled.
     while (!over_) {
@@ -98,9 +98,6 @@ void CLogicalDrivesFound::Run() {
 std::intptr_t CLogicalDrivesFound::OnMessage(std::uint32_t message, std::uintptr_t wParam,
                                              std::uintptr_t lParam) {
     switch (message) {
-    case WM_START_PARTITION_SEARCH:
-        StartSearch();
-        break;
     case WM_SEARCH_POSITION:
         ShowPosition(WM_SEARCH_POSITION.First(wParam), WM_SEARCH_POSITION.Second(lParam));
         break;
@@ -120,11 +117,9 @@ std::intptr_t CLogicalDrivesFound::OnMessage(std::uint32_t message, std::uintptr
 }
 
 void CLogicalDrivesFound::StartSearch() {
-    if (searchThread_ == nullptr) {
-        Engine.ScanRunFlag = 1;
-        TheDesktopHost().SetSearchDialog(this);
-        searchThread_ = std::make_unique<JobThread>([this] { RunSearch(request_, this); });
-    }
+    Engine.ScanRunFlag = 1;
+    TheDesktopHost().SetSearchDialog(this);
+    searchThread_ = std::make_unique<JobThread>([this] { RunSearch(request_, this); });
 }
 
 void CLogicalDrivesFound::ShowPosition(std::uint32_t position, std::uint32_t total) {
@@ -167,7 +162,7 @@ void CLogicalDrivesFound::AskToAbort() {
 void CLogicalDrivesFound::EndSearch() {
     Engine.ScanRunFlag = 0;
     if (*ranOut_) {
-        WM_SEARCH_POSITION.Send(this, 1, 1);
+        ShowPosition(1, 1);
     }
     ShowBox(EndText(), QStringLiteral("Information"), *ranOut_ ? BoxIcon::Information : BoxIcon::Stop);
     over_ = true;

@@ -40,16 +40,37 @@ public:
     HandWritten() { EXPECT_EQ(CreateCatalogue(), 1); }
 
     /// A folder with a chain of its own below another one; gives its node.
-    FolderIndexNode& AddFolder(FolderIndexNode& parent, std::uint32_t number, std::u16string_view name) {
+    FolderIndexNode& AddFolder(FolderIndexNode& parent, std::uint32_t number, std::u16string_view name,
+                               bool live = true, std::uint64_t size = 0) {
         FolderIndexNode& node = *Engine.Folders->FindOrAddFolder(number).Node;
         BeginFolderBlock(node);
-        Append(parent, number, name, kFlagFolder | kFlagLive, node.BlockOffset, 0);
+        node.EntryId = next_;
+        CatalogueEntry entry;
+        entry.Size = size;
+        entry.RecordNumber = number;
+        entry.BlockOffset = node.BlockOffset;
+        entry.Flags = kFlagFolder | (live ? kFlagLive : 0);
+        AddEntry(parent, entry, name);
         return node;
     }
 
     /// A file; gives its EntryId.
     std::uint32_t AddFile(FolderIndexNode& parent, std::u16string_view name, std::uint64_t size = 0) {
-        return Append(parent, 1000 + next_, name, kFlagLive, 0, size);
+        CatalogueEntry entry;
+        entry.Size = size;
+        entry.RecordNumber = 1000 + next_;
+        entry.Flags = kFlagLive;
+        return AddEntry(parent, entry, name);
+    }
+
+    /// Gives the EntryId. A ParentNumber of 0 becomes that of the parent.
+    std::uint32_t AddEntry(FolderIndexNode& parent, CatalogueEntry entry, std::u16string_view name) {
+        entry.EntryId = next_;
+        entry.ParentNumber = entry.ParentNumber == 0 ? parent.RecordNumber : entry.ParentNumber;
+        entry.RecordSector = 1;
+        AppendEntry(entry, name);
+        AddChild(parent, next_);
+        return next_++;
     }
 
     static FolderIndexNode& Root() { return *Engine.Folders->FindOrAddFolder(5).Node; }
@@ -63,21 +84,6 @@ public:
     }
 
 private:
-    std::uint32_t Append(FolderIndexNode& parent, std::uint32_t number, std::u16string_view name,
-                         std::uint16_t flags, std::uint32_t block, std::uint64_t size) {
-        CatalogueEntry entry;
-        entry.Size = size;
-        entry.EntryId = next_;
-        entry.RecordNumber = number;
-        entry.ParentNumber = parent.RecordNumber;
-        entry.BlockOffset = block;
-        entry.Flags = flags;
-        entry.RecordSector = 1;
-        AppendEntry(entry, name);
-        AddChild(parent, next_);
-        return next_++;
-    }
-
     std::uint32_t next_ = kFirstEntryId;
 };
 

@@ -8,18 +8,17 @@ namespace thntfs::test {
 
 namespace {
 
+const QString kText = QStringLiteral("text");
+const QString kCaption = QStringLiteral("Confirm");
+
 TEST(BoxTest, ABoxBlocksTheWorkerThatShowsItAndNobodyElse) {
     TestTarget target;
     BoxAnswers user;
     std::atomic<bool> asksDone = false;
-    int ticks = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &timer, [&] { ++ticks; });
-    timer.start(1);
     // The box stands until everything else has gone on behind it.
     user.MayAnswer = [&](const QMessageBox&) {
         EXPECT_FALSE(asksDone);
-        return target.Count(WM_APP + 1) == 100 && target.Count(WM_APP + 2) == 1 && ticks > 10;
+        return target.Count(WM_APP + 1) == 100 && target.Count(WM_APP + 2) == 1;
     };
     TestWorker asks([&] {
         Host().MessageBox("A <b>text</b>", "Caption", BoxIcon::Warning);
@@ -44,59 +43,52 @@ TEST(BoxTest, AWorkerGetsTheAnswer) {
     user.Answer(QMessageBox::Yes);
     user.Answer(QMessageBox::No);
     user.Answer(QMessageBox::Cancel);
-    bool yes = false;
-    bool no = true;
-    auto cancel = BoxAnswer::Ok;
     TestWorker worker([&] {
-        yes = AskYesNo(QStringLiteral("one"), QStringLiteral("Confirm"));
-        no = AskYesNo(QStringLiteral("two"), QStringLiteral("Confirm"));
-        cancel = ShowBox(QStringLiteral("three"), QStringLiteral("Confirm"), BoxIcon::Stop,
-                         BoxButtons::YesNoCancel);
+        EXPECT_TRUE(AskYesNo(kText, kCaption));
+        EXPECT_FALSE(AskYesNo(kText, kCaption));
+        EXPECT_EQ(ShowBox(kText, kCaption, BoxIcon::Stop, BoxButtons::YesNoCancel), BoxAnswer::Cancel);
         Host().ErrorBox("four");
     });
     EXPECT_TRUE(worker.Finishes());
-    EXPECT_TRUE(yes);
-    EXPECT_FALSE(no);
-    EXPECT_EQ(cancel, BoxAnswer::Cancel);
     ASSERT_EQ(user.Boxes.size(), 4U);
     EXPECT_EQ(user.Boxes[2].Icon, QMessageBox::Question);
     EXPECT_EQ(user.Boxes[3].Icon, QMessageBox::Critical);
     EXPECT_EQ(user.Boxes[3].Caption, QStringLiteral("Error"));
 }
 
-TEST(BoxTest, ClosingABoxMeansNo) {
-    QTimer escape;
-    QObject::connect(&escape, &QTimer::timeout, &escape, [] {
-        if (QWidget* box = QApplication::activeModalWidget()) {
-            box->close();
-        }
-    });
-    escape.start(5);
-    EXPECT_FALSE(AskYesNo(QStringLiteral("text"), QStringLiteral("Confirm")));
-    EXPECT_EQ(
-        ShowBox(QStringLiteral("text"), QStringLiteral("Confirm"), BoxIcon::Stop, BoxButtons::YesNoCancel),
-        BoxAnswer::Cancel);
+/// Does something, again and again, with the box that stands.
+class BoxTimer : public QTimer {
+public:
+    explicit BoxTimer(const std::function<void(QWidget& box)>& act) {
+        connect(this, &QTimer::timeout, this, [act] {
+            if (QWidget* box = QApplication::activeModalWidget()) {
+                act(*box);
+            }
+        });
+        start(5);
+    }
+};
+
+TEST(BoxTest, ClosingABoxMeansNoAndEnterThePresetAnswer) {
+    {
+        const BoxTimer user([](QWidget& box) { box.close(); });
+        EXPECT_FALSE(AskYesNo(kText, kCaption));
+        EXPECT_EQ(ShowBox(kText, kCaption, BoxIcon::Stop, BoxButtons::YesNoCancel), BoxAnswer::Cancel);
+    }
+    const BoxTimer user([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+    EXPECT_TRUE(AskYesNo(kText, kCaption));
+    EXPECT_FALSE(AskYesNo(kText, kCaption, BoxAnswer::No));
 }
 
 TEST(BoxTest, AtTheEndBoxesAnswerThemselves) {
     bool yes = true;
-    bool later = true;
-    TestWorker worker([&] {
-        yes = AskYesNo(QStringLiteral("text"), QStringLiteral("Confirm"));
-        later = AskYesNo(QStringLiteral("text"), QStringLiteral("Confirm"));
-    });
-    QTimer end;
-    QObject::connect(&end, &QTimer::timeout, &end, [&] {
-        if (QApplication::activeModalWidget() != nullptr) {
-            end.stop();
-            RefuseBoxes(true);
-        }
-    });
-    end.start(5);
-    EXPECT_TRUE(worker.Finishes());
+    TestWorker worker([&] { yes = AskYesNo(kText, kCaption) || AskYesNo(kText, kCaption); });
+    {
+        const BoxTimer end([](QWidget&) { RefuseBoxes(true); });
+        EXPECT_TRUE(worker.Finishes());
+    }
     RefuseBoxes(false);
     EXPECT_FALSE(yes);
-    EXPECT_FALSE(later);
 }
 
 } // namespace

@@ -14,54 +14,37 @@ namespace thntfs::test {
 
 namespace {
 
-class ProgressBarTest : public testing::Test {
-protected:
-    void SetUp() override {
-        Pane = new QLabel(QStringLiteral("Ready"));
-        Window.statusBar()->addWidget(Pane, 1);
-        Window.resize(600, 200);
-        Window.show();
-        RunEvents();
-    }
-
-    QMainWindow Window;
-    QLabel* Pane = nullptr;
-};
-
-TEST_F(ProgressBarTest, StandsRightOfThePanesText) {
-    auto bar = std::make_unique<CProgressBar>(Pane, QStringLiteral("        "), 100, 100);
+TEST(ProgressBarTest, StandsRightOfThePanesTextInItsPartOfTheRoom) {
+    QMainWindow window;
+    auto* pane = new QLabel(QStringLiteral("Ready"));
+    window.statusBar()->addWidget(pane, 1);
+    window.resize(600, 200);
+    window.show();
+    RunEvents();
+    auto bar = std::make_unique<CProgressBar>(pane, QStringLiteral("        "), 100, 100);
     EXPECT_EQ(bar->LastPercent, 0);
-    bar->Label = QStringLiteral("Scanning");
     bar->SetText(QStringLiteral("Scanning :37%"));
     bar->SetPos(37);
-    EXPECT_EQ(Pane->text(), QStringLiteral("Scanning :37%"));
+    EXPECT_EQ(pane->text(), QStringLiteral("Scanning :37%"));
     EXPECT_EQ(bar->value(), 37);
     EXPECT_TRUE(bar->isVisible());
-    const int text = Pane->fontMetrics().horizontalAdvance(QStringLiteral("Scanning :37%    "));
+    const int text = pane->fontMetrics().horizontalAdvance(QStringLiteral("Scanning :37%    "));
     EXPECT_NEAR(bar->geometry().left(), text, 4);
-    EXPECT_EQ(bar->geometry().right(), Pane->rect().right());
-    EXPECT_EQ(bar->height(), Pane->height() - 2 * (Pane->height() / 10));
-
-    Window.resize(900, 200);
+    EXPECT_EQ(bar->height(), pane->height() - 2 * (pane->height() / 10));
+    window.resize(900, 200);
     RunEvents();
-    EXPECT_EQ(bar->geometry().right(), Pane->rect().right());
+    EXPECT_EQ(bar->geometry().right(), pane->rect().right());
     bar->SetText({});
     EXPECT_EQ(bar->geometry().left(), 0);
+    bar->SetText(QString(1000, QLatin1Char('w')));
+    EXPECT_EQ(bar->width(), 0);
     bar.reset();
-    EXPECT_EQ(Pane->text(), QStringLiteral("Ready"));
-}
+    EXPECT_EQ(pane->text(), QStringLiteral("Ready"));
 
-TEST_F(ProgressBarTest, TakesItsPartOfTheRoomAndNoMore) {
-    const CProgressBar half(Pane, {}, 50, 100);
-    EXPECT_NEAR(half.width(), Pane->width() / 2, 1);
-    const CProgressBar none(Pane, QString(1000, QLatin1Char('w')), 100, 100);
-    EXPECT_EQ(none.width(), 0);
-}
-
-TEST_F(ProgressBarTest, MayGoWithItsPane) {
-    const QPointer<CProgressBar> bar = new CProgressBar(Pane, QStringLiteral("text"), 100, 100);
-    delete Pane;
-    EXPECT_TRUE(bar.isNull());
+    const QPointer<CProgressBar> half = new CProgressBar(pane, {}, 50, 100);
+    EXPECT_NEAR(half->width(), pane->width() / 2, 1);
+    delete pane;
+    EXPECT_TRUE(half.isNull()) << "may go with its pane";
 }
 
 TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
@@ -70,18 +53,14 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
     owner.show();
     RunEvents();
     TestTarget target;
-    EXPECT_EQ(Desktop.WaitDialog, nullptr);
     {
         CDlgWait wait(&owner);
         EXPECT_EQ(Desktop.WaitDialog, &wait);
         wait.Waiting();
         EXPECT_FALSE(wait.isVisible());
-
         PostWindowMessage(&target, WM_APP + 1);
         TestWorker worker([&] { SendWindowMessage(&target, WM_APP + 2); });
         worker.AwaitSleep();
-        bool timerRan = false;
-        QTimer::singleShot(0, &owner, [&] { timerRan = true; });
         QElapsedTimer since;
         since.start();
         while (since.elapsed() < 300) {
@@ -89,11 +68,9 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
         }
         EXPECT_TRUE(wait.isVisible());
         EXPECT_FALSE(wait.isModal());
-        EXPECT_TRUE(wait.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
         EXPECT_EQ(wait.windowTitle(), QStringLiteral("Please wait..."));
         EXPECT_TRUE(owner.geometry().contains(wait.geometry()));
-        EXPECT_TRUE(target.Numbers.empty());
-        EXPECT_FALSE(timerRan);
+        EXPECT_TRUE(target.Messages.empty());
     }
     EXPECT_EQ(Desktop.WaitDialog, nullptr);
     RunEvents();
@@ -111,10 +88,8 @@ TEST(ColorLabelTest, TakesColoursAndFonts) {
     EXPECT_EQ(label.font().pixelSize(), 30);
     EXPECT_GT(label.sizeHint().width(), label.fontMetrics().horizontalAdvance(QStringLiteral("<b>A")))
         << "no markup";
-    const QImage shot = label.grab().toImage();
-    EXPECT_EQ(shot.pixelColor(0, 0), QColor(Qt::yellow));
-    label.SetBold(false);
-    EXPECT_FALSE(label.font().bold());
+    EXPECT_EQ(label.grab().toImage().pixelColor(0, 0), QColor(Qt::yellow));
+    EXPECT_EQ(label.palette().color(label.foregroundRole()), QColor(Qt::red));
 }
 
 } // namespace

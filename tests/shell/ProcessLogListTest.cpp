@@ -6,21 +6,17 @@
 #include <QClipboard>
 #include <QEventLoop>
 #include <QHeaderView>
-#include <QLineEdit>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
-#include <QVBoxLayout>
 
 namespace thntfs::test {
 
 namespace {
 
-const QColor kMark(255, 159, 89);
-
 class ProcessLogListTest : public testing::Test {
 protected:
-    void SetUp() override {
+    ProcessLogListTest() {
         List.resize(1142, 200);
         List.show();
         RunEvents();
@@ -37,12 +33,15 @@ protected:
     }
 
     [[nodiscard]] QModelIndex Cell(int row, int column) const { return List.model()->index(row, column); }
-    [[nodiscard]] QString Text(int row, int column) const { return Cell(row, column).data().toString(); }
+    [[nodiscard]] std::string Text(int row, int column) const {
+        return Cell(row, column).data().toString().toStdString();
+    }
 
-    /// Colour at the right end of a row, where no text stands.
-    QColor ColourOfRow(int row) {
+    /// Whether the right end of a row, where no text stands, has the mark's colour.
+    bool IsMarked(int row) {
         const QRect cell = List.visualRect(Cell(row, 2));
-        return List.viewport()->grab().toImage().pixelColor(cell.right() - 3, cell.center().y());
+        const QImage image = List.viewport()->grab().toImage();
+        return image.pixelColor(cell.right() - 3, cell.center().y()) == QColor(255, 159, 89);
     }
 
     CProcessLogList List;
@@ -59,15 +58,11 @@ TEST_F(ProcessLogListTest, RowsStandInTheOrderAndWithTheTimeOfTheirArrival) {
     EXPECT_FALSE(List.IsEmpty());
     ASSERT_EQ(List.Log().Rows().size(), 3U) << "the log has a row at once";
     ASSERT_TRUE(AllShown());
-    EXPECT_EQ(Text(0, 0), QStringLiteral("first"));
-    EXPECT_EQ(Text(0, 1), QStringLiteral("of a worker"));
-    EXPECT_EQ(Text(1, 0), QStringLiteral("second"));
-    EXPECT_EQ(Text(2, 1), QStringLiteral("line  feed and  ")) << "one row, whatever the text";
+    EXPECT_EQ(Text(0, 0) + "|" + Text(0, 1) + "|" + Text(1, 0), "first|of a worker|second");
+    EXPECT_EQ(Text(2, 1), "line  feed and  ") << "one row, whatever the text";
     EXPECT_EQ(List.Log().Rows()[2].Description, "line\r\nfeed\tand \x01");
-    const QRegularExpression time(
-        QStringLiteral("^[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9]\\d \\d{4} \\d\\d:\\d\\d:\\d\\d$"));
-    EXPECT_TRUE(time.match(Text(0, 2)).hasMatch()) << Text(0, 2).toStdString();
-
+    const QRegularExpression time(QStringLiteral("^\\w{3} \\w{3} [ 0-9]\\d \\d{4} \\d\\d:\\d\\d:\\d\\d$"));
+    EXPECT_TRUE(time.match(Cell(0, 2).data().toString()).hasMatch()) << Text(0, 2);
     const auto icon = [this](int row) {
         return Cell(row, 0).data(Qt::DecorationRole).value<QIcon>().pixmap(16).toImage();
     };
@@ -77,15 +72,12 @@ TEST_F(ProcessLogListTest, RowsStandInTheOrderAndWithTheTimeOfTheirArrival) {
 }
 
 TEST_F(ProcessLogListTest, OnlyTheLastRowIsMarked) {
-    for (const int shown : {1, 2, 5}) {
-        while (std::ssize(List.Log().Rows()) < shown) {
-            Send("row");
-        }
+    for (int shown = 1; shown < 4; ++shown) {
+        Send("row");
         ASSERT_TRUE(AllShown());
-        for (int row = 0; row < shown - 1; ++row) {
-            EXPECT_EQ(ColourOfRow(row), List.palette().color(QPalette::Base)) << row << " of " << shown;
+        for (int row = 0; row < shown; ++row) {
+            EXPECT_EQ(IsMarked(row), row == shown - 1) << row << " of " << shown;
         }
-        EXPECT_EQ(ColourOfRow(shown - 1), kMark) << shown;
     }
     Send("on its way as the log is cleared");
     const QSignalSpy inserted(List.model(), &QAbstractItemModel::rowsInserted);
@@ -96,8 +88,7 @@ TEST_F(ProcessLogListTest, OnlyTheLastRowIsMarked) {
     EXPECT_EQ(inserted.count(), 0);
     Send("after it");
     ASSERT_TRUE(AllShown());
-    ASSERT_EQ(List.model()->rowCount(), 1);
-    EXPECT_EQ(ColourOfRow(0), kMark);
+    EXPECT_TRUE(IsMarked(0));
 }
 
 TEST_F(ProcessLogListTest, ALongLogIsShownInBatchesWhileItGrows) {
@@ -109,21 +100,19 @@ TEST_F(ProcessLogListTest, ALongLogIsShownInBatchesWhileItGrows) {
         ++batches;
         shownOnTheWay = shownOnTheWay || !allSent;
     });
-    QEventLoop loop;
-    TestTarget end;
-    end.Handle = [&](auto, auto, auto) { return loop.quit(), 0; };
+    QEventLoop loop; // which takes no time of its own
     TestWorker worker([&] {
         for (int i = 0; i < kRows; ++i) {
             Send(std::to_string(i));
         }
         allSent = true;
-        PostWindowMessage(&end, WM_APP);
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
     });
     loop.exec();
     ASSERT_TRUE(AllShown());
     EXPECT_TRUE(shownOnTheWay);
     EXPECT_LT(batches, kRows / 10);
-    EXPECT_EQ(Text(kRows - 1, 0), QString::number(kRows - 1));
+    EXPECT_EQ(Text(kRows - 1, 0), std::to_string(kRows - 1));
     EXPECT_TRUE(List.viewport()->rect().contains(List.visualRect(Cell(kRows - 1, 0))));
 }
 
@@ -136,7 +125,7 @@ TEST_F(ProcessLogListTest, ColumnsFitTheListUntilTheUserSizesThem) {
     for (const int width : {800, 500}) {
         List.resize(width, 200);
         EXPECT_EQ(List.header()->length(), List.viewport()->width());
-        EXPECT_GE(List.columnWidth(2), List.fontMetrics().horizontalAdvance(Text(0, 2)));
+        EXPECT_GE(List.columnWidth(2), List.fontMetrics().horizontalAdvance(Cell(0, 2).data().toString()));
         EXPECT_GT(List.columnWidth(0), 100);
     }
     List.header()->resizeSection(0, 123);
@@ -150,30 +139,12 @@ TEST_F(ProcessLogListTest, SelectedRowsAreCopiedInTheirOrder) {
         Send(name, "about it");
     }
     ASSERT_TRUE(AllShown());
-    const auto select = QItemSelectionModel::Select | QItemSelectionModel::Rows;
-    List.selectionModel()->select(Cell(2, 0), select);
-    List.selectionModel()->select(Cell(0, 0), select);
-    QTest::keyClick(&List, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QApplication::clipboard()->text(),
-              QStringLiteral("a\tabout it\t%1\nc\tabout it\t%2").arg(Text(0, 2), Text(2, 2)));
-}
-
-TEST(ProcessLogFocusTest, TabGoesToItsTarget) {
-    QWidget window;
-    QVBoxLayout layout(&window);
-    QLineEdit target;
-    QLineEdit behind;
-    CProcessLogList list;
-    for (QWidget* widget : std::initializer_list<QWidget*>{&target, &list, &behind}) {
-        layout.addWidget(widget);
+    for (const int row : {2, 0}) {
+        List.selectionModel()->select(Cell(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
-    list.SetTabTarget(&target);
-    window.show();
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    list.setFocus();
-    QTest::keyClick(&list, Qt::Key_Tab);
-    EXPECT_TRUE(target.hasFocus());
+    QTest::keyClick(&List, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
+              "a\tabout it\t" + Text(0, 2) + "\nc\tabout it\t" + Text(2, 2));
 }
 
 } // namespace

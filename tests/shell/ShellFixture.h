@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/MessageTarget.h"
 #include "shell/PauseGate.h"
 #include "shell/WindowMessages.h"
 #include "support/desktop/BoxAnswers.h"
@@ -18,19 +19,29 @@
 
 namespace thntfs::test {
 
+struct SeenMessage {
+    std::uint32_t Number;
+    std::uintptr_t WParam = 0;
+    std::uintptr_t LParam = 0;
+    bool operator==(const SeenMessage&) const = default;
+};
+using SeenMessages = std::vector<SeenMessage>;
+
 /// Takes messages and does with them what a test wants.
 class TestTarget : public MessageTarget {
 public:
     std::intptr_t OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) override {
-        Numbers.push_back(message);
+        Messages.push_back({message, wParam, lParam});
         return Handle ? Handle(message, wParam, lParam) : 0;
     }
 
     [[nodiscard]] std::size_t Count(std::uint32_t message) const {
-        return static_cast<std::size_t>(std::count(Numbers.begin(), Numbers.end(), message));
+        return static_cast<std::size_t>(
+            std::count_if(Messages.begin(), Messages.end(),
+                          [&](const SeenMessage& seen) { return seen.Number == message; }));
     }
 
-    std::vector<std::uint32_t> Numbers; ///< of the messages that came, in their order
+    SeenMessages Messages; ///< that came, in their order
     std::function<std::intptr_t(std::uint32_t, std::uintptr_t, std::uintptr_t)> Handle;
 };
 
@@ -66,20 +77,13 @@ public:
 
     /// Waits, without running events, until the thread sleeps, as it does behind what it has sent.
     void AwaitSleep() const {
-        while (State() != 'S') {
-            std::this_thread::yield();
+        char state = ' ';
+        for (std::string name; state != 'S'; std::this_thread::yield()) {
+            std::ifstream("/proc/self/task/" + std::to_string(id_) + "/stat") >> name >> name >> state;
         }
     }
 
 private:
-    [[nodiscard]] char State() const {
-        std::ifstream file("/proc/self/task/" + std::to_string(id_) + "/stat");
-        std::string text;
-        std::getline(file, text);
-        const std::size_t nameEnd = text.rfind(')');
-        return nameEnd + 2 < text.size() ? text[nameEnd + 2] : '?';
-    }
-
     std::atomic<bool> done_{false};
     std::atomic<pid_t> id_{0};
     std::jthread thread_;
