@@ -22,7 +22,7 @@ constexpr std::size_t kMaxNameUnits = 256;
 constexpr std::size_t kMegabyte = 1U << 20U;
 constexpr std::size_t kWriteTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kAppendPages = kMegabyte / 8 / PagedFile::kPageBytes;
-constexpr std::size_t kReadTreePages = 16 * kMegabyte / PagedFile::kPageBytes;
+constexpr std::size_t kReadTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kReadPages = 4 * kMegabyte / PagedFile::kPageBytes;
 
 void WritePaged(PagedFile& file, std::uint64_t offset, ConstBytes bytes) {

@@ -13,17 +13,40 @@ constexpr std::size_t kNoLimit = ~std::size_t{0};
 
 } // namespace
 
+Descent::Descent(std::uint32_t blockOffset)
+    : seen_(static_cast<std::size_t>(CatalogueEntryCount())) {
+    levels_.emplace_back(blockOffset, &seenBlocks_);
+}
+
+void Descent::Enter(std::uint32_t blockOffset) {
+    if (levels_.size() < kMaxPathUnits) {
+        levels_.emplace_back(blockOffset, &seenBlocks_);
+    }
+}
+
+std::uint32_t Descent::Next() {
+    while (!levels_.empty()) {
+        const std::uint32_t child = levels_.back().Next();
+        if (child == 0) {
+            levels_.pop_back();
+        } else if (child < seen_.size() && !seen_[child]) {
+            seen_[child] = true;
+            return child;
+        }
+    }
+    return 0;
+}
+
 EntryWalk::EntryWalk(WalkStart start, WalkReach reach)
     : underTop_(start.IsTop)
     , batchSize_(reach == WalkReach::Whole ? kWholeBatch : 1)
-    , seen_(static_cast<std::size_t>(CatalogueEntryCount()))
+    , descent_(start.BlockOffset)
     , path_(std::move(start.Path))
     , pathLengths_{path_.size()}
     , maxDepth_(kNoLimit) {
     if (reach == WalkReach::Whole) {
         offsets_ = std::make_unique<FolderOffsets>();
     }
-    levels_.emplace_back(start.BlockOffset, &seenBlocks_);
 }
 
 bool EntryWalk::Next() {
@@ -63,25 +86,20 @@ bool EntryWalk::Plan() {
 }
 
 bool EntryWalk::PlanNext() {
-    if (entered_ && levels_.size() < kMaxPathUnits) {
+    if (entered_) {
         if (const auto blockOffset = BlockOffsetOf(*entered_)) {
-            levels_.emplace_back(*blockOffset, &seenBlocks_);
+            descent_.Enter(*blockOffset);
         }
     }
     entered_.reset();
-    while (!levels_.empty()) {
-        const std::uint32_t child = levels_.back().Next();
-        if (child == 0) {
-            levels_.pop_back();
-        } else if (child < seen_.size() && !seen_[child]) {
-            seen_[child] = true;
-            ids_.push_back(child);
-            depths_.push_back(levels_.size() - 1);
-            entered_ = child;
-            return true;
-        }
+    const std::uint32_t child = descent_.Next();
+    if (child == 0) {
+        return false;
     }
-    return false;
+    ids_.push_back(child);
+    depths_.push_back(descent_.Depth());
+    entered_ = child;
+    return true;
 }
 
 // A walk that doesn't plan ahead has the entry itself in hand.

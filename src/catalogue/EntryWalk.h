@@ -24,6 +24,29 @@ struct WalkStart {
 /// ahead, so that the files are read along and not across.
 enum class WalkReach { Part, Whole };
 
+/// The ids below a folder, depth first, as far as the user enters the folders among them. No id comes twice,
+/// however a damaged catalogue links them.
+class Descent {
+public:
+    /// `blockOffset`: byte offset in TreeFile of the first folder's first block.
+    explicit Descent(std::uint32_t blockOffset);
+    Descent(const Descent&) = delete;
+    Descent& operator=(const Descent&) = delete;
+
+    /// The next id, 0 behind the last. Throws CUserException, after a box, where a block can't be read.
+    std::uint32_t Next();
+    /// What is in this folder, the one that Next gave, comes next.
+    void Enter(std::uint32_t blockOffset);
+    /// Folders above the id that Next gave, but for the first.
+    [[nodiscard]] std::size_t Depth() const { return levels_.size() - 1; }
+    [[nodiscard]] bool HasGiven(std::uint32_t entryId) const { return seen_[entryId]; }
+
+private:
+    SeenBlocks seenBlocks_;
+    std::vector<ChildWalk> levels_;
+    std::vector<bool> seen_;
+};
+
 /// The entries below a folder, depth first: a folder's children in the order in which the catalogue holds
 /// them, each folder followed by what is below it. No entry comes twice, however a damaged catalogue links
 /// them, and a path longer than NTFS allows isn't followed further down, so every walk ends.
@@ -56,9 +79,7 @@ private:
     std::unique_ptr<FolderOffsets> offsets_; ///< of a walk over the whole
 
     // The plan: ids in order, with the depth of each.
-    SeenBlocks seenBlocks_;
-    std::vector<ChildWalk> levels_;
-    std::vector<bool> seen_;
+    Descent descent_;
     std::optional<std::uint32_t> entered_; ///< the entry planned last; its children come next if it has any
     std::vector<std::uint32_t> ids_;
     std::vector<std::size_t> depths_;

@@ -1,34 +1,15 @@
 #include "catalogue/FolderOffsets.h"
 
-#include "catalogue/CatalogueReader.h"
-#include "engine/EngineState.h"
-#include "platform/files/PagedFile.h"
+#include "catalogue/EntryPass.h"
 
-#include <algorithm>
 #include <bit>
 
 namespace thntfs {
 
-namespace {
-
-constexpr std::size_t kEntriesAtATime = 1024;
-
-} // namespace
-
-FolderOffsets::FolderOffsets() {
-    const std::uint64_t count = CatalogueEntryCount();
-    std::vector<std::uint8_t> piece(kEntriesAtATime * kStoredEntryBytes);
-    for (std::uint64_t id = 0; id < count;) {
-        std::size_t got = 0;
-        std::fill(piece.begin(), piece.end(), std::uint8_t{0});
-        Engine.EntryFile->ReadAt(id * kStoredEntryBytes, piece, got);
-        const std::uint64_t end = std::min<std::uint64_t>(count, id + kEntriesAtATime);
-        for (std::size_t at = 0; id < end; ++id, at += kStoredEntryBytes) {
-            const CatalogueEntry entry = DecodeEntry(ConstBytes(piece).subspan(at, kStoredEntryBytes));
-            Add(static_cast<std::uint32_t>(id), (entry.Flags & kFlagFolder) != 0, entry.BlockOffset);
-        }
-    }
-}
+FolderOffsets::FolderOffsets()
+    : whole_(PassEntries([this](std::uint32_t id, const CatalogueEntry& entry) {
+        Add(id, (entry.Flags & kFlagFolder) != 0, entry.BlockOffset);
+    })) {}
 
 void FolderOffsets::Add(std::uint32_t entryId, bool folder, std::uint32_t blockOffset) {
     if (entryId % kGroupEntries == 0) {

@@ -17,6 +17,9 @@ public:
     /// Byte offset in TreeFile of a folder's first block; nothing for a file.
     [[nodiscard]] std::optional<std::uint32_t> BlockOffset(std::uint32_t entryId) const;
 
+    /// False where not all entries could be read.
+    [[nodiscard]] bool Whole() const { return whole_; }
+
 private:
     static constexpr std::size_t kGroupEntries = 64;
 
@@ -25,6 +28,7 @@ private:
     std::vector<std::uint64_t> folderBits_;    ///< a word a group of 64 entries
     std::vector<std::uint32_t> foldersBefore_; ///< folders in front of each group
     std::vector<std::uint32_t> blockOffsets_;  ///< of the folders, by rising EntryId
+    bool whole_;                               ///< set last, by the pass that fills the others
 };
 
 } // namespace thntfs

@@ -1,3 +1,4 @@
+#include "catalogue/CatalogueTotals.h"
 #include "catalogue/EntryWalk.h"
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
@@ -14,34 +15,8 @@ namespace thntfs {
 
 namespace {
 
-struct ScanTotals {
-    std::uint64_t Files = 0;
-    std::uint64_t Folders = 0;
-    std::uint64_t Bytes = 0;
-    std::uint64_t DeletedFiles = 0;
-    std::uint64_t DeletedFolders = 0;
-    std::uint64_t LostFolders = 0; ///< of the deleted folders, those known by number alone
-};
-
-bool IsLost(const CatalogueItem& item) { return item.IsFolder() && item.RecordSector == 0 && !item.IsLive(); }
-
-ScanTotals CountEntries() {
-    ScanTotals totals;
-    EntryWalk walk(WalkStart{}, WalkReach::Whole);
-    while (walk.Next()) {
-        const CatalogueItem& item = walk.Item();
-        ++(item.IsFolder() ? totals.Folders : totals.Files);
-        totals.Bytes += item.Size;
-        if (!item.IsLive()) {
-            ++(item.IsFolder() ? totals.DeletedFolders : totals.DeletedFiles);
-        }
-        totals.LostFolders += IsLost(item) ? 1U : 0U;
-    }
-    return totals;
-}
-
 const char* Mark(const CatalogueItem& item) {
-    if (IsLost(item)) {
+    if (IsLostFolder(item)) {
         return "  [folder lost]";
     }
     return item.IsLive() ? "" : "  [deleted]";
@@ -68,7 +43,7 @@ void PrintTree(Output& output, bool withFiles) {
     }
 }
 
-void PrintScanTotals(Output& output, const ScanTotals& totals) {
+void PrintScanTotals(Output& output, const CatalogueTotals& totals) {
     output.Put("Files:   " + std::to_string(totals.Files) + ", of them " +
                std::to_string(totals.DeletedFiles) + " deleted\nFolders: " + std::to_string(totals.Folders) +
                ", of them " + std::to_string(totals.DeletedFolders) + " deleted, " +
@@ -76,7 +51,7 @@ void PrintScanTotals(Output& output, const ScanTotals& totals) {
                std::to_string(totals.Bytes) + " (" + ByteText(totals.Bytes) + ")\n");
 }
 
-void PrintJson(Output& output, const ScanTotals& totals, bool complete) {
+void PrintJson(Output& output, const CatalogueTotals& totals, bool complete) {
     const nlohmann::ordered_json object = {{"files", totals.Files},
                                            {"folders", totals.Folders},
                                            {"bytes", totals.Bytes},
@@ -98,7 +73,7 @@ int RunScan(const Options& options) {
     const int code = SaveScanInfo(options, session.Complete() ? kExitDone : kExitDoneInPart);
     Output output;
     try {
-        const ScanTotals totals = CountEntries();
+        const CatalogueTotals totals = CountCatalogue();
         if (options.Json) {
             PrintJson(output, totals, session.Complete());
         } else {
