@@ -1,6 +1,7 @@
 #include "catalogue/CatalogueReader.h"
 
 #include "catalogue/CatalogueFixture.h"
+#include "catalogue/CatalogueTotals.h"
 #include "catalogue/EntryWalk.h"
 #include "catalogue/FindEntry.h"
 #include "support/FailingFileStore.h"
@@ -32,7 +33,7 @@ protected:
         return ids;
     }
 
-    /// Paths of a walk, by both reaches.
+    /// Paths of a walk, by both reaches. What a walk over the whole meets is what the totals count.
     static std::vector<std::string> WalkAll(const WalkStart& start = {}) {
         std::vector<std::string> paths;
         for (const WalkReach reach : {WalkReach::Part, WalkReach::Whole}) {
@@ -44,6 +45,10 @@ protected:
             EXPECT_FALSE(walk.Next());
             EXPECT_TRUE(paths.empty() || found == paths);
             paths = found;
+        }
+        if (start.IsTop) {
+            const CatalogueTotals totals = CountCatalogue();
+            EXPECT_EQ(totals.Files + totals.Folders, paths.size());
         }
         return paths;
     }
@@ -272,6 +277,22 @@ TEST_F(CatalogueReaderTest, PathsLongerThanNtfsAllowsAreNotFollowed) {
     }
     written.Finish();
     EXPECT_EQ(WalkAll().size(), 1U + 98301 / 200 + 1);
+}
+
+TEST_F(CatalogueReaderTest, CountsFilesAndFolders) {
+    HandWritten written;
+    FolderIndexNode& gone = written.AddFolder(HandWritten::Root(), 100, u"gone", false, 7);
+    written.AddFile(gone, u"x", 5'000'000'000);
+    written.AddEntry(gone, {.RecordNumber = 9}, u"deleted");
+    written.AddFile(*Engine.Folders->FindOrAddPlaceholder(300).Node, u"z");
+    written.Finish();
+    const CatalogueTotals totals = CountCatalogue();
+    EXPECT_EQ(totals.Files, 3U);
+    EXPECT_EQ(totals.Folders, 3U);
+    EXPECT_EQ(totals.Bytes, 5'000'000'007U);
+    EXPECT_EQ(totals.DeletedFiles, 1U);
+    EXPECT_EQ(totals.DeletedFolders, 2U);
+    EXPECT_EQ(totals.LostFolders, 1U);
 }
 
 } // namespace thntfs::test
