@@ -146,19 +146,15 @@ TEST_F(DecodeRecordTest, AFolderLearnsItsNumberFromItsIndex) {
     EXPECT_FALSE(Decode(folder(41, one))) << "a folder in itself is the root";
     EXPECT_FALSE(Decode(folder(0, {})));
 
+    // What its index root must be: over names, filled, of more than 40 bytes.
     const std::size_t value = folder(5, one).LastAttributeOffset() + 32; // behind the header and "$I30"
-    EXPECT_TRUE(Decode(folder(5, one).Poke8(value, 0x31)));
-    EXPECT_EQ(Entry.RecordNumber, 0U) << "not an index over names";
-    Decode(folder(5, one).Poke32(value + 24, 8));
-    EXPECT_EQ(Entry.RecordNumber, 0U) << "allocated isn't used";
-    Decode(folder(5, one).Poke32(value + 20, 40).Poke32(value + 24, 40));
-    EXPECT_EQ(Entry.RecordNumber, 0U);
-    Decode(folder(5, one).Poke32(value + 20, 48).Poke32(value + 24, 48));
-    EXPECT_EQ(Entry.RecordNumber, 41U);
-
-    RecordBuilder dosOnly = Volume.NewRecord(41).SetFolder(true).AddStandardInformation();
-    EXPECT_TRUE(Decode(dosOnly.AddFileName(NameIn(7, u"SHORT", 2)).AddIndexRoot(one)));
-    EXPECT_EQ(Entry.NameLength, 0);
+    for (const auto& [type, used, allocated, number] : {std::array{0x31U, 48U, 48U, 0U},
+                                                        {0x30U, 48U, 8U, 0U},
+                                                        {0x30U, 40U, 40U, 0U},
+                                                        {0x30U, 48U, 48U, 41U}}) {
+        Decode(folder(5, one).Poke32(value, type).Poke32(value + 20, used).Poke32(value + 24, allocated));
+        EXPECT_EQ(Entry.RecordNumber, number) << type << " " << used << " " << allocated;
+    }
 }
 
 TEST_F(DecodeRecordTest, TheWalkEndsAtDataAndAtTheIndexRoot) {
@@ -174,7 +170,10 @@ TEST_F(DecodeRecordTest, AttributeListsLeadToExtensionRecords) {
         return extension(number).AddResident(0x40, ByteVector(8));
     };
     const NonResidentValue large = {.Runs = {{4, 200}}, .RealSize = 0x100000001};
-    Volume.PlaceRecord(extension(50).AddFileName(NameIn(9, u"long")));
+    Volume.PlaceRecord(extension(50)
+                           .AddFileName(NameIn(9, u"long"))
+                           .AddResident(0x40, ByteVector(8))
+                           .AddFileName(NameIn(9, u"behind another type")));
     Volume.PlaceRecord(
         extension(51).AddFileName(NameIn(9, u"long")).AddFileName(NameIn(8, u"DOS", 2)).AddData(large));
     Volume.PlaceRecord(extension(52).AddData(BytesOf("123"), u"named").AddData(BytesOf("1")));
@@ -277,6 +276,11 @@ TEST_F(DecodeRecordTest, AListThatAsksForMoreReadsThanAnyDriverWritesEndsAndSoDo
     const std::uint64_t zeros = Volume.AllocateClusters(100);
     Decode(File().AddAttributeList(NonResidentValue{.Runs = {{100, zeros}}}));
     EXPECT_EQ(Plan->Log.size(), 64U) << "256 KiB";
+    Engine.VolumeParams.ClusterBytes = 1U << 20U;
+    Decode(File().AddAttributeList(NonResidentValue{.Runs = {{2, zeros}}}));
+    EXPECT_EQ(Plan->Log.size(), 65U);
+    EXPECT_EQ(Plan->Log.back().Size, 256U << 10U);
+    Engine.VolumeParams.ClusterBytes = 4096;
 
     // Lists that share their records end sooner.
     for (int i = 0; i < 100; ++i) {
@@ -286,6 +290,7 @@ TEST_F(DecodeRecordTest, AListThatAsksForMoreReadsThanAnyDriverWritesEndsAndSoDo
     Decode(record);
     EXPECT_LT(Plan->Log.size() - before, 40U);
 
+    Volume.PlaceRecord(Volume.NewRecord(60).SetBase(40).AddFileName(NameIn(9, u"taken before the stop")));
     Engine.Lists = {.InScan = true};
     Engine.ScanRunFlag = 1;
     Plan->OnRead = [before = Plan->Log.size()](std::uint64_t index, const ReadRequest&) {
@@ -304,8 +309,6 @@ TEST_F(DecodeRecordTest, FindsARecordsSectorByTheTablesRuns) {
     EXPECT_EQ(FindRecordSector(8), 128U + 400);
     EXPECT_EQ(FindRecordSector(11), 128U + 406);
     EXPECT_EQ(FindRecordSector(12), std::nullopt);
-    EXPECT_EQ(FindRecordSector(0xFFFFFFFF), std::nullopt);
-
     volume.SectorsPerFileRecord = 3; // 16 sectors hold 5 records, the rest is dropped
     EXPECT_EQ(FindRecordSector(4), 128U + 812);
     EXPECT_EQ(FindRecordSector(5), 128U + 400);
@@ -314,10 +317,7 @@ TEST_F(DecodeRecordTest, FindsARecordsSectorByTheTablesRuns) {
     SetTableRuns({{0x20000001, 100}, {1, 50}}); // 0x20000001 * 8 wraps to 8
     EXPECT_EQ(FindRecordSector(3), 128U + 806);
     EXPECT_EQ(FindRecordSector(4), 128U + 400);
-    SetTableRuns({});
-    EXPECT_EQ(FindRecordSector(0), std::nullopt);
     volume.SectorsPerFileRecord = 0;
-    SetTableRuns({{1, 1}});
     EXPECT_EQ(FindRecordSector(0), std::nullopt);
 }
 

