@@ -89,12 +89,12 @@ int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked)
     if (Engine.ScanRunFlag == 0) {
         return kExitDoneInPart;
     }
-    if (totals.Files == 0 && totals.Folders == 0 &&
-        (totals.Failed != 0 || totals.Stopped || missing == asked)) {
-        return asked == 0 && totals.Failed == 0 && !totals.Stopped ? kExitDone : kExitFailed;
+    const bool failed = totals.Failed != 0 || totals.Stopped;
+    const bool nothingSaved = totals.Files == 0 && totals.Folders == 0;
+    if (nothingSaved && (failed || (asked != 0 && missing == asked))) {
+        return kExitFailed;
     }
-    return totals.Failed != 0 || totals.Damaged != 0 || totals.Stopped || missing != 0 ? kExitDoneInPart
-                                                                                       : kExitDone;
+    return failed || totals.Damaged != 0 || missing != 0 ? kExitDoneInPart : kExitDone;
 }
 
 } // namespace

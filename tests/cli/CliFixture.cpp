@@ -94,14 +94,9 @@ std::string CliTest::Attach(const std::string& image, const std::string& options
     return devices_.back()->Path();
 }
 
-bool CliTest::Mount(const std::string& what) const {
-    return OutputOf("mkdir -p '" + mount_ + "' && mount " + what + " '" + mount_ + "' && echo done") ==
-           "done";
-}
-
 bool CliTest::MountNewFileSystem(const std::string& device) const {
-    return OutputOf("PATH=$PATH:/sbin:/usr/sbin mkfs.ext4 -qF " + device + " && echo done") == "done" &&
-           Mount(device);
+    return OutputOf("PATH=$PATH:/sbin:/usr/sbin; mkfs.ext4 -qF " + device + " && mkdir -p '" + mount_ +
+                    "' && mount " + device + " '" + mount_ + "' && echo done") == "done";
 }
 
 } // namespace thntfs::test

@@ -62,9 +62,7 @@ protected:
 
     /// Path of a loop device over an image; empty where there can be none.
     std::string Attach(const std::string& image, const std::string& options = "");
-    /// Mounts at mount_; `what` are mount's words but for the folder. False where that can't be done here.
-    [[nodiscard]] bool Mount(const std::string& what) const;
-    /// The same with a file system made anew on a device.
+    /// Mounts a file system, made anew on a device, at mount_. False where that can't be done here.
     [[nodiscard]] bool MountNewFileSystem(const std::string& device) const;
 
     VolumeBuilder volume_;

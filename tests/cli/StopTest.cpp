@@ -58,8 +58,11 @@ TEST_F(StopTest, ScanShowsAndKeepsWhatWasFoundBeforeCtrlC) {
     EXPECT_EQ(shown["complete"], false);
     EXPECT_TRUE(Contains(ReadWholeFile(At("log")), "\nAborted processing Internal File System Structure"));
     EXPECT_EQ(Json::parse(Expect(0, {"scan", At("scan.tht"), "--json"}).Out)["files"], 1);
-    const Words list = {"list", image_, "--json", "/"};
-    EXPECT_EQ(Json::parse(Expect(3, list, told, StoppedScan()).Out)["path"], "/early.txt");
+    RunSetup counted = WithFaults(image_, "read", {{"FAULT_LIST", At("reads")}, {"TMPDIR", temp_}});
+    counted.Interrupt = StoppedScan().Interrupt;
+    EXPECT_EQ(Json::parse(Expect(3, {"list", image_, "--json", "/"}, told, counted).Out)["path"],
+              "/early.txt");
+    EXPECT_LT(LinesOf(ReadWholeFile(At("reads"))).size(), 100U) << "a hole is not read";
     Expect(3, {"save", image_, "--to", target_}, "was not scanned to its end", StoppedScan());
     EXPECT_TRUE(FilesBelow(target_).empty());
     EXPECT_TRUE(fs::is_empty(temp_)) << "the temporary folder stayed";

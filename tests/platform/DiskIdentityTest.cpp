@@ -1,5 +1,7 @@
 #include "platform/media/DiskIdentity.h"
 
+#include "platform/files/File.h"
+#include "platform/media/TargetDisk.h"
 #include "platform/media/posix/MountTable.h"
 #include "support/LoopDevice.h"
 #include "support/RunProgram.h"
@@ -76,6 +78,8 @@ TEST_F(DiskIdentityTest, LoopDeviceStandsForItsImageAndWhatIsMountedFromIt) {
     EXPECT_FALSE(SharesMedium(mount_, other_));
     EXPECT_TRUE(IsMounted(loop->Path()) && IsMounted(image_));
     EXPECT_FALSE(IsMounted(other_));
+    std::unique_ptr<File> file;
+    EXPECT_EQ(OpenTargetDisk(loop->Path(), file), kErrorSharingViolation);
 
     // An image on that file system is a medium for itself, but not when the disk below is read.
     const std::string inner = mount_ + "/inner";
@@ -98,12 +102,12 @@ TEST_F(DiskIdentityTest, RootFileSystemSharesItsDisk) {
 }
 
 TEST(MountTableTest, ReadsAnyLine) {
-    const auto mount =
-        ParseMount("36 35 98:5 /mnt1 /mnt\\0402 rw,noatime master:1 shared:2 - ext3 /dev/my\\040disk rw");
+    const auto mount = ParseMount(
+        "36 35 98:5 /mnt1 /mnt\\0402 rw,noatime master:1 shared:2 - ext3 /dev/my\\040disk\\011 rw");
     ASSERT_TRUE(mount.has_value());
     EXPECT_EQ(mount->Id, 36U);
     EXPECT_EQ(mount->Device, makedev(98, 5));
-    EXPECT_EQ(mount->Source, "/dev/my disk");
+    EXPECT_EQ(mount->Source, "/dev/my disk\t");
     for (const char* line :
          {"", "36 35 98", "36 35 98-5 / / rw - a b c", "36 35 98:5 / / rw", "36 35 98:5 / / rw - ext3"}) {
         EXPECT_FALSE(ParseMount(line).has_value()) << line;

@@ -38,7 +38,9 @@ TEST_F(FileTest, WritesInOrderAndElsewhereWithoutMoving) {
     std::size_t got = 0;
     EXPECT_EQ(file_->ReadAt(5, bytes, got), kErrorNone);
     EXPECT_EQ(std::string(bytes.begin(), bytes.end()).substr(0, got), "fxyz");
-    EXPECT_EQ(file_->WriteAt(~0ULL - 1, TextBytes("abc")), kErrorFileTooLarge);
+    for (const std::uint64_t offset : {~0ULL - 1, (1ULL << 63U) - 2}) {
+        EXPECT_EQ(file_->WriteAt(offset, TextBytes("abc")), kErrorFileTooLarge);
+    }
 
     if (Open("/dev/full", FileMode::OpenReadWrite) == kErrorNone) {
         EXPECT_EQ(file_->Write(TextBytes("abc")), kErrorDiskFull);

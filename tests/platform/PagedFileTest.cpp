@@ -102,6 +102,19 @@ TEST_F(PagedFileTest, LosesNothingWhicheverCallFails) {
     EXPECT_GT(failing, 50U);
 }
 
+TEST_F(PagedFileTest, APageThatGaveWayIsNotWrittenToAfterAFailedRead) {
+    file_.Content.assign(2 * kPage, 0x5A);
+    PagedFile paged(store_.Wrap(file_.Open()), 1, 2 * kPage);
+    std::vector<std::uint8_t> bytes(1);
+    std::size_t got = 0;
+    ASSERT_EQ(paged.ReadAt(0, bytes, got), kErrorNone);
+    store_.FailAt(1, kErrorIoDevice);
+    ASSERT_EQ(paged.ReadAt(kPage, bytes, got), kErrorIoDevice);
+    ASSERT_EQ(paged.WriteAt(0, std::vector<std::uint8_t>{1}), kErrorNone);
+    ASSERT_EQ(paged.Flush(), kErrorNone);
+    EXPECT_EQ(file_.Content[0], 1);
+}
+
 TEST_F(PagedFileTest, AppendsWithFewCallsAndReadsNothingBack) {
     PagedFile paged(store_.Wrap(file_.Open()), 256, 0);
     const std::vector<std::uint8_t> record(44, 1);

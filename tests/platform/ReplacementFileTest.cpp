@@ -36,6 +36,7 @@ protected:
 TEST_F(ReplacementFileTest, TakesAwayWhatDeadRunsHaveLeftAndNothingElse) {
     const std::string living = target_ + ".th-ntfs-0123456789ab.part";
     const std::vector<std::string> kept = {living,
+                                           target_ + "2.th-ntfs-0123456789ab.part",
                                            target_ + ".new",
                                            target_ + ".part",
                                            target_ + ".part1",

@@ -26,7 +26,7 @@ TEST_F(WorkFolderTest, IsPrivateAndGoesAwayWithWhatDeadRunsHaveLeft) {
         WorkFolder living;
         ASSERT_EQ(living.Create(), kErrorNone);
         fs::create_directories(user_ + "/run-killed/below");
-        fs::create_directory(user_ + "/foreign");
+        fs::create_directory(user_ + "/run-foreign");
         WorkFolder folder;
         ASSERT_EQ(folder.Create(), kErrorNone);
         EXPECT_EQ(folder.Path().substr(0, user_.size() + 5), user_ + "/run-");
@@ -34,7 +34,7 @@ TEST_F(WorkFolderTest, IsPrivateAndGoesAwayWithWhatDeadRunsHaveLeft) {
             EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all) << path;
         }
         EXPECT_FALSE(fs::exists(user_ + "/run-killed"));
-        EXPECT_TRUE(fs::remove(user_ + "/foreign"));
+        EXPECT_TRUE(fs::remove(user_ + "/run-foreign"));
     }
     EXPECT_TRUE(fs::is_empty(place_.Path()));
 }
@@ -44,11 +44,15 @@ TEST_F(WorkFolderTest, LastingOneIsTheUsersOwnAndNoLinkLeadsElsewhere) {
     EXPECT_EQ(folder.CreateLasting(), kErrorNone);
     EXPECT_EQ(folder.Path(), user_);
     EXPECT_EQ(fs::status(user_).permissions(), fs::perms::owner_all);
-    fs::remove(user_);
-    fs::create_directory(place_ / "elsewhere");
-    fs::create_symlink("elsewhere", user_);
-    EXPECT_EQ(folder.CreateLasting(), kErrorNone);
-    EXPECT_EQ(folder.Path().substr(0, user_.size() + 1), user_ + "-");
+    fs::permissions(user_, fs::perms::others_read, fs::perm_options::add);
+    for (const char* what : {"a folder that others can look into", "a link"}) {
+        WorkFolder other;
+        EXPECT_EQ(other.CreateLasting(), kErrorNone);
+        EXPECT_EQ(other.Path().substr(0, user_.size() + 1), user_ + "-") << what;
+        fs::remove(user_);
+        fs::create_directories(place_ / "elsewhere");
+        fs::create_symlink("elsewhere", user_);
+    }
     EXPECT_TRUE(fs::is_empty(place_ / "elsewhere"));
 }
 

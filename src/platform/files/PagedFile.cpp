@@ -158,7 +158,7 @@ PagedFile::Slot PagedFile::ChooseVictim() {
         const std::size_t place = hand_;
         hand_ = (hand_ + 1) % pages_.size();
         Page& page = pages_[place];
-        if (!page.Recent || page.Number == kNoPage) {
+        if (!page.Recent) {
             return static_cast<Slot>(place + 1);
         }
         page.Recent = false;
