@@ -45,10 +45,13 @@ TEST_F(MediumMatchTest, RecordsTellAVolumeInUseFromAnotherOne) {
 }
 
 TEST_F(MediumMatchTest, TheBootSectorCountsWhereTheScanKnewIt) {
-    BootSectorFields fields = BootFieldsOf(Volume.Geometry());
-    fields.Serial += 1;
-    Volume.PutSectors(128, EncodeBootSector(fields));
-    EXPECT_TRUE(MatchMedium().NeedsConsent());
+    for (const auto field :
+         {&BootSectorFields::Serial, &BootSectorFields::MftCluster, &BootSectorFields::MirrorCluster}) {
+        BootSectorFields fields = BootFieldsOf(Volume.Geometry());
+        fields.*field += 1;
+        Volume.PutSectors(128, EncodeBootSector(fields));
+        EXPECT_EQ(MatchMedium().Boot, BootMatch::Other);
+    }
     Volume.PutSectors(128, ByteVector(512));
     EXPECT_TRUE(MatchMedium().NeedsConsent());
     Engine.VolumeParams.VolumeSerial = 0;
@@ -56,12 +59,20 @@ TEST_F(MediumMatchTest, TheBootSectorCountsWhereTheScanKnewIt) {
 }
 
 TEST_F(MediumMatchTest, WhatCannotBeReadIsNoDifference) {
+    Volume.PlaceRecord(Volume.NewRecord(40).AddStandardInformation().AddAttributeList(
+        std::vector<ListEntry>{{kFileName, 200}})); // its name is elsewhere
+    EXPECT_EQ(MatchMedium().Different, 0U);
+    EXPECT_EQ(MatchMedium().Unknown, 1U);
     Plan->Rules = {{0, 1U << 20U}};
     Plan->Log.clear();
     const MediumMatch match = MatchMedium();
     EXPECT_FALSE(match.NeedsConsent());
     EXPECT_EQ(match.Unknown, match.Records);
     EXPECT_LT(Plan->Log.size(), 10U) << "a dying disk takes its time for each";
+
+    NameFiles(5, u"reused ");
+    Plan->Rules = {{Volume.RecordSector(50), 1U << 20U}};
+    EXPECT_TRUE(MatchMedium().NeedsConsent()) << "of what can be read, all differs";
 }
 
 } // namespace

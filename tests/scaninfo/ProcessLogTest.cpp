@@ -1,5 +1,6 @@
 #include "scaninfo/ProcessLog.h"
 
+#include "scaninfo/JobLog.h"
 #include "support/EngineFixture.h"
 #include "support/MemoryFile.h"
 
@@ -48,6 +49,23 @@ TEST(ProcessLogTest, TextOfTheFile) {
         };
         EXPECT_EQ(WriteLogText(log, file), kErrorDiskFull) << failing;
     }
+}
+
+class JobLogTest : public EngineFixture {};
+
+TEST_F(JobLogTest, EndsAreToldAsSuchAndNumbersByTheirLastDigit) {
+    LogTurboScanStarted(12);
+    LogTurboScanEnded(12, true);
+    LogBasicScanEnded(false);
+    ASSERT_EQ(Reports.Log.size(), 3U);
+    EXPECT_EQ(Reports.Log[0].Name, "Started turbo scan of logical drive 2");
+    EXPECT_EQ(Reports.Log[1].Status, kLogDone);
+    EXPECT_EQ(Reports.Log[2].Status, kLogFailed);
+    PartitionCandidate candidate;
+    candidate.StartSector = (std::uint64_t{1} << 32U) + 5;
+    candidate.TotalSectors = 256;
+    candidate.BytesPerSector = 4096;
+    EXPECT_EQ(PartitionChosenEntry(1, candidate).Description, "Starting Sector 5, Size   1.000 MB");
 }
 
 } // namespace

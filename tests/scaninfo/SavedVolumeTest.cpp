@@ -4,7 +4,7 @@
 #include "partitions/PartitionTable.h"
 #include "scaninfo/ScanInfoFixture.h"
 #include "scans/BasicScan.h"
-#include "support/Manifest.h"
+#include "support/BuildPaths.h"
 #include "support/MemoryFile.h"
 
 namespace thntfs::test {
@@ -46,7 +46,7 @@ protected:
 TEST_F(SavedVolumeTest, LoadsAsItWasScanned) {
     for (const std::string name : {"compressed", "mftfrag"}) {
         SCOPED_TRACE(name);
-        ASSERT_EQ(OpenSource(PackedImageNamed(name).Path), kErrorNone);
+        ASSERT_EQ(OpenSource(VolumeFolder() + "/" + name + ".img"), kErrorNone);
         ASSERT_EQ(ReadPartitionTable(), 1);
         TakeVolume(Engine.SourceDisk.Partitions.back());
         const std::vector<std::string> scanned = Picture();

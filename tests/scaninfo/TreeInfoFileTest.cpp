@@ -162,6 +162,19 @@ TEST_F(TreeInfoFileTest, FailedLoadsLeaveTheEngineReset) {
     EXPECT_TRUE(Stored(kTreeFileName).empty()) << "nothing is written before the medium is there";
 }
 
+TEST_F(TreeInfoFileTest, TheUserMayRefuseAnotherMedium) {
+    LoadGood();
+    bool isShown = false;
+    const auto show = [&isShown] { isShown = true; };
+    EXPECT_FALSE(LoadTreeInfo(At("laid.tht"), show, [](const MediumMatch&) { return false; }).Done);
+    ExpectLoadLog("laid.tht", "The medium isn't as it was when it was scanned.", "1");
+    ExpectReset();
+    EXPECT_EQ(Engine.EntryFile, nullptr);
+    EXPECT_FALSE(isShown);
+    EXPECT_TRUE(LoadTreeInfo(At("laid.tht"), show, [](const MediumMatch&) { return true; }).Done);
+    EXPECT_TRUE(isShown);
+}
+
 TEST_F(TreeInfoFileTest, SaveThatCannotCreateItsFile) {
     LoadGood();
     fs::create_directory(At("taken.tht"));

@@ -1,24 +1,15 @@
-#include "platform/system/Text.h"
-#include "support/BuildPaths.h"
-#include "support/Manifest.h"
-#include "support/RunProgram.h"
-#include "support/Sha256.h"
+#include "VolumeManifest.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 #include <set>
 
 namespace thntfs::test {
 
 namespace {
 
-using nlohmann::json;
 using Disk = std::string; // bytes of an image
-using Lines = std::vector<std::string>;
 
 constexpr std::size_t kSector = 512;
 constexpr std::uint64_t kStart = 2048; // of the volume on the image "basic"
@@ -59,7 +50,7 @@ void WipeFirstTableCluster(Disk& disk) { Wipe(disk, kStart + 4 * kClusterSectors
 // over the old ones, and the rest of the old records lie where the new table goes on.
 void FormatAgain(Disk& disk) {
     WipeTable(disk);
-    const Disk other = ReadWholeFile(PackedImageNamed("names").Path);
+    const Disk other = ReadWholeFile(ImagePath("names"));
     constexpr std::size_t kWritten = (16 + 27) * 1024;
     std::copy_n(other.begin() + 63 * kSector, kWritten,
                 disk.begin() + static_cast<std::ptrdiff_t>(kSector * kStart));
@@ -79,7 +70,7 @@ void PrintTo(const WreckCase& wreck, std::ostream* out) { *out << wreck.Name; }
 class LostVolumeTest : public testing::TestWithParam<WreckCase> {
 protected:
     LostVolumeTest() {
-        Disk disk = ReadWholeFile(PackedImageNamed("basic").Path);
+        Disk disk = ReadWholeFile(ImagePath("basic"));
         GetParam().Wreck(disk);
         std::ofstream(scratch_ / "disk.img", std::ios::binary) << disk;
     }
@@ -104,10 +95,8 @@ protected:
                             run.Err.find("records could not be read") != std::string::npos;
         EXPECT_EQ(run.Status, inPart ? 3 : 0) << run.Err;
         std::set<std::string> hashes;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(scratch_ / "out")) {
-            if (entry.is_regular_file()) {
-                hashes.insert(Sha256Of(TextBytes(ReadWholeFile(entry.path().string()))));
-            }
+        for (const auto& [path, hash] : HashesBelow(scratch_ / "out")) {
+            hashes.insert(hash);
         }
         return hashes;
     }
@@ -116,9 +105,9 @@ protected:
 };
 
 std::size_t CountBack(const std::set<std::string>& hashes) {
-    const std::vector<ManifestRow> rows = PackedImageNamed("basic").Manifest(1);
-    return static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), [&](const ManifestRow& row) {
-        return !row.Folder && row.Size > 0 && hashes.contains(row.Sha256);
+    const json rows = ManifestOf("basic")["volumes"][0];
+    return static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), [&](const json& row) {
+        return row["size"] > 0 && hashes.contains(row["sha256"]);
     }));
 }
 

@@ -1,285 +1,204 @@
-#include "DataMap.h"
-#include "VolumeListing.h"
+#include "VolumeManifest.h"
 #include "content/TargetName.h"
 #include "platform/system/Text.h"
-#include "support/BuildPaths.h"
-#include "support/RunProgram.h"
-#include "support/Sha256.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 
 namespace thntfs::test {
 
 namespace {
 
-using nlohmann::json;
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxSample = 24;
 constexpr unsigned kMaxTwins = 4; ///< files of one path
 
-std::string CaseName(const testing::TestParamInfo<VolumeCase>& info) {
-    return info.param.Image.Name + "_p" + std::to_string(info.param.Layout.Number);
+bool HasNote(const json& row, const std::string& note) {
+    const json& notes = row["notes"];
+    return std::find(notes.begin(), notes.end(), note) != notes.end();
 }
 
-// ------------------------------------------------------------------ partitions
+std::string NameIn(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-json TruthOf(const LayoutRow& row) {
-    return {{"number", row.Number},
-            {"startSector", row.StartSector},
-            {"totalSectors", row.EntrySectors},
-            {"bytesPerSector", row.BytesPerSector},
-            {"sectorsPerCluster", row.SectorsPerCluster},
-            {"clusterBytes", row.ClusterBytes()},
-            {"fileRecordBytes", row.RecordBytes},
-            {"indexBlockBytes", row.IndexBytes},
-            {"mftSector", row.StartSector + row.MftCluster * row.SectorsPerCluster},
-            {"mftCluster", row.MftCluster},
-            {"mftMirrCluster", row.MirrorCluster},
-            {"serial", row.Serial},
-            {"evidence", 0}};
+/// Path of the file that `save` makes of an entry, the `number`th of that path.
+std::string TargetPath(const std::string& path, unsigned number = 1) {
+    std::string target;
+    std::istringstream parts(path.substr(1));
+    for (std::string part; std::getline(parts, part, '/');) {
+        target += '/' + TargetName(WideText(part));
+    }
+    const std::size_t slash = target.rfind('/') + 1;
+    return number == 1 ? target : target.substr(0, slash) + NumberedName(target.substr(slash), number);
 }
 
-TEST(ImagesTest, PartitionsAreThoseOfTheTable) {
-    for (const PackedImage& image : PackedImages()) {
-        SCOPED_TRACE(image.Name);
-        json truth = json::array();
-        for (const LayoutRow& row : image.Partitions) {
-            truth.push_back(TruthOf(row));
+/// What the program lists of one volume, and what it saves.
+class Recovery {
+public:
+    /// `chosen`: the image, and the words that choose its partition.
+    explicit Recovery(Lines chosen)
+        : chosen_(std::move(chosen)) {
+        std::istringstream lines(Run("list", {"--recursive", "--json"}).Out);
+        for (std::string line; std::getline(lines, line);) {
+            entries_.push_back(json::parse(line));
+            byPath_.emplace(entries_.back()["path"], entries_.size() - 1);
+            byName_.emplace(entries_.back()["name"], entries_.size() - 1);
         }
-        const RunResult run = RunProgram(CliPath(), {"partitions", image.Path, "--json"});
-        EXPECT_EQ(run.Status, 0) << run.Err;
-        EXPECT_EQ(json::parse(run.Out, nullptr, false), truth);
+        const RunResult save = Run("save", {"--to", Folder(), "--json"});
+        totals_ = json::parse(save.Out);
+        EXPECT_EQ(save.Status, totals_["damaged"] == 0 ? 0 : 3) << save.Err;
+        hashes_ = HashesBelow(Folder());
     }
-}
 
-// --------------------------------------------------------------------- volumes
+    RunResult Run(const std::string& command, const Lines& more) const {
+        Lines words = {command};
+        words.insert(words.end(), chosen_.begin(), chosen_.end());
+        words.insert(words.end(), more.begin(), more.end());
+        return RunProgram(CliPath(), words);
+    }
 
-class VolumeTest : public testing::TestWithParam<VolumeCase> {
+    [[nodiscard]] std::string Folder() const { return scratch_ / "saved"; }
+    [[nodiscard]] const std::vector<json>& Entries() const { return entries_; }
+
+    /// The entry that a row speaks of; null where there is none.
+    [[nodiscard]] const json* Find(const json& row) const {
+        const std::string path = row["path"];
+        const bool anywhere = HasNote(row, "orphan");
+        const auto [begin, end] = anywhere ? byName_.equal_range(NameIn(path)) : byPath_.equal_range(path);
+        for (auto found = begin; found != end; ++found) {
+            const json& entry = entries_[found->second];
+            if (entry["live"] == row["live"] && entry["folder"] == row["folder"] &&
+                entry["size"] == row["size"]) {
+                return &entry;
+            }
+        }
+        return nullptr;
+    }
+
+    /// The file saved of an entry that has the hash; files of one path carry numbers. Empty where none has.
+    [[nodiscard]] std::string Saved(const json& entry, const json& sha256) const {
+        for (unsigned number = 1; number <= kMaxTwins; ++number) {
+            const std::string path = TargetPath(entry["path"], number);
+            const auto file = hashes_.find(path);
+            if (file != hashes_.end() && (sha256.is_null() || sha256 == file->second)) {
+                return Folder() + path;
+            }
+        }
+        return {};
+    }
+
+    /// The totals tell of all that lies there. Files that haven't their size are damaged ones.
+    void ExpectTotals(std::size_t misfits) const {
+        std::uint64_t folders = 0;
+        std::uint64_t bytes = 0;
+        for (const auto& entry : fs::recursive_directory_iterator(Folder())) {
+            folders += entry.is_directory() ? 1U : 0U;
+            bytes += entry.is_directory() ? 0U : entry.file_size();
+        }
+        const auto files = std::count_if(entries_.begin(), entries_.end(),
+                                         [](const json& entry) { return !entry["folder"].get<bool>(); });
+        EXPECT_EQ(totals_["files"], files);
+        EXPECT_EQ(hashes_.size(), files);
+        EXPECT_EQ(totals_["folders"], folders);
+        EXPECT_EQ(totals_["bytes"], bytes);
+        EXPECT_EQ(totals_["failed"], 0);
+        EXPECT_EQ(totals_["damaged"], misfits);
+    }
+
+private:
+    ScratchFolder scratch_;
+    Lines chosen_;
+    std::vector<json> entries_;
+    std::multimap<std::string, std::size_t> byPath_;
+    std::multimap<std::string, std::size_t> byName_;
+    json totals_;
+    std::map<std::string, std::string> hashes_;
+};
+
+class VolumesTest : public testing::TestWithParam<std::string> {
 protected:
-    void SetUp() override {
-        rows_ = GetParam().Image.Manifest(GetParam().Layout.Number);
-        known_ = TableIsKnown(GetParam().Image, GetParam().Layout);
-    }
-
-    // A table that can't be known must be reported, and nothing may come out.
-    void ExpectRefusal(const std::string& command) {
-        const RunResult run = RunProgram(CliPath(), GetParam().Words(command));
-        EXPECT_EQ(run.Status, 1);
-        EXPECT_EQ(run.Out, "");
-        EXPECT_NE(run.Err.find("Critical structures not found"), std::string::npos) << run.Err;
-    }
-
-    /// Whether these bytes are what must come out of a row's file. `entry` is its line of the listing.
-    void ExpectBytes(const ManifestRow& row, const json& entry, const std::string& bytes) {
-        if (row.Has("reused") || Sha256Of(TextBytes(bytes)) == row.Sha256) {
+    void ExpectRow(const Recovery& recovery, const json& row) {
+        const json* entry = recovery.Find(row);
+        ASSERT_EQ(entry != nullptr, row["listed"].get<bool>());
+        if (entry == nullptr) {
             return;
         }
-        ASSERT_TRUE(row.Has("sparse") || row.Has("compressed"))
-            << row.Path << ": " << bytes.size() << " bytes";
-        const VolumeCase& volume = GetParam();
-        const DataMap map = ReadDataMap(volume.Image, volume.Layout, entry["recordSector"]);
-        ASSERT_TRUE(map.Complete) << row.Path;
-        const std::string hash = HashWithHoles(TextBytes(bytes), map, row.Size, volume.Image, volume.Layout);
-        if (row.Has("open-end")) {
-            const std::uint64_t unit = map.UnitClusters * volume.Layout.ClusterBytes();
-            EXPECT_EQ(bytes.size(), row.Size / unit * unit) << row.Path << ": units that a hole closes";
-        } else {
-            EXPECT_EQ(hash, hash == "too long" ? hash : row.Sha256) << row.Path;
+        if (row["folder"]) {
+            EXPECT_TRUE(fs::is_directory(recovery.Folder() + TargetPath((*entry)["path"])));
+            return;
+        }
+        const json& saved = row.contains("saved") ? row["saved"] : row; // null: nobody knows
+        const std::string path = recovery.Saved(*entry, saved.is_null() ? json() : saved["sha256"]);
+        ASSERT_FALSE(path.empty()) << "not saved with its bytes";
+        misfits_ += fs::file_size(path) == (*entry)["size"] ? 0U : 1U;
+    }
+
+    // A file of each kind that the volume holds.
+    static void ExpectCat(const Recovery& recovery, const json& rows) {
+        std::set<std::pair<bool, json>> kinds;
+        for (const json& row : rows) {
+            const json* entry = recovery.Find(row);
+            if (entry == nullptr || row["folder"] || kinds.size() == kMaxSample ||
+                !kinds.emplace(row["live"], row["notes"]).second) {
+                continue;
+            }
+            SCOPED_TRACE(row["path"]);
+            const bool byNumber = HasNote(row, "samepath") || kinds.size() % 2 == 0;
+            const RunResult run = recovery.Run("cat", byNumber ? Lines{"--record", (*entry)["record"].dump()}
+                                                               : Lines{(*entry)["path"]});
+            EXPECT_EQ(run.Status, run.Out.size() == (*entry)["size"] ? 0 : 3) << run.Err;
+            const json& saved = row.contains("saved") ? row["saved"] : row;
+            if (!saved.is_null()) {
+                EXPECT_TRUE(run.Out == ReadWholeFile(recovery.Saved(*entry, saved["sha256"])));
+            }
         }
     }
 
-    std::vector<ManifestRow> rows_;
-    bool known_ = false;
+    static void ExpectNothingElse(const Recovery& recovery, const json& rows) {
+        std::set<std::string> known; // paths, and names of entries whose folder is gone
+        bool nameless = false;
+        for (const json& row : rows) {
+            const std::string path = row["path"];
+            known.insert(HasNote(row, "orphan") ? NameIn(path) : path);
+            nameless = nameless || HasNote(row, "nameless");
+        }
+        for (const json& entry : recovery.Entries()) {
+            const std::string path = entry["path"];
+            const std::string name = entry["name"];
+            EXPECT_TRUE(known.contains(path) || known.contains(name) || path.starts_with("/$Extend") ||
+                        (nameless && name.starts_with('#')))
+                << path << " never was there";
+        }
+    }
+
+    std::size_t misfits_ = 0;
 };
 
-/// Rows of one file with several names, by content.
-using Groups = std::map<std::string, std::vector<const ManifestRow*>>;
-
-Groups HardLinkGroups(const std::vector<ManifestRow>& rows) {
-    Groups groups;
-    for (const ManifestRow& row : rows) {
-        if (row.Has("hardlink") && !row.Has("unlinked")) {
-            groups[row.Sha256].push_back(&row);
+TEST_P(VolumesTest, AllThatWasEverThereComesBack) {
+    const std::string image = ImagePath(GetParam());
+    const json manifest = ManifestOf(GetParam());
+    const json& partitions = manifest["partitions"];
+    EXPECT_EQ(json::parse(RunProgram(CliPath(), {"partitions", image, "--json"}).Out), partitions);
+    for (std::size_t i = 0; i < partitions.size(); ++i) {
+        SCOPED_TRACE(i + 1);
+        const Recovery recovery(partitions.size() == 1 ? Lines{image}
+                                                       : Lines{image, "--partition", std::to_string(i + 1)});
+        const json& rows = manifest["volumes"][i];
+        misfits_ = 0;
+        for (const json& row : rows) {
+            SCOPED_TRACE(row["path"]);
+            ExpectRow(recovery, row);
         }
-    }
-    return groups;
-}
-
-// A file that bears the name of one of the volume's own files isn't catalogued, wherever it stands.
-bool HasSystemName(const std::string& name) { return name == "$MFT"; }
-
-void ExpectRow(const ManifestRow& row, const VolumeListing& listing, const std::set<std::string>& split) {
-    const std::string name = row.Path.substr(row.Path.rfind('/') + 1);
-    if (row.Has("gone") || row.Has("unlinked") || HasSystemName(name) || split.contains(name)) {
-        EXPECT_EQ(listing.Find(row), nullptr) << row.Path << " can't be known";
-    } else if (!row.Has("hardlink")) {
-        EXPECT_NE(listing.Find(row), nullptr) << row.Path;
+        recovery.ExpectTotals(misfits_);
+        ExpectCat(recovery, rows);
+        ExpectNothingElse(recovery, rows);
     }
 }
 
-// One name of a file counts: the last one of its own record, unless an attribute list leads to others.
-void ExpectOneName(const std::vector<const ManifestRow*>& names, const VolumeListing& listing) {
-    std::size_t shown = 0;
-    for (const ManifestRow* row : names) {
-        const bool there = listing.Find(*row) != nullptr;
-        shown += there ? 1U : 0U;
-        if (row->Has("lastname") && !row->Has("attrlist-nonresident")) {
-            EXPECT_TRUE(there) << row->Path;
-        }
-    }
-    EXPECT_EQ(shown, 1U) << names.front()->Path;
-}
-
-bool IsInRows(const json& entry, const std::set<std::string>& paths, const std::set<std::string>& orphans) {
-    const std::string path = entry["path"];
-    return paths.contains(path) || path == "/$Extend" || path.starts_with("/$Extend/") ||
-           orphans.contains(entry["name"]);
-}
-
-TEST_P(VolumeTest, ListHasAllThatWasEverThere) {
-    if (!known_) {
-        return ExpectRefusal("list");
-    }
-    const VolumeListing listing(GetParam());
-    std::set<std::string> paths;
-    std::set<std::string> orphans;
-    const std::set<std::string> split = NamesInSplitRecords(GetParam().Image, GetParam().Layout);
-    for (const ManifestRow& row : rows_) {
-        ExpectRow(row, listing, split);
-        paths.insert(row.Path);
-        if (row.Has("orphan")) {
-            orphans.insert(row.Path.substr(row.Path.rfind('/') + 1));
-        }
-    }
-    for (const auto& [hash, names] : HardLinkGroups(rows_)) {
-        ExpectOneName(names, listing);
-    }
-    const bool nameless =
-        std::any_of(rows_.begin(), rows_.end(), [](const auto& r) { return r.Has("nameless"); });
-    for (const json& entry : listing.Entries) {
-        const bool numbered = nameless && entry["name"].get<std::string>().starts_with('#');
-        EXPECT_TRUE(numbered || IsInRows(entry, paths, orphans)) << entry["path"] << " never was there";
-    }
-}
-
-/// What stands below a saved folder.
-struct Saved {
-    std::set<std::string> Files; ///< paths from the folder on
-    std::uint64_t Folders = 0;
-    std::uint64_t Bytes = 0;
-};
-
-Saved WhatWasSaved(const std::string& folder) {
-    Saved saved;
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_directory()) {
-            ++saved.Folders;
-        } else {
-            saved.Files.insert(entry.path().string().substr(folder.size()));
-            saved.Bytes += entry.file_size();
-        }
-    }
-    return saved;
-}
-
-// Files of one path stand beside each other with numbers; the one that fits is taken away.
-std::string TakeSavedFile(const ManifestRow& row, const std::string& target, const std::string& folder,
-                          Saved& saved) {
-    const std::size_t slash = target.rfind('/') + 1;
-    std::string first;
-    for (unsigned number = 1; number <= kMaxTwins; ++number) {
-        const std::string name = target.substr(slash);
-        const std::string path = target.substr(0, slash) + (number == 1 ? name : NumberedName(name, number));
-        if (!saved.Files.contains(path)) {
-            continue;
-        }
-        if (!row.Has("samepath") || Sha256Of(TextBytes(ReadWholeFile(folder + path))) == row.Sha256) {
-            saved.Files.erase(path);
-            return path;
-        }
-        first = path;
-    }
-    return first;
-}
-
-TEST_P(VolumeTest, SaveBringsEveryFileBack) {
-    if (!known_) {
-        return ExpectRefusal("scan");
-    }
-    const ScratchFolder scratch;
-    const std::string folder = scratch / "saved";
-    std::vector<std::string> words = GetParam().Words("save");
-    words.insert(words.end(), {"--to", folder, "--json"});
-    const RunResult run = RunProgram(CliPath(), words);
-    Saved saved = WhatWasSaved(folder);
-    const json totals = json::parse(run.Out);
-    ASSERT_EQ(run.Status, totals["damaged"] == 0 ? 0 : 3) << run.Err;
-    EXPECT_EQ(totals["failed"], 0);
-    EXPECT_EQ(totals["files"], saved.Files.size());
-    EXPECT_EQ(totals["folders"], saved.Folders);
-    EXPECT_EQ(totals["bytes"], saved.Bytes);
-    const VolumeListing listing(GetParam());
-    std::size_t files = 0;
-    for (const json& entry : listing.Entries) {
-        files += entry["folder"] ? 0U : 1U;
-    }
-    EXPECT_EQ(saved.Files.size(), files);
-    std::size_t misfits = 0; // with holes, or with a last unit that isn't cut
-    for (const ManifestRow& row : rows_) {
-        const json* entry = listing.Find(row);
-        const std::string target = entry == nullptr ? "" : VolumeListing::TargetPath((*entry)["path"]);
-        if (row.Folder && entry != nullptr) {
-            EXPECT_TRUE(fs::is_directory(folder + target)) << row.Path;
-        } else if (entry != nullptr) {
-            const std::string path = TakeSavedFile(row, target, folder, saved);
-            ASSERT_FALSE(path.empty()) << row.Path << " was not saved as " << target;
-            const std::string bytes = ReadWholeFile(folder + path);
-            ExpectBytes(row, *entry, bytes);
-            misfits += bytes.size() == (*entry)["size"] ? 0U : 1U;
-        }
-    }
-    EXPECT_EQ(totals["damaged"], misfits) << run.Err;
-}
-
-// A file of each kind that the volume holds.
-std::vector<const ManifestRow*> SampleOf(const std::vector<ManifestRow>& rows) {
-    std::vector<const ManifestRow*> sample;
-    std::set<std::pair<bool, std::set<std::string>>> kinds;
-    for (const ManifestRow& row : rows) {
-        const bool fresh = !row.Folder && kinds.emplace(row.Live, row.Notes).second;
-        if ((fresh || row.Has("samepath")) && sample.size() < kMaxSample) {
-            sample.push_back(&row);
-        }
-    }
-    return sample;
-}
-
-TEST_P(VolumeTest, CatWritesASampleOfThem) {
-    if (!known_) {
-        return ExpectRefusal("scan");
-    }
-    const VolumeListing listing(GetParam());
-    for (const ManifestRow* row : SampleOf(rows_)) {
-        const json* entry = listing.Find(*row);
-        if (entry == nullptr) {
-            continue;
-        }
-        std::vector<std::string> words = GetParam().Words("cat");
-        if (row->Has("samepath") || row->Path.size() % 2 == 0) {
-            words.insert(words.end(), {"--record", std::to_string((*entry)["record"].get<std::uint32_t>())});
-        } else {
-            words.push_back((*entry)["path"]);
-        }
-        const RunResult run = RunProgram(CliPath(), words);
-        EXPECT_EQ(run.Status, run.Out.size() == (*entry)["size"] ? 0 : 3) << row->Path << ": " << run.Err;
-        ExpectBytes(*row, *entry, run.Out);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Volumes, VolumeTest, testing::ValuesIn(AllVolumes()), CaseName);
+INSTANTIATE_TEST_SUITE_P(Packed, VolumesTest, testing::ValuesIn(ImageNames()),
+                         [](const auto& name) { return name.param; });
 
 } // namespace
 

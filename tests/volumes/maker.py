@@ -152,15 +152,15 @@ class Volume:
         return self.root + path
 
     def enter(self, path, kind, data=b'', sha256=None, size=None):
-        digest = '-' if kind == 'folder' else sha256 or hashlib.sha256(data).hexdigest()
-        row = ntfs.Row(path, 'live', kind, len(data) if size is None else size, digest)
+        digest = None if kind == 'folder' else sha256 or hashlib.sha256(data).hexdigest()
+        row = ntfs.Row(path, True, kind == 'folder', len(data) if size is None else size, digest)
         self.rows.append(row)
         self.live[path] = row
         return row
 
     def strike(self, path, *notes):
         row = self.live.pop(path)
-        row.state = 'deleted'
+        row.live = False
         row.notes |= set(notes)
 
     # Making ----------------------------------------------------------------
@@ -232,7 +232,7 @@ class Volume:
     def delete(self, *paths):
         for path in paths:
             row = self.live[path]
-            os.unlink(self.real(path)) if row.kind == 'file' else os.rmdir(self.real(path))
+            os.unlink(self.real(path)) if not row.folder else os.rmdir(self.real(path))
             self.strike(path)
 
     def delete_tree(self, path):
@@ -355,7 +355,7 @@ class Volume:
         """Has the driver read all files back, and change nothing."""
         self.mount('ro')
         try:
-            for path in [p for p, row in self.live.items() if row.kind == 'file']:
+            for path in [p for p, row in self.live.items() if not row.folder]:
                 self.compare(path)
         finally:
             self.__exit__()
@@ -369,15 +369,12 @@ class Volume:
     # Looking back ----------------------------------------------------------
 
     def annotate(self):
-        """Adds to every row what the finished volume shows of its file."""
+        """Adds to every row what the finished volume shows of its file, and what is to come back of it."""
         with self.opened() as volume:
             listing = ntfs.Listing(volume)
             for row in self.rows:
                 annotate(row, listing)
-
-    def write_manifest(self, path):
-        with open(path, 'w', encoding='utf-8', newline='\n') as f:
-            f.write('\n'.join([ntfs.HEADER] + [r.line() for r in self.rows]) + '\n')
+                row.expect(listing)
 
 
 def bitmap_of(volume):
@@ -427,10 +424,10 @@ def annotate(row, listing):
     if 'unlinked' in row.notes:
         return
     item = listing.find(row)
-    if item is None and row.state == 'deleted':
+    if item is None and not row.live:
         row.notes |= {'reused', 'gone'}
         return
-    if item is None or (row.state == 'live' and not row.matches(item)):
+    if item is None or (row.live and not row.matches(item)):
         raise RuntimeError('the volume does not hold live %s' % row.path)
     if not row.matches(item):
         row.notes.add('reused')
@@ -558,16 +555,14 @@ class Disk:
         return self.primaries + self.logicals
 
     def pack(self, folder):
-        """Writes the image, its layout and the manifests of its volumes."""
+        """Writes the image and its manifest."""
         for volume in self.volumes():
             volume.settle_table()
         self.build()
         stem, volumes = os.path.join(folder, self.name), self.volumes()
-        for k, volume in enumerate(volumes, 1):
+        for volume in volumes:
             volume.annotate()
-            middle = '' if len(volumes) == 1 else '.p%d' % k
-            volume.write_manifest('%s%s.manifest.tsv' % (stem, middle))
-        self.write_layout(stem + '.layout.tsv')
+        ntfs.write_manifest(stem + '.json', self.descriptions(), [volume.rows for volume in volumes])
         with open(stem + '.img.xz', 'wb') as out:
             subprocess.run(['xz', '-9e', '-T1', '-c', self.path], stdout=out, check=True)
         print('%-12s %9d raw  %8d packed' % (
@@ -575,12 +570,7 @@ class Disk:
         for path in [self.path] + [v.image for v in volumes]:
             os.unlink(path)
 
-    def write_layout(self, path):
-        lines = [ntfs.LAYOUT_HEADER]
+    def descriptions(self):
         with open(self.path, 'rb') as f, contextlib.closing(
                 mmap.mmap(f.fileno(), 0, access=mmap.ACCESS_READ)) as image:
-            for k, part in enumerate(ntfs.partitions(image), 1):
-                volume = ntfs.Volume(image, part.start * part.sector_size)
-                lines.append(ntfs.layout_line(k, part, volume))
-        with open(path, 'w') as f:
-            f.write('\n'.join(lines) + '\n')
+            return ntfs.described(image)

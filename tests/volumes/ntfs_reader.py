@@ -6,6 +6,8 @@ list, fixups, attribute lists, run lists and LZNT1.  It shares no code with the
 program under test.
 """
 import hashlib
+import itertools
+import json
 import struct
 
 FIRST_USER_RECORD = 24
@@ -469,7 +471,7 @@ class Listing:
     def find(self, row):
         """The item a manifest row means: the intact one if there are several."""
         items = [i for i in self.candidates(row)
-                 if i.live == (row.state == 'live') and i.folder == (row.kind == 'folder')]
+                 if i.live == row.live and i.folder == row.folder]
         intact = [i for i in items if row.matches(i)]
         return (intact or items or [None])[0]
 
@@ -481,46 +483,104 @@ class Listing:
                 if any(n.text == name for n in i.plain)]
 
 
+# ------------------------------------------------------- what is to come back
+
+def kept(volume, stream):
+    """The bytes of a stream that recovering it gives: without its holes, and with all that the last unit gives."""
+    if stream.resident:
+        return stream.value
+    if not stream.compressed:
+        runs = [volume.clusters(lcn, length) for length, lcn in stream.runs if lcn is not None]
+        return b''.join(runs)[:stream.size]
+    out, size = [], stream.unit * volume.cluster
+    whole = sum(length for length, _ in stream.runs) // stream.unit  # what no hole closes is left out
+    for raw, allocated in itertools.islice(volume.raw_units(stream), whole):
+        out.append(raw if allocated in (0, stream.unit) else bytes(unpack_lznt1(raw[:chunks_end(raw)], size)))
+    return b''.join(out)
+
+
+def chunks_end(raw):
+    """Where the chunks of a unit end: a chunk of four bytes, as zeros take, ends them too."""
+    at = 0
+    while at + 2 <= len(raw) and u16(raw, at) & 0xFFF not in (0, 3):
+        at += 3 + (u16(raw, at) & 0xFFF)
+    return at
+
+
+def saved(volume, item):
+    """Size and SHA-256 of the file that recovering gives."""
+    data = kept(volume, item.stream)
+    return {'size': len(data), 'sha256': hashlib.sha256(data).hexdigest()}
+
+
+def is_cut(volume, item):
+    """Whether a record lies partly in one piece of the table and partly in the next."""
+    ends = itertools.accumulate(length * volume.cluster for length, _ in volume.mft.runs)
+    return any(end % volume.record_size and end // volume.record_size == item.record.number for end in ends)
+
+
+def is_listed(row, item, listing):
+    """Whether a row's name can be found: of several names of a file it is the last, as the records are read."""
+    if item is None or row.notes & {'gone', 'unlinked'} or row.path.endswith('/$MFT'):
+        return False
+    if is_cut(listing.volume, item):
+        return False
+    return row.folder or 'orphan' in row.notes or listing.path(item.plain[-1]) == row.path
+
+
 # ----------------------------------------------------------------- manifests
 
-HEADER = '#path\tstate\tkind\tsize\tsha256\tnote'
-
-
 class Row:
-    def __init__(self, path, state, kind, size, sha256, notes=()):
-        self.path, self.state, self.kind = path, state, kind
-        self.size, self.sha256, self.notes = int(size), sha256, set(notes)
+    """A file or folder that was ever made, and once the volume is finished what is to come back of it."""
+
+    def __init__(self, path, live, folder, size, sha256, notes=(), listed=False, saved=()):
+        self.path, self.live, self.folder = path, live, folder
+        self.size, self.sha256, self.notes = size, sha256, set(notes)
+        self.listed = listed
+        self.saved = {'size': size, 'sha256': sha256} if saved == () else saved
 
     def matches(self, item):
-        return item.folder == (self.kind == 'folder') and \
+        return item.folder == self.folder and \
             (item.folder or (item.size == self.size and item.sha256 == self.sha256))
 
+    def expect(self, listing):
+        item = listing.find(self)
+        self.listed = is_listed(self, item, listing)
+        known = self.listed and not self.folder and 'reused' not in self.notes
+        self.saved = saved(listing.volume, item) if known else None
+
     def line(self):
-        note = ','.join(sorted(self.notes)) or '-'
-        return '\t'.join([self.path, self.state, self.kind, str(self.size), self.sha256, note])
+        values = {**vars(self), 'notes': sorted(self.notes)}
+        if self.saved == {'size': self.size, 'sha256': self.sha256}:
+            del values['saved']
+        return json.dumps(values, ensure_ascii=False)
+
+
+def described(image):
+    """The partitions of an image in the words of the program's JSON."""
+    parts = partitions(image)
+    return [description(i, part, Volume(image, part.start * part.sector_size)) for i, part in enumerate(parts, 1)]
+
+
+def description(number, part, volume):
+    return {'number': number, 'startSector': part.start, 'totalSectors': part.sectors,
+            'bytesPerSector': volume.bytes_per_sector, 'sectorsPerCluster': volume.sectors_per_cluster,
+            'clusterBytes': volume.cluster, 'fileRecordBytes': volume.record_size,
+            'indexBlockBytes': volume.index_size,
+            'mftSector': part.start + volume.mft_lcn * volume.sectors_per_cluster,
+            'mftCluster': volume.mft_lcn, 'mftMirrCluster': volume.mirror_lcn,
+            'serial': '%016X' % volume.serial, 'evidence': 0}
+
+
+def write_manifest(path, descriptions, tables):
+    """One line for each partition and each row."""
+    lists = [',\n'.join(row.line() for row in rows) for rows in tables]
+    with open(path, 'w', encoding='utf-8', newline='\n') as f:
+        f.write('{"partitions": [\n%s\n],\n"volumes": [[\n%s\n]]}\n' % (
+            ',\n'.join(map(json.dumps, descriptions)), '\n],[\n'.join(lists)))
 
 
 def read_manifest(path):
-    with open(path, encoding='utf-8', newline='\n') as f:
-        lines = f.read().split('\n')
-    if lines[0] != HEADER or lines[-1] != '':
-        raise Damaged('%s is no manifest' % path)
-    rows = []
-    for line in lines[1:-1]:
-        fields = line.split('\t')
-        rows.append(Row(*fields[:5], [] if fields[5] == '-' else fields[5].split(',')))
-    return rows
-
-
-LAYOUT_HEADER = '\t'.join([
-    '#index', 'start_sector', 'sector_size', 'bytes_per_sector', 'sectors_per_cluster',
-    'record_bytes', 'index_bytes', 'entry_sectors', 'mft_cluster', 'mirror_cluster',
-    'serial', 'type', 'table'])
-
-
-def layout_line(index, part, volume):
-    values = [index, part.start, part.sector_size, volume.bytes_per_sector,
-              volume.sectors_per_cluster, volume.record_size, volume.index_size,
-              part.sectors, volume.mft_lcn, volume.mirror_lcn,
-              '%016X' % volume.serial, '%02X' % part.type, part.table]
-    return '\t'.join(map(str, values))
+    with open(path, encoding='utf-8') as f:
+        manifest = json.load(f)
+    return manifest['partitions'], [[Row(**row) for row in rows] for rows in manifest['volumes']]
