@@ -1,9 +1,9 @@
 #include "WizardFixture.h"
+#include "shell/Settings.h"
 #include "wizard/ImageFileName.h"
 
 #include <QAbstractButton>
 #include <QRadioButton>
-#include <QSettings>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -20,6 +20,7 @@ protected:
         button->setEnabled(true);
         button->click();
     }
+    [[nodiscard]] std::string Help() const { return Sheet->ActivePage().HelpTopic().toStdString(); }
 };
 
 struct TaskCase {
@@ -30,36 +31,40 @@ struct TaskCase {
     const char* PageInfo; ///< the third row
     const char* Help;
     const char* Buttons;
+    const char* UsbDisks;
 };
 
 TEST_F(PagesTest, TaskLeadsToItsPage) {
     const TaskCase cases[] = {
         {kTaskRecoverDisk, "HDRRecover your data from disk", "ntfsrecoverdata.htm",
          "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option", "Select the NTFS drive from which",
-         "ntfsrecoverdata.htm", "< Back (Next >)"},
+         "ntfsrecoverdata.htm", "< Back (Next >)", ""},
         {kTaskClone, "HDRClone Disk", "ntfsclonedisk.htm", "Select Source and Destination Disk(s)",
-         "* Select source drive, the drive", "ntfsclonewindow.htm", "< Back (Finish)"},
+         "* Select source drive, the drive", "ntfsclonewindow.htm", "< Back (Finish)", "sdy"},
         {kTaskImage, "HDRCreate disk Image", "ntfsdiskimaging.htm",
          "Step 1: Select source drive\nStep 2: Select destination path",
-         "* Select source drive, the drive whose", "ntfsdiskimaging2.htm", "< Back (Finish)"},
+         "* Select source drive, the drive whose", "ntfsdiskimaging2.htm", "< Back (Finish)", "sdy gone"},
         {kTaskRecoverImage, "HDRRecover data from disk image", "ntfsrecoverfromimage.htm",
          "Select image to recover data", "* Select the image file from which",
-         "ntfsselectanimagefileforproce.htm", "(< Back) Next >"}};
+         "ntfsselectanimagefileforproce.htm", "(< Back) Next >", ""}};
     RunWith([&] {
         EXPECT_EQ(Buttons(), "(< Back) (Next >)");
-        EXPECT_EQ(Sheet->ActivePage().HelpTopic(), QStringLiteral("ntfswizardwin.htm"));
+        EXPECT_EQ(Help(), "ntfswizardwin.htm");
         EXPECT_EQ(Info().at(0), "HDRPlease Select Appropriate Option");
         EXPECT_EQ(ButtonOf(*Sheet, "Clone disk"), nullptr);
         for (const TaskCase& task : cases) {
             ChooseTask(task.Task);
             EXPECT_EQ(Buttons(), "(< Back) Next >");
             EXPECT_EQ(Info().at(0), task.TaskInfo);
-            EXPECT_EQ(Sheet->ActivePage().HelpTopic(), QLatin1String(task.HelpAtMain));
+            EXPECT_EQ(InfoHeights(), "16 14");
+            EXPECT_EQ(Help(), task.HelpAtMain);
             Press("Next >");
             EXPECT_EQ(Heading(), task.Heading);
             EXPECT_EQ(Info().at(2), task.PageInfo);
-            EXPECT_EQ(Sheet->ActivePage().HelpTopic(), QLatin1String(task.Help));
+            EXPECT_EQ(InfoHeights(), "18 18");
+            EXPECT_EQ(Help(), task.Help);
             EXPECT_EQ(Buttons(), task.Buttons);
+            EXPECT_EQ(UsbDisks(), task.UsbDisks);
             Press("< Back");
         }
     });
@@ -112,6 +117,7 @@ TEST_F(PagesTest, DiskPageStartsAfreshFromTheMainPage) {
             (Texts{"HDRInformation: sdy", "* Name: Some Disk", "* Size: 465.76 GB", "* Serial Number: WX11",
                    "* Interface Type: USB", "* Media Type: Fixed hard disk media", "* Firmware: 01.01",
                    "* Total Cylinders: 60801", "* Total Heads: 255", "* Total Sectors: 976773168"}));
+        EXPECT_EQ(InfoHeights(), "20 18");
         Press("Search for lost partition(s)");
         ChooseDisk(-1);
         EXPECT_EQ(Buttons(), "< Back (Next >)");
@@ -130,14 +136,11 @@ TEST_F(PagesTest, DiskPageStartsAfreshFromTheMainPage) {
 }
 
 TEST_F(PagesTest, ClosingIsAskedForEachWayAndKeepsTheStartUpChoice) {
-    QSettings settings(QStringLiteral("Tarnholt Works Inc."),
-                       QStringLiteral("Tarnholt Volume Salvage (NTFS)"));
-    settings.setValue(QStringLiteral("Wizard/StartUp"), 0);
+    OpenSettings().setValue(QStringLiteral("Wizard/StartUp"), 0);
     for (const int wanted : {1, 0}) {
         MakeSheet();
         AtSheet([&] {
             Press("Run wizard on startup");
-            Press("Cancel");
             QTest::keyClick(Sheet.get(), Qt::Key_Escape);
             Sheet->close();
             EXPECT_TRUE(Sheet->isVisible());
@@ -146,11 +149,9 @@ TEST_F(PagesTest, ClosingIsAskedForEachWayAndKeepsTheStartUpChoice) {
         });
         EXPECT_NE(Run(), kWizardFinished);
         Sheet.reset();
-        settings.sync();
-        EXPECT_EQ(settings.value(QStringLiteral("Wizard/StartUp")).toInt(), wanted);
+        EXPECT_EQ(OpenSettings().value(QStringLiteral("Wizard/StartUp")).toInt(), wanted);
     }
-    EXPECT_EQ(Boxes(), Texts(8, "Confirm: Do you want to close wizard?"));
-    EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Question);
+    EXPECT_EQ(Boxes(), Texts(6, "Confirm: Do you want to close wizard?"));
 }
 
 TEST_F(PagesTest, ImagingWantsADiskAndAPath) {

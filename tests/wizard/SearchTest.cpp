@@ -182,12 +182,22 @@ TEST_F(SearchTest, EndOfTheProgramEndsTheSearch) {
     EXPECT_EQ(Engine.ScanRunFlag, 0U);
 }
 
-TEST_F(SearchTest, EndBehindTheAbortQuestionIsShownAfterIt) {
+TEST_F(SearchTest, DialogShowsWhatIsToldAndTheEndBehindTheAbortQuestion) {
     CLogicalDrivesFound dialog(nullptr, {SearchMethod::Quick, 0, 1000});
     dialog.show();
+    const auto& bar = *dialog.findChild<QProgressBar*>();
+    WM_SEARCH_POSITION.Send(&dialog, 5, 0);
+    EXPECT_EQ(bar.value(), 0);
+    WM_SEARCH_POSITION.Send(&dialog, 999, 1000);
+    EXPECT_EQ(bar.value(), 99);
+    for (unsigned i = 0; i < 256; ++i) {
+        WM_PARTITION_FOUND.Send(&dialog, 0xFFFFFF00U + i);
+    }
+    EXPECT_EQ(RowsShown(dialog).at(254), "NTFS logical drive #255 | 4294967294");
+    EXPECT_EQ(RowsShown(dialog).at(255), "NTFS logical drive #0 | 4294967295");
     Answers.MayAnswer = [&](const QMessageBox& box) {
         if (box.windowTitle() == QLatin1String("Confirm")) {
-            dialog.OnMessage(WM_SEARCH_FINISHED, 1, 0);
+            WM_SEARCH_FINISHED.Send(&dialog, true);
         }
         return true;
     };
@@ -196,30 +206,11 @@ TEST_F(SearchTest, EndBehindTheAbortQuestionIsShownAfterIt) {
     EXPECT_FALSE(dialog.isVisible());
 }
 
-TEST_F(SearchTest, PositionAndRowsReadAsTold) {
-    CLogicalDrivesFound dialog(nullptr, {SearchMethod::Quick, 0, 1000});
-    const auto& bar = *dialog.findChild<QProgressBar*>();
-    dialog.OnMessage(WM_SEARCH_POSITION, 5, 0);
-    EXPECT_EQ(bar.value(), 0);
-    dialog.OnMessage(WM_SEARCH_POSITION, 999, 1000);
-    EXPECT_EQ(bar.value(), 99);
-    for (unsigned i = 0; i < 256; ++i) {
-        dialog.OnMessage(WM_PARTITION_FOUND, 0xFFFFFF00U + i, 0);
-    }
-    EXPECT_EQ(RowsShown(dialog).at(254), "NTFS logical drive #255 | 4294967294");
-    EXPECT_EQ(RowsShown(dialog).at(255), "NTFS logical drive #0 | 4294967295");
-}
-
-// The legend's two squares are narrower.
+// It is made before the legend's two squares.
 const CScanArea* BarOf(const QWidget& dialog) {
-    const CScanArea* widest = nullptr;
-    for (const QFrame* frame : dialog.findChildren<QFrame*>()) {
-        const auto* area = dynamic_cast<const CScanArea*>(frame);
-        if (area != nullptr && (widest == nullptr || area->width() > widest->width())) {
-            widest = area;
-        }
-    }
-    return widest;
+    const auto& parts = dialog.children();
+    const auto isBar = [](const QObject* part) { return dynamic_cast<const CScanArea*>(part) != nullptr; };
+    return static_cast<const CScanArea*>(*std::find_if(parts.begin(), parts.end(), isBar));
 }
 
 struct RangeCase {
@@ -236,37 +227,28 @@ TEST_F(SearchTest, RangeIsTestedWithEveryChange) {
     constexpr const char* kEndFault = "End sector should be less than total sectors";
     const RangeCase cases[] = {{"0", "20000", "9.77 MB", 0, 100},     {"0", "20001", kEndFault, 1, 0},
                                {"20000", "20000", kStartFault, 1, 0}, {"12345", "12345", kOrderFault, 1, 0},
-                               {"0", "0", kOrderFault, 1, 0},         {"", "2", "1024 bytes", 0, 0},
-                               {"1", "4", "1.50 KB", 0, 0},           {"0", "2048", "1024.00 KB", 0, 10},
-                               {"5000", "15102", "4.93 MB", 25, 76},  {"5000", "", kOrderFault, 1, 0}};
-    Engine.SourceDisk.BytesPerSector = 512;
-    CChooseSectorRange dialog(nullptr, 20000);
-    dialog.show();
-    const auto edits = dialog.findChildren<QLineEdit*>();
-    const CScanArea* bar = BarOf(dialog);
-    for (const RangeCase& range : cases) {
-        edits.at(0)->setText(QLatin1String(range.Start));
-        edits.at(1)->setText(QLatin1String(range.End));
-        const bool fault = range.BarStart > range.BarEnd;
-        EXPECT_EQ(dialog.findChild<QLabel*>()->text(), QLatin1String(range.Text)) << range.Start;
-        EXPECT_EQ(bar->RangeStart(), range.BarStart) << range.Start << " " << range.End;
-        EXPECT_EQ(bar->RangeEnd(), range.BarEnd) << range.Start << " " << range.End;
-        EXPECT_EQ(ButtonOf(dialog, "OK")->isEnabled(), !fault) << range.Start << " " << range.End;
-    }
-}
-
-TEST_F(SearchTest, RangeTakesDigitsAndFillsWhatIsLeftEmpty) {
+                               {"", "2", "1024 bytes", 0, 0},         {"5000", "15102", "4.93 MB", 25, 76},
+                               {"5000", "", kOrderFault, 1, 0}};
     Engine.SourceDisk.BytesPerSector = 512;
     CChooseSectorRange dialog(nullptr, 20000);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     const auto edits = dialog.findChildren<QLineEdit*>();
+    for (const RangeCase& range : cases) {
+        edits.at(0)->setText(QLatin1String(range.Start));
+        edits.at(1)->setText(QLatin1String(range.End));
+        EXPECT_EQ(dialog.findChild<QLabel*>()->text(), QLatin1String(range.Text)) << range.Start;
+        EXPECT_EQ(BarOf(dialog)->RangeStart(), range.BarStart) << range.Start << " " << range.End;
+        EXPECT_EQ(BarOf(dialog)->RangeEnd(), range.BarEnd) << range.Start << " " << range.End;
+        EXPECT_EQ(ButtonOf(dialog, "OK")->isEnabled(), range.BarStart <= range.BarEnd) << range.End;
+    }
     edits.at(0)->clear();
     QTest::keyClicks(edits.at(0), QStringLiteral("-1x2345678"));
-    EXPECT_EQ(edits.at(0)->text(), QStringLiteral("12345"));
+    EXPECT_EQ(edits.at(0)->text(), QStringLiteral("12345")) << "digits, and no more than fit";
+    edits.at(0)->setFocus();
     edits.at(0)->clear();
     QTest::keyClick(edits.at(0), Qt::Key_Tab);
-    EXPECT_EQ(edits.at(0)->text(), QStringLiteral("0"));
+    EXPECT_EQ(edits.at(0)->text(), QStringLiteral("0")) << "what is left empty is filled";
     edits.at(1)->setFocus();
     edits.at(1)->clear();
     QTest::keyClick(edits.at(1), Qt::Key_Return);

@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "shell/DesktopState.h"
+#include "shell/Icons.h"
 #include "shell/WindowMessages.h"
 #include "support/BuildPaths.h"
 #include "wizard/InfoListBox.h"
@@ -24,6 +25,7 @@ std::vector<DiskInfo> MadeUpDisks() {
     disks[1].InterfaceType = "USB";
     disks[2].Path = "/dev/no-such-disk";
     disks[2].Name = "gone";
+    disks[2].InterfaceType = "NVMe";
     return disks;
 }
 
@@ -113,6 +115,25 @@ Texts WizardTest::Info() const {
         rows.push_back((bullet ? "* " : "") + list.item(row)->text().toStdString());
     }
     return rows;
+}
+
+std::string WizardTest::InfoHeights() const {
+    const auto& list = OnPage<CInfoListBox>();
+    return std::to_string(list.item(0)->sizeHint().height()) + " " +
+           std::to_string(list.item(1)->sizeHint().height());
+}
+
+std::string WizardTest::UsbDisks() const {
+    const auto picture = [](const QIcon& icon) { return icon.pixmap(16).toImage(); };
+    const auto* tree = Sheet->ActivePage().findChild<QTreeWidget*>();
+    QStringList names;
+    for (int row = 0; tree != nullptr && row < tree->topLevelItem(0)->childCount(); ++row) {
+        const QTreeWidgetItem& disk = *tree->topLevelItem(0)->child(row);
+        if (picture(disk.icon(0)) == picture(LoadIcon("disk-usb"))) {
+            names.push_back(disk.text(0));
+        }
+    }
+    return names.join(QLatin1Char(' ')).toStdString();
 }
 
 void WizardTest::ChooseDisk(int position, int tree) {

@@ -13,7 +13,8 @@
 
 namespace thntfs::test {
 
-/// Three disks that no machine has: an IDE disk "sdx", a USB disk "sdy" and one at /dev/no-such-disk.
+/// Three disks that no machine has: an IDE disk "sdx", a USB disk "sdy" and an NVMe disk at
+/// /dev/no-such-disk.
 std::vector<DiskInfo> MadeUpDisks();
 
 /// An unpacked image by its name.
@@ -49,6 +50,10 @@ protected:
     /// All texts of the active page's labels, and of its explaining list, where "* " stands for a bullet.
     [[nodiscard]] Texts Labels() const;
     [[nodiscard]] Texts Info() const;
+    /// Heights that the list gives its first two rows, "20 18".
+    [[nodiscard]] std::string InfoHeights() const;
+    /// Names of the disks in the first tree that have a USB disk's icon, with blanks between.
+    [[nodiscard]] std::string UsbDisks() const;
     /// Chooses a disk of a tree of the active page, -1 for the root.
     void ChooseDisk(int position, int tree = 0);
     template <typename Widget>
