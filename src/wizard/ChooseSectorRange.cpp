@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "platform/system/SizeText.h"
+#include "shell/ColorLabel.h"
 #include "wizard/ScanArea.h"
 
 #include <QFormLayout>
@@ -29,20 +30,16 @@ std::uint64_t NumberIn(const QLineEdit& edit) {
     return fits || edit.text().isEmpty() ? number : std::numeric_limits<std::uint64_t>::max();
 }
 
-QLabel* BoldLabel(const QString& text, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
+CColorLabel* BoldLabel(const QString& text, QWidget* parent) {
+    auto* label = new CColorLabel(text, parent);
+    label->SetBold(true);
     return label;
 }
 
-QLabel* NumberLabel(std::uint64_t number, QWidget* parent) {
-    QLabel* label = BoldLabel(QString::number(number), parent);
-    QPalette colours = label->palette();
-    const bool dark = colours.color(QPalette::Window).lightness() < 128;
-    colours.setColor(QPalette::WindowText, dark ? kNumberColour.lighter(170) : kNumberColour);
-    label->setPalette(colours);
+CColorLabel* NumberLabel(std::uint64_t number, QWidget* parent) {
+    CColorLabel* label = BoldLabel(QString::number(number), parent);
+    const bool dark = label->palette().color(QPalette::Window).lightness() < 128;
+    label->SetTextColour(dark ? kNumberColour.lighter(170) : kNumberColour);
     return label;
 }
 

@@ -3,6 +3,7 @@
 #include "engine/EngineState.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
+#include "shell/ColorLabel.h"
 #include "shell/DesktopHost.h"
 #include "shell/PauseGate.h"
 #include "shell/WindowMessages.h"
@@ -65,10 +66,8 @@ CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& re
 CLogicalDrivesFound::~CLogicalDrivesFound() = default;
 
 void CLogicalDrivesFound::LayOut() {
-    auto* heading = new QLabel(QStringLiteral("Locating Partitions..."), this);
-    QFont bold = heading->font();
-    bold.setBold(true);
-    heading->setFont(bold);
+    auto* heading = new CColorLabel(QStringLiteral("Locating Partitions..."), this);
+    heading->SetBold(true);
     auto* progress = new QHBoxLayout;
     progress->addWidget(new QLabel(QStringLiteral("Process Completed..."), this));
     progress->addWidget(percent_);

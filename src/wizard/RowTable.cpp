@@ -35,11 +35,13 @@ CRowTable::CRowTable(QWidget* parent, const QStringList& titles)
     header->setHighlightSections(false);
 }
 
-void CRowTable::AddRow(const QStringList& texts, const QIcon& icon) {
+void CRowTable::AddRow(const QStringList& texts, const QIcon& icon, bool canBeChosen) {
     const int row = rowCount();
     insertRow(row);
     for (int column = 0; column < texts.size(); ++column) {
-        setItem(row, column, new QTableWidgetItem(texts[column]));
+        auto* cell = new QTableWidgetItem(texts[column]);
+        cell->setFlags(canBeChosen ? cell->flags() : Qt::NoItemFlags);
+        setItem(row, column, cell);
     }
     item(row, 0)->setIcon(icon);
 }
@@ -52,14 +54,6 @@ void CRowTable::keyPressEvent(QKeyEvent* event) {
         selectRow(FirstChoosableRow());
     } else {
         QTableWidget::keyPressEvent(event);
-    }
-}
-
-void CRowTable::DisableLastRow() {
-    for (int column = 0; column < columnCount(); ++column) {
-        if (QTableWidgetItem* cell = item(rowCount() - 1, column); cell != nullptr) {
-            cell->setFlags(Qt::NoItemFlags);
-        }
     }
 }
 

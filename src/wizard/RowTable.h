@@ -10,10 +10,7 @@ class CRowTable : public QTableWidget {
 public:
     CRowTable(QWidget* parent, const QStringList& titles);
 
-    void AddRow(const QStringList& texts, const QIcon& icon = {});
-
-    /// The row added last can't be chosen.
-    void DisableLastRow();
+    void AddRow(const QStringList& texts, const QIcon& icon = {}, bool canBeChosen = true);
 
     /// Position of the selected row, -1 for none.
     [[nodiscard]] int SelectedRow() const;

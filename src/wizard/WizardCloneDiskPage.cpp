@@ -1,12 +1,12 @@
 #include "wizard/WizardCloneDiskPage.h"
 
+#include "shell/ColorLabel.h"
 #include "wizard/CopyNotBuilt.h"
 #include "wizard/DiskTree.h"
 #include "wizard/PageTexts.h"
 #include "wizard/WizardState.h"
 
 #include <QGridLayout>
-#include <QLabel>
 
 namespace thntfs {
 
@@ -21,11 +21,8 @@ QLabel* TreeTitle(const QString& text, QWidget* tree) {
 }
 
 QLabel* NameLabel(QWidget* parent) {
-    auto* label = new QLabel(parent);
-    QFont bold = label->font();
-    bold.setBold(true);
-    label->setFont(bold);
-    label->setTextFormat(Qt::PlainText);
+    auto* label = new CColorLabel({}, parent);
+    label->SetBold(true);
     return label;
 }
 

@@ -19,14 +19,16 @@ struct Task {
     const char* Text;
     const char* Icon;
     const char* HelpTopic;
+    int Page;     ///< that does it
     bool Offered; ///< one that isn't has its button hidden
 };
 
 constexpr std::array<Task, 4> kTasks = {
-    {{"  Recover &your Data", "task-recover-disk", "ntfsrecoverdata.htm", true},
-     {"  Recover your data from disk &image", "task-recover-image", "ntfsrecoverfromimage.htm", true},
-     {"  &Clone disk", "task-clone", "ntfsclonedisk.htm", false},
-     {"  Create &disk Image", "task-image", "ntfsdiskimaging.htm", true}}};
+    {{"  Recover &your Data", "task-recover-disk", "ntfsrecoverdata.htm", kDriveSelectionPage, true},
+     {"  Recover your data from disk &image", "task-recover-image", "ntfsrecoverfromimage.htm",
+      kImageSelectionPage, true},
+     {"  &Clone disk", "task-clone", "ntfsclonedisk.htm", kCloneDiskPage, false},
+     {"  Create &disk Image", "task-image", "ntfsdiskimaging.htm", kImageDiskPage, true}}};
 
 // Flat, and with a chosen task that is seen under dark colours too.
 constexpr const char* kTaskLook =
@@ -88,7 +90,10 @@ void CWizardMainPage::OnSetActive() {
     ShowChosenTask();
 }
 
-int CWizardMainPage::OnWizardNext() { return State().WizardTask + 1; }
+int CWizardMainPage::OnWizardNext() {
+    const std::uint8_t task = State().WizardTask;
+    return task == kNoTask ? kStay : kTasks.at(task).Page;
+}
 
 // Enter on a task that isn't the chosen one chooses it; Next would go on with the other one.
 void CWizardMainPage::keyPressEvent(QKeyEvent* event) {

@@ -92,10 +92,7 @@ void CWizardPartitionListPage::Fill() {
     }
     volumes_ = ListVolumes();
     for (const ListedVolume& volume : volumes_) {
-        list_->AddRow(RowTexts(volume), LoadIcon("disk"));
-        if (volume.Candidate == nullptr) {
-            list_->DisableLastRow();
-        }
+        list_->AddRow(RowTexts(volume), LoadIcon("disk"), volume.Candidate != nullptr);
     }
 }
 

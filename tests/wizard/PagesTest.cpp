@@ -2,11 +2,8 @@
 #include "shell/Settings.h"
 #include "wizard/ImageFileName.h"
 
-#include <QAbstractButton>
 #include <QRadioButton>
-#include <QTest>
 #include <QToolButton>
-#include <QTreeWidget>
 
 namespace thntfs::test {
 
@@ -19,6 +16,24 @@ protected:
         auto* button = Sheet->ActivePage().findChildren<QToolButton*>().at(task);
         button->setEnabled(true);
         button->click();
+    }
+    /// Heights that the list gives its first two rows, "20 18".
+    [[nodiscard]] std::string InfoHeights() const {
+        const auto& list = OnPage<CInfoListBox>();
+        return std::to_string(list.item(0)->sizeHint().height()) + " " +
+               std::to_string(list.item(1)->sizeHint().height());
+    }
+    /// Names of the disks in the first tree that have a USB disk's icon, a blank behind each.
+    [[nodiscard]] std::string UsbDisks() const {
+        const auto picture = [](const QIcon& icon) { return icon.pixmap(16).toImage(); };
+        const auto* tree = Sheet->ActivePage().findChild<QTreeWidget*>();
+        std::string names;
+        for (int row = 0; tree != nullptr && row < tree->topLevelItem(0)->childCount(); ++row) {
+            const QTreeWidgetItem& disk = *tree->topLevelItem(0)->child(row);
+            const bool usb = picture(disk.icon(0)) == picture(LoadIcon("disk-usb"));
+            names += usb ? disk.text(0).toStdString() + " " : "";
+        }
+        return names;
     }
     [[nodiscard]] std::string Help() const { return Sheet->ActivePage().HelpTopic().toStdString(); }
 };
@@ -40,10 +55,10 @@ TEST_F(PagesTest, TaskLeadsToItsPage) {
          "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option", "Select the NTFS drive from which",
          "ntfsrecoverdata.htm", "< Back (Next >)", ""},
         {kTaskClone, "HDRClone Disk", "ntfsclonedisk.htm", "Select Source and Destination Disk(s)",
-         "* Select source drive, the drive", "ntfsclonewindow.htm", "< Back (Finish)", "sdy"},
+         "* Select source drive, the drive", "ntfsclonewindow.htm", "< Back (Finish)", "sdy "},
         {kTaskImage, "HDRCreate disk Image", "ntfsdiskimaging.htm",
          "Step 1: Select source drive\nStep 2: Select destination path",
-         "* Select source drive, the drive whose", "ntfsdiskimaging2.htm", "< Back (Finish)", "sdy gone"},
+         "* Select source drive, the drive whose", "ntfsdiskimaging2.htm", "< Back (Finish)", "sdy gone "},
         {kTaskRecoverImage, "HDRRecover data from disk image", "ntfsrecoverfromimage.htm",
          "Select image to recover data", "* Select the image file from which",
          "ntfsselectanimagefileforproce.htm", "(< Back) Next >", ""}};

@@ -1,9 +1,7 @@
 #include "WizardFixture.h"
-#include "engine/EngineState.h"
 #include "partitions/OpenSource.h"
 #include "platform/media/Medium.h"
 #include "shell/PauseGate.h"
-#include "shell/WindowMessages.h"
 #include "support/FaultyMedium.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"
@@ -11,12 +9,9 @@
 #include "wizard/ScanArea.h"
 #include "wizard/SearchForPartitions.h"
 
-#include <QAbstractButton>
-#include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QTableWidget>
-#include <QTest>
 #include <chrono>
 #include <fstream>
 #include <thread>

@@ -1,15 +1,11 @@
 #include "WizardFixture.h"
-#include "engine/EngineState.h"
 #include "platform/media/Medium.h"
-#include "shell/DesktopState.h"
 #include "support/FaultyMedium.h"
 #include "support/LoopDevice.h"
 #include "support/VolumeBuilderMedium.h"
 #include "wizard/SourceSteps.h"
 
 #include <QTableWidget>
-#include <QTest>
-#include <QTreeWidget>
 #include <filesystem>
 #include <fstream>
 #include <unistd.h>
