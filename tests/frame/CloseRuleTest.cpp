@@ -37,11 +37,6 @@ TEST_F(CloseRule, AsksAboutAScanThatIsInNoFile) {
     EXPECT_EQ(Engine.SourceDisk.MediaHandle, nullptr);
 }
 
-TEST_F(CloseRule, NoLeavesWithoutAFile) {
-    Close(QMessageBox::No);
-    EXPECT_FALSE(Frame->isVisible());
-}
-
 TEST_F(CloseRule, AnEndFromOutsideStopsTheScanAndAsksNothing) {
     WatchMedium();
     Answers.MayAnswer = [](const QMessageBox& /*box*/) { return false; }; // nobody sits there

@@ -7,9 +7,11 @@
 #include "shell/DesktopState.h"
 #include "shell/ProcessLogList.h"
 
+#include <QDropEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QTest>
 #include <algorithm>
 #include <filesystem>
@@ -93,6 +95,18 @@ void FrameFixture::PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(Frame.get()));
     RunEvents();
     QTest::keyClick(Frame.get(), key, modifiers);
+}
+
+bool FrameFixture::Drop(const std::string& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+    QDragEnterEvent enter({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(Frame.get(), &enter);
+    if (enter.isAccepted()) {
+        QDropEvent drop({50, 50}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(Frame.get(), &drop);
+    }
+    return enter.isAccepted();
 }
 
 void FrameFixture::ChooseInMenu(const char* path) {

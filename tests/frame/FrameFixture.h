@@ -59,6 +59,9 @@ protected:
     /// Presses a key in the window, once that is active and idle.
     void PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
 
+    /// Drops a file on the window; false where it wouldn't take it.
+    bool Drop(const std::string& path);
+
     /// Clicks through menus: the titles from the menu bar on, without "&" and keys, with "/" between.
     void ChooseInMenu(const char* path);
 

@@ -1,8 +1,6 @@
 // What the window shows before anything has been opened, and how the user changes its look.
 
 #include "FrameFixture.h"
-#include "frame/CommandIds.h"
-#include "frame/CommandRules.h"
 #include "shell/ProgressBar.h"
 #include "shell/WindowMessages.h"
 
@@ -119,15 +117,6 @@ TEST_F(FrameLook, SizeOfTheToolbarAndViewModeAreChosenAndKept) {
     OpenAnew();
     ExpectView("Details", true);
     EXPECT_EQ(Toolbar().iconSize(), QSize(32, 32));
-}
-
-TEST(CommandRules, OfWhatNoWindowBringsAboutYet) {
-    FrameState state;
-    state.HasFound = true;
-    EXPECT_TRUE(CommandEnabled(kCmdFindNext, state));
-    state.ScanRunning = state.HasCopyDialog = true;
-    EXPECT_FALSE(CommandEnabled(kCmdFindNext, state));
-    EXPECT_FALSE(CommandEnabled(kCmdStop, state));
 }
 
 } // namespace

@@ -63,12 +63,11 @@ TEST_F(LoadSavedScan, FillsTheWindowAndIsSavedAsItWas) {
 
 TEST_F(LoadSavedScan, TheMediumIsNeverWrittenOver) {
     LoadByMenu(MakeDisk("basic.img"));
-    for (const auto& [command, name] : {std::pair{"Tools/Save Process Log", "link.txt"},
-                                        {kSavePartitions, "link.thd"},
-                                        {kSaveTree, "link.tht"}}) {
-        const std::string link = Folder / name;
+    for (const auto& [command, ending] :
+         {std::pair{"Tools/Save Process Log", ".txt"}, {kSavePartitions, ".thd"}, {kSaveTree, ".tht"}}) {
+        const std::string link = Folder / "link" + ending;
         std::filesystem::create_symlink(Disk, link);
-        Answers.AnswerFile(QString::fromStdString(link));
+        Answers.AnswerFile(QString::fromStdString(Folder / "link"));
         Answers.Answer(QMessageBox::Yes); // replace it
         ChooseInMenu(command);
         EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Warning);
@@ -89,6 +88,7 @@ TEST_F(LoadSavedScan, WhatCannotBeLoadedLeavesEmptyViewsAndALine) {
     const std::string good = MakeDisk("basic.img");
     LoadByMenu(good);
     EXPECT_FALSE(TreeIsEmpty());
+    QTest::keyClick(&Tree(), Qt::Key_Space);
     const std::string bytes = ReadWholeFile(good);
     const std::string wrong = Folder / "wrong.tht";
     std::ofstream(wrong, std::ios::binary) << bytes.substr(0, bytes.size() - 1);
@@ -97,7 +97,7 @@ TEST_F(LoadSavedScan, WhatCannotBeLoadedLeavesEmptyViewsAndALine) {
     EXPECT_TRUE(TreeIsEmpty());
     EXPECT_EQ(Details().model()->rowCount(), 0);
     EXPECT_EQ(Pane(0), "Ready");
-    EXPECT_EQ(Pane(1), "Total 0 KB in 0 Files in 0 Folders");
+    EXPECT_EQ(Pane(1) + Pane(2), "Total 0 KB in 0 Files in 0 Folders");
     EXPECT_FALSE(IsOffered("Save Tree Info"));
     EXPECT_TRUE(IsOffered("Load Tree Info"));
 
@@ -129,9 +129,6 @@ TEST_F(LoadSavedScan, TheLogIsSavedAndARefusedWriteIsTold) {
     }
     EXPECT_EQ(ReadWholeFile(target), expected);
 
-    ChooseInMenu("Tools/Clear Process  Log");
-    EXPECT_FALSE(IsOffered("Clear Process  Log"));
-    LoadByMenu(Folder / "saved.tht");
     FailingFileStore store;
     SetFileStore(&store);
     for (std::uint64_t call = 1; call <= 4; ++call) {
