@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/EngineState.h"
 #include "engine/Host.h"
 
 #include <functional>
@@ -14,21 +15,32 @@ class TestHost : public EngineHost {
 public:
     using Pair = std::pair<std::uint64_t, std::uint64_t>;
 
-    TestHost();
-    ~TestHost() override;
+    TestHost() { SetHost(this); }
+    ~TestHost() override { SetHost(nullptr); }
 
-    void LogEvent(const ProcessLogEntry& entry) override;
-    void JobProgress() override;
-    void ErrorBox(const std::string& text) override;
-    void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override;
-    void PauseOneSecond() override;
-    void PassGate() override;
-    void SearchPosition(std::uint64_t sector, std::uint64_t endSector) override;
-    void PartitionFound(std::uint64_t startSector) override;
-    void CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) override;
-
-    /// How many log records have this as their name.
-    [[nodiscard]] std::size_t CountLogged(const std::string& name) const;
+    void LogEvent(const ProcessLogEntry& entry) override { Log.push_back(entry); }
+    void JobProgress() override {
+        Progress.emplace_back(Engine.ProgressDone, Engine.ProgressTotal);
+        Call(OnProgress);
+    }
+    void ErrorBox(const std::string& text) override { Boxes.push_back(text); }
+    void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override {
+        Boxes.push_back(text + "|" + caption + (icon == BoxIcon::Warning ? "|!" : ""));
+    }
+    void PauseOneSecond() override { ++Pauses; }
+    void PassGate() override {
+        ++Gates;
+        Call(OnGate);
+    }
+    void SearchPosition(std::uint64_t sector, std::uint64_t endSector) override {
+        SearchPositions.emplace_back(sector, endSector);
+        Call(OnSearchPosition);
+    }
+    void PartitionFound(std::uint64_t startSector) override { FoundPartitions.push_back(startSector); }
+    void CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSectors) override {
+        CopyPositions.emplace_back(sectorsDone, totalSectors);
+        Call(OnCopyPosition);
+    }
 
     std::vector<ProcessLogEntry> Log;
     std::vector<Pair> Progress;     ///< ProgressDone of ProgressTotal at each call
@@ -44,6 +56,13 @@ public:
     std::function<void()> OnGate;
     std::function<void()> OnCopyPosition;
     std::function<void()> OnSearchPosition;
+
+private:
+    static void Call(const std::function<void()>& action) {
+        if (action) {
+            action();
+        }
+    }
 };
 
 } // namespace thntfs::test

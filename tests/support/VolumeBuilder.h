@@ -2,7 +2,6 @@
 
 #include "support/VolumeBuilderDisk.h"
 #include "support/VolumeBuilderGeometry.h"
-#include "support/VolumeBuilderIndex.h"
 #include "support/VolumeBuilderMedium.h"
 #include "support/VolumeBuilderRecord.h"
 

@@ -22,14 +22,6 @@ void AppendNumber(ByteVector& bytes, std::uint64_t value, std::size_t width) {
 
 } // namespace
 
-std::uint64_t ClustersOf(const std::vector<Run>& runs) {
-    std::uint64_t sum = 0;
-    for (const Run& run : runs) {
-        sum += run.Clusters;
-    }
-    return sum;
-}
-
 ByteVector EncodeRuns(const std::vector<Run>& runs) {
     ByteVector list;
     std::uint64_t before = 0;

@@ -18,9 +18,6 @@ struct Run {
     std::optional<std::uint64_t> Start;
 };
 
-/// Sum of the lengths of all runs, sparse ones included, in clusters.
-std::uint64_t ClustersOf(const std::vector<Run>& runs);
-
 /// Run list of the runs, each offset stored relative to the start before it, with the closing zero byte.
 ByteVector EncodeRuns(const std::vector<Run>& runs);
 

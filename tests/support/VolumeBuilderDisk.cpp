@@ -20,14 +20,12 @@ BootSectorFields BootFieldsOf(const VolumeGeometry& geometry) {
 
 ByteVector EncodeBootSector(const BootSectorFields& fields, std::uint32_t bytes) {
     ByteVector sector(bytes);
-    std::copy(fields.Jump.begin(), fields.Jump.end(), sector.begin());
-    std::copy_n(fields.Label.begin(), std::min<std::size_t>(fields.Label.size(), 8), sector.begin() + 3);
+    std::copy_n("\xEB\x52\x90NTFS    ", 11, sector.begin());
     PutNumber(sector, 11, fields.SectorBytes);
     PutNumber(sector, 13, fields.SectorsPerCluster);
     PutNumber(sector, 21, std::uint8_t{0xF8}); // a fixed disk
     PutNumber(sector, 28, fields.HiddenSectors);
-    PutNumber(sector, 32, fields.Zero32);
-    PutNumber(sector, 36, fields.DriveWord);
+    PutNumber(sector, 36, std::uint16_t{0x80});
     PutNumber(sector, 38, std::uint16_t{0x80});
     PutNumber(sector, 40, fields.TotalSectors);
     PutNumber(sector, 48, fields.MftCluster);
@@ -35,7 +33,7 @@ ByteVector EncodeBootSector(const BootSectorFields& fields, std::uint32_t bytes)
     PutNumber(sector, 64, fields.RecordSizeCode);
     PutNumber(sector, 68, fields.IndexBlockSizeCode);
     PutNumber(sector, 72, fields.Serial);
-    PutNumber(sector, 510, fields.Signature);
+    PutNumber(sector, 510, std::uint16_t{0xAA55});
     return sector;
 }
 

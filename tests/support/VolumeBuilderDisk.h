@@ -2,26 +2,19 @@
 
 #include "support/VolumeBuilderGeometry.h"
 
-#include <array>
-
 namespace thntfs::test {
 
 /// Fields of an NTFS boot sector. BootFieldsOf fills them for a geometry; a test changes what it likes.
 struct BootSectorFields {
-    std::array<std::uint8_t, 3> Jump = {0xEB, 0x52, 0x90};
-    std::string Label = "NTFS    ";         ///< 8 bytes at 3
     std::uint16_t SectorBytes = 512;        ///< at 11
     std::uint8_t SectorsPerCluster = 8;     ///< at 13
     std::uint32_t HiddenSectors = 0;        ///< at 28
-    std::uint32_t Zero32 = 0;               ///< at 32
-    std::uint16_t DriveWord = 0x80;         ///< at 36
     std::uint64_t TotalSectors = 0;         ///< at 40
     std::uint64_t MftCluster = 0;           ///< at 48
     std::uint64_t MirrorCluster = 0;        ///< at 56
     std::uint8_t RecordSizeCode = 0xF6;     ///< at 64
     std::uint8_t IndexBlockSizeCode = 0xF4; ///< at 68
     std::uint64_t Serial = 0;               ///< at 72
-    std::uint16_t Signature = 0xAA55;       ///< at 510
 };
 
 BootSectorFields BootFieldsOf(const VolumeGeometry& geometry);

@@ -8,65 +8,31 @@ namespace thntfs::test {
 namespace {
 
 constexpr std::size_t kResidentHeaderBytes = 24;
+constexpr std::size_t kIndexArrayOffset = 40;
+constexpr std::size_t kIndexNodeOffset = 24; ///< an index block's own numbers count from here
 
-ByteVector EncodeResident(std::uint32_t type, ConstBytes value, std::u16string_view name, std::uint16_t flags,
-                          std::uint16_t id) {
-    ByteVector bytes(kResidentHeaderBytes);
+// What both forms of an attribute begin with; the place of what follows the name goes to `startAt`.
+ByteVector EncodeAttribute(std::uint32_t type, std::size_t headerBytes, std::u16string_view name,
+                           ConstBytes content, std::size_t startAt) {
+    ByteVector bytes(headerBytes);
     AppendText(bytes, name);
     bytes.resize(RoundUp8(bytes.size()));
-    const std::size_t valueOffset = bytes.size();
-    AppendBytes(bytes, value);
+    PutNumber(bytes, startAt, static_cast<std::uint16_t>(bytes.size()));
+    AppendBytes(bytes, content);
     bytes.resize(RoundUp8(bytes.size()));
     PutNumber(bytes, 0, type);
     PutNumber(bytes, 4, static_cast<std::uint32_t>(bytes.size()));
     PutNumber(bytes, 9, static_cast<std::uint8_t>(name.size()));
-    PutNumber(bytes, 10, static_cast<std::uint16_t>(kResidentHeaderBytes));
-    PutNumber(bytes, 12, flags);
-    PutNumber(bytes, 14, id);
-    PutNumber(bytes, 16, static_cast<std::uint32_t>(value.size()));
-    PutNumber(bytes, 20, static_cast<std::uint16_t>(valueOffset));
-    PutNumber(bytes, 22, static_cast<std::uint8_t>(type == kFileName ? 1 : 0)); // indexed
+    PutNumber(bytes, 10, static_cast<std::uint16_t>(headerBytes));
     return bytes;
 }
 
-std::uint64_t AllocatedClusters(const std::vector<Run>& runs) {
+std::uint64_t ClustersOf(const std::vector<Run>& runs, bool holesToo) {
     std::uint64_t sum = 0;
     for (const Run& run : runs) {
-        sum += run.Start ? run.Clusters : 0;
+        sum += run.Start || holesToo ? run.Clusters : 0;
     }
     return sum;
-}
-
-ByteVector EncodeNonResident(std::uint32_t type, const NonResidentValue& value, std::uint32_t clusterBytes,
-                             std::uint16_t id) {
-    const std::size_t headerBytes = value.CompressionExponent != 0 ? 72 : 64;
-    ByteVector bytes(headerBytes);
-    AppendText(bytes, value.Name);
-    bytes.resize(RoundUp8(bytes.size()));
-    const std::size_t runsOffset = bytes.size();
-    AppendBytes(bytes, EncodeRuns(value.Runs));
-    bytes.resize(RoundUp8(bytes.size()));
-    const std::uint64_t clusters = ClustersOf(value.Runs);
-    const std::uint64_t allocated = clusters * clusterBytes;
-    const std::uint64_t real = value.RealSize.value_or(allocated);
-    PutNumber(bytes, 0, type);
-    PutNumber(bytes, 4, static_cast<std::uint32_t>(bytes.size()));
-    PutNumber(bytes, 8, std::uint8_t{1});
-    PutNumber(bytes, 9, static_cast<std::uint8_t>(value.Name.size()));
-    PutNumber(bytes, 10, static_cast<std::uint16_t>(headerBytes));
-    PutNumber(bytes, 12, value.Flags);
-    PutNumber(bytes, 14, id);
-    PutNumber(bytes, 16, value.FirstVcn);
-    PutNumber(bytes, 24, value.LastVcn.value_or(value.FirstVcn + clusters - 1));
-    PutNumber(bytes, 32, static_cast<std::uint16_t>(runsOffset));
-    PutNumber(bytes, 34, value.CompressionExponent);
-    PutNumber(bytes, 40, allocated);
-    PutNumber(bytes, 48, real);
-    PutNumber(bytes, 56, value.InitializedSize.value_or(real));
-    if (value.CompressionExponent != 0) {
-        PutNumber(bytes, 64, AllocatedClusters(value.Runs) * clusterBytes);
-    }
-    return bytes;
 }
 
 void PutTimes(Bytes bytes, std::size_t offset, const FileTimes& times) {
@@ -76,13 +42,30 @@ void PutTimes(Bytes bytes, std::size_t offset, const FileTimes& times) {
     PutNumber(bytes, offset + 24, times.Accessed);
 }
 
+ByteVector EncodeIndexEntry(const IndexEntry& entry) {
+    const ByteVector key = EncodeFileName(entry.Key);
+    ByteVector bytes(16);
+    AppendBytes(bytes, key);
+    bytes.resize(RoundUp8(bytes.size()));
+    PutNumber(bytes, 0, entry.Reference);
+    PutNumber(bytes, 8, static_cast<std::uint16_t>(bytes.size()));
+    PutNumber(bytes, 10, static_cast<std::uint16_t>(key.size()));
+    return bytes;
+}
+
+ByteVector EncodeEndEntry() {
+    ByteVector bytes(16);
+    PutNumber(bytes, 8, std::uint16_t{16});
+    PutNumber(bytes, 12, std::uint16_t{2});
+    return bytes;
+}
+
 } // namespace
 
 ByteVector EncodeFileName(const FileNameValue& value) {
     ByteVector bytes(66);
     PutNumber(bytes, 0, value.Parent);
     PutTimes(bytes, 8, value.Times);
-    PutNumber(bytes, 40, value.AllocatedSize);
     PutNumber(bytes, 48, value.RealSize);
     PutNumber(bytes, 56, value.AttributeBits);
     PutNumber(bytes, 64, static_cast<std::uint8_t>(value.Name.size()));
@@ -107,24 +90,6 @@ ByteVector EncodeAttributeList(const std::vector<ListEntry>& entries) {
         AppendBytes(list, bytes);
     }
     return list;
-}
-
-ByteVector EncodeIndexEntry(const IndexEntry& entry) {
-    const ByteVector key = EncodeFileName(entry.Key);
-    ByteVector bytes(16);
-    AppendBytes(bytes, key);
-    bytes.resize(RoundUp8(bytes.size()));
-    PutNumber(bytes, 0, entry.Reference);
-    PutNumber(bytes, 8, static_cast<std::uint16_t>(bytes.size()));
-    PutNumber(bytes, 10, static_cast<std::uint16_t>(key.size()));
-    return bytes;
-}
-
-ByteVector EncodeEndEntry() {
-    ByteVector bytes(16);
-    PutNumber(bytes, 8, std::uint16_t{16});
-    PutNumber(bytes, 12, std::uint16_t{2});
-    return bytes;
 }
 
 ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries) {
@@ -201,12 +166,33 @@ RecordBuilder& RecordBuilder::AddIndexRoot(const std::vector<IndexEntry>& entrie
 
 RecordBuilder& RecordBuilder::AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name,
                                           std::uint16_t flags) {
-    return AddRaw(EncodeResident(type, value, name, flags, static_cast<std::uint16_t>(offsets_.size())));
+    ByteVector bytes = EncodeAttribute(type, kResidentHeaderBytes, name, value, 20);
+    PutNumber(bytes, 12, flags);
+    PutNumber(bytes, 14, static_cast<std::uint16_t>(offsets_.size()));
+    PutNumber(bytes, 16, static_cast<std::uint32_t>(value.size()));
+    PutNumber(bytes, 22, static_cast<std::uint8_t>(type == kFileName ? 1 : 0)); // indexed
+    return AddRaw(bytes);
 }
 
 RecordBuilder& RecordBuilder::AddNonResident(std::uint32_t type, const NonResidentValue& value) {
-    return AddRaw(EncodeNonResident(type, value, geometry_.ClusterBytes(),
-                                    static_cast<std::uint16_t>(offsets_.size())));
+    const bool compressed = value.CompressionExponent != 0;
+    ByteVector bytes = EncodeAttribute(type, compressed ? 72 : 64, value.Name, EncodeRuns(value.Runs), 32);
+    const std::uint64_t clusters = ClustersOf(value.Runs, true);
+    const std::uint64_t allocated = clusters * geometry_.ClusterBytes();
+    const std::uint64_t real = value.RealSize.value_or(allocated);
+    PutNumber(bytes, 8, std::uint8_t{1});
+    PutNumber(bytes, 12, value.Flags);
+    PutNumber(bytes, 14, static_cast<std::uint16_t>(offsets_.size()));
+    PutNumber(bytes, 16, value.FirstVcn);
+    PutNumber(bytes, 24, value.LastVcn.value_or(value.FirstVcn + clusters - 1));
+    PutNumber(bytes, 34, value.CompressionExponent);
+    PutNumber(bytes, 40, allocated);
+    PutNumber(bytes, 48, real);
+    PutNumber(bytes, 56, value.InitializedSize.value_or(real));
+    if (compressed) {
+        PutNumber(bytes, 64, ClustersOf(value.Runs, false) * geometry_.ClusterBytes());
+    }
+    return AddRaw(bytes);
 }
 
 RecordBuilder& RecordBuilder::AddRaw(ConstBytes attribute) {
@@ -267,6 +253,41 @@ ByteVector RecordBuilder::Finish() const {
     ByteVector record = RawBytes();
     ProtectBlock(record, ArrayOffset(), geometry_.SectorBytes, 0x0107);
     return record;
+}
+
+IndexBlockBuilder::IndexBlockBuilder(const VolumeGeometry& geometry)
+    : geometry_(geometry)
+    , first_(RoundUp8(kIndexArrayOffset + 2 * (geometry.IndexBlockBytes / geometry.SectorBytes + 1))) {}
+
+IndexBlockBuilder& IndexBlockBuilder::Add(const IndexEntry& entry) { return AddRaw(EncodeIndexEntry(entry)); }
+
+IndexBlockBuilder& IndexBlockBuilder::AddRaw(ConstBytes entry) {
+    AppendBytes(entries_, entry);
+    return *this;
+}
+
+IndexBlockBuilder& IndexBlockBuilder::Poke(std::size_t offset, std::size_t width, std::uint64_t value) {
+    pokes_.push_back({offset, width, value});
+    return *this;
+}
+
+ByteVector IndexBlockBuilder::Finish() const {
+    ByteVector content = entries_;
+    AppendBytes(content, EncodeEndEntry());
+    if (first_ + content.size() > geometry_.IndexBlockBytes) {
+        throw std::length_error("entries don't fit into the index block");
+    }
+    ByteVector block(geometry_.IndexBlockBytes);
+    std::copy(content.begin(), content.end(), block.begin() + static_cast<std::ptrdiff_t>(first_));
+    PutNumber(block, 0, std::uint32_t{0x58444E49}); // "INDX"
+    PutNumber(block, 4, static_cast<std::uint16_t>(kIndexArrayOffset));
+    PutNumber(block, 6, static_cast<std::uint16_t>(geometry_.IndexBlockBytes / geometry_.SectorBytes + 1));
+    PutNumber(block, 24, static_cast<std::uint32_t>(first_ - kIndexNodeOffset));
+    PutNumber(block, 28, static_cast<std::uint32_t>(first_ + content.size() - kIndexNodeOffset));
+    PutNumber(block, 32, static_cast<std::uint32_t>(geometry_.IndexBlockBytes - kIndexNodeOffset));
+    ApplyPokes(block, pokes_);
+    ProtectBlock(block, kIndexArrayOffset, geometry_.SectorBytes, 0x0203);
+    return block;
 }
 
 } // namespace thntfs::test

@@ -11,10 +11,8 @@ inline constexpr std::uint32_t kVolumeName = 0x60;
 inline constexpr std::uint32_t kVolumeInformation = 0x70;
 inline constexpr std::uint32_t kData = 0x80;
 inline constexpr std::uint32_t kIndexRoot = 0x90;
-inline constexpr std::uint32_t kIndexAllocation = 0xA0;
 inline constexpr std::uint32_t kBitmap = 0xB0;
 
-inline constexpr std::uint8_t kNamespacePosix = 0;
 inline constexpr std::uint8_t kNamespaceWin32 = 1;
 inline constexpr std::uint8_t kNamespaceDos = 2;
 inline constexpr std::uint8_t kNamespaceBoth = 3;
@@ -29,7 +27,6 @@ struct FileNameValue {
     std::uint8_t Namespace = kNamespaceWin32;
     std::uint32_t AttributeBits = kArchiveBit;
     FileTimes Times = EqualTimes();
-    std::uint64_t AllocatedSize = 0;
     std::uint64_t RealSize = 0;
 };
 
@@ -65,9 +62,6 @@ struct IndexEntry {
     FileNameValue Key;
 };
 
-ByteVector EncodeIndexEntry(const IndexEntry& entry);
-/// The entry that closes an index node.
-ByteVector EncodeEndEntry();
 /// Value of an index root over file names with these entries and the end entry.
 ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries);
 
@@ -133,6 +127,27 @@ private:
     bool endMarker_ = true;
     ByteVector attributes_;
     std::vector<std::size_t> offsets_;
+    std::vector<PokedBytes> pokes_;
+};
+
+/// Builds one INDX block: entries in the order of the calls, then the end entry.
+/// An entry that doesn't fit throws std::length_error.
+class IndexBlockBuilder {
+public:
+    explicit IndexBlockBuilder(const VolumeGeometry& geometry);
+
+    IndexBlockBuilder& Add(const IndexEntry& entry);
+    /// Bytes taken as a whole entry as they are.
+    IndexBlockBuilder& AddRaw(ConstBytes entry);
+    /// Puts a number at a byte offset of the block once all else is laid out, before the protection.
+    IndexBlockBuilder& Poke(std::size_t offset, std::size_t width, std::uint64_t value);
+
+    [[nodiscard]] ByteVector Finish() const;
+
+private:
+    VolumeGeometry geometry_;
+    std::size_t first_;
+    ByteVector entries_;
     std::vector<PokedBytes> pokes_;
 };
 
