@@ -1,6 +1,7 @@
 #include "CliFixture.h"
 
 #include <chrono>
+#include <fstream>
 
 namespace thntfs::test {
 
@@ -13,10 +14,11 @@ class StopTest : public CliTest {
 protected:
     StopTest() { fs::create_directories(temp_); }
 
-    /// The image goes on as one hole, up to `bytes`.
+    /// The image goes on as one hole, up to its last sector.
     void WriteImage(std::uint64_t bytes) {
         volume_.WriteTo(image_);
-        fs::resize_file(image_, bytes);
+        fs::resize_file(image_, bytes - 512);
+        std::ofstream(image_, std::ios::app) << std::string(512, '\0');
     }
 
     /// A run with the temporary folder of the test.

@@ -47,7 +47,9 @@ TEST_F(WordsTest, WrongWordsAreToldAndGiveTwo) {
         ExpectRefused(2, words, told);
     }
     const RunResult list = Expect(2, {"scan", many}, "choose one with --partition");
+    unsigned number = 0;
     for (const std::string& line : LinesOf(RunCli({"partitions", many}).Out)) {
+        EXPECT_TRUE(line.starts_with(std::to_string(++number) + "  start sector ")) << line;
         EXPECT_TRUE(Contains(list.Err, "  " + line + "\n")) << line;
     }
     EXPECT_TRUE(Contains(Expect(0, {"--help"}).Out, "Exit status: 0 done"));

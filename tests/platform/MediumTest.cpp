@@ -48,6 +48,19 @@ TEST_F(MediumTest, ImageReadsToItsEndAndNoFurther) {
     EXPECT_EQ(result.Handle->ReadAt(4096, bytes), kErrorCrc);
 }
 
+TEST_F(MediumTest, HolesEndWhereDataBegins) {
+    constexpr std::size_t kHole = 1U << 16U;
+    MakeImage(kHole);
+    OutputOf("cd " + scratch_.Path() + " && truncate -s 64K holed && cat image >> holed");
+    const MediumResult result = OpenMedium(scratch_ / "holed");
+    pattern_.insert(pattern_.begin(), kHole, 0);
+    for (const std::size_t offset : {kHole - 512, kHole, std::size_t{0}, 2 * kHole - 512}) {
+        ExpectPattern(*result.Handle, offset, 512);
+        ExpectPattern(*result.Handle, offset, kHole);
+        ExpectPattern(*result.Handle, offset, 2 * kHole);
+    }
+}
+
 TEST_F(MediumTest, OnlyDisksAndImagesAreMedia) {
     EXPECT_EQ(OpenMedium(scratch_.Path()).Error, kErrorDirectory);
     EXPECT_EQ(OpenMedium(image_).Error, kErrorFileNotFound);

@@ -61,8 +61,10 @@ TEST_F(ReplacementFileTest, KeepsLinkAndRights) {
     Put(target_);
     fs::permissions(target_, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink("scan.tht", scratch_ / "link");
+    Put(target_ + ".th-ntfs-0123456789ab.part");
     EXPECT_EQ(Replace(scratch_ / "link"), kErrorNone);
     EXPECT_TRUE(fs::is_symlink(scratch_ / "link"));
+    EXPECT_FALSE(fs::exists(target_ + ".th-ntfs-0123456789ab.part")) << "left beside the file itself";
     EXPECT_EQ(ReadWholeFile(target_), "new");
     EXPECT_EQ(fs::status(target_).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
