@@ -2,7 +2,7 @@
 
 #include "BenchMetafiles.h"
 #include "BenchText.h"
-#include "support/Lznt1Compressor.h"
+#include "Lznt1Compressor.h"
 
 #include <algorithm>
 #include <sstream>

@@ -2,6 +2,7 @@
 // Usage: engine-bench IMAGE [Google Benchmark's options]. The image holds one volume.
 
 #include "BenchText.h"
+#include "Lznt1Compressor.h"
 #include "catalogue/Catalogue.h"
 #include "content/Lznt1.h"
 #include "engine/EngineState.h"
@@ -10,7 +11,6 @@
 #include "partitions/PartitionTable.h"
 #include "platform/media/Medium.h"
 #include "scans/BasicScan.h"
-#include "support/Lznt1Compressor.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

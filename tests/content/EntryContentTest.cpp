@@ -1,6 +1,6 @@
 #include "content/ContentFixture.h"
 #include "content/ContentOutcome.h"
-#include "support/Lznt1Compressor.h"
+#include "content/Lznt1Chunks.h"
 
 #include <algorithm>
 

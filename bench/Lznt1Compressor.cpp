@@ -1,4 +1,4 @@
-#include "support/Lznt1Compressor.h"
+#include "Lznt1Compressor.h"
 
 #include <algorithm>
 #include <array>
