@@ -82,6 +82,8 @@ TEST_F(PreviewContentTest, TheFirstDataNamedOrNot) {
     const ByteVector stream = PatternBytes(4096, 8);
     Load(Record().AddData({.Runs = {PutRun(stream)}, .Name = u"s"}).AddData(BytesOf("own")), 4096);
     EXPECT_EQ(Loaded(), stream);
+    Load(Record().AddData(BytesOf("stream"), u"s").AddData(BytesOf("own")), 100);
+    EXPECT_EQ(Engine.PreviewLength, 0U) << "a named one in the record";
     Load(Record().AddData(PatternBytes(300)), 10);
     EXPECT_EQ(Loaded(), PatternBytes(300)) << "a whole resident value, as the block has room for it";
 }

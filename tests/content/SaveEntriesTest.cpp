@@ -23,11 +23,12 @@ struct KeptListener : SaveListener {
     std::vector<std::string> Paths;
 };
 
-/// A folder with so much room that takes all into one file and can't be synced at a chosen call.
+/// A folder with so much room that takes all into one file, makes no folder and can't be synced at a chosen
+/// call.
 class FakeFolder final : public TargetFolder {
 public:
     ErrorCode MakeSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
-        return kErrorNone;
+        return kErrorAccessDenied;
     }
     ErrorCode OpenSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
         return kErrorNone;
@@ -129,8 +130,10 @@ TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
         account.FileWritten(std::to_string(i), outcome);
     }
     const SaveTotals totals = account.Settle();
-    EXPECT_GT(totals.Failed, 0U);
+    EXPECT_EQ(totals.Failed, 128U) << "what was written meanwhile too";
     EXPECT_EQ(totals.Failed, Listener.Paths.size());
+    EXPECT_EQ(totals.Damaged, 0U);
+    EXPECT_LT(folder.Syncs, 10) << "64 MiB each";
     EXPECT_EQ(totals.Files + totals.Failed, 500U);
     EXPECT_EQ(totals.Bytes, totals.Files << 20U);
     account.FileWritten("last", outcome);
@@ -139,12 +142,24 @@ TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
     EXPECT_EQ(Listener.Paths.back(), "last");
 }
 
-TEST_F(SaveEntriesTest, RoomForTheFileIsEnough) {
+TEST_F(SaveEntriesTest, RoomForTheFileIsEnoughAndAFolderFailsOnce) {
     Volume.AddFile({.Number = 40, .Name = u"plain", .Content = PatternBytes(40000), .InClusters = true});
+    Volume.AddFolder({.Number = 42, .Name = u"folder"});
+    for (const std::uint32_t number : {43U, 44U}) {
+        Volume.AddFile({.Number = number, .Parent = 42, .Name = u"f", .Content = BytesOf("text")});
+        Volume.PlaceRecord(Volume.NewRecord(number + 10)
+                               .SetBase(FileReference(45))
+                               .AddData({.Runs = {{2, 100}}, .RealSize = 40000}));
+    }
+    Volume.PlaceRecord(
+        Volume.NewRecord(45)
+            .AddStandardInformation()
+            .AddAttributeList(std::vector<ListEntry>{{kFileName, 45}, {kData, 53}, {kData, 54}})
+            .AddFileName(NameIn(5, u"pieces")));
     RecordBuilder cut = Volume.NewRecord(41).AddStandardInformation().AddFileName(NameIn(5, u"cut"));
     Volume.PlaceRecord(cut.AddData({.Runs = {{2, 100}}, .RealSize = 40000}));
     Scan();
-    for (const auto& [path, need] : {std::pair{"/plain", 40000U}, {"/cut", 8192U}}) {
+    for (const auto& [path, need] : {std::pair{"/plain", 40000U}, {"/cut", 8192U}, {"/pieces", 16384U}}) {
         for (const std::uint64_t room : {need, need - 1}) {
             auto folder = std::make_unique<FakeFolder>();
             folder->Room = room;
@@ -153,6 +168,10 @@ TEST_F(SaveEntriesTest, RoomForTheFileIsEnough) {
             EXPECT_EQ(saver.Finish().Files, room == need ? 1U : 0U) << path;
         }
     }
+    Listener.Paths.clear();
+    EntrySaver saver(std::make_unique<FakeFolder>(), Listener, false);
+    saver.Save(FindEntries("/folder").front());
+    EXPECT_EQ(Listener.Paths, (std::vector<std::string>{"/folder", "/folder/f", "/folder/f"}));
 }
 
 TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {

@@ -37,62 +37,26 @@ protected:
     }
 };
 
-TEST_F(TreeInfoFileTest, LoadPutsBackWhatTheBytesSay) {
-    laid_.Candidates = {{128, 16383, 8}, {0x123456789A, 77, 16}};
-    laid_.VolumeStart = 0x123456789A;
-    laid_.Extents = {{64, 4}, {7, 0x123456789ABCDEF0}, {0, 0}};
-    LoadGood();
-    ExpectLoadLog("laid.tht", kTreeOpened, "2");
-
-    const DiskRecord& disk = Engine.SourceDisk;
-    EXPECT_EQ(NarrowText(disk.Description), ImagePath());
-    EXPECT_EQ(disk.BytesPerSector, 512);
-    EXPECT_EQ(disk.TotalSectors, 64U);
-    ASSERT_EQ(disk.Partitions.size(), 2U);
-    const PartitionCandidate& second = disk.Partitions.back();
-    EXPECT_EQ(second.StartSector, 0x123456789AU);
-    EXPECT_EQ(second.TotalSectors, 77U);
-    EXPECT_EQ(second.MftMirrCluster, 1024U);
-    EXPECT_EQ(second.ClusterBytes, 8192U);
-    EXPECT_EQ(second.MftSector, 0x12345678BAU);
-    EXPECT_EQ(second.MftCluster, 4U);
-    EXPECT_EQ(second.VolumeSerial, 0x1122334455667788U);
-    EXPECT_EQ(second.IndexBlockBytes, 4096U);
-    EXPECT_EQ(second.FileRecordBytes, 1024U);
-    EXPECT_EQ(second.SectorsPerCluster, 16U);
-    EXPECT_EQ(second.EvidenceFlags, 5);
-    const VolumeParams& volume = Engine.VolumeParams;
-    EXPECT_EQ(volume.StartSector, 0x123456789AU);
-    EXPECT_EQ(volume.MftSector, 0x12345678BAU);
-    EXPECT_EQ(volume.TotalSectors, 16383U);
-    EXPECT_EQ(volume.MftCluster, 4U);
-    EXPECT_EQ(volume.MftMirrCluster, 1024U);
-    EXPECT_EQ(volume.FileRecordBytes, 1024U);
-    EXPECT_EQ(volume.VolumeSerial, 0x1122334455667788U);
-    EXPECT_EQ(volume.MftRecordCount, 256U);
-    EXPECT_EQ(volume.TurboScanRun, 1);
-    using Runs = std::vector<std::pair<std::uint32_t, std::uint64_t>>;
-    EXPECT_EQ(RunsIn(volume.MftExtents), (Runs{{64, 4}, {7, 0x123456789ABCDEF0}, {0, 0}}));
-
-    // The medium has been opened anew, and the catalogue's files are those of the file.
-    ByteVector sector(512);
-    EXPECT_EQ(ReadSectors(sector, 9).Code, kErrorNone);
-    EXPECT_EQ(sector, ByteVector(512, 10));
-    EXPECT_EQ(Stored(kTreeFileName), laid_.Tree);
-    EXPECT_EQ(Stored(kEntryFileName), laid_.Entries);
-    EXPECT_EQ(Stored(kNameFileName), laid_.Names);
-    EXPECT_EQ(Paths(), kPaths);
-    EXPECT_EQ(Engine.Folders, nullptr);
-}
-
-TEST_F(TreeInfoFileTest, ALoadedFileIsSavedWithTheSameBytes) {
+TEST_F(TreeInfoFileTest, LoadPutsBackWhatTheBytesSayAndSaveWritesThemAgain) {
     for (const std::size_t count : {0U, 1U, 2U}) {
         SCOPED_TRACE(count);
+        laid_.VolumeStart = 0x123456789A + count;
         laid_.Candidates = {{128, 16383, 8}, {0x123456789A, 0xFFFFFFFFFF, 8}};
         laid_.Candidates.resize(count);
         laid_.Extents = {{64, 4}, {0x89ABCDEF, 0x123456789ABCDEF0}};
         laid_.Extents.resize(count);
         LoadGood();
+        ExpectLoadLog("laid.tht", kTreeOpened, "2");
+        EXPECT_EQ(NarrowText(Engine.SourceDisk.Description), ImagePath());
+        EXPECT_EQ(Engine.SourceDisk.Partitions.size(), count);
+        EXPECT_EQ(Engine.VolumeParams.StartSector, laid_.VolumeStart);
+        EXPECT_EQ(Engine.VolumeParams.MftSector, laid_.VolumeStart + 32);
+        EXPECT_EQ(Engine.VolumeParams.MftExtents.size(), count);
+        EXPECT_EQ(Engine.Folders, nullptr);
+        ByteVector sector(512);
+        EXPECT_EQ(ReadSectors(sector, 9).Code, kErrorNone);
+        EXPECT_EQ(sector, ByteVector(512, 10)) << "the medium has been opened anew";
+
         EXPECT_TRUE(SaveTreeInfo(At("saved")).Done);
         EXPECT_EQ(ReadFileBytes(At("saved.tht")), LayTreeInfo(laid_));
         EXPECT_EQ(LogEnd(),
