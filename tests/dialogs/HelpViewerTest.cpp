@@ -119,7 +119,7 @@ TEST_F(HelpViewerTest, SearchGoesAroundThePage) {
     auto* search = HelpWindow()->findChild<QLineEdit*>();
     QTest::keyClicks(search, QStringLiteral("turbo"));
     const int first = Page().textCursor().selectionStart();
-    EXPECT_EQ(Page().textCursor().selectedText(), QStringLiteral("Turbo"));
+    EXPECT_EQ(first, Page().toPlainText().indexOf(QStringLiteral("turbo"), 0, Qt::CaseInsensitive));
     int places = 0;
     do {
         QTest::keyClick(search, Qt::Key_Return);

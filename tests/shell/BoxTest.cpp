@@ -16,8 +16,9 @@ TEST(BoxTest, ABoxBlocksTheWorkerThatShowsItAndNobodyElse) {
     BoxAnswers user;
     std::atomic<bool> asksDone = false;
     // The box stands until everything else has gone on behind it.
-    user.MayAnswer = [&](const QMessageBox&) {
+    user.MayAnswer = [&](const QMessageBox& box) {
         EXPECT_FALSE(asksDone);
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
         return target.Count(WM_APP + 1) == 100 && target.Count(WM_APP + 2) == 1;
     };
     TestWorker asks([&] {
@@ -83,10 +84,15 @@ TEST(BoxTest, ClosingABoxMeansNoAndEnterThePresetAnswer) {
 TEST(BoxTest, AtTheEndBoxesAnswerThemselves) {
     bool yes = true;
     TestWorker worker([&] { yes = AskYesNo(kText, kCaption) || AskYesNo(kText, kCaption); });
+    int stood = 0;
     {
-        const BoxTimer end([](QWidget&) { RefuseBoxes(true); });
+        const BoxTimer end([&](QWidget&) {
+            ++stood;
+            RefuseBoxes(true);
+        });
         EXPECT_TRUE(worker.Finishes());
     }
+    EXPECT_EQ(stood, 1);
     RefuseBoxes(false);
     EXPECT_FALSE(yes);
 }

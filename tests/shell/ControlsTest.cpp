@@ -3,6 +3,7 @@
 #include "shell/DlgWait.h"
 #include "shell/ProgressBar.h"
 #include "shell/ShellFixture.h"
+#include "shell/TipText.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -90,6 +91,12 @@ TEST(ColorLabelTest, TakesColoursAndFonts) {
         << "no markup";
     EXPECT_EQ(label.grab().toImage().pixelColor(0, 0), QColor(Qt::yellow));
     EXPECT_EQ(label.palette().color(label.foregroundRole()), QColor(Qt::red));
+}
+
+TEST(TipTextTest, IsPlainAndInShortLines) {
+    const QString line(80, QLatin1Char('a'));
+    EXPECT_TRUE(TipText(line + line + QStringLiteral("<b>"))
+                    .contains(line + QStringLiteral("\n") + line + QStringLiteral("\n&lt;b&gt;")));
 }
 
 } // namespace

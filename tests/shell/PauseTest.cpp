@@ -72,8 +72,12 @@ TEST_F(PauseTest, AMessageThatWasOnItsWayIsHandledDuringThePause) {
     });
     worker.AwaitSleep();
     const WorkerPause pause;
+    EXPECT_FALSE(WorkerGate().IsHolding());
     EXPECT_TRUE(WaitUntil([this] { return Target.Count(kStep) == 1; }));
     ASSERT_TRUE(Holds());
+    TestWorker late([this] { SendWindowMessage(&Target, kStep); });
+    LetTimePass();
+    EXPECT_EQ(Target.Count(kStep), 1U) << "but none sets out";
     EXPECT_EQ(Steps, 0);
     Host().PassGate();
     SendWindowMessage(&Target, kStep);

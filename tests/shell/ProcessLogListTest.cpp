@@ -54,13 +54,14 @@ TEST_F(ProcessLogListTest, RowsStandInTheOrderAndWithTheTimeOfTheirArrival) {
         Send("second", {}, kLogFailed);
     });
     EXPECT_TRUE(worker.Finishes());
+    Send("odd", {}, 3);
     Send("third", "line\r\nfeed\tand \x01", kLogDone);
     EXPECT_FALSE(List.IsEmpty());
-    ASSERT_EQ(List.Log().Rows().size(), 3U) << "the log has a row at once";
+    ASSERT_EQ(List.Log().Rows().size(), 4U) << "the log has a row at once";
     ASSERT_TRUE(AllShown());
     EXPECT_EQ(Text(0, 0) + "|" + Text(0, 1) + "|" + Text(1, 0), "first|of a worker|second");
-    EXPECT_EQ(Text(2, 1), "line  feed and  ") << "one row, whatever the text";
-    EXPECT_EQ(List.Log().Rows()[2].Description, "line\r\nfeed\tand \x01");
+    EXPECT_EQ(Text(3, 1), "line  feed and  ") << "one row, whatever the text";
+    EXPECT_EQ(List.Log().Rows()[3].Description, "line\r\nfeed\tand \x01");
     const QRegularExpression time(QStringLiteral("^\\w{3} \\w{3} [ 0-9]\\d \\d{4} \\d\\d:\\d\\d:\\d\\d$"));
     EXPECT_TRUE(time.match(Cell(0, 2).data().toString()).hasMatch()) << Text(0, 2);
     const auto icon = [this](int row) {
@@ -68,7 +69,8 @@ TEST_F(ProcessLogListTest, RowsStandInTheOrderAndWithTheTimeOfTheirArrival) {
     };
     EXPECT_FALSE(icon(0).isNull());
     EXPECT_NE(icon(0), icon(1));
-    EXPECT_NE(icon(1), icon(2));
+    EXPECT_NE(icon(1), icon(3));
+    EXPECT_EQ(icon(2), icon(0)) << "a status that is none";
 }
 
 TEST_F(ProcessLogListTest, OnlyTheLastRowIsMarked) {
@@ -128,6 +130,8 @@ TEST_F(ProcessLogListTest, ColumnsFitTheListUntilTheUserSizesThem) {
         EXPECT_GE(List.columnWidth(2), List.fontMetrics().horizontalAdvance(Cell(0, 2).data().toString()));
         EXPECT_GT(List.columnWidth(0), 100);
     }
+    List.resize(1142, 200);
+    EXPECT_EQ(List.header()->sectionSize(0), 265);
     List.header()->resizeSection(0, 123);
     List.resize(900, 200);
     EXPECT_EQ(List.header()->sectionSize(0), 123);

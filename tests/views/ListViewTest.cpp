@@ -21,33 +21,22 @@ class ListViewTest : public ViewsTest {
 protected:
     ListViewTest() {
         HandWritten catalogue;
-        fileId = catalogue.AddEntry(HandWritten::Root(), Report(), u"report.doc");
+        const CatalogueEntry report{.Size = 5'000'000'000,
+                                    .RecordNumber = 99,
+                                    .Flags = kFlagLive,
+                                    .CreatedDate = DosDate(31, 12, 1999),
+                                    .AccessedDate = DosDate(7, 3, 2009)};
+        const CatalogueEntry erased{
+            .Size = 12, .RecordNumber = 1000, .ParentNumber = 40, .AccessedDate = DosDate(8, 1, 2010)};
+        fileId = catalogue.AddEntry(HandWritten::Root(), report, u"report.doc");
         FolderIndexNode& music = catalogue.AddFolder(HandWritten::Root(), 103, u"music");
-        catalogue.AddEntry(HandWritten::Root(), Erased(), u"Alpha.tmp");
+        catalogue.AddEntry(HandWritten::Root(), erased, u"Alpha.tmp");
         boxId = catalogue.AddFolder(HandWritten::Root(), 105, u"box", false, 7).EntryId;
         catalogue.AddFile(music, u"song.mp3", 77);
         catalogue.AddFolder(music, 107, u"empty");
         musicId = music.EntryId;
         Show(catalogue);
         WM_TREE_SELECT_FOLDER.Send(Tree, kRootId);
-    }
-
-    static CatalogueEntry Report() {
-        CatalogueEntry entry;
-        entry.Size = 5'000'000'000;
-        entry.RecordNumber = 99;
-        entry.AccessedDate = DosDate(7, 3, 2009);
-        entry.CreatedDate = DosDate(31, 12, 1999);
-        entry.Flags = kFlagLive;
-        return entry;
-    }
-    static CatalogueEntry Erased() {
-        CatalogueEntry entry;
-        entry.Size = 12;
-        entry.RecordNumber = 1000;
-        entry.ParentNumber = 40;
-        entry.AccessedDate = DosDate(8, 1, 2010);
-        return entry;
     }
 
     [[nodiscard]] const QHeaderView& Header() const { return *static_cast<QTreeView*>(Rows())->header(); }

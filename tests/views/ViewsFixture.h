@@ -64,14 +64,10 @@ protected:
     }
 
     // Places in an item of the tree, brought into view. The mark stands first, then icon and name.
-    [[nodiscard]] QPoint OnMark(const QModelIndex& index) const {
-        return InItem(index, Margin() + Indicator() / 2);
-    }
-    [[nodiscard]] QPoint OnIcon(const QModelIndex& index) const {
-        return InItem(index, 3 * Margin() + Indicator() + 8);
-    }
+    [[nodiscard]] QPoint OnMark(const QModelIndex& index) const { return InItem(index, 1, Indicator() / 2); }
+    [[nodiscard]] QPoint OnIcon(const QModelIndex& index) const { return InItem(index, 3, Indicator() + 8); }
     [[nodiscard]] QPoint OnName(const QModelIndex& index) const {
-        return InItem(index, 5 * Margin() + Indicator() + 16 + 4);
+        return InItem(index, 5, Indicator() + 16 + 4);
     }
     void ClickTree(const QPoint& at, Qt::MouseButton button = Qt::LeftButton) const {
         QTest::mouseClick(Tree->viewport(), button, {}, at);
@@ -142,12 +138,12 @@ private:
         const QWidget* menu = QApplication::activePopupWidget();
         return menu == nullptr ? QList<QAction*>() : menu->actions();
     }
-    [[nodiscard]] int Margin() const { return Tree->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1; }
     [[nodiscard]] int Indicator() const { return Tree->style()->pixelMetric(QStyle::PM_IndicatorWidth); }
-    [[nodiscard]] QPoint InItem(const QModelIndex& index, int x) const {
+    [[nodiscard]] QPoint InItem(const QModelIndex& index, int margins, int beyond) const {
         Tree->scrollTo(index);
+        const int margin = Tree->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
         const QRect rect = Tree->visualRect(index);
-        return {rect.left() + x, rect.center().y()};
+        return {rect.left() + margins * margin + beyond, rect.center().y()};
     }
 };
 

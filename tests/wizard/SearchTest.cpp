@@ -21,7 +21,6 @@ namespace thntfs::test {
 namespace {
 
 constexpr std::size_t kSector = 512;
-constexpr std::size_t kVolumeStart = 2048; // of the volume on the image "basic"
 
 class SearchTest : public WizardTest {
 protected:
@@ -41,17 +40,7 @@ protected:
         plan->OnRead = [](std::uint64_t, const ReadRequest&) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         };
-        auto& handle = Engine.SourceDisk.MediaHandle;
-        handle = MakeFaultyMedium(std::move(handle), plan);
-    }
-
-    /// Starts the search from the image page, in which the wreck is chosen.
-    void SearchFromSheet() {
-        Sheet->OpenOnImage(QString::fromStdString(MakeWreck()));
-        AtSheet([&] {
-            test::Press(*Sheet, "Search for lost partition(s)");
-            test::Press(*Sheet, "Next >");
-        });
+        Engine.SourceDisk.MediaHandle = MakeFaultyMedium(std::move(Engine.SourceDisk.MediaHandle), plan);
     }
 
     void AnswerMode(const char* method, const char* button = "OK") {
@@ -65,33 +54,42 @@ protected:
         Answers.When<CChooseSectorRange>(
             [button](CChooseSectorRange& dialog) { test::Press(dialog, button); });
     }
-
-    [[nodiscard]] Texts WreckLines() const {
-        return {"clear views",
-                "0 Selected: " + (Scratch / "wreck.th2") + " | Image Processing Mode:Logical Volume Scan",
-                "0 Searching Logical Volumes | Sectors Range 0 to " +
-                    std::to_string(Engine.SourceDisk.TotalSectors),
-                "2 Completed Searching partitions | -----------------"};
-    }
 };
 
-TEST_F(SearchTest, QuickFindsNothingAndAdvises) {
-    SearchFromSheet();
+TEST_F(SearchTest, EachMethodFromTheImagePageAndBackFromEachQuestion) {
+    const std::string wreck = MakeWreck();
+    Texts lines = {"clear views", "0 Selected: " + wreck + " | Image Processing Mode:Logical Volume Scan"};
+    Sheet->OpenOnImage(QString::fromStdString(wreck));
+    AtSheet([&] {
+        Press("Search for lost partition(s)");
+        Press("Next >");
+    });
+    AnswerMode("Thorough Scan", "Cancel");
+    AtSheet([&] {
+        EXPECT_EQ(Heading(), "Select image to recover data");
+        EXPECT_EQ(Buttons(), "< Back Next >");
+        EXPECT_EQ(Arrived, lines) << "no search";
+        Press("Next >");
+    });
+    AnswerMode("Thorough Scan");
+    AnswerRange("Cancel");
+    AtSheet([&] {
+        EXPECT_EQ(Heading(), "Select image to recover data");
+        Arrived.clear();
+        Press("Next >");
+    });
     AnswerMode("Quick Scan");
     AtSheet([&] {
         EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  | "});
         EXPECT_EQ(Buttons(), "< Back (Finish)");
-        EXPECT_EQ(Arrived, WreckLines());
-        Sheet->done(0);
+        lines.push_back("0 Searching Logical Volumes | Sectors Range 0 to " +
+                        std::to_string(Engine.SourceDisk.TotalSectors));
+        lines.emplace_back("2 Completed Searching partitions | -----------------");
+        EXPECT_EQ(Arrived, lines);
+        EXPECT_EQ(Engine.ScanRunFlag, 0U);
+        Press("< Back");
+        Press("Next >");
     });
-    Run();
-    EXPECT_EQ(Boxes(), Texts{"Information: Quick scan of drives completed.\nNo logical drive(s) "
-                             "found.\nPlease use thorough scan."});
-    EXPECT_EQ(Engine.ScanRunFlag, 0U);
-}
-
-TEST_F(SearchTest, ThoroughFindsTheVolumeAndFinishes) {
-    SearchFromSheet();
     AnswerMode("Thorough Scan");
     AnswerRange("OK");
     Texts found;
@@ -109,28 +107,11 @@ TEST_F(SearchTest, ThoroughFindsTheVolumeAndFinishes) {
     EXPECT_EQ(Run(), kWizardFinished);
     EXPECT_EQ(found, Texts{"NTFS logical drive #1 | 2048"});
     EXPECT_EQ(percent, QStringLiteral("100 %"));
-    EXPECT_EQ(Boxes(), Texts{"Information: Thorough scan of drives completed."});
-    EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Information);
+    EXPECT_EQ(Boxes(), (Texts{"Information: Quick scan of drives completed.\nNo logical drive(s) found.\n"
+                              "Please use thorough scan.",
+                              "Information: Thorough scan of drives completed."}));
+    EXPECT_EQ(Answers.Boxes[1].Icon, QMessageBox::Information);
     EXPECT_FALSE(Engine.VolumeParams.MftExtents.empty());
-}
-
-TEST_F(SearchTest, CancelledQuestionKeepsThePage) {
-    SearchFromSheet();
-    AnswerMode("Thorough Scan", "Cancel");
-    AtSheet([&] {
-        EXPECT_EQ(Heading(), "Select image to recover data");
-        EXPECT_EQ(Buttons(), "< Back Next >");
-        Press("Next >");
-    });
-    AnswerMode("Thorough Scan");
-    AnswerRange("Cancel");
-    AtSheet([&] {
-        EXPECT_EQ(Heading(), "Select image to recover data");
-        Sheet->done(0);
-    });
-    Run();
-    const Texts lines = WreckLines();
-    EXPECT_EQ(Arrived, (Texts{lines[0], lines[1], lines[0], lines[1]})) << "no search is logged";
 }
 
 TEST_F(SearchTest, AbortKeepsWhatWasFound) {
@@ -201,41 +182,29 @@ TEST_F(SearchTest, DialogShowsWhatIsToldAndTheEndBehindTheAbortQuestion) {
     EXPECT_FALSE(dialog.isVisible());
 }
 
-// It is made before the legend's two squares.
-const CScanArea* BarOf(const QWidget& dialog) {
-    const auto& parts = dialog.children();
-    const auto isBar = [](const QObject* part) { return dynamic_cast<const CScanArea*>(part) != nullptr; };
-    return static_cast<const CScanArea*>(*std::find_if(parts.begin(), parts.end(), isBar));
-}
-
-struct RangeCase {
-    const char* Start;
-    const char* End;
-    const char* Text;
-    int BarStart;
-    int BarEnd;
-};
-
 TEST_F(SearchTest, RangeIsTestedWithEveryChange) {
     constexpr const char* kStartFault = "Start sector should be less than total sectors";
     constexpr const char* kOrderFault = "End sector should be greater than start sector";
     constexpr const char* kEndFault = "End sector should be less than total sectors";
-    const RangeCase cases[] = {{"0", "20000", "9.77 MB", 0, 100},     {"0", "20001", kEndFault, 1, 0},
-                               {"20000", "20000", kStartFault, 1, 0}, {"12345", "12345", kOrderFault, 1, 0},
-                               {"", "2", "1024 bytes", 0, 0},         {"5000", "15102", "4.93 MB", 25, 76},
-                               {"5000", "", kOrderFault, 1, 0}};
+    const std::tuple<const char*, const char*, const char*, int, int> cases[] = {
+        {"0", "20000", "9.77 MB", 0, 100},     {"0", "20001", kEndFault, 1, 0},
+        {"20000", "20000", kStartFault, 1, 0}, {"12345", "12345", kOrderFault, 1, 0},
+        {"", "2", "1024 bytes", 0, 0},         {"5000", "15102", "4.93 MB", 25, 76},
+        {"5000", "", kOrderFault, 1, 0}};
     Engine.SourceDisk.BytesPerSector = 512;
     CChooseSectorRange dialog(nullptr, 20000);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     const auto edits = dialog.findChildren<QLineEdit*>();
-    for (const RangeCase& range : cases) {
-        edits.at(0)->setText(QLatin1String(range.Start));
-        edits.at(1)->setText(QLatin1String(range.End));
-        EXPECT_EQ(dialog.findChild<QLabel*>()->text(), QLatin1String(range.Text)) << range.Start;
-        EXPECT_EQ(BarOf(dialog)->RangeStart(), range.BarStart) << range.Start << " " << range.End;
-        EXPECT_EQ(BarOf(dialog)->RangeEnd(), range.BarEnd) << range.Start << " " << range.End;
-        EXPECT_EQ(ButtonOf(dialog, "OK")->isEnabled(), range.BarStart <= range.BarEnd) << range.End;
+    const auto parts = dialog.findChildren<QFrame*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto isArea = [](const QFrame* part) { return dynamic_cast<const CScanArea*>(part) != nullptr; };
+    const auto& bar = dynamic_cast<const CScanArea&>(**std::find_if(parts.begin(), parts.end(), isArea));
+    for (const auto& [start, end, text, barStart, barEnd] : cases) {
+        edits.at(0)->setText(QLatin1String(start));
+        edits.at(1)->setText(QLatin1String(end));
+        EXPECT_EQ(dialog.findChild<QLabel*>()->text(), QLatin1String(text)) << start;
+        EXPECT_EQ(std::pair(bar.RangeStart(), bar.RangeEnd()), std::pair(barStart, barEnd)) << start;
+        EXPECT_EQ(ButtonOf(dialog, "OK")->isEnabled(), barStart <= barEnd) << end;
     }
     edits.at(0)->clear();
     QTest::keyClicks(edits.at(0), QStringLiteral("-1x2345678"));
