@@ -8,8 +8,6 @@
 #include "support/EnvironmentVariable.h"
 #include "support/FailingFileStore.h"
 
-#include <QCoreApplication>
-#include <QStatusTipEvent>
 #include <filesystem>
 
 namespace thntfs::test {
@@ -77,8 +75,7 @@ TEST_F(ScanJobs, ABasicScanFillsTheWindow) {
         }
         WM_PROGRESS_CAPTION.Send(Frame.get(), "Populating ");
         WM_JOB_PROGRESS.Send(Frame.get());
-        QStatusTipEvent prompt(QStringLiteral("Saves all recovered data"));
-        QCoreApplication::sendEvent(Frame.get(), &prompt);
+        Command("Save All").showStatusText(Frame.get());
         EXPECT_EQ(Pane(0), "Populating  :75%");
     });
     Answers.MayAnswer = [this](const QMessageBox& /*box*/) {

@@ -9,7 +9,6 @@
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
-#include <QPalette>
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
@@ -31,7 +30,6 @@ protected:
             QApplication::setPalette(dark);
         }
         Frame->showMaximized();
-        QTest::qWait(kSettleMilliseconds);
     }
 
     static void Shoot(const std::string& name) {
@@ -64,8 +62,6 @@ protected:
         QTest::keyClick(&tree, Qt::Key_Return);
     }
 
-    void AtSheet(std::function<void(CWizardSheet&)> act) { Answers.When<CWizardSheet>(std::move(act)); }
-
     void RunWizard() {
         PressKey(Qt::Key_W, Qt::ControlModifier);
         EXPECT_TRUE(Answers.AllDone());
@@ -85,15 +81,21 @@ protected:
     }
 };
 
-TEST_F(Screens, MainWindow) {
+TEST_F(Screens, MainWindowAboutAndHelp) {
     Shoot("main-empty");
+    QTimer::singleShot(kSettleMilliseconds, Frame.get(), [] {
+        Shoot("about");
+        QTest::mouseClick(QApplication::activeModalWidget(), Qt::LeftButton);
+    });
+    PressKey(Qt::Key_B, Qt::ControlModifier);
     const QString sample = qEnvironmentVariable("THNTFS_SAMPLE", QString::fromStdString(Volume("basic.img")));
     LoadByMenu(SavedScanOf(sample.toStdString()));
     ChooseFolder({"Root", "Pictures", "Summer 2022"});
     Shoot("main-tree");
     ChooseInMenu("View/Large Icons");
     Shoot("main-icons");
-    ChooseInMenu("View/Details");
+    PressKey(Qt::Key_F1);
+    Shoot("help");
 }
 
 TEST_F(Screens, RunningScanAndStopQuestion) {
@@ -109,7 +111,7 @@ TEST_F(Screens, RunningScanAndStopQuestion) {
 }
 
 TEST_F(Screens, WizardPages) {
-    AtSheet([this](CWizardSheet& sheet) {
+    Answers.When<CWizardSheet>([this](CWizardSheet& sheet) {
         Shoot("wizard-main");
         Press(sheet, "Recover your Data");
         Shoot("wizard-task");
@@ -142,7 +144,7 @@ TEST_F(Screens, WizardPages) {
 }
 
 TEST_F(Screens, SearchDialogs) {
-    AtSheet([this](CWizardSheet& sheet) {
+    Answers.When<CWizardSheet>([this](CWizardSheet& sheet) {
         ChooseImage(sheet, Volume("logical.img"));
         Press(sheet, "Search for lost partition(s)");
         Press(sheet, "Next >");
@@ -157,21 +159,11 @@ TEST_F(Screens, SearchDialogs) {
         Press(dialog, "OK");
     });
     ShootBoxes({"search-finished"});
-    AtSheet([](CWizardSheet& sheet) {
+    Answers.When<CWizardSheet>([](CWizardSheet& sheet) {
         Shoot("search-result");
         sheet.done(0);
     });
     RunWizard();
-}
-
-TEST_F(Screens, HelpAndAbout) {
-    QTimer::singleShot(kSettleMilliseconds, Frame.get(), [] {
-        Shoot("about");
-        QTest::mouseClick(QApplication::activeModalWidget(), Qt::LeftButton);
-    });
-    PressKey(Qt::Key_B, Qt::ControlModifier);
-    PressKey(Qt::Key_F1);
-    Shoot("help");
 }
 
 } // namespace
