@@ -2,23 +2,14 @@
 // read.
 
 #include "FuzzSupport.h"
-#include "catalogue/Catalogue.h"
 #include "engine/LocateMft.h"
 #include "scans/BasicScan.h"
 
 using namespace thntfs;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::KeepFilesInMemory();
     fuzz::OpenPlainVolume(ConstBytes(data, std::min<std::size_t>(size, 1U << 16U)));
     LocateMft();
-    CreateCatalogue();
-    BasicScan();
-    CloseCatalogue();
-    if (OpenCatalogue() != 0) {
-        fuzz::WalkCatalogue();
-        fuzz::ReadContents();
-    }
-    CloseCatalogue();
+    fuzz::ScanAndRead(BasicScan);
     return 0;
 }

@@ -9,12 +9,6 @@
 
 using namespace thntfs;
 
-namespace {
-
-constexpr std::uint64_t kMostContent = 1U << 20U;
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ConstBytes input(data, size);
     fuzz::OpenPlainVolume(input);
@@ -28,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         HasAttributeList(record);
         std::vector<AttributeListNode> nodes;
         CatalogueItem item; // of the same record, where it lies
-        item.Size = kMostContent;
+        item.Size = 1U << 20U;
         test::MemoryFile sink;
         MissingData missing;
         try {

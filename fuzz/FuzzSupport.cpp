@@ -1,9 +1,13 @@
 #include "FuzzSupport.h"
 
+#include "catalogue/Catalogue.h"
 #include "catalogue/CatalogueReader.h"
 #include "catalogue/EntryWalk.h"
 #include "catalogue/FindEntry.h"
 #include "content/EntryContent.h"
+#include "content/TargetName.h"
+#include "engine/LocateMft.h"
+#include "platform/files/TargetFolder.h"
 #include "platform/files/WorkFolder.h"
 #include "platform/media/Medium.h"
 #include "platform/system/Text.h"
@@ -37,43 +41,10 @@ private:
     WorkFolder folder_;
 };
 
-} // namespace
-
-void OpenPlainVolume(ConstBytes bytes) {
-    ResetEngineState();
-    Engine.SourceDisk.MediaHandle =
-        test::MakeMemoryMedium(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
-    Engine.SourceDisk.BytesPerSector = 512;
-    Engine.SourceDisk.TotalSectors = bytes.size() / 512;
-    Engine.ScanRunFlag = 1;
-
-    PartitionCandidate candidate;
-    candidate.TotalSectors = Engine.SourceDisk.TotalSectors;
-    candidate.MftCluster = 1;
-    candidate.MftMirrCluster = 8;
-    candidate.MftSector = 8;
-    candidate.SectorsPerCluster = 8;
-    LoadVolumeParams(candidate);
-
-    Engine.VolumeParams.MftExtents.push_back({4, 1});
-}
-
+// From here on all files lie in memory, the engine's catalogue among them.
 void KeepFilesInMemory() {
     test::UseFilesInMemory();
     Engine.CatalogueFolder = "/catalogue";
-}
-
-std::string WriteInfoFile(ConstBytes input) {
-    static const MediumFile medium;
-    constexpr const char* kPath = "/input";
-    KeepFilesInMemory();
-    std::vector<std::uint8_t>& bytes = test::FileInMemory(kPath).Content;
-    bytes.assign(input.begin(), input.end());
-    const std::u16string path = WideText(medium.Path());
-    for (std::size_t i = 0; i <= path.size(); ++i) {
-        PutNumber<std::uint16_t>(bytes, kDescriptionAt + 2 * i, i < path.size() ? path[i] : u'\0');
-    }
-    return kPath;
 }
 
 void WalkCatalogue() {
@@ -81,6 +52,9 @@ void WalkCatalogue() {
         for (const WalkReach reach : {WalkReach::Part, WalkReach::Whole}) {
             EntryWalk walk(WalkStart{}, reach);
             while (walk.Next()) {
+                if (!IsPlainName(TargetName(walk.Item().Name))) {
+                    std::abort();
+                }
             }
         }
         FindEntries("/a/b");
@@ -107,6 +81,63 @@ void ReadContents() {
         } catch (const CUserException&) {
         }
     }
+}
+
+} // namespace
+
+void OpenPlainVolume(ConstBytes bytes) {
+    ResetEngineState();
+    Engine.SourceDisk.MediaHandle =
+        test::MakeMemoryMedium(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+    Engine.SourceDisk.BytesPerSector = 512;
+    Engine.SourceDisk.TotalSectors = bytes.size() / 512;
+    Engine.ScanRunFlag = 1;
+
+    PartitionCandidate candidate;
+    candidate.TotalSectors = Engine.SourceDisk.TotalSectors;
+    candidate.MftCluster = 1;
+    candidate.MftMirrCluster = 8;
+    candidate.MftSector = 8;
+    candidate.SectorsPerCluster = 8;
+    LoadVolumeParams(candidate);
+
+    Engine.VolumeParams.MftExtents.push_back({4, 1});
+}
+
+std::string WriteInfoFile(ConstBytes input) {
+    static const MediumFile medium;
+    constexpr const char* kPath = "/input";
+    KeepFilesInMemory();
+    std::vector<std::uint8_t>& bytes = test::FileInMemory(kPath).Content;
+    bytes.assign(input.begin(), input.end());
+    const std::u16string path = WideText(medium.Path());
+    for (std::size_t i = 0; i <= path.size(); ++i) {
+        PutNumber<std::uint16_t>(bytes, kDescriptionAt + 2 * i, i < path.size() ? path[i] : u'\0');
+    }
+    return kPath;
+}
+
+void TakeEachIntoUse() {
+    for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
+        LoadVolumeParams(candidate);
+        LocateMft();
+    }
+}
+
+void ScanAndRead(const std::function<void()>& scan) {
+    KeepFilesInMemory();
+    if (CreateCatalogue() != 0) {
+        scan();
+    }
+    CloseCatalogue();
+    OpenCatalogue();
+    WalkAndRead();
+}
+
+void WalkAndRead() {
+    WalkCatalogue();
+    ReadContents();
+    CloseCatalogue();
 }
 
 } // namespace thntfs::fuzz

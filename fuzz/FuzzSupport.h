@@ -4,8 +4,8 @@
 #include "platform/system/Bytes.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
-#include <vector>
 
 namespace thntfs::fuzz {
 
@@ -13,17 +13,19 @@ namespace thntfs::fuzz {
 /// of 4 KiB, starting at sector 0, with its Master File Table in clusters 1 to 4. The medium holds `bytes`.
 void OpenPlainVolume(ConstBytes bytes);
 
-/// From here on all files lie in memory, the engine's catalogue among them.
-void KeepFilesInMemory();
-
-/// Puts a scan information file there, made from an input, with the medium's path in it replaced by that of
-/// an image that opens. Gives the file's path.
+/// Puts a scan information file, made from an input, in memory, with the medium's path in it replaced by that
+/// of an image that opens. Gives the file's path.
 std::string WriteInfoFile(ConstBytes input);
 
-/// Walks all of the catalogue that is open, as a listing, a sum and a look for a path do.
-void WalkCatalogue();
+/// Takes each volume that was found into use and looks for its table.
+void TakeEachIntoUse();
 
-/// Reads the content of every file of the catalogue that is open, up to some number, into nothing.
-void ReadContents();
+/// Makes the catalogue of the volume in use by a scan, and does WalkAndRead.
+void ScanAndRead(const std::function<void()>& scan);
+
+/// Walks all of the catalogue that is open, as a listing, a sum and a look for a path do, sees that what
+/// would be saved gets a name that leads nowhere else, and reads the content of its files, up to some number,
+/// into nothing. Then closes it.
+void WalkAndRead();
 
 } // namespace thntfs::fuzz

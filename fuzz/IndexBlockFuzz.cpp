@@ -1,20 +1,12 @@
 // The index block check and the harvest of its folders, by a Turbo Scan over the input.
 
 #include "FuzzSupport.h"
-#include "catalogue/Catalogue.h"
 #include "scans/TurboScan.h"
 
 using namespace thntfs;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::KeepFilesInMemory();
     fuzz::OpenPlainVolume(ConstBytes(data, std::min<std::size_t>(size, 1U << 16U)));
-    CreateCatalogue();
-    TurboScan();
-    CloseCatalogue();
-    if (OpenCatalogue() != 0) {
-        fuzz::WalkCatalogue();
-    }
-    CloseCatalogue();
+    fuzz::ScanAndRead(TurboScan);
     return 0;
 }

@@ -66,23 +66,14 @@ private:
 
     void ChangeOnce(Input& input, const Input& other) {
         const std::size_t at = Below(input.size());
-        switch (Below(8)) {
-        case 0:
-            input[at] ^= static_cast<std::uint8_t>(1U << Below(8));
-            break;
-        case 1:
-            input[at] = static_cast<std::uint8_t>(random_());
-            break;
-        case 2:
+        const std::size_t kind = Below(8);
+        if (kind < 2) {
+            input[at] ^= static_cast<std::uint8_t>(kind == 0 ? 1U << Below(8) : random_());
+        } else if (kind == 2) {
             input.resize(at);
-            break;
-        case 3:
-            CopyPiece(input, at, other);
-            break;
-        case 4:
-            CopyPiece(input, at, Input(input));
-            break;
-        default:
+        } else if (kind < 5) {
+            CopyPiece(input, at, kind == 3 ? other : Input(input));
+        } else {
             PutNumber(input, at);
         }
     }
@@ -97,17 +88,13 @@ private:
     // Little-endian, where a number of its width may stand.
     void PutNumber(Input& input, std::size_t at) {
         const std::size_t width = std::size_t{1} << Below(4);
-        const std::uint64_t number = LimitNumber(8 * width, input.size());
+        const std::uint64_t power = std::uint64_t{1} << Below(8 * width);
+        const std::uint64_t limits[] = {0, power, power - 1, ~power, ~std::uint64_t{0}, input.size()};
+        const std::uint64_t number = limits[Below(std::size(limits))] + Below(3) - 1;
         at -= at % width;
         for (std::size_t i = 0; i < width && at + i < input.size(); ++i) {
             input[at + i] = static_cast<std::uint8_t>(number >> (8 * i));
         }
-    }
-
-    std::uint64_t LimitNumber(std::size_t bits, std::size_t inputBytes) {
-        const std::uint64_t power = std::uint64_t{1} << Below(bits);
-        const std::uint64_t numbers[] = {0, power, power - 1, ~power, ~std::uint64_t{0}, inputBytes};
-        return numbers[Below(std::size(numbers))] + Below(3) - 1;
     }
 
     std::mt19937_64 random_;

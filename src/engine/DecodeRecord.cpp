@@ -185,11 +185,12 @@ void DecodedEntry::SetName(std::u16string_view name) {
 void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry) {
     entry.ParentNumber = U32At(bytes, valueStart);
     entry.NameLength = U8At(bytes, valueStart + 64);
-    const ConstBytes units = Part(bytes, valueStart + 66, 2U * entry.NameLength);
+    const std::size_t nameBytes = std::size_t{2} * entry.NameLength;
+    const ConstBytes units = Part(bytes, valueStart + 66, nameBytes);
     if (!units.empty()) {
         std::memcpy(entry.NameBuffer.data(), units.data(), units.size());
     }
-    if (units.size() < 2U * entry.NameLength) {
+    if (units.size() < nameBytes) {
         std::fill(entry.NameBuffer.begin() + static_cast<std::ptrdiff_t>(units.size() / 2),
                   entry.NameBuffer.begin() + entry.NameLength, u'\0');
     }
