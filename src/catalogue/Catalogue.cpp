@@ -32,6 +32,19 @@ void WritePaged(PagedFile& file, std::uint64_t offset, ConstBytes bytes) {
     RaiseFailedWrite(file.WriteAt(offset, bytes));
 }
 
+// Most entries fit into the page in hand and are encoded where they are going to lie.
+void WriteEntry(const CatalogueEntry& entry) {
+    const std::uint64_t offset = std::uint64_t{entry.EntryId} * kStoredEntryBytes;
+    const Bytes place = offset + kStoredEntryBytes <= kMaxCatalogueFileBytes
+                            ? Engine.EntryFile->PlaceInPage(offset, kStoredEntryBytes)
+                            : Bytes();
+    if (place.empty()) {
+        WritePaged(*Engine.EntryFile, offset, EncodeEntry(entry));
+    } else {
+        EncodeEntryInto(place, entry);
+    }
+}
+
 void WriteTreeWord(std::uint64_t offset, std::uint32_t word) {
     std::array<std::uint8_t, 4> stored{};
     PutNumber(stored, 0, word);
@@ -113,6 +126,15 @@ void AppendLostFolder(FolderIndexNode& node, std::uint32_t entryId) {
     AddChild(*Engine.Folders->FindOrAddFolder(0).Node, entryId);
 }
 
+void AppendLostFolders(std::uint32_t nextEntryId) {
+    for (FolderIndexNode* node = Engine.Folders->FolderRoot(); node != nullptr;
+         node = FolderTree::NextInPreOrder(node)) {
+        if (node->Placeholder != 0) {
+            AppendLostFolder(*node, nextEntryId++);
+        }
+    }
+}
+
 // Tries all three, so that the failure of one doesn't cost what the others hold.
 void FlushFiles() {
     ErrorCode failure = kErrorNone;
@@ -162,6 +184,12 @@ int CloseCatalogue() {
     return 1;
 }
 
+void PrefetchChain(std::uint32_t recordNumber) {
+    if (const FolderIndexNode* node = Engine.Folders->FindFolder(recordNumber); node != nullptr) {
+        Engine.TreeFile->Prefetch(SlotOffset(node->LastBlock, node->UsedSlots));
+    }
+}
+
 void BeginFolderBlock(FolderIndexNode& node) {
     node.BlockOffset = AppendBlock(node, 0);
     node.LastBlock = node.BlockOffset;
@@ -191,20 +219,16 @@ void AddChild(FolderIndexNode& node, std::uint32_t entryId) {
 void AppendEntry(CatalogueEntry& entry, std::u16string_view name) {
     entry.NameOffset = Engine.NamesEnd;
     entry.NameLength = static_cast<std::uint16_t>(name.size());
-    std::array<std::uint8_t, 2 * kMaxNameUnits> units;
-    const ConstBytes nameBytes(units.data(), 2 * std::min(name.size(), kMaxNameUnits));
-    std::memcpy(units.data(), name.data(), nameBytes.size());
-    WritePaged(*Engine.EntryFile, std::uint64_t{entry.EntryId} * kStoredEntryBytes, EncodeEntry(entry));
+    const ConstBytes nameBytes(reinterpret_cast<const std::uint8_t*>(name.data()),
+                               2 * std::min(name.size(), kMaxNameUnits));
+    WriteEntry(entry);
     WritePaged(*Engine.NameFile, Engine.NamesEnd, nameBytes);
     Engine.NamesEnd += static_cast<std::uint32_t>(nameBytes.size());
 }
 
 void FinishCatalogue(std::uint32_t nextEntryId) {
-    for (FolderIndexNode* node = Engine.Folders->FolderRoot(); node != nullptr;
-         node = FolderTree::NextInPreOrder(node)) {
-        if (node->Placeholder != 0) {
-            AppendLostFolder(*node, nextEntryId++);
-        }
+    if (Engine.Folders->HasPlaceholders()) {
+        AppendLostFolders(nextEntryId);
     }
     FlushFiles();
 }

@@ -40,6 +40,9 @@ void EnsureFolderBlock(FolderIndexNode& node);
 /// Adds a child to a folder's chain, which begins here where there is none.
 void AddChild(FolderIndexNode& node, std::uint32_t entryId);
 
+/// Hints that a child will soon be added to the folder with this number: fetches the place from memory.
+void PrefetchChain(std::uint32_t recordNumber);
+
 /// Appends an entry and its name. The entry's EntryId must be the number of entries written so far; its
 /// NameOffset is set here, and NamesEnd advances.
 void AppendEntry(CatalogueEntry& entry, std::u16string_view name);

@@ -32,13 +32,11 @@ FolderTree::Found FolderTree::FindOrAddFolder(std::uint32_t recordNumber) {
     if (lastFound_ != nullptr && lastFound_->RecordNumber == recordNumber) {
         return {lastFound_, false};
     }
-    if (FolderIndexNode* known = Lookup(recordNumber); known != nullptr) {
+    if (FolderIndexNode* known = FindFolder(recordNumber); known != nullptr) {
         lastFound_ = known;
         return {known, false};
     }
-    FolderIndexNode& added = NewNode(recordNumber);
-    LinkIn(added);
-    return {&added, true};
+    return {&NewNode(recordNumber), true};
 }
 
 FolderTree::Found FolderTree::FindOrAddPlaceholder(std::uint32_t recordNumber) {
@@ -56,11 +54,25 @@ void FolderTree::PrefetchSlot(std::uint32_t recordNumber) const {
 }
 
 void FolderTree::PrefetchNode(std::uint32_t recordNumber) const {
-    if (!slots_.empty()) {
-        if (const std::uint32_t place = slots_[SlotOf(recordNumber, slots_.size())]; place != 0) {
-            __builtin_prefetch(&nodes_.At(place - 1), 1);
+    if (const std::uint32_t place = PlaceOf(recordNumber); place != 0) {
+        __builtin_prefetch(&nodes_.At(place - 1), 1);
+    }
+}
+
+bool FolderTree::HasPlaceholders() const {
+    for (std::size_t i = 0; i < nodes_.Count(); ++i) {
+        if (nodes_.At(i).Placeholder != 0) {
+            return true;
         }
     }
+    return false;
+}
+
+FolderIndexNode* FolderTree::FolderRoot() {
+    for (; hungIn_ < nodes_.Count(); ++hungIn_) {
+        LinkIn(nodes_.At(hungIn_));
+    }
+    return root_;
 }
 
 FolderIndexNode* FolderTree::NextInPreOrder(FolderIndexNode* node) {
@@ -80,19 +92,20 @@ FolderIndexNode* FolderTree::NextInPreOrder(FolderIndexNode* node) {
     return nullptr;
 }
 
-FolderIndexNode* FolderTree::Lookup(std::uint32_t recordNumber) const {
+FolderIndexNode* FolderTree::FindFolder(std::uint32_t recordNumber) const {
+    const std::uint32_t place = PlaceOf(recordNumber);
+    return place != 0 ? &nodes_.At(place - 1) : nullptr;
+}
+
+std::uint32_t FolderTree::PlaceOf(std::uint32_t recordNumber) const {
     if (slots_.empty()) {
-        return nullptr;
+        return 0;
     }
-    for (std::size_t slot = SlotOf(recordNumber, slots_.size());; slot = (slot + 1) & (slots_.size() - 1)) {
-        if (slots_[slot] == 0) {
-            return nullptr;
-        }
-        FolderIndexNode& node = nodes_.At(slots_[slot] - 1);
-        if (node.RecordNumber == recordNumber) {
-            return &node;
-        }
+    std::size_t slot = SlotOf(recordNumber, slots_.size());
+    while (slots_[slot].Place != 0 && slots_[slot].Key != recordNumber) {
+        slot = (slot + 1) & (slots_.size() - 1);
     }
+    return slots_[slot].Place;
 }
 
 FolderIndexNode& FolderTree::NewNode(std::uint32_t recordNumber) {
@@ -101,24 +114,27 @@ FolderIndexNode& FolderTree::NewNode(std::uint32_t recordNumber) {
     }
     FolderIndexNode& node = nodes_.Add();
     node.RecordNumber = recordNumber;
-    EnterSlot(static_cast<std::uint32_t>(nodes_.Count() - 1));
+    EnterSlot(recordNumber, static_cast<std::uint32_t>(nodes_.Count()));
     return node;
 }
 
 void FolderTree::GrowSlots() {
     const std::size_t grown = slots_.empty() ? kFirstSlots : slots_.size() * 2;
-    std::vector<std::uint32_t>(grown, 0).swap(slots_);
-    for (std::size_t i = 0; i < nodes_.Count(); ++i) {
-        EnterSlot(static_cast<std::uint32_t>(i));
+    std::vector<Slot> old(grown);
+    old.swap(slots_);
+    for (const Slot& slot : old) {
+        if (slot.Place != 0) {
+            EnterSlot(slot.Key, slot.Place);
+        }
     }
 }
 
-void FolderTree::EnterSlot(std::uint32_t index) {
-    std::size_t slot = SlotOf(nodes_.At(index).RecordNumber, slots_.size());
-    while (slots_[slot] != 0) {
+void FolderTree::EnterSlot(std::uint32_t recordNumber, std::uint32_t place) {
+    std::size_t slot = SlotOf(recordNumber, slots_.size());
+    while (slots_[slot].Place != 0) {
         slot = (slot + 1) & (slots_.size() - 1);
     }
-    slots_[slot] = index + 1;
+    slots_[slot] = {recordNumber, place};
 }
 
 // Hangs a new node in its place, remembering the last node on the way down that isn't in balance.

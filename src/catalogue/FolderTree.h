@@ -23,7 +23,9 @@ struct alignas(64) FolderIndexNode {
 };
 
 /// The height-balanced tree of folders, keyed on the record number. Its shape matters beyond speed: lost
-/// folders are catalogued in the pre-order of this tree. Nodes live as long as the tree and never move.
+/// folders are catalogued in the pre-order of this tree. It follows from the order in which the nodes were
+/// added, so that they are hung in when somebody asks for the root; a scan that lost no folder never does.
+/// Nodes live as long as the tree and never move.
 class FolderTree {
 public:
     struct Found {
@@ -41,27 +43,37 @@ public:
     void PrefetchSlot(std::uint32_t recordNumber) const;
     void PrefetchNode(std::uint32_t recordNumber) const;
 
-    [[nodiscard]] FolderIndexNode* FolderRoot() const { return root_; }
+    /// The node with a key, null where there is none.
+    [[nodiscard]] FolderIndexNode* FindFolder(std::uint32_t recordNumber) const;
+
+    [[nodiscard]] bool HasPlaceholders() const;
+
+    /// The root of the tree of all nodes added so far; null of an empty one.
+    FolderIndexNode* FolderRoot();
     [[nodiscard]] std::size_t Count() const { return nodes_.Count(); }
 
     /// The node that follows in the order node, left subtree, right subtree; null behind the last.
     static FolderIndexNode* NextInPreOrder(FolderIndexNode* node);
 
 private:
-    [[nodiscard]] FolderIndexNode* Lookup(std::uint32_t recordNumber) const;
     FolderIndexNode& NewNode(std::uint32_t recordNumber);
     void GrowSlots();
-    void EnterSlot(std::uint32_t index);
+    void EnterSlot(std::uint32_t recordNumber, std::uint32_t place);
+    [[nodiscard]] std::uint32_t PlaceOf(std::uint32_t recordNumber) const;
     void LinkIn(FolderIndexNode& added);
     void Rebalance(FolderIndexNode& pivot, FolderIndexNode& added);
     void TakePlace(FolderIndexNode& oldTop, FolderIndexNode& newTop);
 
     FolderIndexNode* root_ = nullptr;
+    std::size_t hungIn_ = 0;               ///< of the nodes, those in the tree
     FolderIndexNode* lastFound_ = nullptr; ///< children of one folder often come in a row
     BigBlockPool<FolderIndexNode> nodes_;
-    /// Open hashing beside the tree: index of a node + 1, 0 for free. A lookup touches one node in place of a
-    /// path of them.
-    std::vector<std::uint32_t> slots_;
+    /// Open hashing beside the tree. A lookup touches one node in place of a path of them.
+    struct Slot {
+        std::uint32_t Key = 0;
+        std::uint32_t Place = 0; ///< index of the node + 1, 0 for a free slot
+    };
+    std::vector<Slot> slots_;
 };
 
 } // namespace thntfs

@@ -34,8 +34,15 @@ void VisitBlock(Block& block, const Visitor& field) {
 
 StoredEntry EncodeEntry(const CatalogueEntry& entry) {
     StoredEntry stored{};
-    VisitEntry(entry, FieldWriter(stored));
+    EncodeEntryInto(stored, entry);
     return stored;
+}
+
+void EncodeEntryInto(Bytes stored, const CatalogueEntry& entry) {
+    // One look at the size spares one at each field.
+    if (stored.size() >= kStoredEntryBytes) {
+        VisitEntry(entry, FieldWriter(stored.first(kStoredEntryBytes)));
+    }
 }
 
 CatalogueEntry DecodeEntry(ConstBytes stored) {

@@ -42,6 +42,8 @@ using StoredEntry = std::array<std::uint8_t, kStoredEntryBytes>;
 static_assert(sizeof(StoredEntry) == kStoredEntryBytes);
 
 StoredEntry EncodeEntry(const CatalogueEntry& entry);
+/// The same into the first 44 bytes of a span.
+void EncodeEntryInto(Bytes stored, const CatalogueEntry& entry);
 /// Decodes the first 44 bytes of a span; bytes that it doesn't have read as 0.
 CatalogueEntry DecodeEntry(ConstBytes stored);
 

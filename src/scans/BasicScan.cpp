@@ -18,8 +18,9 @@ namespace {
 
 constexpr std::uint32_t kBatchSectors = 128;
 
-// How far ahead of its use a folder's node is fetched from memory.
-constexpr std::size_t kPrefetchAhead = 8;
+// How far ahead of their use a folder's node, and then the end of its chain, are fetched from memory.
+constexpr std::size_t kNodeAhead = 8;
+constexpr std::size_t kChainAhead = 4;
 
 struct DecodedRecord {
     DecodedEntry Entry;
@@ -160,8 +161,11 @@ void TableWalk::DecodeSlot(Bytes record) {
 
 void TableWalk::CatalogueBatch() {
     for (std::size_t i = 0; i < decodedCount_; ++i) {
-        if (i + kPrefetchAhead < decodedCount_) {
-            Engine.Folders->PrefetchNode(decoded_[i + kPrefetchAhead].Entry.ParentNumber);
+        if (i + kNodeAhead < decodedCount_) {
+            Engine.Folders->PrefetchNode(decoded_[i + kNodeAhead].Entry.ParentNumber);
+        }
+        if (i + kChainAhead < decodedCount_) {
+            PrefetchChain(decoded_[i + kChainAhead].Entry.ParentNumber);
         }
         CatalogueRecord(decoded_[i].Entry, decoded_[i].Directory, nextEntryId_);
     }

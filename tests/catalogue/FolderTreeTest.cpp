@@ -61,7 +61,7 @@ void AppendPreOrder(const PlainTree& tree, Keys& keys) {
     }
 }
 
-Keys PreOrder(const FolderTree& tree) {
+Keys PreOrder(FolderTree& tree) {
     Keys keys;
     for (FolderIndexNode* node = tree.FolderRoot(); node != nullptr;
          node = FolderTree::NextInPreOrder(node)) {

@@ -58,6 +58,26 @@ public:
         return WritePages(offset, bytes);
     }
 
+    /// The place of bytes that are about to be written, marked as written: the caller fills them all before
+    /// any other call. Empty where they don't lie in the page used last; then they are to be written by
+    /// WriteAt.
+    Bytes PlaceInPage(std::uint64_t offset, std::size_t bytes) {
+        const std::uint64_t inPage = offset - lastStart_;
+        if (inPage >= lastBytes_ || bytes > lastBytes_ - inPage) {
+            return {};
+        }
+        MarkWritten(offset + bytes);
+        return {last_->Data + inPage, bytes};
+    }
+
+    /// Hints that a place will be written soon.
+    void Prefetch(std::uint64_t offset) const {
+        const std::uint64_t number = offset / kPageBytes;
+        if (number < table_.size() && table_[number] != 0) {
+            __builtin_prefetch(pages_[table_[number] - 1].Data + offset % kPageBytes, 1);
+        }
+    }
+
     /// Writes all changed pages in rising order. After a failure the pages not yet written stay changed.
     ErrorCode Flush();
 
