@@ -9,7 +9,9 @@ class BrowseTest : public CliTest {
 protected:
     BrowseTest() {
         volume_.AddFolder({.Number = 40, .Name = u"Letters"});
-        volume_.AddFile(TextFile(41, u"one.txt", "the live one", 40));
+        FileSpec read = TextFile(41, u"one.txt", "the live one", 40);
+        read.Times.Accessed = FileTimeOfDay(2024, 3, 1);
+        volume_.AddFile(read);
         volume_.AddFolder({.Number = 42, .Parent = 40, .Name = u"Old", .Live = false});
         volume_.AddFile(TextFile(43, u"two.txt", "a deleted one", 42, false));
         volume_.AddFile(TextFile(44, u"one.txt", "its deleted twin", 40, false));
@@ -115,31 +117,38 @@ TEST(JsonTextTest, IsThatOfTheLibrary) {
     EXPECT_EQ('"' + out + '"', Json(text).dump());
 }
 
-/// Names and types of an object's fields in their order.
-std::string FieldsOf(const Json& object) {
-    std::string text;
-    for (const auto& [name, value] : object.items()) {
-        text += name + ":" + value.type_name() + " ";
-    }
-    return text;
-}
-
 TEST_F(BrowseTest, JsonIsThatOfTheContract) {
-    for (const Json& volume : Json::parse(Run({"partitions"}, {"--json"}).Out)) {
-        EXPECT_EQ(FieldsOf(volume),
-                  "number:number startSector:number totalSectors:number bytesPerSector:number "
-                  "sectorsPerCluster:number clusterBytes:number fileRecordBytes:number "
-                  "indexBlockBytes:number mftSector:number mftCluster:number mftMirrCluster:number "
-                  "serial:string evidence:number ");
-        EXPECT_EQ(volume["serial"], "1122334455667788");
-    }
+    const VolumeGeometry& volume = volume_.Geometry();
+    EXPECT_EQ(Json::parse(Run({"partitions"}, {"--json"}).Out),
+              (Json::array({{{"number", 1},
+                             {"startSector", volume.StartSector},
+                             {"totalSectors", volume.TotalSectors + 1}, // as the table says
+                             {"bytesPerSector", 512},
+                             {"sectorsPerCluster", 8},
+                             {"clusterBytes", 4096},
+                             {"fileRecordBytes", 1024},
+                             {"indexBlockBytes", 4096},
+                             {"mftSector", volume.SectorOf(volume.MftCluster())},
+                             {"mftCluster", volume.MftCluster()},
+                             {"mftMirrCluster", volume.MirrorCluster},
+                             {"serial", "1122334455667788"},
+                             {"evidence", 0}}})));
     std::map<std::uint32_t, Json> entries;
     for (const Json& entry : JsonLines(Run({"list", "-r"}, {"--json"}).Out)) {
         entries[entry["record"]] = entry;
     }
-    EXPECT_EQ(FieldsOf(entries[41]),
-              "id:number path:string name:string folder:boolean live:boolean size:number record:number "
-              "parent:number recordSector:number flags:number created:string accessed:string ");
+    EXPECT_EQ(entries[41], (Json{{"id", 3},
+                                 {"path", "/Letters/one.txt"},
+                                 {"name", "one.txt"},
+                                 {"folder", false},
+                                 {"live", true},
+                                 {"size", 12},
+                                 {"record", 41},
+                                 {"parent", 40},
+                                 {"recordSector", volume_.RecordSector(41)},
+                                 {"flags", 0x28}, // live, archive
+                                 {"created", "2024-02-29"},
+                                 {"accessed", "2024-03-01"}}));
     EXPECT_EQ(entries[46]["name"], "bell\a\x1b[31m\nred\x7f.txt");
     EXPECT_EQ(entries[50]["created"], nullptr);
     EXPECT_EQ(entries[50]["accessed"], nullptr);

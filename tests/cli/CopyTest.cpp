@@ -64,7 +64,11 @@ TEST_F(CopyTest, ALoopDeviceGivesWhatItsImageGives) {
                            {"Model", At("a disk")}, {"BytesPerSector", "4096"}};
     const Json disks = Json::parse(Expect(0, {"disks", "--json"}).Out);
     EXPECT_EQ(std::count(disks.begin(), disks.end(), expected), 1) << disks;
-    EXPECT_TRUE(Contains(RunCli({"disks"}).Out, name));
+    const std::vector<std::string> rows = LinesOf(RunCli({"disks"}).Out);
+    const auto row = std::find_if(rows.begin(), rows.end(),
+                                  [&](const std::string& line) { return line.starts_with(name + " "); });
+    ASSERT_NE(row, rows.end());
+    EXPECT_EQ(row->find("3.00 MB") + 7, rows.front().find("Size") + 4) << "numbers stand at the right";
 }
 
 // A disk with a volume and, behind it, a mounted file system.
@@ -248,6 +252,8 @@ TEST_F(CopyTest, CloneToADevice) {
     ExpectRefused(1, {"clone", device, source, "--yes"}, "is too small");
     ExpectRefused(2, {"clone", source, device},
                   "disk " + device.substr(5) + ": " + target_ + ", 8.00 MB, serial number N/A");
+    const std::string large = Attach(MakeDisk("large", 8U << 20U), "--sector-size 4096");
+    ExpectRefused(2, {"clone", source, large}, "Mind that " + large + " has sectors of 4096 bytes");
     Expect(0, {"clone", source, device, "--yes"});
     EXPECT_EQ(ReadWholeFile(device).substr(0, 3U << 20U), ImageOf(ReadWholeFile(disk_)));
 
@@ -321,7 +327,8 @@ TEST_F(FaultyCopyTest, AnImageThatFoundNoRoomGoesOnToo) {
     RunSetup setup = WithBad({800});
     setup.MaxFileBytes = 1000 * 512;
     const RunResult run = Expect(1, {"image", disk_, copy_}, "exceeds the limit", setup);
-    EXPECT_TRUE(Contains(run.Out, "Disk Imaging Aborted\n")) << run.Out;
+    EXPECT_TRUE(run.Out.starts_with("Disk Imaging Aborted\n")) << run.Out;
+    EXPECT_TRUE(Contains(run.Out, "not been read yet; --resume goes on from here\n")) << run.Out;
     Expect(3, {"image", disk_, copy_, "--resume"}, "", WithBad({800}));
     EXPECT_TRUE(IsImage({800}));
 }
