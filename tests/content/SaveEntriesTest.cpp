@@ -60,13 +60,15 @@ protected:
         CloseCatalogue();
         EXPECT_EQ(OpenCatalogue(), 1);
     }
-    SaveTotals ScanAndSaveAll() {
+    SaveTotals ScanAndSave(const std::vector<std::string>& paths = {""}, bool deletedOnly = false) {
         Scan();
         std::unique_ptr<TargetFolder> target;
         EXPECT_EQ(TargetFolder::OpenTargetFolder(Target, true, target), kErrorNone);
-        EntrySaver saver(std::move(target), Listener, false);
+        EntrySaver saver(std::move(target), Listener, deletedOnly);
         SetFileStore(&Store);
-        saver.Save(FindEntries("").front());
+        for (const std::string& path : paths) {
+            saver.Save(FindEntries(path).front());
+        }
         const SaveTotals totals = saver.Finish();
         SetFileStore(nullptr);
         return totals;
@@ -102,7 +104,7 @@ TEST_F(SaveEntriesTest, WhatCarriesItsNameIsWholeAndTheRestIsNamed) {
         fs::remove_all(Target);
         Listener.Paths.clear();
         Store.FailAt(call, kErrorDiskFull);
-        const SaveTotals totals = ScanAndSaveAll();
+        const SaveTotals totals = ScanAndSave();
         const auto files = Saved();
         EXPECT_EQ(totals.Files, files.size());
         EXPECT_EQ(totals.Failed, Listener.Paths.size());
@@ -174,6 +176,22 @@ TEST_F(SaveEntriesTest, RoomForTheFileIsEnoughAndAFolderFailsOnce) {
     EXPECT_EQ(Listener.Paths, (std::vector<std::string>{"/folder", "/folder/f", "/folder/f"}));
 }
 
+TEST_F(SaveEntriesTest, ALostFolderIsMadeForWhatIsInItAlone) {
+    Volume.AddFile({.Number = 40, .Parent = 90, .Name = u"live", .Content = BytesOf("text")});
+    EXPECT_EQ(ScanAndSave({""}, true).Folders, 0U);
+    EXPECT_EQ(ScanAndSave().Folders, 1U);
+}
+
+TEST_F(SaveEntriesTest, EachPathBeginsAtTheTarget) {
+    for (const std::uint32_t number : {40U, 50U}) {
+        const std::u16string name(1, static_cast<char16_t>(u'a' + number % 40));
+        Volume.AddFolder({.Number = number, .Name = name});
+        Volume.AddFile({.Number = number + 1, .Parent = number, .Name = u"f", .Content = BytesOf("text")});
+    }
+    EXPECT_EQ(ScanAndSave({"/a/f", "/k/f"}).Files, 2U);
+    EXPECT_EQ(Saved(), (std::map<std::string, std::uintmax_t>{{"/a/f", 4}, {"/k/f", 4}}));
+}
+
 TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {
     constexpr std::uint32_t kDepth = 105;
     std::uint32_t number = 40;
@@ -187,7 +205,7 @@ TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     const rlimit few = {95, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-    const SaveTotals totals = ScanAndSaveAll();
+    const SaveTotals totals = ScanAndSave();
     ::setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_EQ(totals.Files, kDepth);
     EXPECT_EQ(totals.Failed, 0U);

@@ -1,6 +1,4 @@
 #include "CopyFixture.h"
-#include "partitions/OpenSource.h"
-#include "partitions/PartitionTable.h"
 
 namespace thntfs::test {
 
@@ -58,9 +56,8 @@ Course CourseOf(std::uint64_t total) {
 TEST_F(CopyDiskTest, WholeTransfersThenSingleSectors) {
     for (const std::uint64_t sectors : {1U, 100U, 255U, 256U, 257U, 511U, 512U, 1000U}) {
         SCOPED_TRACE(sectors);
-        OpenNumbered(sectors);
-        Target.Content.clear();
-        Target.Writes.clear();
+        OpenNumbered(sectors, sectors % 2 == 0 ? 4096 : 512);
+        Target.Clear();
         Plan->Log.clear();
         Reports.CopyPositions.clear();
         EXPECT_TRUE(Copy());
@@ -146,33 +143,6 @@ TEST_F(CopyDiskTest, ABlockPassedOverMovesNothingAndIsNotCalledRead) {
     EXPECT_EQ(PictureOf(ledger.Map()), "0+256+ 256+256? 512+256+");
     EXPECT_EQ(ByteVector(Target.Content.begin() + 512 * 512, Target.Content.end()),
               ByteVector(Original.begin() + 512 * 512, Original.end()));
-}
-
-TEST_F(CopyDiskTest, AnImageOpensAndGivesTheVolumesOfItsDisk) {
-    for (const std::uint32_t sectorBytes : {512U, 4096U}) {
-        SCOPED_TRACE(sectorBytes);
-        VolumeGeometry geometry;
-        geometry.SectorBytes = sectorBytes;
-        geometry.SectorsPerCluster = 4096 / sectorBytes;
-        geometry.RecordBytes = std::max(1024U, sectorBytes);
-        geometry.TotalSectors = 16383U * 512U / sectorBytes;
-        const VolumeBuilder volume(geometry);
-        OpenDisk(volume.SharedImage(), static_cast<std::uint16_t>(sectorBytes), sectorBytes);
-        ASSERT_EQ(ReadPartitionTable(), 1U);
-        const StoredCandidate candidate = EncodeCandidate(Engine.SourceDisk.Partitions.front(), false);
-        const std::uint64_t sectors = Total();
-        Target.Content.clear();
-        ASSERT_TRUE(Copy());
-
-        const CopyFolder scratch;
-        WriteFileBytes(scratch / "disk.th2", Target.Content);
-        ASSERT_EQ(OpenImageFile(scratch / "disk.th2"), kErrorNone);
-        EXPECT_EQ(SectorBytes(), sectorBytes);
-        EXPECT_EQ(Total(), sectors);
-        ASSERT_EQ(ReadPartitionTable(), 1U);
-        EXPECT_EQ(EncodeCandidate(Engine.SourceDisk.Partitions.front(), false), candidate);
-        EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
-    }
 }
 
 } // namespace thntfs::test

@@ -29,7 +29,7 @@ private:
 };
 
 /// Sectors with their number in them, so that each differs from all others and from zeros.
-inline ByteVector DiskBytes(std::uint64_t sectors, std::uint32_t sectorBytes = 512) {
+inline ByteVector DiskBytes(std::uint64_t sectors, std::uint32_t sectorBytes) {
     ByteVector bytes(sectors * sectorBytes);
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         const std::uint64_t sector = i / sectorBytes + 1;
@@ -75,12 +75,12 @@ protected:
     MemoryFile Target;
 };
 
-/// The areas of a map as "first+size state", in sectors.
-inline std::string PictureOf(const CopyMap& map, std::uint64_t sectorBytes = 512) {
+/// The areas of a map as "first+size state", in sectors of 512 bytes.
+inline std::string PictureOf(const CopyMap& map) {
     std::string picture;
     map.ForEach([&](const Area& area) {
-        picture += (picture.empty() ? "" : " ") + std::to_string(area.First / sectorBytes) + "+" +
-                   std::to_string(area.Size / sectorBytes) + static_cast<char>(area.State);
+        picture += (picture.empty() ? "" : " ") + std::to_string(area.First / 512) + "+" +
+                   std::to_string(area.Size / 512) + static_cast<char>(area.State);
     });
     return picture;
 }

@@ -13,31 +13,26 @@ public:
         , plan_(std::move(plan)) {}
 
     ErrorCode Write(ConstBytes bytes) override {
-        return WriteOrHalf(bytes, [this](ConstBytes part) { return inner_->Write(part); });
+        const ErrorCode error = plan_->NextCall();
+        const ErrorCode done = inner_->Write(WholeOrHalf(bytes, error));
+        return error == kErrorNone ? done : error;
     }
     ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
-        return WriteOrHalf(bytes, [=, this](ConstBytes part) { return inner_->WriteAt(offset, part); });
+        const ErrorCode error = plan_->NextCall();
+        const ErrorCode done = inner_->WriteAt(offset, WholeOrHalf(bytes, error));
+        return error == kErrorNone ? done : error;
     }
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
         got = 0;
-        return plan_->Try([&] { return inner_->ReadAt(offset, buffer, got); });
+        return plan_->Try(&File::ReadAt, *inner_, offset, buffer, got);
     }
-    ErrorCode Size(std::uint64_t& bytes) override {
-        return plan_->Try([&] { return inner_->Size(bytes); });
-    }
-    ErrorCode Sync() override {
-        return plan_->Try([this] { return inner_->Sync(); });
-    }
-    ErrorCode Close() override {
-        return plan_->Try([this] { return inner_->Close(); });
-    }
+    ErrorCode Size(std::uint64_t& bytes) override { return plan_->Try(&File::Size, *inner_, bytes); }
+    ErrorCode Sync() override { return plan_->Try(&File::Sync, *inner_); }
+    ErrorCode Close() override { return plan_->Try(&File::Close, *inner_); }
 
 private:
-    template <typename Road>
-    ErrorCode WriteOrHalf(ConstBytes bytes, Road write) {
-        const ErrorCode error = plan_->NextCall();
-        const ErrorCode done = write(error == kErrorNone ? bytes : bytes.first(bytes.size() / 2));
-        return error == kErrorNone ? done : error;
+    static ConstBytes WholeOrHalf(ConstBytes bytes, ErrorCode error) {
+        return error == kErrorNone ? bytes : bytes.first(bytes.size() / 2);
     }
 
     std::unique_ptr<File> inner_;
@@ -68,20 +63,19 @@ std::unique_ptr<File> FailingFileStore::Wrap(std::unique_ptr<File> file) {
 }
 
 ErrorCode FailingFileStore::Open(const std::string& path, FileMode mode, std::unique_ptr<File>& file) {
-    const ErrorCode error = plan_->Try([&] { return inner_.Open(path, mode, file); });
+    const ErrorCode error = plan_->Try(&FileStore::Open, inner_, path, mode, file);
     file = error == kErrorNone ? Wrap(std::move(file)) : nullptr;
     return error;
 }
 
 ErrorCode FailingFileStore::Delete(const std::string& path) {
-    return plan_->Try([&] { return inner_.Delete(path); });
+    return plan_->Try(&FileStore::Delete, inner_, path);
 }
 
 ErrorCode FailingFileStore::Admit(std::unique_ptr<File>& file) {
-    return plan_->Try([&] {
-        file = Wrap(std::move(file));
-        return kErrorNone;
-    });
+    const ErrorCode error = plan_->NextCall();
+    file = error == kErrorNone ? Wrap(std::move(file)) : std::move(file);
+    return error;
 }
 
 } // namespace thntfs::test

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace thntfs::test {
 
@@ -20,10 +21,10 @@ struct FailurePlan {
     ErrorCode NextCall();
 
     /// The same, and where it doesn't fail the call itself.
-    template <typename Call>
-    ErrorCode Try(Call call) {
+    template <typename Method, typename Object, typename... Arguments>
+    ErrorCode Try(Method method, Object& object, Arguments&&... arguments) {
         const ErrorCode error = NextCall();
-        return error == kErrorNone ? call() : error;
+        return error == kErrorNone ? (object.*method)(std::forward<Arguments>(arguments)...) : error;
     }
 };
 

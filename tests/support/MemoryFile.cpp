@@ -72,16 +72,12 @@ namespace {
 class MemoryFileStore final : public FileStore {
 public:
     ErrorCode Open(const std::string& path, FileMode mode, std::unique_ptr<File>& file) override {
-        const bool creates = mode == FileMode::CreateOwn;
-        if (!creates && !Content.contains(path)) {
-            file.reset();
-            return kErrorFileNotFound;
-        }
-        if (creates) {
+        if (mode == FileMode::CreateOwn) {
             Content[path].Clear();
         }
-        file = Content[path].Open();
-        return kErrorNone;
+        const bool isThere = Content.contains(path);
+        file = isThere ? Content[path].Open() : nullptr;
+        return isThere ? kErrorNone : kErrorFileNotFound;
     }
     ErrorCode Delete(const std::string& path) override {
         return Content.erase(path) != 0 ? kErrorNone : kErrorFileNotFound;
