@@ -1,6 +1,5 @@
 #include "frame/ScanInfoFiles.h"
 
-#include "catalogue/Catalogue.h"
 #include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"

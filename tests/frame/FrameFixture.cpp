@@ -66,9 +66,10 @@ FrameFixture::~FrameFixture() {
     ResetEngineState();
 }
 
-std::string FrameFixture::SavedScanOf(const std::string& medium) {
+std::string FrameFixture::SavedScanOf(const std::string& medium, std::vector<std::string> options) {
     const std::string path = Folder / "saved.tht";
-    const RunResult result = RunProgram(CliPath(), {"scan", medium, "--save-info", path});
+    options.insert(options.begin(), {"scan", medium, "--save-info", path});
+    const RunResult result = RunProgram(CliPath(), options);
     EXPECT_EQ(result.Status, 0) << result.Err;
     return path;
 }
@@ -110,6 +111,7 @@ bool FrameFixture::Drop(const std::string& path) {
 }
 
 void FrameFixture::ChooseInMenu(const char* path) {
+    RunEvents();
     QStringList titles = QString::fromLatin1(path).split(QLatin1Char('/'));
     QMenuBar* bar = Frame->menuBar();
     QAction* action = &ActionTitled(bar->actions(), titles.takeFirst());

@@ -44,8 +44,9 @@ protected:
     /// Path of one of the packed volumes.
     static std::string Volume(const std::string& name) { return VolumeFolder() + "/" + name; }
 
-    /// Has the terminal program scan a medium and save the result; gives the path of the file.
-    std::string SavedScanOf(const std::string& medium);
+    /// Has the terminal program scan a medium and save the result; gives the path of the file, always the
+    /// same.
+    std::string SavedScanOf(const std::string& medium, std::vector<std::string> options = {});
 
     /// Loads a saved scan as the user does, by the menu and the file dialog.
     void LoadByMenu(const std::string& path);

@@ -41,8 +41,13 @@ TEST_F(LoadSavedScan, FillsTheWindowAndIsSavedAsItWas) {
     QTest::keyClick(&Tree(), Qt::Key_Space); // marks all
     EXPECT_EQ(Pane(2), "Marked " + Pane(1));
 
+    Tree().setCurrentIndex(Tree().model()->index(0, 0, Tree().model()->index(0, 0)));
+    QTest::keyClick(&Tree(), Qt::Key_Return);
+    EXPECT_NE(Details().model()->index(0, 0).data(), QStringLiteral(" Root"));
+    ChooseInMenu("Tools/Go to Parent Folder");
+    EXPECT_EQ(Details().model()->index(0, 0).data(), QStringLiteral(" Root"));
+
     ChooseInMenu(kLoadTree); // and cancelled
-    EXPECT_EQ(TreeText(), tree);
     const std::string copy = Folder / "copy";
     Answers.AnswerFile(QString::fromStdString(copy));
     ChooseInMenu(kSaveTree);
@@ -57,7 +62,7 @@ TEST_F(LoadSavedScan, FillsTheWindowAndIsSavedAsItWas) {
     ChooseInMenu(kSaveTree);
     EXPECT_EQ(Answers.Boxes.size(), 1U);
     EXPECT_EQ(LogRows().size(), 4U);
-    Frame->close();
+    ChooseInMenu("File/Exit");
     EXPECT_FALSE(Frame->isVisible()) << "it is in a file, so nothing is asked";
 }
 
@@ -121,8 +126,6 @@ TEST_F(LoadSavedScan, TheLogIsSavedAndARefusedWriteIsTold) {
     const std::string target = Folder / "log.txt";
     Answers.AnswerFile(QString::fromStdString(Folder / "log")); // the extension comes of itself
     ChooseInMenu("Tools/Save Process Log");
-    EXPECT_EQ(Answers.SuggestedFiles.back().toStdString(),
-              "Tarnholt Volume Salvage (NTFS) ver 2.0.1 Process Log.txt");
     std::string expected = LogHeadText();
     for (const ProcessLogEntry& row : Log().Rows()) {
         expected += LogRowText(row);

@@ -202,9 +202,7 @@ TEST_F(ScanJobs, ADiskThatGoesAwayEndsTheScanWithABox) {
     Load();
     Plan->Rules.push_back({0, kForever, kErrorNotReady});
     Scan();
-    ASSERT_GE(Answers.Boxes.size(), 2U);
-    EXPECT_TRUE(BoxTexts()[0].starts_with("Error: "));
-    EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Critical);
+    EXPECT_TRUE(BoxTexts().at(0).starts_with("Error: "));
     EXPECT_EQ(LogRows().back(), kBasicScanLines.back());
     EXPECT_TRUE(LogRows().at(3).starts_with("At least 172 records could not be read")) << LogRows().at(3);
 }

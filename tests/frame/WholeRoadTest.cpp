@@ -67,14 +67,6 @@ protected:
         EXPECT_TRUE(WaitForIdle());
     }
 
-    /// What the terminal program saves of the same work.
-    std::string TerminalScan(std::vector<std::string> words) {
-        words.insert(words.begin(), {"scan", "--save-info", Folder / "terminal.tht"});
-        const RunResult result = RunProgram(CliPath(), words);
-        EXPECT_EQ(result.Status, 0) << result.Err;
-        return ReadWholeFile(Folder / "terminal.tht");
-    }
-
     std::string DesktopScan(const std::string& name) {
         Answers.AnswerFile(QString::fromStdString(Folder / name));
         ChooseInMenu(kSaveTree);
@@ -94,7 +86,7 @@ TEST_F(WholeRoad, AnImageBothScansAndTheNextVolume) {
     lines.insert(lines.end(), kBasicScanLines.begin(), kBasicScanLines.end());
     EXPECT_EQ(LogRows(), lines);
     EXPECT_NE(TreeText().find("    Reused\n"), std::string::npos) << TreeText();
-    EXPECT_EQ(DesktopScan("basic.tht"), TerminalScan({Image}));
+    EXPECT_EQ(DesktopScan("basic.tht"), ReadWholeFile(SavedScanOf(Image)));
 
     ASSERT_TRUE(WaitUntil([this] { return IsOffered("Turbo Scan"); }));
     const std::string tree = TreeText();
@@ -110,7 +102,7 @@ TEST_F(WholeRoad, AnImageBothScansAndTheNextVolume) {
     EXPECT_EQ(Answers.Boxes.back().Text, QStringLiteral("Turbo Scan Completed"));
     EXPECT_EQ(TreeText(), tree);
     EXPECT_FALSE(IsOffered("Turbo Scan"));
-    EXPECT_EQ(DesktopScan("turbo.tht"), TerminalScan({Image, "--turbo"}));
+    EXPECT_EQ(DesktopScan("turbo.tht"), ReadWholeFile(SavedScanOf(Image, {"--turbo"})));
 
     TheDesktopHost().SetSearchDialog(Frame.get());
     EXPECT_FALSE(IsOffered("Open found Logical Drive")) << "a search's thread has the list";
@@ -206,7 +198,7 @@ TEST_F(WholeRoad, AnUnsavedScanIsAskedAboutBeforeADropTakesItsPlace) {
     Answers.AnswerFile(QString::fromStdString(Folder / "kept.tht"));
     DropAndAnswer(other, QMessageBox::Yes);
     EXPECT_TRUE(TreeIsEmpty());
-    EXPECT_EQ(ReadWholeFile(Folder / "kept.tht"), TerminalScan({Image}));
+    EXPECT_EQ(ReadWholeFile(Folder / "kept.tht"), ReadWholeFile(SavedScanOf(Image)));
 
     DropSaved(saved);
     Frame->BeginBasicScan();
