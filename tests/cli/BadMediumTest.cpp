@@ -57,6 +57,9 @@ TEST_F(BadMediumTest, WhatHoldsNoVolumeIsToldByEveryCommand) {
 TEST_F(BadMediumTest, AVolumeWithoutABootSectorKeepsItsNumberAndIsNotPassedOver) {
     fs::copy_file(PackedPath("logical"), image_);
     Json wanted = Json::parse(RunCli({"partitions", image_, "--json"}).Out);
+    for (const std::uint64_t sector : {std::uint64_t{12351}, wanted[1]["startSector"].get<std::uint64_t>()}) {
+        Expect(3, {"partitions", image_}, "", WithBadSectors(image_, {sector})); // a table, a boot sector
+    }
     const RunResult second = RunCli({"list", image_, "-p", "2", "-r"});
     std::fstream(image_, std::ios::in | std::ios::out)
         .seekp(wanted[0]["startSector"].get<std::int64_t>() * 512)
@@ -96,6 +99,7 @@ TEST_F(BadMediumTest, TruncatedImageGivesWhatIsLeft) {
     }
     fs::resize_file(image_, 2049 * 512); // just the boot sector is left
     ExpectRefused(1, {"scan", image_}, "Critical structures not found");
+    EXPECT_EQ(Json::parse(Expect(3, {"scan", image_, "--turbo", "--json"}).Out)["files"], 0);
 }
 
 TEST_F(BadMediumTest, ATableThatCannotBeReadIsToldAndNeverCalledComplete) {
@@ -133,6 +137,12 @@ TEST_F(BadMediumTest, BadSectorsAreWorkedAroundAndTold) {
         EXPECT_EQ(totals["files"], 1);
         EXPECT_EQ(totals["complete"], false);
     }
+    Expect(3, {"partitions", image_, "--search", "thorough"}, "Volumes whose traces lie there are missing",
+           faults);
+    Expect(1, {"list", image_}, "The partition table of " + image_ + " can't be read",
+           WithBadSectors(image_, {0}));
+    Expect(1, {"list", image_}, "look whether it is still attached",
+           WithFaults(image_, "read", {{"FAULT_BAD", "0 99999999999"}}));
     content.replace(512, 512, 512, '\0');
     const RunSetup inData = WithBadSectors(image_, {data + 1});
     EXPECT_TRUE(Expect(3, {"cat", image_, "/file.bin"}, "zeros", inData).Out == content);
@@ -158,8 +168,9 @@ TEST_F(BadMediumTest, AMediumThatGoesIsNeverCalledDone) {
         fs::remove(At("copy"));
         fs::remove(At("copy.map"));
         const std::string last = std::to_string(LinesOf(ReadWholeFile(At("reads"))).size());
-        Expect(status, words, "Error: The device is not ready",
-               WithFaults(image_, "read", {{"FAULT_HOW", "gone"}, {"FAULT_AT", last}}));
+        const RunResult run = Expect(status, words, "Error: The device is not ready",
+                                     WithFaults(image_, "read", {{"FAULT_HOW", "gone"}, {"FAULT_AT", last}}));
+        EXPECT_EQ(run.Err.find("Error:"), run.Err.rfind("Error:")) << "told once: " << run.Err;
     }
 }
 

@@ -40,6 +40,7 @@ TEST_F(SaveTest, FoldersAreMadeAgainAndNothingIsWrittenOver) {
     files["Letters/gone (2).txt"] = "gone";
     EXPECT_EQ(FilesBelow(target_), files);
     Save(1, {"/not there.txt"}, "No entry has the path /not there.txt");
+    Save(3, {"--deleted", "/not there.txt", "/Letters/to whom.txt"}); // a live one is left out
 }
 
 TEST_F(SaveTest, NoNameLeadsOutOfTheTargetAndNoneHidesAnother) {

@@ -133,6 +133,7 @@ TEST_F(ScanInfoCommandTest, WhatCannotBeSavedIsToldAndMostOfItBeforeTheScan) {
     fs::create_symlink(image_, At("image.tht"));
     for (const Words& words : {Words{"scan", image_, "--save-info", At("image.tht")},
                                {"scan", image_, "--save-info", At("image")},
+                               {"scan", tree_, "--save-info", At("image")},
                                {"scan", image_, "--save-info", At("no/folder")},
                                {"list", image_, "--log", image_},
                                {"list", image_, "--log", At("other.log")},

@@ -70,6 +70,14 @@ TEST_F(StopTest, ScanShowsAndKeepsWhatWasFoundBeforeCtrlC) {
     EXPECT_TRUE(fs::is_empty(temp_)) << "the temporary folder stayed";
 }
 
+TEST_F(StopTest, NothingIsShownWhereTheVolumeWasNotFoundYet) {
+    volume_.WriteTo(image_);
+    RunSetup slow = WithFaults(image_, "read",
+                               {{"FAULT_SLOW", "200000"}, {"FAULT_LIST", At("reads")}, {"TMPDIR", temp_}});
+    slow.Interrupt = [this] { return Contains(ReadWholeFile(At("reads")), "\t0\t512"); };
+    EXPECT_EQ(Expect(3, {"list", image_}, "Stopped before the volume was found.", slow).Out, "");
+}
+
 TEST_F(StopTest, SaveLeavesNoHalfWrittenFile) {
     constexpr std::uint64_t kBytes = 6 * kGibibyte;
     if (fs::space(scratch_.Path()).available < 2 * kBytes) {
