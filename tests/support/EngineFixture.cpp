@@ -1,5 +1,6 @@
 #include "support/EngineFixture.h"
 
+#include "partitions/BootSector.h"
 #include "platform/media/Medium.h"
 
 #include <fstream>
@@ -9,19 +10,8 @@ namespace thntfs::test {
 
 PartitionCandidate CandidateOf(const VolumeGeometry& geometry) {
     PartitionCandidate candidate;
-    candidate.StartSector = geometry.StartSector;
-    candidate.TotalSectors = geometry.TotalSectors;
-    candidate.MftCluster = geometry.MftCluster();
-    candidate.MftMirrCluster = geometry.MirrorCluster;
-    candidate.MftSector = geometry.SectorOf(geometry.MftCluster());
-    candidate.ClusterBytes = geometry.ClusterBytes();
-    candidate.FileRecordBytes = static_cast<std::uint16_t>(geometry.RecordBytes);
-    candidate.IndexBlockBytes = geometry.IndexBlockBytes;
-    candidate.BytesPerSector = static_cast<std::uint16_t>(geometry.SectorBytes);
-    candidate.SectorsPerCluster = static_cast<std::uint8_t>(geometry.SectorsPerCluster);
-    candidate.SectorsPerFileRecord = static_cast<std::uint8_t>(geometry.RecordBytes / geometry.SectorBytes);
-    candidate.SectorsPerIndexBlock =
-        static_cast<std::uint8_t>(geometry.IndexBlockBytes / geometry.SectorBytes);
+    DecodeTableBootSector(EncodeBootSector(BootFieldsOf(geometry)), geometry.StartSector,
+                          static_cast<std::uint32_t>(geometry.TotalSectors), candidate);
     return candidate;
 }
 

@@ -122,22 +122,9 @@ void VolumeBuilder::AddFile(const FileSpec& file) {
         record.AddData(ConstBytes(file.Content));
     }
     PlaceRecord(record);
-    LinkChild(file.Parent, FileReference(file.Number), name);
 }
 
 void VolumeBuilder::AddFolder(const FolderSpec& folder) {
-    folders_[folder.Number] = {folder, false};
-    PlaceFolder(folder, {});
-    if (folder.Number != folder.Parent) {
-        LinkChild(folder.Parent, FileReference(folder.Number),
-                  {.Parent = FileReference(folder.Parent),
-                   .Name = folder.Name,
-                   .AttributeBits = kFolderBit,
-                   .Times = folder.Times});
-    }
-}
-
-void VolumeBuilder::PlaceFolder(const FolderSpec& folder, const std::vector<IndexEntry>& entries) {
     PlaceRecord(NewRecord(folder.Number)
                     .SetInUse(folder.Live)
                     .SetFolder(true)
@@ -146,16 +133,7 @@ void VolumeBuilder::PlaceFolder(const FolderSpec& folder, const std::vector<Inde
                                   .Name = folder.Name,
                                   .AttributeBits = kFolderBit,
                                   .Times = folder.Times})
-                    .AddIndexRoot(entries));
-}
-
-void VolumeBuilder::LinkChild(std::uint32_t parent, std::uint64_t reference, const FileNameValue& name) {
-    const auto found = folders_.find(parent);
-    if (found == folders_.end() || found->second.HasChild) {
-        return;
-    }
-    found->second.HasChild = true;
-    PlaceFolder(found->second.Spec, {{.Reference = reference, .Key = name}});
+                    .AddIndexRoot({}));
 }
 
 } // namespace thntfs::test

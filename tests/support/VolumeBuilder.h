@@ -5,8 +5,6 @@
 #include "support/VolumeBuilderMedium.h"
 #include "support/VolumeBuilderRecord.h"
 
-#include <map>
-
 namespace thntfs::test {
 
 /// A plain file. Without clusters its bytes are resident.
@@ -21,7 +19,7 @@ struct FileSpec {
     std::uint32_t AttributeBits = kArchiveBit;
 };
 
-/// A plain folder. Its index root gets the first child that is added to it as its first key.
+/// A plain folder, with an empty index: who it holds, each child says.
 struct FolderSpec {
     std::uint32_t Number = 0;
     std::uint32_t Parent = 5;
@@ -66,20 +64,12 @@ public:
     void WriteTo(const std::string& path) const { WriteFileBytes(path, *image_); }
 
 private:
-    struct PlainFolder {
-        FolderSpec Spec;
-        bool HasChild = false;
-    };
-
     void WriteDiskStructures();
     void WriteMetafiles();
-    void PlaceFolder(const FolderSpec& folder, const std::vector<IndexEntry>& entries);
-    void LinkChild(std::uint32_t parent, std::uint64_t reference, const FileNameValue& name);
 
     VolumeGeometry geometry_;
     std::shared_ptr<ByteVector> image_;
     std::uint64_t nextCluster_ = 0;
-    std::map<std::uint32_t, PlainFolder> folders_;
 };
 
 } // namespace thntfs::test

@@ -115,49 +115,11 @@ RecordBuilder::RecordBuilder(const VolumeGeometry& geometry, std::uint32_t numbe
     , form_(form)
     , first_(RoundUp8(ArrayOffset() + 2 * (geometry.RecordBytes / geometry.SectorBytes + 1))) {}
 
-RecordBuilder& RecordBuilder::SetInUse(bool inUse) {
-    flags_ = static_cast<std::uint16_t>((flags_ & ~1U) | (inUse ? 1U : 0U));
-    return *this;
-}
-
-RecordBuilder& RecordBuilder::SetFolder(bool folder) {
-    flags_ = static_cast<std::uint16_t>((flags_ & ~2U) | (folder ? 2U : 0U));
-    return *this;
-}
-
-RecordBuilder& RecordBuilder::SetBase(std::uint64_t baseReference) {
-    base_ = baseReference;
-    return *this;
-}
-
-RecordBuilder& RecordBuilder::SetSequence(std::uint16_t sequence) {
-    sequence_ = sequence;
-    return *this;
-}
-
 RecordBuilder& RecordBuilder::AddStandardInformation(const FileTimes& times, std::uint32_t attributeBits) {
     ByteVector value(72);
     PutTimes(value, 0, times);
     PutNumber(value, 32, attributeBits);
     return AddResident(kStandardInformation, value);
-}
-
-RecordBuilder& RecordBuilder::AddFileName(const FileNameValue& value) {
-    return AddResident(kFileName, EncodeFileName(value));
-}
-
-RecordBuilder& RecordBuilder::AddData(ConstBytes value, std::u16string_view name, std::uint16_t flags) {
-    return AddResident(kData, value, name, flags);
-}
-
-RecordBuilder& RecordBuilder::AddData(const NonResidentValue& value) { return AddNonResident(kData, value); }
-
-RecordBuilder& RecordBuilder::AddAttributeList(const std::vector<ListEntry>& entries) {
-    return AddResident(kAttributeList, EncodeAttributeList(entries));
-}
-
-RecordBuilder& RecordBuilder::AddAttributeList(const NonResidentValue& value) {
-    return AddNonResident(kAttributeList, value);
 }
 
 RecordBuilder& RecordBuilder::AddIndexRoot(const std::vector<IndexEntry>& entries) {
@@ -209,11 +171,6 @@ RecordBuilder& RecordBuilder::Poke(std::size_t offset, std::size_t width, std::u
         throw std::length_error("poke beyond the record");
     }
     pokes_.push_back({offset, width, value});
-    return *this;
-}
-
-RecordBuilder& RecordBuilder::OmitEndMarker() {
-    endMarker_ = false;
     return *this;
 }
 

@@ -75,18 +75,32 @@ class RecordBuilder {
 public:
     RecordBuilder(const VolumeGeometry& geometry, std::uint32_t number, RecordForm form = RecordForm::Newer);
 
-    RecordBuilder& SetInUse(bool inUse);
-    RecordBuilder& SetFolder(bool folder);
-    RecordBuilder& SetBase(std::uint64_t baseReference);
-    RecordBuilder& SetSequence(std::uint16_t sequence);
+    RecordBuilder& SetInUse(bool inUse) { return SetFlag(1, inUse); }
+    RecordBuilder& SetFolder(bool folder) { return SetFlag(2, folder); }
+    RecordBuilder& SetBase(std::uint64_t baseReference) {
+        base_ = baseReference;
+        return *this;
+    }
+    RecordBuilder& SetSequence(std::uint16_t sequence) {
+        sequence_ = sequence;
+        return *this;
+    }
 
     RecordBuilder& AddStandardInformation(const FileTimes& times = EqualTimes(),
                                           std::uint32_t attributeBits = kArchiveBit);
-    RecordBuilder& AddFileName(const FileNameValue& value);
-    RecordBuilder& AddData(ConstBytes value, std::u16string_view name = {}, std::uint16_t flags = 0);
-    RecordBuilder& AddData(const NonResidentValue& value);
-    RecordBuilder& AddAttributeList(const std::vector<ListEntry>& entries);
-    RecordBuilder& AddAttributeList(const NonResidentValue& value);
+    RecordBuilder& AddFileName(const FileNameValue& value) {
+        return AddResident(kFileName, EncodeFileName(value));
+    }
+    RecordBuilder& AddData(ConstBytes value, std::u16string_view name = {}, std::uint16_t flags = 0) {
+        return AddResident(kData, value, name, flags);
+    }
+    RecordBuilder& AddData(const NonResidentValue& value) { return AddNonResident(kData, value); }
+    RecordBuilder& AddAttributeList(const std::vector<ListEntry>& entries) {
+        return AddResident(kAttributeList, EncodeAttributeList(entries));
+    }
+    RecordBuilder& AddAttributeList(const NonResidentValue& value) {
+        return AddNonResident(kAttributeList, value);
+    }
     /// Resident index root "$I30" over file names.
     RecordBuilder& AddIndexRoot(const std::vector<IndexEntry>& entries);
     RecordBuilder& AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name = {},
@@ -106,7 +120,10 @@ public:
     RecordBuilder& Poke32(std::size_t offset, std::uint32_t value) { return Poke(offset, 4, value); }
     RecordBuilder& Poke(std::size_t offset, std::size_t width, std::uint64_t value);
     /// No end marker; bytes in use end with the last attribute.
-    RecordBuilder& OmitEndMarker();
+    RecordBuilder& OmitEndMarker() {
+        endMarker_ = false;
+        return *this;
+    }
 
     /// The record without protection, as it stands after a check.
     [[nodiscard]] ByteVector RawBytes() const;
@@ -114,6 +131,10 @@ public:
     [[nodiscard]] ByteVector Finish() const;
 
 private:
+    RecordBuilder& SetFlag(unsigned bit, bool set) {
+        flags_ = static_cast<std::uint16_t>(set ? flags_ | bit : flags_ & ~bit);
+        return *this;
+    }
     void WriteHeader(Bytes record, std::size_t used) const;
     [[nodiscard]] std::size_t ArrayOffset() const { return form_ == RecordForm::Newer ? 48 : 42; }
 
