@@ -7,14 +7,6 @@
 
 namespace thntfs {
 
-namespace {
-
-int PercentOf(std::uint64_t done, std::uint64_t total) {
-    return total == 0 ? 0 : static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * 100);
-}
-
-} // namespace
-
 void DesktopHost::LogEvent(const ProcessLogEntry& entry) { WM_LOG_EVENT.Send(MainWindow(), entry); }
 
 // The bar shows whole percents, so a look that would not change it is spared the way to the other thread.
@@ -69,6 +61,10 @@ void DesktopHost::CopyPosition(std::uint64_t sectorsDone, std::uint64_t totalSec
 DesktopHost& TheDesktopHost() {
     static DesktopHost host;
     return host;
+}
+
+int PercentOf(std::uint64_t done, std::uint64_t total) {
+    return total == 0 ? 0 : static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * 100);
 }
 
 int ProgressPercent() { return PercentOf(Engine.ProgressDone, Engine.ProgressTotal); }

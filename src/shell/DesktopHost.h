@@ -39,7 +39,10 @@ private:
 /// The one that the program runs with.
 DesktopHost& TheDesktopHost();
 
-/// ProgressDone of ProgressTotal in whole percent, rounded down. A total of 0 gives 0.
+/// Whole percent, rounded down. A total of 0 gives 0.
+int PercentOf(std::uint64_t done, std::uint64_t total);
+
+/// The percent of ProgressDone in ProgressTotal.
 int ProgressPercent();
 
 } // namespace thntfs

@@ -117,19 +117,19 @@ void CTHNTFSTreeView::SelectChild(std::uint32_t entryId) {
     if (!child || *child == FolderTreeModel::kTop || model_->Node(*child).Parent != parent) {
         return;
     }
-    model_->SetCurrent(*child);
-    Select(*child);
-    ExpandWithParents(model_->IndexOf(*child));
+    GoTo(*child);
 }
 
 void CTHNTFSTreeView::SelectFolder(std::uint32_t entryId) {
-    const auto place = model_->PlaceOfEntry(entryId);
-    if (!place) {
-        return;
+    if (const auto place = model_->PlaceOfEntry(entryId)) {
+        GoTo(*place);
     }
-    model_->SetCurrent(*place);
-    Select(*place);
-    ExpandWithParents(model_->IndexOf(*place));
+}
+
+void CTHNTFSTreeView::GoTo(std::uint32_t place) {
+    model_->SetCurrent(place);
+    Select(place);
+    ExpandWithParents(model_->IndexOf(place));
 }
 
 void CTHNTFSTreeView::Select(std::uint32_t place) {
@@ -150,9 +150,7 @@ void CTHNTFSTreeView::ShowInList(std::uint32_t place) {
 
 void CTHNTFSTreeView::ChooseSelected() {
     const std::uint32_t place = model_->PlaceOf(currentIndex());
-    model_->SetCurrent(place);
-    Select(place);
-    ExpandWithParents(currentIndex());
+    GoTo(place);
     ShowInList(place);
 }
 

@@ -62,6 +62,7 @@ private:
     void TakeFolders(FolderNodes& folders);
     void SelectChild(std::uint32_t entryId);
     void SelectFolder(std::uint32_t entryId);
+    void GoTo(std::uint32_t place);
     void Select(std::uint32_t place);
     void ExpandWithParents(QModelIndex index);
     void ShowInList(std::uint32_t place);

@@ -125,11 +125,10 @@ void CLogicalDrivesFound::ShowPosition(std::uint32_t position, std::uint32_t tot
     if (total == 0) {
         return;
     }
-    const double part = static_cast<double>(position) / static_cast<double>(total);
-    const auto percent = static_cast<std::uint32_t>(part * 100);
+    const int percent = PercentOf(position, total);
     if (percent != lastPercent_) {
         lastPercent_ = percent;
-        bar_->setValue(static_cast<int>(percent));
+        bar_->setValue(percent);
         percent_->setText(QStringLiteral("%1 %").arg(percent));
     }
     position_->setText(QStringLiteral("Scanning sector %1 of %2").arg(position).arg(total));

@@ -56,7 +56,7 @@ private:
     QLabel* position_;
     QProgressBar* bar_;
     QPushButton* abort_;
-    std::uint32_t lastPercent_ = 0;
+    int lastPercent_ = 0;
     std::uint8_t foundCount_ = 0;
     bool asking_ = false;        ///< the abort question stands
     bool over_ = false;          ///< the search has ended and the user knows

@@ -121,6 +121,8 @@ TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
 }
 
 TEST_F(PagesTest, DiskPageStartsAfreshFromTheMainPage) {
+    MakeSheet(std::vector<DiskInfo>(300, MadeUpDisks()[1]));
+    EXPECT_EQ(Sheet->State().Disks.size(), 255U) << "number 255 means none";
     RunWith([&] {
         Press("Recover your Data");
         Press("Next >");
@@ -181,6 +183,9 @@ TEST_F(PagesTest, ImagingWantsADiskAndAPath) {
         Press("Select destination path");
         EXPECT_EQ(Labels(), Texts{"Destination path :" + (Scratch / "it's a disk.th2")});
         EXPECT_EQ(Buttons(), "< Back Finish");
+        Answers.AnswerFile(QString::fromStdString(Scratch / "it's a disk.th2"));
+        Press("Select destination path");
+        EXPECT_EQ(Labels(), Texts{"Destination path :" + (Scratch / "it's a disk.th2")});
         ChooseDisk(-1);
         EXPECT_EQ(Buttons(), "< Back (Finish)") << "without a source";
         ChooseDisk(1);

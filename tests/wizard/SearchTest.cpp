@@ -1,6 +1,7 @@
 #include "WizardFixture.h"
 #include "partitions/OpenSource.h"
 #include "platform/media/Medium.h"
+#include "shell/DesktopHost.h"
 #include "shell/PauseGate.h"
 #include "support/FaultyMedium.h"
 #include "wizard/ChooseSectorRange.h"
@@ -32,15 +33,14 @@ protected:
         return Scratch / "wreck.th2";
     }
 
-    void OpenWreck() { ASSERT_EQ(OpenImageFile(MakeWreck()), kErrorNone); }
+    void OpenWreck() {
+        ASSERT_EQ(OpenImageFile(MakeWreck()), kErrorNone);
+        Engine.SourceDisk.MediaHandle = MakeFaultyMedium(std::move(Engine.SourceDisk.MediaHandle), Plan);
+    }
 
     void OpenSlowWreck() {
         OpenWreck();
-        auto plan = std::make_shared<FaultPlan>();
-        plan->OnRead = [](std::uint64_t, const ReadRequest&) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        };
-        Engine.SourceDisk.MediaHandle = MakeFaultyMedium(std::move(Engine.SourceDisk.MediaHandle), plan);
+        Plan->OnRead = [](auto, auto) { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
     }
 
     void AnswerMode(const char* method, const char* button = "OK") {
@@ -54,6 +54,8 @@ protected:
         Answers.When<CChooseSectorRange>(
             [button](CChooseSectorRange& dialog) { test::Press(dialog, button); });
     }
+
+    std::shared_ptr<FaultPlan> Plan = std::make_shared<FaultPlan>();
 };
 
 TEST_F(SearchTest, EachMethodFromTheImagePageAndBackFromEachQuestion) {
@@ -143,6 +145,7 @@ TEST_F(SearchTest, AbortKeepsWhatWasFound) {
     EXPECT_EQ(Arrived.back(), "1 Aborted searching partitions | -----------------");
     EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
     EXPECT_EQ(Engine.ScanRunFlag, 0U);
+    EXPECT_FALSE(TheDesktopHost().IsSearching());
 }
 
 TEST_F(SearchTest, EndOfTheProgramEndsTheSearch) {
@@ -206,6 +209,8 @@ TEST_F(SearchTest, RangeIsTestedWithEveryChange) {
         EXPECT_EQ(std::pair(bar.RangeStart(), bar.RangeEnd()), std::pair(barStart, barEnd)) << start;
         EXPECT_EQ(ButtonOf(dialog, "OK")->isEnabled(), barStart <= barEnd) << end;
     }
+    dialog.accept();
+    EXPECT_TRUE(dialog.isVisible()) << "with a fault";
     edits.at(0)->clear();
     QTest::keyClicks(edits.at(0), QStringLiteral("-1x2345678"));
     EXPECT_EQ(edits.at(0)->text(), QStringLiteral("12345")) << "digits, and no more than fit";
@@ -222,6 +227,7 @@ TEST_F(SearchTest, RangeIsTestedWithEveryChange) {
 
 TEST_F(SearchTest, RangeGoesIntoTheSearch) {
     OpenWreck();
+    Plan->Rules = {{3100, 2}};
     AnswerMode("Thorough Scan");
     Answers.When<CChooseSectorRange>([](CChooseSectorRange& dialog) {
         dialog.findChildren<QLineEdit*>().at(0)->setText(QStringLiteral("3000"));
@@ -230,6 +236,7 @@ TEST_F(SearchTest, RangeGoesIntoTheSearch) {
     });
     EXPECT_TRUE(SearchForPartitions(Engine.SourceDisk.TotalSectors, nullptr));
     EXPECT_EQ(Arrived.at(0), "0 Searching Logical Volumes | Sectors Range 3000 to 4000");
+    EXPECT_EQ(Arrived.back().find("1 2 sectors"), 0U) << Arrived.back();
     EXPECT_TRUE(Engine.SourceDisk.Partitions.empty());
     EXPECT_EQ(Boxes(), Texts{"Information: Thorough scan of drives completed."}) << "no advice";
 }

@@ -1,4 +1,6 @@
 #include "WizardFixture.h"
+#include "partitions/OpenSource.h"
+#include "partitions/PartitionTable.h"
 #include "platform/media/Medium.h"
 #include "support/FaultyMedium.h"
 #include "support/LoopDevice.h"
@@ -89,6 +91,9 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
     disk[63 * 512] = 0; // of the first boot sector
     Texts rows = kLogicalRows;
     rows[0] = "Logical drive 1: no NTFS boot sector stands there | 63 |   6.000 MB";
+    std::vector<DiskInfo> unreadable = MadeUpDisks();
+    unreadable[0].OpenError = kErrorAccessDenied;
+    MakeSheet(unreadable);
     Desktop.StructuresMissing = true;
     Sheet->OpenOnImage(Write("image", disk));
     EXPECT_FALSE(Desktop.StructuresMissing);
@@ -119,6 +124,7 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
     });
     EXPECT_EQ(result, kWizardFinished);
     EXPECT_EQ(Engine.VolumeParams.StartSector, 53382U);
+    EXPECT_TRUE(Answers.Boxes.empty()) << "nobody has asked for disks";
 }
 
 TEST_F(SourcePagesTest, SourceThatCannotBeOpenedKeepsThePage) {
@@ -137,6 +143,10 @@ TEST_F(SourcePagesTest, SourceThatCannotBeOpenedKeepsThePage) {
         Press("Next >");
         EXPECT_EQ(Heading(), "Select image to recover data");
         EXPECT_EQ(Labels().at(2), "The file can't be opened: " + SystemErrorText(kErrorFileNotFound));
+        KeepsOldScan = true;
+        Press("Next >");
+        KeepsOldScan = false;
+        EXPECT_EQ(Labels().at(2), "") << "it was not tried";
         Answers.AnswerFile(VolumePath("logical"));
         Press("Select Image File");
         EXPECT_EQ(Labels().at(2), "");
@@ -225,6 +235,14 @@ TEST_F(SourcePagesTest, ListAloneOffersNoWayBack) {
     EXPECT_FALSE(Desktop.StructuresMissing);
     EXPECT_EQ(Sheet->State().WizardLogEntry.Name, "Selected NTFS logical drive 12");
     EXPECT_EQ(Sheet->State().LogicalDriveNumber, 4) << "keys leave it alone";
+    ASSERT_EQ(OpenImageFile(VolumePath("basic").toStdString()), kErrorNone);
+    ASSERT_TRUE(ReadPartitionTable());
+    Engine.SourceDisk.Partitions.resize(12, Engine.SourceDisk.Partitions[0]);
+    RunWith([&] {
+        QTest::keyClick(&OnPage<QTableWidget>(), Qt::Key_End, Qt::ControlModifier);
+        Press("Finish");
+    });
+    EXPECT_EQ(Sheet->State().LogicalDriveNumber, 2) << "the last digit";
 }
 
 TEST_F(SourcePagesTest, DiskWithAPartitionTableToTheVolume) {
