@@ -16,8 +16,6 @@ TEST_F(WordsTest, WrongWordsAreToldAndGiveTwo) {
     const std::vector<std::pair<Words, std::string>> cases = {
         {{}, "--help"},
         {{"frobnicate", image}, "'frobnicate'"},
-        {{"list"}, "MEDIUM"},
-        {{"list", "--frobnicate", image}, "--frobnicate"},
         {{"list", image, "/a", "/b"}, "PATH"},
         {{"list", image, "--partition", "0"}, "'0' is not a whole number"},
         {{"list", image, "--partition", "-1"}, "'-1' is not a whole number"},
@@ -26,8 +24,6 @@ TEST_F(WordsTest, WrongWordsAreToldAndGiveTwo) {
         {{"list", image, "--save-info", At("x")}, "--save-info"},
         {{"cat", image}, "PATH or --record"},
         {{"cat", image, "/a", "--record", "1"}, "--record"},
-        {{"save", image}, "--to"},
-        {{"partitions", image, "--partition", "1"}, "--partition"},
         {{"partitions", image, "--range", "0:1"}, "--search"},
         {{"partitions", image, "--search", "thorough", "--range", "5"}, "'5' is no range of sectors"},
         {{"partitions", image, "--search", "thorough", "--range", "5:"}, "'5:' is no range of sectors"},

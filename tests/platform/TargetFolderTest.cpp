@@ -55,21 +55,6 @@ TEST_F(TargetFolderTest, RefusesNamesThatLeadElsewhere) {
     EXPECT_EQ(target_->CreateFile(std::string(256, 'x'), file_), kErrorFilenameTooLong);
 }
 
-TEST_F(TargetFolderTest, FollowsNoLinkAndWritesNothingOver) {
-    fs::create_directory(At("outside"));
-    fs::create_directory_symlink(At("outside"), At("target/folder"));
-    fs::create_symlink(At("outside/file"), At("target/file"));
-    EXPECT_EQ(target_->MakeSubfolder("folder", sub_), kErrorFileExists);
-    EXPECT_EQ(sub_, nullptr);
-    EXPECT_EQ(target_->MakeSubfolder("file", sub_), kErrorFileExists);
-    EXPECT_EQ(target_->CreateFile("file", file_), kErrorFileExists);
-    EXPECT_EQ(target_->CreateFile("folder", file_), kErrorFileExists);
-    EXPECT_TRUE(fs::is_empty(At("outside")));
-
-    EXPECT_EQ(target_->DeleteFile("folder"), kErrorNone) << "the link, not the folder";
-    EXPECT_TRUE(fs::is_directory(At("outside")));
-}
-
 TEST_F(TargetFolderTest, MakesAndReopensSubfolders) {
     ASSERT_EQ(target_->MakeSubfolder("sub", sub_), kErrorNone);
     ASSERT_EQ(sub_->CreateFile("file", file_), kErrorNone);
