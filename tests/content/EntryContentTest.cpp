@@ -69,6 +69,7 @@ TEST_F(EntryContentTest, PlainRunsAreCutToTheSize) {
     }
     Engine.PreviewActive = true;
     Engine.ScanRunFlag = 0;
+    Engine.VolumeParams.TotalSectors = 1; // the medium has more
     EXPECT_TRUE(Read(Record().AddData(data), 94208));
     EXPECT_EQ(Out.Content, whole);
     EXPECT_TRUE(Reports.Progress.empty()) << "a preview sends none";
@@ -229,6 +230,8 @@ TEST_F(EntryContentTest, DamageIsWhatIsMissingFromTheData) {
     const DataRun packedRun = PutRun(packed);
     const NonResidentValue unit = {
         .Runs = {packedRun, {16 - packedRun.Clusters, {}}}, .Flags = 1, .CompressionExponent = 4};
+    NonResidentValue inPieces = unit;
+    inPieces.Runs = {{1, packedRun.Start}, {packedRun.Clusters - 1, *packedRun.Start + 1}, unit.Runs[1]};
     NonResidentValue twoUnits = unit;
     twoUnits.Runs.insert(twoUnits.Runs.end(), {PutRun(packed), unit.Runs[1]});
     const NonResidentValue across = {.Runs = {{4, 2048}}}; // the medium has two more
@@ -254,6 +257,7 @@ TEST_F(EntryContentTest, DamageIsWhatIsMissingFromTheData) {
                              {unitAcross, 65536, 0, 0, 0, 1, 65536 - 8192},
                              {unit, 65536, 3, kForever, 1, 2}, // its chunk comes out short
                              {twoUnits, 131072, 3, kForever, 1, 2},
+                             {inPieces, 65536, packedSectors, kForever, 0, 0},
                              {unit, 65536, packedSectors, kForever, 0, 0},
                              {unit, 60000, 0, 0, 0, 1}}) { // too long
         SCOPED_TRACE(testing::Message() << test.Size << " " << test.BadSector);

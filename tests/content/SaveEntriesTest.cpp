@@ -23,8 +23,8 @@ struct KeptListener : SaveListener {
     std::vector<std::string> Paths;
 };
 
-/// A folder with so much room that takes all into one file, makes no folder and can't be synced at a chosen
-/// call.
+/// A folder with so much room that takes all into one file, makes no folder, names no part that isn't synced
+/// and can't be synced itself at a chosen call.
 class FakeFolder final : public TargetFolder {
 public:
     ErrorCode MakeSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
@@ -37,8 +37,12 @@ public:
         file = Content.Open();
         return kErrorNone;
     }
-    ErrorCode CreatePart(std::string&, std::unique_ptr<File>&) override { return kErrorNone; }
-    ErrorCode NamePart(const std::string&, const std::string&) override { return kErrorNone; }
+    ErrorCode CreatePart(std::string& part, std::unique_ptr<File>& file) override {
+        return CreateFile(part, file);
+    }
+    ErrorCode NamePart(const std::string&, const std::string&) override {
+        return Content.Synced == Content.Content ? kErrorNone : kErrorInvalidParameter;
+    }
     ErrorCode DeleteFile(const std::string&) override { return kErrorNone; }
     [[nodiscard]] std::optional<std::uint64_t> FreeBytes() const override { return Room; }
     ErrorCode Sync() override { return ++Syncs == FailingSync ? kErrorDiskFull : kErrorNone; }
@@ -146,6 +150,7 @@ TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
 
 TEST_F(SaveEntriesTest, RoomForTheFileIsEnoughAndAFolderFailsOnce) {
     Volume.AddFile({.Number = 40, .Name = u"plain", .Content = PatternBytes(40000), .InClusters = true});
+    Volume.AddFile({.Number = 41, .Name = u"big", .Content = PatternBytes(1500000), .InClusters = true});
     Volume.AddFolder({.Number = 42, .Name = u"folder"});
     for (const std::uint32_t number : {43U, 44U}) {
         Volume.AddFile({.Number = number, .Parent = 42, .Name = u"f", .Content = BytesOf("text")});
@@ -158,10 +163,11 @@ TEST_F(SaveEntriesTest, RoomForTheFileIsEnoughAndAFolderFailsOnce) {
             .AddStandardInformation()
             .AddAttributeList(std::vector<ListEntry>{{kFileName, 45}, {kData, 53}, {kData, 54}})
             .AddFileName(NameIn(5, u"pieces")));
-    RecordBuilder cut = Volume.NewRecord(41).AddStandardInformation().AddFileName(NameIn(5, u"cut"));
+    RecordBuilder cut = Volume.NewRecord(46).AddStandardInformation().AddFileName(NameIn(5, u"cut"));
     Volume.PlaceRecord(cut.AddData({.Runs = {{2, 100}}, .RealSize = 40000}));
     Scan();
-    for (const auto& [path, need] : {std::pair{"/plain", 40000U}, {"/cut", 8192U}, {"/pieces", 16384U}}) {
+    for (const auto& [path, need] :
+         {std::pair{"/plain", 40000U}, {"/big", 1500000U}, {"/cut", 8192U}, {"/pieces", 16384U}}) {
         for (const std::uint64_t room : {need, need - 1}) {
             auto folder = std::make_unique<FakeFolder>();
             folder->Room = room;
