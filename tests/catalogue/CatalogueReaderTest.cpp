@@ -65,16 +65,15 @@ using Paths = std::vector<std::string>;
 
 TEST_F(CatalogueReaderTest, LoadsEveryField) {
     HandWritten written;
-    CatalogueEntry entry;
-    entry.Size = 0x1122334455667788;
-    entry.RecordSector = 0x99AABBCCDDEE;
-    entry.EntryId = 2;
-    entry.RecordNumber = 3;
-    entry.ParentNumber = 4;
-    entry.BlockOffset = 5;
-    entry.Flags = 0x0829;
-    entry.CreatedDate = 7;
-    entry.AccessedDate = 8;
+    CatalogueEntry entry = {.Size = 0x1122334455667788,
+                            .RecordSector = 0x99AABBCCDDEE,
+                            .EntryId = 2,
+                            .RecordNumber = 3,
+                            .ParentNumber = 4,
+                            .BlockOffset = 5,
+                            .Flags = 0x0829,
+                            .CreatedDate = 7,
+                            .AccessedDate = 8};
     AppendEntry(entry, u"n\u00E4me");
     written.Finish();
     const auto item = LoadEntry(2);

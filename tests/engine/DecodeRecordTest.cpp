@@ -108,6 +108,7 @@ TEST_F(DecodeRecordTest, SizeComesFromTheFirstUnnamedData) {
         {"two", named().AddData(value).AddData(BytesOf("123")), 5},
         {"half named", halfNamed, 5},
         {"behind the used bytes", behindUsed, 0},
+        {"behind the index root", named().AddIndexRoot({}).AddData(value), 0},
         {"in clusters", named().AddData({.Runs = {{2, 100}}, .RealSize = 4097}), 4097},
         {"above 4 GiB", named().AddData({.Runs = {{9, 100}}, .RealSize = 0x123456789A}), 0x123456789A},
     };
@@ -157,11 +158,9 @@ TEST_F(DecodeRecordTest, AFolderLearnsItsNumberFromItsIndex) {
     }
 }
 
-TEST_F(DecodeRecordTest, TheWalkEndsAtDataAndAtTheIndexRoot) {
+TEST_F(DecodeRecordTest, TheWalkEndsAtData) {
     Decode(File().AddData(BytesOf("1")).AddFileName(NameIn(5, u"late")));
     EXPECT_EQ(Entry.NameLength, 0);
-    Decode(File().AddFileName(NameIn(5, u"x")).AddIndexRoot({}).AddData(BytesOf("12")));
-    EXPECT_EQ(Entry.Size, 0U);
 }
 
 TEST_F(DecodeRecordTest, AttributeListsLeadToExtensionRecords) {

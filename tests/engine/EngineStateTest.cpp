@@ -38,13 +38,16 @@ TEST_F(EngineStateTest, LoadVolumeParamsFillsWhatACandidateLeavesOpen) {
     EXPECT_EQ(measures(), (Measures{4096, 2, 8192, 0, 32768, 8, 32768})) << "8 sectors a cluster are a guess";
     EXPECT_EQ(volume.MftExtents.size() + volume.MftRecordCount, 78U);
 
-    PartitionCandidate candidate = CandidateOf({});
-    candidate.ClusterBytes = candidate.IndexBlockBytes = candidate.FileRecordBytes = 0;
-    candidate.BytesPerSector = 1024;
-    candidate.SectorsPerCluster = 4;
-    candidate.SectorsPerFileRecord = 1;
-    candidate.SectorsPerIndexBlock = 16;
-    candidate.VolumeSerial = 12;
+    PartitionCandidate candidate = {.StartSector = 128,
+                                    .TotalSectors = 16383,
+                                    .MftSector = 160,
+                                    .MftCluster = 4,
+                                    .MftMirrCluster = 1024,
+                                    .VolumeSerial = 12,
+                                    .SectorsPerCluster = 4,
+                                    .BytesPerSector = 1024,
+                                    .SectorsPerFileRecord = 1,
+                                    .SectorsPerIndexBlock = 16};
     LoadVolumeParams(candidate);
     EXPECT_EQ(measures(), (Measures{1024, 1, 1024, 4, 4096, 16, 16384}));
     EXPECT_EQ(volume.MftSector, 160U);

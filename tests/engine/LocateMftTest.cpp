@@ -134,17 +134,6 @@ TEST_F(LocateMftTest, TheFirstDataFromTheThirdAttributeOnCounts) {
     EXPECT_EQ(LocateWith(second), 0) << "the second attribute is passed over";
 }
 
-TEST_F(LocateMftTest, BadRunsLeaveWhatCameBefore) {
-    RecordBuilder record = Table().AddData({.Runs = {{4, 64}, {4, 80}, {4, 90}}});
-    record.Poke8(record.LastAttributeOffset() + 64 + 3, 0x51);
-    EXPECT_EQ(LocateWith(record), 1);
-    EXPECT_EQ(Extents(), (Runs{{4, 64}}));
-    record.Poke8(record.LastAttributeOffset() + 64, 0x15);
-    EXPECT_EQ(LocateWith(record), 0);
-    RecordBuilder outside = Table().AddData({.Runs = {{4, 64}}});
-    EXPECT_EQ(LocateWith(outside.OmitEndMarker().Poke16(outside.LastAttributeOffset() + 32, 72)), 0);
-}
-
 TEST_F(LocateMftTest, AnAttributeListLeadsThroughItsPieces) {
     const auto piece = [this](std::uint32_t number, std::uint64_t vcn, std::uint64_t clusters,
                               std::uint64_t start) {

@@ -174,13 +174,12 @@ TEST_F(SectorReaderTest, ProbeTakesTheStampedSectorSize) {
     ByteVector image(1024);
     StampImage(image, 2, 4096);
     OpenDisk(image);
-    Engine.SourceDisk.BytesPerSector = 0;
-    ProbeImageSectorSize();
-    EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 4096);
-    Plan->Rules = {{0, 1, 23}};
-    Engine.SourceDisk.BytesPerSector = 0;
-    ProbeImageSectorSize();
-    EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 0);
+    for (const std::uint16_t expected : {std::uint16_t{4096}, std::uint16_t{0}}) {
+        Engine.SourceDisk.BytesPerSector = 0;
+        ProbeImageSectorSize();
+        EXPECT_EQ(Engine.SourceDisk.BytesPerSector, expected);
+        Plan->Rules = {{0, 1, 23}};
+    }
 }
 
 } // namespace thntfs::test
