@@ -84,7 +84,7 @@ int TellOutcome(const ContentOutcome& outcome, const std::string& what, const Se
         break;
     }
     for (const std::string& reason : DamageReasons(outcome)) {
-        PrintMessage(what + ": " + reason);
+        PrintMessage(std::string(what).append(": ").append(reason));
     }
     if (!outcome.Kept()) {
         return kExitFailed;

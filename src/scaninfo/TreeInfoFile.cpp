@@ -103,7 +103,7 @@ ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>
     LogScanInfoLoad(place);
     ResetEngineState();
     CloseCatalogue();
-    const ScanInfoResult result = RunScanInfoLoad(place, kTreeInfoTexts, [&](ScanInfoReader& reader) {
+    ScanInfoResult result = RunScanInfoLoad(place, kTreeInfoTexts, [&](ScanInfoReader& reader) {
         ReadTreeInfo(reader);
         if (accept && !accept(MatchMedium())) {
             throw ScanInfoFault{kErrorNone, "The medium isn't as it was when it was scanned.", {}};

@@ -49,6 +49,7 @@ private:
         }
     }
 
+    // NOLINTBEGIN(performance-no-int-to-ptr,bugprone-branch-clone): a message's words are numbers
     template <std::size_t Place>
     static decltype(auto) Unpack(std::uintptr_t word) {
         using T = std::tuple_element_t<Place, std::tuple<Words...>>;
@@ -60,6 +61,7 @@ private:
             return static_cast<T>(word);
         }
     }
+    // NOLINTEND(performance-no-int-to-ptr,bugprone-branch-clone)
 
     std::uint32_t number_;
 };

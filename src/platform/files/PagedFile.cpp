@@ -103,12 +103,12 @@ ErrorCode PagedFile::LoadPage(std::uint64_t number, Page*& page) {
 }
 
 void PagedFile::AddPage() {
-    constexpr std::size_t pagesInBlock = kBigBlockBytes / kPageBytes;
+    constexpr std::size_t kPagesInBlock = kBigBlockBytes / kPageBytes;
     ForgetLast(); // the pages may move
-    if (pages_.size() == blocks_.size() * pagesInBlock) {
+    if (pages_.size() == blocks_.size() * kPagesInBlock) {
         blocks_.push_back(MakeBigBlock());
     }
-    const std::size_t place = pages_.size() % pagesInBlock;
+    const std::size_t place = pages_.size() % kPagesInBlock;
     pages_.emplace_back().Data = blocks_.back().get() + place * kPageBytes;
 }
 

@@ -150,7 +150,8 @@ ErrorCode WorkFolder::TryPlace(const std::string& place, bool lasting) {
 ErrorCode WorkFolder::MakeRunFolder(const std::string& parent, const std::string& prefix) {
     RemoveLeftFolders(parent, prefix);
     for (unsigned i = 0; i < kFolderTries; ++i) {
-        std::string path = parent + "/" + prefix + std::string(kPattern);
+        std::string path = parent;
+        path.append("/").append(prefix).append(kPattern);
         if (::mkdtemp(path.data()) == nullptr) {
             return errno == ENOENT ? kErrorPathNotFound : FileErrorOfErrno(errno);
         }

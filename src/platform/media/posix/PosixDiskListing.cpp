@@ -230,6 +230,7 @@ private:
         }
         std::sort(found.begin(), found.end(), [](const auto& l, const auto& r) { return l.first < r.first; });
         std::vector<DiskPart> parts;
+        parts.reserve(found.size());
         for (auto& [number, part] : found) {
             parts.push_back(std::move(part));
         }
