@@ -188,6 +188,15 @@ TEST_F(SaveEntriesTest, ALostFolderIsMadeForWhatIsInItAlone) {
     EXPECT_EQ(ScanAndSave().Folders, 1U);
 }
 
+TEST_F(SaveEntriesTest, AMediumThatIsGoneEndsAll) {
+    RecordBuilder first = Volume.NewRecord(40).AddStandardInformation().AddFileName(NameIn(5, u"first"));
+    Volume.PlaceRecord(first.AddData({.Runs = {{2, 1000}}, .RealSize = 8192}));
+    Volume.AddFile({.Number = 41, .Name = u"second", .Content = BytesOf("text")});
+    Plan->Rules = {{Volume.Geometry().SectorOf(1000), 1, kErrorNotReady}};
+    EXPECT_EQ(ScanAndSave().Files, 0U);
+    EXPECT_EQ(Listener.Paths, (std::vector<std::string>{"/first"}));
+}
+
 TEST_F(SaveEntriesTest, EachPathBeginsAtTheTarget) {
     for (const std::uint32_t number : {40U, 50U}) {
         const std::u16string name(1, static_cast<char16_t>(u'a' + number % 40));

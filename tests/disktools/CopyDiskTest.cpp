@@ -66,6 +66,7 @@ TEST_F(CopyDiskTest, WholeTransfersThenSingleSectors) {
         EXPECT_EQ(Writes(), course.Transfers);
         EXPECT_EQ(Reports.CopyPositions, course.Positions);
         EXPECT_EQ(Target.Content, Expected());
+        EXPECT_EQ(Target.Content.size(), CopiedBytes(sectors, kCopyTransferSectors));
         EXPECT_EQ(Target.Synced, Target.Content);
         EXPECT_EQ(Engine.ProgressDone, std::max<std::uint64_t>(sectors, 256)) << "of the first transfer, all";
         EXPECT_EQ(Engine.ProgressTotal, sectors);
