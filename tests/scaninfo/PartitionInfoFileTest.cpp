@@ -29,6 +29,7 @@ TEST_F(PartitionInfoFileTest, TheChoiceIsLoggedBeforeTheSuccessAndTheCatalogueIs
     const auto choose = [] {
         EXPECT_EQ(Engine.SourceDisk.Partitions.size(), 1U);
         EXPECT_NE(Engine.SourceDisk.MediaHandle, nullptr);
+        EXPECT_EQ(Engine.VolumeParams.FileRecordBytes, 0U) << "of what was loaded before";
         LogLine("Selected", "", kLogInProgress);
     };
     EXPECT_TRUE(LoadPartitions(LayPartitionInfo(laid_), choose).Done);

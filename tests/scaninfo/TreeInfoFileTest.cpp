@@ -3,6 +3,8 @@
 #include "scaninfo/ScanInfoFixture.h"
 #include "support/FailingFileStore.h"
 
+#include <sys/stat.h>
+
 namespace thntfs::test {
 
 namespace {
@@ -38,6 +40,7 @@ protected:
 };
 
 TEST_F(TreeInfoFileTest, LoadPutsBackWhatTheBytesSayAndSaveWritesThemAgain) {
+    laid_.Names.resize(2500000, 'n'); // more than is copied at a time
     for (const std::size_t count : {0U, 1U, 2U}) {
         SCOPED_TRACE(count);
         laid_.VolumeStart = 0x123456789A + count;
@@ -106,6 +109,8 @@ TEST_F(TreeInfoFileTest, FailedLoadsLeaveTheEngineReset) {
 
     fs::create_directory(At("folder.tht"));
     EXPECT_EQ(LoadTreeInfo(At("folder.tht")).Text, FailedOpen(kErrorDirectory));
+    ASSERT_EQ(::mkfifo(At("pipe.tht").c_str(), 0600), 0);
+    EXPECT_EQ(LoadTreeInfo(At("pipe.tht")).Code, kErrorInvalidParameter) << "nobody writes to it";
     ExpectFailedLoad(LayPartitionInfo(laid_), kInvalidTree);
     const std::size_t separators[] = {620 + 76 + 16, 620 + 76 + 16 + 12 + laid_.Tree.size(),
                                       620 + 76 + 16 + 24 + laid_.Tree.size() + laid_.Entries.size()};
