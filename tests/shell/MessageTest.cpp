@@ -131,6 +131,7 @@ TEST(DesktopHostTest, ProgressGoesOnWhenItsPercentChanges) {
     host.JobProgress();
     EXPECT_EQ(frame.Count(WM_JOB_PROGRESS), 101U) << "a new bar knows nothing yet";
     Engine.ProgressDone = 9;
+    EXPECT_EQ(ProgressPercent(), 0) << "rounded down";
     host.JobProgress();
     host.JobProgress();
     EXPECT_EQ(frame.Count(WM_JOB_PROGRESS), 102U) << "the first percent of a large disk takes long";
