@@ -1,5 +1,6 @@
 #include "catalogue/Catalogue.h"
 
+#include "catalogue/ChainWords.h"
 #include "engine/FileWrites.h"
 #include "engine/SectorReader.h"
 #include "platform/files/File.h"
@@ -45,15 +46,43 @@ void WriteEntry(const CatalogueEntry& entry) {
     }
 }
 
-void WriteTreeWord(std::uint64_t offset, std::uint32_t word) {
+ErrorCode StoreTreeWord(std::uint32_t offset, std::uint32_t word) {
     std::array<std::uint8_t, 4> stored{};
     PutNumber(stored, 0, word);
-    WritePaged(*Engine.TreeFile, offset, stored);
+    return Engine.TreeFile->WriteAt(offset, stored);
 }
 
-std::uint64_t SlotOffset(std::uint32_t block, std::size_t slot) {
-    return std::uint64_t{block} + 8 + 4 * slot;
+// Words that could not be written stay, so that a later call tries them again.
+ErrorCode StoreChains() {
+    if (Engine.Chains == nullptr) {
+        return kErrorNone;
+    }
+    for (const ChainWords::Word& word : Engine.Chains->Sort()) {
+        const ErrorCode code = StoreTreeWord(word.Offset, word.Value);
+        if (IsFailedWrite(code)) {
+            return code;
+        }
+    }
+    Engine.Chains->Clear();
+    return kErrorNone;
 }
+
+void WriteTreeWord(std::uint32_t offset, std::uint32_t word) {
+    if (Engine.Chains == nullptr) {
+        RaiseFailedWrite(StoreTreeWord(offset, word));
+        return;
+    }
+    if (Engine.Chains->Full()) {
+        RaiseFailedWrite(StoreChains());
+    }
+    Engine.Chains->Note(offset, word);
+}
+
+// Once TreeFile outgrows its buffers, words are gathered. Without the memory for that the scan is slow.
+void GatherChains() try { Engine.Chains = std::make_shared<ChainWords>(); } catch (const std::bad_alloc&) {
+}
+
+std::uint32_t SlotOffset(std::uint32_t block, std::uint32_t slot) { return block + 8 + 4 * slot; }
 
 std::unique_ptr<PagedFile> OpenPaged(const char* name, FileMode mode, std::size_t pages) {
     std::unique_ptr<File> file;
@@ -77,6 +106,7 @@ void CloseFiles() {
     Engine.NameFile.reset();
     Engine.EntryFile.reset();
     Engine.Folders.reset();
+    Engine.Chains.reset();
     Engine.NamesEnd = 0;
     Engine.TreeEnd = 0;
 }
@@ -89,6 +119,9 @@ std::uint32_t AppendBlock(const FolderIndexNode& owner, std::uint32_t firstSlot)
     block.Slots[0] = firstSlot;
     WritePaged(*Engine.TreeFile, offset, EncodeBlock(block));
     Engine.TreeEnd = static_cast<std::uint32_t>(offset);
+    if (offset == kWriteTreePages * PagedFile::kPageBytes) {
+        GatherChains();
+    }
     return Engine.TreeEnd;
 }
 
@@ -137,7 +170,7 @@ void AppendLostFolders(std::uint32_t nextEntryId) {
 
 // Tries all three, so that the failure of one doesn't cost what the others hold.
 void FlushFiles() {
-    ErrorCode failure = kErrorNone;
+    ErrorCode failure = StoreChains();
     for (PagedFile* file : {Engine.TreeFile.get(), Engine.NameFile.get(), Engine.EntryFile.get()}) {
         const ErrorCode code = file != nullptr ? file->Flush() : kErrorNone;
         failure = IsFailedWrite(failure) ? failure : code;
@@ -211,7 +244,7 @@ void AddChild(FolderIndexNode& node, std::uint32_t entryId) {
         return;
     }
     const std::uint32_t added = AppendBlock(node, entryId);
-    WriteTreeWord(std::uint64_t{node.LastBlock} + 4, added);
+    WriteTreeWord(node.LastBlock + 4, added);
     node.LastBlock = added;
     node.UsedSlots = 1;
 }

@@ -14,6 +14,7 @@
 
 namespace thntfs {
 
+class ChainWords;
 class FolderTree;
 class PagedFile;
 
@@ -48,6 +49,7 @@ struct EngineState {
     std::uint32_t NamesEnd = 0;          ///< next free byte of NameFile
     std::uint32_t TreeEnd = 0;           ///< byte offset of the block begun last
     std::shared_ptr<FolderTree> Folders; ///< holds FolderRoot
+    std::shared_ptr<ChainWords> Chains;  ///< in a large catalogue, words of TreeFile yet to be written
 
     // Equal while the three files hold the volume in work, or are about to.
     std::uint64_t VolumeInWork = 1;    ///< another number with each medium and each volume taken into use

@@ -195,4 +195,30 @@ TEST_F(CatalogueStoreTest, AFailureThatPassesCostsNothing) {
     EXPECT_EQ(StoredBlockAt(128).Slots[0], 2U);
 }
 
+TEST_F(CatalogueStoreTest, ChainsOfACatalogueThatOutgrowsItsBuffers) {
+    ASSERT_EQ(CreateCatalogue(), 1);
+    FolderIndexNode& first = *Engine.Folders->FindOrAddFolder(100).Node;
+    AddChild(first, 7);
+    for (std::uint32_t i = 0; i < (32U << 20U) / kStoredBlockBytes; ++i) {
+        BeginFolderBlock(*Engine.Folders->FindOrAddFolder(101 + i).Node);
+    }
+    std::vector<std::uint32_t> children = {7};
+    for (std::uint32_t id = 1000; id < 1070; ++id) {
+        AddChild(first, id);
+        AddChild(*Engine.Folders->FindOrAddFolder(100 + id * 17).Node, id);
+        children.push_back(id);
+    }
+    FinishCatalogue(2);
+    const std::uint32_t start = first.BlockOffset;
+    const std::uint32_t other = Engine.Folders->FindFolder(100 + 1003 * 17)->BlockOffset;
+    CloseCatalogue();
+    ASSERT_EQ(OpenCatalogue(), 1);
+    ChildWalk walk(start);
+    for (const std::uint32_t child : children) {
+        ASSERT_EQ(walk.Next(), child);
+    }
+    EXPECT_EQ(walk.Next(), 0U);
+    EXPECT_EQ(ChildWalk(other).Next(), 1003U);
+}
+
 } // namespace thntfs::test
