@@ -45,10 +45,7 @@ public:
         FolderIndexNode& node = *Engine.Folders->FindOrAddFolder(number).Node;
         BeginFolderBlock(node);
         node.EntryId = next_;
-        CatalogueEntry entry;
-        entry.Size = size;
-        entry.RecordNumber = number;
-        entry.BlockOffset = node.BlockOffset;
+        CatalogueEntry entry = {.Size = size, .RecordNumber = number, .BlockOffset = node.BlockOffset};
         entry.Flags = kFlagFolder | (live ? kFlagLive : 0);
         AddEntry(parent, entry, name);
         return node;
@@ -56,11 +53,7 @@ public:
 
     /// A file; gives its EntryId.
     std::uint32_t AddFile(FolderIndexNode& parent, std::u16string_view name, std::uint64_t size = 0) {
-        CatalogueEntry entry;
-        entry.Size = size;
-        entry.RecordNumber = 1000 + next_;
-        entry.Flags = kFlagLive;
-        return AddEntry(parent, entry, name);
+        return AddEntry(parent, {.Size = size, .RecordNumber = 1000 + next_, .Flags = kFlagLive}, name);
     }
 
     /// Gives the EntryId. A ParentNumber of 0 becomes that of the parent.

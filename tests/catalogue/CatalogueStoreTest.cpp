@@ -8,8 +8,8 @@ namespace thntfs::test {
 
 namespace {
 
-constexpr std::uint64_t kOpenCalls =
-    6; ///< with which CreateCatalogue begins: each file opened, its size asked
+/// With which CreateCatalogue begins: each file opened, its size asked.
+constexpr std::uint64_t kOpenCalls = 6;
 constexpr std::uint64_t kReadCalls = 3; ///< at the end of WriteAndRead, names among them
 
 class CatalogueStoreTest : public CatalogueFixture {};
@@ -23,8 +23,7 @@ bool WriteAndRead() {
     try {
         std::uint32_t id = kFirstEntryId;
         for (std::uint32_t number = 100; number < 140; ++number) {
-            CatalogueEntry entry;
-            entry.EntryId = id++;
+            CatalogueEntry entry = {.EntryId = id++};
             AppendEntry(entry, std::u16string(200, u'n'));
             AddChild(*Engine.Folders->FindOrAddPlaceholder(number).Node, entry.EntryId);
         }
@@ -63,18 +62,11 @@ TEST_F(CatalogueStoreTest, ANewCatalogueReplacesTheOldByItsSeeds) {
 
     EXPECT_EQ(Stored(kNameFileName), (ByteVector{0x23, 0, 0x20, 0, 0x52, 0, 0x6F, 0, 0x6F, 0, 0x74, 0}));
     ByteVector tree(256);
-    tree[8] = 1;
-    tree[128] = 5;
+    ApplyPokes(tree, {{8, 1, 1}, {128, 1, 5}});
     EXPECT_EQ(Stored(kTreeFileName), tree);
     ByteVector entries(88);
-    entries[36] = 1;
-    entries[38] = 0x18;
-    entries[44 + 16] = 1;
-    entries[44 + 20] = 5;
-    entries[44 + 28] = 128;
-    entries[44 + 32] = 2;
-    entries[44 + 36] = 5;
-    entries[44 + 38] = 0x18;
+    ApplyPokes(entries, {{36, 1, 1}, {38, 1, 0x18}});
+    ApplyPokes(entries, {{60, 1, 1}, {64, 1, 5}, {72, 1, 128}, {76, 1, 2}, {80, 1, 5}, {82, 1, 0x18}});
     EXPECT_EQ(Stored(kEntryFileName), entries);
 }
 

@@ -57,15 +57,6 @@ protected:
         return ReadEntryContent(item, Out, missing);
     }
 
-    /// Bytes of each write to Out.
-    [[nodiscard]] std::vector<std::size_t> Sizes() const {
-        std::vector<std::size_t> sizes;
-        for (const MemoryFile::Stretch& write : Out.Writes) {
-            sizes.push_back(write.Size);
-        }
-        return sizes;
-    }
-
     VolumeBuilder Volume;
     MemoryFile Out;
 };

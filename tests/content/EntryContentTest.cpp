@@ -56,13 +56,14 @@ TEST_F(EntryContentTest, PlainRunsAreCutToTheSize) {
         SCOPED_TRACE(test.Size);
         Plan->Log.clear();
         EXPECT_TRUE(Read(Record().AddData(data), test.Size));
-        EXPECT_EQ(Sizes(), test.Pieces);
         EXPECT_EQ(Out.Content, FirstOf(whole, std::min<std::size_t>(test.Size, whole.size())));
         EXPECT_EQ(Plan->Log.size(), 1 + test.Pieces.size()) << "nothing behind the size is read";
         ASSERT_EQ(Reports.Progress.size(), test.Pieces.size());
+        ASSERT_EQ(Out.Writes.size(), test.Pieces.size());
         std::uint64_t done = 0;
         for (std::size_t i = 0; i < test.Pieces.size(); ++i) {
             done += test.Pieces[i];
+            EXPECT_EQ(Out.Writes[i].Size, test.Pieces[i]);
             EXPECT_EQ(Reports.Progress[i], (TestHost::Pair{done, test.Size}));
         }
         EXPECT_EQ(Engine.BytesWritten, Out.Content.size());
@@ -132,8 +133,7 @@ TEST_F(EntryContentTest, HostileUnitSizesAndRuns) {
             Record().AddData({.Runs = {run, {1, {}}}, .Flags = 1, .CompressionExponent = exponent}), 65536));
         EXPECT_LE(Out.Content.size(), 65536U);
     }
-    RecordBuilder unitOfOne = Record().AddData({.Runs = {run}, .Flags = 1});
-    Read(unitOfOne, 65536);
+    Read(Record().AddData({.Runs = {run}, .Flags = 1}), 65536);
     EXPECT_EQ(Out.Content, Clusters(16)) << "units of one cluster are never compressed";
 
     for (const std::uint16_t flags : std::initializer_list<std::uint16_t>{0, 1}) {
@@ -148,16 +148,12 @@ TEST_F(EntryContentTest, HostileUnitSizesAndRuns) {
 TEST_F(EntryContentTest, AttributeListsInTheirOrder) {
     const ByteVector first = Clusters(3, 1);
     const ByteVector second = Clusters(2, 2);
-    const auto place = [&](std::uint32_t number, const NonResidentValue& data, bool streamToo) {
-        RecordBuilder record =
-            Volume.NewRecord(number).SetBase(FileReference(40)).AddResident(0x40, ByteVector(8));
-        if (streamToo) {
-            record.AddData(BytesOf("stream"), u"s");
-        }
-        Volume.PlaceRecord(record.AddData(data));
+    const auto extension = [&](std::uint32_t number) {
+        return Volume.NewRecord(number).SetBase(FileReference(40)).AddResident(0x40, ByteVector(8));
     };
-    place(41, {.Runs = {PutRun(first)}, .RealSize = 5 * 4096}, false);
-    place(42, {.Runs = {PutRun(second)}, .FirstVcn = 3}, true);
+    Volume.PlaceRecord(extension(41).AddData({.Runs = {PutRun(first)}, .RealSize = 5 * 4096}));
+    const NonResidentValue later = {.Runs = {PutRun(second)}, .FirstVcn = 3};
+    Volume.PlaceRecord(extension(42).AddData(BytesOf("stream"), u"s").AddData(later));
     const auto with = [&](const std::vector<ListEntry>& list) {
         return Volume.NewRecord(40).AddStandardInformation().AddAttributeList(list);
     };
@@ -193,10 +189,7 @@ TEST_F(EntryContentTest, AttributeListsInTheirOrder) {
 }
 
 TEST_F(EntryContentTest, DamagedRecords) {
-    ByteVector torn = Record().AddData(BytesOf("x")).Finish();
-    torn[0] = 'X';
-    Volume.PlaceRecord(40, torn);
-    EXPECT_FALSE(Read(ItemOf(40, 1)));
+    EXPECT_FALSE(Read(Record().AddData(BytesOf("x")).Poke8(0, 'X'), 1));
     CatalogueItem nowhere = ItemOf(40, 1);
     nowhere.RecordSector = ~0ULL / 512;
     EXPECT_FALSE(Read(nowhere));
@@ -282,11 +275,8 @@ TEST_F(EntryContentTest, AStopEndsBetweenPieces) {
     EXPECT_EQ(Out.Content.size(), 65536U);
 
     Engine.ScanRunFlag = 1;
-    NonResidentValue packed = {.Runs = {}, .Flags = 1, .CompressionExponent = 4};
-    for (int i = 0; i < 4; ++i) {
-        packed.Runs.push_back(PutRun(Clusters(16)));
-    }
-    Read(Record().AddData(packed), 64 * 4096);
+    const std::vector<DataRun> units(4, PutRun(Clusters(16)));
+    Read(Record().AddData({.Runs = units, .Flags = 1, .CompressionExponent = 4}), 64 * 4096);
     EXPECT_EQ(Out.Content.size(), 65536U);
 }
 

@@ -89,8 +89,7 @@ TEST(Lznt1Test, StreamsByHand) {
          std::string(1285, 'a') + std::string("\0abcde", 6)},
     };
     for (const Case& test : cases) {
-        SCOPED_TRACE(test.Name);
-        EXPECT_EQ(Decompress(test.Source, test.Room), BytesOf(test.Expected));
+        EXPECT_EQ(Decompress(test.Source, test.Room), BytesOf(test.Expected)) << test.Name;
     }
 }
 

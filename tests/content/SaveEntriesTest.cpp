@@ -1,8 +1,8 @@
 #include "content/SaveEntries.h"
 
-#include "catalogue/CatalogueFixture.h"
 #include "engine/LocateMft.h"
 #include "scans/BasicScan.h"
+#include "scans/ScanFixture.h"
 #include "support/FailingFileStore.h"
 #include "support/MemoryFile.h"
 
@@ -53,16 +53,13 @@ public:
     int FailingSync = 0;
 };
 
-class SaveEntriesTest : public CatalogueFixture {
+using FileSizes = std::map<std::string, std::uintmax_t>;
+
+class SaveEntriesTest : public ScanFixture {
 protected:
     void Scan() {
-        OpenVolume(Volume);
-        Engine.ScanRunFlag = 1;
         EXPECT_EQ(LocateMft(), 1);
-        EXPECT_EQ(CreateCatalogue(), 1);
-        EXPECT_EQ(BasicScan(), 1);
-        CloseCatalogue();
-        EXPECT_EQ(OpenCatalogue(), 1);
+        EXPECT_EQ(RunScan(BasicScan), 1);
     }
     SaveTotals ScanAndSave(const std::vector<std::string>& paths = {""}, bool deletedOnly = false) {
         Scan();
@@ -77,8 +74,8 @@ protected:
         SetFileStore(nullptr);
         return totals;
     }
-    std::map<std::string, std::uintmax_t> Saved() const {
-        std::map<std::string, std::uintmax_t> files;
+    FileSizes Saved() const {
+        FileSizes files;
         for (const auto& entry : fs::recursive_directory_iterator(Target)) {
             if (entry.is_regular_file()) {
                 files[entry.path().string().substr(Target.size())] = entry.file_size();
@@ -87,7 +84,6 @@ protected:
         return files;
     }
 
-    VolumeBuilder Volume;
     KeptListener Listener;
     FailingFileStore Store;
     std::string Target = Engine.CatalogueFolder + "/target";
@@ -95,8 +91,7 @@ protected:
 
 // Every call on the files fails in turn, the last ones before a name is given and the closing too.
 TEST_F(SaveEntriesTest, WhatCarriesItsNameIsWholeAndTheRestIsNamed) {
-    const std::map<std::string, std::uintmax_t> all = {
-        {"/folder/big", 1500000}, {"/folder/small", 40000}, {"/tiny", 5}};
+    const FileSizes all = {{"/folder/big", 1500000}, {"/folder/small", 40000}, {"/tiny", 5}};
     Volume.AddFolder({.Number = 40, .Name = u"folder"});
     Volume.AddFile(
         {.Number = 41, .Parent = 40, .Name = u"big", .Content = PatternBytes(1500000), .InClusters = true});
@@ -163,8 +158,7 @@ TEST_F(SaveEntriesTest, RoomForTheFileIsEnoughAndAFolderFailsOnce) {
             .AddStandardInformation()
             .AddAttributeList(std::vector<ListEntry>{{kFileName, 45}, {kData, 53}, {kData, 54}})
             .AddFileName(NameIn(5, u"pieces")));
-    RecordBuilder cut = Volume.NewRecord(46).AddStandardInformation().AddFileName(NameIn(5, u"cut"));
-    Volume.PlaceRecord(cut.AddData({.Runs = {{2, 100}}, .RealSize = 40000}));
+    Volume.PlaceRecord(Record(46, 5, u"cut").AddData({.Runs = {{2, 100}}, .RealSize = 40000}));
     Scan();
     for (const auto& [path, need] :
          {std::pair{"/plain", 40000U}, {"/big", 1500000U}, {"/cut", 8192U}, {"/pieces", 16384U}}) {
@@ -189,8 +183,7 @@ TEST_F(SaveEntriesTest, ALostFolderIsMadeForWhatIsInItAlone) {
 }
 
 TEST_F(SaveEntriesTest, AMediumThatIsGoneEndsAll) {
-    RecordBuilder first = Volume.NewRecord(40).AddStandardInformation().AddFileName(NameIn(5, u"first"));
-    Volume.PlaceRecord(first.AddData({.Runs = {{2, 1000}}, .RealSize = 8192}));
+    Volume.PlaceRecord(Record(40, 5, u"first").AddData({.Runs = {{2, 1000}}, .RealSize = 8192}));
     Volume.AddFile({.Number = 41, .Name = u"second", .Content = BytesOf("text")});
     Plan->Rules = {{Volume.Geometry().SectorOf(1000), 1, kErrorNotReady}};
     EXPECT_EQ(ScanAndSave().Files, 0U);
@@ -204,7 +197,7 @@ TEST_F(SaveEntriesTest, EachPathBeginsAtTheTarget) {
         Volume.AddFile({.Number = number + 1, .Parent = number, .Name = u"f", .Content = BytesOf("text")});
     }
     EXPECT_EQ(ScanAndSave({"/a/f", "/k/f"}).Files, 2U);
-    EXPECT_EQ(Saved(), (std::map<std::string, std::uintmax_t>{{"/a/f", 4}, {"/k/f", 4}}));
+    EXPECT_EQ(Saved(), (FileSizes{{"/a/f", 4}, {"/k/f", 4}}));
 }
 
 TEST_F(SaveEntriesTest, DeepPathsNeedFewDescriptors) {

@@ -1,6 +1,7 @@
 #include "content/TargetName.h"
 
 #include "platform/files/TargetFolder.h"
+#include "platform/system/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -8,17 +9,15 @@ namespace thntfs::test {
 
 namespace {
 
-// With a tail, since the compiler warns of bounds that hold where strings are joined in place.
-template <typename Text>
-auto Repeat(const Text* text, std::size_t times, const Text* tail) {
-    std::basic_string<Text> result;
-    for (std::size_t i = 0; i < times; ++i) {
-        result.append(text);
-    }
-    return result.append(tail);
+// In steps, since the compiler warns of bounds that hold where strings are joined in place.
+std::u16string Many(std::size_t count, char16_t unit, std::u16string_view tail = {}) {
+    std::u16string text(count, unit);
+    return text.append(tail);
 }
 
-std::string Repeat(const char* text, std::size_t times) { return Repeat(text, times, ""); }
+std::string NarrowMany(std::size_t count, char16_t unit, std::u16string_view tail = {}) {
+    return NarrowText(Many(count, unit, tail));
+}
 
 } // namespace
 
@@ -53,11 +52,11 @@ TEST(TargetNameTest, HostileNames) {
         {u"\u00E4\u4E2D\U0001F600", "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80"},
         {u"\xD800x", "\xEF\xBF\xBDx"},
         {u" ", " "},
-        {std::u16string(255, u'n'), std::string(255, 'n')},
-        {std::u16string(255, u'\u4E2D'), Repeat("\xE4\xB8\xAD", 85)},
-        {Repeat(u"\u4E2D", 254, u"x"), Repeat("\xE4\xB8\xAD", 85)},
-        {Repeat(u"\u00E4", 251, u".jpg"), Repeat("\xC3\xA4", 125, ".jpg")},
-        {u"x." + std::u16string(200, u'\u4E2D'), "x." + Repeat("\xE4\xB8\xAD", 84)},
+        {Many(255, u'n'), std::string(255, 'n')},
+        {Many(255, u'\u4E2D'), NarrowMany(85, u'\u4E2D')},
+        {Many(254, u'\u4E2D', u"x"), NarrowMany(85, u'\u4E2D')},
+        {Many(251, u'\u00E4', u".jpg"), NarrowMany(125, u'\u00E4', u".jpg")},
+        {u"x." + Many(200, u'\u4E2D'), "x." + NarrowMany(84, u'\u4E2D')},
     };
     for (const Case& test : cases) {
         EXPECT_EQ(TargetName(test.Name), test.Expected);
@@ -70,7 +69,8 @@ TEST(TargetNameTest, NumberedNames) {
     EXPECT_EQ(NumberedName("folder", 10), "folder (10)");
     EXPECT_EQ(NumberedName(".profile", 2), ".profile (2)");
     EXPECT_EQ(NumberedName("a.b.c", 3), "a.b (3).c");
-    EXPECT_EQ(NumberedName(Repeat("n", 251, ".jpg"), 4294967295U), Repeat("n", 238, " (4294967295).jpg"));
+    EXPECT_EQ(NumberedName(NarrowMany(251, u'n', u".jpg"), 4294967295U),
+              NarrowMany(238, u'n', u" (4294967295).jpg"));
 }
 
 } // namespace thntfs::test

@@ -53,6 +53,8 @@ TEST_F(DecodeRecordTest, TheLastNameThatIsNotInDosFormCounts) {
         EXPECT_EQ(Entry.Name(), test.Expected);
         EXPECT_EQ(Entry.ParentNumber, test.Parent);
     }
+    Decode(File().AddData(BytesOf("1")).AddFileName(NameIn(5, u"late")));
+    EXPECT_EQ(Entry.NameLength, 0) << "the walk ends at data";
 }
 
 TEST_F(DecodeRecordTest, CatalogueFlagsTakeOverTwoBits) {
@@ -79,13 +81,12 @@ TEST_F(DecodeRecordTest, CatalogueFlagsTakeOverTwoBits) {
 TEST_F(DecodeRecordTest, DatesAreDosDates) {
     FileTimes times;
     times.Created = FileTimeOfDay(2024, 2, 29);
-    times.Accessed = FileTimeOfDay(1979, 12, 31);
-    Decode(Volume.NewRecord(40).AddStandardInformation(times).AddFileName(NameIn(5, u"x")));
-    EXPECT_EQ(Entry.CreatedDate, (2024 - 1980) << 9 | 2 << 5 | 29);
-    EXPECT_EQ(Entry.AccessedDate, 0);
-    times.Accessed = FileTimeOfDay(1980, 1, 1) + 24ULL * 3600 * 10'000'000 - 1;
-    Decode(Volume.NewRecord(40).AddStandardInformation(times).AddFileName(NameIn(5, u"x")));
-    EXPECT_EQ(Entry.AccessedDate, 1 << 5 | 1);
+    for (const int date : {0, 1 << 5 | 1}) { // the last moments of the day before, and of the first one
+        times.Accessed = FileTimeOfDay(1980, 1, date == 0 ? 1 : 2) - 1;
+        Decode(Volume.NewRecord(40).AddStandardInformation(times).AddFileName(NameIn(5, u"x")));
+        EXPECT_EQ(Entry.CreatedDate, (2024 - 1980) << 9 | 2 << 5 | 29);
+        EXPECT_EQ(Entry.AccessedDate, date);
+    }
 }
 
 TEST_F(DecodeRecordTest, SizeComesFromTheFirstUnnamedData) {
@@ -156,11 +157,6 @@ TEST_F(DecodeRecordTest, AFolderLearnsItsNumberFromItsIndex) {
         Decode(folder(5, one).Poke32(value, type).Poke32(value + 20, used).Poke32(value + 24, allocated));
         EXPECT_EQ(Entry.RecordNumber, number) << type << " " << used << " " << allocated;
     }
-}
-
-TEST_F(DecodeRecordTest, TheWalkEndsAtData) {
-    Decode(File().AddData(BytesOf("1")).AddFileName(NameIn(5, u"late")));
-    EXPECT_EQ(Entry.NameLength, 0);
 }
 
 TEST_F(DecodeRecordTest, AttributeListsLeadToExtensionRecords) {

@@ -31,12 +31,20 @@ struct PokeCase {
 class FileRecordTest : public EngineFixture {
 protected:
     FileRecordTest() { Engine.SourceDisk.BytesPerSector = 512; }
+
+    static void CheckPoked(const RecordBuilder& good, const std::vector<PokeCase>& cases) {
+        for (const PokeCase& poke : cases) {
+            RecordBuilder record = good;
+            EXPECT_EQ(Check(record.Poke(poke.Offset, poke.Width, poke.Value).Finish()), poke.Expected)
+                << poke.Name;
+        }
+    }
 };
 
 } // namespace
 
 TEST_F(FileRecordTest, OneWrongFieldIsEnough) {
-    const PokeCase cases[] = {
+    const std::vector<PokeCase> cases = {
         {"as it is", 8, 4, 0, 1},
         {"magic", 0, 4, 0x44414142, 0},
         {"array at 40", 4, 2, 40, 0},
@@ -52,19 +60,11 @@ TEST_F(FileRecordTest, OneWrongFieldIsEnough) {
         {"allocated too big", 28, 4, 4096, 0},
         {"not in use", 22, 2, 0, 1},
     };
-    for (const RecordForm form : {RecordForm::Newer, RecordForm::Older}) {
-        for (const PokeCase& poke : cases) {
-            SCOPED_TRACE(std::string(poke.Name) + (form == RecordForm::Older ? ", older form" : ""));
-            RecordBuilder record = GoodRecord(form);
-            EXPECT_EQ(Check(record.Poke(poke.Offset, poke.Width, poke.Value).Finish()), poke.Expected);
-        }
-    }
-    EXPECT_EQ(Check(GoodRecord(RecordForm::Newer).Poke16(4, 42).Finish()), 0) << "first attribute too late";
-    EXPECT_EQ(Check(GoodRecord(RecordForm::Older).Poke16(4, 48).Finish()), 0) << "first attribute too early";
-}
-
-TEST_F(FileRecordTest, OneWrongAttributeFieldIsEnough) {
-    const PokeCase cases[] = {
+    CheckPoked(GoodRecord(RecordForm::Newer), cases);
+    CheckPoked(GoodRecord(RecordForm::Older), cases);
+    CheckPoked(GoodRecord(RecordForm::Newer), {{"first attribute too late", 4, 2, 42, 0}});
+    CheckPoked(GoodRecord(RecordForm::Older), {{"first attribute too early", 4, 2, 48, 0}});
+    const std::vector<PokeCase> ofAttributes = {
         {"type 0", 152, 4, 0, 0},
         {"type 0x100", 152, 4, 0x100, 1},
         {"type 0x110", 152, 4, 0x110, 0},
@@ -81,11 +81,7 @@ TEST_F(FileRecordTest, OneWrongAttributeFieldIsEnough) {
         {"value length wraps", 168, 4, 0xFFFFFFF0, 0},
         {"end first", 56, 4, 0xFFFFFFFF, 0},
     };
-    for (const PokeCase& poke : cases) {
-        SCOPED_TRACE(poke.Name);
-        RecordBuilder record = GoodRecord();
-        EXPECT_EQ(Check(record.Poke(poke.Offset, poke.Width, poke.Value).Finish()), poke.Expected);
-    }
+    CheckPoked(GoodRecord(), ofAttributes);
     RecordBuilder inClusters =
         RecordBuilder(kGeometry, 30).AddStandardInformation().AddData({.Runs = {{4, 100}}});
     for (const std::uint64_t runs : {72U, 73U}) {
@@ -172,11 +168,10 @@ TEST_F(FileRecordTest, IndexBlocks) {
         {"allocated odd", 32, 4, 4076, 0},
     };
     for (const PokeCase& poke : cases) {
-        SCOPED_TRACE(poke.Name);
         IndexBlockBuilder block(kGeometry);
         block.Add({.Reference = 40, .Key = NameIn(5, u"a")});
         ByteVector bytes = block.Poke(poke.Offset, poke.Width, poke.Value).Finish();
-        EXPECT_EQ(CheckIndexBlock(bytes, 512), poke.Expected);
+        EXPECT_EQ(CheckIndexBlock(bytes, 512), poke.Expected) << poke.Name;
     }
     // The last word of a sector is tested where the sector ends within the used bytes + 24.
     for (const std::uint32_t used : {480U, 488U}) {
@@ -190,8 +185,7 @@ TEST_F(FileRecordTest, IndexBlocks) {
 }
 
 TEST_F(FileRecordTest, TheTableAndItsMirror) {
-    using Names = std::vector<std::u16string>;
-    const auto named = [](const Names& list, RecordForm form = RecordForm::Newer) {
+    const auto named = [](const std::vector<std::u16string>& list, RecordForm form = RecordForm::Newer) {
         RecordBuilder record(kGeometry, 0, form);
         record.AddStandardInformation();
         for (const std::u16string& name : list) {

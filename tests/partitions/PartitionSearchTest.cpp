@@ -7,21 +7,21 @@ namespace thntfs::test {
 
 namespace {
 
-constexpr std::uint64_t kAll = ~std::uint64_t{0};
+using Lines = std::vector<std::string>;
 
 class PartitionSearchTest : public EngineFixture {
 protected:
-    /// Puts bytes under the engine as an image and searches it; gives the search's result.
-    std::uint32_t Search(SearchMethod method, ByteVector bytes, std::uint64_t first = 0,
-                         std::uint64_t end = kAll, std::uint16_t sectorBytes = 512) {
-        OpenDisk(std::move(bytes), sectorBytes);
+    /// Puts Disk under the engine and searches it; gives the search's result.
+    std::uint32_t Search(SearchMethod method = SearchMethod::Thorough, std::uint64_t first = 0,
+                         std::uint64_t end = ~std::uint64_t{0}) {
+        OpenDisk(Disk, static_cast<std::uint16_t>(Geometry.SectorBytes));
         Engine.ScanRunFlag = 1;
         return RunPartitionSearch(method, first, std::min(end, Engine.SourceDisk.TotalSectors));
     }
 
     /// "start+sectors e flags" of each candidate in the list's order.
-    static std::vector<std::string> Found() {
-        std::vector<std::string> lines;
+    static Lines Found() {
+        Lines lines;
         for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
             lines.push_back(std::to_string(candidate.StartSector) + "+" +
                             std::to_string(candidate.TotalSectors) + " e" +
@@ -30,27 +30,33 @@ protected:
         return lines;
     }
 
-    static ByteVector BootAt(ByteVector bytes, std::uint64_t sector, std::uint64_t totalSectors,
-                             std::uint64_t serial) {
-        BootSectorFields fields = BootFieldsOf(VolumeGeometry{});
-        fields.TotalSectors = totalSectors;
-        fields.MftCluster = 4;
-        fields.Serial = serial;
-        const ByteVector boot = EncodeBootSector(fields);
-        std::copy(boot.begin(), boot.end(), bytes.begin() + static_cast<std::ptrdiff_t>(512 * sector));
-        return bytes;
+    void Put(std::uint64_t sector, ConstBytes bytes) {
+        std::copy(bytes.begin(), bytes.end(),
+                  Disk.begin() + static_cast<std::ptrdiff_t>(Geometry.SectorBytes * sector));
     }
+    void PutBoot(std::uint64_t sector, std::uint64_t totalSectors, std::uint64_t serial) {
+        BootSectorFields fields = BootFieldsOf(Geometry);
+        fields.TotalSectors = totalSectors;
+        fields.MftCluster = 16;
+        fields.MirrorCluster = 40;
+        fields.Serial = serial;
+        Put(sector, EncodeBootSector(fields));
+    }
+    /// Boot sectors of different volumes of 100 sectors.
+    void PutBoots(std::initializer_list<std::uint64_t> sectors) {
+        for (const std::uint64_t sector : sectors) {
+            PutBoot(sector, 100, sector + 1);
+        }
+    }
+
+    VolumeGeometry Geometry;
+    ByteVector Disk = ByteVector(512 * 2000);
 };
 
-using Lines = std::vector<std::string>;
-
 TEST_F(PartitionSearchTest, QuickLooksAtTwoPlacesInACylinder) {
-    ByteVector disk(512 * 48000);
-    std::uint64_t serial = 1;
-    for (const std::uint64_t sector : {0U, 63U, 2048U, 16064U, 16065U, 16065U + 63U, 32130U, 32194U}) {
-        disk = BootAt(std::move(disk), sector, 100, serial++);
-    }
-    EXPECT_EQ(Search(SearchMethod::Quick, disk), 1U);
+    Disk.resize(512 * 48000);
+    PutBoots({0, 63, 2048, 16064, 16065, 16065 + 63, 32130, 32194});
+    EXPECT_EQ(Search(SearchMethod::Quick), 1U);
     EXPECT_EQ(Found(), (Lines{"0+100 e1", "63+100 e1", "16065+100 e1", "16128+100 e1", "32130+100 e1"}));
     EXPECT_EQ(Reports.FoundPartitions, (std::vector<std::uint64_t>{0, 63, 16065, 16128, 32130}));
     // 48000 rounds up to three cylinders; the last look is told at the end of the range.
@@ -61,73 +67,74 @@ TEST_F(PartitionSearchTest, QuickRoundsItsBoundsToCylinders) {
     struct Case {
         std::uint64_t First, End, FirstProbe, LastEnd;
     };
+    Disk.resize(512 * 50000);
     for (const Case& c : {Case{0, 1, 0, 16065}, Case{16065, 16066, 0, 16065},
                           Case{16066 + 8031, 32131, 16065, 32130}, Case{16066 + 8032, 40163, 32130, 48195}}) {
         Reports.SearchPositions.clear();
-        Search(SearchMethod::Quick, ByteVector(512 * 50000), c.First, c.End);
+        Search(SearchMethod::Quick, c.First, c.End);
         EXPECT_EQ(Reports.SearchPositions.front().first, std::min(c.FirstProbe, c.LastEnd)) << c.First;
         EXPECT_EQ(Reports.SearchPositions.back().second, c.LastEnd) << c.End;
     }
     Plan->Rules = {{.FirstSector = 0, .SectorCount = 100}};
-    Search(SearchMethod::Quick, ByteVector(512 * 40));
+    Disk.resize(512 * 40);
+    Search(SearchMethod::Quick);
     EXPECT_EQ(Engine.Losses.Sectors, 1U) << "nothing is lost behind the end of the disk";
 }
 
 TEST_F(PartitionSearchTest, ABootSectorMustFitOnTheDisk) {
-    ByteVector disk = BootAt(ByteVector(512 * 1000), 100, 900, 1);
-    disk = BootAt(std::move(disk), 200, 801, 2);  // one sector too many
-    disk = BootAt(std::move(disk), 300, 1001, 3); // more than the disk
-    disk = BootAt(std::move(disk), 980, 20, 4);   // its table would lie behind the end
-    disk = BootAt(std::move(disk), 400, ~300ULL, 5);
-    Search(SearchMethod::Thorough, disk);
-    EXPECT_EQ(Found(), (Lines{"100+900 e1"}));
+    PutBoot(100, 1900, 1);
+    PutBoot(200, 1801, 2); // one sector too many
+    PutBoot(300, 2001, 3); // more than the disk
+    PutBoot(1980, 20, 4);  // its table would lie behind the end
+    PutBoot(400, ~300ULL, 5);
+    Search();
+    EXPECT_EQ(Found(), (Lines{"100+1900 e1"}));
 }
 
 TEST_F(PartitionSearchTest, TheSameVolumeTwiceIsOneAndOnlyThoroughMarksIt) {
-    const ByteVector disk = BootAt(BootAt(ByteVector(512 * 20000), 63, 500, 7), 16065, 600, 7);
-    Search(SearchMethod::Thorough, disk);
+    Disk.resize(512 * 20000);
+    PutBoot(63, 500, 7);
+    PutBoot(16065, 600, 7);
+    Search();
     EXPECT_EQ(Found(), (Lines{"63+500 e9"}));
-    Search(SearchMethod::Quick, disk);
+    Search(SearchMethod::Quick);
     EXPECT_EQ(Found(), (Lines{"63+500 e1"}));
 }
 
 TEST_F(PartitionSearchTest, SectorNumbersAreTrueInTheLastStretchAndTheRangeIsKept) {
-    ByteVector disk(512 * 1000);
-    std::uint64_t serial = 1;
-    for (const std::uint64_t sector : {7U, 8U, 500U, 777U, 778U}) {
-        disk = BootAt(std::move(disk), sector, 100, serial++);
-    }
-    Search(SearchMethod::Thorough, disk, 8, 778); // six batches and two sectors
+    PutBoots({7, 8, 500, 777, 778});
+    Search(SearchMethod::Thorough, 8, 778); // six batches and two sectors
     EXPECT_EQ(Found(), (Lines{"8+100 e1", "500+100 e1", "777+100 e1"}));
 }
 
 TEST_F(PartitionSearchTest, AStopLeavesWhatWasFoundAndABadSectorCostsItselfAlone) {
-    const ByteVector disk = BootAt(BootAt(ByteVector(512 * 1000), 5, 100, 1), 700, 100, 2);
+    Disk.resize(512 * 1000);
+    PutBoots({5, 700});
     Reports.OnSearchPosition = [this] {
         if (Reports.SearchPositions.back().first >= 256) {
             Engine.ScanRunFlag = 0;
         }
     };
-    EXPECT_EQ(Search(SearchMethod::Thorough, disk), 0U);
+    EXPECT_EQ(Search(), 0U);
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
 
     Reports.OnSearchPosition = nullptr;
     Plan->Rules = {{.FirstSector = 6}, {.FirstSector = 701, .SectorCount = 299, .Code = kErrorNotReady}};
-    EXPECT_EQ(Search(SearchMethod::Thorough, disk), 1U) << "a fatal error isn't a stop";
+    EXPECT_EQ(Search(), 1U) << "a fatal error isn't a stop";
     EXPECT_EQ(Found(), (Lines{"5+100 e1"}));
     EXPECT_EQ(Reports.Boxes.size(), 1U);
     EXPECT_EQ(Engine.Losses.Sectors, 1U + (1000 - 640)) << "from the batch on that the fatal error ended";
     Plan->Rules.clear();
-    Search(SearchMethod::Thorough, disk);
+    Search();
     EXPECT_FALSE(Engine.Losses.Any());
 }
 
 // A slow medium: each read takes so long that the stop comes between two.
 TEST_F(PartitionSearchTest, AStopIsSeenBeforeTheNextRead) {
-    ByteVector likeRecords(512 * 300);
-    for (std::size_t at = 0; at < likeRecords.size(); at += 512) {
-        std::copy_n("FILE0", 6, likeRecords.begin() + static_cast<std::ptrdiff_t>(at));
-        PutNumber<std::uint32_t>(likeRecords, at + 28, 1024);
+    Disk.resize(512 * 300);
+    for (std::uint64_t sector = 0; sector < 300; ++sector) { // like records
+        Put(sector, BytesOf(std::string("FILE0", 6)));
+        PutNumber<std::uint32_t>(Disk, sector * 512 + 28, 1024);
     }
     struct Case {
         SearchMethod Method;
@@ -140,7 +147,7 @@ TEST_F(PartitionSearchTest, AStopIsSeenBeforeTheNextRead) {
             Engine.ScanRunFlag = index + 1 < c.ReadsBefore ? 1 : 0;
         };
         Plan->Log.clear();
-        EXPECT_EQ(Search(c.Method, likeRecords, 0, c.End), 0U);
+        EXPECT_EQ(Search(c.Method, 0, c.End), 0U);
         EXPECT_EQ(Plan->Log.size(), c.ReadsBefore) << c.End;
     }
 }
@@ -153,10 +160,7 @@ protected:
     static constexpr std::uint64_t kTable = 63 + 16 * 8;
     static constexpr std::uint64_t kMirror = 63 + 40 * 8;
 
-    void Put(std::uint64_t sector, ConstBytes bytes) {
-        std::copy(bytes.begin(), bytes.end(),
-                  Disk.begin() + static_cast<std::ptrdiff_t>(Geometry.SectorBytes * sector));
-    }
+    using PartitionSearchTest::Put;
     void Put(std::uint64_t sector, const RecordBuilder& record) { Put(sector, record.Finish()); }
 
     RecordBuilder Record(std::uint32_t number, const char16_t* name, const FileTimes& times) {
@@ -174,23 +178,11 @@ protected:
         return Record(1, u"$MFTMirr", times).AddData(NonResidentValue{.Runs = {{1, 40}}, .RealSize = 4096});
     }
 
-    /// The boot sector of the volume.
-    ByteVector Boot() {
-        BootSectorFields fields = BootFieldsOf(Geometry);
-        fields.TotalSectors = 640;
-        fields.MftCluster = 16;
-        fields.MirrorCluster = 40;
-        return EncodeBootSector(fields);
-    }
-
     Lines SearchDisk() {
-        Search(SearchMethod::Thorough, Disk, 0, kAll, static_cast<std::uint16_t>(Geometry.SectorBytes));
+        Search();
         return Found();
     }
     void Wipe() { Disk.assign(Disk.size(), 0); }
-
-    VolumeGeometry Geometry;
-    ByteVector Disk = ByteVector(512 * 2000);
 };
 
 TEST_F(EvidenceTest, TwinsOfEitherRecordGiveTheVolume) {
@@ -198,15 +190,10 @@ TEST_F(EvidenceTest, TwinsOfEitherRecordGiveTheVolume) {
     Put(kMirror, Mft());
     Put(kMirror + 2, Mirr()); // makes no other pair with what twins have used
     ASSERT_EQ(SearchDisk(), (Lines{"63+640 e2"}));
-    const PartitionCandidate& byMft = Engine.SourceDisk.Partitions.front();
-    EXPECT_EQ(byMft.MftSector, kMirror);
-    EXPECT_EQ(byMft.MftCluster, 16U);
-    EXPECT_EQ(byMft.MftMirrCluster, 40U);
-    EXPECT_EQ(byMft.ClusterBytes, 4096U);
-    EXPECT_EQ(byMft.BytesPerSector, 512U);
-    EXPECT_EQ(byMft.FileRecordBytes, 1024U);
-    EXPECT_EQ(byMft.SectorsPerFileRecord, 2U);
-    EXPECT_EQ(byMft.VolumeSerial + byMft.IndexBlockBytes + byMft.SectorsPerIndexBlock, 0U);
+    // Without a boot sector there is neither a serial number nor an index block's size.
+    const PartitionCandidate byMft = {63,   640,  kMirror, 16,  40, 0, 0,
+                                      4096, 1024, 8,       512, 2,  0, kEvidenceTwins};
+    EXPECT_EQ(EncodeCandidate(Engine.SourceDisk.Partitions.front(), false), EncodeCandidate(byMft, false));
     EXPECT_TRUE(Reports.FoundPartitions.empty())
         << "volumes worked out from records are told by the list alone";
     Reports.OnSearchPosition = [this] {
@@ -231,20 +218,16 @@ TEST_F(EvidenceTest, AMftRecordWithAMirrRecordGivesTheVolume) {
     Put(kMirror, Mft());
     Put(kMirror + 2, Mirr());
     EXPECT_EQ(SearchDisk(), (Lines{"63+640 e4"}));
-    Wipe();
+    Put(kMirror, ByteVector(1024));
     Put(kTable, Mft());
-    Put(kMirror + 2, Mirr());
-    EXPECT_EQ(SearchDisk(), (Lines{"65+640 e4"}))
-        << "the mirror's copy stands one record behind the mirror's start";
-    Wipe();
-    Put(kTable, Mft());
+    EXPECT_EQ(SearchDisk(), (Lines{"65+640 e4"})) << "its copy stands one record behind the mirror's start";
+    Put(kMirror + 2, ByteVector(1024));
     Put(kTable + 2, Mirr());
-    EXPECT_EQ(SearchDisk(), Lines{})
-        << "neighbours would be the mirror, of a volume that began before the disk";
+    EXPECT_EQ(SearchDisk(), Lines{}) << "the mirror of a volume that would begin before the disk";
 }
 
 TEST_F(EvidenceTest, RecordsMarkAVolumeThatIsListedAlready) {
-    Put(63, Boot());
+    PutBoot(63, 640, 1);
     Put(kTable, Mft());
     Put(kMirror + 8, Mirr());
     EXPECT_EQ(SearchDisk(), (Lines{"63+640 e5"})) << "up to a cluster away";
@@ -297,7 +280,7 @@ TEST_F(EvidenceTest, ADiskOfLookAlikesEndsInABoundedList) {
         Put(8 * i, record);
     }
     // A volume that is listed before is marked all the same.
-    Put(4, Boot());
+    PutBoot(4, 640, 1);
     Put(14, Mft(EqualTimes(5)));
     Put(4 + 40 * 8 + 2, Mirr(EqualTimes(5)));
     Engine.SearchLimits = kLimitEvidence; // of the search before
@@ -319,7 +302,8 @@ TEST_F(EvidenceTest, AStopEndsThePairing) {
     for (std::uint64_t i = 0; i < 2500; ++i) { // three million pairs, most of them of one volume
         copies.push_back({.SectorNumber = 2 * i, .SectorsPerCluster = 128});
     }
-    Search(SearchMethod::Thorough, {});
+    Disk.clear();
+    Search();
     Reports.OnGate = [] { Engine.ScanRunFlag = 0; };
     CandidateIndex index;
     PairMftTwins(copies, index);
