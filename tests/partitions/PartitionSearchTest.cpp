@@ -85,7 +85,7 @@ TEST_F(PartitionSearchTest, ABootSectorMustFitOnTheDisk) {
     PutBoot(100, 1900, 1);
     PutBoot(200, 1801, 2); // one sector too many
     PutBoot(300, 2001, 3); // more than the disk
-    PutBoot(1980, 20, 4);  // its table would lie behind the end
+    PutBoot(1873, 20, 4);  // its table would lie behind the end
     PutBoot(400, ~300ULL, 5);
     Search();
     EXPECT_EQ(Found(), (Lines{"100+1900 e1"}));
