@@ -88,7 +88,7 @@ void ReadContents() {
 void OpenPlainVolume(ConstBytes bytes) {
     ResetEngineState();
     Engine.SourceDisk.MediaHandle =
-        test::MakeMemoryMedium(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+        test::MakeMemoryMedium(std::make_shared<test::ByteVector>(bytes.begin(), bytes.end()));
     Engine.SourceDisk.BytesPerSector = 512;
     Engine.SourceDisk.TotalSectors = bytes.size() / 512;
     Engine.ScanRunFlag = 1;

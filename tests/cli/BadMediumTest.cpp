@@ -180,8 +180,7 @@ TEST_F(BadMediumTest, FilesWithoutTheRightToReadOrWrite) {
     fs::permissions(target_, fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
                                  fs::perms::others_exec);
     fs::permissions(scratch_.Path(), fs::perms::others_exec, fs::perm_options::add);
-    RunSetup setup;
-    setup.AsNobody = ::geteuid() == 0;
+    const RunSetup setup = {.AsNobody = ::geteuid() == 0};
     if (RunCli({"--version"}, setup).Status == 127) {
         GTEST_SKIP() << "the program can't be started here by a user without rights";
     }

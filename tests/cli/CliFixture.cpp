@@ -94,9 +94,4 @@ std::string CliTest::Attach(const std::string& image, const std::string& options
     return devices_.back()->Path();
 }
 
-bool CliTest::MountNewFileSystem(const std::string& device) const {
-    return OutputOf("PATH=$PATH:/sbin:/usr/sbin; mkfs.ext4 -qF " + device + " && mkdir -p '" + mount_ +
-                    "' && mount " + device + " '" + mount_ + "' && echo done") == "done";
-}
-
 } // namespace thntfs::test

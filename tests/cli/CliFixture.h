@@ -4,7 +4,6 @@
 #include "support/RunProgram.h"
 #include "support/VolumeBuilder.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -12,8 +11,6 @@
 #include <vector>
 
 namespace thntfs::test {
-
-namespace fs = std::filesystem;
 
 using Json = nlohmann::ordered_json; // the order of fields is part of the contract
 using Words = std::vector<std::string>;
@@ -62,8 +59,6 @@ protected:
 
     /// Path of a loop device over an image; empty where there can be none.
     std::string Attach(const std::string& image, const std::string& options = "");
-    /// Mounts a file system, made anew on a device, at mount_. False where that can't be done here.
-    [[nodiscard]] bool MountNewFileSystem(const std::string& device) const;
 
     VolumeBuilder volume_;
     ScratchFolder scratch_;

@@ -78,7 +78,7 @@ TEST_F(CopyTest, NothingIsWrittenToTheMediumItself) {
     fs::resize_file(disk_, end + (8U << 20U));
     const std::string behind = Attach(disk_, "--offset " + std::to_string(end));
     const std::string device = Attach(disk_);
-    if (behind.empty() || device.empty() || !MountNewFileSystem(behind)) {
+    if (behind.empty() || device.empty() || !MountNewFileSystem(behind, mount_)) {
         GTEST_SKIP() << kNoLoops;
     }
     // Under any name, and the map as well as the image.
@@ -98,9 +98,8 @@ TEST_F(CopyTest, NothingIsWrittenToTheMediumItself) {
     EXPECT_EQ(ReadWholeFile(mount_ + "/file").substr(0, 8), "precious");
 
     const auto before = fs::last_write_time(mount_ + "/folder");
-    RunSetup setup;
-    setup.Environment["TMPDIR"] = mount_ + "/folder";
-    Expect(0, {"scan", disk_, "--json"}, "lies on the medium that is being read", setup);
+    Expect(0, {"scan", disk_, "--json"}, "lies on the medium that is being read",
+           {.Environment = {{"TMPDIR", mount_ + "/folder"}}});
     EXPECT_TRUE(fs::last_write_time(mount_ + "/folder") == before);
     fs::remove(map_);
     Expect(0, {"image", behind, copy_}, "is mounted");
@@ -113,9 +112,8 @@ TEST_F(CopyTest, ImageOfAPackedDiskGivesWhatItsDiskGives) {
     const RunResult run = Expect(0, {"image", disk_, copy_, "--log", At("log")});
     EXPECT_TRUE(Contains(run.Out, "Disk Imaging Completed\n")) << run.Out;
     EXPECT_TRUE(IsImage());
-    RunSetup noRoom;
-    noRoom.MaxFileBytes = fs::file_size(map_) - 1;
-    Expect(3, {"image", disk_, copy_, "--resume"}, "It tells less than has been read", noRoom);
+    Expect(3, {"image", disk_, copy_, "--resume"}, "It tells less than has been read",
+           {.MaxFileBytes = fs::file_size(map_) - 1});
     EXPECT_EQ(RunCli({"list", copy_, "-p", "2", "-r"}).Out, RunCli({"list", disk_, "-p", "2", "-r"}).Out);
     EXPECT_TRUE(
         Contains(ReadWholeFile(At("log")), "\nCompleted Disk Imaging\r\n\t\t" + disk_ + " to " + copy_));
@@ -212,16 +210,9 @@ TEST_F(CopyTest, CloneToAFileKeepsItsSizeAndItsRest) {
     EXPECT_TRUE(Contains(Expect(2, {"clone", disk_, target_}, told).Err, "--yes"));
     EXPECT_TRUE(ReadWholeFile(target_) == before);
     EXPECT_EQ(Json::parse(Expect(0, {"clone", disk_, target_, "--yes", "--json"}).Out),
-              (Json{{"source", disk_},
-                    {"target", target_},
-                    {"bytesPerSector", 512},
-                    {"sectors", 1000},
-                    {"copiedSectors", 1000},
-                    {"badSectors", 0},
-                    {"unreadSectors", 0},
-                    {"badRanges", Json::array()},
-                    {"complete", true},
-                    {"map", nullptr}}));
+              Json::parse(R"({"source":")" + disk_ + R"(","target":")" + target_ +
+                          R"(","bytesPerSector":512,"sectors":1000,"copiedSectors":1000,"badSectors":0,
+                             "unreadSectors":0,"badRanges":[],"complete":true,"map":null})"));
     EXPECT_TRUE(ReadWholeFile(target_) == ImageOf(ReadWholeFile(disk_)) + before.substr(1000U * 512U));
 }
 
@@ -257,7 +248,7 @@ TEST_F(CopyTest, CloneToADevice) {
     Expect(0, {"clone", source, device, "--yes"});
     EXPECT_EQ(ReadWholeFile(device).substr(0, 3U << 20U), ImageOf(ReadWholeFile(disk_)));
 
-    if (MountNewFileSystem(device)) {
+    if (MountNewFileSystem(device, mount_)) {
         ExpectRefused(1, {"clone", source, device, "--yes"}, "is in use");
         ExpectRefused(1, {"clone", source, target_, "--yes"}, "is in use");
         fs::copy_file(disk_, mount_ + "/disk");

@@ -161,9 +161,7 @@ TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
         BootSectorFields boot = BootFieldsOf(volume_.Geometry());
         boot.TotalSectors = sectors;
         volume_.PutSectors(volume_.Geometry().StartSector, EncodeBootSector(boot));
-        RunSetup setup;
-        setup.MaxFileBytes = 64U << 20U;
-        const RunResult run = Save(3, {"--json"}, "", setup);
+        const RunResult run = Save(3, {"--json"}, "", {.MaxFileBytes = 64U << 20U});
         EXPECT_LT(Json::parse(run.Out)["bytes"], 200U << 20U) << run.Err;
         EXPECT_FALSE(Contains(run.Err, "exceeds the limit")) << "only the limit held it: " << run.Err;
         EXPECT_EQ(ReadWholeFile(target_ + "/good.txt"), "good");

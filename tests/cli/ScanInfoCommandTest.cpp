@@ -102,11 +102,9 @@ TEST_F(ScanInfoCommandTest, FilesThatDoNotLoad) {
 
 TEST_F(ScanInfoCommandTest, WhatCannotBeSavedIsToldAndMostOfItBeforeTheScan) {
     SaveBoth();
-    RunSetup setup;
-    setup.MaxFileBytes = fs::file_size(tree_) - 1;
-    const std::string again = At("again.tht");
-    const RunResult run =
-        Expect(1, {"scan", image_, "--save-info", again}, "Cannot save scan information to " + again, setup);
+    const RunResult run = Expect(1, {"scan", image_, "--save-info", At("again")},
+                                 "Cannot save scan information to " + At("again.tht"),
+                                 {.MaxFileBytes = fs::file_size(tree_) - 1});
     EXPECT_FALSE(Contains(run.Err, "Partition")) << run.Err;
 
     fs::create_directories(At(std::string(200, 'd')));

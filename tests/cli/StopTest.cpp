@@ -21,16 +21,9 @@ protected:
         std::ofstream(image_, std::ios::app) << std::string(512, '\0');
     }
 
-    /// A run with the temporary folder of the test.
-    RunSetup WithTemp() {
-        RunSetup setup;
-        setup.Environment["TMPDIR"] = temp_;
-        return setup;
-    }
-
-    /// The same, stopped a while after the scan has begun.
+    /// A run with the temporary folder of the test, stopped a while after the scan has begun.
     RunSetup StoppedScan() {
-        RunSetup setup = WithTemp();
+        RunSetup setup = {.Environment = {{"TMPDIR", temp_}}};
         setup.Interrupt = [this, begun = std::optional<std::chrono::steady_clock::time_point>()]() mutable {
             const auto now = std::chrono::steady_clock::now();
             if (!begun && !fs::is_empty(temp_)) {
@@ -89,7 +82,7 @@ TEST_F(StopTest, SaveLeavesNoHalfWrittenFile) {
                             .AddFileName({.Name = u"endless.bin"})
                             .AddData({.Runs = {{kBytes / 4096, kFarCluster}}, .RealSize = kBytes}));
     WriteImage(kBytes + kGibibyte);
-    RunSetup setup = WithTemp();
+    RunSetup setup = {.Environment = {{"TMPDIR", temp_}}};
     setup.Interrupt = [&] { // it has its own name when it is whole
         return fs::exists(target_) && std::any_of(fs::directory_iterator(target_), fs::directory_iterator(),
                                                   [](const fs::directory_entry& entry) {
@@ -114,22 +107,16 @@ TEST_F(StopTest, AReaderThatHasGoneIsNoFailureAndAFullDiskIsOne) {
                                {"list", image, "--recursive"},
                                {"list", image, "--recursive", "--json"},
                                {"cat", image, "/Sizes kept/700000.txt"}}) {
-        RunSetup gone;
-        gone.BrokenPipe = true;
-        EXPECT_EQ(Expect(0, words, "", gone).Err, "");
-        RunSetup full;
-        full.OutPath = "/dev/full";
-        Expect(1, words, "not enough space", full);
+        EXPECT_EQ(Expect(0, words, "", {.BrokenPipe = true}).Err, "");
+        Expect(1, words, "not enough space", {.OutPath = "/dev/full"});
     }
 }
 
 // A write that passes when it is made again is told all the same.
 TEST_F(StopTest, TemporaryFilesThatCannotBeMadeOrWritten) {
     const Words scan = {"scan", PackedPath("basic"), "--json"};
-    RunSetup setup = WithTemp();
-    setup.Environment["TMPDIR"] = At("nowhere");
-    Expect(1, scan, "temporary folder", setup);
-    setup = WithFaults(temp_, "write", {{"FAULT_LIST", At("calls")}, {"TMPDIR", temp_}});
+    Expect(1, scan, "temporary folder", {.Environment = {{"TMPDIR", At("nowhere")}}});
+    RunSetup setup = WithFaults(temp_, "write", {{"FAULT_LIST", At("calls")}, {"TMPDIR", temp_}});
     Expect(0, scan, "", setup);
     const std::vector<std::string> calls = LinesOf(ReadWholeFile(At("calls")));
     int tried = 0;

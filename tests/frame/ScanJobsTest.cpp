@@ -5,7 +5,6 @@
 #include "shell/DlgWait.h"
 #include "shell/PauseGate.h"
 #include "shell/WindowMessages.h"
-#include "support/EnvironmentVariable.h"
 #include "support/FailingFileStore.h"
 
 #include <filesystem>

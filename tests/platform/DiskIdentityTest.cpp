@@ -6,14 +6,11 @@
 #include "support/LoopDevice.h"
 #include "support/RunProgram.h"
 
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/sysmacros.h>
 
 namespace thntfs::test {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -26,12 +23,6 @@ protected:
         }
     }
     ~DiskIdentityTest() override { OutputOf("umount '" + mount_ + "'"); }
-
-    /// False where no file system can be mounted here.
-    [[nodiscard]] bool MountNewFileSystem(const std::string& device) const {
-        return OutputOf("PATH=$PATH:/sbin:/usr/sbin; mkdir '" + mount_ + "' && mkfs.ext4 -qF " + device +
-                        " && mount " + device + " '" + mount_ + "' && echo done") == "done";
-    }
 
     ScratchFolder scratch_;
     std::string image_ = scratch_ / "image";
@@ -70,7 +61,7 @@ TEST_F(DiskIdentityTest, LoopDeviceStandsForItsImageAndWhatIsMountedFromIt) {
         EXPECT_TRUE(SameMedium(upper->Path(), image_)) << "a loop on a loop";
     }
 
-    if (!MountNewFileSystem(loop->Path())) {
+    if (!MountNewFileSystem(loop->Path(), mount_)) {
         GTEST_SKIP() << "no file system can be mounted here";
     }
     EXPECT_TRUE(SharesMedium(mount_, image_));

@@ -5,12 +5,9 @@
 #include "support/RunProgram.h"
 
 #include <array>
-#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace thntfs::test {
-
-namespace fs = std::filesystem;
 
 namespace {
 

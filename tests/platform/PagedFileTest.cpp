@@ -1,5 +1,6 @@
 #include "platform/files/PagedFile.h"
 
+#include "engine/LittleEndian.h"
 #include "support/FailingFileStore.h"
 #include "support/MemoryFile.h"
 
@@ -61,9 +62,9 @@ private:
         std::vector<std::uint8_t> bytes(size, 0xAA);
         std::size_t got = 0;
         Retry([&] { return Paged.ReadAt(offset, bytes, got); });
-        const auto from = Model.begin() + static_cast<std::ptrdiff_t>(std::min(offset, Model.size()));
-        ASSERT_EQ(got, std::min<std::size_t>(size, static_cast<std::size_t>(Model.end() - from)));
-        ASSERT_TRUE(std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(got), from));
+        const ConstBytes expected = Part(Model, offset, size);
+        ASSERT_EQ(got, expected.size());
+        ASSERT_TRUE(std::equal(expected.begin(), expected.end(), bytes.begin()));
     }
 
     std::mt19937 random_;

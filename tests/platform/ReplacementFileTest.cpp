@@ -5,7 +5,6 @@
 #include "support/RunProgram.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -15,8 +14,6 @@
 namespace thntfs::test {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 class ReplacementFileTest : public testing::Test {
 protected:

@@ -5,12 +5,9 @@
 #include "support/LoopDevice.h"
 #include "support/RunProgram.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace thntfs::test {
-
-namespace fs = std::filesystem;
 
 namespace {
 

@@ -11,7 +11,7 @@
 
 namespace thntfs::test {
 
-TEST(TextTest, NarrowAndWideMeetOnValidText) {
+TEST(TextTest, NarrowAndWideMeetAndWhatIsInvalidIsReplaced) {
     const std::u16string wide = u"aä€\U0001F600\uFFFF\x7F";
     const std::string narrow = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBF\x7F";
     EXPECT_EQ(NarrowText(wide), narrow);
@@ -19,18 +19,14 @@ TEST(TextTest, NarrowAndWideMeetOnValidText) {
     std::string out = "x";
     AppendNarrowText(out, std::u16string_view(u"\0y", 2));
     EXPECT_EQ(out, std::string("x\0y", 3));
-}
 
-TEST(TextTest, LoneSurrogatesAreReplaced) {
     const std::string replaced = "\xEF\xBF\xBD";
     const std::u16string high(1, 0xD83D);
     const std::u16string low(1, 0xDE00);
     EXPECT_EQ(NarrowText(high), replaced);
     EXPECT_EQ(NarrowText(low + high + u"a"), replaced + replaced + "a");
     EXPECT_EQ(NarrowText(high + high + low), replaced + "\xF0\x9F\x98\x80");
-}
 
-TEST(TextTest, InvalidNarrowTextIsReplacedAndReadOn) {
     EXPECT_EQ(WideText("a\xFF-b"), u"a\uFFFD-b");
     EXPECT_EQ(WideText("\xE2\x82-b"), u"\uFFFD-b") << "cut short by another character";
     EXPECT_EQ(WideText("b\xF0\x9F\x98"), u"b\uFFFD") << "cut short by the end";
@@ -72,10 +68,8 @@ TEST(DatesTest, AgreesWithTheCalendarOnEveryDay) {
     EXPECT_EQ(dateAt(kEnd, 0), 0);
     EXPECT_EQ(DosDateOfFileTime(0), 0);
     EXPECT_EQ(DosDateOfFileTime(~0ULL), 0);
-}
 
-TEST(DatesTest, NoDateOfTheCalendarHasNoText) {
-    using Ymd = std::array<int, 3>;
+    using Ymd = std::array<int, 3>; // no dates of the calendar
     for (const auto& [year, month, day] : std::initializer_list<Ymd>{
              {1980, 0, 0}, {2001, 2, 29}, {2100, 2, 29}, {2004, 4, 31}, {2004, 13, 1}, {2004, 7, 0}}) {
         EXPECT_EQ(IsoDate(static_cast<std::uint16_t>((year - 1980) << 9 | month << 5 | day)), "") << year;

@@ -1,18 +1,14 @@
 #include "platform/files/WorkFolder.h"
 
 #include "platform/files/InstanceLock.h"
-#include "support/EnvironmentVariable.h"
 #include "support/RunProgram.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
 #include <unistd.h>
 
 namespace thntfs::test {
 namespace {
-
-namespace fs = std::filesystem;
 
 class WorkFolderTest : public ::testing::Test {
 protected:

@@ -16,11 +16,6 @@ struct LaidCandidate {
     std::uint8_t SectorsPerCluster = 8;
 };
 
-struct LaidExtent {
-    std::uint32_t Clusters = 0;
-    std::uint64_t StartCluster = 0;
-};
-
 /// What a hand-laid file says. Links are 1 where another record follows.
 struct Laid {
     std::string Description; ///< ASCII
@@ -28,7 +23,7 @@ struct Laid {
     std::uint64_t TotalSectors = 0;
     std::vector<LaidCandidate> Candidates;
     std::uint64_t VolumeStart = 128; ///< sector
-    std::vector<LaidExtent> Extents;
+    std::vector<Run> Extents;
     std::uint32_t FileRecordBytes = 1024;
     ByteVector Tree;
     ByteVector Entries;
@@ -85,8 +80,9 @@ inline void LayVolume(ByteVector& bytes, const Laid& laid) {
     LayFields(bytes, U64{16383}, start + 32, U64{4}, U64{1024}, kLaidSerial, start,
               U32{!laid.Extents.empty()}, U32{256}, laid.FileRecordBytes, U32{4096}, U32{4096}, U16{512},
               U8{2}, U8{8}, U8{8}, U8{1});
-    for (const LaidExtent& extent : laid.Extents) {
-        LayFields(bytes, extent.Clusters, extent.StartCluster, U32{&extent != &laid.Extents.back()});
+    for (const Run& extent : laid.Extents) {
+        LayFields(bytes, static_cast<U32>(extent.Clusters), extent.Start.value(),
+                  U32{&extent != &laid.Extents.back()});
     }
 }
 

@@ -1,25 +1,19 @@
 #include "scaninfo/MediumMatch.h"
 
-#include "catalogue/CatalogueFixture.h"
-#include "scans/BasicScan.h"
+#include "scaninfo/ScanInfoFixture.h"
 
 namespace thntfs::test {
 
 namespace {
 
 /// A volume of a hundred files that has been scanned, and changes from then on.
-class MediumMatchTest : public CatalogueFixture {
+class MediumMatchTest : public ScanInfoFixture {
 protected:
     MediumMatchTest() {
         NameFiles(100, u"as scanned ");
         OpenVolume(Volume);
         Engine.VolumeParams.VolumeSerial = Volume.Geometry().Serial;
-        Engine.ScanRunFlag = 1;
-        EXPECT_EQ(CreateCatalogue(), 1);
-        EXPECT_EQ(BasicScan(), 1);
-        Engine.ScanRunFlag = 0;
-        CloseCatalogue();
-        EXPECT_EQ(OpenCatalogue(), 1);
+        Scan();
     }
 
     void NameFiles(std::uint32_t count, const std::u16string& name) {

@@ -18,8 +18,7 @@ TEST_F(PartitionInfoFileTest, ALoadedFileIsSavedWithTheSameBytes) {
         EXPECT_EQ(Engine.SourceDisk.Partitions.size(), candidates);
         EXPECT_EQ(Engine.VolumeParams.FileRecordBytes, 0U);
         EXPECT_TRUE(SavePartitionInfo(At("again")).Done);
-        EXPECT_EQ(LogEnd(), (Lines{"Saving Scan Info File : again|To Location : " + scratch_.Path() + "|0",
-                                   "Disk scan information saved successfully.|" + At("again.thd") + "|2"}));
+        ExpectSaveLog("again", "Disk scan information saved successfully.", ".thd");
         EXPECT_EQ(ReadFileBytes(At("again.thd")), bytes);
     }
 }
@@ -43,9 +42,7 @@ TEST_F(PartitionInfoFileTest, FailuresAreToldAndLeaveTheEngineReset) {
     ExpectReset();
     laid_.Description = "/nowhere/disk.img";
     EXPECT_FALSE(LoadPartitions(LayPartitionInfo(laid_)).Done);
-    EXPECT_EQ(LogEnd(),
-              (Lines{"Processing Scan Info File : laid.thd|Location : " + scratch_.Path() + "|0",
-                     "Failed to open Disk scan information. Errorcode =2|" + At("laid.thd") + "|1"}));
+    ExpectLoadLog("laid.thd", "Failed to open Disk scan information. Errorcode =2", "1");
     ExpectReset();
     EXPECT_EQ(SavePartitionInfo(At("no/folder/a.thd")).Text,
               "Failed to save Disk scan information. Errorcode =2");

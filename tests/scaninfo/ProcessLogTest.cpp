@@ -8,18 +8,10 @@ namespace thntfs::test {
 
 namespace {
 
-ProcessLogEntry Entry(const std::string& name, const std::string& description, const std::string& time) {
-    ProcessLogEntry entry;
-    entry.Name = name;
-    entry.Description = description;
-    entry.Time = time;
-    return entry;
-}
-
 TEST(ProcessLogTest, ARowsTimeIsThatOfItsArrival) {
     ProcessLog log;
-    log.Add(Entry("first", "a step", "a time of the sender's"));
-    log.Add(Entry("second", "a step", ""));
+    log.Add({"first", "a step", "a time of the sender's"});
+    log.Add({"second", "a step", ""});
     ASSERT_EQ(log.Rows().size(), 2U);
     EXPECT_EQ(log.Rows()[0].Name, "first");
     EXPECT_EQ(log.Rows()[0].Time.size(), std::string("Thu Nov 19 2026 06:21:28").size());
@@ -33,12 +25,12 @@ TEST(ProcessLogTest, TextOfTheFile) {
                              "Log------------------------\r\n\r\n\r\n" +
                              rule;
     EXPECT_EQ(LogHeadText(), head);
-    EXPECT_EQ(LogRowText(Entry("Name", "Text", "Thu Nov 19 2026 06:21:28")),
+    EXPECT_EQ(LogRowText({"Name", "Text", "Thu Nov 19 2026 06:21:28"}),
               "\r\nName\r\n\t\tText\r\n\t\tThu Nov 19 2026 06:21:28\r\n" + rule);
 
     ProcessLog log;
-    log.Add(Entry("one", std::string(3U << 20U, 'x'), ""));
-    log.Add(Entry("two", "", ""));
+    log.Add({"one", std::string(3U << 20U, 'x'), ""});
+    log.Add({"two", "", ""});
     MemoryFile file;
     EXPECT_EQ(WriteLogText(log, file), kErrorNone);
     EXPECT_EQ(file.Content, BytesOf(head + LogRowText(log.Rows()[0]) + LogRowText(log.Rows()[1])));

@@ -3,7 +3,6 @@
 #include "partitions/OpenSource.h"
 #include "partitions/PartitionTable.h"
 #include "scaninfo/ScanInfoFixture.h"
-#include "scans/BasicScan.h"
 #include "support/BuildPaths.h"
 #include "support/MemoryFile.h"
 
@@ -17,11 +16,7 @@ protected:
     void TakeVolume(const PartitionCandidate& candidate) {
         LoadVolumeParams(candidate);
         ASSERT_EQ(LocateMft(), 1);
-        Engine.ScanRunFlag = 1;
-        ASSERT_EQ(CreateCatalogue(), 1);
-        ASSERT_EQ(BasicScan(), 1);
-        CloseCatalogue();
-        ASSERT_EQ(OpenCatalogue(), 1);
+        Scan();
     }
 
     /// Each entry with its content.

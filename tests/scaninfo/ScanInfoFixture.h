@@ -5,8 +5,9 @@
 #include "scaninfo/HandLaid.h"
 #include "scaninfo/PartitionInfoFile.h"
 #include "scaninfo/TreeInfoFile.h"
+#include "scans/BasicScan.h"
+#include "support/RunProgram.h"
 
-#include <filesystem>
 #include <set>
 
 namespace thntfs::test {
@@ -40,7 +41,7 @@ protected:
     /// Names of what lies in the folder.
     [[nodiscard]] std::set<std::string> Names() const {
         std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(scratch_.Path())) {
+        for (const auto& entry : fs::directory_iterator(scratch_.Path())) {
             names.insert(entry.path().filename().string());
         }
         return names;
@@ -61,6 +62,16 @@ protected:
         return paths;
     }
 
+    /// Scans the volume that is in use into a new catalogue, which is open then.
+    static void Scan() {
+        Engine.ScanRunFlag = 1;
+        ASSERT_EQ(CreateCatalogue(), 1);
+        ASSERT_EQ(BasicScan(), 1);
+        Engine.ScanRunFlag = 0;
+        CloseCatalogue();
+        ASSERT_EQ(OpenCatalogue(), 1);
+    }
+
     static void ExpectReset() {
         EXPECT_EQ(Engine.SourceDisk.MediaHandle, nullptr);
         EXPECT_TRUE(Engine.SourceDisk.Description.empty());
@@ -68,6 +79,7 @@ protected:
         EXPECT_EQ(Engine.SourceDisk.BytesPerSector, 0);
         EXPECT_TRUE(Engine.VolumeParams.MftExtents.empty());
         EXPECT_EQ(Engine.VolumeParams.FileRecordBytes, 0U);
+        EXPECT_EQ(Engine.EntryFile, nullptr);
     }
 
     /// The last two records of the log, the one that begins and the one that ends, as "name|text|status".
@@ -78,6 +90,25 @@ protected:
             lines.push_back(entry.Name + "|" + entry.Description + "|" + std::to_string(entry.Status));
         }
         return lines;
+    }
+    void ExpectLoadLog(const std::string& file, const std::string& text, const std::string& status) const {
+        EXPECT_EQ(LogEnd(),
+                  (Lines{"Processing Scan Info File : " + file + "|Location : " + scratch_.Path() + "|0",
+                         text + "|" + At(file) + "|" + status}));
+    }
+    void ExpectSaveLog(const std::string& name, const std::string& text, const char* ending) const {
+        EXPECT_EQ(LogEnd(),
+                  (Lines{"Saving Scan Info File : " + name + "|To Location : " + scratch_.Path() + "|0",
+                         text + "|" + At(name + ending) + "|2"}));
+    }
+
+    void ExpectFailedLoad(ConstBytes bytes,
+                          const std::string& text = "Not a valid Partition scan information.") {
+        const ScanInfoResult result = LoadTree(bytes);
+        EXPECT_FALSE(result.Done);
+        EXPECT_EQ(result.Text, text);
+        ExpectLoadLog("laid.tht", text, "1");
+        ExpectReset();
     }
 
     WorkFolder scratch_;

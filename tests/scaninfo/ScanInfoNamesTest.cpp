@@ -11,10 +11,7 @@ class ScanInfoNamesTest : public ScanInfoFixture {};
 
 TEST_F(ScanInfoNamesTest, SuggestedNames) {
     std::tm day{};
-    day.tm_year = 99;
-    day.tm_mon = 8;
-    day.tm_mday = 9;
-    day.tm_wday = 6;
+    std::tie(day.tm_year, day.tm_mon, day.tm_mday, day.tm_wday) = std::tuple(99, 8, 9, 6);
     EXPECT_EQ(SuggestedTreeInfoName(day), "TH NTFS Scan Info# 09-Sept-1999.tht");
     EXPECT_EQ(SuggestedPartitionInfoName(day), "TH NTFS Scan Information # Sat, 09-Sept-1999");
 }

@@ -2,9 +2,7 @@
 
 #include "partitions/BootSector.h"
 #include "platform/media/Medium.h"
-
-#include <fstream>
-#include <iterator>
+#include "support/RunProgram.h"
 
 namespace thntfs::test {
 
@@ -43,10 +41,7 @@ ByteVector NumberedSectors(std::size_t sectors) {
     return bytes;
 }
 
-ByteVector ReadFileBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+ByteVector ReadFileBytes(const std::string& path) { return BytesOf(ReadWholeFile(path)); }
 
 EngineFixture::EngineFixture() { ResetEngineState(); }
 

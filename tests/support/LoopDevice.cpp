@@ -22,6 +22,11 @@ std::string OutputOf(const std::string& command) {
     return text.substr(0, text.find('\n'));
 }
 
+bool MountNewFileSystem(const std::string& device, const std::string& path) {
+    return OutputOf("PATH=$PATH:/sbin:/usr/sbin; mkfs.ext4 -qF " + device + " && mkdir -p '" + path +
+                    "' && mount " + device + " '" + path + "' && echo done") == "done";
+}
+
 std::unique_ptr<LoopDevice> LoopDevice::Attach(const std::string& imagePath, const std::string& options) {
     // Without sysfs, as in a bare chroot, nobody can tell what a loop device shows, nor free it again.
     if (::geteuid() != 0 || !std::filesystem::exists("/sys/block")) {

@@ -8,6 +8,9 @@ namespace thntfs::test {
 /// Runs a shell command; gives its first line of output, empty where it failed.
 std::string OutputOf(const std::string& command);
 
+/// Mounts a file system, made anew on a device, at a path. False where that can't be done here.
+bool MountNewFileSystem(const std::string& device, const std::string& path);
+
 /// A loop device over an image file, which only the superuser gets. The destructor frees it.
 class LoopDevice {
 public:

@@ -4,9 +4,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <fstream>
 #include <grp.h>
 #include <sstream>
@@ -74,8 +72,6 @@ pid_t Start(const std::string& program, const std::vector<std::string>& words, c
     return child;
 }
 
-int StatusOf(int raw) { return WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw); }
-
 int Await(pid_t child, const RunSetup& setup) {
     const auto start = Clock::now();
     bool interrupted = !setup.Interrupt;
@@ -90,7 +86,7 @@ int Await(pid_t child, const RunSetup& setup) {
         }
         std::this_thread::sleep_for(kPoll);
     }
-    return StatusOf(raw);
+    return WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
 }
 
 } // namespace
@@ -121,7 +117,7 @@ std::string ReadWholeFile(const std::string& path) {
 }
 
 ScratchFolder::ScratchFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "th-test-XXXXXX").string();
+    std::string path = (fs::temp_directory_path() / "th-test-XXXXXX").string();
     if (::mkdtemp(path.data()) == nullptr) {
         throw std::runtime_error("cannot make a folder like " + path);
     }
@@ -130,7 +126,7 @@ ScratchFolder::ScratchFolder() {
 
 ScratchFolder::~ScratchFolder() {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    fs::remove_all(path_, ignored);
 }
 
 } // namespace thntfs::test

@@ -1,12 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace thntfs::test {
+
+namespace fs = std::filesystem;
 
 /// How a program ended and what it printed.
 struct RunResult {
@@ -17,12 +23,12 @@ struct RunResult {
 
 /// What is out of the ordinary with a run.
 struct RunSetup {
-    std::string OutPath;     ///< standard output goes to this file or device, not to Out
-    bool BrokenPipe = false; ///< standard output is a pipe that nobody reads
-    std::map<std::string, std::string> Environment; ///< variables that are set for it
-    std::uint64_t MaxFileBytes = 0;                 ///< no file may grow beyond this; 0 for no limit
-    bool AsNobody = false;                          ///< runs without any rights
-    std::function<bool()> Interrupt;                ///< asked again and again; once it says yes, Ctrl+C comes
+    std::string OutPath = {}; ///< standard output goes to this file or device, not to Out
+    bool BrokenPipe = false;  ///< standard output is a pipe that nobody reads
+    std::map<std::string, std::string> Environment = {}; ///< variables that are set for it
+    std::uint64_t MaxFileBytes = 0;                      ///< no file may grow beyond this; 0 for no limit
+    bool AsNobody = false;                               ///< runs without any rights
+    std::function<bool()> Interrupt = {}; ///< asked again and again; once it says yes, Ctrl+C comes
 };
 
 /// Runs a program to its end. One that takes longer than two minutes is killed, which shows in Status.
@@ -46,6 +52,25 @@ public:
 
 private:
     std::string path_;
+};
+
+/// Gives a variable of the environment another value for a while.
+class EnvironmentVariable {
+public:
+    EnvironmentVariable(std::string name, const std::string& value)
+        : name_(std::move(name)) {
+        if (const char* old = std::getenv(name_.c_str())) {
+            old_ = old;
+        }
+        ::setenv(name_.c_str(), value.c_str(), 1);
+    }
+    ~EnvironmentVariable() { old_ ? ::setenv(name_.c_str(), old_->c_str(), 1) : ::unsetenv(name_.c_str()); }
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+
+private:
+    std::string name_;
+    std::optional<std::string> old_;
 };
 
 } // namespace thntfs::test

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "support/VolumeBuilderDisk.h"
-#include "support/VolumeBuilderGeometry.h"
 #include "support/VolumeBuilderMedium.h"
 #include "support/VolumeBuilderRecord.h"
 

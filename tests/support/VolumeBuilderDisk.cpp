@@ -5,17 +5,14 @@
 namespace thntfs::test {
 
 BootSectorFields BootFieldsOf(const VolumeGeometry& geometry) {
-    BootSectorFields fields;
-    fields.SectorBytes = static_cast<std::uint16_t>(geometry.SectorBytes);
-    fields.SectorsPerCluster = static_cast<std::uint8_t>(geometry.SectorsPerCluster);
-    fields.HiddenSectors = static_cast<std::uint32_t>(geometry.StartSector);
-    fields.TotalSectors = geometry.TotalSectors;
-    fields.MftCluster = geometry.MftCluster();
-    fields.MirrorCluster = geometry.MirrorCluster;
-    fields.RecordSizeCode = geometry.SizeCode(geometry.RecordBytes);
-    fields.IndexBlockSizeCode = geometry.SizeCode(geometry.IndexBlockBytes);
-    fields.Serial = geometry.Serial;
-    return fields;
+    return {.SectorBytes = static_cast<std::uint16_t>(geometry.SectorBytes),
+            .SectorsPerCluster = static_cast<std::uint8_t>(geometry.SectorsPerCluster),
+            .TotalSectors = geometry.TotalSectors,
+            .MftCluster = geometry.MftCluster(),
+            .MirrorCluster = geometry.MirrorCluster,
+            .RecordSizeCode = geometry.SizeCode(geometry.RecordBytes),
+            .IndexBlockSizeCode = geometry.SizeCode(geometry.IndexBlockBytes),
+            .Serial = geometry.Serial};
 }
 
 ByteVector EncodeBootSector(const BootSectorFields& fields, std::uint32_t bytes) {
@@ -24,7 +21,6 @@ ByteVector EncodeBootSector(const BootSectorFields& fields, std::uint32_t bytes)
     PutNumber(sector, 11, fields.SectorBytes);
     PutNumber(sector, 13, fields.SectorsPerCluster);
     PutNumber(sector, 21, std::uint8_t{0xF8}); // a fixed disk
-    PutNumber(sector, 28, fields.HiddenSectors);
     PutNumber(sector, 36, std::uint16_t{0x80});
     PutNumber(sector, 38, std::uint16_t{0x80});
     PutNumber(sector, 40, fields.TotalSectors);

@@ -32,10 +32,6 @@ private:
 
 } // namespace
 
-std::unique_ptr<Medium> MakeMemoryMedium(ByteVector bytes, std::uint32_t deviceSectorBytes) {
-    return MakeMemoryMedium(std::make_shared<ByteVector>(std::move(bytes)), deviceSectorBytes);
-}
-
 std::unique_ptr<Medium> MakeMemoryMedium(std::shared_ptr<ByteVector> bytes, std::uint32_t deviceSectorBytes) {
     return std::make_unique<MemoryMedium>(std::move(bytes), deviceSectorBytes);
 }

@@ -12,7 +12,6 @@ namespace thntfs::test {
 
 /// A medium in memory. Its bytes can be shared with the test, which may change them between reads.
 /// `deviceSectorBytes` 0 makes it an image file, anything else a device.
-std::unique_ptr<Medium> MakeMemoryMedium(ByteVector bytes, std::uint32_t deviceSectorBytes = 0);
 std::unique_ptr<Medium> MakeMemoryMedium(std::shared_ptr<ByteVector> bytes,
                                          std::uint32_t deviceSectorBytes = 0);
 

@@ -92,23 +92,6 @@ ByteVector EncodeAttributeList(const std::vector<ListEntry>& entries) {
     return list;
 }
 
-ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries) {
-    ByteVector bytes(32);
-    for (const IndexEntry& entry : entries) {
-        AppendBytes(bytes, EncodeIndexEntry(entry));
-    }
-    AppendBytes(bytes, EncodeEndEntry());
-    const auto indexBytes = static_cast<std::uint32_t>(bytes.size() - 16);
-    PutNumber(bytes, 0, kFileName);
-    PutNumber(bytes, 4, std::uint32_t{1}); // collated as file names
-    PutNumber(bytes, 8, geometry.IndexBlockBytes);
-    PutNumber(bytes, 12, geometry.SizeCode(geometry.IndexBlockBytes));
-    PutNumber(bytes, 16, std::uint32_t{16});
-    PutNumber(bytes, 20, indexBytes);
-    PutNumber(bytes, 24, indexBytes);
-    return bytes;
-}
-
 RecordBuilder::RecordBuilder(const VolumeGeometry& geometry, std::uint32_t number, RecordForm form)
     : geometry_(geometry)
     , number_(number)
@@ -123,7 +106,20 @@ RecordBuilder& RecordBuilder::AddStandardInformation(const FileTimes& times, std
 }
 
 RecordBuilder& RecordBuilder::AddIndexRoot(const std::vector<IndexEntry>& entries) {
-    return AddResident(kIndexRoot, EncodeIndexRoot(geometry_, entries), u"$I30");
+    ByteVector bytes(32);
+    for (const IndexEntry& entry : entries) {
+        AppendBytes(bytes, EncodeIndexEntry(entry));
+    }
+    AppendBytes(bytes, EncodeEndEntry());
+    const auto indexBytes = static_cast<std::uint32_t>(bytes.size() - 16);
+    PutNumber(bytes, 0, kFileName);
+    PutNumber(bytes, 4, std::uint32_t{1}); // collated as file names
+    PutNumber(bytes, 8, geometry_.IndexBlockBytes);
+    PutNumber(bytes, 12, geometry_.SizeCode(geometry_.IndexBlockBytes));
+    PutNumber(bytes, 16, std::uint32_t{16});
+    PutNumber(bytes, 20, indexBytes);
+    PutNumber(bytes, 24, indexBytes);
+    return AddResident(kIndexRoot, bytes, u"$I30");
 }
 
 RecordBuilder& RecordBuilder::AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name,
@@ -178,7 +174,7 @@ void RecordBuilder::WriteHeader(Bytes record, std::size_t used) const {
     PutNumber(record, 0, std::uint32_t{0x454C4946}); // "FILE"
     PutNumber(record, 4, static_cast<std::uint16_t>(ArrayOffset()));
     PutNumber(record, 6, static_cast<std::uint16_t>(geometry_.RecordBytes / geometry_.SectorBytes + 1));
-    PutNumber(record, 16, sequence_);
+    PutNumber(record, 16, std::uint16_t{1}); // of its uses
     PutNumber(record, 18, std::uint16_t{1});
     PutNumber(record, 20, static_cast<std::uint16_t>(first_));
     PutNumber(record, 22, flags_);

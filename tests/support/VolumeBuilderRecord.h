@@ -1,14 +1,12 @@
 #pragma once
 
-#include "support/VolumeBuilderGeometry.h"
+#include "support/VolumeBuilderDisk.h"
 
 namespace thntfs::test {
 
 inline constexpr std::uint32_t kStandardInformation = 0x10;
 inline constexpr std::uint32_t kAttributeList = 0x20;
 inline constexpr std::uint32_t kFileName = 0x30;
-inline constexpr std::uint32_t kVolumeName = 0x60;
-inline constexpr std::uint32_t kVolumeInformation = 0x70;
 inline constexpr std::uint32_t kData = 0x80;
 inline constexpr std::uint32_t kIndexRoot = 0x90;
 inline constexpr std::uint32_t kBitmap = 0xB0;
@@ -62,9 +60,6 @@ struct IndexEntry {
     FileNameValue Key;
 };
 
-/// Value of an index root over file names with these entries and the end entry.
-ByteVector EncodeIndexRoot(const VolumeGeometry& geometry, const std::vector<IndexEntry>& entries);
-
 /// The newer form has its update sequence array at 48 and the record's own number at 44, the older form has
 /// the array at 42 and no number.
 enum class RecordForm { Newer, Older };
@@ -79,10 +74,6 @@ public:
     RecordBuilder& SetFolder(bool folder) { return SetFlag(2, folder); }
     RecordBuilder& SetBase(std::uint64_t baseReference) {
         base_ = baseReference;
-        return *this;
-    }
-    RecordBuilder& SetSequence(std::uint16_t sequence) {
-        sequence_ = sequence;
         return *this;
     }
 
@@ -101,7 +92,7 @@ public:
     RecordBuilder& AddAttributeList(const NonResidentValue& value) {
         return AddNonResident(kAttributeList, value);
     }
-    /// Resident index root "$I30" over file names.
+    /// Resident index root "$I30" over file names with these entries and the end entry.
     RecordBuilder& AddIndexRoot(const std::vector<IndexEntry>& entries);
     RecordBuilder& AddResident(std::uint32_t type, ConstBytes value, std::u16string_view name = {},
                                std::uint16_t flags = 0);
@@ -144,7 +135,6 @@ private:
     std::size_t first_;
     std::uint16_t flags_ = 1;
     std::uint64_t base_ = 0;
-    std::uint16_t sequence_ = 1;
     bool endMarker_ = true;
     ByteVector attributes_;
     std::vector<std::size_t> offsets_;

@@ -199,7 +199,8 @@ TEST_F(SourcePagesTest, ADeadMediumIsToldBeforeTheAdvice) {
     auto plan = std::make_shared<FaultPlan>();
     plan->Rules = {{0, 8, kErrorNotReady}};
     Engine.SourceDisk.BytesPerSector = 512;
-    Engine.SourceDisk.MediaHandle = MakeFaultyMedium(MakeMemoryMedium(ByteVector(4096)), plan);
+    Engine.SourceDisk.MediaHandle =
+        MakeFaultyMedium(MakeMemoryMedium(std::make_shared<ByteVector>(4096)), plan);
     EXPECT_FALSE(ListPartitions({"/dev/sdx", "Advice", nullptr}, 0, nullptr));
     EXPECT_EQ(Boxes(), (Texts{"Error: /dev/sdx can't be read: " + SystemErrorText(kErrorNotReady),
                               "Volume Salvage (NTFS): Advice"}));
