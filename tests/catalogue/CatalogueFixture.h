@@ -22,12 +22,10 @@ protected:
         return ReadFileBytes(Engine.CatalogueFolder + name);
     }
     [[nodiscard]] static FolderBlock StoredBlockAt(std::uint32_t offset) {
-        const ByteVector tree = Stored(kTreeFileName);
-        return DecodeBlock(Part(tree, offset, kStoredBlockBytes));
+        return DecodeBlock(Part(Stored(kTreeFileName), offset, kStoredBlockBytes));
     }
     [[nodiscard]] static CatalogueEntry StoredEntryAt(std::uint32_t entryId) {
-        const ByteVector entries = Stored(kEntryFileName);
-        return DecodeEntry(Part(entries, std::uint64_t{entryId} * kStoredEntryBytes, kStoredEntryBytes));
+        return DecodeEntry(Part(Stored(kEntryFileName), entryId * kStoredEntryBytes, kStoredEntryBytes));
     }
 
 private:

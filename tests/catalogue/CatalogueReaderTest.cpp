@@ -10,6 +10,9 @@ namespace thntfs::test {
 
 namespace {
 
+using Ids = std::vector<std::uint32_t>;
+using Paths = std::vector<std::string>;
+
 class CatalogueReaderTest : public CatalogueFixture {
 protected:
     /// Puts a word into a file of the closed catalogue and opens it.
@@ -21,23 +24,19 @@ protected:
         ASSERT_EQ(OpenCatalogue(), 1);
     }
 
-    EntryList List(std::uint32_t block, bool keepFiles = true) {
-        return ListFolder(block, Bytes, Files, Folders, keepFiles);
-    }
-
-    static std::vector<std::uint32_t> IdsOf(const EntryList& list) {
-        std::vector<std::uint32_t> ids;
-        for (const CatalogueItem& item : list) {
+    Ids List(std::uint32_t block, bool keepFiles = true) {
+        Ids ids;
+        for (const CatalogueItem& item : ListFolder(block, Bytes, Files, Folders, keepFiles)) {
             ids.push_back(item.EntryId);
         }
         return ids;
     }
 
     /// Paths of a walk, by both reaches. What a walk over the whole meets is what the totals count.
-    static std::vector<std::string> WalkAll(const WalkStart& start = {}) {
-        std::vector<std::string> paths;
+    static Paths WalkAll(const WalkStart& start = {}) {
+        Paths paths;
         for (const WalkReach reach : {WalkReach::Part, WalkReach::Whole}) {
-            std::vector<std::string> found;
+            Paths found;
             EntryWalk walk(start, reach);
             while (walk.Next()) {
                 found.push_back(walk.Path());
@@ -57,9 +56,6 @@ protected:
     std::uint32_t Files = 0;
     std::uint32_t Folders = 0;
 };
-
-using Ids = std::vector<std::uint32_t>;
-using Paths = std::vector<std::string>;
 
 } // namespace
 
@@ -117,19 +113,19 @@ TEST_F(CatalogueReaderTest, ListsFilesThenFoldersEachInReverse) {
     Ids expected = files;
     expected.insert(expected.end(), folders.begin(), folders.end());
     Files = 7;
-    EXPECT_EQ(IdsOf(List(128)), expected);
+    EXPECT_EQ(List(128), expected);
     EXPECT_EQ(Bytes, 30 * std::uint64_t{0xFFFFFFFF});
     EXPECT_EQ(Files, 37U) << "counters are added to";
     EXPECT_EQ(Folders, 10U);
-    EXPECT_EQ(IdsOf(List(128, false)), folders);
+    EXPECT_EQ(List(128, false), folders);
     EXPECT_EQ(Files, 67U);
     EXPECT_EQ(Bytes, 60 * std::uint64_t{0xFFFFFFFF});
     EXPECT_TRUE(List(StoredEntryAt(5).BlockOffset).empty());
     EXPECT_EQ(Folders, 20U);
-    EXPECT_EQ(IdsOf(List(0)), (Ids{1}));
+    EXPECT_EQ(List(0), (Ids{1}));
 
     Damage(kTreeFileName, 128 + 8 + 4 * 5, 0); // a free slot in the middle
-    EXPECT_EQ(IdsOf(List(128)).size(), 39U);
+    EXPECT_EQ(List(128).size(), 39U);
     EXPECT_TRUE(List(0x7FFFFF80).empty()) << "behind the end of TreeFile";
 }
 
@@ -146,9 +142,9 @@ TEST_F(CatalogueReaderTest, BlocksAndEntriesThatCannotBeRead) {
     EXPECT_THROW(List(128), CUserException);
     EXPECT_EQ(Reports.Boxes.size(), 1U);
     store.FailAt(2, kErrorCrc);
-    EXPECT_EQ(IdsOf(List(128)), (Ids{3})) << "the entry is left out, the listing goes on";
+    EXPECT_EQ(List(128), (Ids{3})) << "the entry is left out, the listing goes on";
     EXPECT_EQ(Reports.Boxes.size(), 2U);
-    EXPECT_EQ(IdsOf(List(128)), (Ids{3, 2}));
+    EXPECT_EQ(List(128), (Ids{3, 2}));
     ASSERT_EQ(OpenCatalogue(), 1);
     store.FailAt(2, kErrorCrc);
     EntryWalk walk({128, "", false});

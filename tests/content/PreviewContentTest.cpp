@@ -11,10 +11,6 @@ constexpr std::uint64_t kLimit = 31457280;
 class PreviewContentTest : public ContentFixture {
 protected:
     PreviewContentTest() { Engine.ScanRunFlag = 0; }
-    ~PreviewContentTest() override {
-        Engine.PreviewBuffer = {};
-        Engine.PreviewLength = 0;
-    }
 
     bool Load(const RecordBuilder& record, std::uint64_t size) {
         Volume.PlaceRecord(record);

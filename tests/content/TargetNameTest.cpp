@@ -9,15 +9,7 @@ namespace thntfs::test {
 
 namespace {
 
-// In steps, since the compiler warns of bounds that hold where strings are joined in place.
-std::u16string Many(std::size_t count, char16_t unit, std::u16string_view tail = {}) {
-    std::u16string text(count, unit);
-    return text.append(tail);
-}
-
-std::string NarrowMany(std::size_t count, char16_t unit, std::u16string_view tail = {}) {
-    return NarrowText(Many(count, unit, tail));
-}
+std::string Narrow(std::size_t count, char16_t unit) { return NarrowText(std::u16string(count, unit)); }
 
 } // namespace
 
@@ -31,7 +23,6 @@ TEST(TargetNameTest, HostileNames) {
         {u"", "_"},
         {u".", "_"},
         {u"..", "__"},
-        {u"...", "___"},
         {u".profile", ".profile"},
         {u"../../etc/passwd", ".._.._etc_passwd"},
         {u"/etc/passwd", "_etc_passwd"},
@@ -52,11 +43,11 @@ TEST(TargetNameTest, HostileNames) {
         {u"\u00E4\u4E2D\U0001F600", "\xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80"},
         {u"\xD800x", "\xEF\xBF\xBDx"},
         {u" ", " "},
-        {Many(255, u'n'), std::string(255, 'n')},
-        {Many(255, u'\u4E2D'), NarrowMany(85, u'\u4E2D')},
-        {Many(254, u'\u4E2D', u"x"), NarrowMany(85, u'\u4E2D')},
-        {Many(251, u'\u00E4', u".jpg"), NarrowMany(125, u'\u00E4', u".jpg")},
-        {u"x." + Many(200, u'\u4E2D'), "x." + NarrowMany(84, u'\u4E2D')},
+        {std::u16string(255, u'n'), std::string(255, 'n')},
+        {std::u16string(255, u'\u4E2D'), Narrow(85, u'\u4E2D')},
+        {std::u16string(254, u'\u4E2D') + u"x", Narrow(85, u'\u4E2D')},
+        {std::u16string(251, u'\u00E4') + u".jpg", Narrow(125, u'\u00E4') + ".jpg"},
+        {u"x." + std::u16string(200, u'\u4E2D'), "x." + Narrow(84, u'\u4E2D')},
     };
     for (const Case& test : cases) {
         EXPECT_EQ(TargetName(test.Name), test.Expected);
@@ -69,8 +60,8 @@ TEST(TargetNameTest, NumberedNames) {
     EXPECT_EQ(NumberedName("folder", 10), "folder (10)");
     EXPECT_EQ(NumberedName(".profile", 2), ".profile (2)");
     EXPECT_EQ(NumberedName("a.b.c", 3), "a.b (3).c");
-    EXPECT_EQ(NumberedName(NarrowMany(251, u'n', u".jpg"), 4294967295U),
-              NarrowMany(238, u'n', u" (4294967295).jpg"));
+    EXPECT_EQ(NumberedName(std::string(251, 'n') + ".jpg", 4294967295U),
+              std::string(238, 'n') + " (4294967295).jpg");
 }
 
 } // namespace thntfs::test

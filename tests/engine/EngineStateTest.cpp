@@ -125,10 +125,8 @@ TEST_F(EngineStateTest, ClustersOfAnySize) {
                              Case{6, 6, 6, false}, Case{8192, 0, 8192, false}, Case{0, 0, 0, true},
                              Case{244, 244, 4096, true}}) { // saved before powers were known
         SCOPED_TRACE(test.Sectors);
-        PartitionCandidate candidate;
-        candidate.BytesPerSector = 512;
-        candidate.SectorsPerCluster = test.Sectors;
-        candidate.ClusterBytes = 512 * test.Sectors;
+        const PartitionCandidate candidate = {
+            .ClusterBytes = 512 * test.Sectors, .SectorsPerCluster = test.Sectors, .BytesPerSector = 512};
         const StoredCandidate stored = EncodeCandidate(candidate, false);
         EXPECT_EQ(stored[68], test.Stored);
         bool linked = false;

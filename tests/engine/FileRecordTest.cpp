@@ -113,9 +113,7 @@ TEST_F(FileRecordTest, SizesOfRecordAndSector) {
     for (const Case& test : cases) {
         SCOPED_TRACE(testing::Message()
                      << test.RecordBytes << " / " << test.SectorBytes << " " << test.First);
-        VolumeGeometry geometry;
-        geometry.RecordBytes = test.RecordBytes;
-        geometry.SectorBytes = test.SectorBytes;
+        const VolumeGeometry geometry = {.SectorBytes = test.SectorBytes, .RecordBytes = test.RecordBytes};
         RecordBuilder record(geometry, 30, test.Form);
         record.AddStandardInformation().AddData(BytesOf("x"));
         record.Poke16(20, test.First);

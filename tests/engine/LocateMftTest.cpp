@@ -103,11 +103,9 @@ TEST_F(LocateMftTest, CountsRecordsFromClusters) {
     for (const Case& test :
          {Case{8, 1024, 400}, {1, 1024, 100}, {2, 1024, 100}, {4, 4096, 0}, {8, 2048, 200}}) {
         SCOPED_TRACE(testing::Message() << test.SectorsPerCluster << " " << test.RecordBytes);
-        VolumeGeometry geometry;
-        geometry.SectorsPerCluster = test.SectorsPerCluster;
-        geometry.RecordBytes = test.RecordBytes;
-        geometry.MftRuns = {{60, 64}, {40, 200}};
-        Open(geometry);
+        Open({.SectorsPerCluster = test.SectorsPerCluster,
+              .RecordBytes = test.RecordBytes,
+              .MftRuns = {{60, 64}, {40, 200}}});
         EXPECT_EQ(LocateMft(), 1);
         EXPECT_EQ(Engine.VolumeParams.MftRecordCount, test.Count);
         EXPECT_EQ(Extents(), (Runs{{60, 64}, {40, 200}}));
@@ -148,11 +146,11 @@ TEST_F(LocateMftTest, AnAttributeListLeadsThroughItsPieces) {
     const std::vector<ListEntry> list = {{kStandardInformation, 0}, {kData, 0, 0, 3},    {kData, 11, 7, 1},
                                          {kData, 12, 9, 1},         {kData, 10, 4, 1},   {kData, 10, 4, 9},
                                          {kData, 0x300000, 9, 1},   {kBitmap, 10, 0, 0}, {kData, 11, 7, 1}};
-    const auto base = [&] { return Volume->NewRecord(0).AddStandardInformation(); };
-    const auto close = [](RecordBuilder record) {
-        return record.AddFileName(NameIn(5, u"$MFT")).AddData({.Runs = {{4, 64}}});
+    const auto locate = [&](const auto& its) {
+        RecordBuilder record = Volume->NewRecord(0).AddStandardInformation().AddAttributeList(its);
+        return LocateWith(record.AddFileName(NameIn(5, u"$MFT")).AddData({.Runs = {{4, 64}}}));
     };
-    EXPECT_EQ(LocateWith(close(base().AddAttributeList(list))), 1);
+    EXPECT_EQ(locate(list), 1);
     const Runs expected = {{4, 64}, {2, 400}, {3, 300}};
     EXPECT_EQ(Extents(), expected) << "in the order of the list, as far as a piece can be had";
     EXPECT_EQ(Engine.VolumeParams.MftRecordCount, 4U * 9);
@@ -162,18 +160,18 @@ TEST_F(LocateMftTest, AnAttributeListLeadsThroughItsPieces) {
     const std::uint64_t clusters = Volume->AllocateClusters(2);
     Volume->PutClusters(clusters, EncodeAttributeList({list.begin(), list.begin() + 3}));
     Volume->PutClusters(clusters + 1, EncodeAttributeList({list.begin() + 3, list.end()}));
-    EXPECT_EQ(LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{2, clusters}}}))), 1);
+    EXPECT_EQ(locate(NonResidentValue{.Runs = {{2, clusters}}}), 1);
     EXPECT_EQ(Extents(), expected);
-    EXPECT_EQ(LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{0xFFFFFF, clusters}}}))), 1)
+    EXPECT_EQ(locate(NonResidentValue{.Runs = {{0xFFFFFF, clusters}}}), 1)
         << "a list that claims to be endless";
-    EXPECT_EQ(LocateWith(close(base().AddAttributeList(std::vector<ListEntry>{}))), 0);
+    EXPECT_EQ(locate(std::vector<ListEntry>{}), 0);
     EXPECT_FALSE(Engine.TableCut);
 
     piece(11, 7, 0xFFFFFF, 400); // the table would be larger than its volume
-    EXPECT_EQ(LocateWith(close(base().AddAttributeList(list))), 1);
+    EXPECT_EQ(locate(list), 1);
     EXPECT_EQ(Extents(), (Runs{{4, 64}, {0xFFFFFF, 400}}));
     Plan->Rules = {{Volume->Geometry().SectorOf(clusters), 1, kErrorCrc}};
-    LocateWith(close(base().AddAttributeList(NonResidentValue{.Runs = {{1, clusters}}})));
+    locate(NonResidentValue{.Runs = {{1, clusters}}});
     EXPECT_TRUE(Engine.TableCut) << "its list can't be read";
 }
 
