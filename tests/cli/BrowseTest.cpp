@@ -21,9 +21,8 @@ protected:
         volume_.AddFile(TextFile(48, u"a/b", "an older one", 5, false));
         volume_.AddFile(TextFile(49, u"a/b", "slash"));
         volume_.AddFile(TextFile(51, u"a/b", "again"));
-        FileSpec undated = TextFile(50, u"\u202egnp.exe", "turned");
-        undated.Times = {};
-        volume_.AddFile(undated);
+        volume_.AddFile(
+            {.Number = 50, .Name = u"\u202egnp.exe", .Content = BytesOf("turned"), .Times = FileTimes()});
         volume_.WriteTo(image_);
     }
 

@@ -13,14 +13,10 @@ public:
         , plan_(std::move(plan)) {}
 
     ErrorCode Write(ConstBytes bytes) override {
-        const ErrorCode error = plan_->NextCall();
-        const ErrorCode done = inner_->Write(WholeOrHalf(bytes, error));
-        return error == kErrorNone ? done : error;
+        return Put(bytes, [this](ConstBytes part) { return inner_->Write(part); });
     }
     ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
-        const ErrorCode error = plan_->NextCall();
-        const ErrorCode done = inner_->WriteAt(offset, WholeOrHalf(bytes, error));
-        return error == kErrorNone ? done : error;
+        return Put(bytes, [=, this](ConstBytes part) { return inner_->WriteAt(offset, part); });
     }
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
         got = 0;
@@ -31,8 +27,11 @@ public:
     ErrorCode Close() override { return plan_->Try(&File::Close, *inner_); }
 
 private:
-    static ConstBytes WholeOrHalf(ConstBytes bytes, ErrorCode error) {
-        return error == kErrorNone ? bytes : bytes.first(bytes.size() / 2);
+    template <typename Write>
+    ErrorCode Put(ConstBytes bytes, const Write& write) {
+        const ErrorCode error = plan_->NextCall();
+        const ErrorCode done = write(error == kErrorNone ? bytes : bytes.first(bytes.size() / 2));
+        return error == kErrorNone ? done : error;
     }
 
     std::unique_ptr<File> inner_;

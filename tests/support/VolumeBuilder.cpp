@@ -16,10 +16,7 @@ std::uint64_t ClustersFor(std::uint64_t bytes, std::uint32_t clusterBytes) {
 }
 
 FileNameValue MetafileName(std::u16string name) {
-    return {.Parent = FileReference(kRootNumber, kRootNumber),
-            .Name = std::move(name),
-            .Namespace = kNamespaceBoth,
-            .AttributeBits = 6};
+    return {.Name = std::move(name), .Namespace = kNamespaceBoth, .AttributeBits = 6};
 }
 
 } // namespace
@@ -124,7 +121,7 @@ void VolumeBuilder::AddFile(const FileSpec& file) {
     PlaceRecord(record);
 }
 
-void VolumeBuilder::AddFolder(const FolderSpec& folder) {
+void VolumeBuilder::AddFolder(const FileSpec& folder) {
     PlaceRecord(NewRecord(folder.Number)
                     .SetInUse(folder.Live)
                     .SetFolder(true)

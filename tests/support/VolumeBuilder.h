@@ -5,7 +5,7 @@
 
 namespace thntfs::test {
 
-/// A plain file. Without clusters its bytes are resident.
+/// A plain file or folder. Without clusters its bytes are resident.
 struct FileSpec {
     std::uint32_t Number = 0;
     std::uint32_t Parent = 5;
@@ -15,15 +15,6 @@ struct FileSpec {
     bool Live = true;
     FileTimes Times = EqualTimes();
     std::uint32_t AttributeBits = kArchiveBit;
-};
-
-/// A plain folder, with an empty index: who it holds, each child says.
-struct FolderSpec {
-    std::uint32_t Number = 0;
-    std::uint32_t Parent = 5;
-    std::u16string Name;
-    bool Live = true;
-    FileTimes Times = EqualTimes();
 };
 
 /// Lays out an NTFS volume on a medium in memory. The constructor writes a partition table with the one
@@ -53,7 +44,8 @@ public:
     void PutSectors(std::uint64_t sector, ConstBytes data);
 
     void AddFile(const FileSpec& file);
-    void AddFolder(const FolderSpec& folder);
+    /// With an empty index: who it holds, each child says. It has no content.
+    void AddFolder(const FileSpec& folder);
 
     /// Direct access to the medium's bytes.
     [[nodiscard]] ByteVector& Image() { return *image_; }
