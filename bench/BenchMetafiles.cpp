@@ -13,6 +13,9 @@ namespace {
 constexpr std::size_t kRootEntriesThatFit = 5;
 constexpr std::uint32_t kSecureNumber = 9;
 constexpr std::uint32_t kHiddenSystem = 6;
+constexpr std::uint32_t kVolumeName = 0x60;
+constexpr std::uint32_t kVolumeInformation = 0x70;
+constexpr std::size_t kSequenceAt = 16; // in a record
 
 FileNameValue RootName(std::u16string name, std::uint32_t bits) {
     return {.Parent = FileReference(kRootNumber, kRootNumber),
@@ -23,7 +26,7 @@ FileNameValue RootName(std::u16string name, std::uint32_t bits) {
 
 RecordBuilder Metafile(const VolumeGeometry& geometry, std::uint32_t number, std::u16string name) {
     RecordBuilder record(geometry, number);
-    record.SetSequence(static_cast<std::uint16_t>(std::max(number, 1U)));
+    record.Poke16(kSequenceAt, static_cast<std::uint16_t>(std::max(number, 1U)));
     record.AddStandardInformation(EqualTimes(), kHiddenSystem);
     record.AddFileName(RootName(std::move(name), kHiddenSystem));
     return record;
@@ -41,7 +44,9 @@ ByteVector RootFolder(const MetafilePlan& plan) {
         }
     }
     RecordBuilder record(plan.Geometry, kRootNumber);
-    record.SetSequence(kRootNumber).SetFolder(true).AddStandardInformation(EqualTimes(), kHiddenSystem);
+    record.Poke16(kSequenceAt, kRootNumber)
+        .SetFolder(true)
+        .AddStandardInformation(EqualTimes(), kHiddenSystem);
     return record.AddFileName(RootName(u".", kHiddenSystem | kFolderBit)).AddIndexRoot(entries).Finish();
 }
 
@@ -77,9 +82,15 @@ ByteVector InOneRun(const VolumeGeometry& geometry, std::uint32_t number, std::u
 
 // An empty index that isn't over file names; `collation` is how its keys are ordered.
 ByteVector EmptyIndex(const VolumeGeometry& geometry, std::uint32_t collation) {
-    ByteVector root = EncodeIndexRoot(geometry, {});
-    PutNumber(root, 0, std::uint32_t{0});
+    ByteVector root(48);
     PutNumber(root, 4, collation);
+    PutNumber(root, 8, geometry.IndexBlockBytes);
+    PutNumber(root, 12, geometry.SizeCode(geometry.IndexBlockBytes));
+    PutNumber(root, 16, std::uint32_t{16}); // the first entry, from here on
+    PutNumber(root, 20, std::uint32_t{32});
+    PutNumber(root, 24, std::uint32_t{32});
+    PutNumber(root, 40, std::uint16_t{16}); // the end entry's length
+    PutNumber(root, 44, std::uint16_t{2});
     return root;
 }
 

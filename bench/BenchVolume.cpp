@@ -15,6 +15,7 @@ using namespace test;
 namespace {
 
 constexpr std::uint32_t kRecordBytes = 1024;
+constexpr std::uint64_t kTailSectors = 2032;       ///< of the medium, more than the builders leave
 constexpr std::uint64_t kGapClusters = 256;        ///< between two extents of the table
 constexpr std::uint64_t kTextFileBytes = 4U << 20; ///< more would not fit into one record
 constexpr std::uint64_t kUnitBytes = 64U << 10;    ///< a compression unit of 16 clusters
@@ -60,7 +61,6 @@ BenchVolume::BenchVolume(const VolumeOptions& options)
     geometry_.StartSector = 2048;
     geometry_.RecordBytes = kRecordBytes;
     geometry_.MirrorCluster = kMirrorCluster;
-    geometry_.TailSectors = 2048;
 }
 
 void BenchVolume::PlanTable() {
@@ -219,7 +219,7 @@ void BenchVolume::WriteFreeSpace() {
                          .RootFiles = specials_};
     nextCluster_ += CeilDiv(plan.VolumeBitmapBytes, geometry_.ClusterBytes());
     const ByteVector records = MakeMetafileRecords(plan);
-    image_.SetSize(geometry_.MediumSectors() * geometry_.SectorBytes);
+    image_.SetSize((geometry_.MediumSectors() + kTailSectors) * geometry_.SectorBytes);
     image_.WriteAt(geometry_.OffsetOf(geometry_.MftCluster()), records);
     WriteMetafileContent(image_, plan, records);
     const std::uint64_t freeBytes = (clusters - nextCluster_) * geometry_.ClusterBytes();
