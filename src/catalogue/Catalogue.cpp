@@ -26,6 +26,11 @@ constexpr std::size_t kAppendPages = kMegabyte / 8 / PagedFile::kPageBytes;
 constexpr std::size_t kReadTreePages = 32 * kMegabyte / PagedFile::kPageBytes;
 constexpr std::size_t kReadPages = 4 * kMegabyte / PagedFile::kPageBytes;
 
+// Of blocks begun while words are gathered, so many bytes wait to be written: on a full disk the other
+// buffers are free for the words.
+constexpr std::uint64_t kUnwrittenBlockBytes = kMegabyte / 2;
+constexpr std::size_t kTriesOfChains = 1024;
+
 void WritePaged(PagedFile& file, std::uint64_t offset, ConstBytes bytes) {
     if (offset + bytes.size() > kMaxCatalogueFileBytes) {
         RaiseFatal(kErrorFileTooLarge);
@@ -52,19 +57,29 @@ ErrorCode StoreTreeWord(std::uint32_t offset, std::uint32_t word) {
     return Engine.TreeFile->WriteAt(offset, stored);
 }
 
-// Words that could not be written stay, so that a later call tries them again.
+// Writes the gathered words. On a full disk a page that can't be written holds its buffer; another try gets
+// the next one, so that the folders written so far get their children all the same. Words left over stay, so
+// that a later call tries them again. Gives the first failure.
 ErrorCode StoreChains() {
     if (Engine.Chains == nullptr) {
         return kErrorNone;
     }
+    ErrorCode failure = kErrorNone;
+    std::size_t tries = kTriesOfChains;
     for (const ChainWords::Word& word : Engine.Chains->Sort()) {
-        const ErrorCode code = StoreTreeWord(word.Offset, word.Value);
+        ErrorCode code = StoreTreeWord(word.Offset, word.Value);
+        while (IsFailedWrite(code) && tries > 0) {
+            --tries;
+            failure = failure == kErrorNone ? code : failure;
+            code = StoreTreeWord(word.Offset, word.Value);
+        }
         if (IsFailedWrite(code)) {
-            return code;
+            return failure == kErrorNone ? code : failure;
         }
     }
     Engine.Chains->Clear();
-    return kErrorNone;
+    const ErrorCode code = Engine.TreeFile->Flush();
+    return failure == kErrorNone ? code : failure;
 }
 
 void WriteTreeWord(std::uint32_t offset, std::uint32_t word) {
@@ -121,6 +136,9 @@ std::uint32_t AppendBlock(const FolderIndexNode& owner, std::uint32_t firstSlot)
     Engine.TreeEnd = static_cast<std::uint32_t>(offset);
     if (offset == kWriteTreePages * PagedFile::kPageBytes) {
         GatherChains();
+    }
+    if (Engine.Chains != nullptr && offset % kUnwrittenBlockBytes == 0) {
+        RaiseFailedWrite(Engine.TreeFile->Flush());
     }
     return Engine.TreeEnd;
 }

@@ -187,30 +187,49 @@ TEST_F(CatalogueStoreTest, AFailureThatPassesCostsNothing) {
     EXPECT_EQ(StoredBlockAt(128).Slots[0], 2U);
 }
 
+// Once as it should be, once on a disk that fills up then.
 TEST_F(CatalogueStoreTest, ChainsOfACatalogueThatOutgrowsItsBuffers) {
-    ASSERT_EQ(CreateCatalogue(), 1);
-    FolderIndexNode& first = *Engine.Folders->FindOrAddFolder(100).Node;
-    AddChild(first, 7);
-    for (std::uint32_t i = 0; i < (32U << 20U) / kStoredBlockBytes; ++i) {
-        BeginFolderBlock(*Engine.Folders->FindOrAddFolder(101 + i).Node);
+    constexpr std::uint32_t kBlocks = (32U << 20U) / kStoredBlockBytes;
+    for (const bool fills : {false, true}) {
+        FailingFileStore store;
+        SetFileStore(&store);
+        ASSERT_EQ(CreateCatalogue(), 1);
+        std::uint32_t number = 100;
+        const auto addFolder = [&number] {
+            BeginFolderBlock(*Engine.Folders->FindOrAddFolder(number++).Node);
+        };
+        while (number < 100 + kBlocks) {
+            addFolder();
+        }
+        FolderIndexNode& first = *Engine.Folders->FindFolder(100);
+        std::vector<std::uint32_t> children;
+        for (std::uint32_t id = 1000; id < 1070; ++id) {
+            AddChild(first, id);
+            AddChild(*Engine.Folders->FindFolder(100 + id * 17), id);
+            children.push_back(id);
+        }
+        if (fills) {
+            store.Plan().RoomInFile = (32U << 20U) + 65536;
+            EXPECT_THROW(
+                while (number < 3 * kBlocks) { addFolder(); }, CUserException);
+        }
+        const std::uint32_t start = first.BlockOffset;
+        const std::uint32_t other = Engine.Folders->FindFolder(100 + 1003 * 17)->BlockOffset;
+        if (fills) {
+            EXPECT_THROW(FinishCatalogue(2), CUserException);
+        } else {
+            FinishCatalogue(2);
+        }
+        CloseCatalogue();
+        ASSERT_EQ(OpenCatalogue(), 1);
+        ChildWalk walk(start);
+        for (const std::uint32_t child : children) {
+            ASSERT_EQ(walk.Next(), child);
+        }
+        EXPECT_EQ(walk.Next(), 0U);
+        EXPECT_EQ(ChildWalk(other).Next(), 1003U);
+        CloseCatalogue();
     }
-    std::vector<std::uint32_t> children = {7};
-    for (std::uint32_t id = 1000; id < 1070; ++id) {
-        AddChild(first, id);
-        AddChild(*Engine.Folders->FindOrAddFolder(100 + id * 17).Node, id);
-        children.push_back(id);
-    }
-    FinishCatalogue(2);
-    const std::uint32_t start = first.BlockOffset;
-    const std::uint32_t other = Engine.Folders->FindFolder(100 + 1003 * 17)->BlockOffset;
-    CloseCatalogue();
-    ASSERT_EQ(OpenCatalogue(), 1);
-    ChildWalk walk(start);
-    for (const std::uint32_t child : children) {
-        ASSERT_EQ(walk.Next(), child);
-    }
-    EXPECT_EQ(walk.Next(), 0U);
-    EXPECT_EQ(ChildWalk(other).Next(), 1003U);
 }
 
 } // namespace thntfs::test

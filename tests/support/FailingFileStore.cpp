@@ -1,5 +1,6 @@
 #include "support/FailingFileStore.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace thntfs::test {
@@ -16,6 +17,11 @@ public:
         return Put(bytes, [this](ConstBytes part) { return inner_->Write(part); });
     }
     ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
+        if (offset + bytes.size() > plan_->RoomInFile) {
+            const std::uint64_t room = plan_->RoomInFile - std::min(offset, plan_->RoomInFile);
+            (void)inner_->WriteAt(offset, bytes.first(room));
+            return kErrorDiskFull;
+        }
         return Put(bytes, [=, this](ConstBytes part) { return inner_->WriteAt(offset, part); });
     }
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {

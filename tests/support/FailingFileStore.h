@@ -11,11 +11,12 @@ namespace thntfs::test {
 
 /// Where a failing store stands and what it is to do, shared with the files that it has opened.
 struct FailurePlan {
-    std::uint64_t Calls = 0;          ///< calls seen so far, of the store and of all its files
-    std::uint64_t FailingCall = 0;    ///< which call fails, counted from 1; 0 for none
-    bool FailOn = false;              ///< all calls after that one fail too
-    ErrorCode Error = kErrorDiskFull; ///< what a failing call answers
-    std::uint64_t Failures = 0;       ///< calls that were made to fail
+    std::uint64_t Calls = 0;                      ///< calls seen so far, of the store and of all its files
+    std::uint64_t FailingCall = 0;                ///< which call fails, counted from 1; 0 for none
+    bool FailOn = false;                          ///< all calls after that one fail too
+    ErrorCode Error = kErrorDiskFull;             ///< what a failing call answers
+    std::uint64_t Failures = 0;                   ///< calls that were made to fail
+    std::uint64_t RoomInFile = ~std::uint64_t{0}; ///< no file takes a byte behind this one
 
     /// Counts a call. The answer is kErrorNone or the failure of this call.
     ErrorCode NextCall();
