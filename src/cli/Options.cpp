@@ -109,6 +109,14 @@ void AddTurbo(CLI::App& command, Options& options) {
         "Read the whole volume for records (Turbo Scan) in place of following its Master File Table");
 }
 
+void AddReach(CLI::App& command, Options& options) {
+    command.add_flag("--deep", options.Deep,
+                     "List records without a usable name too, as #N or under their short name");
+    command.add_flag(
+        "--as-stored", options.AsStored,
+        "Take what the plain walk of the scan gives and no more, and files' data as it is stored");
+}
+
 void AddPartition(CLI::App& command, Options& options) {
     command
         .add_option("-p,--partition", options.Partition,
@@ -116,6 +124,7 @@ void AddPartition(CLI::App& command, Options& options) {
         ->check(WholeNumber(1));
     AddSearch(command, options);
     AddTurbo(command, options);
+    AddReach(command, options);
 }
 
 void AddPartitions(CLI::App& app, Options& options) {

@@ -25,6 +25,8 @@ struct Options {
     std::optional<std::uint64_t> RangeEnd;   ///< Thorough search: end sector, not included
     bool Anyway = false;                     ///< a saved scan counts though its medium has changed
     bool Turbo = false;                      ///< Turbo Scan in place of Basic Scan
+    bool Deep = false;                       ///< records without a usable name are listed too
+    bool AsStored = false; ///< scans take no record beyond their own walk, files get their data as stored
 
     bool Files = false;     ///< scan: files in the tree too
     bool Recursive = false; ///< list

@@ -39,6 +39,9 @@ int CheckSavedResultWords(const Options& options, ScanInfoKind kind) {
     if (kind == ScanInfoKind::Tree && options.Turbo) {
         return RefuseWord(options, "--turbo", kScanned);
     }
+    if (kind == ScanInfoKind::Tree && options.Deep) {
+        return RefuseWord(options, "--deep", kScanned);
+    }
     if (kind == ScanInfoKind::Tree && options.Search) {
         return RefuseWord(options, "--search", kScanned);
     }
