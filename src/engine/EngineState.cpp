@@ -21,6 +21,8 @@ Number OrDefault(Number value, Number fallback) {
 void LoadVolumeParams(const PartitionCandidate& candidate) {
     VolumeParams& volume = Engine.VolumeParams;
     ++Engine.VolumeInWork;
+    Engine.Table.reset();
+    Engine.Found.reset();
     volume.BytesPerSector = OrDefault(candidate.BytesPerSector, Engine.SourceDisk.BytesPerSector);
     const std::uint32_t sectorBytes = volume.BytesPerSector;
 
@@ -49,6 +51,8 @@ void ResetEngineState() {
     Engine.Lists = ListReads();
     Engine.TableBytes = 0;
     Engine.TableCut = false;
+    Engine.Table.reset();
+    Engine.Found.reset();
     Engine.TableVolumes.clear();
     Engine.SearchLimits = 0;
     ++Engine.VolumeInWork;

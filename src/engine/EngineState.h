@@ -16,7 +16,9 @@ namespace thntfs {
 
 class ChainWords;
 class FolderTree;
+class FoundRecords;
 class PagedFile;
+struct TableMap;
 
 /// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is
 /// thrown, so it holds no data. Decoding passes it on, scans catch it.
@@ -72,6 +74,9 @@ struct EngineState {
     std::uint64_t TableBytes = 0; ///< bytes of it that hold records, as it says itself; 0 where unknown
     bool TableCut = false;        ///< a piece of it could not be had
 
+    std::shared_ptr<TableMap> Table;     ///< its exact runs, once they have been asked for (RecordTable.h)
+    std::shared_ptr<FoundRecords> Found; ///< records that a search of the whole volume has met
+
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
 };
 
@@ -82,8 +87,8 @@ extern EngineState Engine;
 void LoadVolumeParams(const PartitionCandidate& candidate);
 
 /// Closes both media, frees both candidate lists and the extents, and clears SourceDisk, TargetDisk and
-/// VolumeParams; what is known of losses and of the table goes with them. The catalogue and ScanRunFlag are
-/// not touched, but the catalogue is no longer that of the volume in work.
+/// VolumeParams; what is known of losses, of the table and of found records goes with them. The catalogue and
+/// ScanRunFlag are not touched, but the catalogue is no longer that of the volume in work.
 void ResetEngineState();
 
 /// Takes note that the catalogue's files are those of the volume in work.

@@ -222,6 +222,7 @@ bool LocateMft() {
     volume.MftRecordCount = 0;
     Engine.TableBytes = 0;
     Engine.TableCut = false;
+    Engine.Table.reset();
     if (volume.MftCluster == 0 || volume.FileRecordBytes == 0 || volume.SectorsPerCluster == 0) {
         return false;
     }
