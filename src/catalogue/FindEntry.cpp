@@ -46,7 +46,7 @@ private:
             located.Item = std::move(item);
             Found.push_back(std::move(located));
         } else if (behind.front() == '/' && item.IsFolder() && folders_.size() < kMaxDepth) {
-            folders_.push_back(item.Name);
+            folders_.push_back(item);
             SearchFolder(item.BlockOffset, behind.substr(1));
             folders_.pop_back();
         }
@@ -54,7 +54,7 @@ private:
 
     std::string path_;
     std::map<std::size_t, SeenBlocks> seen_; ///< by the length of the rest of the path
-    std::vector<std::u16string> folders_;
+    std::vector<CatalogueItem> folders_;
 };
 
 void AddSeed(std::uint32_t entryId, const char* path, std::vector<LocatedEntry>& found) {

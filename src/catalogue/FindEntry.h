@@ -9,12 +9,11 @@
 
 namespace thntfs {
 
-/// An entry and the names of the folders above it, from below " Root" or from a top-level folder down.
+/// An entry and the folders above it, from below " Root" or from a top-level folder down.
 struct LocatedEntry {
     CatalogueItem Item;
-    std::vector<std::u16string>
-        Folders;      ///< names of the folders on the way, outermost first; " Root" left out
-    std::string Path; ///< as EntryWalk gives it, but "/" for " Root"
+    std::vector<CatalogueItem> Folders; ///< on the way, outermost first; " Root" left out
+    std::string Path;                   ///< as EntryWalk gives it, but "/" for " Root"
 };
 
 /// All entries with a path, live and deleted, in catalogue order. "/" is " Root"; "" is the top. A name may

@@ -3,6 +3,7 @@
 #include "cli/ExitCode.h"
 #include "platform/system/Bytes.h"
 #include "platform/system/ErrorCodes.h"
+#include "platform/system/EscapedText.h"
 
 #include <memory>
 #include <string>
@@ -51,12 +52,6 @@ private:
     std::string text_;
     ErrorCode failure_ = kErrorNone;
 };
-
-/// Appends text with control characters shown as \xNN, so that a name can't drive the terminal.
-void AppendPrintable(std::string& out, std::string_view text);
-
-/// Appends what stands between the quotes of a JSON string; the text is UTF-8.
-void AppendJsonText(std::string& out, std::string_view text);
 
 /// Prints one line to standard error, after wiping the progress bar if one stands there. Control characters
 /// in it (it may hold a name from the medium), line ends too, are shown as \xNN.

@@ -13,27 +13,55 @@ constexpr std::size_t kUnsyncedPathBytes = std::size_t{16} << 20U; // kept in me
 
 } // namespace
 
-SaveAccount::SaveAccount(TargetFolder& target, SaveListener& listener)
+SaveAccount::SaveAccount(TargetFolder& target, SaveListener& listener, bool report)
     : target_(target)
-    , listener_(listener) {}
+    , listener_(listener)
+    , report_(report) {}
 
-void SaveAccount::FileWritten(const std::string& path, const ContentOutcome& outcome) {
-    for (const std::string& reason : DamageReasons(outcome)) {
-        listener_.Warned(path, reason);
+void SaveAccount::FileWritten(SavedFile file) {
+    for (const std::string& reason : file.Reasons) {
+        listener_.Warned(file.Path, reason);
     }
-    Add({path, false, outcome.Whole(), outcome.Written});
+    Add({std::move(file), false});
 }
 
-void SaveAccount::FolderMade(const std::string& path) { Add({path, true, true, 0}); }
+void SaveAccount::FolderMade(const std::string& path) {
+    SavedFile folder;
+    folder.Path = path;
+    Add({std::move(folder), true});
+}
 
 void SaveAccount::Fail(const std::string& path, const std::string& reason) {
     ++totals_.Failed;
     listener_.Failed(path, reason);
 }
 
+void SaveAccount::FailFile(SavedFile file) {
+    Fail(file.Path, file.Reasons.back());
+    file.Whole = false;
+    file.Bytes = 0;
+    file.Sha256.clear();
+    file.Links.clear();
+    Conclude(file);
+}
+
+void SaveAccount::LeaveOut(const SavedFile& file) {
+    ++totals_.LeftOut;
+    Conclude(file);
+}
+
+void SaveAccount::Conclude(const SavedFile& file) {
+    if (report_) {
+        listener_.Concluded(file);
+    }
+}
+
 void SaveAccount::Add(Entry entry) {
-    unsyncedBytes_ += entry.Bytes;
-    unsyncedPathBytes_ += entry.Path.size();
+    unsyncedBytes_ += entry.File.Bytes;
+    unsyncedPathBytes_ += entry.File.Path.size();
+    for (const std::string& link : entry.File.Links) {
+        unsyncedPathBytes_ += link.size();
+    }
     unsynced_.push_back(std::move(entry));
     if (unsynced_.size() >= kUnsyncedEntries || unsyncedBytes_ >= kUnsyncedBytes ||
         unsyncedPathBytes_ >= kUnsyncedPathBytes) {
@@ -69,25 +97,38 @@ const SaveTotals& SaveAccount::Settle() {
     return totals_;
 }
 
-void SaveAccount::Judge(const std::vector<Entry>& entries, ErrorCode code) {
-    for (const Entry& entry : entries) {
+void SaveAccount::Judge(std::vector<Entry> entries, ErrorCode code) {
+    for (Entry& entry : entries) {
         if (code == kErrorNone) {
             Count(entry);
+            continue;
+        }
+        const std::string reason =
+            "the target could not be synced, so what stands there may be broken: " + SystemErrorText(code);
+        if (entry.Folder) {
+            Fail(entry.File.Path, reason);
         } else {
-            Fail(entry.Path, "the target could not be synced, so what stands there may be broken: " +
-                                 SystemErrorText(code));
+            entry.File.Reasons.push_back(reason);
+            FailFile(std::move(entry.File));
         }
     }
 }
 
 void SaveAccount::Count(const Entry& entry) {
+    const SavedFile& file = entry.File;
     if (entry.Folder) {
         ++totals_.Folders;
         return;
     }
-    ++totals_.Files;
-    totals_.Bytes += entry.Bytes;
-    totals_.Damaged += entry.Whole ? 0 : 1;
+    if (file.IsStream) {
+        ++totals_.Streams;
+    } else {
+        ++totals_.Files;
+        totals_.Bytes += file.Bytes;
+    }
+    totals_.Links += file.Links.size();
+    totals_.Damaged += file.Whole ? 0 : 1;
+    Conclude(file);
 }
 
 } // namespace thntfs

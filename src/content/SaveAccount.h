@@ -1,6 +1,7 @@
 #pragma once
 
 #include "content/ContentOutcome.h"
+#include "content/SavedFile.h"
 #include "platform/files/TargetFolder.h"
 
 #include <cstdint>
@@ -24,15 +25,22 @@ public:
     virtual void Warned(const std::string& path, const std::string& text) = 0;
     /// A file or folder could not be saved.
     virtual void Failed(const std::string& path, const std::string& reason) = 0;
+    /// What became of a file is known for good: it is on the device, failed, or was left out. Called where
+    /// SaveOptions asked for a report, once for each file and each stream that is saved as one.
+    virtual void Concluded(const SavedFile& /*file*/) {}
 };
 
 struct SaveTotals {
-    std::uint64_t Files = 0;   ///< files saved
-    std::uint64_t Folders = 0; ///< folders saved or made for what is in them
-    std::uint64_t Bytes = 0;   ///< bytes of the saved files
-    std::uint64_t Damaged = 0; ///< of the saved files, those that aren't whole
-    std::uint64_t Failed = 0;  ///< files and folders that could not be saved
-    bool Stopped = false;      ///< ScanRunFlag was cleared, or the medium failed for good
+    std::uint64_t Files = 0;       ///< files saved
+    std::uint64_t Folders = 0;     ///< folders saved or made for what is in them
+    std::uint64_t Bytes = 0;       ///< bytes of the saved files
+    std::uint64_t Damaged = 0;     ///< of the saved files and streams, those that aren't whole
+    std::uint64_t Failed = 0;      ///< files, folders, streams and further names that could not be saved
+    std::uint64_t Links = 0;       ///< further names given to saved files
+    std::uint64_t Streams = 0;     ///< named streams saved
+    std::uint64_t StreamsLeft = 0; ///< named streams that nobody asked for
+    std::uint64_t LeftOut = 0;     ///< deleted files whose condition isn't whole
+    bool Stopped = false;          ///< ScanRunFlag was cleared, or the medium failed for good
 };
 
 /// The account of a save. What was written counts as saved once the target has been synced. That is done for
@@ -40,11 +48,17 @@ struct SaveTotals {
 /// written and not yet synced counts as failed, and each file is named.
 class SaveAccount {
 public:
-    SaveAccount(TargetFolder& target, SaveListener& listener);
+    SaveAccount(TargetFolder& target, SaveListener& listener, bool report = false);
 
-    void FileWritten(const std::string& path, const ContentOutcome& outcome);
+    /// A file or stream was written whole or damaged; its reasons tell which.
+    void FileWritten(SavedFile file);
     void FolderMade(const std::string& path);
+    void StreamsLeft(std::uint64_t count) { totals_.StreamsLeft += count; }
     void Fail(const std::string& path, const std::string& reason);
+    /// A file or stream could not be saved, for the last of its reasons.
+    void FailFile(SavedFile file);
+    /// A file was left out, for its reason.
+    void LeaveOut(const SavedFile& file);
     void Stop() { totals_.Stopped = true; }
 
     /// Syncs what is still open and gives the totals, which are final then.
@@ -52,20 +66,20 @@ public:
 
 private:
     struct Entry {
-        std::string Path;
+        SavedFile File;
         bool Folder;
-        bool Whole;
-        std::uint64_t Bytes;
     };
 
     void Add(Entry entry);
     void StartSync();
     void AwaitSync();
-    void Judge(const std::vector<Entry>& entries, ErrorCode code);
+    void Judge(std::vector<Entry> entries, ErrorCode code);
     void Count(const Entry& entry);
+    void Conclude(const SavedFile& file);
 
     TargetFolder& target_;
     SaveListener& listener_;
+    bool report_;
     SaveTotals totals_;
     std::vector<Entry> unsynced_;
     std::vector<Entry> syncing_;    ///< what the sync under way vouches for

@@ -1,6 +1,9 @@
 #include "content/TargetPath.h"
 
+#include "content/TargetName.h"
 #include "platform/system/Text.h"
+
+#include <utility>
 
 namespace thntfs {
 
@@ -10,14 +13,70 @@ constexpr std::size_t kOpenHandles = 64; // of the 1,024 that a process has by c
 
 } // namespace
 
-TargetPath::TargetPath(std::unique_ptr<TargetFolder> target) {
-    levels_.emplace_back().Handle = std::move(target);
+bool MadeFolders::Has(const CatalogueItem& folder) const {
+    return folder.EntryId < made_.size() && made_[folder.EntryId];
 }
 
-void TargetPath::Enter(const std::u16string& name, bool transparent) {
+std::string MadeFolders::NameOf(const CatalogueItem& folder) const {
+    const auto other = otherNames_.find(folder.EntryId);
+    return other == otherNames_.end() ? TargetName(folder.Name) : other->second;
+}
+
+void MadeFolders::Add(const CatalogueItem& folder, const std::string& name) {
+    if (made_.empty()) {
+        made_.resize(CatalogueEntryCount());
+    }
+    if (folder.EntryId >= made_.size()) {
+        return;
+    }
+    made_[folder.EntryId] = true;
+    if (name != TargetName(folder.Name)) {
+        otherNames_[folder.EntryId] = name;
+    }
+}
+
+TargetPath::TargetPath(TargetFolder& target, MadeFolders& made, DatesOf datesOf)
+    : made_(made)
+    , datesOf_(std::move(datesOf)) {
+    levels_.emplace_back().Handle = &target;
+}
+
+void TargetPath::Cut(std::size_t length) {
+    while (levels_.size() > length) {
+        LeaveInnermost();
+        levels_.pop_back();
+    }
+}
+
+void TargetPath::LeaveInnermost() {
+    if (levels_.back().MadeName.empty()) {
+        return;
+    }
+    const FileDates dates = datesOf_(levels_.back().Item);
+    if (dates.Modified == 0 && dates.Accessed == 0) {
+        return;
+    }
+    if (Level* const level = Open([](const Level&, const std::string&, ErrorCode) {}); level != nullptr) {
+        level->Handle->SetDates(dates);
+    }
+}
+
+void TargetPath::Enter(const CatalogueItem& folder) {
     Level& level = levels_.emplace_back();
-    level.Name = name;
-    level.Transparent = transparent;
+    level.Item = folder;
+    level.Transparent = folder.EntryId == kRootEntryId;
+}
+
+void TargetPath::EnterChain(const std::vector<CatalogueItem>& chain) {
+    std::size_t same = 0;
+    while (same < chain.size() && same + 1 < levels_.size() &&
+           chain[same].EntryId == levels_[same + 1].Item.EntryId) {
+        ++same;
+    }
+    Cut(same + 1);
+    for (; same < chain.size(); ++same) {
+        Enter(chain[same]);
+    }
 }
 
 TargetPath::Level* TargetPath::Open(const Teller& tell) {
@@ -36,6 +95,14 @@ TargetPath::Level* TargetPath::Open(const Teller& tell) {
     return &levels_[above];
 }
 
+TargetPath::Level& TargetPath::AboveOpen() {
+    std::size_t index = InnermostOpen() - 1;
+    while (levels_[index].Transparent) {
+        --index;
+    }
+    return levels_[index];
+}
+
 std::size_t TargetPath::InnermostOpen() const {
     std::size_t index = levels_.size() - 1;
     while (levels_[index].Handle == nullptr) {
@@ -46,16 +113,31 @@ std::size_t TargetPath::InnermostOpen() const {
 
 ErrorCode TargetPath::OpenBelow(Level& above, std::size_t index, const Teller& tell) {
     Level& level = levels_[index];
-    if (!level.MadeName.empty()) {
-        return above.Handle->OpenSubfolder(level.MadeName, level.Handle);
+    if (level.MadeName.empty() && made_.Has(level.Item)) {
+        level.MadeName = made_.NameOf(level.Item);
     }
-    std::string name = TargetName(level.Name);
+    ErrorCode code = kErrorNone;
+    if (!level.MadeName.empty()) {
+        code = above.Handle->OpenSubfolder(level.MadeName, level.Owned);
+        level.Handle = level.Owned.get();
+    } else {
+        code = MakeBelow(above, level);
+        tell(level, PathOf(index), code);
+    }
+    return code;
+}
+
+ErrorCode TargetPath::MakeBelow(Level& above, Level& level) {
+    std::string name = TargetName(level.Item.Name);
     const ErrorCode code = TakeFreeName(above.Numbers, name, [&](const std::string& free) {
-        return above.Handle->MakeSubfolder(free, level.Handle);
+        return above.Handle->MakeSubfolder(free, level.Owned);
     });
+    level.Handle = level.Owned.get();
     level.Failed = code != kErrorNone;
-    level.MadeName = level.Failed ? "" : name;
-    tell(level, PathOf(index), code);
+    if (!level.Failed) {
+        level.MadeName = name;
+        made_.Add(level.Item, name);
+    }
     return code;
 }
 
@@ -64,7 +146,7 @@ std::string TargetPath::PathOf(std::size_t index) const {
     for (std::size_t i = 1; i <= index; ++i) {
         path += i > 1 ? "/" : "";
         if (!levels_[i].Transparent) {
-            AppendNarrowText(path, levels_[i].Name);
+            AppendNarrowText(path, levels_[i].Item.Name);
         }
     }
     return path;
@@ -72,7 +154,9 @@ std::string TargetPath::PathOf(std::size_t index) const {
 
 void TargetPath::CloseFarAbove(std::size_t index) {
     if (index > kOpenHandles) {
-        levels_[index - kOpenHandles].Handle.reset();
+        Level& level = levels_[index - kOpenHandles];
+        level.Owned.reset();
+        level.Handle = nullptr;
     }
 }
 

@@ -29,6 +29,8 @@ public:
         return plan_->Try(&File::ReadAt, *inner_, offset, buffer, got);
     }
     ErrorCode Size(std::uint64_t& bytes) override { return plan_->Try(&File::Size, *inner_, bytes); }
+    ErrorCode SetSize(std::uint64_t bytes) override { return plan_->Try(&File::SetSize, *inner_, bytes); }
+    void SetDates(const FileDates& dates) override { inner_->SetDates(dates); }
     ErrorCode Sync() override { return plan_->Try(&File::Sync, *inner_); }
     ErrorCode Close() override { return plan_->Try(&File::Close, *inner_); }
 

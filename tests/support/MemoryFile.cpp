@@ -35,6 +35,13 @@ public:
         bytes = file_.Content.size();
         return kErrorNone;
     }
+    ErrorCode SetSize(std::uint64_t bytes) override {
+        if (bytes > file_.Room) {
+            return kErrorDiskFull;
+        }
+        file_.Content.resize(static_cast<std::size_t>(bytes));
+        return kErrorNone;
+    }
     ErrorCode Sync() override {
         const ErrorCode code = file_.OnCall ? file_.OnCall() : kErrorNone;
         if (code == kErrorNone) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/Bytes.h"
+#include "platform/system/Dates.h"
 #include "platform/system/ErrorCodes.h"
 
 #include <cstddef>
@@ -33,12 +34,20 @@ public:
     /// Size in bytes now.
     virtual ErrorCode Size(std::uint64_t& bytes) = 0;
 
+    /// Sets the size in bytes. What is cut off is gone, what is added is zeros, which take no room where the
+    /// file system has holes. Not every file has it: fails with kErrorInvalidParameter by default.
+    virtual ErrorCode SetSize(std::uint64_t bytes);
+
     /// Waits until what was written has reached the device.
     virtual ErrorCode Sync() = 0;
 
     /// Closes the file and gives what the system says at that, which may be the first word of a write that
     /// failed. No call may follow. The destructor closes without a word.
     virtual ErrorCode Close();
+
+    /// Sets the dates that are known, as near as the file system keeps them. To be called behind the last
+    /// write, which sets them too. Where they can't be set nothing happens, as by default.
+    virtual void SetDates(const FileDates& dates);
 
     // Hints for a file that is written from end to end. They change no byte and no size, and do nothing by
     // default.

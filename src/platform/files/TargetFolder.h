@@ -11,6 +11,7 @@
 namespace thntfs {
 
 class File;
+struct FileDates;
 
 /// An open folder that recovered files and folders go to. Their names come from a damaged medium and may be
 /// made to mislead, so this class takes nothing but a single name and follows no link: whatever the names, no
@@ -55,11 +56,22 @@ public:
     /// anything stands under that name.
     virtual ErrorCode NamePart(const std::string& part, const std::string& name) = 0;
 
+    /// Gives a file of this folder that CreateFile or NamePart has named a further name in `folder`, one of the
+    /// same target, which may be this one. Fails with kErrorFileExists where anything stands under that name,
+    /// and with another code where the file system has no such links, or no more for this file.
+    virtual ErrorCode LinkFile(const std::string& name, TargetFolder& folder, const std::string& newName) = 0;
+
+    /// Sets the folder's own dates, as File::SetDates does. What is made in it later changes them again.
+    virtual void SetDates(const FileDates& dates) = 0;
+
     /// Deletes a file (or a link, never what it leads to) of this folder.
     virtual ErrorCode DeleteFile(const std::string& name) = 0;
 
     /// Bytes that this user may still write here, none where the system doesn't tell.
     [[nodiscard]] virtual std::optional<std::uint64_t> FreeBytes() const = 0;
+
+    /// True where what a file skips takes no room in this folder. Found out by trying, so to be asked once.
+    virtual bool KeepsHoles() = 0;
 
     /// For the folder that OpenTargetFolder gave: waits until all that has been written in it and below is on
     /// the device, files that are closed already too. Fails where any of that could not be written since the

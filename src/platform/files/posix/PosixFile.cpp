@@ -1,6 +1,7 @@
 #include "platform/files/posix/PosixFile.h"
 
 #include "platform/files/File.h"
+#include "platform/files/posix/SetDates.h"
 #include "platform/system/posix/ErrnoMap.h"
 
 #include <cerrno>
@@ -92,6 +93,16 @@ public:
         bytes = static_cast<std::uint64_t>(status.st_size);
         return kErrorNone;
     }
+
+    ErrorCode SetSize(std::uint64_t bytes) override {
+        if (bytes > kMaxOffset) {
+            return kErrorFileTooLarge;
+        }
+        return ::ftruncate(descriptor_.Get(), static_cast<off_t>(bytes)) == 0 ? kErrorNone
+                                                                              : FileErrorOfErrno(errno);
+    }
+
+    void SetDates(const FileDates& dates) override { SetDatesOf(descriptor_.Get(), dates); }
 
     ErrorCode Sync() override {
         return ::fdatasync(descriptor_.Get()) == 0 ? kErrorNone : FileErrorOfErrno(errno);
@@ -209,6 +220,8 @@ std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor, AtClose atClose) 
     return std::make_unique<PosixFile>(std::move(descriptor), atClose);
 }
 
+ErrorCode File::SetSize(std::uint64_t /*bytes*/) { return kErrorInvalidParameter; }
+void File::SetDates(const FileDates& /*dates*/) {}
 ErrorCode File::Close() { return kErrorNone; }
 void File::Reserve(std::uint64_t /*offset*/, std::uint64_t /*bytes*/) {}
 void File::ReleaseReserve() {}

@@ -6,6 +6,7 @@
 #include "platform/files/posix/LifeLock.h"
 #include "platform/files/posix/PartFiles.h"
 #include "platform/files/posix/PosixFile.h"
+#include "platform/files/posix/SetDates.h"
 #include "platform/files/posix/SyncRoad.h"
 #include "platform/system/posix/ErrnoMap.h"
 
@@ -115,14 +116,7 @@ public:
     ErrorCode CreatePart(std::string& name, std::unique_ptr<File>& file) override {
         file.reset();
         FileDescriptor created;
-        ErrorCode error = kErrorFileExists;
-        for (unsigned i = 0; error == kErrorFileExists && i < kMaxPartTries; ++i) {
-            name = NewPartName("");
-            error = Create(name, created);
-            if (error == kErrorNone && !LockForLife(created, name, descriptor_.Get())) {
-                error = kErrorFileExists;
-            }
-        }
+        const ErrorCode error = OpenPart(name, created);
         return error == kErrorNone ? HandOver(name, std::move(created), file) : error;
     }
 
@@ -133,6 +127,18 @@ public:
         return RenameToFreeName(descriptor_.Get(), part.c_str(), name.c_str()) ? kErrorNone
                                                                                : NameError(errno);
     }
+
+    ErrorCode LinkFile(const std::string& name, TargetFolder& folder, const std::string& newName) override {
+        auto* const other = dynamic_cast<PosixTargetFolder*>(&folder);
+        if (other == nullptr || !IsPlainName(name) || !IsPlainName(newName)) {
+            return kErrorInvalidName;
+        }
+        const int place = other->descriptor_.Get();
+        return ::linkat(descriptor_.Get(), name.c_str(), place, newName.c_str(), 0) == 0 ? kErrorNone
+                                                                                         : NameError(errno);
+    }
+
+    void SetDates(const FileDates& dates) override { SetDatesOf(descriptor_.Get(), dates); }
 
     ErrorCode DeleteFile(const std::string& name) override {
         if (!IsPlainName(name)) {
@@ -149,10 +155,24 @@ public:
         return static_cast<std::uint64_t>(space.f_bavail) * space.f_frsize;
     }
 
+    bool KeepsHoles() override {
+        std::string name;
+        FileDescriptor part;
+        if (OpenPart(name, part) != kErrorNone) {
+            return false;
+        }
+        struct stat status {};
+        const bool keeps = ::ftruncate(part.Get(), kHoleBytes) == 0 && ::fstat(part.Get(), &status) == 0 &&
+                           status.st_blocks * 512 < kHoleBytes;
+        (void)::unlinkat(descriptor_.Get(), name.c_str(), 0);
+        return keeps;
+    }
+
     ErrorCode Sync() override { return SyncAsWhole(descriptor_.Get()); }
 
 private:
     static constexpr unsigned kMaxPartTries = 100;
+    static constexpr off_t kHoleBytes = 1 << 20;
 
     ErrorCode Open(const std::string& name, FileDescriptor& opened) {
         if (!IsPlainName(name)) {
@@ -186,6 +206,18 @@ private:
         created = OpenDescriptorAt(descriptor_.Get(), name.c_str(),
                                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_NOCTTY, 0666);
         return created.IsOpen() ? kErrorNone : NameError(errno);
+    }
+
+    ErrorCode OpenPart(std::string& name, FileDescriptor& created) {
+        ErrorCode error = kErrorFileExists;
+        for (unsigned i = 0; error == kErrorFileExists && i < kMaxPartTries; ++i) {
+            name = NewPartName("");
+            error = Create(name, created);
+            if (error == kErrorNone && !LockForLife(created, name, descriptor_.Get())) {
+                error = kErrorFileExists;
+            }
+        }
+        return error;
     }
 
     ErrorCode HandOver(const std::string& name, FileDescriptor created, std::unique_ptr<File>& file) {

@@ -1,0 +1,61 @@
+#include "content/ContentWriter.h"
+
+#include "platform/files/File.h"
+
+#include <memory>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint64_t kBigFileBytes = std::uint64_t{1} << 20U;
+
+WrittenContent WriteSmall(TargetPath::Level& folder, const std::string& name, const ContentTaker& take) {
+    WrittenContent written;
+    std::unique_ptr<File> file;
+    written.Name = name;
+    written.Error = TakeFreeName(folder.Numbers, written.Name, [&](const std::string& free) {
+        return folder.Handle->CreateFile(free, file);
+    });
+    if (written.Error != kErrorNone) {
+        return written;
+    }
+    written.Outcome = take(*file);
+    written.Error = written.Outcome.Kept() ? file->Close() : kErrorNone;
+    file.reset();
+    if (!written.Stands()) {
+        folder.Handle->DeleteFile(written.Name);
+    }
+    return written;
+}
+
+WrittenContent WriteBig(TargetPath::Level& folder, const std::string& name, const ContentTaker& take) {
+    WrittenContent written;
+    std::unique_ptr<File> file;
+    std::string part;
+    written.Name = name;
+    written.Error = folder.Handle->CreatePart(part, file);
+    if (written.Error != kErrorNone) {
+        return written;
+    }
+    written.Outcome = take(*file);
+    written.Error = written.Outcome.Kept() ? file->Sync() : kErrorNone;
+    if (written.Stands()) {
+        written.Error = TakeFreeName(folder.Numbers, written.Name, [&](const std::string& free) {
+            return folder.Handle->NamePart(part, free);
+        });
+    }
+    if (!written.Stands()) {
+        folder.Handle->DeleteFile(part);
+    }
+    return written;
+}
+
+} // namespace
+
+WrittenContent WriteContent(TargetPath::Level& folder, const std::string& name, std::uint64_t size,
+                            const ContentTaker& take) {
+    return size > kBigFileBytes ? WriteBig(folder, name, take) : WriteSmall(folder, name, take);
+}
+
+} // namespace thntfs

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "catalogue/CatalogueReader.h"
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace thntfs {
+
+/// The folders of the open catalogue by their record numbers, which further names of files are told by. One
+/// pass along the catalogue gathers them when the first is asked for.
+class FolderChains {
+public:
+    /// The folders on the way from the top down to the one with a number, " Root" or a lost folder first.
+    /// Empty where the catalogue has none, or its way doesn't begin at the top.
+    const std::vector<CatalogueItem>& ChainTo(std::uint32_t recordNumber);
+
+private:
+    void Gather();
+    [[nodiscard]] std::vector<CatalogueItem> Climb(std::uint32_t recordNumber) const;
+
+    bool gathered_ = false;
+    std::unordered_map<std::uint32_t, std::uint32_t> entryOf_; ///< EntryId by record number
+    std::optional<std::uint32_t> last_;                        ///< what chain_ leads to
+    std::vector<CatalogueItem> chain_;
+};
+
+} // namespace thntfs
