@@ -29,6 +29,9 @@ RunPlaces PlacesOf(const Options& options) {
     if (options.SaveInfo) {
         places.Targets.push_back(SaveInfoTarget(options));
     }
+    if (options.Report) {
+        places.Targets.push_back(*options.Report);
+    }
     if (options.Chosen == Command::Image || options.Chosen == Command::Clone) {
         places.Targets.push_back(options.Target);
     }

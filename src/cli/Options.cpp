@@ -184,7 +184,21 @@ void AddSave(CLI::App& app, Options& options) {
         ->required();
     AddPartition(*command, options);
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
-    command->callback([&options] { options.Chosen = Command::Save; });
+    command->add_flag("--streams", options.Streams,
+                      "Save named streams too, each beside its file or folder as NAME#STREAM");
+    command
+        ->add_option(
+            "--report", options.Report,
+            "Write a line of JSON for each file: path, record, size, bytes, condition, reason, SHA-256. "
+            "FILE must not be there yet")
+        ->type_name("FILE")
+        ->check(FileName());
+    command->callback([&options] {
+        options.Chosen = Command::Save;
+        if (options.Streams && options.AsStored) {
+            throw CLI::ExcludesError("--streams", "--as-stored");
+        }
+    });
 }
 
 void AddDisks(CLI::App& app, Options& options) {

@@ -28,10 +28,12 @@ struct Options {
     bool Deep = false;                       ///< records without a usable name are listed too
     bool AsStored = false; ///< scans take no record beyond their own walk, files get their data as stored
 
-    bool Files = false;     ///< scan: files in the tree too
-    bool Recursive = false; ///< list
-    bool Deleted = false;   ///< list, save: deleted entries alone
-    std::string Target;     ///< save: the folder to save to; image, clone: where the copy goes
+    bool Files = false;                ///< scan: files in the tree too
+    bool Recursive = false;            ///< list
+    bool Deleted = false;              ///< list, save: deleted entries alone
+    bool Streams = false;              ///< save: named streams too
+    std::optional<std::string> Report; ///< save: file that gets a line of JSON a file
+    std::string Target;                ///< save: the folder to save to; image, clone: where the copy goes
     std::vector<std::string> Paths;
     std::optional<std::uint32_t> Record; ///< cat: a record number in place of a path
 

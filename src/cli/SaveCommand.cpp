@@ -4,6 +4,7 @@
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "content/SaveEntries.h"
+#include "content/SaveReport.h"
 #include "content/TargetRules.h"
 #include "engine/EngineState.h"
 
@@ -15,6 +16,9 @@ namespace {
 
 class TerminalListener : public SaveListener {
 public:
+    explicit TerminalListener(SaveReport& report)
+        : report_(report) {}
+
     void Renamed(const std::string& path, const std::string& targetName) override {
         PrintMessage(path + ": saved under the name " + targetName);
     }
@@ -24,6 +28,10 @@ public:
     void Failed(const std::string& path, const std::string& reason) override {
         PrintMessage(path + ": not saved: " + reason);
     }
+    void Concluded(const SavedFile& file) override { report_.Add(file); }
+
+private:
+    SaveReport& report_;
 };
 
 int OpenSaveTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
@@ -43,46 +51,96 @@ int OpenSaveTarget(const Options& options, const std::string& medium, std::uniqu
     return kExitDone;
 }
 
-// Gives how many of the paths name nothing.
-std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver) {
-    std::size_t missing = 0;
-    for (const std::string& path : paths) {
-        const std::vector<LocatedEntry> found = FindEntries(path);
-        if (found.empty()) {
-            PrintMessage("No entry has the path " + path);
-            ++missing;
-        }
-        for (const LocatedEntry& entry : found) {
-            saver.Save(entry);
-        }
-    }
-    return missing;
+int TellReportFailure(const std::string& path, const std::string& reason) {
+    return Refuse("Cannot write the report to " + path + ": " + reason);
 }
 
-void PrintSaveTotals(Output& output, const SaveTotals& totals, const Options& options, bool scannedAll) {
-    if (options.Json) {
-        const bool complete = scannedAll && !totals.Stopped;
-        const nlohmann::ordered_json object = {{"files", totals.Files},   {"folders", totals.Folders},
-                                               {"bytes", totals.Bytes},   {"damaged", totals.Damaged},
-                                               {"failed", totals.Failed}, {"complete", complete},
-                                               {"target", options.Target}};
-        output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
-    } else {
-        std::string line = "Saved " + CountText(totals.Files, "file", "files") + " (" +
-                           CountText(totals.Bytes, "byte", "bytes") + ") in " +
-                           CountText(totals.Folders, "folder", "folders") + " to ";
-        AppendPrintable(line, options.Target);
-        if (totals.Damaged != 0) {
-            line += "; " + std::to_string(totals.Damaged) + " of them damaged";
-        }
-        if (totals.Failed != 0) {
-            line += "; " + CountText(totals.Failed, "entry", "entries") + " could not be saved";
-        }
-        if (totals.Stopped) {
-            line += "; stopped before the end";
-        }
-        output.Put(line + "\n");
+int OpenReport(const Options& options, const std::string& medium, SaveReport& report) {
+    if (!options.Report) {
+        return kExitDone;
     }
+    const std::string& path = *options.Report;
+    if (!CheckTarget(path, {medium, {}, {}}).Allowed()) {
+        return TellReportFailure(path,
+                                 "it lies on the medium that is being read; choose a place on another disk.");
+    }
+    const ErrorCode code = report.Create(path);
+    if (code == kErrorFileExists) {
+        return TellReportFailure(path, "there is something under this name already, which stays as it is.");
+    }
+    return code == kErrorNone ? int{kExitDone} : TellReportFailure(path, SystemErrorText(code));
+}
+
+int CloseReport(const Options& options, SaveReport& report, int code) {
+    const ErrorCode error = options.Report ? report.Finish() : kErrorNone;
+    if (error == kErrorNone) {
+        return code;
+    }
+    TellReportFailure(*options.Report, SystemErrorText(error));
+    return code == kExitDone ? int{kExitFailed} : code;
+}
+
+struct FoundEntries {
+    std::vector<LocatedEntry> Entries;
+    std::size_t PathsMissing = 0; ///< how many of the paths name nothing
+};
+
+FoundEntries FindWanted(const std::vector<std::string>& paths) {
+    FoundEntries wanted;
+    for (const std::string& path : paths) {
+        std::vector<LocatedEntry> found = FindEntries(path);
+        if (found.empty()) {
+            PrintMessage("No entry has the path " + path);
+            ++wanted.PathsMissing;
+        }
+        std::move(found.begin(), found.end(), std::back_inserter(wanted.Entries));
+    }
+    return wanted;
+}
+
+std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver) try {
+    const FoundEntries wanted = FindWanted(paths);
+    saver.Save(wanted.Entries);
+    return wanted.PathsMissing;
+} catch (const CUserException&) {
+    return paths.size();
+}
+
+std::string TotalsJson(const SaveTotals& totals, const Options& options, bool scannedAll) {
+    const nlohmann::ordered_json object = {
+        {"files", totals.Files},     {"folders", totals.Folders},
+        {"bytes", totals.Bytes},     {"damaged", totals.Damaged},
+        {"failed", totals.Failed},   {"complete", scannedAll && !totals.Stopped},
+        {"target", options.Target},  {"links", totals.Links},
+        {"streams", totals.Streams}, {"streamsLeft", totals.StreamsLeft}};
+    return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string TotalsText(const SaveTotals& totals, const Options& options) {
+    std::string line = "Saved " + CountText(totals.Files, "file", "files") + " (" +
+                       CountText(totals.Bytes, "byte", "bytes") + ") in " +
+                       CountText(totals.Folders, "folder", "folders") + " to ";
+    AppendPrintable(line, options.Target);
+    if (totals.Damaged != 0) {
+        line += "; " + std::to_string(totals.Damaged) + " of them damaged";
+    }
+    if (totals.Failed != 0) {
+        line += "; " + CountText(totals.Failed, "entry", "entries") + " could not be saved";
+    }
+    if (totals.Links != 0) {
+        line += "; " + CountText(totals.Links, "further name", "further names") + " of them made";
+    }
+    if (totals.Streams != 0) {
+        line += "; " + CountText(totals.Streams, "named stream", "named streams") + " beside them";
+    }
+    if (totals.StreamsLeft != 0) {
+        line += "; " + CountText(totals.StreamsLeft, "named stream", "named streams") +
+                " left, which --streams saves";
+    }
+    if (totals.Stopped) {
+        line += "; stopped before the end";
+    }
+    return line + "\n";
 }
 
 int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked) {
@@ -102,28 +160,30 @@ int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked)
 int RunSave(const Options& options) {
     Session session(options);
     std::unique_ptr<TargetFolder> target;
+    SaveReport report;
     const int opened = RunSteps([&] { return session.OpenMedium(); }, [&] { return session.OpenVolume(); },
                                 [&] { return OpenSaveTarget(options, session.MediumPath(), target); },
+                                [&] { return OpenReport(options, session.MediumPath(), report); },
                                 [&] { return session.ScanVolume(); });
     if (opened != kExitDone) {
         return opened;
     }
-    TerminalListener listener;
-    EntrySaver saver(std::move(target), listener, options.Deleted);
+    TerminalListener listener(report);
+    SaveOptions wanted;
+    wanted.DeletedOnly = options.Deleted;
+    wanted.AsStored = options.AsStored;
+    wanted.Streams = options.Streams;
+    wanted.Report = options.Report.has_value();
+    EntrySaver saver(std::move(target), listener, wanted);
     const std::vector<std::string> paths =
         options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
     session.Host.Bar.Begin("Saving", ProgressBar::Unit::Byte);
-    std::size_t missing = 0;
-    try {
-        missing = SaveWanted(paths, saver);
-    } catch (const CUserException&) {
-        missing = paths.size();
-    }
+    const std::size_t missing = SaveWanted(paths, saver);
     const SaveTotals& totals = saver.Finish();
     session.Host.Bar.End();
     Output output;
-    PrintSaveTotals(output, totals, options, session.Complete());
-    const int code = ExitCodeOf(totals, missing, options.Paths.size());
+    output.Put(options.Json ? TotalsJson(totals, options, session.Complete()) : TotalsText(totals, options));
+    const int code = CloseReport(options, report, ExitCodeOf(totals, missing, options.Paths.size()));
     return output.Finish(code == kExitDone && !session.Complete() ? int{kExitDoneInPart} : code);
 }
 

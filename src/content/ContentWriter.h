@@ -22,8 +22,8 @@ struct WrittenContent {
 using ContentTaker = std::function<ContentOutcome(File& output)>;
 
 /// Writes a content into an open folder of the target, under `name` or, where that is taken, a numbered one.
-/// One above 1 MiB gets its name when it is whole and synced; until then it carries a part name. What isn't to
-/// be kept goes again.
+/// One above 1 MiB gets its name when it is whole and synced; until then it carries a part name. What isn't
+/// to be kept goes again.
 WrittenContent WriteContent(TargetPath::Level& folder, const std::string& name, std::uint64_t size,
                             const ContentTaker& take);
 

@@ -6,9 +6,9 @@ namespace thntfs {
 struct SaveOptions {
     bool DeletedOnly = false; ///< live files are left out, and folders are made only for what is in them
     bool WholeOnly = false;   ///< deleted files whose condition isn't whole are left out
-    bool AsStored = false;    ///< by ReadEntryContent: the file's own data alone, under one name, without dates
-    bool Streams = false;     ///< named streams are written beside their files and folders
-    bool Report = false;      ///< the listener is told of each file, with its SHA-256
+    bool AsStored = false; ///< by ReadEntryContent: the file's own data alone, under one name, without dates
+    bool Streams = false;  ///< named streams are written beside their files and folders
+    bool Report = false;   ///< the listener is told of each file, with its SHA-256
 };
 
 } // namespace thntfs

@@ -14,8 +14,8 @@
 
 namespace thntfs {
 
-/// Which folders of the catalogue a save has made in the target, and under which names: a bit an entry, and the
-/// names that differ.
+/// Which folders of the catalogue a save has made in the target, and under which names: a bit an entry, and
+/// the names that differ.
 class MadeFolders {
 public:
     [[nodiscard]] bool Has(const CatalogueItem& folder) const;

@@ -44,6 +44,11 @@ public:
         return Content.Synced == Content.Content ? kErrorNone : kErrorInvalidParameter;
     }
     ErrorCode DeleteFile(const std::string&) override { return kErrorNone; }
+    ErrorCode LinkFile(const std::string&, TargetFolder&, const std::string&) override {
+        return kErrorAccessDenied;
+    }
+    void SetDates(const FileDates&) override {}
+    bool KeepsHoles() override { return true; }
     [[nodiscard]] std::optional<std::uint64_t> FreeBytes() const override { return Room; }
     ErrorCode Sync() override { return ++Syncs == FailingSync ? kErrorDiskFull : kErrorNone; }
 
@@ -52,6 +57,14 @@ public:
     int Syncs = 0;
     int FailingSync = 0;
 };
+
+SavedFile FileOfMiB(const std::string& path) {
+    SavedFile file;
+    file.Path = path;
+    file.Size = file.Bytes = 1U << 20U;
+    file.Whole = true;
+    return file;
+}
 
 using FileSizes = std::map<std::string, std::uintmax_t>;
 
@@ -63,12 +76,14 @@ protected:
     }
     SaveTotals ScanAndSave(const std::vector<std::string>& paths = {""}, bool deletedOnly = false) {
         Scan();
+        SaveOptions options;
+        options.DeletedOnly = deletedOnly;
         std::unique_ptr<TargetFolder> target;
         EXPECT_EQ(TargetFolder::OpenTargetFolder(Target, true, target), kErrorNone);
-        EntrySaver saver(std::move(target), Listener, deletedOnly);
+        EntrySaver saver(std::move(target), Listener, options);
         SetFileStore(&Store);
         for (const std::string& path : paths) {
-            saver.Save(FindEntries(path).front());
+            saver.Save({FindEntries(path).front()});
         }
         const SaveTotals totals = saver.Finish();
         SetFileStore(nullptr);
@@ -126,9 +141,8 @@ TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
     FakeFolder folder;
     folder.FailingSync = 2;
     SaveAccount account(folder, Listener);
-    const ContentOutcome outcome = {.Size = 1U << 20U, .Written = 1U << 20U, .Missing = {}};
     for (int i = 0; i < 500; ++i) {
-        account.FileWritten(std::to_string(i), outcome);
+        account.FileWritten(FileOfMiB(std::to_string(i)));
     }
     const SaveTotals totals = account.Settle();
     EXPECT_EQ(totals.Failed, 128U) << "what was written meanwhile too";
@@ -137,7 +151,7 @@ TEST_F(SaveEntriesTest, WhatIsNotSyncedIsNotSaved) {
     EXPECT_LT(folder.Syncs, 10) << "64 MiB each";
     EXPECT_EQ(totals.Files + totals.Failed, 500U);
     EXPECT_EQ(totals.Bytes, totals.Files << 20U);
-    account.FileWritten("last", outcome);
+    account.FileWritten(FileOfMiB("last"));
     folder.FailingSync = folder.Syncs + 1;
     EXPECT_EQ(account.Settle().Failed, totals.Failed + 1);
     EXPECT_EQ(Listener.Paths.back(), "last");
@@ -165,14 +179,14 @@ TEST_F(SaveEntriesTest, RoomForTheFileIsEnoughAndAFolderFailsOnce) {
         for (const std::uint64_t room : {need, need - 1}) {
             auto folder = std::make_unique<FakeFolder>();
             folder->Room = room;
-            EntrySaver saver(std::move(folder), Listener, false);
-            saver.Save(FindEntries(path).front());
+            EntrySaver saver(std::move(folder), Listener, {});
+            saver.Save({FindEntries(path).front()});
             EXPECT_EQ(saver.Finish().Files, room == need ? 1U : 0U) << path;
         }
     }
     Listener.Paths.clear();
-    EntrySaver saver(std::make_unique<FakeFolder>(), Listener, false);
-    saver.Save(FindEntries("/folder").front());
+    EntrySaver saver(std::make_unique<FakeFolder>(), Listener, {});
+    saver.Save({FindEntries("/folder").front()});
     EXPECT_EQ(Listener.Paths, (std::vector<std::string>{"/folder", "/folder/f", "/folder/f"}));
 }
 

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace thntfs::test {
 
@@ -42,6 +43,24 @@ TEST_F(FileTest, WritesInOrderAndElsewhereWithoutMoving) {
     if (Open("/dev/full", FileMode::OpenReadWrite) == kErrorNone) {
         EXPECT_EQ(file_->Write(TextBytes("abc")), kErrorDiskFull);
     }
+}
+
+TEST_F(FileTest, GrowsWithAHoleAndKeepsItsDates) {
+    ASSERT_EQ(Open(At("a"), FileMode::CreateNew), kErrorNone);
+    EXPECT_EQ(file_->WriteAt(0, TextBytes("abcdef")), kErrorNone);
+    EXPECT_EQ(file_->SetSize(3), kErrorNone);
+    EXPECT_EQ(file_->SetSize(std::uint64_t{1} << 30U), kErrorNone);
+    EXPECT_EQ(file_->SetSize(~0ULL), kErrorFileTooLarge);
+    struct stat status {};
+    for (const FileDates& dates : {FileDates{125000000000000000, 132223104000000001}, {}, {~0ULL, ~0ULL}}) {
+        file_->SetDates(dates);
+        ASSERT_EQ(::stat(At("a").c_str(), &status), 0);
+        EXPECT_EQ(status.st_mtim.tv_sec, 855526400);
+        EXPECT_EQ(status.st_atim.tv_sec, 1577836800);
+        EXPECT_EQ(status.st_atim.tv_nsec, 100);
+    }
+    EXPECT_EQ(status.st_size, 1 << 30U);
+    EXPECT_LT(status.st_blocks, 100);
 }
 
 TEST_F(FileTest, OpensEachModeAsPromised) {

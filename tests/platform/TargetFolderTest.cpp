@@ -6,6 +6,7 @@
 #include "support/RunProgram.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace thntfs::test {
 
@@ -94,6 +95,31 @@ TEST_F(TargetFolderTest, PartsAreNamedWhenWholeAndLeftOnesGo) {
     ASSERT_EQ(Open(At("target"), false, sub_), kErrorNone);
     ASSERT_EQ(target_->MakeSubfolder("sub", sub_), kErrorNone);
     EXPECT_EQ(std::distance(fs::recursive_directory_iterator(At("target")), {}), 5) << "the parts alone go";
+}
+
+TEST_F(TargetFolderTest, AFileGetsFurtherNamesAndAFolderItsDates) {
+    ASSERT_EQ(target_->CreateFile("file", file_), kErrorNone);
+    ASSERT_EQ(target_->MakeSubfolder("sub", sub_), kErrorNone);
+    fs::create_symlink("/etc/passwd", At("target/link"));
+    EXPECT_EQ(target_->LinkFile("file", *sub_, "other"), kErrorNone);
+    EXPECT_EQ(fs::hard_link_count(At("target/sub/other")), 2U);
+    EXPECT_EQ(target_->LinkFile("file", *sub_, "other"), kErrorFileExists);
+    EXPECT_EQ(target_->LinkFile("file", *target_, "link"), kErrorFileExists);
+    EXPECT_EQ(target_->LinkFile("link", *sub_, "passwd"), kErrorNone);
+    EXPECT_TRUE(fs::is_symlink(At("target/sub/passwd"))) << "what a link leads to gets no name";
+    for (const auto& [from, to] :
+         {std::pair{"file", "../x"}, {"sub/other", "x"}, {"../file", "x"}, {"", "x"}}) {
+        EXPECT_EQ(target_->LinkFile(from, *sub_, to), kErrorInvalidName) << from << " " << to;
+    }
+    sub_->SetDates({.Modified = 116444736001234567, .Accessed = 0});
+    struct stat status {};
+    ASSERT_EQ(::stat(At("target/sub").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtim.tv_sec, 0);
+    EXPECT_EQ(status.st_mtim.tv_nsec, 123456700);
+    EXPECT_GT(status.st_atim.tv_sec, 1000000000) << "the other date stays";
+
+    EXPECT_TRUE(target_->KeepsHoles());
+    EXPECT_EQ(std::distance(fs::directory_iterator(At("target")), {}), 3) << "its trial is gone";
 }
 
 // To this file system, which shows all names in small letters, "Docs" and "docs" are one.

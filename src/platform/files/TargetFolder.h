@@ -56,9 +56,9 @@ public:
     /// anything stands under that name.
     virtual ErrorCode NamePart(const std::string& part, const std::string& name) = 0;
 
-    /// Gives a file of this folder that CreateFile or NamePart has named a further name in `folder`, one of the
-    /// same target, which may be this one. Fails with kErrorFileExists where anything stands under that name,
-    /// and with another code where the file system has no such links, or no more for this file.
+    /// Gives a file of this folder that CreateFile or NamePart has named a further name in `folder`, one of
+    /// the same target, which may be this one. Fails with kErrorFileExists where anything stands under that
+    /// name, and with another code where the file system has no such links, or no more for this file.
     virtual ErrorCode LinkFile(const std::string& name, TargetFolder& folder, const std::string& newName) = 0;
 
     /// Sets the folder's own dates, as File::SetDates does. What is made in it later changes them again.

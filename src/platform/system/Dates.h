@@ -10,8 +10,8 @@ namespace thntfs {
 /// 1980 in bits 9-15. A time outside 1980 to 2107 gives 0, which means no date.
 std::uint16_t DosDateOfFileTime(std::uint64_t fileTime);
 
-/// When the content of a file or folder was changed and last read, each in 100 ns units since 1601-01-01 UTC; 0
-/// where it isn't known.
+/// When the content of a file or folder was changed and last read, each in 100 ns units since 1601-01-01 UTC;
+/// 0 where it isn't known.
 struct FileDates {
     std::uint64_t Modified = 0;
     std::uint64_t Accessed = 0;
