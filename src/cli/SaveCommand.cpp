@@ -85,7 +85,7 @@ struct FoundEntries {
     std::size_t PathsMissing = 0; ///< how many of the paths name nothing
 };
 
-FoundEntries FindWanted(const std::vector<std::string>& paths) {
+FoundEntries FindAllWanted(const std::vector<std::string>& paths) {
     FoundEntries wanted;
     for (const std::string& path : paths) {
         std::vector<LocatedEntry> found = FindEntries(path);
@@ -99,7 +99,7 @@ FoundEntries FindWanted(const std::vector<std::string>& paths) {
 }
 
 std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver) try {
-    const FoundEntries wanted = FindWanted(paths);
+    const FoundEntries wanted = FindAllWanted(paths);
     saver.Save(wanted.Entries);
     return wanted.PathsMissing;
 } catch (const CUserException&) {
