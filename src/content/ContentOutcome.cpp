@@ -1,13 +1,19 @@
 #include "content/ContentOutcome.h"
 
+#include "content/ContentJob.h"
 #include "content/EntryContent.h"
+#include "content/ExactFile.h"
 #include "engine/EngineState.h"
+#include "engine/FileWrites.h"
 #include "platform/files/File.h"
+
+#include <functional>
 
 namespace thntfs {
 
 namespace {
 
+constexpr std::size_t kExactPiece = std::size_t{1} << 20U;
 constexpr std::uint64_t kPendingBytes = std::uint64_t{16} << 20U;
 
 /// An output file that counts what goes into it, keeps the code of a failed write, and keeps the device busy
@@ -45,9 +51,12 @@ private:
     std::uint64_t begun_ = 0; ///< up to here the bytes are on their way to the device
 };
 
-ContentEnd RunToItsEnd(const CatalogueItem& entry, CountingFile& output, MissingData& missing) {
+/// Puts out what a road gives, until something ends it.
+using Road = std::function<bool(File& output, ContentOutcome& outcome)>;
+
+ContentEnd RunToItsEnd(const Road& road, CountingFile& output, ContentOutcome& outcome) {
     try {
-        if (!ReadEntryContent(entry, output, missing)) {
+        if (!road(output, outcome)) {
             return ContentEnd::RecordDamaged;
         }
     } catch (const CUserException&) {
@@ -56,9 +65,54 @@ ContentEnd RunToItsEnd(const CatalogueItem& entry, CountingFile& output, Missing
     return ContentEnd::Reached;
 }
 
+ContentOutcome TakeBy(const Road& road, File& output) {
+    CountingFile counted(output);
+    Engine.BytesWritten = 0;
+    ContentOutcome outcome;
+    outcome.End = RunToItsEnd(road, counted, outcome);
+    if (outcome.End != ContentEnd::WriteFailed && outcome.End != ContentEnd::MediumFailed &&
+        Engine.ScanRunFlag == 0) {
+        outcome.End = ContentEnd::Stopped;
+    }
+    outcome.WriteError = counted.Failure;
+    outcome.Written = counted.Written;
+    return outcome;
+}
+
+// The last clusters of a file are read whole, so the buffer has room for them.
+void WriteStream(ExactStream& stream, File& output, ContentOutcome& outcome) {
+    std::vector<std::uint8_t>& buffer = Engine.ContentBuffer;
+    buffer.resize(kExactPiece);
+    while (Engine.BytesWritten < stream.Size() && !ContentStopped()) {
+        const std::size_t bytes = stream.Read(Engine.BytesWritten, buffer, outcome.Missing);
+        Engine.BytesWritten += bytes;
+        WriteCatalogue(output, Bytes(buffer).first(bytes));
+        ReportContentProgress(stream.Size());
+    }
+}
+
+bool WriteExact(const CatalogueItem& entry, std::u16string_view name, File& output, ContentOutcome& outcome) {
+    ExactFile file;
+    if (!file.Open(entry)) {
+        outcome.Size = entry.Size;
+        return false;
+    }
+    const std::unique_ptr<ExactStream> stream = file.OpenStream(name);
+    if (stream == nullptr) {
+        return true;
+    }
+    outcome.Size = stream->Size();
+    outcome.Missing.BytesBehindEnd = stream->BytesBehindEnd();
+    WriteStream(*stream, output, outcome);
+    outcome.Doubtful = stream->StreamDoubts();
+    return true;
+}
+
 } // namespace
 
-bool ContentOutcome::Whole() const { return End == ContentEnd::Reached && Written == Size && Missing.None(); }
+bool ContentOutcome::Whole() const {
+    return End == ContentEnd::Reached && Written == Size && Missing.None() && Doubtful.None();
+}
 
 bool ContentOutcome::Kept() const {
     return End == ContentEnd::Reached || (End == ContentEnd::RecordDamaged && Written != 0);
@@ -81,6 +135,9 @@ std::vector<std::string> DamageReasons(const ContentOutcome& outcome) {
         reasons.push_back(std::to_string(missing.BytesBehindEnd) +
                           " bytes lie behind the end of the medium and are zeros");
     }
+    for (std::string& reason : outcome.Doubtful.Reasons()) {
+        reasons.push_back(std::move(reason));
+    }
     const std::string lengths = "it came out " + std::to_string(outcome.Written) +
                                 " bytes long, and its size is " + std::to_string(outcome.Size);
     if (outcome.Written < outcome.Size) {
@@ -92,18 +149,18 @@ std::vector<std::string> DamageReasons(const ContentOutcome& outcome) {
 }
 
 ContentOutcome TakeContent(const CatalogueItem& entry, File& output) {
-    CountingFile counted(output);
-    Engine.BytesWritten = 0;
-    ContentOutcome outcome;
-    outcome.End = RunToItsEnd(entry, counted, outcome.Missing);
-    if (outcome.End != ContentEnd::WriteFailed && outcome.End != ContentEnd::MediumFailed &&
-        Engine.ScanRunFlag == 0) {
-        outcome.End = ContentEnd::Stopped;
-    }
-    outcome.WriteError = counted.Failure;
-    outcome.Size = entry.Size;
-    outcome.Written = counted.Written;
-    return outcome;
+    return TakeBy(
+        [&entry](File& counted, ContentOutcome& outcome) {
+            outcome.Size = entry.Size;
+            return ReadEntryContent(entry, counted, outcome.Missing);
+        },
+        output);
+}
+
+ContentOutcome TakeExactContent(const CatalogueItem& entry, File& output, std::u16string_view stream) {
+    return TakeBy(
+        [&](File& counted, ContentOutcome& outcome) { return WriteExact(entry, stream, counted, outcome); },
+        output);
 }
 
 } // namespace thntfs

@@ -37,6 +37,12 @@ bool MayHaveNumber(ConstBytes record, std::uint64_t number) {
            OwnRecordNumber(record) == static_cast<std::uint32_t>(number);
 }
 
+bool SequenceFits(ConstBytes record, std::uint16_t sequence) {
+    const std::uint16_t own = RecordSequence(record);
+    const auto next = static_cast<std::uint16_t>(sequence == UINT16_MAX ? 1 : sequence + 1);
+    return sequence == 0 || own == sequence || (!IsInUse(record) && own == next);
+}
+
 std::vector<std::uint8_t> ReadListValue(ConstBytes record, const Attribute& list, bool& whole) {
     if (list.NonResident() != 0) {
         return ReadListByRuns(record, list, whole);

@@ -20,6 +20,10 @@ inline constexpr std::uint64_t kReferenceNumber = 0xFFFFFFFFFFFF;
 /// False only for a record of the newer form that gives itself another number.
 [[nodiscard]] bool MayHaveNumber(ConstBytes record, std::uint64_t number);
 
+/// Whether a checked record is the one that a reference with this sequence number meant: where a file is
+/// deleted, its records count one up. A reference may leave the number open, as 0.
+[[nodiscard]] bool SequenceFits(ConstBytes record, std::uint16_t sequence);
+
 /// One entry of an attribute list: a piece of an attribute, and the record that holds it.
 struct ListedPiece {
     std::uint32_t Type = 0;

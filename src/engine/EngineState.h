@@ -62,8 +62,9 @@ struct EngineState {
     std::string ImageFolder;
 
     // Content of one file on its way out.
-    std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far
-    bool PreviewActive = false;     ///< the writers send no progress
+    std::uint64_t BytesWritten = 0;          ///< bytes of the current file put out so far
+    std::vector<std::uint8_t> ContentBuffer; ///< kept from file to file
+    bool PreviewActive = false;              ///< the writers send no progress
     std::vector<std::uint8_t> PreviewBuffer;
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
 

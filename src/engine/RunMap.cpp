@@ -132,6 +132,32 @@ const MapRun* RunMap::Find(std::uint64_t vcn) const {
     return run != nullptr && run->Vcn <= vcn ? run : nullptr;
 }
 
+const MapRun* RunMap::FindAllocated(std::uint64_t vcn) const {
+    const MapRun* run = FindFrom(vcn);
+    const MapRun* end = runs_.data() + runs_.size();
+    while (run != nullptr && run->Hole) {
+        run = run + 1 == end ? nullptr : run + 1;
+    }
+    return run;
+}
+
+void RunMap::CutToVolume(std::uint64_t clusters,
+                         const std::function<void(std::uint64_t, std::uint64_t)>& lost) {
+    std::uint64_t left = clusters;
+    for (MapRun& run : runs_) {
+        if (run.Hole) {
+            continue;
+        }
+        const std::uint64_t kept = std::min({run.Clusters, clusters - std::min(clusters, run.Lcn), left});
+        if (kept < run.Clusters) {
+            lost(run.Vcn + kept, run.Clusters - kept);
+        }
+        run.Clusters = kept;
+        left -= kept;
+    }
+    std::erase_if(runs_, [](const MapRun& run) { return run.Clusters == 0; });
+}
+
 std::uint64_t RunMap::AllocatedClusters() const {
     std::uint64_t clusters = 0;
     for (const MapRun& run : runs_) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace thntfs {
@@ -41,6 +42,13 @@ public:
     [[nodiscard]] const MapRun* Find(std::uint64_t vcn) const;
     /// The first run that ends behind a cluster: the one that holds it, or the next. Null behind the last.
     [[nodiscard]] const MapRun* FindFrom(std::uint64_t vcn) const;
+
+    /// The same, but holes are passed over.
+    [[nodiscard]] const MapRun* FindAllocated(std::uint64_t vcn) const;
+
+    /// Takes away what doesn't fit a volume of some clusters: parts of runs that lie behind its end, and all
+    /// that comes behind as many allocated clusters as it has. The parts are handed over by VCN and length.
+    void CutToVolume(std::uint64_t clusters, const std::function<void(std::uint64_t, std::uint64_t)>& lost);
 
     /// In order of their VCN, without overlaps.
     [[nodiscard]] const std::vector<MapRun>& Runs() const { return runs_; }

@@ -107,11 +107,12 @@ bool TableMapBuilder::IsReached(std::uint64_t number) const {
 
 // Always true: a piece that can't be had is given up.
 bool TableMapBuilder::TakePiece(const ListedPiece& piece) {
-    const std::uint64_t own = std::uint64_t{RecordSequence(record_)} << 48U;
     const bool inBase = NumberOf(piece.Reference) == 0;
     const bool read =
         inBase || ReadRecordByMap(map_.Runs, NumberOf(piece.Reference), extension_, [&](ConstBytes record) {
-            return BaseReference(record) == own && RecordSequence(record) == SequenceOf(piece.Reference);
+            const std::uint64_t base = BaseReference(record);
+            return NumberOf(base) == 0 && SequenceOf(base) != 0 && SequenceFits(record_, SequenceOf(base)) &&
+                   SequenceFits(record, SequenceOf(piece.Reference));
         });
     const ConstBytes record(inBase ? record_ : extension_);
     const auto data = read ? FindListed(record, piece) : std::nullopt;

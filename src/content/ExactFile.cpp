@@ -1,0 +1,253 @@
+#include "content/ExactFile.h"
+
+#include "content/RunStream.h"
+#include "engine/EngineState.h"
+#include "engine/FileRecord.h"
+#include "engine/RecordTable.h"
+#include "engine/SectorReader.h"
+
+#include <algorithm>
+
+namespace thntfs {
+
+namespace {
+
+constexpr std::uint32_t kTypeReparsePoint = 0xC0;
+constexpr std::uint8_t kNamespaceOfDos = 2;
+constexpr std::uint64_t kNameUnitsAt = 66; // in the value of a file name
+constexpr unsigned kMaxUnfit = 256;        // then a list leads to nothing but damage
+constexpr std::u16string_view kSystemStream = u"WofCompressedData";
+
+// Where clusters are smaller than records, a record may go on in another run of the table.
+bool ReadRecordOf(const CatalogueItem& item, Bytes record) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    if (volume.ClusterBytes < volume.FileRecordBytes) {
+        const std::vector<SectorRange> ranges = TableRecordRanges(item.RecordNumber);
+        if (ranges.size() > 1 && ranges.front().First == item.RecordSector) {
+            return ReadTableRecord(item.RecordNumber, record);
+        }
+    }
+    ReadSectorsCleared(record, item.RecordSector);
+    return CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) &&
+           MayHaveNumber(record, item.RecordNumber);
+}
+
+// Reads along the attributes of a record, up to its end mark.
+template <typename Visitor>
+void VisitAttributes(ConstBytes record, const Visitor& visit) {
+    for (AttributeWalk walk(record); walk.Valid() && walk.Current().Type() != kTypeEnd; walk.Next()) {
+        visit(walk.Current());
+    }
+}
+
+bool IsOf(ConstBytes record, const Attribute& attribute, std::uint32_t type, std::u16string_view name) {
+    return attribute.Type() == type && AttributeName(record, attribute) == name;
+}
+
+bool AddOnce(std::vector<std::u16string>& names, std::u16string name) {
+    if (std::find(names.begin(), names.end(), name) != names.end()) {
+        return false;
+    }
+    names.push_back(std::move(name));
+    return true;
+}
+
+} // namespace
+
+bool ExactFile::Open(const CatalogueItem& item) {
+    item_ = item;
+    list_.clear();
+    extensions_.clear();
+    hasList_ = false;
+    listWhole_ = true;
+    unfit_ = 0;
+    record_.resize(Engine.VolumeParams.FileRecordBytes);
+    if (!ReadRecordOf(item, record_)) {
+        return false;
+    }
+    ReadList();
+    return true;
+}
+
+void ExactFile::ReadList() {
+    VisitAttributes(record_, [this](const Attribute& attribute) {
+        if (attribute.Type() == kTypeAttributeList && !hasList_) {
+            hasList_ = true;
+            const std::vector<std::uint8_t> value = ReadListValue(record_, attribute, listWhole_);
+            list_ = ListedPieces(value, listWhole_);
+        }
+    });
+}
+
+// Empty where the record can't be had.
+ConstBytes ExactFile::RecordOf(std::uint64_t reference) {
+    if (static_cast<std::uint32_t>(NumberOf(reference)) == item_.RecordNumber) {
+        return record_;
+    }
+    const auto [place, isNew] = extensions_.try_emplace(reference);
+    if (isNew) {
+        LoadExtension(reference, place->second);
+    }
+    return place->second.Record;
+}
+
+void ExactFile::LoadExtension(std::uint64_t reference, Extension& extension) {
+    if (unfit_ < kMaxUnfit) {
+        extension.Record.resize(record_.size());
+        const auto fits = [&](ConstBytes record) {
+            const bool own = IsOwnExtension(record, reference);
+            extension.Foreign = !own;
+            return own;
+        };
+        if (ReadTableRecord(NumberOf(reference), extension.Record, fits)) {
+            return;
+        }
+    }
+    ++unfit_;
+    extension.Record.clear();
+}
+
+bool ExactFile::IsOwnExtension(ConstBytes record, std::uint64_t reference) const {
+    const std::uint64_t base = BaseReference(record);
+    return base != 0 && static_cast<std::uint32_t>(NumberOf(base)) == item_.RecordNumber &&
+           SequenceFits(record_, SequenceOf(base)) && SequenceFits(record, SequenceOf(reference));
+}
+
+AttributePieceList ExactFile::FindPieces(std::uint32_t type, std::u16string_view name, Doubts& doubts) {
+    AttributePieceList pieces;
+    if (hasList_) {
+        FindListedPieces(type, name, pieces, doubts);
+    }
+    if (!listWhole_) {
+        doubts.Add(Doubt::ListDamaged);
+    }
+    if (pieces.empty()) {
+        FindInOwnRecord(type, name, pieces);
+    }
+    return pieces;
+}
+
+void ExactFile::FindInOwnRecord(std::uint32_t type, std::u16string_view name,
+                                AttributePieceList& pieces) const {
+    VisitAttributes(record_, [&](const Attribute& attribute) {
+        if (IsOf(record_, attribute, type, name)) {
+            pieces.emplace_back(record_, attribute);
+        }
+    });
+}
+
+void ExactFile::FindListedPieces(std::uint32_t type, std::u16string_view name, AttributePieceList& pieces,
+                                 Doubts& doubts) {
+    for (const ListedPiece& listed : list_) {
+        if (listed.Type != type || listed.Name != name) {
+            continue;
+        }
+        const ConstBytes record = RecordOf(listed.Reference);
+        const auto attribute = FindListed(record, listed);
+        if (attribute) {
+            pieces.emplace_back(record, *attribute);
+        } else {
+            const auto extension = extensions_.find(listed.Reference);
+            const bool foreign = extension != extensions_.end() && extension->second.Foreign;
+            doubts.Add(foreign ? Doubt::PieceForeign : Doubt::PieceMissing);
+        }
+    }
+}
+
+std::optional<StreamLayout> ExactFile::LayoutOf(std::u16string_view name) {
+    Doubts doubts;
+    AttributePieceList pieces = FindPieces(kTypeData, name, doubts);
+    const bool missing = doubts.Has(Doubt::PieceForeign) || doubts.Has(Doubt::PieceMissing);
+    if (pieces.empty() && !missing) {
+        return std::nullopt;
+    }
+    StreamLayout layout;
+    if (!pieces.empty()) {
+        layout = MakeLayout(std::move(pieces), name.empty() ? item_.Size : 0, !missing);
+    } else {
+        layout.Size = name.empty() ? item_.Size : 0;
+        layout.ClusterBytes = Engine.VolumeParams.ClusterBytes;
+    }
+    layout.Doubtful.Add(doubts);
+    return layout;
+}
+
+std::unique_ptr<ExactStream> ExactFile::OpenStream(std::u16string_view name) {
+    std::optional<StreamLayout> layout = LayoutOf(name);
+    if (!layout) {
+        return nullptr;
+    }
+    if (layout->Resident) {
+        return std::make_unique<ResidentStream>(std::move(*layout));
+    }
+    if (layout->UnitClusters != 0) {
+        return std::make_unique<CompressedStream>(std::move(*layout));
+    }
+    return std::make_unique<RunStream>(std::move(*layout));
+}
+
+std::vector<std::u16string> ExactFile::StreamNames() const {
+    std::vector<std::u16string> names;
+    for (const ListedPiece& listed : list_) {
+        if (listed.Type == kTypeData) {
+            AddOnce(names, listed.Name);
+        }
+    }
+    VisitAttributes(record_, [&](const Attribute& attribute) {
+        if (attribute.Type() == kTypeData) {
+            AddOnce(names, AttributeName(record_, attribute));
+        }
+    });
+    std::stable_partition(names.begin(), names.end(), [](const auto& name) { return name.empty(); });
+    return names;
+}
+
+std::vector<ExactStreamInfo> ExactFile::Streams() {
+    std::vector<ExactStreamInfo> streams;
+    const bool systemCompressed = ReparseTag() == kReparseSystemCompressed;
+    for (const std::u16string& name : StreamNames()) {
+        const auto layout = systemCompressed && name == kSystemStream ? std::nullopt : LayoutOf(name);
+        if (layout) {
+            streams.push_back({name, layout->Size});
+        }
+    }
+    return streams;
+}
+
+std::vector<ExactName> ExactFile::Names() {
+    std::vector<ExactName> names;
+    Doubts doubts;
+    for (const auto& [record, attribute] : FindPieces(kTypeFileName, {}, doubts)) {
+        const ConstBytes value = attribute.Value();
+        if (value.size() > kNameUnitsAt && U8At(value, 65) != kNamespaceOfDos) {
+            names.push_back({U64At(value, 0), UnitsAt(value, kNameUnitsAt, U8At(value, 64))});
+        }
+    }
+    return names;
+}
+
+ExactTimes ExactFile::Times() const {
+    AttributePieceList found;
+    FindInOwnRecord(kTypeStandardInformation, {}, found);
+    if (found.empty()) {
+        return {};
+    }
+    const ConstBytes value = found.front().second.Value();
+    return {U64At(value, 0), U64At(value, 8), U64At(value, 16), U64At(value, 24)};
+}
+
+std::uint32_t ExactFile::AttributeBits() const {
+    AttributePieceList found;
+    FindInOwnRecord(kTypeStandardInformation, {}, found);
+    return found.empty() ? 0 : U32At(found.front().second.Value(), 32);
+}
+
+std::uint32_t ExactFile::ReparseTag() {
+    Doubts doubts;
+    const AttributePieceList found = FindPieces(kTypeReparsePoint, {}, doubts);
+    return found.empty() ? 0 : U32At(found.front().second.Value(), 0);
+}
+
+bool ExactFile::IsFolder() const { return IsDirectory(record_); }
+
+} // namespace thntfs
