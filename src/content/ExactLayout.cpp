@@ -23,12 +23,20 @@ std::uint64_t ClustersFor(std::uint64_t bytes, std::uint32_t clusterBytes) {
     return bytes / clusterBytes + (bytes % clusterBytes != 0 ? 1 : 0);
 }
 
+// Sectors of the volume that lie in front of the medium's first, where the medium was cut at the front.
+std::uint64_t SectorsInFront() {
+    const std::uint64_t start = Engine.VolumeParams.StartSector;
+    return start > INT64_MAX ? 0 - start : 0;
+}
+
 // Bytes from the volume's start on that may hold its clusters. A size that no boot sector states is a guess.
 std::uint64_t BytesForClusters() {
     const VolumeParams& volume = Engine.VolumeParams;
     const std::uint64_t sectorBytes = Engine.SourceDisk.BytesPerSector;
     const std::uint64_t mediumSectors = MediumBytes() / std::max<std::uint64_t>(sectorBytes, 1);
-    const std::uint64_t sectors = mediumSectors - std::min(mediumSectors, volume.StartSector);
+    const std::uint64_t front = SectorsInFront();
+    const std::uint64_t sectors =
+        front != 0 ? mediumSectors + front : mediumSectors - std::min(mediumSectors, volume.StartSector);
     const bool stated = volume.VolumeSerial != 0 && volume.TotalSectors != 0;
     return (stated ? std::min(sectors, volume.TotalSectors) : sectors) * sectorBytes;
 }
@@ -133,7 +141,9 @@ void LayoutMaker::TakeUnit() {
 void LayoutMaker::CutRuns() {
     const std::uint64_t volume = ClustersFor(BytesForClusters(), layout_.ClusterBytes);
     const std::uint64_t wanted = ClustersFor(layout_.Initialised, layout_.ClusterBytes);
-    layout_.Runs.CutToVolume(volume, [&](std::uint64_t vcn, std::uint64_t clusters) {
+    const std::uint64_t first =
+        ClustersFor(SectorsInFront() * Engine.SourceDisk.BytesPerSector, layout_.ClusterBytes);
+    layout_.Runs.CutToVolume(first, volume, [&](std::uint64_t vcn, std::uint64_t clusters) {
         if (vcn < wanted) {
             const std::uint64_t end = std::min(wanted, vcn + clusters) * layout_.ClusterBytes;
             layout_.BytesBehindEnd += std::min(end, layout_.Initialised) - vcn * layout_.ClusterBytes;
@@ -141,7 +151,8 @@ void LayoutMaker::CutRuns() {
     });
 }
 
-// Each cluster in front of the end must have a run; that a piece is missing has been told of before.
+// Each cluster in front of the end must have a run; that a piece is missing has been told of before. The last
+// unit of compressed data may lack the hole that closes it.
 void LayoutMaker::CheckRuns() {
     std::uint64_t told = 0;
     for (const MapRun& run : layout_.Runs.Runs()) {
@@ -150,6 +161,8 @@ void LayoutMaker::CheckRuns() {
         }
         told = run.End();
     }
+    const std::uint64_t unit = std::max(1U, layout_.UnitClusters);
+    told += (unit - told % unit) % unit;
     if (whole_ && layout_.BytesBehindEnd == 0 &&
         told < ClustersFor(layout_.Initialised, layout_.ClusterBytes)) {
         AddDoubt(Doubt::RunsMissing);

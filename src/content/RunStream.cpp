@@ -176,7 +176,11 @@ void CompressedStream::LoadUnit(std::uint64_t unit, std::uint64_t clusters, Miss
         const std::uint64_t used = std::max(result.Consumed, part.Offset) - part.Offset;
         missing.AddMissingOf(part.Outcome, part.Sector, std::min(used, part.Bytes));
     }
-    if (!result.Sound) {
+    // A driver ends a unit early where nothing but zeros follows. It keeps no cluster then that it doesn't
+    // need, and none at all for zeros alone.
+    const bool early = result.Ended && (result.Consumed <= sizeof(std::uint16_t) ||
+                                        stored_.size() - result.Consumed >= layout_.ClusterBytes);
+    if (!result.Sound || early) {
         doubts_.Add(Doubt::DataDamaged);
     }
 }

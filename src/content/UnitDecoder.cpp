@@ -108,12 +108,12 @@ bool PutDecoded(std::uint16_t header, ConstBytes data, Bytes place) {
 } // namespace
 
 UnitResult DecompressUnit(ConstBytes source, Bytes target) {
-    UnitResult result{.Consumed = 0, .Sound = true};
+    UnitResult result{.Consumed = 0, .Sound = true, .Ended = false};
     while (!target.empty()) {
         const std::uint16_t header = U16At(source, result.Consumed);
         if (header == 0) {
             std::fill(target.begin(), target.end(), std::uint8_t{0});
-            result.Sound = false;
+            result.Ended = true;
             result.Consumed = std::min(result.Consumed + 2, source.size());
             break;
         }

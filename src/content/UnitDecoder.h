@@ -9,7 +9,8 @@ namespace thntfs {
 /// What became of a compressed unit.
 struct UnitResult {
     std::size_t Consumed = 0; ///< bytes of the source that were looked at
-    bool Sound = false;       ///< each chunk was one, and they gave all of the target
+    bool Sound = false;       ///< each chunk was one
+    bool Ended = false;       ///< a header of 0 stood in front of the target's end
 };
 
 /// Decompresses the chunks of a unit (LZNT1, published as [MS-XCA]) into a target, which they should fill. A

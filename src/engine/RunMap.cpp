@@ -141,14 +141,19 @@ const MapRun* RunMap::FindAllocated(std::uint64_t vcn) const {
     return run;
 }
 
-void RunMap::CutToVolume(std::uint64_t clusters,
+void RunMap::CutToVolume(std::uint64_t first, std::uint64_t end,
                          const std::function<void(std::uint64_t, std::uint64_t)>& lost) {
-    std::uint64_t left = clusters;
+    std::uint64_t left = end;
     for (MapRun& run : runs_) {
         if (run.Hole) {
             continue;
         }
-        const std::uint64_t kept = std::min({run.Clusters, clusters - std::min(clusters, run.Lcn), left});
+        if (const std::uint64_t before = std::min(run.Clusters, first - std::min(first, run.Lcn));
+            before != 0) {
+            lost(run.Vcn, before);
+            run = {run.Vcn + before, run.Clusters - before, run.Lcn + before, false};
+        }
+        const std::uint64_t kept = std::min({run.Clusters, end - std::min(end, run.Lcn), left});
         if (kept < run.Clusters) {
             lost(run.Vcn + kept, run.Clusters - kept);
         }

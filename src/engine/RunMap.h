@@ -46,9 +46,11 @@ public:
     /// The same, but holes are passed over.
     [[nodiscard]] const MapRun* FindAllocated(std::uint64_t vcn) const;
 
-    /// Takes away what doesn't fit a volume of some clusters: parts of runs that lie behind its end, and all
-    /// that comes behind as many allocated clusters as it has. The parts are handed over by VCN and length.
-    void CutToVolume(std::uint64_t clusters, const std::function<void(std::uint64_t, std::uint64_t)>& lost);
+    /// Takes away what doesn't fit a volume whose clusters from `first` up to `end` can be had: parts of runs
+    /// that lie outside, and all that comes behind as many allocated clusters as it has. The parts are handed
+    /// over by VCN and length.
+    void CutToVolume(std::uint64_t first, std::uint64_t end,
+                     const std::function<void(std::uint64_t, std::uint64_t)>& lost);
 
     /// In order of their VCN, without overlaps.
     [[nodiscard]] const std::vector<MapRun>& Runs() const { return runs_; }
