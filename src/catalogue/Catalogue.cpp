@@ -1,6 +1,7 @@
 #include "catalogue/Catalogue.h"
 
 #include "catalogue/ChainWords.h"
+#include "catalogue/Conditions.h"
 #include "engine/FileWrites.h"
 #include "engine/SectorReader.h"
 #include "platform/files/File.h"
@@ -200,6 +201,7 @@ void FlushFiles() {
 
 int CreateCatalogue() {
     CloseFiles();
+    ClearConditions();
     Engine.CatalogueVolume = 0;
     try {
         Engine.Folders = std::make_shared<FolderTree>();

@@ -52,6 +52,7 @@ struct EngineState {
     std::uint32_t TreeEnd = 0;           ///< byte offset of the block begun last
     std::shared_ptr<FolderTree> Folders; ///< holds FolderRoot
     std::shared_ptr<ChainWords> Chains;  ///< in a large catalogue, words of TreeFile yet to be written
+    std::vector<std::uint8_t> Conditions; ///< of its entries, by EntryId, as far as any were put down
 
     // Equal while the three files hold the volume in work, or are about to.
     std::uint64_t VolumeInWork = 1;    ///< another number with each medium and each volume taken into use
