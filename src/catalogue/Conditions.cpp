@@ -31,7 +31,8 @@ std::uint8_t ConditionByte(std::uint64_t good, std::uint64_t total) {
     if (good == 0) {
         return kOverwritten;
     }
-    const auto share = static_cast<std::uint64_t>(static_cast<double>(good) / static_cast<double>(total) * 100);
+    const auto share =
+        static_cast<std::uint64_t>(static_cast<double>(good) / static_cast<double>(total) * 100);
     return static_cast<std::uint8_t>(std::clamp<std::uint64_t>(share, 1, 99));
 }
 
@@ -50,8 +51,7 @@ Condition ConditionOf(std::uint32_t entryId, bool folder, bool live) {
     if (folder) {
         return {};
     }
-    const std::uint8_t byte =
-        entryId < Engine.Conditions.size() ? Engine.Conditions[entryId] : kNotJudged;
+    const std::uint8_t byte = entryId < Engine.Conditions.size() ? Engine.Conditions[entryId] : kNotJudged;
     return ConditionOfByte(live && byte == kNotJudged ? kWhole : byte);
 }
 
@@ -80,7 +80,8 @@ std::string ConditionText(Condition condition, bool live) {
         return {};
     }
     const std::string word = ConditionWord(condition.Kind);
-    return condition.Kind == ConditionKind::Partly ? word + " " + std::to_string(condition.Share) + " %" : word;
+    return condition.Kind == ConditionKind::Partly ? word + " " + std::to_string(condition.Share) + " %"
+                                                   : word;
 }
 
 bool ConditionWanted(ConditionSet wanted, const CatalogueItem& item) {

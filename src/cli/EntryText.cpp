@@ -1,5 +1,6 @@
 #include "cli/EntryText.h"
 
+#include "catalogue/Conditions.h"
 #include "cli/Output.h"
 #include "platform/system/Dates.h"
 #include "platform/system/Text.h"
@@ -13,6 +14,7 @@ namespace {
 
 constexpr std::size_t kSizeColumns = 14;
 constexpr std::size_t kDateColumns = 10;
+constexpr std::size_t kConditionColumns = 11; // "overwritten"
 
 void AppendPadded(std::string& out, const std::string& text, std::size_t columns) {
     out.append(columns - std::min(columns, text.size()), ' ');
@@ -32,6 +34,24 @@ void AppendTextField(std::string& out, std::string_view start, std::string_view 
     out += '"';
 }
 
+void AppendConditionFields(std::string& out, Condition condition) {
+    if (condition.Kind == ConditionKind::None) {
+        out += R"(,"condition":null)";
+        return;
+    }
+    ((out += R"(,"condition":")") += ConditionWord(condition.Kind)) += '"';
+    if (condition.Kind == ConditionKind::Partly) {
+        AppendNumberField(out, R"(,"share":)", condition.Share);
+    }
+}
+
+// Nothing is said of a live file that is whole.
+void AppendConditionColumn(std::string& out, const CatalogueItem& item) {
+    const std::string text = ConditionText(ConditionOf(item), item.IsLive());
+    out += text;
+    out.append(kConditionColumns - std::min(kConditionColumns, text.size()), ' ');
+}
+
 void AppendDateField(std::string& out, std::string_view start, std::uint16_t dosDate) {
     if (const std::string date = IsoDate(dosDate); date.empty()) {
         (out += start) += "null";
@@ -47,6 +67,8 @@ void AppendEntryLine(std::string& out, const CatalogueItem& item, const std::str
     AppendPadded(out, item.IsFolder() ? "-" : std::to_string(item.Size), kSizeColumns);
     out += "  ";
     AppendPadded(out, IsoDate(item.CreatedDate), kDateColumns);
+    out += "  ";
+    AppendConditionColumn(out, item);
     out += "  ";
     AppendPrintable(out, path);
     out += item.IsFolder() ? "/\n" : "\n";
@@ -66,6 +88,7 @@ void AppendEntryJson(std::string& out, const CatalogueItem& item, const std::str
     AppendNumberField(out, R"(,"flags":)", item.Flags);
     AppendDateField(out, R"(,"created":)", item.CreatedDate);
     AppendDateField(out, R"(,"accessed":)", item.AccessedDate);
+    AppendConditionFields(out, ConditionOf(item));
     out += "}\n";
 }
 

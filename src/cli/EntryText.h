@@ -6,7 +6,7 @@
 
 namespace thntfs {
 
-/// Appends an entry's line for people: "D" for deleted, size, date created, path.
+/// Appends an entry's line for people: "D" for deleted, size, date created, condition, path.
 void AppendEntryLine(std::string& out, const CatalogueItem& item, const std::string& path);
 
 /// Appends an entry as one JSON object and a line end.

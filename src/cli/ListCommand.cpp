@@ -1,3 +1,4 @@
+#include "catalogue/Conditions.h"
 #include "catalogue/EntryWalk.h"
 #include "catalogue/FindEntry.h"
 #include "cli/Commands.h"
@@ -43,7 +44,7 @@ private:
     }
 
     void Print(const CatalogueItem& item, const std::string& path) {
-        if (options_.Deleted && item.IsLive()) {
+        if ((options_.Deleted && item.IsLive()) || !ConditionWanted(options_.Conditions, item)) {
             return;
         }
         if (options_.Json) {

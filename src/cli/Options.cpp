@@ -127,6 +127,36 @@ void AddPartition(CLI::App& command, Options& options) {
     AddReach(command, options);
 }
 
+// Words with commas between them.
+std::string ReadConditions(const std::string& text, Options& options) {
+    static const std::map<std::string, ConditionKind> kKinds = {{"whole", ConditionKind::Whole},
+                                                                {"partly", ConditionKind::Partly},
+                                                                {"overwritten", ConditionKind::Overwritten},
+                                                                {"unknown", ConditionKind::Unknown}};
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t comma = std::min(text.find(',', at), text.size());
+        const auto kind = kKinds.find(text.substr(at, comma - at));
+        if (kind == kKinds.end()) {
+            return "'" + text.substr(at, comma - at) +
+                   "' is no condition; there are whole, partly, overwritten and unknown";
+        }
+        options.Conditions |= SetOf(kind->second);
+        at = comma + 1;
+    }
+    return {};
+}
+
+void AddCondition(CLI::App& command, Options& options) {
+    command
+        .add_option_function<std::string>(
+            "--condition", [](const std::string&) {},
+            "Files in this condition only: a deleted file is whole, partly there, overwritten or unknown. "
+            "Several with commas between them")
+        ->type_name("WORD")
+        ->check(CLI::Validator([&options](const std::string& text) { return ReadConditions(text, options); },
+                               ""));
+}
+
 void AddPartitions(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand(
         "partitions", "List the NTFS volumes of the partition table, or search for lost ones");
@@ -154,6 +184,7 @@ void AddList(CLI::App& app, Options& options) {
     AddPartition(*command, options);
     command->add_flag("-r,--recursive", options.Recursive, "List all that is below, too");
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    AddCondition(*command, options);
     command->callback([&options] { options.Chosen = Command::List; });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "catalogue/Conditions.h"
 #include "partitions/PartitionSearch.h"
 
 #include <cstdint>
@@ -31,6 +32,7 @@ struct Options {
     bool Files = false;                ///< scan: files in the tree too
     bool Recursive = false;            ///< list
     bool Deleted = false;              ///< list, save: deleted entries alone
+    ConditionSet Conditions = 0;       ///< list, save: files in these conditions alone
     bool Streams = false;              ///< save: named streams too
     std::optional<std::string> Report; ///< save: file that gets a line of JSON a file
     std::string Target;                ///< save: the folder to save to; image, clone: where the copy goes

@@ -48,10 +48,10 @@ struct EngineState {
     std::unique_ptr<PagedFile> TreeFile;
     std::unique_ptr<PagedFile> EntryFile;
     std::unique_ptr<PagedFile> NameFile;
-    std::uint32_t NamesEnd = 0;          ///< next free byte of NameFile
-    std::uint32_t TreeEnd = 0;           ///< byte offset of the block begun last
-    std::shared_ptr<FolderTree> Folders; ///< holds FolderRoot
-    std::shared_ptr<ChainWords> Chains;  ///< in a large catalogue, words of TreeFile yet to be written
+    std::uint32_t NamesEnd = 0;           ///< next free byte of NameFile
+    std::uint32_t TreeEnd = 0;            ///< byte offset of the block begun last
+    std::shared_ptr<FolderTree> Folders;  ///< holds FolderRoot
+    std::shared_ptr<ChainWords> Chains;   ///< in a large catalogue, words of TreeFile yet to be written
     std::vector<std::uint8_t> Conditions; ///< of its entries, by EntryId, as far as any were put down
 
     // Equal while the three files hold the volume in work, or are about to.

@@ -1,6 +1,6 @@
 #include "engine/RunMap.h"
 
-#include "engine/LittleEndian.h"
+#include "engine/RunListCursor.h"
 
 #include <algorithm>
 
@@ -8,72 +8,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::size_t kMaxRunField = 8;
 constexpr std::size_t kMaxRuns = 2U << 20U; // more than an attribute list of the largest size leads to
-
-std::uint64_t RunLength(ConstBytes field) {
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < field.size(); ++i) {
-        value |= std::uint64_t{field[i]} << (8 * i);
-    }
-    return value;
-}
-
-// A number with a sign, of any width.
-std::uint64_t RunDelta(ConstBytes field) {
-    const std::uint64_t value = RunLength(field);
-    const bool negative = field.size() < kMaxRunField && (field.back() & 0x80U) != 0;
-    return negative ? value | ~std::uint64_t{0} << (8 * field.size()) : value;
-}
-
-bool FitsVolume(std::uint64_t lcn, std::uint64_t clusters) {
-    return lcn < kLcnLimit && clusters <= kLcnLimit - lcn;
-}
-
-/// Decodes one run list, run by run.
-class RunListCursor {
-public:
-    RunListCursor(ConstBytes bytes, std::uint64_t firstVcn, std::uint64_t endVcn)
-        : bytes_(bytes)
-        , vcn_(firstVcn)
-        , endVcn_(std::min(endVcn, kVcnLimit)) {}
-
-    /// False at the end, and where the list is malformed.
-    bool Next(MapRun& run) {
-        const std::uint8_t header = U8At(bytes_, at_);
-        const std::size_t lengthBytes = header & 0x0FU;
-        const std::size_t deltaBytes = header >> 4U;
-        const ConstBytes length = Part(bytes_, at_ + 1, lengthBytes);
-        const ConstBytes delta = Part(bytes_, at_ + 1 + lengthBytes, deltaBytes);
-        if (header == 0 || lengthBytes > kMaxRunField || deltaBytes > kMaxRunField ||
-            length.size() < lengthBytes || delta.size() < deltaBytes) {
-            sound_ = header == 0 && at_ < bytes_.size();
-            return false;
-        }
-        at_ += 1 + lengthBytes + deltaBytes;
-        const std::uint64_t clusters = RunLength(length);
-        const std::uint64_t lcn = deltaBytes == 0 ? lcn_ : lcn_ + RunDelta(delta);
-        if (clusters == 0 || vcn_ > endVcn_ || clusters > endVcn_ - vcn_ ||
-            (deltaBytes != 0 && !FitsVolume(lcn, clusters))) {
-            return false;
-        }
-        run = {vcn_, clusters, deltaBytes == 0 ? 0 : lcn, deltaBytes == 0};
-        vcn_ += clusters;
-        lcn_ = lcn;
-        return true;
-    }
-
-    /// Asked behind the last run.
-    [[nodiscard]] bool Sound() const { return sound_; }
-
-private:
-    ConstBytes bytes_;
-    std::size_t at_ = 0;
-    std::uint64_t vcn_;
-    std::uint64_t endVcn_;
-    std::uint64_t lcn_ = 0;
-    bool sound_ = false;
-};
 
 bool GoesOn(const MapRun& run, const MapRun& next) {
     return run.End() == next.Vcn && run.Hole == next.Hole && (run.Hole || run.Lcn + run.Clusters == next.Lcn);

@@ -24,6 +24,10 @@ inline constexpr std::uint64_t kVcnLimit = std::uint64_t{1} << 54U;
 /// Nor one of a volume as this: with the largest clusters a byte's place takes 63 bits.
 inline constexpr std::uint64_t kLcnLimit = std::uint64_t{1} << 42U;
 
+[[nodiscard]] inline bool FitsVolume(std::uint64_t lcn, std::uint64_t clusters) {
+    return lcn < kLcnLimit && clusters <= kLcnLimit - lcn;
+}
+
 /// Where the clusters of an attribute lie, by VCN. Its pieces come from one or more records, in any order;
 /// what no piece tells of has no run.
 class RunMap {

@@ -5,6 +5,7 @@
 #include "engine/FileRecord.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
+#include "scans/ConditionAccount.h"
 #include "scans/RecordCataloguing.h"
 #include "scans/TableLosses.h"
 
@@ -24,6 +25,7 @@ constexpr std::size_t kChainAhead = 4;
 
 struct DecodedRecord {
     DecodedEntry Entry;
+    thntfs::Claim Claim;
     bool Directory = false;
 };
 
@@ -35,6 +37,7 @@ public:
         , decoded_(batchRecords_) {}
 
     void Run();
+    void JudgeFiles() { conditions_.Judge(); }
     [[nodiscard]] bool Stopped() const { return stopped_ || Engine.Lists.Stopped; }
     [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
 
@@ -56,6 +59,7 @@ private:
     std::uint32_t recordIndex_ = 0;  ///< record slots passed, valid or not
     std::uint32_t nextEntryId_ = kFirstEntryId;
     TableLosses losses_;
+    ConditionAccount conditions_;
     bool stopped_ = false;
 };
 
@@ -137,10 +141,11 @@ void TableWalk::DecodeSlot(Bytes record) {
         return;
     }
     losses_.Accept();
+    DecodedRecord& decoded = decoded_[decodedCount_];
+    decoded.Claim = conditions_.Take(record, recordSector_);
     if (BaseReference(record) != 0) {
         return;
     }
-    DecodedRecord& decoded = decoded_[decodedCount_];
     DecodedEntry& entry = decoded.Entry;
     entry.Clear();
     const bool kept = DecodeFileRecord(record, entry);
@@ -168,6 +173,7 @@ void TableWalk::CatalogueBatch() {
             PrefetchChain(decoded_[i + kChainAhead].Entry.ParentNumber);
         }
         CatalogueRecord(decoded_[i].Entry, decoded_[i].Directory, nextEntryId_);
+        conditions_.Enter(decoded_[i].Claim, decoded_[i].Entry.EntryId);
     }
     decodedCount_ = 0;
 }
@@ -183,6 +189,7 @@ int BasicScan() try {
     TableWalk walk;
     UpToFatalError([&walk] { walk.Run(); });
     UpToFatalError([&walk] { FinishCatalogue(walk.NextEntryId()); });
+    UpToFatalError([&walk] { walk.JudgeFiles(); });
     return walk.Stopped() ? 0 : 1;
 } catch (const std::bad_alloc&) {
     return 0; // records of an absurd size

@@ -5,6 +5,7 @@
 #include "engine/FileRecord.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
+#include "scans/ConditionAccount.h"
 #include "scans/RecordCataloguing.h"
 
 #include <algorithm>
@@ -38,6 +39,7 @@ public:
     VolumeWalk();
 
     void Run();
+    void JudgeFiles() { conditions_.Judge(); }
     [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
 
 private:
@@ -57,6 +59,7 @@ private:
     std::uint64_t recordSector_;
     std::uint32_t runningNumber_ = 1; ///< guess at the record number of the position in hand
     std::uint32_t nextEntryId_ = kFirstEntryId;
+    ConditionAccount conditions_;
 };
 
 VolumeWalk::VolumeWalk()
@@ -138,8 +141,12 @@ void VolumeWalk::ProcessSpan(Bytes span) {
 
 void VolumeWalk::ProcessRecord(Bytes record) {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (U32At(record, 0) != kFileMagic || BaseReference(record) != 0 ||
+    if (U32At(record, 0) != kFileMagic ||
         !CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector)) {
+        return;
+    }
+    const Claim claim = conditions_.Take(record, recordSector_);
+    if (BaseReference(record) != 0) {
         return;
     }
     DecodedEntry entry;
@@ -149,6 +156,7 @@ void VolumeWalk::ProcessRecord(Bytes record) {
     entry.RecordNumber = NumberOfRecord(record, entry.RecordNumber);
     entry.RecordSector = recordSector_;
     CatalogueRecord(entry, IsDirectory(record), nextEntryId_);
+    conditions_.Enter(claim, entry.EntryId);
 }
 
 std::uint32_t VolumeWalk::NumberOfRecord(ConstBytes record, std::uint32_t decodedNumber) {
@@ -178,6 +186,7 @@ std::uint32_t TurboScan() try {
     if (volume.FileRecordBytes != 0 && volume.SectorsPerFileRecord != 0 && volume.BytesPerSector != 0) {
         VolumeWalk walk;
         UpToFatalError([&walk] { walk.Run(); });
+        UpToFatalError([&walk] { walk.JudgeFiles(); });
         nextEntryId = walk.NextEntryId();
     }
     UpToFatalError([nextEntryId] { FinishCatalogue(nextEntryId); });

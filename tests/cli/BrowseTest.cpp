@@ -53,9 +53,9 @@ TEST_F(BrowseTest, ListGivesFoldersAndWhatIsBelow) {
     EXPECT_EQ(PathsOf({"list", "#1234"}), (Paths{"#1234/lost.txt"}));
     EXPECT_EQ(PathsOf({"list", "/"}).size() + 1, PathsOf({"list"}).size())
         << "the lost folder stands at the top";
-    EXPECT_EQ(Run({"list", "/Letters"}).Out, "              12  2024-02-29  /Letters/one.txt\n"
-                                             "D              -  2024-02-29  /Letters/Old/\n"
-                                             "D             16  2024-02-29  /Letters/one.txt\n");
+    EXPECT_EQ(Run({"list", "/Letters"}).Out, "              12  2024-02-29               /Letters/one.txt\n"
+                                             "D              -  2024-02-29               /Letters/Old/\n"
+                                             "D             16  2024-02-29  whole        /Letters/one.txt\n");
 }
 
 TEST_F(BrowseTest, CatTakesTheLiveOneOfSeveral) {
@@ -130,7 +130,7 @@ TEST_F(BrowseTest, JsonIsThatOfTheContract) {
     EXPECT_EQ(entries[41], // flags: live, archive
               Json::parse(R"({"id":3,"path":"/Letters/one.txt","name":"one.txt","folder":false,"live":true,
                               "size":12,"record":41,"parent":40,"recordSector":242,"flags":40,
-                              "created":"2024-02-29","accessed":"2024-03-01"})"));
+                              "created":"2024-02-29","accessed":"2024-03-01","condition":"whole"})"));
     EXPECT_EQ(entries[46]["name"], "bell\a\x1b[31m\nred\x7f.txt");
     EXPECT_EQ(entries[50]["created"], nullptr);
     EXPECT_EQ(entries[50]["accessed"], nullptr);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/system/Bytes.h"
+#include "scans/ClusterSet.h"
+#include "scans/DeletedFiles.h"
+#include "scans/PresentTable.h"
+
+#include <cstdint>
+
+namespace thntfs {
+
+/// Keeps account, while a scan walks, of the clusters that its records claim, and judges at the end what is
+/// still there of each file (catalogue/Conditions.h).
+class ConditionAccount {
+public:
+    ConditionAccount();
+
+    /// Each record that passes its check goes through here, extension records and those that aren't
+    /// catalogued too, with the absolute sector in which it begins. One that comes twice changes nothing.
+    Claim Take(ConstBytes record, std::uint64_t sector);
+
+    /// The record that gave a claim has been catalogued.
+    void Enter(const Claim& claim, std::uint32_t entryId);
+
+    /// All records have been taken. Passes CUserException on; what could not be judged then is unknown.
+    void Judge() { deleted_.Judge(live_); }
+
+private:
+    Claim TakeLive(ConstBytes record);
+    std::uint64_t ClaimRuns(ConstBytes record, const Attribute& attribute);
+
+    ClaimSpace space_;
+    PresentTable table_;
+    ClusterSet live_;
+    DeletedFiles deleted_;
+};
+
+} // namespace thntfs
