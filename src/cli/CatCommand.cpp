@@ -92,10 +92,12 @@ int TellOutcome(const ContentOutcome& outcome, const std::string& what, const Se
     return outcome.Whole() ? kExitDone : kExitDoneInPart;
 }
 
-int WriteWanted(const CatalogueItem& item, const std::string& what, Session& session) {
+int WriteWanted(const CatalogueItem& item, const Options& options, Session& session) {
+    const std::string what = WantedText(options);
     Output output;
     session.Host.Bar.Begin("Reading", ProgressBar::Unit::Byte);
-    const ContentOutcome outcome = TakeContent(item, output.Handle());
+    const ContentOutcome outcome = options.AsStored ? TakeContent(item, output.Handle())
+                                                    : TakeExactContent(item, output.Handle());
     session.Host.Bar.End();
     const int code = TellOutcome(outcome, what, session);
     if (const ErrorCode error = output.Handle().Sync(); error != kErrorNone && code != kExitFailed) {
@@ -114,7 +116,7 @@ int RunCat(const Options& options) {
     }
     try {
         const Wanted wanted = FindWanted(options);
-        return wanted ? WriteWanted(*wanted, WantedText(options), session) : int{kExitFailed};
+        return wanted ? WriteWanted(*wanted, options, session) : int{kExitFailed};
     } catch (const CUserException&) {
         return session.Host.ReaderGone() ? kExitDone : kExitFailed;
     }

@@ -1,6 +1,7 @@
 #include "content/ExactFile.h"
 
 #include "content/RunStream.h"
+#include "content/SystemStream.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
 #include "engine/RecordTable.h"
@@ -16,7 +17,17 @@ constexpr std::uint32_t kTypeReparsePoint = 0xC0;
 constexpr std::uint8_t kNamespaceOfDos = 2;
 constexpr std::uint64_t kNameUnitsAt = 66; // in the value of a file name
 constexpr unsigned kMaxUnfit = 256;        // then a list leads to nothing but damage
+
+// A reparse point of a file that the system has compressed: who has done so, and how.
 constexpr std::u16string_view kSystemStream = u"WofCompressedData";
+constexpr std::uint64_t kProviderAt = 12;
+constexpr std::uint64_t kFormatAt = 20;
+constexpr std::uint32_t kProviderFile = 2; // another keeps the data in an archive elsewhere
+constexpr auto kLastFormat = static_cast<std::uint32_t>(SystemFormat::Xpress16K);
+
+constexpr std::uint32_t kReparseDeduplicated = 0x80000013;
+constexpr std::uint32_t kReparseCloud = 0x9000001A;
+constexpr std::uint32_t kReparseCloudMask = 0xFFFF0FFF;
 
 // Where clusters are smaller than records, a record may go on in another run of the table.
 bool ReadRecordOf(const CatalogueItem& item, Bytes record) {
@@ -42,6 +53,16 @@ void VisitAttributes(ConstBytes record, const Visitor& visit) {
 
 bool IsOf(ConstBytes record, const Attribute& attribute, std::uint32_t type, std::u16string_view name) {
     return attribute.Type() == type && AttributeName(record, attribute) == name;
+}
+
+std::unique_ptr<ExactStream> StreamOf(StreamLayout layout) {
+    if (layout.Resident) {
+        return std::make_unique<ResidentStream>(std::move(layout));
+    }
+    if (layout.UnitClusters != 0) {
+        return std::make_unique<CompressedStream>(std::move(layout));
+    }
+    return std::make_unique<RunStream>(std::move(layout));
 }
 
 bool AddOnce(std::vector<std::u16string>& names, std::u16string name) {
@@ -177,13 +198,44 @@ std::unique_ptr<ExactStream> ExactFile::OpenStream(std::u16string_view name) {
     if (!layout) {
         return nullptr;
     }
-    if (layout->Resident) {
-        return std::make_unique<ResidentStream>(std::move(*layout));
+    if (name.empty() && ReparseTag() != 0) {
+        if (std::unique_ptr<ExactStream> plain = OpenSystemCompressed(layout->Size)) {
+            return plain;
+        }
+        DoubtPointer(*layout);
     }
-    if (layout->UnitClusters != 0) {
-        return std::make_unique<CompressedStream>(std::move(*layout));
+    return StreamOf(std::move(*layout));
+}
+
+// Null where the system hasn't compressed the file, or in a way that can't be read.
+std::unique_ptr<ExactStream> ExactFile::OpenSystemCompressed(std::uint64_t size) {
+    const ConstBytes point = ReparsePoint();
+    const std::uint32_t number = U32At(point, kFormatAt);
+    if (!CanReadSystemFormats() || U32At(point, 0) != kReparseSystemCompressed ||
+        U32At(point, kProviderAt) != kProviderFile || point.size() < kFormatAt + 4 || number > kLastFormat) {
+        return nullptr;
     }
-    return std::make_unique<RunStream>(std::move(*layout));
+    const auto format = static_cast<SystemFormat>(number);
+    std::optional<StreamLayout> stored = LayoutOf(kSystemStream);
+    std::unique_ptr<ExactStream> stream = stored ? StreamOf(std::move(*stored)) : nullptr;
+    if (stream == nullptr || !SystemStream::Fits(size, format, *stream)) {
+        return nullptr;
+    }
+    return std::make_unique<SystemStream>(size, format, std::move(stream));
+}
+
+// What a reparse point stands for isn't in the file's own data.
+void ExactFile::DoubtPointer(StreamLayout& layout) {
+    const ConstBytes point = ReparsePoint();
+    const std::uint32_t tag = ReparseTag();
+    const bool holes =
+        !layout.Resident && layout.Runs.AllocatedClusters() * layout.ClusterBytes < layout.Size;
+    if (tag == kReparseSystemCompressed && U32At(point, kProviderAt) == kProviderFile) {
+        layout.Doubtful.Add(CanReadSystemFormats() ? Doubt::DataDamaged : Doubt::SystemCompressed);
+    } else if (tag == kReparseSystemCompressed || tag == kReparseDeduplicated ||
+               ((tag & kReparseCloudMask) == kReparseCloud && holes)) {
+        layout.Doubtful.Add(Doubt::Elsewhere);
+    }
 }
 
 std::vector<std::u16string> ExactFile::StreamNames() const {
@@ -242,11 +294,14 @@ std::uint32_t ExactFile::AttributeBits() const {
     return found.empty() ? 0 : U32At(found.front().second.Value(), 32);
 }
 
-std::uint32_t ExactFile::ReparseTag() {
+ConstBytes ExactFile::ReparsePoint() {
     Doubts doubts;
     const AttributePieceList found = FindPieces(kTypeReparsePoint, {}, doubts);
-    return found.empty() ? 0 : U32At(found.front().second.Value(), 0);
+    return found.empty() || found.front().second.NonResident() != 0 ? ConstBytes()
+                                                                    : found.front().second.Value();
 }
+
+std::uint32_t ExactFile::ReparseTag() { return U32At(ReparsePoint(), 0); }
 
 bool ExactFile::IsFolder() const { return IsDirectory(record_); }
 

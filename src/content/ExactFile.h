@@ -74,6 +74,9 @@ private:
                           Doubts& doubts);
     std::vector<std::u16string> StreamNames() const;
     std::optional<StreamLayout> LayoutOf(std::u16string_view name);
+    ConstBytes ReparsePoint();
+    std::unique_ptr<ExactStream> OpenSystemCompressed(std::uint64_t size);
+    void DoubtPointer(StreamLayout& layout);
 
     CatalogueItem item_;
     std::vector<std::uint8_t> record_;

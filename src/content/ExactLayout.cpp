@@ -104,7 +104,7 @@ void LayoutMaker::TakeClusterSize() {
     const std::vector<MapRun>& runs = layout_.Runs.Runs();
     if (sane && std::all_of(runs.begin(), runs.end(), fits)) {
         layout_.ClusterBytes = static_cast<std::uint32_t>(own);
-    } else {
+    } else if (pieces_.size() == 1) {
         AddDoubt(Doubt::ClusterSize);
     }
 }

@@ -39,6 +39,9 @@ public:
     /// added by Read.
     [[nodiscard]] virtual std::uint64_t BytesBehindEnd() const { return 0; }
 
+    /// Bytes of the medium that its data takes; compressed data takes fewer than it gives.
+    [[nodiscard]] virtual std::uint64_t AllocatedBytes() const { return Size(); }
+
     /// What is doubtful by what has been read so far; some of it is known from the start.
     [[nodiscard]] const Doubts& StreamDoubts() const { return doubts_; }
 

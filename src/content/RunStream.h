@@ -25,6 +25,9 @@ public:
     [[nodiscard]] std::uint64_t NextData(std::uint64_t offset) const override;
     [[nodiscard]] std::uint64_t NextHole(std::uint64_t offset) const override;
     [[nodiscard]] std::uint64_t BytesBehindEnd() const override { return layout_.BytesBehindEnd; }
+    [[nodiscard]] std::uint64_t AllocatedBytes() const override {
+        return layout_.Runs.AllocatedClusters() * layout_.ClusterBytes;
+    }
 
 protected:
     void Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& missing) override;
