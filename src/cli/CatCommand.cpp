@@ -96,8 +96,8 @@ int WriteWanted(const CatalogueItem& item, const Options& options, Session& sess
     const std::string what = WantedText(options);
     Output output;
     session.Host.Bar.Begin("Reading", ProgressBar::Unit::Byte);
-    const ContentOutcome outcome = options.AsStored ? TakeContent(item, output.Handle())
-                                                    : TakeExactContent(item, output.Handle());
+    const ContentOutcome outcome =
+        options.AsStored ? TakeContent(item, output.Handle()) : TakeExactContent(item, output.Handle());
     session.Host.Bar.End();
     const int code = TellOutcome(outcome, what, session);
     if (const ErrorCode error = output.Handle().Sync(); error != kErrorNone && code != kExitFailed) {
