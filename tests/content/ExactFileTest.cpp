@@ -165,7 +165,10 @@ TEST_F(ExactFileTest, UnitsOfCompression) {
     EXPECT_EQ(FirstOf(Out.Content, 8192), FirstOf(wanted, 8192)) << "a short chunk is followed by zeros";
     EXPECT_EQ(Out.Content, wanted);
 
-    EXPECT_TRUE(Doubts1(take({PutRun(three), {15, {}}}, 12289), Doubt::DataDamaged)) << "the unit ends early";
+    EXPECT_TRUE(take({PutRun(three), {14, {}}}, 12289).Whole()) << "zeros follow, which need no chunk";
+    for (const ByteVector& lost : {Join({three, Zeros(1)}), Join({Zeros(1), three})}) {
+        EXPECT_TRUE(Doubts1(take({PutRun(lost), {13, {}}}, 12289), Doubt::DataDamaged)) << "more is stored";
+    }
     const ByteVector chunks[] = {Chunk(true, {1, 0, 0}),               // repeats what isn't there
                                  Chunk(true, {2, 'a', 0xFF, 0x0F, 0}), // longer than a chunk
                                  Chunk(true, {2, 'a', 0}),             // half a token
