@@ -2,12 +2,16 @@
 
 #include "engine/EngineState.h"
 #include "platform/system/Bytes.h"
+#include "scans/ScanReach.h"
 
 #include <cstdint>
 #include <functional>
 #include <string>
 
 namespace thntfs::fuzz {
+
+/// All that a scan can do.
+inline constexpr ScanReach kFarReach{.Exact = true, .Deep = true};
 
 /// A plain volume as the engine knows it: 512-byte sectors, clusters of 4 KiB, records of 1 KiB, index blocks
 /// of 4 KiB, starting at sector 0, with its Master File Table in clusters 1 to 4. The medium holds `bytes`.

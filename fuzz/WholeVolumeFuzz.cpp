@@ -16,8 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     LoadVolumeParams(Engine.SourceDisk.Partitions.front());
     if (LocateMft()) {
-        fuzz::ScanAndRead(BasicScan);
+        fuzz::ScanAndRead([] { BasicScan(fuzz::kFarReach); });
     }
-    fuzz::ScanAndRead(TurboScan);
+    fuzz::ScanAndRead([] { TurboScan(fuzz::kFarReach); });
     return 0;
 }

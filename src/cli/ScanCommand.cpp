@@ -49,6 +49,9 @@ void PrintScanTotals(Output& output, const CatalogueTotals& totals) {
                ", of them " + std::to_string(totals.DeletedFolders) + " deleted, " +
                std::to_string(totals.LostFolders) + " of these known by number alone\nBytes:   " +
                std::to_string(totals.Bytes) + " (" + ByteText(totals.Bytes) + ")\n");
+    if (const std::string leftOut = LeftOutText(Engine.Yield); !leftOut.empty()) {
+        output.Put("Besides: " + leftOut + "; --deep lists them\n");
+    }
 }
 
 void PrintJson(Output& output, const CatalogueTotals& totals, bool complete) {
@@ -59,7 +62,8 @@ void PrintJson(Output& output, const CatalogueTotals& totals, bool complete) {
                                            {"deletedFolders", totals.DeletedFolders},
                                            {"lostFolders", totals.LostFolders},
                                            {"complete", complete},
-                                           {"recordsNotRead", Engine.Losses.Records()}};
+                                           {"recordsNotRead", Engine.Losses.Records()},
+                                           {"recordsLeftOut", Engine.Yield.LeftOut}};
     output.Put(object.dump() + "\n");
 }
 

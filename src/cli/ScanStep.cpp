@@ -19,29 +19,32 @@ void BeginWantedScan(const Options& options) {
 }
 
 bool RunWantedScan(const Options& options, TerminalHost& host) {
+    const ScanReach reach{.Exact = !options.AsStored, .Deep = options.Deep};
     bool complete = false;
     if (options.Turbo) {
         host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
-        complete = TurboScan() != 0;
+        complete = TurboScan(reach) != 0;
         LogTurboScanEnded(options.Partition.value_or(1), complete);
     } else {
         host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
-        complete = BasicScan() != 0;
+        complete = BasicScan(reach) != 0;
         LogBasicScanEnded(complete);
     }
     LogLosses();
+    LogYield();
     return complete;
 }
 
 // Not one record where the table should be means that its runs are wrong or that it can't be read at all.
 int TellScanLosses(const Options& options, const TerminalHost& host) {
     const ScanLosses& losses = Engine.Losses;
-    if (!losses.Any()) {
-        return kExitDone;
+    if (losses.Any()) {
+        PrintMessage(LossText(losses) + (losses.NoTable ? "." : ". Files may be missing."));
     }
-    PrintMessage(LossText(losses) + (losses.NoTable ? "." : ". Files may be missing."));
-    if (!options.Turbo) {
+    if (losses.Any() && !options.Turbo) {
         PrintMessage("--turbo looks for records in the whole volume, wherever they stand.");
+    } else if (Engine.Yield.Little()) {
+        PrintMessage(LittleFoundText(Engine.Yield) + ". --turbo may find more: it reads the whole volume.");
     }
     return losses.NoTable && !host.HadFatal() ? kExitFailed : kExitDone;
 }

@@ -14,7 +14,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::uint8_t kNamespaceDos = 2;
 constexpr std::uint64_t kNamespaceInAttribute = 89; // where it stands when the value starts at 24
 constexpr std::uint32_t kMinIndexBytes = 40;        // an index root of this size holds no key
 
@@ -27,48 +26,10 @@ constexpr std::uint32_t kMaxReadsOfRecord = 3072;
 constexpr std::uint64_t kMaxReadsOfRecordOnMedium = 16;
 constexpr std::uint32_t kReadsWhereListsShare = 32;
 
+// In the order of their records.
 constexpr std::array<std::u16string_view, 11> kMetafileNames = {
     u"$MFT",    u"$MFTMirr", u"$LogFile", u"$Volume", u"$AttrDef", u".",
     u"$Bitmap", u"$Boot",    u"$BadClus", u"$Secure", u"$UpCase"};
-
-bool IsMetafileName(std::u16string_view name) {
-    if (name.empty() || (name.front() != u'$' && name.front() != u'.')) {
-        return false;
-    }
-    return std::find(kMetafileNames.begin(), kMetafileNames.end(), name) != kMetafileNames.end();
-}
-
-// The catalogue's own two bits, from the in-use and directory bits of the record.
-std::uint16_t CatalogueFlags(std::uint16_t attributeBits, bool inUse, bool directory) {
-    std::uint16_t flags = attributeBits;
-    if (inUse) {
-        flags |= kFlagLive;
-    }
-    if (directory) {
-        flags |= kFlagFolder;
-    } else {
-        flags &= static_cast<std::uint16_t>(~kFlagFolder);
-    }
-    return flags;
-}
-
-void TakeStandardInformation(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
-    const std::uint64_t value = attribute.ValueStart();
-    entry.CreatedDate = DosDateOfFileTime(U64At(record, value));
-    entry.AccessedDate = DosDateOfFileTime(U64At(record, value + 24));
-    entry.Flags = CatalogueFlags(U16At(record, value + 32), IsInUse(record), IsDirectory(record));
-}
-
-// Every child of a folder names the folder as its parent, so the first key of the index tells the folder's
-// own number. It is the only source of that number in an older-form record.
-void TakeNumberFromIndex(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
-    const std::uint64_t value = attribute.ValueStart();
-    const std::uint32_t indexBytes = U32At(record, value + 20);
-    if (U32At(record, value) == kTypeFileName && indexBytes == U32At(record, value + 24) &&
-        indexBytes > kMinIndexBytes) {
-        entry.RecordNumber = U32At(record, value + 48);
-    }
-}
 
 bool FollowResidentList(ConstBytes record, const Attribute& list, DecodedEntry& entry) {
     bool result = false;
@@ -133,23 +94,10 @@ std::uint32_t ReadsForOneRecord() {
                : kMaxReadsOfRecord;
 }
 
-// Asked at each read on the way along a list.
-bool MayReadOn() {
-    ListReads& reads = Engine.Lists;
-    if (reads.InScan && !JobMayGoOn()) {
-        reads.Stopped = true;
-        reads.Ended = true;
-    }
-    ++reads.OfScan;
-    ++reads.OfRecord;
-    reads.Ended = reads.Ended || reads.OfRecord > ReadsForOneRecord();
-    return !reads.Ended;
-}
-
 // Reads and checks the record that a list entry names; empty where it can't be had.
 std::vector<std::uint8_t> ReadListedRecord(const AttributeListEntry& listEntry) {
     const auto sector = FindRecordSector(listEntry.RecordNumber());
-    if (!sector || !MayReadOn()) {
+    if (!sector || !MayReadForList()) {
         return {};
     }
     std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
@@ -196,6 +144,59 @@ void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry) {
     }
 }
 
+void TakeStandardInformation(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
+    const std::uint64_t value = attribute.ValueStart();
+    entry.CreatedDate = DosDateOfFileTime(U64At(record, value));
+    entry.AccessedDate = DosDateOfFileTime(U64At(record, value + 24));
+    entry.Flags = CatalogueFlags(record, U16At(record, value + 32));
+}
+
+// Every child of a folder names the folder as its parent, so the first key of the index tells the folder's
+// own number. It is the only source of that number in an older-form record.
+void TakeNumberFromIndex(ConstBytes record, const Attribute& attribute, DecodedEntry& entry) {
+    const std::uint64_t value = attribute.ValueStart();
+    const std::uint32_t indexBytes = U32At(record, value + 20);
+    if (U32At(record, value) == kTypeFileName && indexBytes == U32At(record, value + 24) &&
+        indexBytes > kMinIndexBytes) {
+        entry.RecordNumber = U32At(record, value + 48);
+    }
+}
+
+std::uint16_t CatalogueFlags(ConstBytes record, std::uint16_t attributeBits) {
+    std::uint16_t flags = attributeBits;
+    if (IsInUse(record)) {
+        flags |= kFlagLive;
+    }
+    if (IsDirectory(record)) {
+        flags |= kFlagFolder;
+    } else {
+        flags &= static_cast<std::uint16_t>(~kFlagFolder);
+    }
+    return flags;
+}
+
+std::optional<std::uint32_t> MetafileNumber(std::u16string_view name) {
+    if (name.empty() || (name.front() != u'$' && name.front() != u'.')) {
+        return std::nullopt;
+    }
+    const auto* found = std::find(kMetafileNames.begin(), kMetafileNames.end(), name);
+    return found == kMetafileNames.end()
+               ? std::nullopt
+               : std::optional(static_cast<std::uint32_t>(found - kMetafileNames.begin()));
+}
+
+bool MayReadForList() {
+    ListReads& reads = Engine.Lists;
+    if (reads.InScan && !JobMayGoOn()) {
+        reads.Stopped = true;
+        reads.Ended = true;
+    }
+    ++reads.OfScan;
+    ++reads.OfRecord;
+    reads.Ended = reads.Ended || reads.OfRecord > ReadsForOneRecord();
+    return !reads.Ended;
+}
+
 bool DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
     Engine.Lists.BeginRecord();
     try {
@@ -208,7 +209,7 @@ bool DecodeFileRecord(ConstBytes record, DecodedEntry& entry) {
         // What has been decoded so far counts.
     }
     const bool stopped = Engine.Lists.Stopped && Engine.Lists.Ended;
-    if (stopped || IsMetafileName(entry.Name()) || entry.RecordNumber == entry.ParentNumber) {
+    if (stopped || MetafileNumber(entry.Name()) || entry.RecordNumber == entry.ParentNumber) {
         entry.ClearName();
         return false;
     }
@@ -292,7 +293,7 @@ bool DecodeFromListRuns(const std::vector<MftExtent>& runs, DecodedEntry& entry)
     try {
         WalkListRuns(runs, visit, [&](const ReadOutcome& outcome) {
             unread = unread || !outcome.BadSectors.empty();
-            return !result && MayReadOn();
+            return !result && MayReadForList();
         });
     } catch (const std::bad_alloc&) {
         // What has been read so far counts.

@@ -30,8 +30,29 @@ struct DecodedEntry : CatalogueEntry {
 /// record that a stop kept from being decoded gives false too. ListReads tells. Passes CUserException on.
 bool DecodeFileRecord(ConstBytes record, DecodedEntry& entry);
 
+// The parts of decoding that other readers of records share.
+
+/// Namespace of a file's short name.
+inline constexpr std::uint8_t kNamespaceDos = 2;
+
 /// Takes the name of a file name attribute's value, which starts at `valueStart` of the bytes.
 void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry);
+
+/// The dates and Flags from the standard information of a record.
+void TakeStandardInformation(ConstBytes record, const Attribute& attribute, DecodedEntry& entry);
+
+/// A folder's own number, from the first key of its index.
+void TakeNumberFromIndex(ConstBytes record, const Attribute& attribute, DecodedEntry& entry);
+
+/// Flags of a record, with the catalogue's own two bits in place of two of the attribute word.
+std::uint16_t CatalogueFlags(ConstBytes record, std::uint16_t attributeBits);
+
+/// Record number of the volume's own metafile of this name; nothing for other names.
+std::optional<std::uint32_t> MetafileNumber(std::u16string_view name);
+
+/// Asked at each read on the way along a record's attribute list: counts it, and false where the list has
+/// cost enough or the user has stopped the scan.
+bool MayReadForList();
 
 /// Absolute sector of a record of the Master File Table, by way of VolumeParams.MftExtents; nothing where no
 /// extent holds it.

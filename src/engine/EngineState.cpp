@@ -48,6 +48,7 @@ void ResetEngineState() {
     Engine.SourceDisk = DiskRecord();
     Engine.TargetDisk = DiskRecord();
     Engine.Losses = ScanLosses();
+    Engine.Yield = ScanYield();
     Engine.Lists = ListReads();
     Engine.TableBytes = 0;
     Engine.TableCut = false;

@@ -3,6 +3,7 @@
 #include "engine/CatalogueRecords.h"
 #include "engine/ListReads.h"
 #include "engine/ScanLosses.h"
+#include "engine/ScanYield.h"
 #include "engine/StoredRecords.h"
 #include "engine/TableVolume.h"
 
@@ -70,6 +71,7 @@ struct EngineState {
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
 
     ScanLosses Losses; ///< of the last scan or search
+    ScanYield Yield;   ///< of the last scan
     ListReads Lists;
 
     // What LocateMft learns of the table beside its runs.

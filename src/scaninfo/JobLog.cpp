@@ -83,6 +83,15 @@ void LogLosses() {
     }
 }
 
+void LogYield() {
+    if (const std::string leftOut = LeftOutText(Engine.Yield); !leftOut.empty()) {
+        LogLine(leftOut, kScanRule, kLogDone);
+    }
+    if (Engine.Yield.Little()) {
+        LogLine(LittleFoundText(Engine.Yield), "Turbo Scan may find more", kLogFailed);
+    }
+}
+
 void LogNoCatalogue() { LogLine("Supporting Files couldn't be opened", kScanRule, kLogDone); }
 
 } // namespace thntfs

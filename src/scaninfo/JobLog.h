@@ -35,6 +35,9 @@ void LogTurboScanEnded(unsigned number, bool complete);
 /// What the scan or the search could not read, if there was anything.
 void LogLosses();
 
+/// Records that the scan has left out, if there are any, and whether it found little.
+void LogYield();
+
 /// The catalogue's files can't be made, or not opened again.
 void LogNoCatalogue();
 

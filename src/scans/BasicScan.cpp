@@ -5,12 +5,16 @@
 #include "engine/FileRecord.h"
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
+#include "scans/AddedRecords.h"
 #include "scans/ConditionAccount.h"
 #include "scans/RecordCataloguing.h"
 #include "scans/TableLosses.h"
+#include "scans/TablePlaces.h"
+#include "scans/TableRemainder.h"
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace thntfs {
@@ -31,10 +35,12 @@ struct DecodedRecord {
 
 class TableWalk {
 public:
-    TableWalk()
-        : batchRecords_(std::max(1U, kBatchSectors / Engine.VolumeParams.SectorsPerFileRecord))
+    explicit TableWalk(const ScanReach& reach)
+        : reach_(reach)
+        , batchRecords_(std::max(1U, kBatchSectors / Engine.VolumeParams.SectorsPerFileRecord))
         , batch_(std::size_t{batchRecords_} * Engine.VolumeParams.FileRecordBytes)
-        , decoded_(batchRecords_) {}
+        , decoded_(batchRecords_)
+        , added_(reach, conditions_, nextEntryId_) {}
 
     void Run();
     void JudgeFiles() { conditions_.Judge(); }
@@ -42,15 +48,21 @@ public:
     [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
 
 private:
+    void WalkExtents();
     void WalkExtent(const MftExtent& extent);
+    void TakeRemainder();
     void ReportProgress() const;
     void ReadBatch(std::uint32_t records);
     void ReadAndDecodeBatch(std::uint32_t records);
     void DecodeBatch(std::uint32_t records);
     void DecodeSlot(Bytes record);
+    [[nodiscard]] std::uint32_t NumberOfSlot() const;
     void CatalogueBatch();
     [[nodiscard]] bool IsBehindMedium() const;
 
+    ScanReach reach_;
+    std::optional<TablePlaces> places_; ///< of a scan that goes beyond the extents
+    std::vector<SlotRow> tried_;
     std::uint32_t batchRecords_;
     std::vector<std::uint8_t> batch_;
     std::vector<DecodedRecord> decoded_; ///< of the batch in hand; the first decodedCount_ count
@@ -58,23 +70,46 @@ private:
     std::uint64_t recordSector_ = 0; ///< absolute sector of the record slot in hand
     std::uint32_t recordIndex_ = 0;  ///< record slots passed, valid or not
     std::uint32_t nextEntryId_ = kFirstEntryId;
-    TableLosses losses_;
     ConditionAccount conditions_;
+    AddedRecords added_;
+    TableLosses losses_;
     bool stopped_ = false;
 };
 
 void TableWalk::Run() {
-    const VolumeParams& volume = Engine.VolumeParams;
-    for (const MftExtent& extent : volume.MftExtents) {
-        WalkExtent(extent);
+    if (reach_.Exact && SectorsFitRecords()) {
+        places_.emplace();
+        losses_.UseExactMap(*places_);
+    }
+    WalkExtents();
+    if (!Stopped() && places_) {
+        TakeRemainder();
+    }
+    if (!Stopped()) {
+        stopped_ = !added_.Finish();
     }
     if (!Stopped()) {
         losses_.Finish();
     }
 }
 
+void TableWalk::WalkExtents() {
+    for (const MftExtent& extent : Engine.VolumeParams.MftExtents) {
+        WalkExtent(extent);
+    }
+}
+
+void TableWalk::TakeRemainder() {
+    const TriedSlots tried(std::move(tried_));
+    stopped_ = !TableRemainder(tried, added_, &losses_).Run();
+}
+
 void TableWalk::WalkExtent(const MftExtent& extent) {
     recordSector_ = SectorOfCluster(extent.StartCluster);
+    if (places_) {
+        losses_.BeginRow(recordIndex_, places_->RecordAt(recordSector_));
+        tried_.push_back({recordSector_, RecordsInExtent(extent)});
+    }
     std::uint32_t left = RecordsInExtent(extent);
     while (left > 0) {
         if (!JobMayGoOn()) {
@@ -151,6 +186,7 @@ void TableWalk::DecodeSlot(Bytes record) {
     const bool kept = DecodeFileRecord(record, entry);
     TableLosses::NoteList();
     if (!kept) {
+        added_.NoteLeftOut(record, {recordSector_, NumberOfSlot()}, decoded.Claim);
         return;
     }
     if (UsaOffset(record) == kUsaOffsetNew) {
@@ -162,6 +198,12 @@ void TableWalk::DecodeSlot(Bytes record) {
     decoded.Directory = IsDirectory(record);
     Engine.Folders->PrefetchSlot(entry.ParentNumber);
     ++decodedCount_;
+}
+
+// The number of the record in hand by its place, as far as that is known.
+std::uint32_t TableWalk::NumberOfSlot() const {
+    const auto number = places_ ? places_->RecordAt(recordSector_) : std::nullopt;
+    return static_cast<std::uint32_t>(number.value_or(recordIndex_));
 }
 
 void TableWalk::CatalogueBatch() {
@@ -180,13 +222,13 @@ void TableWalk::CatalogueBatch() {
 
 } // namespace
 
-int BasicScan() try {
+int BasicScan(const ScanReach& reach) try {
     const VolumeParams& volume = Engine.VolumeParams;
     if (volume.FileRecordBytes == 0 || volume.BytesPerSector == 0 || volume.SectorsPerFileRecord == 0) {
         return 0;
     }
     const ScanAccount account;
-    TableWalk walk;
+    TableWalk walk(reach);
     UpToFatalError([&walk] { walk.Run(); });
     UpToFatalError([&walk] { FinishCatalogue(walk.NextEntryId()); });
     UpToFatalError([&walk] { walk.JudgeFiles(); });

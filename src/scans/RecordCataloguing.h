@@ -18,11 +18,12 @@ void CatalogueRecord(DecodedEntry& entry, bool directory, std::uint32_t& nextEnt
 /// The same for a folder that is known by number, parent and name alone.
 void CatalogueFolder(DecodedEntry& entry, std::uint32_t& nextEntryId);
 
-/// While one lives a scan runs: losses and the cost of lists are counted anew.
+/// While one lives a scan runs: losses, what is met and the cost of lists are counted anew.
 class ScanAccount {
 public:
     ScanAccount() {
         Engine.Losses = ScanLosses();
+        Engine.Yield = ScanYield();
         Engine.Lists = ListReads();
         Engine.Lists.InScan = true;
     }

@@ -2,23 +2,54 @@
 
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/RecordTable.h"
 #include "engine/SectorReader.h"
+#include "scans/TablePlaces.h"
 
 #include <algorithm>
 
 namespace thntfs {
 
-TableLosses::TableLosses() {
+namespace {
+
+// Of a volume in use a record for each so many bytes is few.
+constexpr std::uint64_t kBytesForARecord = std::uint64_t{4} << 20U;
+
+std::uint64_t StatedRecords() { return Engine.TableBytes / Engine.VolumeParams.FileRecordBytes; }
+
+std::uint64_t RecordsOfVolume() {
     const VolumeParams& volume = Engine.VolumeParams;
-    for (const MftExtent& extent : volume.MftExtents) {
-        held_ += RecordsInExtent(extent);
+    const std::uint64_t held = MediumBytes() / volume.BytesPerSector;
+    return std::min(volume.TotalSectors, held) * volume.BytesPerSector / kBytesForARecord;
+}
+
+} // namespace
+
+TableLosses::TableLosses() {
+    std::uint64_t held = 0;
+    for (const MftExtent& extent : Engine.VolumeParams.MftExtents) {
+        held += RecordsInExtent(extent);
     }
-    const std::uint64_t stated = Engine.TableBytes / volume.FileRecordBytes;
-    known_ = Engine.TableBytes == 0 ? held_ : std::min(stated, held_);
-    Engine.Losses.Missing = stated > held_ ? stated - held_ : 0;
+    const std::uint64_t stated = StatedRecords();
+    known_ = Engine.TableBytes == 0 ? held : std::min(stated, held);
+    Engine.Losses.Missing = stated > held ? stated - held : 0;
     if (Engine.TableCut && Engine.TableBytes == 0) {
         Engine.Losses.Missing = 1;
     }
+}
+
+void TableLosses::UseExactMap(const TablePlaces& places) {
+    const std::uint64_t stated = StatedRecords();
+    known_ = Engine.TableBytes == 0 ? TableRecordCount() : stated;
+    Engine.Losses.Missing = stated - places.PlacedBelow(stated);
+    if (!TableIsWhole() && Engine.TableBytes == 0) {
+        Engine.Losses.Missing = 1;
+    }
+}
+
+void TableLosses::BeginRow(std::uint64_t firstSlot, std::optional<std::uint64_t> firstRecord) {
+    counts_ = firstRecord.has_value();
+    ahead_ = firstRecord.value_or(firstSlot) - firstSlot;
 }
 
 void TableLosses::BeginBatch(const ReadOutcome& outcome, std::uint64_t firstSector, std::uint32_t firstSlot,
@@ -42,8 +73,14 @@ void TableLosses::BeginBatch(const ReadOutcome& outcome, std::uint64_t firstSect
     }
 }
 
+void TableLosses::Accept() {
+    foundRecords_ = true;
+    ++Engine.Yield.Met;
+}
+
 void TableLosses::Reject(ConstBytes record, std::uint32_t slot) {
-    if (slot >= known_) {
+    Engine.Yield.Met += U32At(record, 0) == kFileMagic ? 1U : 0U;
+    if (!counts_ || slot + ahead_ >= known_) {
         return;
     }
     if (slot >= endSlot_) {
@@ -76,14 +113,20 @@ void TableLosses::NoteList() {
     }
 }
 
-std::uint64_t TableLosses::SlotsFrom(std::uint64_t slot) const { return known_ > slot ? known_ - slot : 0; }
+std::uint64_t TableLosses::SlotsFrom(std::uint64_t slot) const {
+    const std::uint64_t record = slot + ahead_;
+    return known_ > record ? known_ - record : 0;
+}
 
-void TableLosses::LeaveBehindEnd(std::uint32_t slot, std::uint32_t slots) const {
-    Engine.Losses.BehindEnd += std::min<std::uint64_t>(slots, SlotsFrom(slot));
+void TableLosses::LeaveBehindEnd(std::uint32_t slot, std::uint64_t slots) const {
+    Engine.Losses.BehindEnd += counts_ ? std::min(slots, SlotsFrom(slot)) : 0;
 }
 
 void TableLosses::LeaveUnread(std::uint32_t slot) const { Engine.Losses.Unread += SlotsFrom(slot); }
 
-void TableLosses::Finish() const { Engine.Losses.NoTable = !foundRecords_; }
+void TableLosses::Finish() const {
+    Engine.Losses.NoTable = !foundRecords_;
+    Engine.Yield.Expected = std::max(known_, RecordsOfVolume());
+}
 
 } // namespace thntfs

@@ -4,12 +4,18 @@
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
 #include "engine/Host.h"
+#include "engine/RecordTable.h"
 #include "engine/SectorReader.h"
+#include "scans/AddedRecords.h"
 #include "scans/ConditionAccount.h"
+#include "scans/PassedSectors.h"
 #include "scans/RecordCataloguing.h"
+#include "scans/TablePlaces.h"
+#include "scans/TableRemainder.h"
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace thntfs {
@@ -36,13 +42,16 @@ SpanSize SpanOfVolume() {
 
 class VolumeWalk {
 public:
-    VolumeWalk();
+    explicit VolumeWalk(const ScanReach& reach);
 
     void Run();
     void JudgeFiles() { conditions_.Judge(); }
     [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
 
 private:
+    void WalkSpans();
+    void TakeAddedRecords();
+    void TakePassed(const std::vector<std::uint64_t>& sectors, const TablePlaces& places);
     void ReadAhead();
     void ReadSpan(Bytes span);
     void ProcessSpan(Bytes span);
@@ -60,14 +69,26 @@ private:
     std::uint32_t runningNumber_ = 1; ///< guess at the record number of the position in hand
     std::uint32_t nextEntryId_ = kFirstEntryId;
     ConditionAccount conditions_;
+    bool exact_;
+    AddedRecords added_;
+    std::optional<PassedSectors> passed_;
 };
 
-VolumeWalk::VolumeWalk()
+// Where clusters are smaller than a record one may begin at any sector, and so it may where nobody knows how
+// large they are or where the volume begins.
+bool AnySectorMayBegin() {
+    const VolumeParams& volume = Engine.VolumeParams;
+    return volume.ClusterBytes < volume.FileRecordBytes || volume.VolumeSerial == 0;
+}
+
+VolumeWalk::VolumeWalk(const ScanReach& reach)
     : span_(SpanOfVolume())
     , spansAtATime_(1)
     , spanSector_(Engine.VolumeParams.StartSector)
     , endSector_(spanSector_ + Engine.VolumeParams.TotalSectors)
-    , recordSector_(spanSector_) {
+    , recordSector_(spanSector_)
+    , exact_(reach.Exact && SectorsFitRecords())
+    , added_(reach, conditions_, nextEntryId_) {
     const DiskRecord& disk = Engine.SourceDisk;
     // Spans that lie one behind the other can be read together.
     if (std::uint64_t{span_.Sectors} * disk.BytesPerSector == span_.Bytes) {
@@ -83,9 +104,49 @@ VolumeWalk::VolumeWalk()
         }
         endSector_ = std::min(endSector_, sectors + 1);
     }
+    passed_.emplace(spanSector_, endSector_, exact_ && AnySectorMayBegin());
 }
 
 void VolumeWalk::Run() {
+    ForgetFoundRecords();
+    WalkSpans();
+    if (Engine.ScanRunFlag != 0) {
+        TakeAddedRecords();
+    }
+}
+
+// What the table holds is read along its map, where each record has its number and parts that lie apart come
+// together.
+void VolumeWalk::TakeAddedRecords() {
+    if (exact_) {
+        const std::uint64_t start = Engine.VolumeParams.StartSector;
+        const TriedSlots tried(
+            {{start, (endSector_ - std::min(endSector_, start)) / Engine.VolumeParams.SectorsPerFileRecord}});
+        TableRemainder(tried, added_, nullptr).Run();
+        TakePassed(passed_->Found(), TablePlaces());
+    }
+    added_.Finish();
+}
+
+// Records without a number of their own are numbered from the last one on whose number is known.
+void VolumeWalk::TakePassed(const std::vector<std::uint64_t>& sectors, const TablePlaces& places) {
+    const std::uint32_t recordSectors = Engine.VolumeParams.SectorsPerFileRecord;
+    std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
+    RecordPlace last;
+    for (const std::uint64_t sector : sectors) {
+        if (!JobMayGoOn()) {
+            return;
+        }
+        if (places.RecordAt(sector) || !ReadFileRecord(record, sector)) {
+            continue;
+        }
+        const auto ahead = static_cast<std::uint32_t>((sector - last.Sector) / recordSectors);
+        last = {sector, last.Number + ahead};
+        last.Number = added_.Take(record, last);
+    }
+}
+
+void VolumeWalk::WalkSpans() {
     for (std::size_t next = 0; spanSector_ < endSector_ && Engine.ScanRunFlag != 0; ++next) {
         if (next % spansAtATime_ == 0) {
             next = 0;
@@ -108,7 +169,12 @@ void VolumeWalk::Run() {
 }
 
 // Reads many spans at once where all of them can be read. Where one can't, each is read by itself.
-void VolumeWalk::ReadAhead() { spansRead_ = TryReadSectors(buffer_, spanSector_) ? spansAtATime_ : 0; }
+void VolumeWalk::ReadAhead() {
+    spansRead_ = TryReadSectors(buffer_, spanSector_) ? spansAtATime_ : 0;
+    if (spansRead_ != 0) {
+        passed_->Look(buffer_, spanSector_);
+    }
+}
 
 // A span may reach behind the volume: what can't be read there is no loss.
 void VolumeWalk::ReadSpan(Bytes span) try {
@@ -116,6 +182,7 @@ void VolumeWalk::ReadSpan(Bytes span) try {
     Engine.Losses.Sectors += static_cast<std::uint64_t>(
         std::count_if(outcome.BadSectors.begin(), outcome.BadSectors.end(),
                       [this](std::uint64_t sector) { return sector < endSector_; }));
+    passed_->Look(span, spanSector_);
 } catch (const CUserException&) {
     Engine.Losses.Sectors +=
         std::max(std::min(endSector_, Engine.SourceDisk.TotalSectors), spanSector_) - spanSector_;
@@ -145,12 +212,16 @@ void VolumeWalk::ProcessRecord(Bytes record) {
         !CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector)) {
         return;
     }
+    if (exact_ && UsaOffset(record) == kUsaOffsetNew) {
+        NoteFoundRecord(OwnRecordNumber(record), recordSector_);
+    }
     const Claim claim = conditions_.Take(record, recordSector_);
     if (BaseReference(record) != 0) {
         return;
     }
     DecodedEntry entry;
     if (!DecodeFileRecord(record, entry)) {
+        added_.NoteLeftOut(record, {recordSector_, runningNumber_}, claim);
         return;
     }
     entry.RecordNumber = NumberOfRecord(record, entry.RecordNumber);
@@ -179,12 +250,12 @@ void VolumeWalk::ReportProgress() const {
 
 } // namespace
 
-std::uint32_t TurboScan() try {
+std::uint32_t TurboScan(const ScanReach& reach) try {
     const VolumeParams& volume = Engine.VolumeParams;
     const ScanAccount account;
     std::uint32_t nextEntryId = kFirstEntryId;
     if (volume.FileRecordBytes != 0 && volume.SectorsPerFileRecord != 0 && volume.BytesPerSector != 0) {
-        VolumeWalk walk;
+        VolumeWalk walk(reach);
         UpToFatalError([&walk] { walk.Run(); });
         UpToFatalError([&walk] { walk.JudgeFiles(); });
         nextEntryId = walk.NextEntryId();

@@ -138,7 +138,8 @@ TEST_F(BrowseTest, JsonIsThatOfTheContract) {
 
     const Json scan = Json::parse(Run({"scan"}, {"--json"}).Out);
     EXPECT_EQ(scan, Json::parse(R"({"files":10,"folders":4,"bytes":87,"deletedFiles":3,"deletedFolders":2,
-                                    "lostFolders":1,"complete":true,"recordsNotRead":0})"));
+                                    "lostFolders":1,"complete":true,"recordsNotRead":0,
+                                    "recordsLeftOut":0})"));
     const Json save = Json::parse(Run({"save"}, {"--json", "--to", target_}).Out);
     EXPECT_EQ(save, Json::parse(R"({"files":10,"folders":3,"bytes":87,"damaged":0,"failed":0,
                                     "complete":true,"target":")" +

@@ -72,7 +72,7 @@ class SaveEntriesTest : public ScanFixture {
 protected:
     void Scan() {
         EXPECT_EQ(LocateMft(), 1);
-        EXPECT_EQ(RunScan(BasicScan), 1);
+        EXPECT_EQ(RunScan([] { return BasicScan(); }), 1);
     }
     SaveTotals ScanAndSave(const std::vector<std::string>& paths = {""}, bool deletedOnly = false) {
         Scan();

@@ -13,7 +13,9 @@ class BasicScanTest : public ScanFixture {
 protected:
     BasicScanTest() { Engine.VolumeParams.MftRecordCount = 256; }
 
-    static int Scan() { return RunScan(BasicScan); }
+    static int Scan() {
+        return RunScan([] { return BasicScan(); });
+    }
 };
 
 /// What must hold of every finished catalogue: ids, name ranges, owners of chains, each entry in one chain.

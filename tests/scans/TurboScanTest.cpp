@@ -10,7 +10,9 @@ class TurboScanTest : public ScanFixture {
 protected:
     TurboScanTest() { SetTableRuns({}); }
 
-    static int Scan() { return RunScan(TurboScan); }
+    static int Scan() {
+        return RunScan([] { return TurboScan(); });
+    }
 
     static FileNameValue FolderKey(const char16_t* name, std::uint32_t bits = kFolderBit,
                                    std::uint8_t nameSpace = kNamespaceWin32) {

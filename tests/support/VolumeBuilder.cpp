@@ -28,7 +28,19 @@ VolumeBuilder::VolumeBuilder(VolumeGeometry geometry)
         nextCluster_ = std::max(nextCluster_, run.Start.value() + run.Clusters);
     }
     WriteDiskStructures();
+    WriteEmptyRecords();
     WriteMetafiles();
+}
+
+// As drivers do, all over the table.
+void VolumeBuilder::WriteEmptyRecords() {
+    std::uint64_t bytes = 0;
+    for (const Run& run : geometry_.MftRuns) {
+        bytes += run.Clusters * geometry_.ClusterBytes();
+    }
+    for (std::uint32_t number = 0; number < bytes / geometry_.RecordBytes; ++number) {
+        PlaceRecord(NewRecord(number).SetInUse(false));
+    }
 }
 
 void VolumeBuilder::WriteDiskStructures() {

@@ -18,8 +18,9 @@ struct FileSpec {
 };
 
 /// Lays out an NTFS volume on a medium in memory. The constructor writes a partition table with the one
-/// volume, the boot sector and its backup, $MFT, $MFTMirr, the root folder and the mirror's copies of the
-/// first four records. Everything is bytes at once: each later call writes over what stands there.
+/// volume, the boot sector and its backup, empty records all over the table, $MFT, $MFTMirr, the root folder
+/// and the mirror's copies of the first four records. Everything is bytes at once: each later call writes
+/// over what stands there.
 class VolumeBuilder {
 public:
     explicit VolumeBuilder(VolumeGeometry geometry = {});
@@ -55,6 +56,7 @@ public:
 
 private:
     void WriteDiskStructures();
+    void WriteEmptyRecords();
     void WriteMetafiles();
 
     VolumeGeometry geometry_;

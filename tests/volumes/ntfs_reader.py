@@ -513,17 +513,9 @@ def saved(volume, item):
     return {'size': len(data), 'sha256': hashlib.sha256(data).hexdigest()}
 
 
-def is_cut(volume, item):
-    """Whether a record lies partly in one piece of the table and partly in the next."""
-    ends = itertools.accumulate(length * volume.cluster for length, _ in volume.mft.runs)
-    return any(end % volume.record_size and end // volume.record_size == item.record.number for end in ends)
-
-
 def is_listed(row, item, listing):
     """Whether a row's name can be found: of several names of a file it is the last, as the records are read."""
-    if item is None or row.notes & {'gone', 'unlinked'} or row.path.endswith('/$MFT'):
-        return False
-    if is_cut(listing.volume, item):
+    if item is None or row.notes & {'gone', 'unlinked'}:
         return False
     return row.folder or 'orphan' in row.notes or listing.path(item.plain[-1]) == row.path
 
