@@ -29,4 +29,13 @@ void ReportContentProgress(std::uint64_t size) {
     }
 }
 
+Bytes ContentBuffer() {
+    constexpr std::size_t kPiece = std::size_t{1} << 20U;
+    static_assert(kPiece <= kBigBlockBytes);
+    if (Engine.ContentBlock == nullptr) {
+        Engine.ContentBlock = MakeBigBlock();
+    }
+    return {Engine.ContentBlock.get(), kPiece};
+}
+
 } // namespace thntfs

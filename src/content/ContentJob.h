@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/system/Bytes.h"
+
 #include <cstdint>
 
 namespace thntfs {
@@ -14,5 +16,10 @@ bool ContentStopped();
 
 /// Sets the progress pair to the bytes written of the file's size and reports it, but not from a preview.
 void ReportContentProgress(std::uint64_t size);
+
+/// The buffer for pieces of a file's exact content: 1 MiB at a page's border, where the system copies
+/// fastest. It is one for all files, so its bytes are good until the next is asked for. Throws
+/// std::bad_alloc.
+Bytes ContentBuffer();
 
 } // namespace thntfs

@@ -13,7 +13,6 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::size_t kExactPiece = std::size_t{1} << 20U;
 constexpr std::uint64_t kPendingBytes = std::uint64_t{16} << 20U;
 
 /// An output file that counts what goes into it, keeps the code of a failed write, and keeps the device busy
@@ -81,12 +80,11 @@ ContentOutcome TakeBy(const Road& road, File& output) {
 
 // The last clusters of a file are read whole, so the buffer has room for them.
 void WriteStream(ExactStream& stream, File& output, ContentOutcome& outcome) {
-    std::vector<std::uint8_t>& buffer = Engine.ContentBuffer;
-    buffer.resize(kExactPiece);
+    const Bytes buffer = ContentBuffer();
     while (Engine.BytesWritten < stream.Size() && !ContentStopped()) {
         const std::size_t bytes = stream.Read(Engine.BytesWritten, buffer, outcome.Missing);
         Engine.BytesWritten += bytes;
-        WriteCatalogue(output, Bytes(buffer).first(bytes));
+        WriteCatalogue(output, buffer.first(bytes));
         ReportContentProgress(stream.Size());
     }
 }

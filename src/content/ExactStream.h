@@ -26,7 +26,7 @@ public:
     /// Reads bytes from an offset on, up to the buffer's size or the stream's end, and gives their number.
     /// Holes are zeros, and so is what can't be had: it is added to `missing`, or stands in StreamDoubts from
     /// then on. What lies in the buffer behind the bytes given is undefined: room for whole clusters there
-    /// spares a read. A buffer of 1 MiB reads fast. Passes CUserException on.
+    /// spares a read. ContentBuffer reads fast. Passes CUserException on.
     std::size_t Read(std::uint64_t offset, Bytes buffer, MissingData& missing);
 
     /// The first offset from one on at which data lies; Size where none does.

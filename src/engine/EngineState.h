@@ -6,6 +6,7 @@
 #include "engine/ScanYield.h"
 #include "engine/StoredRecords.h"
 #include "engine/TableVolume.h"
+#include "platform/system/BigBlock.h"
 
 #include <atomic>
 #include <cstdint>
@@ -64,9 +65,9 @@ struct EngineState {
     std::string ImageFolder;
 
     // Content of one file on its way out.
-    std::uint64_t BytesWritten = 0;          ///< bytes of the current file put out so far
-    std::vector<std::uint8_t> ContentBuffer; ///< kept from file to file
-    bool PreviewActive = false;              ///< the writers send no progress
+    std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far
+    BigBlock ContentBlock;          ///< see ContentBuffer
+    bool PreviewActive = false;     ///< the writers send no progress
     std::vector<std::uint8_t> PreviewBuffer;
     std::uint64_t PreviewLength = 0; ///< valid bytes of PreviewBuffer
 
