@@ -3,7 +3,9 @@
 #include "cli/Output.h"
 #include "engine/EngineState.h"
 #include "platform/system/SizeText.h"
+#include "platform/system/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -17,65 +19,136 @@ std::string SerialText(std::uint64_t serial) {
     return text.data();
 }
 
+std::string SizeInSectors(std::uint64_t totalSectors) {
+    return std::to_string(totalSectors) + " sectors (" +
+           ByteText(totalSectors * Engine.SourceDisk.BytesPerSector) + ")";
+}
+
 std::string PlaceText(std::uint64_t startSector, std::uint64_t totalSectors) {
-    return "start sector " + std::to_string(startSector) + ", " + std::to_string(totalSectors) +
-           " sectors (" + ByteText(totalSectors * Engine.SourceDisk.BytesPerSector) + ")";
+    return "start sector " + std::to_string(startSector) + ", " + SizeInSectors(totalSectors);
+}
+
+std::string PlaceText(const PartitionCandidate& candidate) {
+    const std::uint64_t before = SectorsBeforeMedium(candidate);
+    return before == 0 ? PlaceText(candidate.StartSector, candidate.TotalSectors)
+                       : "begins " + CountText(before, "sector", "sectors") + " before the medium, " +
+                             SizeInSectors(candidate.TotalSectors);
 }
 
 std::string UnusableText(const TableVolume& entry) {
     return PlaceText(entry.StartSector, entry.TotalSectors) + ": " + ProblemText(entry.State);
 }
 
+const char* SourceWord(VolumeSource source) {
+    switch (source) {
+    case VolumeSource::Mbr:
+        return "mbr";
+    case VolumeSource::Gpt:
+        return "gpt";
+    case VolumeSource::GptBackup:
+        return "gpt-backup";
+    case VolumeSource::WholeMedium:
+        return "whole";
+    case VolumeSource::Search:
+        return "search";
+    default:
+        return "saved";
+    }
+}
+
+std::string FactsText(const VolumeFacts& facts) {
+    std::string text = ", " + SourceText(facts.Source);
+    if (!facts.Examined) {
+        return text;
+    }
+    if (!facts.Verified) {
+        return text + ", not verified: no file table stands where it should";
+    }
+    text += ", verified, " + CountText(facts.Records, "record", "records");
+    if (!facts.Label.empty()) {
+        text += ", label \"";
+        AppendPrintable(text, NarrowText(facts.Label));
+        text += '"';
+    }
+    return text;
+}
+
+std::string CandidateText(unsigned number, const PartitionCandidate& candidate, const VolumeFacts& facts) {
+    return std::to_string(number) + "  " + PlaceText(candidate) + ", clusters of " +
+           std::to_string(candidate.ClusterBytes) + " bytes, records of " +
+           std::to_string(candidate.FileRecordBytes) + " bytes, serial " +
+           SerialText(candidate.VolumeSerial) + FactsText(facts);
+}
+
+nlohmann::ordered_json CandidateJson(unsigned number, const PartitionCandidate& candidate,
+                                     const VolumeFacts& facts) {
+    nlohmann::ordered_json json = {{"number", number},
+                                   {"startSector", candidate.StartSector},
+                                   {"totalSectors", candidate.TotalSectors},
+                                   {"bytesPerSector", candidate.BytesPerSector},
+                                   {"sectorsPerCluster", candidate.SectorsPerCluster},
+                                   {"clusterBytes", candidate.ClusterBytes},
+                                   {"fileRecordBytes", candidate.FileRecordBytes},
+                                   {"indexBlockBytes", candidate.IndexBlockBytes},
+                                   {"mftSector", candidate.MftSector},
+                                   {"mftCluster", candidate.MftCluster},
+                                   {"mftMirrCluster", candidate.MftMirrCluster},
+                                   {"serial", SerialText(candidate.VolumeSerial)},
+                                   {"evidence", candidate.EvidenceFlags},
+                                   {"table", SourceWord(facts.Source)},
+                                   {"verified", facts.Verified},
+                                   {"label", NarrowText(facts.Label)},
+                                   {"records", facts.Records}};
+    if (const std::uint64_t before = SectorsBeforeMedium(candidate); before != 0) {
+        json["sectorsBeforeMedium"] = before;
+    }
+    return json;
+}
+
+// The candidate that stands for an entry which can't be taken; null where none does.
+const ListedVolume* FoundElsewhere(const std::vector<ListedVolume>& volumes, const TableVolume& entry) {
+    const auto found = std::find_if(volumes.begin(), volumes.end(), [&entry](const ListedVolume& volume) {
+        return volume.Candidate != nullptr && volume.Candidate->StartSector == entry.StartSector;
+    });
+    return found == volumes.end() ? nullptr : &*found;
+}
+
 } // namespace
-
-std::string CandidateText(unsigned number, const PartitionCandidate& candidate) {
-    return std::to_string(number) + "  " + PlaceText(candidate.StartSector, candidate.TotalSectors) +
-           ", clusters of " + std::to_string(candidate.ClusterBytes) + " bytes, records of " +
-           std::to_string(candidate.FileRecordBytes) + " bytes, serial " + SerialText(candidate.VolumeSerial);
-}
-
-nlohmann::ordered_json CandidateJson(unsigned number, const PartitionCandidate& candidate) {
-    return {{"number", number},
-            {"startSector", candidate.StartSector},
-            {"totalSectors", candidate.TotalSectors},
-            {"bytesPerSector", candidate.BytesPerSector},
-            {"sectorsPerCluster", candidate.SectorsPerCluster},
-            {"clusterBytes", candidate.ClusterBytes},
-            {"fileRecordBytes", candidate.FileRecordBytes},
-            {"indexBlockBytes", candidate.IndexBlockBytes},
-            {"mftSector", candidate.MftSector},
-            {"mftCluster", candidate.MftCluster},
-            {"mftMirrCluster", candidate.MftMirrCluster},
-            {"serial", SerialText(candidate.VolumeSerial)},
-            {"evidence", candidate.EvidenceFlags}};
-}
 
 std::string VolumeText(const ListedVolume& volume) {
     if (volume.Candidate != nullptr) {
-        return CandidateText(volume.Number, *volume.Candidate);
+        return CandidateText(volume.Number, *volume.Candidate, volume.Facts);
     }
     return std::to_string(volume.Number) + "  " + UnusableText(volume.Entry);
 }
 
 nlohmann::ordered_json VolumeJson(const ListedVolume& volume) {
     if (volume.Candidate != nullptr) {
-        return CandidateJson(volume.Number, *volume.Candidate);
+        return CandidateJson(volume.Number, *volume.Candidate, volume.Facts);
     }
     return {{"number", volume.Number},
             {"startSector", volume.Entry.StartSector},
             {"totalSectors", volume.Entry.TotalSectors},
+            {"table", SourceWord(volume.Entry.Source)},
+            {"encrypted", volume.Entry.State == TableVolumeState::Encrypted},
             {"problem", ProblemText(volume.Entry.State)}};
 }
 
 void TellUnusableVolumes() {
-    bool told = false;
-    for (const ListedVolume& volume : ListVolumes()) {
-        if (volume.Candidate == nullptr) {
-            PrintMessage("Partition " + std::to_string(volume.Number) + ", " + UnusableText(volume.Entry));
-            told = true;
+    const std::vector<ListedVolume> volumes = ListVolumes();
+    bool mayBeDamaged = false;
+    for (const ListedVolume& volume : volumes) {
+        if (volume.Candidate != nullptr) {
+            continue;
         }
+        const ListedVolume* same = FoundElsewhere(volumes, volume.Entry);
+        PrintMessage("Partition " + std::to_string(volume.Number) + ", " + UnusableText(volume.Entry) +
+                     (same == nullptr ? ""
+                                      : "; partition " + std::to_string(same->Number) +
+                                            " is what is left of its volume"));
+        mayBeDamaged = mayBeDamaged || (same == nullptr && volume.Entry.State != TableVolumeState::Encrypted);
     }
-    if (told) {
+    if (mayBeDamaged) {
         PrintMessage("It holds another file system, or its beginning is damaged. --search thorough finds an "
                      "NTFS volume in spite of that.");
     }

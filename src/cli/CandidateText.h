@@ -7,13 +7,7 @@
 
 namespace thntfs {
 
-/// One candidate as a line for people.
-std::string CandidateText(unsigned number, const PartitionCandidate& candidate);
-
-/// One candidate as a JSON object.
-nlohmann::ordered_json CandidateJson(unsigned number, const PartitionCandidate& candidate);
-
-/// The same of a line of the list of volumes, which may be one that can't be taken.
+/// A line of the list of volumes, which may be one that can't be taken, for people and as a JSON object.
 std::string VolumeText(const ListedVolume& volume);
 nlohmann::ordered_json VolumeJson(const ListedVolume& volume);
 

@@ -8,7 +8,7 @@
 #include "engine/EngineState.h"
 #include "partitions/DiskEnumeration.h"
 #include "partitions/OpenSource.h"
-#include "partitions/PartitionTable.h"
+#include "partitions/ReadVolumes.h"
 #include "platform/media/DiskIdentity.h"
 #include "platform/media/Medium.h"
 #include "platform/media/TargetDisk.h"
@@ -43,10 +43,12 @@ void AddDisk(Lines& lines, const DiskProperties& disk) {
 
 /// Opens the target as a source for a moment, as any disk whose volumes are listed.
 void AddVolumes(Lines& lines, const std::string& path) {
-    if (OpenSource(path) == kErrorNone && ReadPartitionTable()) {
-        unsigned number = 0;
-        for (const PartitionCandidate& candidate : Engine.SourceDisk.Partitions) {
-            lines.push_back("NTFS volume " + CandidateText(++number, candidate));
+    if (OpenSource(path) == kErrorNone) {
+        ReadVolumes();
+        for (const ListedVolume& volume : ListVolumes()) {
+            if (volume.Candidate != nullptr) {
+                lines.push_back("NTFS volume " + VolumeText(volume));
+            }
         }
     }
     ResetEngineState();

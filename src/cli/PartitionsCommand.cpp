@@ -5,7 +5,9 @@
 #include "cli/ScanInfoSteps.h"
 #include "cli/Session.h"
 #include "engine/EngineState.h"
+#include "partitions/ExamineVolumes.h"
 #include "partitions/VolumeList.h"
+#include "platform/system/Interrupt.h"
 
 #include <algorithm>
 
@@ -64,6 +66,7 @@ int WithMissingVolumes(int code) {
 int RunPartitions(const Options& options) {
     Session session(options);
     int code = session.OpenMedium();
+    ExamineVolumes([] { return !WasInterrupted(); });
     if (!Engine.SourceDisk.Partitions.empty()) {
         TellUnusableVolumes();
         code = SaveScanInfo(options, WithMissingVolumes(code));

@@ -9,22 +9,22 @@
 
 namespace thntfs {
 
-void BeginWantedScan(const Options& options) {
+void BeginWantedScan(const Options& options, unsigned volumeNumber) {
     if (options.Turbo) {
         Engine.VolumeParams.TurboScanRun = 1;
-        LogTurboScanStarted(options.Partition.value_or(1));
+        LogTurboScanStarted(volumeNumber);
     } else {
         LogBasicScanStarted();
     }
 }
 
-bool RunWantedScan(const Options& options, TerminalHost& host) {
+bool RunWantedScan(const Options& options, TerminalHost& host, unsigned volumeNumber) {
     const ScanReach reach{.Exact = !options.AsStored, .Deep = options.Deep};
     bool complete = false;
     if (options.Turbo) {
         host.Bar.Begin("Turbo scanning", ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
         complete = TurboScan(reach) != 0;
-        LogTurboScanEnded(options.Partition.value_or(1), complete);
+        LogTurboScanEnded(volumeNumber, complete);
     } else {
         host.Bar.Begin("Scanning", ProgressBar::Unit::Record);
         complete = BasicScan(reach) != 0;

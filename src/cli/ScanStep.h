@@ -6,10 +6,11 @@
 namespace thntfs {
 
 /// Writes to the log that the scan which the words choose begins, before its catalogue is made.
-void BeginWantedScan(const Options& options);
+/// `volumeNumber` is that of the volume in use.
+void BeginWantedScan(const Options& options, unsigned volumeNumber);
 
 /// Scans the volume in use into the open catalogue, with progress. False where the scan was stopped.
-bool RunWantedScan(const Options& options, TerminalHost& host);
+bool RunWantedScan(const Options& options, TerminalHost& host, unsigned volumeNumber);
 
 /// Says what the scan could not read, if anything. Gives kExitFailed where there was no table at all and
 /// nothing has told that yet.

@@ -25,7 +25,7 @@ int SearchMedium(const Options& options, TerminalHost& host) {
     host.Bar.Begin("Searching", ProgressBar::Unit::Sector, disk.BytesPerSector);
     host.SearchFrom(first);
     LogSearchStarted(first, end);
-    const std::uint32_t complete = RunPartitionSearch(*options.Search, first, end);
+    const std::uint32_t complete = SearchVolumes(*options.Search, first, end);
     Engine.ScanRunFlag = 0;
     host.Bar.End();
     LogSearchEnded(complete != 0);

@@ -10,7 +10,8 @@
 #include "cli/VolumeChoice.h"
 #include "content/WorkPlace.h"
 #include "engine/EngineState.h"
-#include "partitions/PartitionTable.h"
+#include "partitions/ExamineVolumes.h"
+#include "partitions/ReadVolumes.h"
 #include "platform/system/Interrupt.h"
 #include "scaninfo/JobLog.h"
 #include "scaninfo/PartitionInfoFile.h"
@@ -76,8 +77,9 @@ int Session::LoadTree() {
 int Session::LoadPartitions() {
     const ScanInfoResult result = LoadPartitionInfo(options_.Medium, [this] {
         TellChangedMedium();
+        ExamineVolumes([] { return !WasInterrupted(); });
         if (options_.Chosen != Command::Partitions && !Engine.SourceDisk.Partitions.empty()) {
-            volumeTaken_ = TakeWantedVolume(options_, Host);
+            volumeTaken_ = TakeWantedVolume(options_, Host, volumeNumber_);
         }
     });
     if (!result.Done) {
@@ -96,7 +98,7 @@ int Session::OpenWantedMedium() {
         (options_.Search || ScanInfoKindOfName(options_.Medium) == ScanInfoKind::None)) {
         return Refuse(options_.Medium + " is empty: there is not one sector to read.");
     }
-    return options_.Search ? SearchVolumes() : ReadVolumes();
+    return options_.Search ? SearchVolumes() : ReadTables();
 }
 
 int Session::SearchVolumes() {
@@ -106,8 +108,8 @@ int Session::SearchVolumes() {
     return code;
 }
 
-int Session::ReadVolumes() {
-    const bool found = ReadPartitionTable();
+int Session::ReadTables() {
+    const bool found = ReadVolumes();
     if (WasInterrupted()) {
         return TellEarlyStop();
     }
@@ -125,7 +127,7 @@ int Session::OpenVolume() {
     if (saved_.Kind == ScanInfoKind::Tree) {
         return kExitDone;
     }
-    return volumeTaken_ ? *volumeTaken_ : TakeWantedVolume(options_, Host);
+    return volumeTaken_ ? *volumeTaken_ : TakeWantedVolume(options_, Host, volumeNumber_);
 }
 
 int Session::MakeCatalogueFolder() {
@@ -148,11 +150,11 @@ int Session::ScanVolume() {
         return code;
     }
     SetUnlessInterrupted(Engine.ScanRunFlag);
-    BeginWantedScan(options_);
+    BeginWantedScan(options_, volumeNumber_);
     if (CreateCatalogue() == 0) {
         return TellNoCatalogue();
     }
-    complete_ = RunWantedScan(options_, Host);
+    complete_ = RunWantedScan(options_, Host, volumeNumber_);
     CloseCatalogue();
     Host.Bar.End();
     if (!complete_) {

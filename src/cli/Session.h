@@ -46,7 +46,7 @@ public:
 private:
     int OpenWantedMedium();
     int SearchVolumes();
-    int ReadVolumes();
+    int ReadTables();
     int TellNoVolume();
     int LoadSavedResult(ScanInfoKind kind);
     int LoadTree();
@@ -59,6 +59,7 @@ private:
     WorkFolder folder_;
     ScanInfoProbe saved_;            ///< what the file in place of the medium is, if it is one
     std::optional<int> volumeTaken_; ///< exit code of taking a candidate, once that was done
+    unsigned volumeNumber_ = 1;
     bool complete_ = true;
 };
 

@@ -4,11 +4,13 @@
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "engine/ClusterSize.h"
-#include "engine/LocateMft.h"
+#include "partitions/ExamineVolumes.h"
 #include "partitions/OpenSource.h"
 #include "partitions/VolumeList.h"
 #include "platform/system/Interrupt.h"
 #include "scaninfo/JobLog.h"
+
+#include <algorithm>
 
 namespace thntfs {
 
@@ -21,15 +23,37 @@ void TellVolumes(const std::string& text, const std::vector<ListedVolume>& volum
     }
 }
 
-// Gives the candidate that the words choose; null, with the exit code, where they choose none.
-const PartitionCandidate* ChooseVolume(const std::optional<unsigned>& wanted, int& code) {
-    const std::vector<ListedVolume> volumes = ListVolumes();
-    const unsigned number = wanted.value_or(1);
-    code = kExitWrongWords;
-    if (!wanted && volumes.size() > 1) {
+// The number where the words give none: that of the only volume, or of the only verified one. 0 where more
+// come into question.
+unsigned NumberWithoutWords(const std::vector<ListedVolume>& volumes) {
+    if (volumes.size() == 1) {
+        return 1;
+    }
+    const ListedVolume* verified = OnlyVerified(volumes);
+    if (verified == nullptr) {
         TellVolumes("There are " + std::to_string(volumes.size()) +
                         " partitions; choose one with --partition N:",
                     volumes);
+        return 0;
+    }
+    PrintMessage("Of " + std::to_string(volumes.size()) +
+                 " partitions the only verified one is taken: " + VolumeText(*verified));
+    return verified->Number;
+}
+
+int RefuseVolume(const ListedVolume& volume) {
+    const bool encrypted = volume.Entry.State == TableVolumeState::Encrypted;
+    return Refuse("Partition " + std::to_string(volume.Number) +
+                  " can't be taken: " + ProblemText(volume.Entry.State) +
+                  (encrypted ? "." : ". --search thorough looks for its volume."));
+}
+
+// Gives the candidate that the words choose; null, with the exit code, where they choose none.
+const PartitionCandidate* ChooseVolume(const std::optional<unsigned>& wanted, unsigned& number, int& code) {
+    const std::vector<ListedVolume> volumes = ListVolumes();
+    number = wanted ? *wanted : NumberWithoutWords(volumes);
+    code = kExitWrongWords;
+    if (number == 0) {
         return nullptr;
     }
     if (number > volumes.size()) {
@@ -38,17 +62,16 @@ const PartitionCandidate* ChooseVolume(const std::optional<unsigned>& wanted, in
     }
     const ListedVolume& chosen = volumes[number - 1];
     if (chosen.Candidate == nullptr) {
-        code = Refuse("Partition " + std::to_string(number) + " can't be taken: " +
-                      ProblemText(chosen.Entry.State) + ". --search thorough looks for its volume.");
+        code = RefuseVolume(chosen);
     }
     return chosen.Candidate;
 }
 
 } // namespace
 
-int TakeWantedVolume(const Options& options, TerminalHost& host) {
+int TakeWantedVolume(const Options& options, TerminalHost& host, unsigned& number) {
     int code = kExitDone;
-    const PartitionCandidate* candidate = ChooseVolume(options.Partition, code);
+    const PartitionCandidate* candidate = ChooseVolume(options.Partition, number, code);
     if (candidate == nullptr) {
         return code;
     }
@@ -56,8 +79,8 @@ int TakeWantedVolume(const Options& options, TerminalHost& host) {
     if (const std::string fault = ClusterFault(); !fault.empty()) {
         return Refuse(fault + " Look for other traces of the volume with --search thorough.");
     }
-    if (LocateMft()) {
-        host.LogEvent(PartitionChosenEntry(options.Partition.value_or(1), *candidate));
+    if (LocateTable()) {
+        host.LogEvent(PartitionChosenEntry(number, *candidate));
         return kExitDone;
     }
     if (WasInterrupted()) {
@@ -77,13 +100,20 @@ int TellNoVolumeInTable(const Options& options) {
         return Refuse(options.Medium + " can't be read: " + SystemErrorText(answer.FirstSector) +
                       " If it is a disk, look whether it is still attached.");
     }
+    const std::vector<ListedVolume> volumes = ListVolumes();
+    const auto isEncrypted = [](const ListedVolume& volume) {
+        return volume.Entry.State == TableVolumeState::Encrypted;
+    };
     if (answer.FirstSector != kErrorNone) {
         PrintMessage("The partition table of " + options.Medium +
                      " can't be read: " + SystemErrorText(answer.FirstSector));
-    } else {
+    } else if (std::none_of(volumes.begin(), volumes.end(), isEncrypted)) {
         PrintMessage("No NTFS volume stands in the partition table of " + options.Medium + ".");
     }
     TellUnusableVolumes();
+    if (!volumes.empty() && std::all_of(volumes.begin(), volumes.end(), isEncrypted)) {
+        return kExitFailed;
+    }
     return Refuse("Use --search quick or --search thorough to find volumes that the table doesn't name.");
 }
 

@@ -55,6 +55,7 @@ void ResetEngineState() {
     Engine.Table.reset();
     Engine.Found.reset();
     Engine.TableVolumes.clear();
+    Engine.VolumeFacts.clear();
     Engine.SearchLimits = 0;
     ++Engine.VolumeInWork;
 }

@@ -6,11 +6,13 @@
 #include "engine/ScanYield.h"
 #include "engine/StoredRecords.h"
 #include "engine/TableVolume.h"
+#include "engine/VolumeFacts.h"
 #include "platform/system/BigBlock.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,8 +43,10 @@ struct EngineState {
     DiskRecord SourceDisk; ///< the medium under recovery
     thntfs::VolumeParams VolumeParams;
     std::vector<TableVolume>
-        TableVolumes;              ///< of SourceDisk's partition table, in its order, the usable ones
-                                   ///< among them its candidates; empty where these come from elsewhere
+        TableVolumes; ///< of SourceDisk's partition tables, in their order, the usable ones
+                      ///< among them its first candidates; of a search the encrypted ones
+    std::vector<thntfs::VolumeFacts> VolumeFacts; ///< of the candidates, by position; may hold fewer
+    std::optional<std::uint64_t> UnreadLook; ///< first sector of a single look (LookAt) that failed
     std::uint8_t SearchLimits = 0; ///< bits kLimit… of the search that the candidates come from
 
     // The catalogue: three files and the folder tree, which exists only while a scan writes.

@@ -3,6 +3,8 @@
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 
+#include <algorithm>
+
 namespace thntfs {
 
 namespace {
@@ -17,6 +19,9 @@ constexpr std::uint64_t kIndexSizeAt = 68;
 constexpr std::uint64_t kSerialAt = 72;
 
 constexpr std::uint16_t kBitNine = 0x200;
+
+// The records of every driver are smaller.
+constexpr std::uint32_t kMaxVolumeRecordBytes = 32768;
 
 bool IsPossibleSectorSize(std::uint16_t bytes) {
     return (bytes & kLowNineBits) == 0 && (bytes == kBitNine || (bytes & kBitNine) == 0);
@@ -118,6 +123,29 @@ void DecodeFoundBootSector(ConstBytes sector, std::uint64_t start, PartitionCand
     candidate.SectorsPerFileRecord = sectorsOf(kRecordSizeAt);
     candidate.FileRecordBytes =
         static_cast<std::uint16_t>(candidate.SectorsPerFileRecord * candidate.BytesPerSector);
+}
+
+bool DecodeVolume(ConstBytes sector, std::uint64_t start, std::uint64_t totalSectors,
+                  PartitionCandidate& candidate) {
+    DecodeTableBootSector(sector, start, 0, candidate);
+    const std::uint32_t medium = Engine.SourceDisk.BytesPerSector;
+    const std::uint64_t clusterBytes = std::uint64_t{candidate.BytesPerSector} * candidate.SectorsPerCluster;
+    if (medium == 0 || clusterBytes < medium || clusterBytes % medium != 0 ||
+        clusterBytes > kMaxClusterBytes || candidate.FileRecordBytes < medium ||
+        candidate.FileRecordBytes % medium != 0 || candidate.FileRecordBytes > kMaxVolumeRecordBytes) {
+        return false;
+    }
+    candidate.TotalSectors = totalSectors;
+    if (totalSectors == 0) {
+        candidate.TotalSectors = BootTotalSectors(sector) * candidate.BytesPerSector / medium;
+    }
+    candidate.SectorsPerCluster = static_cast<std::uint32_t>(clusterBytes) / medium;
+    candidate.SectorsPerFileRecord = static_cast<std::uint8_t>(candidate.FileRecordBytes / medium);
+    candidate.SectorsPerIndexBlock =
+        static_cast<std::uint8_t>(std::max(1U, candidate.IndexBlockBytes / medium));
+    candidate.BytesPerSector = static_cast<std::uint16_t>(medium);
+    candidate.MftSector = start + candidate.MftCluster * candidate.SectorsPerCluster;
+    return true;
 }
 
 } // namespace thntfs

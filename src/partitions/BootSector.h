@@ -27,4 +27,10 @@ void DecodeTableBootSector(ConstBytes sector, std::uint64_t start, std::uint32_t
 /// size is taken as it stands, and IndexBlockBytes stays 0.
 void DecodeFoundBootSector(ConstBytes sector, std::uint64_t start, PartitionCandidate& candidate);
 
+/// The first form, in sectors of the medium whatever sectors the boot sector counts by, and with
+/// `totalSectors` of any size; 0 stands for what the boot sector says. False where a cluster or a record
+/// isn't whole sectors of the medium.
+bool DecodeVolume(ConstBytes sector, std::uint64_t start, std::uint64_t totalSectors,
+                  PartitionCandidate& candidate);
+
 } // namespace thntfs

@@ -20,6 +20,7 @@ std::uint64_t FarthestBelow(const PartitionCandidate& wanted) {
 CandidateIndex::CandidateIndex() {
     Engine.SourceDisk.Partitions.clear();
     Engine.TableVolumes.clear();
+    Engine.VolumeFacts.clear();
     Engine.SearchLimits = 0;
 }
 

@@ -39,7 +39,7 @@ bool IsLink(std::uint8_t type) { return type == 0x05 || type == 0x0F || type == 
 
 void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
     // A read that ends the walk leaves it as what couldn't be read.
-    Engine.TableVolumes.push_back({start, sectorCount, TableVolumeState::Unreadable});
+    Engine.TableVolumes.push_back({start, sectorCount, TableVolumeState::Unreadable, VolumeSource::Mbr});
     std::vector<std::uint8_t> sector(
         std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
     const ReadOutcome outcome = ReadSectors(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), start);
@@ -57,7 +57,7 @@ void AddVolume(std::uint64_t start, std::uint32_t sectorCount) {
 // stands for itself: without it no volume is known.
 void NoteLostTable(std::uint64_t tableSector, const ReadOutcome& outcome) {
     if (tableSector != 0 && !outcome.Whole()) {
-        Engine.TableVolumes.push_back({tableSector, 0, TableVolumeState::LostTable});
+        Engine.TableVolumes.push_back({tableSector, 0, TableVolumeState::LostTable, VolumeSource::Mbr});
     }
 }
 
@@ -98,6 +98,7 @@ void WalkTables() {
 bool ReadPartitionTable() {
     Engine.SourceDisk.Partitions.clear();
     Engine.TableVolumes.clear();
+    Engine.VolumeFacts.clear();
     Engine.SearchLimits = 0;
     try {
         WalkTables();

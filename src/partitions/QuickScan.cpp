@@ -3,6 +3,7 @@
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
 #include "partitions/BootSectorRoute.h"
+#include "partitions/LostStarts.h"
 #include "partitions/PartitionSearch.h"
 #include "platform/media/Medium.h"
 
@@ -34,18 +35,22 @@ void CountLoss(std::uint64_t sector, const ReadOutcome& outcome) {
 }
 
 void Probe(std::vector<std::uint8_t>& buffer, std::uint64_t sector, std::uint64_t endSector,
-           CandidateIndex& index) {
+           CandidateIndex& index, LostStarts* traces) {
     Host().SearchPosition(sector, endSector);
     CountLoss(sector, ReadSectorsCleared(buffer, sector));
     const ConstBytes first = ConstBytes(buffer).first(kBootSectorBytes);
     if (IsNtfsBootSector(first)) {
         FollowBootSector(first, sector, SecondSight::Ignore, index);
     }
+    for (std::size_t i = 0; traces != nullptr && i < kProbeSectors; ++i) {
+        const std::size_t sectorBytes = buffer.size() / kProbeSectors;
+        traces->NoteSector(ConstBytes(buffer).subspan(i * sectorBytes, sectorBytes), sector + i);
+    }
 }
 
 } // namespace
 
-std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
+std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector, LostStarts* traces) {
     std::uint64_t position = RoundToCylinder(firstSector, 0);
     const std::uint64_t end = RoundToCylinder(endSector, kCylinderSectors);
     Engine.Losses = ScanLosses();
@@ -57,11 +62,11 @@ std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
     }
     try {
         while (position < end && JobMayGoOn()) {
-            Probe(buffer, position, end, index);
+            Probe(buffer, position, end, index, traces);
             if (!JobMayGoOn()) {
                 break;
             }
-            Probe(buffer, position + kTrackSectors, end, index);
+            Probe(buffer, position + kTrackSectors, end, index, traces);
             position += kCylinderSectors;
         }
         Host().SearchPosition(std::min(position, end), end);
@@ -73,11 +78,6 @@ std::uint32_t QuickScan(std::uint64_t firstSector, std::uint64_t endSector) {
         Engine.SourceDisk.MediaHandle->ExpectScatteredReads(false);
     }
     return Engine.ScanRunFlag;
-}
-
-std::uint32_t RunPartitionSearch(SearchMethod method, std::uint64_t firstSector, std::uint64_t endSector) {
-    return method == SearchMethod::Thorough ? ThoroughScan(firstSector, endSector)
-                                            : QuickScan(firstSector, endSector);
 }
 
 } // namespace thntfs

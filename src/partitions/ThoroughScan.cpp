@@ -4,6 +4,7 @@
 #include "engine/SectorReader.h"
 #include "partitions/BootSector.h"
 #include "partitions/BootSectorRoute.h"
+#include "partitions/LostStarts.h"
 #include "partitions/MftEvidence.h"
 #include "partitions/PartitionSearch.h"
 
@@ -21,8 +22,9 @@ constexpr std::uint8_t kNopOfJump = 0x90;
 
 class SectorWalk {
 public:
-    SectorWalk(std::uint64_t firstSector, std::uint64_t endSector)
-        : position_(firstSector)
+    SectorWalk(std::uint64_t firstSector, std::uint64_t endSector, LostStarts* traces)
+        : traces_(traces)
+        , position_(firstSector)
         , end_(endSector)
         , sectorBytes_(Engine.SourceDisk.BytesPerSector)
         , buffer_(kBatchSectors * sectorBytes_) {}
@@ -71,6 +73,9 @@ private:
 
     void ExamineSlot(std::size_t slot) {
         const ConstBytes sector = ConstBytes(buffer_).subspan(slot * sectorBytes_, sectorBytes_);
+        if (traces_ != nullptr) {
+            traces_->NoteSector(sector, position_ + slot);
+        }
         if (sector[2] == kNopOfJump && IsNtfsBootSector(sector)) {
             FollowBootSector(sector.first(kBootSectorBytes), position_ + slot, SecondSight::Mark, index_);
         } else if (U32At(sector, 0) == kFileMagic &&
@@ -94,6 +99,7 @@ private:
         evidence_.Examine(record_, position_ + slot);
     }
 
+    LostStarts* traces_;
     std::uint64_t position_;
     std::uint64_t end_;
     std::size_t sectorBytes_;
@@ -105,12 +111,12 @@ private:
 
 } // namespace
 
-std::uint32_t ThoroughScan(std::uint64_t firstSector, std::uint64_t endSector) {
+std::uint32_t ThoroughScan(std::uint64_t firstSector, std::uint64_t endSector, LostStarts* traces) {
     if (Engine.SourceDisk.BytesPerSector < kBootSectorBytes) {
         return Engine.ScanRunFlag;
     }
     Engine.Losses = ScanLosses();
-    SectorWalk walk(firstSector, endSector);
+    SectorWalk walk(firstSector, endSector, traces);
     try {
         walk.Run();
     } catch (const CUserException&) {

@@ -3,12 +3,27 @@
 #include "partitions/CandidateIndex.h"
 #include "partitions/MftEvidence.h"
 
+#include <algorithm>
+
 namespace thntfs {
 
 namespace {
 
-unsigned NextNumber(const std::vector<ListedVolume>& volumes) {
-    return static_cast<unsigned>(volumes.size() + 1);
+// The place of a volume's kind in the list.
+int RankOf(const ListedVolume& volume) {
+    switch (volume.Source) {
+    case VolumeSource::Mbr:
+    case VolumeSource::Gpt:
+    case VolumeSource::GptBackup:
+        return 0;
+    default:
+        return volume.Candidate == nullptr ? 3 : volume.Facts.Verified ? 1 : 2;
+    }
+}
+
+VolumeFacts FactsOf(const PartitionCandidate& candidate) {
+    const auto at = static_cast<std::size_t>(&candidate - Engine.SourceDisk.Partitions.data());
+    return at < Engine.VolumeFacts.size() ? Engine.VolumeFacts[at] : VolumeFacts();
 }
 
 } // namespace
@@ -19,18 +34,57 @@ std::vector<ListedVolume> ListVolumes() {
     auto candidate = candidates.begin();
     for (const TableVolume& entry : Engine.TableVolumes) {
         const bool usable = entry.State == TableVolumeState::Usable && candidate != candidates.end();
-        volumes.push_back({NextNumber(volumes), usable ? &*candidate++ : nullptr, entry});
+        volumes.push_back({0, usable ? &*candidate : nullptr, entry.Source, entry, {}});
+        candidate += usable ? 1 : 0;
     }
     for (; candidate != candidates.end(); ++candidate) {
-        volumes.push_back({NextNumber(volumes), &*candidate, {}});
+        volumes.push_back({0, &*candidate, FactsOf(*candidate).Source, {}, {}});
+    }
+    for (ListedVolume& volume : volumes) {
+        volume.Facts = volume.Candidate == nullptr ? VolumeFacts() : FactsOf(*volume.Candidate);
+    }
+    std::stable_sort(volumes.begin(), volumes.end(), [](const ListedVolume& one, const ListedVolume& other) {
+        return RankOf(one) < RankOf(other);
+    });
+    for (std::size_t i = 0; i < volumes.size(); ++i) {
+        volumes[i].Number = static_cast<unsigned>(i + 1);
     }
     return volumes;
+}
+
+const ListedVolume* OnlyVerified(const std::vector<ListedVolume>& volumes) {
+    const auto isVerified = [](const ListedVolume& volume) { return volume.Facts.Verified; };
+    const auto found = std::find_if(volumes.begin(), volumes.end(), isVerified);
+    return found != volumes.end() && std::none_of(found + 1, volumes.end(), isVerified) ? &*found : nullptr;
+}
+
+std::uint64_t SectorsBeforeMedium(const PartitionCandidate& volume) {
+    return volume.StartSector >= std::uint64_t{1} << 63U ? ~volume.StartSector + 1 : 0;
+}
+
+std::string SourceText(VolumeSource source) {
+    switch (source) {
+    case VolumeSource::Mbr:
+        return "MBR";
+    case VolumeSource::Gpt:
+        return "GPT";
+    case VolumeSource::GptBackup:
+        return "backup GPT";
+    case VolumeSource::WholeMedium:
+        return "whole medium";
+    case VolumeSource::Search:
+        return "search";
+    default:
+        return "saved list";
+    }
 }
 
 std::string ProblemText(TableVolumeState state) {
     switch (state) {
     case TableVolumeState::NoBootSector:
         return "no NTFS boot sector stands there";
+    case TableVolumeState::Encrypted:
+        return "this volume is fully encrypted; unlock or decrypt it with its own system first";
     case TableVolumeState::LostTable:
         return "the table of the partitions from here on can't be read";
     default:

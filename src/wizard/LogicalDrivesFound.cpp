@@ -32,7 +32,7 @@ void SetFrameStatus(const QString& text) {
 void RunSearch(const SearchRequest& request, MessageTarget* dialog) {
     std::uint32_t ranOut = 0;
     try {
-        ranOut = RunPartitionSearch(request.ScanMethod, request.FirstSector, request.EndSector);
+        ranOut = SearchVolumes(request.ScanMethod, request.FirstSector, request.EndSector);
     } catch (const CUserException&) {
         // The user has seen the box. The search counts as stopped.
     } catch (const std::exception& failure) {

@@ -2,7 +2,8 @@
 
 #include "engine/EngineState.h"
 #include "partitions/OpenSource.h"
-#include "partitions/PartitionTable.h"
+#include "partitions/ReadVolumes.h"
+#include "partitions/VolumeList.h"
 #include "shell/Boxes.h"
 #include "shell/WaitCursor.h"
 #include "shell/WindowMessages.h"
@@ -14,7 +15,7 @@ namespace {
 
 bool TableNamesVolumes() {
     const WaitCursor slow; // a failing disk takes its time
-    return ReadPartitionTable();
+    return ReadVolumes();
 }
 
 // A medium that gives nothing at all has no missing table: the reason comes first.
@@ -30,11 +31,22 @@ void TellUnreadableMedium(const std::string& path) {
     }
 }
 
+/// A sentence on encrypted volumes, if there is one; else the advice to search.
+QString NoPartitionsText(const ChosenSource& source) {
+    for (const TableVolume& entry : Engine.TableVolumes) {
+        if (entry.State == TableVolumeState::Encrypted) {
+            return QStringLiteral("Start sector %1: %2.")
+                .arg(entry.StartSector)
+                .arg(QString::fromStdString(ProblemText(entry.State)));
+        }
+    }
+    return QString::fromLatin1(source.NoPartitions);
+}
+
 bool ReadTable(const ChosenSource& source) {
     if (!TableNamesVolumes()) {
         TellUnreadableMedium(source.Path);
-        ShowBox(QString::fromLatin1(source.NoPartitions), QStringLiteral("Volume Salvage (NTFS)"),
-                BoxIcon::Stop);
+        ShowBox(NoPartitionsText(source), QStringLiteral("Volume Salvage (NTFS)"), BoxIcon::Stop);
         return false;
     }
     source.LogChosen(false);

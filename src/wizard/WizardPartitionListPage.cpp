@@ -2,7 +2,7 @@
 
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
-#include "engine/LocateMft.h"
+#include "partitions/ExamineVolumes.h"
 #include "platform/system/SizeText.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
@@ -19,27 +19,52 @@ namespace thntfs {
 
 namespace {
 
-QStringList RowTexts(const QString& name, std::uint64_t startSector, std::uint64_t bytes) {
-    return {name, QString::number(static_cast<std::uint32_t>(startSector)),
-            QString::fromStdString(SizeText(bytes))};
+QStringList RowTexts(const QString& name, const QString& start, std::uint64_t bytes) {
+    return {name, start, QString::fromStdString(SizeText(bytes))};
+}
+
+QString LowSector(std::uint64_t sector) { return QString::number(static_cast<std::uint32_t>(sector)); }
+
+QString StartText(const PartitionCandidate& volume) {
+    const std::uint64_t before = SectorsBeforeMedium(volume);
+    return before == 0 ? LowSector(volume.StartSector) : QStringLiteral("%1 before the medium").arg(before);
+}
+
+/// A label may hold anything.
+QString ShownLabel(const std::u16string& label) {
+    QString shown = QString::fromStdU16String(label);
+    for (QChar& unit : shown) {
+        unit = unit.isPrint() || unit.isSurrogate() ? unit : QChar(QChar::ReplacementCharacter);
+    }
+    return shown;
+}
+
+QStringList FactTexts(const VolumeFacts& facts) {
+    return {facts.Verified ? QStringLiteral("Yes") : QStringLiteral("No"),
+            QString::fromStdString(SourceText(facts.Source)), ShownLabel(facts.Label),
+            facts.Verified ? QString::number(facts.Records) : QString()};
 }
 
 QStringList RowTexts(const ListedVolume& volume) {
     if (volume.Candidate != nullptr) {
         return RowTexts(QStringLiteral("NTFS logical drive %1").arg(volume.Number),
-                        volume.Candidate->StartSector,
-                        volume.Candidate->TotalSectors * volume.Candidate->BytesPerSector);
+                        StartText(*volume.Candidate),
+                        volume.Candidate->TotalSectors * volume.Candidate->BytesPerSector) +
+               FactTexts(volume.Facts);
     }
     const QString problem = QString::fromStdString(ProblemText(volume.Entry.State));
     return RowTexts(QStringLiteral("Logical drive %1: %2").arg(volume.Number).arg(problem),
-                    volume.Entry.StartSector, volume.Entry.TotalSectors * Engine.SourceDisk.BytesPerSector);
+                    LowSector(volume.Entry.StartSector),
+                    volume.Entry.TotalSectors * Engine.SourceDisk.BytesPerSector) +
+           QStringList{QString(), QString::fromStdString(SourceText(volume.Entry.Source)), QString(),
+                       QString()};
 }
 
 void Warn(const QString& text) { ShowBox(text, QStringLiteral("Information"), BoxIcon::Warning); }
 
-bool LocateTable() {
+bool LocateTableOfVolume() {
     const WaitCursor slow; // a failing disk takes its time
-    return LocateMft();
+    return LocateTable();
 }
 
 /// Whether the volume that has been taken into use can be. A box tells why not.
@@ -48,7 +73,7 @@ bool CanBeScanned() {
         Warn(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."));
         return false;
     }
-    if (!LocateTable()) {
+    if (!LocateTableOfVolume()) {
         Warn(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
                             "Tools->Turbo Scan."));
         Desktop.StructuresMissing = true;
@@ -61,8 +86,10 @@ bool CanBeScanned() {
 
 CWizardPartitionListPage::CWizardPartitionListPage(WizardState& state, WizardPageOwner& owner)
     : CWizardPage(state, owner, "Select the partition to recover", "ntfsrecoverdata.htm")
-    , list_(new CRowTable(this,
-                          {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size")})) {
+    , list_(
+          new CRowTable(this, {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size"),
+                               QStringLiteral("Verified"), QStringLiteral("Found by"),
+                               QStringLiteral("Label"), QStringLiteral("Records")})) {
     list_->setAccessibleName(QStringLiteral("Logical drives"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(list_);
@@ -89,6 +116,10 @@ void CWizardPartitionListPage::Fill() {
     if (!any) {
         list_->AddRow({QStringLiteral("No Logical Drives Found")});
         return;
+    }
+    {
+        const WaitCursor slow;
+        ExamineVolumes([] { return true; }); // those of a saved list, or behind an aborted search
     }
     volumes_ = ListVolumes();
     for (const ListedVolume& volume : volumes_) {

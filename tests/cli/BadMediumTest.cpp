@@ -66,13 +66,17 @@ TEST_F(BadMediumTest, AVolumeWithoutABootSectorKeepsItsNumberAndIsNotPassedOver)
         .write(std::string(512, '\0').data(), 512);
     const Json left = Json::parse(RunCli({"partitions", image_, "--json"}).Out);
     EXPECT_TRUE(left[0].contains("problem"));
+    EXPECT_EQ(left.back()["startSector"], wanted[0]["startSector"]) << "by the boot sector's copy";
+    EXPECT_TRUE(left.back()["verified"]);
     wanted[0] = left[0];
+    wanted.push_back(left.back());
+    wanted.back()["number"] = 6;
     EXPECT_EQ(left, wanted);
     EXPECT_EQ(RunCli({"list", image_, "-p", "2", "-r"}).Out, second.Out);
     ExpectRefused(1, {"list", image_, "-p", "1"}, "can't be taken");
 
     const std::string pair = MakeWithTable("pair", {{0x07, 64, 64}, {0x07, 128, 16384}});
-    ExpectRefused(2, {"save", pair, "--to", target_}, "1  start sector 64");
+    Expect(0, {"save", pair, "--to", target_}, "the only verified one is taken: 2  start sector 128");
     Expect(0, {"partitions", pair}, "--search");
 }
 

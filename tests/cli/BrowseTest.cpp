@@ -121,7 +121,8 @@ TEST_F(BrowseTest, JsonIsThatOfTheContract) {
               Json::parse(R"([{"number":1,"startSector":128,"totalSectors":16384,"bytesPerSector":512,
                                "sectorsPerCluster":8,"clusterBytes":4096,"fileRecordBytes":1024,
                                "indexBlockBytes":4096,"mftSector":160,"mftCluster":4,"mftMirrCluster":1024,
-                               "serial":"1122334455667788","evidence":0}])"))
+                               "serial":"1122334455667788","evidence":0,"table":"mbr","verified":true,
+                               "label":"","records":256}])"))
         << "the size is that of the table";
     std::map<std::uint32_t, Json> entries;
     for (const Json& entry : JsonLines(Run({"list", "-r"}, {"--json"}).Out)) {

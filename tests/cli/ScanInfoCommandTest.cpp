@@ -1,6 +1,7 @@
 #include "CliFixture.h"
 
 #include <array>
+#include <regex>
 
 namespace thntfs::test {
 
@@ -55,7 +56,7 @@ TEST_F(ScanInfoCommandTest, ASavedScanServesEveryCommand) {
             Words loaded = words;
             loaded[1] = saved;
             const RunResult got = Expect(0, loaded);
-            EXPECT_EQ(got.Out, wanted.Out);
+            EXPECT_EQ(got.Out, std::regex_replace(wanted.Out, std::regex("\"mbr\""), "\"saved\""));
             EXPECT_EQ(got.Err, "");
         }
     }

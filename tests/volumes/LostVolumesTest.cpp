@@ -124,14 +124,14 @@ const Lines kNewerVolume = {"--search", "thorough", "--partition", "1", "--turbo
 INSTANTIATE_TEST_SUITE_P(
     Wreckage, LostVolumeTest,
     testing::Values(
-        WreckCase{"NoPartitionTable", WipeTable, {}, {"2048 e3"}, kThorough, 54},
-        WreckCase{"NoBootSector", WipeBoot, {}, {"2048 e2"}, kThorough, 54},
+        WreckCase{"NoPartitionTable", WipeTable, {"2048 e8"}, {"2048 e3"}, kThorough, 54},
+        WreckCase{"NoBootSector", WipeBoot, {"2048 e8"}, {"2048 e2"}, kThorough, 54},
         WreckCase{"NoBootSectorNoBackup", WipeBootAndBackup, {}, {"2048 e2"}, kThorough, 54},
-        WreckCase{"FirstMegabyteOverwritten", OverwriteFirstMegabyte, {}, {"2048 e4"}, kThorough, 2},
-        WreckCase{"OddSector", MoveToOddSector, {}, {"1234 e3"}, kThorough, 54},
-        WreckCase{"NoFirstTableCluster", WipeFirstTableCluster, {}, {"2048 e5"}, {}, 54},
-        WreckCase{"FormattedAgain", FormatAgain, {}, {"2048 e1", "2048 e4"}, kOlderVolume, 54},
-        WreckCase{"FormattedAgainTurbo", FormatAgain, {}, {"2048 e1", "2048 e4"}, kNewerVolume, 13}),
+        WreckCase{"FirstMegabyteOverwritten", OverwriteFirstMegabyte, {"2048 e8"}, {"2048 e4"}, kThorough, 2},
+        WreckCase{"OddSector", MoveToOddSector, {"1234 e8"}, {"1234 e3"}, kThorough, 54},
+        WreckCase{"NoFirstTableCluster", WipeFirstTableCluster, {"2048 e8"}, {"2048 e5"}, {}, 54},
+        WreckCase{"FormattedAgain", FormatAgain, {"2048 e8"}, {"2048 e1", "2048 e4"}, kOlderVolume, 54},
+        WreckCase{"FormattedAgainTurbo", FormatAgain, {"2048 e8"}, {"2048 e1", "2048 e4"}, kNewerVolume, 13}),
     [](const auto& wreck) { return std::string(wreck.param.Name); });
 
 } // namespace

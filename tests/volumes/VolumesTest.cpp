@@ -195,7 +195,14 @@ TEST_P(VolumesTest, AllThatWasEverThereComesBack) {
     const std::string image = ImagePath(GetParam());
     const json manifest = ManifestOf(GetParam());
     const json& partitions = manifest["partitions"];
-    EXPECT_EQ(json::parse(RunProgram(CliPath(), {"partitions", image, "--json"}).Out), partitions);
+    json found = json::parse(RunProgram(CliPath(), {"partitions", image, "--json"}).Out);
+    for (json& volume : found) {
+        EXPECT_TRUE(volume["verified"]) << volume;
+        for (const char* beside : {"table", "verified", "label", "records"}) {
+            volume.erase(beside);
+        }
+    }
+    EXPECT_EQ(found, partitions);
     for (std::size_t i = 0; i < partitions.size(); ++i) {
         SCOPED_TRACE(i + 1);
         const Recovery recovery(partitions.size() == 1 ? Lines{image}

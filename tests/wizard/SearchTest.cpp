@@ -25,10 +25,11 @@ constexpr std::size_t kSector = 512;
 
 class SearchTest : public WizardTest {
 protected:
-    /// The image "basic" without its partition table.
+    /// The image "basic" without its partition table and without the copy of the boot sector.
     [[nodiscard]] std::string MakeWreck() const {
         std::string disk = ReadWholeFile(VolumePath("basic").toStdString());
         std::fill_n(disk.begin(), kSector, '\0');
+        std::fill_n(disk.begin() + (2048 + 49151) * kSector, kSector, '\0');
         std::ofstream(Scratch / "wreck.th2", std::ios::binary) << disk;
         return Scratch / "wreck.th2";
     }
@@ -82,7 +83,7 @@ TEST_F(SearchTest, EachMethodFromTheImagePageAndBackFromEachQuestion) {
     });
     AnswerMode("Quick Scan");
     AtSheet([&] {
-        EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  | "});
+        EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  |  |  |  |  | "});
         EXPECT_EQ(Buttons(), "< Back (Finish)");
         lines.push_back("0 Searching Logical Volumes | Sectors Range 0 to " +
                         std::to_string(Engine.SourceDisk.TotalSectors));
@@ -102,7 +103,8 @@ TEST_F(SearchTest, EachMethodFromTheImagePageAndBackFromEachQuestion) {
         return true;
     };
     AtSheet([&] {
-        EXPECT_EQ(RowsShown(*Sheet), Texts{"NTFS logical drive 1 | 2048 |  24.000 MB"});
+        EXPECT_EQ(RowsShown(*Sheet),
+                  Texts{"NTFS logical drive 1 | 2048 |  24.000 MB | Yes | search | Basic | 169"});
         QTest::keyClick(&OnPage<QTableWidget>(), Qt::Key_Down);
         Press("Finish");
     });

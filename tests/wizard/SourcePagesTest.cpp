@@ -16,10 +16,11 @@ namespace thntfs::test {
 
 namespace {
 
-const Texts kLogicalRows = {
-    "NTFS logical drive 1 | 63 |   6.000 MB", "NTFS logical drive 2 | 12414 |   6.000 MB",
-    "NTFS logical drive 3 | 26750 |   6.000 MB", "NTFS logical drive 4 | 39046 |   6.000 MB",
-    "NTFS logical drive 5 | 53382 |   6.000 MB"};
+const Texts kLogicalRows = {"NTFS logical drive 1 | 63 |   6.000 MB | Yes | MBR | Primary | 77",
+                            "NTFS logical drive 2 | 12414 |   6.000 MB | Yes | MBR | Logical 1 | 77",
+                            "NTFS logical drive 3 | 26750 |   6.000 MB | Yes | MBR | Logical 2 | 77",
+                            "NTFS logical drive 4 | 39046 |   6.000 MB | Yes | MBR | Logical 3 | 77",
+                            "NTFS logical drive 5 | 53382 |   6.000 MB | Yes | MBR | Logical 4 | 77"};
 
 class SourcePagesTest : public WizardTest {
 protected:
@@ -90,7 +91,8 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
     std::string disk = ReadWholeFile(VolumePath("logical").toStdString());
     disk[63 * 512] = 0; // of the first boot sector
     Texts rows = kLogicalRows;
-    rows[0] = "Logical drive 1: no NTFS boot sector stands there | 63 |   6.000 MB";
+    rows[0] = "Logical drive 1: no NTFS boot sector stands there | 63 |   6.000 MB |  | MBR |  | ";
+    rows.emplace_back("NTFS logical drive 6 | 63 |   6.000 MB | Yes | MBR | Primary | 77"); // by the copy
     std::vector<DiskInfo> unreadable = MadeUpDisks();
     unreadable[0].OpenError = kErrorAccessDenied;
     MakeSheet(unreadable);
@@ -209,7 +211,7 @@ TEST_F(SourcePagesTest, ADeadMediumIsToldBeforeTheAdvice) {
 TEST_F(SourcePagesTest, ListAloneOffersNoWayBack) {
     Sheet->OpenOnPartitionList(1);
     RunWith([&] {
-        EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  | "});
+        EXPECT_EQ(RowsShown(*Sheet), Texts{"No Logical Drives Found |  |  |  |  |  | "});
         ClickRow(0);
         EXPECT_EQ(Buttons(), "(< Back) (Finish)");
     });
@@ -223,8 +225,9 @@ TEST_F(SourcePagesTest, ListAloneOffersNoWayBack) {
         Engine.SourceDisk.Partitions.push_back(candidate);
     }
     RunWith([&] {
-        EXPECT_EQ(RowsShown(*Sheet).at(0), "NTFS logical drive 1 | 0 |   4.000 KB");
-        EXPECT_EQ(RowsShown(*Sheet).at(11), "NTFS logical drive 12 | 11 |   2.000 GB");
+        EXPECT_EQ(RowsShown(*Sheet).at(0), "NTFS logical drive 1 | 0 |   4.000 KB | No | saved list |  | ");
+        EXPECT_EQ(RowsShown(*Sheet).at(11),
+                  "NTFS logical drive 12 | 11 |   2.000 GB | No | saved list |  | ");
         QTest::keyClick(&OnPage<QTableWidget>(), Qt::Key_End, Qt::ControlModifier);
         EXPECT_EQ(Buttons(), "(< Back) Finish");
         Press("Finish");
