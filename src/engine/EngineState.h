@@ -46,7 +46,7 @@ struct EngineState {
         TableVolumes; ///< of SourceDisk's partition tables, in their order, the usable ones
                       ///< among them its first candidates; of a search the encrypted ones
     std::vector<thntfs::VolumeFacts> VolumeFacts; ///< of the candidates, by position; may hold fewer
-    std::optional<std::uint64_t> UnreadLook; ///< first sector of a single look (LookAt) that failed
+    std::optional<std::uint64_t> UnreadLook;      ///< first sector of a single look (LookAt) that failed
     std::uint8_t SearchLimits = 0; ///< bits kLimit… of the search that the candidates come from
 
     // The catalogue: three files and the folder tree, which exists only while a scan writes.
