@@ -4,8 +4,10 @@
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "content/ContentOutcome.h"
+#include "content/ExactFile.h"
 #include "engine/EngineState.h"
 #include "platform/files/File.h"
+#include "platform/system/Text.h"
 
 #include <optional>
 
@@ -48,16 +50,33 @@ Wanted FindByPath(const std::string& path, unsigned& count, bool& isFolder) {
     return best;
 }
 
+// PATH:STREAM, where no file has this as its path.
+Wanted FindByStream(const std::string& words, std::u16string& stream) {
+    const std::size_t colon = words.rfind(':');
+    if (colon == std::string::npos || words.find('/', colon) != std::string::npos) {
+        return std::nullopt;
+    }
+    unsigned count = 0;
+    bool isFolder = false;
+    Wanted wanted = FindByPath(words.substr(0, colon), count, isFolder);
+    stream = WideText(std::string_view(words).substr(colon + 1));
+    ExactFile file;
+    return wanted && file.Open(*wanted) && file.OpenStream(stream) != nullptr ? wanted : std::nullopt;
+}
+
 std::string WantedText(const Options& options) {
     return options.Record ? "record " + std::to_string(*options.Record) : options.Paths.front();
 }
 
-Wanted FindWanted(const Options& options) {
+Wanted FindWanted(const Options& options, std::u16string& stream) {
     unsigned count = 0;
     bool isFolder = false;
     const std::string what = WantedText(options);
     Wanted wanted = options.Record ? FindByRecord(*options.Record, count)
                                    : FindByPath(options.Paths.front(), count, isFolder);
+    if (!wanted && !options.Record && !options.AsStored) {
+        wanted = FindByStream(what, stream);
+    }
     if (!wanted) {
         PrintMessage(isFolder ? what + " is a folder"
                               : "No file has the " + std::string(options.Record ? "" : "path ") + what);
@@ -92,12 +111,13 @@ int TellOutcome(const ContentOutcome& outcome, const std::string& what, const Se
     return outcome.Whole() ? kExitDone : kExitDoneInPart;
 }
 
-int WriteWanted(const CatalogueItem& item, const Options& options, Session& session) {
+int WriteWanted(const CatalogueItem& item, std::u16string_view stream, const Options& options,
+                Session& session) {
     const std::string what = WantedText(options);
     Output output;
     session.Host.Bar.Begin("Reading", ProgressBar::Unit::Byte);
-    const ContentOutcome outcome =
-        options.AsStored ? TakeContent(item, output.Handle()) : TakeExactContent(item, output.Handle());
+    const ContentOutcome outcome = options.AsStored ? TakeContent(item, output.Handle())
+                                                    : TakeExactContent(item, output.Handle(), stream);
     session.Host.Bar.End();
     const int code = TellOutcome(outcome, what, session);
     if (const ErrorCode error = output.Handle().Sync(); error != kErrorNone && code != kExitFailed) {
@@ -115,8 +135,9 @@ int RunCat(const Options& options) {
         return code;
     }
     try {
-        const Wanted wanted = FindWanted(options);
-        return wanted ? WriteWanted(*wanted, options, session) : int{kExitFailed};
+        std::u16string stream;
+        const Wanted wanted = FindWanted(options, stream);
+        return wanted ? WriteWanted(*wanted, stream, options, session) : int{kExitFailed};
     } catch (const CUserException&) {
         return session.Host.ReaderGone() ? kExitDone : kExitFailed;
     }

@@ -192,7 +192,9 @@ void AddCat(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("cat", "Write one file's bytes to standard output");
     AddMedium(*command, options);
     command->get_option("--json")->description("Makes no difference here: the file's bytes are written");
-    CLI::Option* path = command->add_option("PATH", options.Paths, "File to write")->expected(0, 1);
+    CLI::Option* path =
+        command->add_option("PATH", options.Paths, "File to write; PATH:NAME takes its stream NAME")
+            ->expected(0, 1);
     CLI::Option* record =
         command->add_option("--record", options.Record, "Number of the file's record, in place of a path");
     record->check(WholeNumber(0))->excludes(path);
