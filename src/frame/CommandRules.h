@@ -4,7 +4,7 @@
 
 namespace thntfs {
 
-/// What decides which commands are enabled.
+/// What decides which commands are enabled, and marked.
 struct FrameState {
     bool ScanRunning = false; ///< ScanRunFlag
     bool JobBusy = false;
@@ -17,6 +17,7 @@ struct FrameState {
     bool StructuresMissing = false;
     bool BasicScanDone = false;
     bool TurboScanUsed = false;
+    bool ListsNameless = false; ///< the next scan is to
 };
 
 /// The rule of a command. Commands without one are always enabled.

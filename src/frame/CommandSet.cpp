@@ -27,7 +27,8 @@ QString KeyPart(const char* text) { return QString::fromLatin1(text).section(QLa
 bool IsViewMode(std::uint32_t command) { return command >= kCmdLargeIcons && command <= kCmdDetails; }
 
 bool IsChecked(std::uint32_t command) {
-    return command == kCmdViewToolbar || command == kCmdViewStatusBar || IsViewMode(command);
+    return command == kCmdViewToolbar || command == kCmdViewStatusBar || command == kCmdListNameless ||
+           IsViewMode(command);
 }
 
 } // namespace
@@ -117,6 +118,7 @@ void CommandSet::Update(const FrameState& state, std::uint32_t viewMode) {
     }
     actions_.at(kCmdViewToolbar)->setChecked(!toolbar_->isHidden());
     actions_.at(kCmdViewStatusBar)->setChecked(!window_.statusBar()->isHidden());
+    actions_.at(kCmdListNameless)->setChecked(state.ListsNameless);
     actions_.at(viewMode)->setChecked(true);
 }
 

@@ -32,6 +32,8 @@ constexpr auto kCommands = std::to_array<CommandText>({
     {kCmdTurboScan, "Turbo Scan\tCtrl+T", "Searches for lost files/folders", "Turbo Scan", "turbo-scan"},
     {kCmdHound, "Spoor Hou&nd", "Performs search of known file types in physical media", "Spoor Hound ",
      "hound"},
+    {kCmdListNameless, "List &Nameless Records",
+     "Lists records without a usable name, too, from the next scan on", "List Nameless Records", ""},
     {kCmdClearLog, "Cl&ear Process  Log", "Deletes the contents of Process log window", "", "log-clear"},
     {kCmdSaveLog, "Sa&ve Process Log", "Saves the contents of process  log window to text file.", "",
      "log-save"},
@@ -74,7 +76,7 @@ constexpr auto kToolsMenu = std::to_array<MenuLine>(
     {Line(kCmdFind), Line(kCmdFindNext), Line(kCmdSaveAll), Line(kCmdStop),
      Submenu("Save Scan Information\tCtrl+I", "Saves scanned information"), Line(kCmdSavePartitionInfo),
      Line(kCmdSaveTreeInfo), kEndSubmenu, Line(kCmdParentFolder), kSeparator, Line(kCmdTurboScan),
-     Line(kCmdHound), kSeparator, Line(kCmdClearLog), Line(kCmdSaveLog)});
+     Line(kCmdHound), Line(kCmdListNameless), kSeparator, Line(kCmdClearLog), Line(kCmdSaveLog)});
 
 constexpr auto kViewMenu =
     std::to_array<MenuLine>({Line(kCmdViewToolbar), Line(kCmdViewStatusBar), kSeparator, Line(kCmdLargeIcons),

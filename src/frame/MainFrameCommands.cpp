@@ -53,6 +53,9 @@ void CMainFrame::RunCommand(std::uint32_t command) {
             StartTurboScan();
         }
         break;
+    case kCmdListNameless:
+        job_.SetListsNameless(!job_.ListsNameless());
+        break;
     case kCmdParentFolder:
         if (Desktop.WaitDialog == nullptr) {
             treeView_->GoToParent();
@@ -138,6 +141,7 @@ FrameState CMainFrame::State() const {
     state.StructuresMissing = Desktop.StructuresMissing;
     state.BasicScanDone = job_.BasicScanDone();
     state.TurboScanUsed = Desktop.TurboScanUsed;
+    state.ListsNameless = job_.ListsNameless();
     return state;
 }
 

@@ -13,20 +13,27 @@ namespace thntfs {
 
 namespace {
 
-const char* FinishedText(FinishedJob kind) {
+QString LittleFoundNote() {
+    return Engine.Yield.Little() ? QStringLiteral("\n\n%1.\nTurbo Scan may find more.")
+                                       .arg(QString::fromStdString(LittleFoundText(Engine.Yield)))
+                                 : QString();
+}
+
+QString FinishedText(FinishedJob kind) {
     switch (kind) {
     case FinishedJob::Save:
-        return "Saving data completed.";
+        return QStringLiteral("Saving data completed.");
     case FinishedJob::FileTypes:
-        return "Searching for file type(s) finished.";
+        return QStringLiteral("Searching for file type(s) finished.");
     case FinishedJob::BasicScan:
-        return "You have just completed Basic Scan of a logical drive.\n\n"
-               "Please examine the tree created, if you find none of the\n"
-               "files listed are the one you were looking for, then use\n"
-               "more advanced disk scanning method i.e. Turbo Scan.\n\n"
-               "Go to Tools->TurboScan";
+        return QStringLiteral("You have just completed Basic Scan of a logical drive.\n\n"
+                              "Please examine the tree created, if you find none of the\n"
+                              "files listed are the one you were looking for, then use\n"
+                              "more advanced disk scanning method i.e. Turbo Scan.\n\n"
+                              "Go to Tools->TurboScan") +
+               LittleFoundNote();
     default:
-        return nullptr;
+        return {};
     }
 }
 
@@ -73,8 +80,8 @@ void ScanJob::SetRunning() {
 // A bar made before the worker starts is there for its first report.
 void ScanJob::StartBasicScan() {
     panes_.BeginProgress(kBlankCaption);
-    StartWorker([this] {
-        if (BasicScanThread(frame_, tree_)) {
+    StartWorker([this, reach = reach_] {
+        if (BasicScanThread(frame_, tree_, reach)) {
             basicScanDone_ = true;
         }
     });
@@ -83,7 +90,9 @@ void ScanJob::StartBasicScan() {
 void ScanJob::StartTurboScan(std::uint8_t logicalDriveNumber) {
     Desktop.TurboScanUsed = true;
     panes_.BeginProgress("Scanning");
-    StartWorker([this, logicalDriveNumber] { TurboScanThread(frame_, tree_, logicalDriveNumber); });
+    StartWorker([this, logicalDriveNumber, reach = reach_] {
+        TurboScanThread(frame_, tree_, logicalDriveNumber, reach);
+    });
 }
 
 // The worker before it has returned, or is about to: its last message has been handled.
@@ -129,8 +138,8 @@ ProcessLogEntry ScanJob::EntryOf(CopyWork work, CopyEvent event) {
 
 void ScanJob::TellFinished(FinishedJob kind) {
     panes_.EndProgress();
-    if (const char* text = FinishedText(kind)) {
-        ShowBox(QLatin1String(text), QStringLiteral("Information"), BoxIcon::Information);
+    if (const QString text = FinishedText(kind); !text.isEmpty()) {
+        ShowBox(text, QStringLiteral("Information"), BoxIcon::Information);
     }
 }
 

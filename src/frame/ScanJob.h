@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/Host.h"
+#include "scans/ScanReach.h"
 #include "shell/JobThread.h"
 #include "shell/WindowMessages.h"
 
@@ -29,6 +30,10 @@ public:
     /// Whether anything may begin that needs the medium or the catalogue. A box says where a stopped worker
     /// still has them.
     [[nodiscard]] bool MayStartWork() const;
+
+    /// Whether scans from the next one on list records without a usable name.
+    [[nodiscard]] bool ListsNameless() const { return reach_.Deep; }
+    void SetListsNameless(bool lists) { reach_.Deep = lists; }
 
     /// A volume has been chosen to be scanned; the entry, which the job's lines go on with, names it.
     void TakeVolume(const ProcessLogEntry& wizardEntry);
@@ -60,6 +65,7 @@ private:
     MessageTarget& frame_;
     CTHNTFSTreeView& tree_;
     StatusPanes& panes_;
+    ScanReach reach_{.Exact = true};
     ProcessLogEntry currentEntry_; ///< of the wizard run that has started the job
     bool jobBusy_ = false;
     std::atomic<bool> basicScanDone_{false}; ///< written by the worker

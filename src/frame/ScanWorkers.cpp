@@ -24,14 +24,15 @@ void FillTree(CTHNTFSTreeView& tree) {
     }
 }
 
-bool RunBasicScan(MessageTarget& frame, CTHNTFSTreeView& tree) {
+bool RunBasicScan(MessageTarget& frame, CTHNTFSTreeView& tree, const ScanReach& reach) {
     LogBasicScanStarted();
     CloseCatalogue();
     if (CreateCatalogue() == 0) {
         return false;
     }
-    LogBasicScanEnded(BasicScan() != 0);
+    LogBasicScanEnded(BasicScan(reach) != 0);
     LogLosses();
+    LogYield();
     CloseCatalogue();
     WM_PROGRESS_CAPTION.Send(&frame, "Populating ");
     LogTreeFillStarted();
@@ -49,7 +50,7 @@ void ShowFullProgress(MessageTarget& frame) {
     WM_JOB_PROGRESS.Send(&frame);
 }
 
-bool RunTurboScan(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t number) {
+bool RunTurboScan(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t number, const ScanReach& reach) {
     CloseCatalogue();
     Engine.VolumeParams.TurboScanRun = 1;
     Desktop.StructuresMissing = false;
@@ -58,9 +59,10 @@ bool RunTurboScan(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t numb
     if (CreateCatalogue() == 0) {
         return false;
     }
-    const bool complete = TurboScan() != 0;
+    const bool complete = TurboScan(reach) != 0;
     LogTurboScanEnded(number, complete);
     LogLosses();
+    LogYield();
     if (complete) {
         ShowFullProgress(frame);
     }
@@ -94,13 +96,14 @@ bool RunToEnd(MessageTarget& frame, FinishedJob kind, const std::function<bool()
 
 } // namespace
 
-bool BasicScanThread(MessageTarget& frame, CTHNTFSTreeView& tree) {
-    return RunToEnd(frame, FinishedJob::BasicScan, [&] { return RunBasicScan(frame, tree); });
+bool BasicScanThread(MessageTarget& frame, CTHNTFSTreeView& tree, const ScanReach& reach) {
+    return RunToEnd(frame, FinishedJob::BasicScan, [&] { return RunBasicScan(frame, tree, reach); });
 }
 
-bool TurboScanThread(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t logicalDriveNumber) {
+bool TurboScanThread(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t logicalDriveNumber,
+                     const ScanReach& reach) {
     return RunToEnd(frame, FinishedJob::TurboScan,
-                    [&] { return RunTurboScan(frame, tree, logicalDriveNumber); });
+                    [&] { return RunTurboScan(frame, tree, logicalDriveNumber, reach); });
 }
 
 } // namespace thntfs

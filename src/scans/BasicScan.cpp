@@ -48,6 +48,7 @@ public:
     [[nodiscard]] std::uint32_t NextEntryId() const { return nextEntryId_; }
 
 private:
+    void MakeOutPlaces();
     void WalkExtents();
     void WalkExtent(const MftExtent& extent);
     void TakeRemainder();
@@ -78,8 +79,7 @@ private:
 
 void TableWalk::Run() {
     if (reach_.Exact && SectorsFitRecords()) {
-        places_.emplace();
-        losses_.UseExactMap(*places_);
+        MakeOutPlaces();
     }
     WalkExtents();
     if (!Stopped() && places_) {
@@ -91,6 +91,14 @@ void TableWalk::Run() {
     if (!Stopped()) {
         losses_.Finish();
     }
+}
+
+void TableWalk::MakeOutPlaces() try {
+    places_.emplace();
+    losses_.UseExactMap(*places_);
+} catch (const CUserException&) {
+    losses_.LeaveUnread(0);
+    throw;
 }
 
 void TableWalk::WalkExtents() {
