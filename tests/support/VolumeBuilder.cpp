@@ -73,7 +73,10 @@ void VolumeBuilder::PlaceRecord(const RecordBuilder& record) {
 }
 
 void VolumeBuilder::PlaceRecord(std::uint32_t number, ConstBytes record) {
-    PutSectors(RecordSector(number), record);
+    for (std::size_t at = 0; at < record.size(); at += geometry_.SectorBytes) {
+        const std::uint64_t offset = std::uint64_t{number} * geometry_.RecordBytes + at;
+        PutSectors(SectorInTable(offset), record.subspan(at, geometry_.SectorBytes));
+    }
     if (number < kMirroredRecords) {
         const std::uint64_t recordSectors = geometry_.RecordBytes / geometry_.SectorBytes;
         PutSectors(geometry_.SectorOf(geometry_.MirrorCluster) + number * recordSectors, record);
@@ -81,7 +84,10 @@ void VolumeBuilder::PlaceRecord(std::uint32_t number, ConstBytes record) {
 }
 
 std::uint64_t VolumeBuilder::RecordSector(std::uint32_t number) const {
-    std::uint64_t left = std::uint64_t{number} * geometry_.RecordBytes;
+    return SectorInTable(std::uint64_t{number} * geometry_.RecordBytes);
+}
+
+std::uint64_t VolumeBuilder::SectorInTable(std::uint64_t left) const {
     for (const Run& run : geometry_.MftRuns) {
         const std::uint64_t runBytes = run.Clusters * geometry_.ClusterBytes();
         if (left < runBytes) {

@@ -32,10 +32,12 @@ public:
     }
     [[nodiscard]] IndexBlockBuilder NewIndexBlock() const { return IndexBlockBuilder(geometry_); }
 
-    /// Puts a record into its place in the table, and into the mirror if its number is below 4.
+    /// Puts a record into its place in the table, across the borders of its runs, and into the mirror if its
+    /// number is below 4.
     void PlaceRecord(const RecordBuilder& record);
     void PlaceRecord(std::uint32_t number, ConstBytes record);
-    /// Absolute sector of a record by the table's runs. A number that no run holds throws std::out_of_range.
+    /// Absolute sector in which a record begins by the table's runs. A number that no run holds throws
+    /// std::out_of_range.
     [[nodiscard]] std::uint64_t RecordSector(std::uint32_t number) const;
 
     /// Takes clusters that nothing else uses, in one run, and gives the first.
@@ -55,6 +57,8 @@ public:
     void WriteTo(const std::string& path) const { WriteFileBytes(path, *image_); }
 
 private:
+    /// Absolute sector of a byte of the table.
+    [[nodiscard]] std::uint64_t SectorInTable(std::uint64_t left) const;
     void WriteDiskStructures();
     void WriteEmptyRecords();
     void WriteMetafiles();
