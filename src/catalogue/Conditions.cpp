@@ -84,6 +84,13 @@ std::string ConditionText(Condition condition, bool live) {
                                                    : word;
 }
 
+unsigned ConditionRank(Condition condition, bool live) {
+    if (condition.Kind == ConditionKind::None) {
+        return 0;
+    }
+    return condition.Kind == ConditionKind::Unknown ? 1U : 2U + condition.Share + (live ? 1U : 0U);
+}
+
 bool ConditionWanted(ConditionSet wanted, const CatalogueItem& item) {
     return wanted == 0 || (wanted & SetOf(ConditionOf(item).Kind)) != 0;
 }

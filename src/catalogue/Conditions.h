@@ -21,7 +21,8 @@ enum class ConditionKind : std::uint8_t {
 
 struct Condition {
     ConditionKind Kind = ConditionKind::None;
-    unsigned Share = 0; ///< percent of its clusters that are still its own: 1 to 99 for Partly, else 0 or 100
+    std::uint8_t Share =
+        0; ///< percent of its clusters that are still its own: 1 to 99 for Partly, else 0 or 100
 };
 
 /// The byte of an entry that nothing was put down for. 1 to 99 are the share of a file that is there partly.
@@ -49,6 +50,9 @@ const char* ConditionWord(ConditionKind kind);
 /// The condition for people: the word, and for a file that is there partly "partly 62 %". Empty for folders,
 /// and for live files that are whole.
 std::string ConditionText(Condition condition, bool live);
+
+/// Rises with what is there: folders, unknown, overwritten, partly by share, whole, live and whole.
+unsigned ConditionRank(Condition condition, bool live);
 
 /// Kinds of which one is wanted, a bit each; without any, everything is.
 using ConditionSet = std::uint8_t;

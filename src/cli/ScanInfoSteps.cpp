@@ -8,6 +8,7 @@
 #include "platform/files/ReplacementFile.h"
 #include "platform/media/Medium.h"
 #include "platform/system/Text.h"
+#include "scaninfo/ConditionsFile.h"
 #include "scaninfo/PartitionInfoFile.h"
 #include "scaninfo/ScanInfoNames.h"
 #include "scaninfo/TreeInfoFile.h"
@@ -90,6 +91,11 @@ int SaveScanInfo(const Options& options, int code) {
         return TellFailedSave(target, result.Code == kErrorNone ? result.Text : SystemErrorText(result.Code));
     }
     PrintMessage("Scan information saved to " + target);
+    if (result.Beside != kErrorNone) {
+        PrintMessage("A later run can't tell from it in what condition deleted files are: " + target +
+                     kConditionsExtension + " was not written: " + SystemErrorText(result.Beside));
+        return code == kExitDone ? int{kExitDoneInPart} : code;
+    }
     return code;
 }
 

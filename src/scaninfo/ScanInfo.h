@@ -10,9 +10,10 @@ namespace thntfs {
 /// How a load or a save of a scan information file ended.
 struct ScanInfoResult {
     bool Done = false;
-    std::string Text;            ///< the first column of its last line in the process log
-    ErrorCode Code = kErrorNone; ///< of the call that failed; 0 where the file isn't what it should be
-    std::string Medium;          ///< path of the medium where that is what couldn't be opened, else empty
+    std::string Text;              ///< the first column of its last line in the process log
+    ErrorCode Code = kErrorNone;   ///< of the call that failed; 0 where the file isn't what it should be
+    ErrorCode Beside = kErrorNone; ///< why the file that belongs beside one that was saved could not be
+    std::string Medium;            ///< path of the medium where that is what couldn't be opened, else empty
 };
 
 enum class ScanInfoKind { None, Tree, Partitions };

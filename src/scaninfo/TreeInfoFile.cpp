@@ -2,8 +2,10 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "platform/files/File.h"
 #include "scaninfo/CatalogueRepair.h"
+#include "scaninfo/ConditionsFile.h"
 #include "scaninfo/ScanInfoJob.h"
 
 namespace thntfs {
@@ -12,6 +14,7 @@ namespace {
 
 constexpr const char* kForeignCatalogue =
     "Not saved: the scan's result belongs to another medium or partition than the one that is open now.";
+constexpr const char* kNoConditions = "The condition of deleted files could not be saved. Errorcode =";
 constexpr std::uint32_t kSeparator = 0x01010101;
 
 // No volume has records of more than a few sectors. Each read of a file begins with a buffer of this size.
@@ -83,18 +86,26 @@ void RefuseForeignCatalogue() {
 } // namespace
 
 ScanInfoResult SaveTreeInfo(const std::string& path) {
-    return RunScanInfoSave(ScanInfoPlaceOf(path, kTreeInfoExtension), kTreeInfoTexts,
-                           [](ScanInfoWriter& writer) {
-                               RefuseForeignCatalogue();
-                               PutMediumAndCandidates(writer, kTreeInfoMagic);
-                               PutVolume(writer);
-                               writer.PutU32(kSeparator);
-                               writer.PutFile(CataloguePath(kTreeFileName));
-                               writer.PutU32(kSeparator);
-                               writer.PutFile(CataloguePath(kEntryFileName));
-                               writer.PutU32(kSeparator);
-                               writer.PutFile(CataloguePath(kNameFileName));
-                           });
+    const ScanInfoPlace place = ScanInfoPlaceOf(path, kTreeInfoExtension);
+    ScanInfoResult result = RunScanInfoSave(place, kTreeInfoTexts, [](ScanInfoWriter& writer) {
+        RefuseForeignCatalogue();
+        PutMediumAndCandidates(writer, kTreeInfoMagic);
+        PutVolume(writer);
+        writer.PutU32(kSeparator);
+        writer.PutFile(CataloguePath(kTreeFileName));
+        writer.PutU32(kSeparator);
+        writer.PutFile(CataloguePath(kEntryFileName));
+        writer.PutU32(kSeparator);
+        writer.PutFile(CataloguePath(kNameFileName));
+    });
+    if (result.Done) {
+        result.Beside = SaveConditions(place.Target);
+    }
+    if (result.Beside != kErrorNone) {
+        LogLine(kNoConditions + std::to_string(result.Beside), place.Target + kConditionsExtension,
+                kLogFailed);
+    }
+    return result;
 }
 
 ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>& show,
@@ -105,6 +116,7 @@ ScanInfoResult LoadTreeInfo(const std::string& path, const std::function<void()>
     CloseCatalogue();
     ScanInfoResult result = RunScanInfoLoad(place, kTreeInfoTexts, [&](ScanInfoReader& reader) {
         ReadTreeInfo(reader);
+        LoadConditions(place.Target);
         if (accept && !accept(MatchMedium())) {
             throw ScanInfoFault{kErrorNone, "The medium isn't as it was when it was scanned.", {}};
         }

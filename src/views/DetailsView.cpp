@@ -13,7 +13,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60};
+constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100};
 constexpr int kIconPixels = 16;
 constexpr int kScrolledNameRoom = 80; // beyond the title
 

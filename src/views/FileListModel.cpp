@@ -25,6 +25,7 @@ constexpr std::array<ColumnLook, FileListModel::kColumns> kLooks{{
     {"Date Created", Qt::AlignRight},
     {"File ID", Qt::AlignRight},
     {"Parent ID", Qt::AlignRight},
+    {"Condition", Qt::AlignLeft},
 }};
 
 int AlignmentOf(int column) {
@@ -54,6 +55,8 @@ std::uint64_t CellNumber(const FileRow& row, int column) {
         return row.RecordNumber;
     case FileListModel::kParentId:
         return row.ParentNumber;
+    case FileListModel::kCondition:
+        return ConditionRank(row.State, row.Live);
     default:
         return 0;
     }
@@ -163,6 +166,8 @@ QString FileListModel::CellText(std::size_t row, int column) const {
         return DateText(entry.AccessedDate);
     case kCreated:
         return DateText(entry.CreatedDate);
+    case kCondition:
+        return QString::fromStdString(ConditionText(entry.State, entry.Live));
     default:
         return QString::number(CellNumber(entry, column));
     }

@@ -25,6 +25,7 @@ public:
         kCreated,
         kFileId,
         kParentId,
+        kCondition,
         kColumns,
     };
     static constexpr int kFoundRole = Qt::UserRole; ///< true in the row that Find has picked out

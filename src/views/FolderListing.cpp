@@ -41,6 +41,7 @@ void Append(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows) {
     row.NameUnits = KeepName(item.Name, rows.Names);
     row.Folder = item.IsFolder();
     row.Live = item.IsLive();
+    row.State = ConditionOf(entryId, row.Folder, row.Live);
     rows.Rows.push_back(row);
 }
 

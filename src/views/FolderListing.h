@@ -1,5 +1,7 @@
 #pragma once
 
+#include "catalogue/Conditions.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -20,6 +22,7 @@ struct FileRow {
     std::uint16_t NameUnits = 0;
     bool Folder = false;
     bool Live = false;
+    Condition State;
 };
 
 struct FileRows {

@@ -20,6 +20,7 @@ SortKind KindOf(int column, bool again) {
     switch (column) {
     case FileListModel::kSize:
     case FileListModel::kParentId:
+    case FileListModel::kCondition:
         return again ? SortKind::DecimalNumber : SortKind::WholeNumber;
     case FileListModel::kAccessed:
     case FileListModel::kCreated:

@@ -1,3 +1,4 @@
+#include "catalogue/Conditions.h"
 #include "platform/files/PagedFile.h"
 #include "shell/DesktopState.h"
 #include "shell/DlgWait.h"
@@ -35,6 +36,7 @@ protected:
         catalogue.AddFile(music, u"song.mp3", 77);
         catalogue.AddFolder(music, 107, u"empty");
         musicId = music.EntryId;
+        SetCondition(fileId + 2, 62);
         Show(catalogue);
         WM_TREE_SELECT_FOLDER.Send(Tree, kRootId);
     }
@@ -55,17 +57,17 @@ TEST_F(ListViewTest, FoldersComeFirstEachGroupAsInTheCatalogue) {
     EXPECT_EQ(Names(), "music|box|report.doc|Alpha.tmp");
     const auto row = [this](int at) {
         std::string cells;
-        for (int column = 0; column < 7; ++column) {
+        for (int column = 0; column < 8; ++column) {
             cells += Cell(at, column).toStdString() + "|";
         }
         return cells;
     };
-    EXPECT_EQ(row(1), "box|0|Folder|||105|5|");
-    EXPECT_EQ(row(2), "report.doc|5000000000|File|07-03-2009|31-12-1999|99|5|");
-    EXPECT_EQ(row(3), "Alpha.tmp|12|File|08-01-2010||1000|40|");
+    EXPECT_EQ(row(1), "box|0|Folder|||105|5||");
+    EXPECT_EQ(row(2), "report.doc|5000000000|File|07-03-2009|31-12-1999|99|5||");
+    EXPECT_EQ(row(3), "Alpha.tmp|12|File|08-01-2010||1000|40|partly 62 %|");
 
     EXPECT_EQ(Header().model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Size in Bytes"));
-    for (const int width : {1200, 900}) {
+    for (const int width : {1200, 1100}) {
         Window.resize(width, 500);
         RunEvents();
         EXPECT_EQ(Header().length(), Rows()->viewport()->width());
@@ -119,6 +121,7 @@ TEST_F(ListViewTest, HeaderSortsByTheKindOfItsColumnAndTurnsAtASecondClick) {
         {4, "music|box|Alpha.tmp|report.doc"},
         {5, "Alpha.tmp|music|box|report.doc"}, // as text: 1000 103 105 99
         {6, "music|box|report.doc|Alpha.tmp"}, // as a number: 5 40
+        {7, "music|box|Alpha.tmp|report.doc"}, // nothing, a part, all
         {0, "Alpha.tmp|box|music|report.doc"},
     };
     for (const auto& [column, order] : orders) {
