@@ -49,7 +49,7 @@ protected:
     }
 
     /// By record number, with what nothing is said of left out.
-    static Texts Conditions(int (*scan)() = BasicScan) {
+    static Texts Conditions(int (*scan)() = Basic) {
         EXPECT_EQ(RunScan(scan), 1);
         Texts texts;
         EntryWalk walk({});
@@ -61,6 +61,7 @@ protected:
         }
         return texts;
     }
+    static int Basic() { return BasicScan(); }
     static int Turbo() { return static_cast<int>(TurboScan()); }
 
     static constexpr std::uint64_t kBitmapCluster = 500;
