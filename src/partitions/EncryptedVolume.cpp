@@ -17,15 +17,17 @@ constexpr std::uint64_t kWholeHigh = 0x01D0E339A3F69983;
 constexpr std::uint64_t kUsedSpaceLow = 0x4D0EDD8092A84D3B;
 constexpr std::uint64_t kUsedSpaceHigh = 0xD8AE4E28E3B14E9E;
 
+bool HasMetadataGuid(ConstBytes sector) {
+    const std::uint64_t low = U64At(sector, kGuidAt);
+    const std::uint64_t high = U64At(sector, kGuidAt + 8);
+    return (low == kWholeLow && high == kWholeHigh) || (low == kUsedSpaceLow && high == kUsedSpaceHigh);
+}
+
 } // namespace
 
 bool IsEncryptedBootSector(ConstBytes sector) {
     const std::uint64_t name = U64At(sector, kNameAt);
-    const std::uint64_t low = U64At(sector, kGuidAt);
-    const std::uint64_t high = U64At(sector, kGuidAt + 8);
-    const bool portable =
-        (low == kWholeLow && high == kWholeHigh) || (low == kUsedSpaceLow && high == kUsedSpaceHigh);
-    return name == kFixedName || (name == kPortableName && portable);
+    return name == kFixedName || (name == kPortableName && HasMetadataGuid(sector));
 }
 
 } // namespace thntfs

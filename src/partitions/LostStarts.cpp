@@ -76,6 +76,12 @@ bool IsSameVolume(const PartitionCandidate& known, const PartitionCandidate& fou
            known.FileRecordBytes == found.FileRecordBytes;
 }
 
+bool IsListedLayout(const PartitionCandidate& volume) {
+    const auto& candidates = Engine.SourceDisk.Partitions;
+    return std::any_of(candidates.begin(), candidates.end(),
+                       [&](const PartitionCandidate& known) { return IsSameVolume(known, volume); });
+}
+
 // A candidate of the same volume whose size can't be right doesn't count.
 bool IsKnown(const PartitionCandidate& volume) {
     const auto& candidates = Engine.SourceDisk.Partitions;
@@ -102,6 +108,10 @@ void AddByBootSector(ConstBytes bootSector, std::uint64_t sector) {
     DecodeVolume(bootSector, start, 0, volume);
     volume.EvidenceFlags = kEvidenceSecondBootSector;
     AddIfConfirmed(volume);
+    // Without its first records a table is lost to a scan along it, but not to one of the whole volume.
+    if (!FindHeadOf(volume) && !IsListedLayout(volume) && LaterRecordsStand(volume)) {
+        AddCandidate(volume, VolumeSource::Search);
+    }
 }
 
 bool IsMeasured(const TableHead& head) {

@@ -17,6 +17,7 @@ namespace {
 // A partition's last sector, and in it the copy of the boot sector, lies in the medium's last cylinder.
 constexpr std::uint64_t kEndSectors = 16384;
 constexpr std::uint64_t kEndBatch = 128;
+constexpr std::uint64_t kLookSectors = 16; // at least those of a look
 
 void NoteEndOfMedium(LostStarts& traces) {
     const std::uint64_t total = Engine.SourceDisk.TotalSectors;
@@ -24,9 +25,12 @@ void NoteEndOfMedium(LostStarts& traces) {
     std::vector<std::uint8_t> batch(kEndBatch * sectorBytes);
     for (std::uint64_t at = total - std::min(total, kEndSectors); at < total && JobMayGoOn();
          at += kEndBatch) {
-        LookAt(batch, at);
-        for (std::size_t i = 0; i < kEndBatch; ++i) {
-            traces.NoteSector(ConstBytes(batch).subspan(i * sectorBytes, sectorBytes), at + i);
+        const bool whole = TryReadSectors(batch, at);
+        for (std::size_t i = 0; i < kEndBatch && at + i < total && JobMayGoOn(); ++i) {
+            const Bytes sector = Bytes(batch).subspan(i * sectorBytes, sectorBytes);
+            if (whole || LookAt(sector, at + i)) {
+                traces.NoteSector(sector, at + i);
+            }
         }
     }
 }
@@ -34,8 +38,8 @@ void NoteEndOfMedium(LostStarts& traces) {
 // A look that failed is made once more by the road that tells of it, unless the search itself met the fault.
 void TellFailedLook() try {
     if (Engine.UnreadLook && !Engine.Losses.Any()) {
-        std::vector<std::uint8_t> sector(Engine.SourceDisk.BytesPerSector);
-        Engine.Losses.Sectors += ReadSectorsCleared(sector, *Engine.UnreadLook).BadSectors.size();
+        std::vector<std::uint8_t> place(kLookSectors * Engine.SourceDisk.BytesPerSector);
+        Engine.Losses.Sectors += ReadSectorsCleared(place, *Engine.UnreadLook).BadSectors.size();
     }
 } catch (const CUserException&) {
 }

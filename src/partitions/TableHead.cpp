@@ -4,6 +4,7 @@
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/SectorReader.h"
 #include "partitions/LookAt.h"
 
 #include <algorithm>
@@ -19,6 +20,8 @@ constexpr std::u16string_view kMirrorName = u"$MFTMirr";
 constexpr std::uint32_t kSmallestRecord = 256;
 constexpr std::uint32_t kLargestRecord = 8192;
 constexpr std::uint64_t kLeastMirrored = 4; // records
+constexpr std::uint64_t kLaterRecords = 28;
+constexpr std::size_t kMaxRunsTried = 8;
 constexpr std::uint64_t kRecordsBehind = 3; // of which one must show that the table goes on
 
 bool IsNamed(ConstBytes record, const Attribute& fileName, std::u16string_view name) {
@@ -101,9 +104,10 @@ void TakeRecord1(ConstBytes record, TableHead& head) {
 std::vector<std::uint8_t> ReadRecords(std::uint64_t sector, std::uint32_t recordBytes, std::uint64_t count) {
     const std::uint64_t sectorBytes = Engine.SourceDisk.BytesPerSector;
     std::vector<std::uint8_t> records(recordBytes * count);
-    if (sectorBytes == 0 || LookAt(records, sector)) {
+    if (sectorBytes == 0 || TryReadSectors(records, sector)) {
         return records;
     }
+    std::fill(records.begin(), records.end(), std::uint8_t{0});
     for (std::uint64_t i = 0; recordBytes % sectorBytes == 0 && i < count; ++i) {
         LookAt(Bytes(records).subspan(recordBytes * i, recordBytes), sector + recordBytes * i / sectorBytes);
     }
@@ -119,21 +123,41 @@ std::uint64_t SectorIn(const PartitionCandidate& volume, std::uint64_t cluster) 
     return volume.StartSector + cluster * volume.SectorsPerCluster;
 }
 
-// Behind the records that the mirror has the table goes on, and the mirror doesn't. A table that has no more
-// than the mirror doesn't tell.
-bool GoesOnAsTable(const PartitionCandidate& volume, const TableHead& head, std::uint64_t cluster) {
-    const std::uint64_t bytes = head.RecordBytes;
-    const std::uint64_t mirrored = std::max(kLeastMirrored, head.MirrorBytes / bytes);
+// Whether one of some records that follow each other is the table's record of its number. The first of them
+// stands `from` records behind a cluster's start, where record `firstNumber` is.
+bool AnyRecordStands(const PartitionCandidate& volume, std::uint64_t cluster, std::uint64_t from,
+                     std::uint64_t firstNumber, std::uint64_t count) {
+    const std::uint32_t bytes = volume.FileRecordBytes;
     const std::uint64_t sectorsPerRecord = bytes / Engine.SourceDisk.BytesPerSector;
-    std::vector<std::uint8_t> records = ReadRecords(SectorIn(volume, cluster) + mirrored * sectorsPerRecord,
-                                                    head.RecordBytes, kRecordsBehind);
-    for (std::uint64_t i = 0; i < kRecordsBehind; ++i) {
+    std::vector<std::uint8_t> records =
+        ReadRecords(SectorIn(volume, cluster) + from * sectorsPerRecord, bytes, count);
+    for (std::uint64_t i = 0; i < count; ++i) {
         const Bytes record = Bytes(records).subspan(i * bytes, bytes);
-        if (CheckRecord(record) && MayHaveNumber(record, mirrored + i)) {
+        if (CheckRecord(record) && MayHaveNumber(record, firstNumber + from + i)) {
             return true;
         }
     }
     return false;
+}
+
+// Behind the records that the mirror has the table goes on, and the mirror doesn't. A table that has no more
+// than the mirror doesn't tell.
+bool GoesOnAsTable(const PartitionCandidate& volume, const TableHead& head, std::uint64_t cluster) {
+    const std::uint64_t mirrored = std::max(kLeastMirrored, head.MirrorBytes / head.RecordBytes);
+    return AnyRecordStands(volume, cluster, mirrored, 0, kRecordsBehind);
+}
+
+// Copies of the mirror alone lie about on many disks: some records of the table must stand where it leads.
+bool TableOfMirrorStands(const PartitionCandidate& volume, const TableHead& mirror) {
+    const auto& runs = mirror.Runs.Runs();
+    const std::size_t count = std::min(runs.size(), kMaxRunsTried);
+    return std::any_of(
+        runs.begin(), runs.begin() + static_cast<std::ptrdiff_t>(count), [&](const MapRun& run) {
+            const std::uint64_t first = run.Vcn * volume.ClusterBytes / mirror.RecordBytes;
+            const bool recordBeginsRun = run.Vcn * volume.ClusterBytes % mirror.RecordBytes == 0;
+            return !run.Hole && recordBeginsRun &&
+                   AnyRecordStands(volume, run.Lcn, run.Vcn == 0 ? kLeastMirrored : 0, first, kLaterRecords);
+        });
 }
 
 bool HoldsMoreThanMirror(const TableHead& head) {
@@ -216,10 +240,15 @@ std::optional<TableHead> FindHeadOf(const PartitionCandidate& volume) {
                   GoesOnAsTable(volume, *table, volume.MftCluster))) {
         return table;
     }
-    if (!table && mirror && (startIsTold || !GoesOnAsTable(volume, *mirror, volume.MftMirrCluster))) {
+    if (!table && mirror && (startIsTold || TableOfMirrorStands(volume, *mirror))) {
         return mirror;
     }
     return std::nullopt;
+}
+
+bool LaterRecordsStand(const PartitionCandidate& volume) {
+    return HasPlausibleMeasures(volume, true) &&
+           AnyRecordStands(volume, volume.MftCluster, kLeastMirrored, 0, kLaterRecords);
 }
 
 } // namespace thntfs

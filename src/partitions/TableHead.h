@@ -43,8 +43,11 @@ std::optional<std::uint64_t> SectorOfRecord(const PartitionCandidate& volume, co
 bool ReadRecordOf(const PartitionCandidate& volume, std::uint64_t sector, std::uint64_t number, Bytes record);
 
 /// Whether a volume's first records stand where the candidate says. Where a copy stands in one of the two
-/// places alone, and no boot sector has told the start, it must go on as the table does, or end as the mirror
-/// does: the same copy could stand for two volumes otherwise.
+/// places alone, and no boot sector has told the start, the table must go on behind them, or stand
+/// where the mirror leads: the same copy could stand for two volumes otherwise.
 std::optional<TableHead> FindHeadOf(const PartitionCandidate& volume);
+
+/// Whether records of the table stand where the candidate says, though its first ones may not.
+bool LaterRecordsStand(const PartitionCandidate& volume);
 
 } // namespace thntfs
