@@ -20,7 +20,6 @@ constexpr std::pair<Doubt, const char*> kDoubtTexts[] = {
     {Doubt::Encrypted, "it is encrypted, and its bytes are as they lie on the medium"},
     {Doubt::SystemCompressed, "the system has compressed it in a way that this program can't read"},
     {Doubt::Elsewhere, "its bytes lie in another place, to which its record only points"},
-    {Doubt::NoData, "its name tells of a size, and its record holds no data"},
 };
 
 } // namespace

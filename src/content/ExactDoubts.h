@@ -20,7 +20,6 @@ enum class Doubt : std::uint8_t {
     Encrypted,        ///< the bytes as they lie are put out
     SystemCompressed, ///< compressed by the system in a way that this build doesn't know
     Elsewhere,        ///< what stands here only points to its bytes
-    NoData,           ///< its name tells of a size, and no data goes with it
 };
 
 /// A set of doubts.

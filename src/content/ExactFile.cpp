@@ -125,7 +125,7 @@ void ExactFile::LoadExtension(std::uint64_t reference, Extension& extension) {
         }
     }
     ++unfit_;
-    extension.Record.clear();
+    extension.Record = {};
 }
 
 bool ExactFile::IsOwnExtension(ConstBytes record, std::uint64_t reference) const {
@@ -175,20 +175,17 @@ void ExactFile::FindListedPieces(std::uint32_t type, std::u16string_view name, A
     }
 }
 
+// Of a file whose list is damaged nobody knows that it has no content.
 std::optional<StreamLayout> ExactFile::LayoutOf(std::u16string_view name) {
     Doubts doubts;
     AttributePieceList pieces = FindPieces(kTypeData, name, doubts);
     const bool missing = doubts.Has(Doubt::PieceForeign) || doubts.Has(Doubt::PieceMissing);
-    if (pieces.empty() && !missing) {
+    const std::uint64_t sizeWanted = name.empty() ? item_.Size : 0;
+    if (pieces.empty() && !missing && !(name.empty() && doubts.Has(Doubt::ListDamaged))) {
         return std::nullopt;
     }
-    StreamLayout layout;
-    if (!pieces.empty()) {
-        layout = MakeLayout(std::move(pieces), name.empty() ? item_.Size : 0, !missing);
-    } else {
-        layout.Size = name.empty() ? item_.Size : 0;
-        layout.ClusterBytes = Engine.VolumeParams.ClusterBytes;
-    }
+    StreamLayout layout =
+        pieces.empty() ? EmptyLayout(sizeWanted) : MakeLayout(std::move(pieces), sizeWanted, !missing);
     layout.Doubtful.Add(doubts);
     return layout;
 }

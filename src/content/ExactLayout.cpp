@@ -41,6 +41,13 @@ std::uint64_t BytesForClusters() {
     return (stated ? std::min(sectors, volume.TotalSectors) : sectors) * sectorBytes;
 }
 
+bool ClustersAreUsable() {
+    const std::uint32_t clusterBytes = Engine.VolumeParams.ClusterBytes;
+    const std::uint32_t sectorBytes = Engine.SourceDisk.BytesPerSector;
+    return sectorBytes != 0 && clusterBytes != 0 && clusterBytes <= kMaxClusterBytes &&
+           clusterBytes % sectorBytes == 0;
+}
+
 /// Makes out a stream that isn't resident.
 class LayoutMaker {
 public:
@@ -190,11 +197,24 @@ StreamLayout MakeLayout(AttributePieceList pieces, std::uint64_t sizeWanted, boo
     if (pieces.front().second.NonResident() == 0) {
         return ResidentLayout(pieces.front().first, pieces.front().second);
     }
+    if (!ClustersAreUsable()) {
+        StreamLayout layout = EmptyLayout(sizeWanted);
+        layout.Doubtful.Add(Doubt::ClusterSize);
+        return layout;
+    }
     std::erase_if(pieces, [](const auto& piece) { return piece.second.NonResident() == 0; });
     std::stable_sort(pieces.begin(), pieces.end(), [](const auto& a, const auto& b) {
         return a.second.FirstCluster() < b.second.FirstCluster();
     });
     return LayoutMaker(pieces, whole).Make(sizeWanted);
+}
+
+StreamLayout EmptyLayout(std::uint64_t size) {
+    constexpr std::uint32_t kAnyCluster = 4096;
+    StreamLayout layout;
+    layout.ClusterBytes = kAnyCluster;
+    layout.Size = std::min(size, kMaxFileClusters * kAnyCluster);
+    return layout;
 }
 
 } // namespace thntfs

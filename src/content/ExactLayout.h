@@ -16,4 +16,7 @@ using AttributePieceList = std::vector<std::pair<ConstBytes, Attribute>>;
 /// missing. Doubts of the pieces are added.
 StreamLayout MakeLayout(AttributePieceList pieces, std::uint64_t sizeWanted, bool whole);
 
+/// A stream of a size of which nothing can be had.
+StreamLayout EmptyLayout(std::uint64_t size);
+
 } // namespace thntfs

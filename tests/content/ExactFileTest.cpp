@@ -248,6 +248,10 @@ TEST_F(ExactFileTest, PiecesOfAnAttributeList) {
     const ContentOutcome rest = Take(Placed(resident().SetInUse(false).Poke16(16, 2), 9 * 4096));
     EXPECT_TRUE(Doubts1(rest, Doubt::PieceMissing));
     EXPECT_EQ(Out.Content, Join({Zeros(3), bytes[1], Zeros(4)}));
+    RecordBuilder torn = resident();
+    torn.Poke16(torn.LastAttributeOffset() + 28, 0); // length of the first entry
+    EXPECT_TRUE(Doubts1(Take(Placed(torn, 5000)), Doubt::ListDamaged));
+    EXPECT_EQ(Out.Content, ByteVector(5000));
 }
 
 TEST_F(ExactFileTest, ClustersOfAnotherSize) {
@@ -266,6 +270,10 @@ TEST_F(ExactFileTest, ClustersOfAnotherSize) {
     EXPECT_TRUE(doubtful(6 * 3000, 10)) << "no power of two";
     EXPECT_TRUE(doubtful(6 * 65536ULL, 200)) << "behind the volume's end";
     EXPECT_FALSE(doubtful(6 * 4096, 10));
+    for (const std::uint32_t nonsense : {0U, 256U, 1U << 30U}) {
+        Engine.VolumeParams.ClusterBytes = nonsense;
+        EXPECT_TRUE(doubtful(6 * 4096, 10));
+    }
 }
 
 TEST_F(ExactFileTest, NamesTimesAndStreams) {
