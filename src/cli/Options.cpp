@@ -217,6 +217,7 @@ void AddSave(CLI::App& app, Options& options) {
         ->required();
     AddPartition(*command, options);
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    AddCondition(*command, options);
     command->add_flag("--streams", options.Streams,
                       "Save named streams too, each beside its file or folder as NAME#STREAM");
     command

@@ -112,7 +112,8 @@ std::string TotalsJson(const SaveTotals& totals, const Options& options, bool sc
         {"bytes", totals.Bytes},     {"damaged", totals.Damaged},
         {"failed", totals.Failed},   {"complete", scannedAll && !totals.Stopped},
         {"target", options.Target},  {"links", totals.Links},
-        {"streams", totals.Streams}, {"streamsLeft", totals.StreamsLeft}};
+        {"streams", totals.Streams}, {"streamsLeft", totals.StreamsLeft},
+        {"leftOut", totals.LeftOut}};
     return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
@@ -136,6 +137,9 @@ std::string TotalsText(const SaveTotals& totals, const Options& options) {
     if (totals.StreamsLeft != 0) {
         line += "; " + CountText(totals.StreamsLeft, "named stream", "named streams") +
                 " left, which --streams saves";
+    }
+    if (totals.LeftOut != 0) {
+        line += "; " + CountText(totals.LeftOut, "file", "files") + " in other conditions left out";
     }
     if (totals.Stopped) {
         line += "; stopped before the end";
@@ -171,6 +175,7 @@ int RunSave(const Options& options) {
     TerminalListener listener(report);
     SaveOptions wanted;
     wanted.DeletedOnly = options.Deleted;
+    wanted.Conditions = options.Conditions;
     wanted.AsStored = options.AsStored;
     wanted.Streams = options.Streams;
     wanted.Report = options.Report.has_value();

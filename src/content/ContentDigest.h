@@ -8,19 +8,21 @@
 
 namespace thntfs {
 
-/// The SHA-256 of a file's bytes on their way out, holes as zeros. A file with more than 64 GiB of holes gets
-/// none: their zeros alone would take minutes.
+/// The SHA-256 of a file's bytes on their way out, holes as zeros.
 class ContentDigest {
 public:
     void Add(ConstBytes bytes);
     void AddHole(std::uint64_t bytes);
+
+    /// The file in hand gets none.
+    void Leave() { left_ = true; }
 
     /// The digest of what was added since the last call; empty where there is none.
     std::string Take();
 
 private:
     Sha256 hash_;
-    std::uint64_t holes_ = 0; ///< bytes
+    bool left_ = false;
 };
 
 } // namespace thntfs

@@ -1,5 +1,6 @@
 #include "content/FileSaver.h"
 
+#include "catalogue/Conditions.h"
 #include "content/EntryContent.h"
 #include "content/HashedFile.h"
 #include "content/TargetName.h"
@@ -7,6 +8,7 @@
 #include "platform/files/File.h"
 #include "platform/system/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace thntfs {
@@ -15,6 +17,9 @@ namespace {
 
 constexpr std::uint16_t kFlagSparse = 0x200;
 constexpr std::uint16_t kFlagCompressed = 0x800;
+constexpr const char* kNoFolder = "its folder could not be made or opened";
+constexpr const char* kRecordDamaged = "its file record is damaged";
+constexpr const char* kMediumFailed = "the medium could not be read";
 
 std::string ReasonOf(ErrorCode code) { return Engine.ScanRunFlag == 0 ? "stopped" : SystemErrorText(code); }
 
@@ -22,25 +27,60 @@ std::string NoRoomText(std::uint64_t need, std::uint64_t room) {
     return "it needs " + std::to_string(need) + " bytes and the target has room for " + std::to_string(room);
 }
 
+constexpr std::string_view kSystemFolder = "/$Extend/"; // its streams are the volume's own
+
+// Each of its sectors was read, but they aren't all its own any more.
+void DoubtByCondition(const CatalogueItem& item, SavedFile& file) {
+    const Condition condition = ConditionOf(item);
+    if (condition.Kind == ConditionKind::Overwritten) {
+        file.Reasons.emplace_back("its clusters are used by other files by now");
+    } else if (condition.Kind == ConditionKind::Partly) {
+        file.Reasons.push_back("only " + std::to_string(condition.Share) +
+                               " % of its clusters are still its own");
+    }
+    file.Whole = file.Reasons.empty();
+}
+
+FileDates DatesIn(const ExactFile& file) {
+    const ExactTimes times = file.Times();
+    return {times.Modified, times.Accessed};
+}
+
 } // namespace
 
 FileSaver::FileSaver(const SaveContext& context)
-    : context_(context) {
+    : context_(context)
+    , names_(context.Target, context.Made,
+             [this](const CatalogueItem& folder) { return DatesOfFolder(folder); }) {
     if (context_.Options.Report) {
         digest_.emplace();
     }
 }
 
 void FileSaver::Save(TargetPath::Level* folder, const CatalogueItem& item, const std::string& path) {
+    SavedFile file = Begin(item, path);
+    if (folder == nullptr) {
+        Fail(file, kNoFolder);
+    } else if (context_.Options.AsStored) {
+        SaveStored(*folder, item, file);
+    } else {
+        SaveExact(*folder, item, file);
+    }
+}
+
+SavedFile FileSaver::Begin(const CatalogueItem& item, const std::string& path) {
     SavedFile file;
     file.Path = path;
     file.Record = item.RecordNumber;
     file.Size = item.Size;
-    if (folder == nullptr) {
-        Fail(file, "its folder could not be made or opened");
-    } else {
-        SaveStored(*folder, item, file);
-    }
+    file.Condition = ConditionWord(ConditionOf(item).Kind);
+    return file;
+}
+
+void FileSaver::LeaveOut(const CatalogueItem& item, const std::string& path) {
+    SavedFile file = Begin(item, path);
+    file.Reasons = {std::string("left out, since its condition is ") + file.Condition};
+    context_.Account.LeaveOut(file);
 }
 
 void FileSaver::SaveStored(TargetPath::Level& folder, const CatalogueItem& item, SavedFile& file) {
@@ -48,54 +88,12 @@ void FileSaver::SaveStored(TargetPath::Level& folder, const CatalogueItem& item,
         return;
     }
     const WrittenContent written = WriteContent(folder, TargetName(item.Name), item.Size, [&](File& output) {
-        HashedFile hashed(output, digest_ ? &*digest_ : nullptr);
+        HashedFile hashed(output, Digest());
         return TakeContent(item, hashed);
     });
-    if (Conclude(written, item.Name, file)) {
+    if (Conclude(written, NarrowText(item.Name), file)) {
         context_.Account.FileWritten(std::move(file));
     }
-}
-
-bool FileSaver::Conclude(const WrittenContent& written, std::u16string_view name, SavedFile& file) {
-    const std::string digest = digest_ ? digest_->Take() : "";
-    if (!written.Outcome.Kept()) {
-        FailContent(written, file);
-        return false;
-    }
-    if (written.Error != kErrorNone) {
-        Fail(file, ReasonOf(written.Error));
-        return false;
-    }
-    file.Size = written.Outcome.Size;
-    file.Bytes = written.Outcome.Written;
-    file.Whole = written.Outcome.Whole();
-    file.Reasons = DamageReasons(written.Outcome);
-    file.Sha256 = digest;
-    TellName(file.Path, name, written.Name);
-    return true;
-}
-
-void FileSaver::FailContent(const WrittenContent& written, SavedFile& file) {
-    switch (written.Outcome.End) {
-    case ContentEnd::Stopped:
-        context_.Account.Stop();
-        Fail(file, "stopped");
-        break;
-    case ContentEnd::WriteFailed:
-        Fail(file, SystemErrorText(written.Outcome.WriteError));
-        break;
-    case ContentEnd::RecordDamaged:
-        Fail(file, "its file record is damaged");
-        break;
-    default:
-        Fail(file, "the medium could not be read");
-        throw CUserException();
-    }
-}
-
-void FileSaver::Fail(SavedFile& file, const std::string& reason) {
-    file.Reasons = {reason};
-    context_.Account.FailFile(std::move(file));
 }
 
 // A file with holes or compressed data may need less room than its size.
@@ -111,18 +109,218 @@ bool FileSaver::HasRoomAsStored(const CatalogueItem& item, SavedFile& file) {
     return need <= *room;
 }
 
-void FileSaver::FolderOpened(const TargetPath::Level& level, const std::string& path, ErrorCode code) {
+void FileSaver::SaveExact(TargetPath::Level& folder, const CatalogueItem& item, SavedFile& file) {
+    Facts facts;
+    if (!ReadFacts(item, facts, file) || !HasRoom(facts.Data.get(), file)) {
+        return;
+    }
+    const WrittenContent written = WriteStream(folder, TargetName(item.Name), facts.Data.get(), facts.Dates);
+    if (Conclude(written, NarrowText(item.Name), file)) {
+        DoubtByCondition(item, file);
+        GiveNames(folder, item, written.Name, facts, file);
+        context_.Account.FileWritten(file);
+        SaveStreams(folder, written.Name, file, reader_);
+    }
+}
+
+bool FileSaver::ReadFacts(const CatalogueItem& item, Facts& facts, SavedFile& file) try {
+    if (!reader_.Open(item)) {
+        Fail(file, kRecordDamaged);
+        return false;
+    }
+    facts.Data = reader_.OpenStream();
+    facts.Names = reader_.Names();
+    facts.Dates = DatesIn(reader_);
+    file.Size = facts.Data != nullptr ? facts.Data->Size() : 0;
+    return true;
+} catch (const CUserException&) {
+    Fail(file, kMediumFailed);
+    throw;
+}
+
+bool FileSaver::HasRoom(const ExactStream* stream, SavedFile& file) {
+    const auto room = context_.Target.FreeBytes();
+    if (!room || stream == nullptr || stream->Size() <= *room) {
+        return true;
+    }
+    if (!keepsHoles_) {
+        keepsHoles_ = context_.Target.KeepsHoles();
+    }
+    const std::uint64_t need = *keepsHoles_ ? DataBytes(*stream, *room) : stream->Size();
+    if (need > *room) {
+        Fail(file, NoRoomText(need, *room));
+    }
+    return need <= *room;
+}
+
+WrittenContent FileSaver::WriteStream(TargetPath::Level& folder, const std::string& name, ExactStream* stream,
+                                      const FileDates& dates) {
+    return WriteContent(folder, name, stream != nullptr ? stream->Size() : 0, [&](File& output) {
+        const ContentOutcome outcome =
+            stream != nullptr ? writer_.Write(*stream, output, Digest()) : ContentOutcome();
+        output.SetDates(dates);
+        return outcome;
+    });
+}
+
+void FileSaver::GiveNames(TargetPath::Level& folder, const CatalogueItem& item, const std::string& name,
+                          const Facts& facts, SavedFile& file) {
+    const auto own = std::find_if(facts.Names.begin(), facts.Names.end(), [&item](const ExactName& given) {
+        return static_cast<std::uint32_t>(NumberOf(given.Parent)) == item.ParentNumber &&
+               given.Name == item.Name;
+    });
+    for (auto further = facts.Names.begin(); further != facts.Names.end(); ++further) {
+        if (further != own && names_.GoTo(*further)) {
+            GiveName(folder, name, *further, facts, file);
+        }
+    }
+}
+
+// Where the target has no such links, or no more for this file, the name gets a copy.
+void FileSaver::GiveName(TargetPath::Level& folder, const std::string& name, const ExactName& further,
+                         const Facts& facts, SavedFile& file) {
+    const std::string path = names_.PathOf(further.Name);
+    TargetPath::Level* const place =
+        names_.Open([this](TargetPath& way, const auto& level, const std::string& made, ErrorCode code) {
+            if (code == kErrorNone) {
+                FolderOpened(way, level, made, code);
+            }
+        });
+    if (place == nullptr) {
+        context_.Account.Fail(path, kNoFolder);
+        return;
+    }
+    std::string given = TargetName(further.Name);
+    ErrorCode code = TakeFreeName(place->Numbers, given, [&](const std::string& free) {
+        return folder.Handle->LinkFile(name, *place->Handle, free);
+    });
+    if (code != kErrorNone && Engine.ScanRunFlag != 0) {
+        code = Copy(*place, facts, given = TargetName(further.Name));
+    }
     if (code == kErrorNone) {
-        context_.Account.FolderMade(path);
-        TellName(path, level.Item.Name, level.MadeName);
+        TellName(path, NarrowText(further.Name), given);
+        file.Links.push_back(path);
     } else {
         context_.Account.Fail(path, ReasonOf(code));
     }
 }
 
-void FileSaver::TellName(const std::string& path, std::u16string_view name, const std::string& targetName) {
-    if (NarrowText(name) != targetName) {
-        context_.Listener.Renamed(path, targetName);
+ErrorCode FileSaver::Copy(TargetPath::Level& folder, const Facts& facts, std::string& name) {
+    const WrittenContent copy = WriteStream(folder, name, facts.Data.get(), facts.Dates);
+    if (digest_) {
+        (void)digest_->Take();
+    }
+    name = copy.Name;
+    if (copy.Outcome.End == ContentEnd::MediumFailed) {
+        return kErrorCrc;
+    }
+    return copy.Outcome.End == ContentEnd::WriteFailed ? copy.Outcome.WriteError : copy.Error;
+}
+
+void FileSaver::SaveStreams(TargetPath::Level& folder, const std::string& name, const SavedFile& file,
+                            ExactFile& reader) {
+    for (const ExactStreamInfo& stream : reader.Streams()) {
+        if (stream.Name.empty() || file.Path.starts_with(kSystemFolder)) {
+            continue;
+        }
+        if (!context_.Options.Streams) {
+            context_.Account.StreamLeft();
+            continue;
+        }
+        SavedFile saved;
+        saved.Path = file.Path + ":" + NarrowText(stream.Name);
+        saved.Record = file.Record;
+        saved.Condition = file.Condition;
+        saved.Size = stream.Size;
+        saved.IsStream = true;
+        SaveStream(folder, name, stream.Name, saved, reader);
+    }
+}
+
+void FileSaver::SaveStream(TargetPath::Level& folder, const std::string& name, std::u16string_view stream,
+                           SavedFile& file, ExactFile& reader) {
+    const std::unique_ptr<ExactStream> data = reader.OpenStream(stream);
+    if (data == nullptr || !HasRoom(data.get(), file)) {
+        return;
+    }
+    const std::string wanted = name + "#" + NarrowText(stream);
+    const WrittenContent written =
+        WriteStream(folder, TargetName(WideText(wanted)), data.get(), DatesIn(reader));
+    if (Conclude(written, wanted, file)) {
+        context_.Account.FileWritten(std::move(file));
+    }
+}
+
+bool FileSaver::Conclude(const WrittenContent& written, std::string_view wantedName, SavedFile& file) {
+    const std::string digest = digest_ ? digest_->Take() : "";
+    if (!written.Outcome.Kept()) {
+        FailContent(written, file);
+        return false;
+    }
+    if (written.Error != kErrorNone) {
+        Fail(file, ReasonOf(written.Error));
+        return false;
+    }
+    file.Size = written.Outcome.Size;
+    file.Bytes = written.Outcome.Written;
+    file.Whole = written.Outcome.Whole();
+    file.Reasons = DamageReasons(written.Outcome);
+    file.Sha256 = digest;
+    TellName(file.Path, wantedName, written.Name);
+    return true;
+}
+
+void FileSaver::FailContent(const WrittenContent& written, SavedFile& file) {
+    switch (written.Outcome.End) {
+    case ContentEnd::Stopped:
+        context_.Account.Stop();
+        Fail(file, "stopped");
+        break;
+    case ContentEnd::WriteFailed:
+        Fail(file, SystemErrorText(written.Outcome.WriteError));
+        break;
+    case ContentEnd::RecordDamaged:
+        Fail(file, kRecordDamaged);
+        break;
+    default:
+        Fail(file, kMediumFailed);
+        throw CUserException();
+    }
+}
+
+void FileSaver::Fail(SavedFile& file, const std::string& reason) {
+    file.Reasons = {reason};
+    context_.Account.FailFile(std::move(file));
+}
+
+void FileSaver::FolderOpened(TargetPath& way, const TargetPath::Level& level, const std::string& path,
+                             ErrorCode code) {
+    if (code != kErrorNone) {
+        context_.Account.Fail(path, ReasonOf(code));
+        return;
+    }
+    context_.Account.FolderMade(path);
+    TellName(path, NarrowText(level.Item.Name), level.MadeName);
+    if (ReadsRecordOf(level.Item) && folderReader_.Open(level.Item)) {
+        SavedFile folder;
+        folder.Path = path;
+        folder.Record = level.Item.RecordNumber;
+        SaveStreams(way.AboveOpen(), level.MadeName, folder, folderReader_);
+    }
+}
+
+FileDates FileSaver::DatesOfFolder(const CatalogueItem& folder) try {
+    if (!ReadsRecordOf(folder) || !folderReader_.Open(folder)) {
+        return {};
+    }
+    return DatesIn(folderReader_);
+} catch (const CUserException&) {
+    return {};
+}
+
+void FileSaver::TellName(const std::string& path, std::string_view wantedName, const std::string& name) {
+    if (wantedName != name) {
+        context_.Listener.Renamed(path, name);
     }
 }
 

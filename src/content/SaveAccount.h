@@ -39,7 +39,7 @@ struct SaveTotals {
     std::uint64_t Links = 0;       ///< further names given to saved files
     std::uint64_t Streams = 0;     ///< named streams saved
     std::uint64_t StreamsLeft = 0; ///< named streams that nobody asked for
-    std::uint64_t LeftOut = 0;     ///< deleted files whose condition isn't whole
+    std::uint64_t LeftOut = 0;     ///< files in conditions that nobody asked for
     bool Stopped = false;          ///< ScanRunFlag was cleared, or the medium failed for good
 };
 
@@ -53,7 +53,7 @@ public:
     /// A file or stream was written whole or damaged; its reasons tell which.
     void FileWritten(SavedFile file);
     void FolderMade(const std::string& path);
-    void StreamsLeft(std::uint64_t count) { totals_.StreamsLeft += count; }
+    void StreamLeft() { ++totals_.StreamsLeft; }
     void Fail(const std::string& path, const std::string& reason);
     /// A file or stream could not be saved, for the last of its reasons.
     void FailFile(SavedFile file);

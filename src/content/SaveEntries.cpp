@@ -25,10 +25,11 @@ EntrySaver::EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& liste
     : options_(options)
     , target_(std::move(target))
     , account_(*target_, listener, options.Report)
-    , files_({options_, *target_, account_, listener})
-    , path_(*target_, made_, [](const CatalogueItem&) { return FileDates(); }) {}
+    , files_({options_, *target_, made_, account_, listener})
+    , path_(*target_, made_, [this](const CatalogueItem& folder) { return files_.DatesOfFolder(folder); }) {}
 
 void EntrySaver::Save(const std::vector<LocatedEntry>& entries) {
+    files_.Select(entries);
     for (const LocatedEntry& entry : entries) {
         SaveOne(entry);
     }
@@ -61,6 +62,7 @@ const SaveTotals& EntrySaver::Finish() {
     if (Engine.ScanRunFlag == 0) {
         account_.Stop();
     }
+    files_.Leave();
     path_.Cut(1);
     return account_.Settle();
 }
@@ -96,13 +98,17 @@ void EntrySaver::EnterFolder(const CatalogueItem& item) {
 }
 
 TargetPath::Level* EntrySaver::OpenLevel() {
-    return path_.Open([this](const TargetPath::Level& level, const std::string& path, ErrorCode code) {
-        files_.FolderOpened(level, path, code);
+    return path_.Open([this](TargetPath& way, const auto& level, const std::string& path, ErrorCode code) {
+        files_.FolderOpened(way, level, path, code);
     });
 }
 
 void EntrySaver::SaveFile(const CatalogueItem& item, const std::string& path) {
-    files_.Save(OpenLevel(), item, path);
+    if (ConditionWanted(options_.Conditions, item)) {
+        files_.Save(OpenLevel(), item, path);
+    } else {
+        files_.LeaveOut(item, path);
+    }
 }
 
 } // namespace thntfs

@@ -80,7 +80,7 @@ std::string ReportLine(const SavedFile& file) {
     line += R"(,"record":)" + std::to_string(file.Record);
     line += R"(,"size":)" + std::to_string(file.Size);
     line += R"(,"bytes":)" + std::to_string(file.Bytes);
-    line += R"(,"condition":"unknown","reason":)";
+    line += R"(,"condition":")" + std::string(file.Condition) + R"(","reason":)";
     AppendOrNull(line, JoinedReasons(file));
     line += R"(,"sha256":)";
     AppendOrNull(line, file.Sha256);

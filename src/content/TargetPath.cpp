@@ -56,7 +56,8 @@ void TargetPath::LeaveInnermost() {
     if (dates.Modified == 0 && dates.Accessed == 0) {
         return;
     }
-    if (Level* const level = Open([](const Level&, const std::string&, ErrorCode) {}); level != nullptr) {
+    if (Level* const level = Open([](TargetPath&, const Level&, const std::string&, ErrorCode) {});
+        level != nullptr) {
         level->Handle->SetDates(dates);
     }
 }
@@ -122,7 +123,7 @@ ErrorCode TargetPath::OpenBelow(Level& above, std::size_t index, const Teller& t
         level.Handle = level.Owned.get();
     } else {
         code = MakeBelow(above, level);
-        tell(level, PathOf(index), code);
+        tell(*this, level, PathOf(index), code);
     }
     return code;
 }

@@ -45,7 +45,8 @@ public:
     };
 
     /// Told once of each folder that is made, or can't be, with its path in the catalogue and the code.
-    using Teller = std::function<void(const Level& level, const std::string& path, ErrorCode code)>;
+    using Teller =
+        std::function<void(TargetPath& way, const Level& level, const std::string& path, ErrorCode code)>;
 
     /// Asked for the dates of a folder that is left after something has gone into it.
     using DatesOf = std::function<FileDates(const CatalogueItem& folder)>;

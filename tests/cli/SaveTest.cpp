@@ -156,16 +156,21 @@ TEST_F(SaveTest, SizesBeyondAllMeasureDoNotFillTheDisk) {
                             .AddStandardInformation()
                             .AddFileName({.Name = u"four clusters"})
                             .AddData({.Runs = {{4, 100}}, .RealSize = kClaim}));
+    const std::string report = At("report");
     for (const std::uint64_t sectors : {std::uint64_t{4095}, std::uint64_t{1} << 40}) {
         SCOPED_TRACE(sectors);
         BootSectorFields boot = BootFieldsOf(volume_.Geometry());
         boot.TotalSectors = sectors;
         volume_.PutSectors(volume_.Geometry().StartSector, EncodeBootSector(boot));
-        const RunResult run = Save(3, {"--json"}, "", {.MaxFileBytes = 64U << 20U});
+        const RunResult run = Save(3, {"--json", "--as-stored"}, "", {.MaxFileBytes = 64U << 20U});
         EXPECT_LT(Json::parse(run.Out)["bytes"], 200U << 20U) << run.Err;
         EXPECT_FALSE(Contains(run.Err, "exceeds the limit")) << "only the limit held it: " << run.Err;
+        fs::remove_all(target_);
+        EXPECT_EQ(Json::parse(Save(3, {"--json", "--report", report}).Out)["damaged"], 9);
+        fs::remove(report);
+        EXPECT_LT(std::stoul(OutputOf("du -sk " + target_)), 200U << 10U) << "holes take no room";
         EXPECT_EQ(ReadWholeFile(target_ + "/good.txt"), "good");
-        EXPECT_EQ(fs::file_size(target_ + "/four clusters"), 4U * 4096) << "its runs tell what it needs";
+        EXPECT_EQ(fs::file_size(target_ + "/four clusters"), 4U * 4096) << "its size can't be true";
         fs::remove_all(target_);
     }
 }

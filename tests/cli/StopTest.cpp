@@ -89,9 +89,9 @@ TEST_F(StopTest, SaveLeavesNoHalfWrittenFile) {
                                                       return entry.path().extension() == ".part";
                                                   });
     };
-    const Json totals = Json::parse(
-        Expect(3, {"save", image_, "--to", target_, "--json"}, "/endless.bin: not saved: stopped", setup)
-            .Out);
+    const Json totals = Json::parse(Expect(3, {"save", image_, "--to", target_, "--json", "--as-stored"},
+                                           "/endless.bin: not saved: stopped", setup)
+                                        .Out);
     EXPECT_EQ(FilesBelow(target_), (Texts{{"first.txt", "text"}}));
     EXPECT_EQ(totals["files"], 1);
     EXPECT_EQ(totals["complete"], false);

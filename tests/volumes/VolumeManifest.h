@@ -38,8 +38,8 @@ inline json ManifestOf(const std::string& name) {
 /// The SHA-256 of each file below a folder, by its path from there on, as `sha256sum` has it.
 inline std::map<std::string, std::string> HashesBelow(const std::string& folder) {
     constexpr std::size_t kHashDigits = 64;
-    const RunResult run =
-        RunProgram("/bin/sh", {"-c", "cd \"$0\" && find . -type f -exec sha256sum {} +", folder});
+    const RunResult run = RunProgram(
+        "/bin/sh", {"-c", "cd \"$0\" && find . -type f -size -1000M -exec sha256sum {} +", folder});
     std::map<std::string, std::string> hashes;
     std::istringstream lines(run.Out);
     for (std::string line; std::getline(lines, line);) {
