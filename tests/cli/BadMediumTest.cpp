@@ -127,6 +127,35 @@ TEST_F(BadMediumTest, ATableThatCannotBeReadIsToldAndNeverCalledComplete) {
     Expect(1, {"save", image_, "--to", target_}, "--turbo");
 }
 
+TEST_F(BadMediumTest, WhatAScanAddsAndLeavesOutIsTold) {
+    VolumeGeometry geometry;
+    geometry.MftRuns = {{64, 100}, {1, 99}}; // the second one is none to the plain decoder
+    volume_ = VolumeBuilder(geometry);
+    volume_.PlaceRecord(volume_.NewRecord(40).AddStandardInformation().AddData(BytesOf("nameless")));
+    volume_.AddFile(TextFile(257, u"behind", "x"));
+    volume_.WriteTo(image_);
+    const std::string leftOut = "1 record without a usable name left out; --deep lists them";
+    const RunResult whole = Expect(0, {"scan", image_, "--log", At("log")});
+    EXPECT_TRUE(whole.Err.empty() && Contains(whole.Out, leftOut)) << whole.Err;
+    EXPECT_TRUE(Contains(ReadWholeFile(At("log")), "1 record without a usable name left out"));
+    EXPECT_EQ(Json::parse(RunCli({"scan", image_, "--json"}).Out)["recordsLeftOut"], 1);
+    EXPECT_FALSE(Contains(Expect(3, {"list", image_, "--as-stored"}, "4 in lost pieces").Out, "/behind"));
+    EXPECT_TRUE(Contains(Expect(0, {"list", image_, "-r"}).Out, "/behind"));
+    EXPECT_EQ(Expect(0, {"cat", image_, "--deep", "#40"}).Out, "nameless");
+    EXPECT_FALSE(Contains(Expect(0, {"scan", image_, "--deep", "--turbo"}).Out, "--deep"));
+
+    for (std::uint32_t number = 24; number < 258; ++number) {
+        volume_.PlaceRecord(number, ByteVector(1024));
+    }
+    volume_.WriteTo(image_);
+    EXPECT_FALSE(Contains(Expect(0, {"list", image_}).Err, "Little")) << "a tenth of 260";
+    volume_.PlaceRecord(23, ByteVector(1024));
+    volume_.WriteTo(image_);
+    Expect(0, {"list", image_},
+           "Little was found: 25 records, where the volume should have about 260. --turbo may find more");
+    EXPECT_FALSE(Contains(Expect(0, {"list", image_, "--turbo"}).Err, "Little"));
+}
+
 // A bad sector in a record costs that record, one in a file's data its own bytes.
 TEST_F(BadMediumTest, BadSectorsAreWorkedAroundAndTold) {
     volume_.AddFile({.Number = 40, .Name = u"file.bin", .Content = PatternBytes(20000), .InClusters = true});

@@ -197,6 +197,23 @@ TEST_F(ScanJobs, AFullDiskEndsAScanWhereverItIs) {
     EXPECT_FALSE(TreeIsEmpty());
 }
 
+TEST_F(ScanJobs, NamelessRecordsAreCountedOrListedAndLittleYieldIsTold) {
+    Load("attrlist.img");
+    Scan();
+    const std::string leftOut = "1 record without a usable name left out" + kRule + " | 2";
+    EXPECT_EQ(LogRows().at(2), leftOut);
+    const std::uint32_t files = Desktop.TotalFiles;
+    ChooseInMenu("Tools/List Nameless Records");
+    EXPECT_TRUE(Command("List Nameless Records").isChecked());
+    Scan();
+    EXPECT_EQ(Desktop.TotalFiles, files + 1);
+    EXPECT_EQ(std::ranges::count(LogRows(), leftOut), 1);
+    EXPECT_TRUE(BoxTexts().back().ends_with("Go to Tools->TurboScan"));
+    Engine.Yield = {.Met = 5, .Expected = 60};
+    WM_JOB_FINISHED.Send(Frame.get(), FinishedJob::BasicScan);
+    EXPECT_TRUE(BoxTexts().back().ends_with("should have about 60.\nTurbo Scan may find more."));
+}
+
 TEST_F(ScanJobs, ADiskThatGoesAwayEndsTheScanWithABox) {
     Load();
     Plan->Rules.push_back({0, kForever, kErrorNotReady});
