@@ -5,6 +5,7 @@
 #include "partitions/LookAt.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <zlib.h>
 
@@ -194,6 +195,7 @@ GptTable ReadEntries(const GptHeader& header) {
 }
 
 // Where both headers are lost their entries stand behind the first and in front of the second all the same.
+// Anything else may stand there too: the type must be that of a data volume.
 GptTable ReadEntriesWithoutHeader() {
     GptTable table;
     for (const std::uint64_t unitBytes : PossibleUnits()) {
@@ -205,7 +207,8 @@ GptTable ReadEntriesWithoutHeader() {
         for (const std::uint64_t place : {std::uint64_t{2}, MediumBytes() / unitBytes - 1 - arrayUnits}) {
             usual.ArrayAt = place;
             const GptTable found = ReadEntries(usual);
-            table.Entries.insert(table.Entries.end(), found.Entries.begin(), found.Entries.end());
+            std::copy_if(found.Entries.begin(), found.Entries.end(), std::back_inserter(table.Entries),
+                         [](const GptEntry& entry) { return entry.Basic; });
         }
     }
     return table;

@@ -26,8 +26,8 @@ struct GptTables {
 /// Reads both tables of SourceDisk. The size of the sectors that they count by is taken from where their
 /// headers stand: the image of a disk with large sectors is read in small ones. The backup is looked for
 /// where the first header says, where the protective partition ends, and in the medium's last sectors. A
-/// table with a wrong sum gives its entries for what they are worth; so do both without headers, unless the
-/// classic table names volumes. Reads fail in silence, and nothing is thrown but bad_alloc.
+/// table with a wrong sum gives its entries for what they are worth; so do both without headers, data volumes
+/// alone, unless the classic table names volumes. Reads fail in silence, and nothing is thrown but bad_alloc.
 GptTables ReadGptTables();
 
 } // namespace thntfs
