@@ -208,9 +208,11 @@ std::vector<CompressedStream::StoredPart> CompressedStream::ReadStored(std::uint
     return parts;
 }
 
+// A unit is data up to its end, although its last clusters are saved.
 std::uint64_t CompressedStream::NextData(std::uint64_t offset) const {
-    const std::uint64_t data = RunStream::NextData(offset);
-    return data == Size() ? data : std::max(offset, data / UnitBytes() * UnitBytes());
+    const std::uint64_t stored = RunStream::NextData(offset / UnitBytes() * UnitBytes());
+    const std::uint64_t data = std::max(offset, stored / UnitBytes() * UnitBytes());
+    return stored < layout_.Initialised && data < layout_.Initialised ? data : Size();
 }
 
 std::uint64_t CompressedStream::NextHole(std::uint64_t offset) const {

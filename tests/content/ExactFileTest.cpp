@@ -95,6 +95,10 @@ TEST_F(ExactFileTest, SizesHolesAndOffsets) {
     EXPECT_EQ(edges(21000), std::pair(30000UL, 21000UL));
     EXPECT_EQ(edges(40000), std::pair(30000UL, 30000UL));
 
+    ASSERT_TRUE(
+        file.Open(Placed(Record().AddData({.Runs = runs, .RealSize = 30000, .InitializedSize = 32768}))));
+    EXPECT_EQ(file.OpenStream()->NextHole(25000), 30000U);
+
     // Nothing on the medium stands for it: petabytes are known as a hole at once.
     ASSERT_TRUE(file.Open(Placed(Record().AddData({.Runs = {}, .RealSize = 1ULL << 43U}))));
     const auto empty = file.OpenStream();
@@ -149,6 +153,15 @@ TEST_F(ExactFileTest, UnitsOfCompression) {
         EXPECT_TRUE(take({both, hole, {16, {}}, PutRun(packed), hole}, 260000, std::uint16_t(flags)).Whole());
         EXPECT_EQ(Out.Content, FirstOf(Join({raw, plain, Zeros(16), plain}), 260000));
     }
+    ExactFile file; // of which the last was read
+    ASSERT_TRUE(file.Open(Numbered(ItemOf(40, 0), 40)));
+    const auto edges = [stream = file.OpenStream()](std::uint64_t cluster) {
+        return std::pair(stream->NextData(cluster * 4096) / 4096, stream->NextHole(cluster * 4096) / 4096);
+    };
+    EXPECT_EQ(edges(1), std::pair(1UL, 32UL)) << "clusters that are saved are no hole";
+    EXPECT_EQ(edges(33), std::pair(48UL, 33UL));
+    EXPECT_EQ(edges(60), std::pair(60UL, 63UL));
+
     const ByteVector head = FirstOf(packed, 4096);
     const DataRun parts[] = {PutRun(head), PutRun(ByteVector(packed.begin() + 4096, packed.end()))};
     EXPECT_TRUE(take({parts[0], parts[1], hole}, 65536).Whole());
@@ -169,7 +182,8 @@ TEST_F(ExactFileTest, UnitsOfCompression) {
     for (const ByteVector& lost : {Join({three, Zeros(1)}), Join({Zeros(1), three})}) {
         EXPECT_TRUE(Doubts1(take({PutRun(lost), {13, {}}}, 12289), Doubt::DataDamaged)) << "more is stored";
     }
-    const ByteVector chunks[] = {Chunk(true, {1, 0, 0}),               // repeats what isn't there
+    const ByteVector chunks[] = {Chunk(true, {1, 0, 0}),
+                                 Chunk(true, {2, 'a', 0, 0x10}),       // repeats what isn't there
                                  Chunk(true, {2, 'a', 0xFF, 0x0F, 0}), // longer than a chunk
                                  Chunk(true, {2, 'a', 0}),             // half a token
                                  ByteVector{0x01, 0x80, 0, 'a'}};      // no chunk's signature
@@ -237,6 +251,8 @@ TEST_F(ExactFileTest, PiecesOfAnAttributeList) {
     expectHole(RecordBuilder(piece).SetBase(FileReference(40, 2)), Doubt::PieceForeign, "a later file's");
     expectHole(RecordBuilder(piece).Poke16(16, 2), Doubt::PieceForeign, "a record used again");
     expectHole(extension(42, 4, bytes[1]), Doubt::PieceMissing, "another piece");
+    expectHole(RecordBuilder(piece).Poke16(piece.LastAttributeOffset() + 14, 7), Doubt::PieceMissing,
+               "another attribute");
     expectHole(RecordBuilder(piece).Poke8(0, 'X'), Doubt::PieceMissing, "a damaged record");
     Volume.PlaceRecord(RecordBuilder(piece).SetInUse(false).Poke16(16, 2));
     EXPECT_TRUE(Take(resident()).Whole()) << "a deleted one has counted up";
