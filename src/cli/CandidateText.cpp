@@ -36,7 +36,9 @@ std::string PlaceText(const PartitionCandidate& candidate) {
 }
 
 std::string UnusableText(const TableVolume& entry) {
-    return PlaceText(entry.StartSector, entry.TotalSectors) + ": " + ProblemText(entry.State);
+    const std::string place = entry.TotalSectors == 0 ? "start sector " + std::to_string(entry.StartSector)
+                                                      : PlaceText(entry.StartSector, entry.TotalSectors);
+    return place + ": " + ProblemText(entry.State);
 }
 
 const char* SourceWord(VolumeSource source) {

@@ -1,5 +1,6 @@
 #include "cli/SearchMedium.h"
 
+#include "cli/CandidateText.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
@@ -45,6 +46,7 @@ int SearchMedium(const Options& options, TerminalHost& host) {
         return kExitDoneInPart;
     }
     if (disk.Partitions.empty()) {
+        TellUnusableVolumes();
         return Refuse(*options.Search == SearchMethod::Quick
                           ? "The quick search found no NTFS volume; try --search thorough."
                           : "The search found no NTFS volume.");

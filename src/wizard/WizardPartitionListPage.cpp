@@ -115,6 +115,9 @@ void CWizardPartitionListPage::Fill() {
     list_->setEnabled(any);
     if (!any) {
         list_->AddRow({QStringLiteral("No Logical Drives Found")});
+        for (const ListedVolume& volume : ListVolumes()) { // which tell why
+            list_->AddRow(RowTexts(volume), LoadIcon("disk"), false);
+        }
         return;
     }
     {

@@ -50,7 +50,12 @@ TEST_F(BadMediumTest, WhatHoldsNoVolumeIsToldByEveryCommand) {
             ExpectRefused(1, words, told);
         }
     }
+    const std::string encrypted = Make("encrypted", BytesOf("\xEB\x58\x90-FVE-FS-" + std::string(5000, ' ')));
+    const std::string told = "this volume is fully encrypted";
+    ExpectRefused(1, {"save", encrypted, "--to", target_}, told);
+    ExpectRefused(1, {"scan", encrypted, "-p", "1", "--search", "thorough"}, told);
     EXPECT_FALSE(fs::exists(target_));
+    EXPECT_EQ(Json::parse(Expect(1, {"partitions", encrypted, "--json"}).Out)[0]["encrypted"], true);
     EXPECT_EQ(Json::parse(Expect(1, {"partitions", At("text"), "--json"}).Out), Json::array());
 }
 

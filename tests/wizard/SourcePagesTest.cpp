@@ -172,6 +172,9 @@ TEST_F(SourcePagesTest, WhatCannotBeScannedIsRefused) {
         EXPECT_EQ(Heading(), "Select image to recover data");
         EXPECT_EQ(Arrived, Texts{"clear views"});
         EXPECT_EQ(Engine.SourceDisk.TotalSectors, 136U) << "it stays open";
+        Answers.AnswerFile(Write("encrypted.th2", "abc-FVE-FS-" + std::string(70000, '\0')));
+        Press("Select Image File");
+        Press("Next >");
         Answers.AnswerFile(wreck);
         Press("Select Image File");
         Press("Next >");
@@ -187,14 +190,17 @@ TEST_F(SourcePagesTest, WhatCannotBeScannedIsRefused) {
     EXPECT_EQ(
         Boxes(),
         (Texts{"Volume Salvage (NTFS): Please use search for lost partition(s).",
+               "Volume Salvage (NTFS): Start sector 0: this volume is fully encrypted; unlock or decrypt it "
+               "with "
+               "its own system first.",
                "Information: Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
                "Tools->Turbo Scan.",
                "Volume Salvage (NTFS): Do you want to close wizard?"}));
     EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Critical);
-    EXPECT_EQ(Answers.Boxes[1].Icon, QMessageBox::Warning);
+    EXPECT_EQ(Answers.Boxes[2].Icon, QMessageBox::Warning);
     EXPECT_EQ(Engine.VolumeParams.StartSector, 2048U) << "for Turbo Scan";
     EXPECT_EQ(Sheet->State().LogicalDriveNumber, 0) << "as the click has left it";
-    EXPECT_EQ(Arrived.size(), 3U) << "no line for the partition";
+    EXPECT_EQ(Arrived.size(), 4U) << "no line for the partition";
 }
 
 TEST_F(SourcePagesTest, ADeadMediumIsToldBeforeTheAdvice) {
