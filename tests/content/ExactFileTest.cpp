@@ -250,7 +250,7 @@ TEST_F(ExactFileTest, PiecesOfAnAttributeList) {
     expectHole(RecordBuilder(piece).SetBase(FileReference(39)), Doubt::PieceForeign, "another file's");
     expectHole(RecordBuilder(piece).SetBase(FileReference(40, 2)), Doubt::PieceForeign, "a later file's");
     expectHole(RecordBuilder(piece).Poke16(16, 2), Doubt::PieceForeign, "a record used again");
-    expectHole(extension(42, 4, bytes[1]), Doubt::PieceMissing, "another piece");
+    expectHole(extension(42, 2, bytes[1]), Doubt::PieceMissing, "another piece");
     expectHole(RecordBuilder(piece).Poke16(piece.LastAttributeOffset() + 14, 7), Doubt::PieceMissing,
                "another attribute");
     expectHole(RecordBuilder(piece).Poke8(0, 'X'), Doubt::PieceMissing, "a damaged record");
