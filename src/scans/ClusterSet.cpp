@@ -37,7 +37,7 @@ std::uint64_t CountBits(const ClusterSet::Page& page, std::uint64_t first, std::
     return set;
 }
 
-void ClusterSet::Add(std::uint64_t first, std::uint64_t count) try {
+void ClusterSet::AddPages(std::uint64_t first, std::uint64_t count) try {
     if (first >= clusters_ || added_ / kMaxTimesAdded > clusters_) {
         return;
     }
@@ -67,8 +67,11 @@ void ClusterSet::AddInPage(std::uint64_t page, std::uint64_t first, std::uint64_
             pages_[place - 1].reset();
         }
         place = kFullPage;
+        lastPage_ = lastPage_ == page ? ~std::uint64_t{0} : lastPage_;
     } else if (Page* bits = PageFor(place)) {
         SetBits(*bits, first, count);
+        lastPage_ = page;
+        last_ = bits;
     }
 }
 

