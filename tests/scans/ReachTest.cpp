@@ -72,31 +72,41 @@ TEST_F(ReachTest, RecordsAcrossTheBordersOfRunsFollowBehindTheOthers) {
     Volume.PlaceRecord(19, Record(0, 18, u"older", RecordForm::Older).Finish());
     Volume.AddFile({.Number = 20, .Parent = 18, .Name = u"met"});
     Volume.PlaceRecord(Record(23, 18, u"split").AddData(PatternBytes(600)));
-    Volume.PlaceRecord(Volume.NewRecord(21).AddStandardInformation().AddAttributeList(std::vector<ListEntry>{
-        {kFileName, FileReference(24)}, {kFileName, FileReference(25)}, {kData, FileReference(25)}}));
+    Volume.PlaceRecord(
+        Volume.NewRecord(21).SetInUse(false).Poke16(16, 2).AddStandardInformation().AddAttributeList(
+            std::vector<ListEntry>{
+                {kFileName, FileReference(25)}, {kData, FileReference(25)}, {kFileName, FileReference(24)}}));
     Volume.PlaceRecord(Record(24, 18, u"another's").SetBase(FileReference(99)));
-    Volume.PlaceRecord(Record(25, 18, u"by list").SetBase(FileReference(21)).AddData(BytesOf("12345")));
+    Volume.PlaceRecord(Record(25, 18, u"by list")
+                           .SetBase(FileReference(21)) // before it was deleted
+                           .AddData(BytesOf("12345"))
+                           .AddData({.Runs = {{1, 600}}, .FirstVcn = 4}));
     Volume.PlaceRecord(Record(26, 18, u"$Boot"));
     const auto scan = [](const ScanReach& reach) { return Basic(reach); };
     EXPECT_EQ(scan({}), (Lines{"-#18 18", "#18/met 20"}));
     EXPECT_GT(Engine.Losses.Records(), 0U) << "what the plain walk takes for records is none";
     ExpectBehindPlain(scan, kExact, {u"folder", u"older", u"split", u"$Boot", u"by list"});
     EXPECT_EQ(Picture(), (Lines{"/folder 18", "/folder/met 20", "/folder/older 19", "/folder/split 23",
-                                "/folder/$Boot 26", "/folder/by list 21"}));
+                                "/folder/$Boot 26", "-/folder/by list 21"}));
     EXPECT_EQ(StoredEntryAt(5).RecordSector, Volume.RecordSector(23));
     EXPECT_EQ(StoredEntryAt(7).Size, 5U);
     EXPECT_FALSE(Engine.Losses.Any());
 
+    // What lies behind the table's end isn't one of its records.
+    Volume.PutSectors(Volume.Geometry().SectorOf(1397), Record(600, 18, u"stray").Finish());
     // None of them stands where Turbo Scan looks by itself.
     ExpectBehindPlain([](const ScanReach& reach) { return Turbo(reach); }, kExact,
-                      {u"folder", u"older", u"met", u"by list", u"split", u"$Boot"});
-    EXPECT_EQ(Picture().size(), 6U);
+                      {u"folder", u"older", u"met", u"by list", u"split", u"$Boot", u"stray"});
+    EXPECT_EQ(Picture().size(), 7U);
 
     Volume.PlaceRecord(30, BytesOf("BAAD" + std::string(1020, 'x')));
     Plan->Rules = {{Volume.RecordSector(23), 1, kErrorCrc}, {Volume.RecordSector(26), 1, kErrorCrc}};
     EXPECT_EQ(Basic(kExact).size(), 4U);
     EXPECT_EQ(LossText(Engine.Losses),
               "At least 3 records could not be read (2 in unreadable sectors, 1 damaged)");
+    Plan->Rules.clear();
+    Volume.PlaceRecord(Volume.NewRecord(23).AddStandardInformation().AddData(PatternBytes(600)));
+    EXPECT_EQ(Basic(kDeep).back(), "#23 23");
 }
 
 TEST_F(ReachTest, RunsThatThePlainDecoderLeavesAreWalkedToo) {
