@@ -165,13 +165,11 @@ WrittenContent FileSaver::WriteStream(TargetPath::Level& folder, const std::stri
 
 void FileSaver::GiveNames(TargetPath::Level& folder, const CatalogueItem& item, const std::string& name,
                           const Facts& facts, SavedFile& file) {
-    const auto own = std::find_if(facts.Names.begin(), facts.Names.end(), [&item](const ExactName& given) {
-        return static_cast<std::uint32_t>(NumberOf(given.Parent)) == item.ParentNumber &&
-               given.Name == item.Name;
-    });
-    for (auto further = facts.Names.begin(); further != facts.Names.end(); ++further) {
-        if (further != own && names_.GoTo(*further)) {
-            GiveName(folder, name, *further, facts, file);
+    for (const ExactName& further : facts.Names) {
+        const bool own = static_cast<std::uint32_t>(NumberOf(further.Parent)) == item.ParentNumber &&
+                         further.Name == item.Name;
+        if (!own && names_.GoTo(further)) {
+            GiveName(folder, name, further, facts, file);
         }
     }
 }

@@ -104,6 +104,123 @@ TEST_F(SaveTest, WhatStandsInTheTargetStays) {
     EXPECT_EQ(ReadWholeFile(target_ + "/Blocked"), "mine");
 }
 
+// Two files with a name in each of two folders, one of which another folder has got since; named streams of a
+// file and a folder; a file of 40 MB with three clusters in it; a deleted one whose clusters are used again.
+class SaveExactTest : public SaveTest {
+protected:
+    SaveExactTest() {
+        volume_.AddFolder({.Number = 40, .Name = u"A", .Times = EqualTimes(kFolderTime)});
+        volume_.PlaceRecord(volume_.NewRecord(41)
+                                .SetFolder(true)
+                                .AddStandardInformation({.Modified = kFolderTime, .Accessed = kFileTime})
+                                .AddFileName({.Name = u"B", .AttributeBits = kFolderBit})
+                                .AddData(BytesOf("of B"), u"note")
+                                .AddIndexRoot({}));
+        RecordBuilder file = volume_.NewRecord(42);
+        file.AddStandardInformation({.Modified = kFileTime, .Accessed = kFileTime + 10});
+        file.AddFileName({.Parent = FileReference(40, 7), .Name = u"stale.txt"});
+        file.AddFileName({.Parent = FileReference(40), .Name = u"two.txt"});
+        file.AddFileName({.Parent = FileReference(41), .Name = u"two.txt"});
+        file.AddFileName({.Parent = FileReference(40), .Name = u"TWO~1.TXT", .Namespace = kNamespaceDos});
+        volume_.PlaceRecord(file.AddData(BytesOf("two names"))
+                                .AddData(BytesOf("first"), u"a:b")
+                                .AddData(BytesOf("second"), u"Zone.Identifier"));
+        const std::uint64_t start = volume_.AllocateClusters(3);
+        volume_.PutClusters(start, PatternBytes(3 * 4096));
+        constexpr std::uint64_t kHole = 10000; // clusters
+        volume_.PlaceRecord(
+            volume_.NewRecord(43)
+                .AddStandardInformation()
+                .AddFileName({.Name = u"holes"})
+                .AddData({.Runs = {{2, start}, {kHole, std::nullopt}, {1, start + 2}, {16, std::nullopt}},
+                          .Flags = 0x8000}));
+        volume_.PlaceRecord(volume_.NewRecord(44)
+                                .SetInUse(false)
+                                .AddStandardInformation()
+                                .AddFileName({.Name = u"gone"})
+                                .AddData({.Runs = {{1, start}}}));
+        holesStart_ = start;
+        holesSize_ = (kHole + 19) * 4096;
+    }
+
+    static constexpr std::uint64_t kFileTime = 132223104001234567;
+    static constexpr std::uint64_t kFolderTime = 125000000000000000;
+    std::uint64_t holesStart_ = 0; ///< first cluster of the file of holes
+    std::uint64_t holesSize_ = 0;
+};
+
+TEST_F(SaveExactTest, NamesStreamsDatesAndHolesComeBack) {
+    const std::string report = At("report");
+    const Json totals =
+        Json::parse(Save(3, {"--json", "--streams", "--report", report}, "gone: its clusters").Out);
+    // Before anything is read there, which may set the date of that.
+    EXPECT_EQ(
+        OutputOf("cd " + target_ +
+                 " && { stat -c '%.7Y %.7X' B/two.txt B && stat -c '%.7Y' A; } | tr '\\n' ' '"),
+        "1577836800.1234567 1577836800.1234577 855526400.0000000 1577836800.1234567 855526400.0000000 ");
+    EXPECT_EQ(totals["links"], 1);
+    EXPECT_EQ(totals["streams"], 3);
+    EXPECT_EQ(totals["streamsLeft"], 0);
+    EXPECT_EQ(totals["damaged"], 1);
+    EXPECT_EQ(fs::file_size(target_ + "/holes"), holesSize_);
+    const std::string clusters = std::to_string(volume_.Geometry().OffsetOf(holesStart_));
+    EXPECT_LT(std::stoul(OutputOf("du -sk " + target_)), 200U);
+    EXPECT_EQ(OutputOf("cmp -n 8192 -i 0:" + clusters + " " + target_ + "/holes " + image_ + " && echo same"),
+              "same");
+    const std::string holesHash = OutputOf("sha256sum " + target_ + "/holes").substr(0, 64);
+    fs::remove(target_ + "/holes");
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"A/two.txt", "two names"},
+                                          {"B/two.txt", "two names"},
+                                          {"B/two.txt#Zone.Identifier", "second"},
+                                          {"B/two.txt#a_b", "first"},
+                                          {"B#note", "of B"},
+                                          {"gone", FilesBelow(target_)["gone"]}}));
+    EXPECT_TRUE(fs::equivalent(target_ + "/A/two.txt", target_ + "/B/two.txt"));
+
+    std::map<std::string, Json> lines;
+    for (const Json& line : JsonLines(ReadWholeFile(report))) {
+        lines[line["path"]] = line;
+    }
+    EXPECT_EQ(lines.size(), 6U);
+    EXPECT_EQ(lines["/B/two.txt"],
+              Json::parse(
+                  R"({"path":"/B/two.txt","record":42,"size":9,"bytes":9,"condition":"whole","reason":null,
+                              "sha256":")" +
+                  OutputOf("printf 'two names' | sha256sum").substr(0, 64) + R"(","links":["/A/two.txt"]})"));
+    EXPECT_EQ(lines["/holes"]["sha256"], holesHash);
+    EXPECT_EQ(lines["/gone"]["condition"], "overwritten");
+    EXPECT_TRUE(lines["/gone"]["reason"].is_string());
+    const std::string before = ReadWholeFile(report);
+    ExpectRefused(1, {"save", image_, "--to", target_, "--report", report}, "stays as it is");
+    ExpectRefused(1, {"save", image_, "--to", target_, "--report", image_}, "on the medium");
+    EXPECT_EQ(ReadWholeFile(report), before);
+    ExpectRefused(1, {"save", image_, "--to", image_, "--report", At("new")}, "");
+    EXPECT_FALSE(fs::exists(At("new"))) << "nothing came of that run";
+}
+
+TEST_F(SaveExactTest, WhatNobodyAskedForIsLeft) {
+    const Json totals = Json::parse(Save(0, {"--json", "--condition", "whole", "/B", "/gone"}).Out);
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"B/two.txt", "two names"}}));
+    EXPECT_EQ(totals["links"], 0) << "its folder isn't saved";
+    EXPECT_EQ(totals["streamsLeft"], 3);
+    EXPECT_EQ(totals["leftOut"], 1);
+    fs::remove_all(target_);
+    Save(0, {"/B", "/A"});
+    EXPECT_TRUE(fs::exists(target_ + "/A/two.txt")) << "another path names its folder";
+}
+
+TEST_F(SaveExactTest, ANameThatCannotBeALinkIsACopy) {
+    fs::create_directories(target_ + "/A");
+    if (::mount("none", (target_ + "/A").c_str(), "tmpfs", 0, "size=400k") != 0) {
+        GTEST_SKIP() << "no other file system can be mounted here";
+    }
+    const Json totals = Json::parse(Save(3, {"--json"}).Out);
+    const Texts files = FilesBelow(target_ + "/A");
+    ::umount((target_ + "/A").c_str());
+    EXPECT_EQ(files, (Texts{{"two.txt", "two names"}}));
+    EXPECT_EQ(totals["links"], 1);
+}
+
 TEST_F(SaveTest, WhatFindsNoRoomIsNamedAndTheRestIsWhole) {
     fs::create_directories(target_);
     if (::mount("none", target_.c_str(), "tmpfs", 0, "size=400k") != 0) {
