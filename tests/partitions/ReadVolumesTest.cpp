@@ -156,6 +156,13 @@ TEST_F(ReadVolumesTest, TablesOfOtherMeasures) {
     EXPECT_EQ(Engine.SourceDisk.Partitions.front().SectorsPerCluster, 8U);
     EXPECT_EQ(Engine.SourceDisk.Partitions.front().BytesPerSector, 512U);
     EXPECT_EQ(Engine.SourceDisk.Partitions.front().MftSector, 320U + 4 * 8);
+    PutBackup(sectors4k);
+    Wipe(8);
+    EXPECT_EQ(Listed(), "1 320+160 backup GPT\n2 480+160 backup GPT\n");
+    Wipe(1, 100);
+    Wipe(4096);
+    PutBoot(0, 4096);
+    EXPECT_EQ(Listed(), "1 0+96 whole medium\n");
 }
 
 TEST_F(ReadVolumesTest, BothKindsOfTablesAreListedAndNoVolumeTwice) {
@@ -187,8 +194,9 @@ TEST_F(ReadVolumesTest, AVolumeThatFillsTheMediumOrHasItsBootSectorAtTheEndAlone
     EXPECT_EQ(Listed(), "1 0+16383 whole medium!\n");
 
     VolumeBuilder inTable;
+    inTable.Image().resize(std::size_t{128 + 16384} * 512);
     OpenDisk(inTable.SharedImage());
-    EXPECT_EQ(Listed(), "1 128+16384 MBR!\n");
+    EXPECT_EQ(Listed(), "1 128+16384 MBR!\n") << "the copy in the last sector isn't that of the whole disk";
     inTable.PutSectors(128, ByteVector(512));
     EXPECT_EQ(Listed(), "1 128+16384 MBR b\n2 128+16384 MBR!\n");
     PutNumber<std::uint16_t>(inTable.Image(), 128 * 512 + 510, 0xAA55);
