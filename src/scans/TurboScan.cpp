@@ -63,6 +63,7 @@ private:
     std::size_t spansAtATime_;
     std::vector<std::uint8_t> buffer_; ///< the spans of one read
     std::size_t spansRead_ = 0;
+    std::uint64_t firstSector_;
     std::uint64_t spanSector_;
     std::uint64_t endSector_;
     std::uint64_t recordSector_;
@@ -81,11 +82,22 @@ bool AnySectorMayBegin() {
     return volume.ClusterBytes < volume.FileRecordBytes || volume.VolumeSerial == 0;
 }
 
+// Where the medium lacks a volume's first sectors the volume begins in front of it, modulo 2^64: the walk
+// begins with the first span that is there.
+std::uint64_t FirstSpanSector(const SpanSize& span) {
+    const std::uint64_t start = Engine.VolumeParams.StartSector;
+    const std::uint64_t missing = 0 - start;
+    return static_cast<std::int64_t>(start) >= 0
+               ? start
+               : (missing + span.Sectors - 1) / span.Sectors * span.Sectors - missing;
+}
+
 VolumeWalk::VolumeWalk(const ScanReach& reach)
     : span_(SpanOfVolume())
     , spansAtATime_(1)
-    , spanSector_(Engine.VolumeParams.StartSector)
-    , endSector_(spanSector_ + Engine.VolumeParams.TotalSectors)
+    , firstSector_(FirstSpanSector(span_))
+    , spanSector_(firstSector_)
+    , endSector_(Engine.VolumeParams.StartSector + Engine.VolumeParams.TotalSectors)
     , recordSector_(spanSector_)
     , exact_(reach.Exact && SectorsFitRecords())
     , added_(reach, conditions_, nextEntryId_) {
@@ -104,7 +116,7 @@ VolumeWalk::VolumeWalk(const ScanReach& reach)
         }
         endSector_ = std::min(endSector_, sectors + 1);
     }
-    passed_.emplace(spanSector_, endSector_, exact_ && AnySectorMayBegin());
+    passed_.emplace(firstSector_, endSector_, exact_ && AnySectorMayBegin());
 }
 
 void VolumeWalk::Run() {
@@ -119,9 +131,8 @@ void VolumeWalk::Run() {
 // together.
 void VolumeWalk::TakeAddedRecords() {
     if (exact_) {
-        const std::uint64_t start = Engine.VolumeParams.StartSector;
-        const TriedSlots tried(
-            {{start, (endSector_ - std::min(endSector_, start)) / Engine.VolumeParams.SectorsPerFileRecord}});
+        const std::uint64_t sectors = endSector_ - std::min(endSector_, firstSector_);
+        const TriedSlots tried({{firstSector_, sectors / Engine.VolumeParams.SectorsPerFileRecord}});
         TableRemainder(tried, added_, nullptr).Run();
         TakePassed(passed_->Found(), TablePlaces());
     }

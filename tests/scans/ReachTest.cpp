@@ -158,6 +158,16 @@ TEST_F(ReachTest, TurboScanPassesOtherSectorsOverWhereClustersAreLarger) {
     EXPECT_EQ(Turbo(kExact), (Lines{"/copy 70"}));
 }
 
+TEST_F(ReachTest, TurboScanOfAVolumeWhoseFirstSectorsTheMediumLacks) {
+    Volume.AddFile({.Number = 60, .Name = u"kept"});
+    ByteVector cut(Volume.Image().begin() + 512 * 133, Volume.Image().end()); // within its first span
+    OpenDisk(cut);
+    Engine.VolumeParams.StartSector = 0 - std::uint64_t{5};
+    SetTableRuns({});
+    EXPECT_EQ(Turbo({}), (Lines{"/kept 60"}));
+    EXPECT_EQ(StoredEntryAt(2).RecordSector, Volume.RecordSector(60) - 133);
+}
+
 TEST_F(ReachTest, NamelessRecordsAreCountedOrListedBehindAllOthers) {
     Volume.PlaceRecord(Volume.NewRecord(12).AddStandardInformation().AddData(BytesOf("metafile")));
     Volume.PlaceRecord(Volume.NewRecord(30).AddStandardInformation().AddData(BytesOf("nameless")));
