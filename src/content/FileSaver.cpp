@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::uint16_t kFlagSparse = 0x200;
 constexpr std::uint16_t kFlagCompressed = 0x800;
+constexpr std::uint64_t kSmallBytes = 4096;
 constexpr const char* kNoFolder = "its folder could not be made or opened";
 constexpr const char* kRecordDamaged = "its file record is damaged";
 constexpr const char* kMediumFailed = "the medium could not be read";
@@ -138,9 +139,13 @@ bool FileSaver::ReadFacts(const CatalogueItem& item, Facts& facts, SavedFile& fi
     throw;
 }
 
+// To ask for the room costs as much as to write a small file, which tells by itself where there is none.
 bool FileSaver::HasRoom(const ExactStream* stream, SavedFile& file) {
+    if (stream == nullptr || stream->Size() <= kSmallBytes) {
+        return true;
+    }
     const auto room = context_.Target.FreeBytes();
-    if (!room || stream == nullptr || stream->Size() <= *room) {
+    if (!room || stream->Size() <= *room) {
         return true;
     }
     if (!keepsHoles_) {
