@@ -17,7 +17,9 @@ std::uint64_t SectorsBehindStart() {
         return 0;
     }
     const std::uint64_t sectors = MediumBytes() / disk.BytesPerSector;
-    return sectors - std::min(sectors, Engine.VolumeParams.StartSector);
+    const std::uint64_t start = Engine.VolumeParams.StartSector;
+    const bool beforeMedium = start >= std::uint64_t{1} << 63U; // such a start is wrapped
+    return beforeMedium ? sectors - start : sectors - std::min(sectors, start);
 }
 
 } // namespace
