@@ -152,8 +152,12 @@ bool ReadRecordByMap(const RunMap& runs, std::uint64_t number, Bytes record, con
     const auto isRight = [&] {
         return CheckRecordOfVolume(record) && MayHaveNumber(record, number) && (!fits || fits(record));
     };
-    if (number <= kReferenceNumber && ReadByRuns(runs, offset, record) && isRight()) {
-        return true;
+    if (number <= kReferenceNumber) {
+        ReadByRuns(runs, offset,
+                   record); // what can't be had is zeros, which matter only within its used bytes
+        if (isRight()) {
+            return true;
+        }
     }
     if (Engine.Found != nullptr && number <= UINT32_MAX) {
         for (const std::uint64_t sector : Engine.Found->SectorsOf(static_cast<std::uint32_t>(number))) {

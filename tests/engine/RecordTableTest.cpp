@@ -123,6 +123,10 @@ TEST_F(RecordTableTest, RecordsAcrossTheBordersOfRuns) {
     put(31, {427, 428});
     EXPECT_TRUE(Reads(15) && Reads(16) && Reads(17) && Reads(31));
     EXPECT_FALSE(Reads(32)) << "behind the table";
+    Engine.ScanRunFlag = 1;
+    Plan->Rules.push_back({128 + 400});
+    EXPECT_TRUE(Reads(17)) << "its second sector can't be read, and none of its bytes in use lies there";
+    Plan->Rules.clear();
     EXPECT_TRUE(TableIsWhole());
     EXPECT_EQ(TableRecordCount(), 32U);
     EXPECT_EQ(TableRecordSector(17), 128U + 300);
