@@ -51,6 +51,7 @@ private:
     void MakeOutPlaces();
     void WalkExtents();
     void WalkExtent(const MftExtent& extent);
+    void PassOverFront(std::uint32_t& left);
     void TakeRemainder();
     void ReportProgress() const;
     void ReadBatch(std::uint32_t records);
@@ -119,6 +120,7 @@ void TableWalk::WalkExtent(const MftExtent& extent) {
         tried_.push_back({recordSector_, RecordsInExtent(extent)});
     }
     std::uint32_t left = RecordsInExtent(extent);
+    PassOverFront(left);
     while (left > 0) {
         if (!JobMayGoOn()) {
             stopped_ = true;
@@ -136,6 +138,14 @@ void TableWalk::WalkExtent(const MftExtent& extent) {
         ReadAndDecodeBatch(records);
         CatalogueBatch();
     }
+}
+
+void TableWalk::PassOverFront(std::uint32_t& left) {
+    const auto slots = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, SlotsInFront(recordSector_)));
+    losses_.LeaveInFront(recordIndex_, slots);
+    recordSector_ += std::uint64_t{slots} * Engine.VolumeParams.SectorsPerFileRecord;
+    recordIndex_ += slots;
+    left -= slots;
 }
 
 void TableWalk::ReadAndDecodeBatch(std::uint32_t records) try {

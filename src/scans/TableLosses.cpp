@@ -122,6 +122,10 @@ void TableLosses::LeaveBehindEnd(std::uint32_t slot, std::uint64_t slots) const 
     Engine.Losses.BehindEnd += counts_ ? std::min(slots, SlotsFrom(slot)) : 0;
 }
 
+void TableLosses::LeaveInFront(std::uint32_t slot, std::uint64_t slots) const {
+    Engine.Losses.Missing += counts_ ? std::min(slots, SlotsFrom(slot)) : 0;
+}
+
 void TableLosses::LeaveUnread(std::uint32_t slot) const { Engine.Losses.Unread += SlotsFrom(slot); }
 
 void TableLosses::Finish() const {

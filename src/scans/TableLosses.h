@@ -41,6 +41,8 @@ public:
     /// All slots from one on could not be had: they lie behind the medium's end, or a fatal error came first.
     void LeaveBehindEnd(std::uint32_t slot, std::uint64_t slots) const;
     void LeaveUnread(std::uint32_t slot) const;
+    /// Slots from one on begin in front of the medium.
+    void LeaveInFront(std::uint32_t slot, std::uint64_t slots) const;
 
     /// The walk has come to its end: now it is known how much it has met.
     void Finish() const;

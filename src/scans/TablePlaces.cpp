@@ -7,10 +7,26 @@
 
 namespace thntfs {
 
+namespace {
+
+// Sectors in front of the medium come first.
+bool IsBefore(std::uint64_t a, std::uint64_t b) {
+    return static_cast<std::int64_t>(a) < static_cast<std::int64_t>(b);
+}
+
+} // namespace
+
 bool SectorsFitRecords() {
     const VolumeParams& volume = Engine.VolumeParams;
     return volume.BytesPerSector == Engine.SourceDisk.BytesPerSector &&
            std::uint32_t{volume.SectorsPerFileRecord} * volume.BytesPerSector == volume.FileRecordBytes;
+}
+
+std::uint64_t SlotsInFront(std::uint64_t sector) {
+    const VolumeParams& volume = Engine.VolumeParams;
+    return IsBefore(volume.StartSector, 0) && IsBefore(sector, 0)
+               ? (0 - sector + volume.SectorsPerFileRecord - 1) / volume.SectorsPerFileRecord
+               : 0;
 }
 
 TablePlaces::TablePlaces() {
@@ -23,13 +39,13 @@ TablePlaces::TablePlaces() {
         return true;
     });
     std::sort(stretches_.begin(), stretches_.end(),
-              [](const Stretch& a, const Stretch& b) { return a.FirstSector < b.FirstSector; });
+              [](const Stretch& a, const Stretch& b) { return IsBefore(a.FirstSector, b.FirstSector); });
 }
 
 std::optional<std::uint64_t> TablePlaces::RecordAt(std::uint64_t sector) const {
     const auto behind = std::upper_bound(
         stretches_.begin(), stretches_.end(), sector,
-        [](std::uint64_t wanted, const Stretch& stretch) { return wanted < stretch.FirstSector; });
+        [](std::uint64_t wanted, const Stretch& stretch) { return IsBefore(wanted, stretch.FirstSector); });
     if (behind == stretches_.begin()) {
         return std::nullopt;
     }
@@ -54,14 +70,15 @@ std::uint64_t TablePlaces::PlacedBelow(std::uint64_t number) const {
 TriedSlots::TriedSlots(std::vector<SlotRow> rows)
     : rows_(std::move(rows)) {
     std::sort(rows_.begin(), rows_.end(),
-              [](const SlotRow& a, const SlotRow& b) { return a.FirstSector < b.FirstSector; });
+              [](const SlotRow& a, const SlotRow& b) { return IsBefore(a.FirstSector, b.FirstSector); });
 }
 
 TriedSlots::Piece TriedSlots::PieceAt(std::uint64_t sector, std::uint64_t slots) const {
     const std::uint64_t slotSectors = Engine.VolumeParams.SectorsPerFileRecord;
     const auto behind =
-        std::upper_bound(rows_.begin(), rows_.end(), sector,
-                         [](std::uint64_t wanted, const SlotRow& row) { return wanted < row.FirstSector; });
+        std::upper_bound(rows_.begin(), rows_.end(), sector, [](std::uint64_t wanted, const SlotRow& row) {
+            return IsBefore(wanted, row.FirstSector);
+        });
     if (behind != rows_.begin()) {
         const SlotRow& row = behind[-1];
         const std::uint64_t sectors = sector - row.FirstSector;

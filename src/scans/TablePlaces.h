@@ -9,6 +9,9 @@ namespace thntfs {
 /// Whether records can be told apart by sectors, as a scan must that goes beyond its own walk.
 bool SectorsFitRecords();
 
+/// Slots from a sector on that begin in front of the medium. Only a volume that does so itself has them.
+std::uint64_t SlotsInFront(std::uint64_t sector);
+
 /// Slots of one size in a row, as a walk along sectors tries them.
 struct SlotRow {
     std::uint64_t FirstSector = 0;

@@ -51,7 +51,10 @@ void TableRemainder::TakeRow(std::uint64_t sector, std::uint64_t records) {
     while (records > 0 && !stopped_) {
         const TriedSlots::Piece piece = tried_.PieceAt(sector, records);
         std::uint64_t taken = piece.Slots;
-        if (!piece.Tried && sector >= Engine.SourceDisk.TotalSectors) {
+        if (const std::uint64_t inFront = SlotsInFront(sector); inFront != 0) {
+            taken = std::min(taken, inFront);
+            LeaveInFront(piece.Tried ? 0 : taken);
+        } else if (!piece.Tried && sector >= Engine.SourceDisk.TotalSectors) {
             LeaveBehindEnd(taken);
         } else if (!piece.Tried) {
             taken = std::min<std::uint64_t>(taken, batchRecords_);
@@ -67,6 +70,13 @@ void TableRemainder::LeaveBehindEnd(std::uint64_t records) {
     if (losses_ != nullptr) {
         losses_->BeginRow(number_, number_);
         losses_->LeaveBehindEnd(static_cast<std::uint32_t>(number_), records);
+    }
+}
+
+void TableRemainder::LeaveInFront(std::uint64_t records) {
+    if (losses_ != nullptr) {
+        losses_->BeginRow(number_, number_);
+        losses_->LeaveInFront(static_cast<std::uint32_t>(number_), records);
     }
 }
 

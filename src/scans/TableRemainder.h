@@ -28,6 +28,7 @@ private:
     void TakeRecord(Bytes record, const RecordPlace& place);
     void BeginAccount(const ReadOutcome& outcome, std::uint64_t sector, std::uint32_t records);
     void LeaveBehindEnd(std::uint64_t records);
+    void LeaveInFront(std::uint64_t records);
     void ReportProgress() const;
 
     const TriedSlots& tried_;

@@ -158,7 +158,7 @@ TEST_F(ReachTest, TurboScanPassesOtherSectorsOverWhereClustersAreLarger) {
     EXPECT_EQ(Turbo(kExact), (Lines{"/copy 70"}));
 }
 
-TEST_F(ReachTest, TurboScanOfAVolumeWhoseFirstSectorsTheMediumLacks) {
+TEST_F(ReachTest, AVolumeWhoseFirstSectorsTheMediumLacks) {
     Volume.AddFile({.Number = 60, .Name = u"kept"});
     ByteVector cut(Volume.Image().begin() + 512 * 133, Volume.Image().end()); // within its first span
     OpenDisk(cut);
@@ -166,6 +166,18 @@ TEST_F(ReachTest, TurboScanOfAVolumeWhoseFirstSectorsTheMediumLacks) {
     SetTableRuns({});
     EXPECT_EQ(Turbo({}), (Lines{"/kept 60"}));
     EXPECT_EQ(StoredEntryAt(2).RecordSector, Volume.RecordSector(60) - 133);
+
+    // The table begins in front of the medium, at cluster 4.
+    cut.assign(Volume.Image().begin() + 512 * (128 + 37), Volume.Image().end());
+    OpenDisk(cut);
+    Engine.VolumeParams.StartSector = 0 - std::uint64_t{37};
+    SetTableRuns({{64, 4}});
+    Engine.TableBytes = 256 * 1024;
+    for (const ScanReach& reach : {ScanReach{}, kExact}) {
+        EXPECT_EQ(Basic(reach), (Lines{"/kept 60"}));
+        EXPECT_EQ(Engine.Losses.Missing, 3U);
+        EXPECT_EQ(Engine.Losses.Records(), 3U);
+    }
 }
 
 TEST_F(ReachTest, NamelessRecordsAreCountedOrListedBehindAllOthers) {
