@@ -87,7 +87,7 @@ void TableLosses::Reject(ConstBytes record, std::uint32_t slot) {
         ++Engine.Losses.BehindEnd;
     } else if (IsUnread(slot)) {
         ++Engine.Losses.Unread;
-    } else if (IsDamaged(record)) {
+    } else if (IsDamaged(record, slot + ahead_)) {
         ++Engine.Losses.Damaged;
     }
 }
@@ -97,10 +97,17 @@ bool TableLosses::IsUnread(std::uint32_t slot) const {
 }
 
 // Drivers write a record to each slot up to the place that the table states. A slot that was freed or not yet
-// used has an empty record, which is not in use; one that was never written is zeros.
-bool TableLosses::IsDamaged(ConstBytes record) const {
-    if (Engine.TableBytes == 0 || U64At(record, 0) == 0) {
+// used has an empty record, which is not in use; one that was never written is zeros, and so is one that was
+// wiped.
+bool TableLosses::IsDamaged(ConstBytes record, std::uint64_t number) {
+    if (Engine.TableBytes == 0) {
         return false;
+    }
+    if (U64At(record, 0) == 0) {
+        if (!bitmap_) {
+            bitmap_.emplace();
+        }
+        return bitmap_->ShouldHoldRecord(number);
     }
     return U32At(record, 0) != kFileMagic || IsInUse(record);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/Bytes.h"
+#include "scans/SlotBitmap.h"
 
 #include <cstdint>
 #include <optional>
@@ -50,13 +51,14 @@ public:
 private:
     [[nodiscard]] std::uint64_t SlotsFrom(std::uint64_t slot) const;
     [[nodiscard]] bool IsUnread(std::uint32_t slot) const;
-    [[nodiscard]] bool IsDamaged(ConstBytes record) const;
+    bool IsDamaged(ConstBytes record, std::uint64_t number);
 
     std::uint64_t known_ = 0; ///< slots that hold records, as far as there is a place for them
     bool counts_ = true;      ///< the slots of the row are places of records
     std::uint64_t ahead_ = 0; ///< number of a record of the row less its slot, modulo 2^64
     bool foundRecords_ = false;
     std::uint32_t batchFirst_ = 0;
+    std::optional<SlotBitmap> bitmap_;  ///< read for the first slot of zeros
     std::uint64_t endSlot_ = 0;         ///< first slot behind the end of the medium
     std::vector<std::uint32_t> unread_; ///< slots of the batch in unreadable sectors, in order
 };

@@ -247,6 +247,18 @@ TEST_F(BasicScanTest, DamagedAndMissingRecordsAreCounted) {
     EXPECT_EQ(Scan(), 1);
     EXPECT_EQ(Engine.Losses.Damaged, 3U);
     EXPECT_EQ(Engine.Losses.Records(), 3U);
+    // Slots of zeros are lost where the table's own bitmap says that they are in use, or is lost itself.
+    Volume.PlaceRecord(200, ByteVector(10 * 1024));
+    Engine.VolumeParams.MftSector = Volume.RecordSector(0);
+    for (const auto& [first, lost] : {std::pair{0x0F, 3U + 2}, {0x0E, 3U + 10}}) {
+        ByteVector bits(32);
+        bits[0] = static_cast<std::uint8_t>(first);
+        bits[200 / 8] = 3;
+        Volume.PlaceRecord(Record(0, 5, u"$MFT").AddResident(kBitmap, bits));
+        Scan();
+        EXPECT_EQ(Engine.Losses.Damaged, lost) << first;
+    }
+    Volume.PlaceRecord(Record(0, 5, u"$MFT"));
     SetTableRuns({{10, 4}});
     Scan();
     EXPECT_EQ(LossText(Engine.Losses),
