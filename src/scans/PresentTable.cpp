@@ -40,7 +40,8 @@ void PresentTable::AddExactMap() {
 void PresentTable::AddPiece(std::uint64_t firstSector, std::uint64_t firstRecord, std::uint64_t records) {
     records = firstRecord < known_ ? std::min(records, known_ - firstRecord) : 0;
     if (records != 0) {
-        pieces_.push_back({firstSector, firstSector + records * Engine.VolumeParams.SectorsPerFileRecord});
+        const std::uint64_t end = firstSector + records * Engine.VolumeParams.SectorsPerFileRecord;
+        pieces_.push_back({static_cast<std::int64_t>(firstSector), static_cast<std::int64_t>(end)});
         end_ = std::max(end_, firstRecord + records);
     }
 }
@@ -61,7 +62,7 @@ void PresentTable::JoinPieces() {
 }
 
 bool PresentTable::Holds(ConstBytes record, std::uint64_t sector) {
-    if (pieces_.empty() || HasPieceAt(sector)) {
+    if (pieces_.empty() || HasPieceAt(static_cast<std::int64_t>(sector))) {
         return true;
     }
     if (!hasExactMap_) {
@@ -71,13 +72,13 @@ bool PresentTable::Holds(ConstBytes record, std::uint64_t sector) {
     return !whole_ && (UsaOffset(record) != kUsaOffsetNew || OwnRecordNumber(record) >= end_);
 }
 
-bool PresentTable::HasPieceAt(std::uint64_t sector) {
+bool PresentTable::HasPieceAt(std::int64_t sector) {
     if (sector >= pieces_[last_].First && sector < pieces_[last_].End) {
         return true;
     }
     const auto behind =
         std::upper_bound(pieces_.begin(), pieces_.end(), sector,
-                         [](std::uint64_t wanted, const Piece& piece) { return wanted < piece.First; });
+                         [](std::int64_t wanted, const Piece& piece) { return wanted < piece.First; });
     if (behind == pieces_.begin() || sector >= std::prev(behind)->End) {
         return false;
     }

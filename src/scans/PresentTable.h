@@ -21,15 +21,15 @@ public:
 
 private:
     struct Piece {
-        std::uint64_t First;
-        std::uint64_t End;
+        std::int64_t First; ///< below 0 in front of the medium
+        std::int64_t End;
     };
 
     void AddExtents();
     void AddExactMap();
     void AddPiece(std::uint64_t firstSector, std::uint64_t firstRecord, std::uint64_t records);
     void JoinPieces();
-    bool HasPieceAt(std::uint64_t sector);
+    bool HasPieceAt(std::int64_t sector);
 
     std::uint64_t known_;       ///< records that the table says it holds
     std::vector<Piece> pieces_; ///< by sector, apart
