@@ -120,7 +120,8 @@ void AddReach(CLI::App& command, Options& options) {
 void AddPartition(CLI::App& command, Options& options) {
     command
         .add_option("-p,--partition", options.Partition,
-                    "Number of the partition, as 'partitions' shows it; may be left out where there is one")
+                    "Number of the partition, as 'partitions' shows it; may be left out where there is one, "
+                    "or one verified one")
         ->check(WholeNumber(1));
     AddSearch(command, options);
     AddTurbo(command, options);
