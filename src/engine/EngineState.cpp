@@ -23,6 +23,7 @@ void LoadVolumeParams(const PartitionCandidate& candidate) {
     ++Engine.VolumeInWork;
     Engine.Table.reset();
     Engine.Found.reset();
+    Engine.OverlaidBy.reset();
     volume.BytesPerSector = OrDefault(candidate.BytesPerSector, Engine.SourceDisk.BytesPerSector);
     const std::uint32_t sectorBytes = volume.BytesPerSector;
 
@@ -54,6 +55,7 @@ void ResetEngineState() {
     Engine.TableCut = false;
     Engine.Table.reset();
     Engine.Found.reset();
+    Engine.OverlaidBy.reset();
     Engine.TableVolumes.clear();
     Engine.VolumeFacts.clear();
     Engine.SearchLimits = 0;

@@ -86,6 +86,8 @@ struct EngineState {
     std::shared_ptr<TableMap> Table;     ///< its exact runs, once they have been asked for (RecordTable.h)
     std::shared_ptr<FoundRecords> Found; ///< records that a search of the whole volume has met
 
+    std::optional<PartitionCandidate> OverlaidBy; ///< what was formatted over the volume in work, if known
+
     std::vector<std::uint32_t> MarkedEntries; ///< EntryIds that the next save is to take
 };
 

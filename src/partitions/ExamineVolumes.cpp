@@ -3,7 +3,9 @@
 #include "engine/Attribute.h"
 #include "engine/EngineState.h"
 #include "engine/LocateMft.h"
+#include "engine/SectorReader.h"
 #include "engine/TableMap.h"
+#include "partitions/BootSector.h"
 #include "partitions/CandidateIndex.h"
 #include "partitions/TableHead.h"
 
@@ -65,6 +67,20 @@ PartitionCandidate VolumeInWork() {
     return candidate;
 }
 
+// Where the volume begins stands the boot sector of another, with its table: it was formatted over this one.
+void NoteOverlay() {
+    const VolumeParams& volume = Engine.VolumeParams;
+    std::vector<std::uint8_t> sector(
+        std::max<std::size_t>(Engine.SourceDisk.BytesPerSector, kBootSectorBytes));
+    ReadSectorsCleared(Bytes(sector).first(Engine.SourceDisk.BytesPerSector), volume.StartSector);
+    PartitionCandidate other;
+    if (IsNtfsBootSector(sector) && DecodeVolume(sector, volume.StartSector, 0, other) &&
+        (other.ClusterBytes != volume.ClusterBytes || other.MftCluster != volume.MftCluster) &&
+        HeadAtCluster(other, other.MftCluster)) {
+        Engine.OverlaidBy = other;
+    }
+}
+
 bool TakeTableAt(std::uint64_t sector) {
     VolumeParams& volume = Engine.VolumeParams;
     volume.MftSector = sector;
@@ -95,6 +111,7 @@ void ExamineVolumes(const std::function<bool()>& mayGoOn) try {
 }
 
 bool LocateTable() try {
+    NoteOverlay();
     if (LocateMft()) {
         return true;
     }

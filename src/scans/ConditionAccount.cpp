@@ -33,6 +33,7 @@ void VisitNonResident(ConstBytes record, Visit visit) {
 
 ConditionAccount::ConditionAccount()
     : space_(ClaimSpaceOfVolume())
+    , overlaid_(OverlaidClusters(space_))
     , live_(space_.Clusters)
     , deleted_(space_) {}
 
@@ -40,7 +41,8 @@ Claim ConditionAccount::Take(ConstBytes record, std::uint64_t sector) try {
     if (space_.SectorsPerCluster == 0) {
         return {};
     }
-    return IsInUse(record) && table_.Holds(record, sector) ? TakeLive(record) : deleted_.Take(record);
+    return overlaid_ == nullptr && IsInUse(record) && table_.Holds(record, sector) ? TakeLive(record)
+                                                                                   : deleted_.Take(record);
 } catch (const std::bad_alloc&) {
     deleted_.GiveUp();
     return {kNoFile, kUnknown};
@@ -75,6 +77,11 @@ std::uint64_t ConditionAccount::ClaimRuns(ConstBytes record, const Attribute& at
         }
     }
     return outside;
+}
+
+void ConditionAccount::Judge() {
+    overlaid_ != nullptr ? deleted_.Judge(*overlaid_, UsedBy::Set)
+                         : deleted_.Judge(live_, UsedBy::SetAndBitmap);
 }
 
 void ConditionAccount::Enter(const Claim& claim, std::uint32_t entryId) {

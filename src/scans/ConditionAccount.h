@@ -3,6 +3,7 @@
 #include "platform/system/Bytes.h"
 #include "scans/ClusterSet.h"
 #include "scans/DeletedFiles.h"
+#include "scans/OverlaidClusters.h"
 #include "scans/PresentTable.h"
 
 #include <cstdint>
@@ -23,13 +24,14 @@ public:
     void Enter(const Claim& claim, std::uint32_t entryId);
 
     /// All records have been taken. Passes CUserException on; what could not be judged then is unknown.
-    void Judge() { deleted_.Judge(live_); }
+    void Judge();
 
 private:
     Claim TakeLive(ConstBytes record);
     std::uint64_t ClaimRuns(ConstBytes record, const Attribute& attribute);
 
     ClaimSpace space_;
+    std::unique_ptr<ClusterSet> overlaid_; ///< then no file is live, and the volume's own bitmap is past
     PresentTable table_;
     ClusterSet live_;
     DeletedFiles deleted_;

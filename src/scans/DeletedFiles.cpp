@@ -6,7 +6,6 @@
 #include "engine/FileRecord.h"
 #include "scans/ClaimSweep.h"
 #include "scans/FileRuns.h"
-#include "scans/UsedClusters.h"
 
 #include <algorithm>
 #include <new>
@@ -157,18 +156,18 @@ void DeletedFiles::JoinPieces() {
     std::erase_if(runs_, [](const ClaimedRun& run) { return run.File == kNoFile; });
 }
 
-void DeletedFiles::Judge(const ClusterSet& live) try {
+void DeletedFiles::Judge(const ClusterSet& used, UsedBy by) try {
     if (!gaveUp_ && !files_.empty()) {
-        SweepAndJudge(live);
+        SweepAndJudge(used, by);
     }
 } catch (const std::bad_alloc&) {
     // What hasn't been judged by now stays as it is.
 }
 
-void DeletedFiles::SweepAndJudge(const ClusterSet& live) {
+void DeletedFiles::SweepAndJudge(const ClusterSet& used, UsedBy by) {
     JoinPieces();
-    UsedClusters used(live, space_);
-    ClaimSweep sweep(files_, used);
+    UsedClusters clusters(used, by, space_);
+    ClaimSweep sweep(files_, clusters);
     sweep.Run(runs_);
     for (std::uint32_t place = 0; place < files_.size(); ++place) {
         const DeletedFile& file = files_[place];

@@ -3,6 +3,7 @@
 #include "platform/system/Bytes.h"
 #include "scans/ClaimSpace.h"
 #include "scans/SplitFiles.h"
+#include "scans/UsedClusters.h"
 
 #include <cstdint>
 #include <vector>
@@ -59,7 +60,7 @@ public:
 
     /// Judges all files that have an entry; those that can't be judged stay as they are. Once. Passes
     /// CUserException on.
-    void Judge(const ClusterSet& live);
+    void Judge(const ClusterSet& used, UsedBy by);
 
 private:
     Claim TakeBase(ConstBytes record);
@@ -71,7 +72,7 @@ private:
     std::uint64_t AddRun(std::uint64_t lcn, std::uint64_t clusters, std::uint64_t clusterSectors,
                          std::uint32_t file);
     void JoinPieces();
-    void SweepAndJudge(const ClusterSet& live);
+    void SweepAndJudge(const ClusterSet& used, UsedBy by);
 
     ClaimSpace space_;
     std::vector<DeletedFile> files_;

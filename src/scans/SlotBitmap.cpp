@@ -18,7 +18,7 @@ constexpr std::uint8_t kAlwaysInUse = 0x0F;                         // $MFT, $MF
 
 using SlotRecord = std::vector<std::uint8_t>;
 
-bool ReadTableHead(SlotRecord& record) {
+bool ReadRecordOfTable(SlotRecord& record) {
     const VolumeParams& volume = Engine.VolumeParams;
     ReadSectorsCleared(record, volume.MftSector);
     return (CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector) &&
@@ -66,7 +66,7 @@ std::vector<std::uint8_t> ReadValueOf(ConstBytes record, const Attribute& bitmap
 
 SlotBitmap::SlotBitmap() {
     SlotRecord head(Engine.VolumeParams.FileRecordBytes);
-    if (!ReadTableHead(head)) {
+    if (!ReadRecordOfTable(head)) {
         return;
     }
     if (const auto bitmap = FindOfType(head, kTypeBitmap)) {

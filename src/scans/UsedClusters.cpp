@@ -62,7 +62,8 @@ void UsedClusters::LoadPage(std::uint64_t page) {
     ClusterSet::Page live{};
     live_.MergePage(page, live);
     known_ =
-        bitmap_.ReadPage(page, std::min(left, ClusterSet::kPageClusters), used_) && IsBelievable(live, used_);
+        by_ == UsedBy::Set || (bitmap_.ReadPage(page, std::min(left, ClusterSet::kPageClusters), used_) &&
+                               IsBelievable(live, used_));
     if (!known_) {
         used_.fill(0);
     }

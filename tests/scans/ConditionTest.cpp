@@ -1,4 +1,5 @@
 #include "catalogue/Conditions.h"
+#include "partitions/ExamineVolumes.h"
 #include "scans/BasicScan.h"
 #include "scans/ScanFixture.h"
 #include "scans/TurboScan.h"
@@ -102,6 +103,39 @@ TEST_F(ConditionTest, BitmapLiveFilesAndLaterOnesDecide) {
     ClearConditions();
     EXPECT_EQ(ConditionOf(3, false, false).Kind, ConditionKind::Unknown);
     EXPECT_EQ(ConditionOf(3, false, true).Kind, ConditionKind::Whole);
+}
+
+// A volume of larger clusters was formatted over this one: its bitmap counts, for live files too.
+TEST_F(ConditionTest, WhatWasFormattedOverTheVolumeDecides) {
+    VolumeGeometry other = Volume.Geometry();
+    other.SectorsPerCluster = 16;
+    other.MirrorCluster = 900;
+    other.MftRuns = {{1, 600}};
+    ByteVector table(8192);
+    const auto place = [&table](std::size_t number, const RecordBuilder& record) {
+        std::ranges::copy(record.Finish(), table.begin() + static_cast<std::ptrdiff_t>(number * 1024));
+    };
+    const auto named = [&other](std::uint32_t number, const char16_t* name) {
+        return RecordBuilder(other, number).AddStandardInformation().AddFileName(NameIn(5, name));
+    };
+    place(0, named(0, u"$MFT").AddData({.Runs = {{1, 600}}, .RealSize = 8192}));
+    place(6, named(6, u"$Bitmap").AddData({.Runs = {{1, 602}}, .RealSize = 128}));
+    Volume.PutClusters(1200, table);
+    ByteVector bits(128);
+    bits[350 / 8] = 0xC0; // 350 and 351, which are 700 to 703 here
+    Volume.PutClusters(1204, bits);
+    Volume.PutSectors(other.StartSector, EncodeBootSector(BootFieldsOf(other)));
+    Volume.PlaceRecord(Record(40, 5, u"live").AddData({.Runs = {{10, 702}}}));
+    Volume.PlaceRecord(Record(41, 5, u"other").AddData({.Runs = {{10, 300}}}));
+    Add(50, {{10, 900}});
+    Add(51, {{1, 703}});
+    LocateTable();
+    SetTableRuns(Volume.Geometry().MftRuns);
+    EXPECT_EQ(Conditions(), (Texts{{40, "partly 80 %"}, {50, "whole"}, {51, "overwritten"}}));
+    EXPECT_EQ(Engine.VolumeParams.ClusterBytes, 4096U);
+    LoadVolumeParams(CandidateOf(Volume.Geometry()));
+    SetTableRuns(Volume.Geometry().MftRuns);
+    EXPECT_EQ(Conditions(), (Texts{{50, "overwritten"}, {51, "overwritten"}}));
 }
 
 TEST_F(ConditionTest, OnlyTheFilesOwnBytesCount) {
