@@ -43,13 +43,13 @@ public:
     [[nodiscard]] virtual std::uint64_t AllocatedBytes() const { return Size(); }
 
     /// What is doubtful by what has been read so far; some of it is known from the start.
-    [[nodiscard]] const Doubts& StreamDoubts() const { return doubts_; }
+    [[nodiscard]] const Doubts& StreamDoubts() const { return Doubtful; }
 
 protected:
     /// Reads `wanted` bytes, all of which lie in the stream; the buffer may have more room.
     virtual void Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& missing) = 0;
 
-    Doubts doubts_;
+    Doubts Doubtful;
 
 private:
     std::uint64_t size_;

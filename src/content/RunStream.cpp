@@ -20,7 +20,7 @@ ResidentStream::ResidentStream(StreamLayout layout)
     : ExactStream(layout.Size)
     , value_(std::move(layout.Value)) {
     value_.resize(layout.Size);
-    doubts_ = layout.Doubtful;
+    Doubtful = layout.Doubtful;
 }
 
 void ResidentStream::Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& /*missing*/) {
@@ -29,12 +29,12 @@ void ResidentStream::Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted
 
 RunStream::RunStream(StreamLayout layout)
     : ExactStream(layout.Size)
-    , layout_(std::move(layout)) {
-    doubts_ = layout_.Doubtful;
+    , Layout(std::move(layout)) {
+    Doubtful = Layout.Doubtful;
 }
 
 void RunStream::Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& missing) {
-    const std::uint64_t left = layout_.Initialised - std::min(layout_.Initialised, offset);
+    const std::uint64_t left = Layout.Initialised - std::min(Layout.Initialised, offset);
     const auto read = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, left));
     if (read != 0) {
         FillInitialised(offset, buffer, read, missing);
@@ -43,11 +43,11 @@ void RunStream::Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, Mis
 }
 
 void RunStream::FillFromRuns(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& missing) {
-    const std::uint64_t clusterBytes = layout_.ClusterBytes;
+    const std::uint64_t clusterBytes = Layout.ClusterBytes;
     while (wanted != 0) {
         const std::uint64_t vcn = offset / clusterBytes;
         const std::uint64_t within = offset % clusterBytes;
-        const MapRun* run = layout_.Runs.FindFrom(vcn);
+        const MapRun* run = Layout.Runs.FindFrom(vcn);
         const std::uint64_t most = wanted / clusterBytes + 2; // clusters that the bytes can touch
         const bool before = run != nullptr && run->Vcn > vcn;
         const std::uint64_t clusters = run == nullptr ? most : (before ? run->Vcn : run->End()) - vcn;
@@ -68,7 +68,7 @@ void RunStream::FillFromRuns(std::uint64_t offset, Bytes buffer, std::size_t wan
 void RunStream::ReadBytes(std::uint64_t lcn, std::uint64_t within, Bytes buffer, std::size_t wanted,
                           MissingData& missing) {
     const std::size_t sectorBytes = Engine.SourceDisk.BytesPerSector;
-    std::uint64_t sector = SectorInCluster(lcn, within, layout_.ClusterBytes);
+    std::uint64_t sector = SectorInCluster(lcn, within, Layout.ClusterBytes);
     if (const std::size_t skipped = within % sectorBytes; skipped != 0) {
         const std::size_t bytes = std::min(wanted, sectorBytes - skipped);
         ReadPartOfSector(sector++, skipped, buffer.first(bytes), missing);
@@ -95,24 +95,24 @@ void RunStream::ReadPartOfSector(std::uint64_t sector, std::size_t within, Bytes
 }
 
 std::uint64_t RunStream::NextData(std::uint64_t offset) const {
-    const std::uint64_t clusterBytes = layout_.ClusterBytes;
-    const MapRun* run = layout_.Runs.FindAllocated(offset / clusterBytes);
-    if (run == nullptr || run->Vcn > layout_.Initialised / clusterBytes) {
+    const std::uint64_t clusterBytes = Layout.ClusterBytes;
+    const MapRun* run = Layout.Runs.FindAllocated(offset / clusterBytes);
+    if (run == nullptr || run->Vcn > Layout.Initialised / clusterBytes) {
         return Size();
     }
     const std::uint64_t data = std::max(offset, run->Vcn * clusterBytes);
-    return data < layout_.Initialised ? data : Size();
+    return data < Layout.Initialised ? data : Size();
 }
 
 std::uint64_t RunStream::NextHole(std::uint64_t offset) const {
-    const std::uint64_t clusterBytes = layout_.ClusterBytes;
-    while (offset < layout_.Initialised) {
-        const MapRun* run = layout_.Runs.Find(offset / clusterBytes);
+    const std::uint64_t clusterBytes = Layout.ClusterBytes;
+    while (offset < Layout.Initialised) {
+        const MapRun* run = Layout.Runs.Find(offset / clusterBytes);
         if (run == nullptr || run->Hole) {
             return offset;
         }
-        if (run->End() > layout_.Initialised / clusterBytes) {
-            return layout_.Initialised;
+        if (run->End() > Layout.Initialised / clusterBytes) {
+            return Layout.Initialised;
         }
         offset = run->End() * clusterBytes;
     }
@@ -123,14 +123,14 @@ CompressedStream::CompressedStream(StreamLayout layout)
     : RunStream(std::move(layout)) {}
 
 std::uint64_t CompressedStream::UnitBytes() const {
-    return std::uint64_t{layout_.UnitClusters} * layout_.ClusterBytes;
+    return std::uint64_t{Layout.UnitClusters} * Layout.ClusterBytes;
 }
 
 std::uint64_t CompressedStream::ClustersOfUnit(std::uint64_t unit) const {
-    const std::uint64_t end = (unit + 1) * layout_.UnitClusters;
+    const std::uint64_t end = (unit + 1) * Layout.UnitClusters;
     std::uint64_t clusters = 0;
-    for (std::uint64_t vcn = unit * layout_.UnitClusters; vcn < end;) {
-        const MapRun* run = layout_.Runs.FindAllocated(vcn);
+    for (std::uint64_t vcn = unit * Layout.UnitClusters; vcn < end;) {
+        const MapRun* run = Layout.Runs.FindAllocated(vcn);
         if (run == nullptr || run->Vcn >= end) {
             break;
         }
@@ -150,7 +150,7 @@ void CompressedStream::FillInitialised(std::uint64_t offset, Bytes buffer, std::
         const std::uint64_t clusters = ClustersOfUnit(unit);
         if (clusters == 0) {
             Clear(buffer.first(bytes));
-        } else if (clusters == layout_.UnitClusters) {
+        } else if (clusters == Layout.UnitClusters) {
             FillFromRuns(offset, buffer, bytes, missing);
         } else {
             LoadUnit(unit, clusters, missing);
@@ -169,8 +169,8 @@ void CompressedStream::LoadUnit(std::uint64_t unit, std::uint64_t clusters, Miss
         return;
     }
     unit_ = unit;
-    plain_.resize(std::min(UnitBytes(), layout_.Initialised - unit * UnitBytes()));
-    const std::vector<StoredPart> parts = ReadStored(unit * layout_.UnitClusters, clusters);
+    plain_.resize(std::min(UnitBytes(), Layout.Initialised - unit * UnitBytes()));
+    const std::vector<StoredPart> parts = ReadStored(unit * Layout.UnitClusters, clusters);
     const UnitResult result = DecompressUnit(stored_, plain_);
     for (const StoredPart& part : parts) {
         const std::uint64_t used = std::max(result.Consumed, part.Offset) - part.Offset;
@@ -179,26 +179,26 @@ void CompressedStream::LoadUnit(std::uint64_t unit, std::uint64_t clusters, Miss
     // A driver ends a unit early where nothing but zeros follows. It keeps no cluster then that it doesn't
     // need, and none at all for zeros alone.
     const bool early = result.Ended && (result.Consumed <= sizeof(std::uint16_t) ||
-                                        stored_.size() - result.Consumed >= layout_.ClusterBytes);
+                                        stored_.size() - result.Consumed >= Layout.ClusterBytes);
     if (!result.Sound || early) {
-        doubts_.Add(Doubt::DataDamaged);
+        Doubtful.Add(Doubt::DataDamaged);
     }
 }
 
 std::vector<CompressedStream::StoredPart> CompressedStream::ReadStored(std::uint64_t vcn,
                                                                        std::uint64_t clusters) {
-    const std::uint64_t clusterBytes = layout_.ClusterBytes;
+    const std::uint64_t clusterBytes = Layout.ClusterBytes;
     stored_.assign(clusters * clusterBytes, 0);
     std::vector<StoredPart> parts;
     for (std::uint64_t done = 0; done < clusters;) {
-        const MapRun* run = layout_.Runs.Find(vcn + done);
+        const MapRun* run = Layout.Runs.Find(vcn + done);
         if (run == nullptr || run->Hole) {
             break; // clusters behind a hole of the unit belong to no chunk
         }
         const std::uint64_t count = std::min(clusters - done, run->End() - (vcn + done));
         StoredPart part = {.Outcome = {},
                            .Sector =
-                               SectorInCluster(run->Lcn + (vcn + done - run->Vcn), 0, layout_.ClusterBytes),
+                               SectorInCluster(run->Lcn + (vcn + done - run->Vcn), 0, Layout.ClusterBytes),
                            .Offset = done * clusterBytes,
                            .Bytes = count * clusterBytes};
         part.Outcome = ReadSectorsCleared(Bytes(stored_).subspan(part.Offset, part.Bytes), part.Sector);
@@ -212,20 +212,20 @@ std::vector<CompressedStream::StoredPart> CompressedStream::ReadStored(std::uint
 std::uint64_t CompressedStream::NextData(std::uint64_t offset) const {
     const std::uint64_t stored = RunStream::NextData(offset / UnitBytes() * UnitBytes());
     const std::uint64_t data = std::max(offset, stored / UnitBytes() * UnitBytes());
-    return stored < layout_.Initialised && data < layout_.Initialised ? data : Size();
+    return stored < Layout.Initialised && data < Layout.Initialised ? data : Size();
 }
 
 std::uint64_t CompressedStream::NextHole(std::uint64_t offset) const {
-    while (offset < layout_.Initialised) {
+    while (offset < Layout.Initialised) {
         const std::uint64_t unit = offset / UnitBytes();
-        const MapRun* run = layout_.Runs.FindAllocated(unit * layout_.UnitClusters);
-        if (run == nullptr || run->Vcn / layout_.UnitClusters > unit) {
+        const MapRun* run = Layout.Runs.FindAllocated(unit * Layout.UnitClusters);
+        if (run == nullptr || run->Vcn / Layout.UnitClusters > unit) {
             return offset;
         }
-        if (run->End() > layout_.Initialised / layout_.ClusterBytes) {
-            return layout_.Initialised;
+        if (run->End() > Layout.Initialised / Layout.ClusterBytes) {
+            return Layout.Initialised;
         }
-        offset = ((run->End() - 1) / layout_.UnitClusters + 1) * UnitBytes();
+        offset = ((run->End() - 1) / Layout.UnitClusters + 1) * UnitBytes();
     }
     return std::min(offset, Size());
 }

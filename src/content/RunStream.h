@@ -24,9 +24,9 @@ public:
 
     [[nodiscard]] std::uint64_t NextData(std::uint64_t offset) const override;
     [[nodiscard]] std::uint64_t NextHole(std::uint64_t offset) const override;
-    [[nodiscard]] std::uint64_t BytesBehindEnd() const override { return layout_.BytesBehindEnd; }
+    [[nodiscard]] std::uint64_t BytesBehindEnd() const override { return Layout.BytesBehindEnd; }
     [[nodiscard]] std::uint64_t AllocatedBytes() const override {
-        return layout_.Runs.AllocatedClusters() * layout_.ClusterBytes;
+        return Layout.Runs.AllocatedClusters() * Layout.ClusterBytes;
     }
 
 protected:
@@ -35,7 +35,7 @@ protected:
     /// The same without a look at the initialised size.
     void FillFromRuns(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& missing);
 
-    StreamLayout layout_;
+    StreamLayout Layout;
 
 private:
     virtual void FillInitialised(std::uint64_t offset, Bytes buffer, std::size_t wanted,

@@ -83,7 +83,7 @@ SystemStream::SystemStream(std::uint64_t size, SystemFormat format, std::unique_
     , chunkBytes_(ChunkBytesOf(format))
     , chunks_(ChunkCount(size, chunkBytes_))
     , entryBytes_(EntryBytes(size)) {
-    doubts_ = stored_->StreamDoubts();
+    Doubtful = stored_->StreamDoubts();
 }
 
 SystemStream::~SystemStream() = default;
@@ -104,7 +104,7 @@ void SystemStream::Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, 
         wanted -= bytes;
         buffer = buffer.subspan(bytes);
     }
-    doubts_.Add(stored_->StreamDoubts());
+    Doubtful.Add(stored_->StreamDoubts());
 }
 
 // Bytes of the stored stream; fewer where it ends before.
@@ -155,7 +155,7 @@ void SystemStream::LoadChunk(std::uint64_t chunk, MissingData& missing) {
     }
     if (!sound) {
         std::fill(plain_.begin(), plain_.end(), std::uint8_t{0});
-        doubts_.Add(Doubt::DataDamaged);
+        Doubtful.Add(Doubt::DataDamaged);
     }
 }
 

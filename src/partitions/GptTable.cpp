@@ -203,7 +203,7 @@ GptTable ReadEntriesWithoutHeader() {
         usual.UnitBytes = unitBytes;
         usual.Entries = kUsualEntries;
         usual.EntryBytes = kSmallestEntry;
-        const std::uint64_t arrayUnits = kUsualEntries * kSmallestEntry / unitBytes;
+        const std::uint64_t arrayUnits = std::uint64_t{kUsualEntries} * kSmallestEntry / unitBytes;
         for (const std::uint64_t place : {std::uint64_t{2}, MediumBytes() / unitBytes - 1 - arrayUnits}) {
             usual.ArrayAt = place;
             const GptTable found = ReadEntries(usual);
