@@ -40,6 +40,7 @@ public:
         , batchRecords_(std::max(1U, kBatchSectors / Engine.VolumeParams.SectorsPerFileRecord))
         , batch_(std::size_t{batchRecords_} * Engine.VolumeParams.FileRecordBytes)
         , decoded_(batchRecords_)
+        , conditions_(reach.Conditions)
         , added_(reach, conditions_, nextEntryId_) {}
 
     void Run();

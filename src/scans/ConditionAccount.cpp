@@ -31,8 +31,8 @@ void VisitNonResident(ConstBytes record, Visit visit) {
 
 } // namespace
 
-ConditionAccount::ConditionAccount()
-    : space_(ClaimSpaceOfVolume())
+ConditionAccount::ConditionAccount(bool judges)
+    : space_(judges ? ClaimSpaceOfVolume() : ClaimSpace())
     , overlaid_(OverlaidClusters(space_))
     , live_(space_.Clusters)
     , deleted_(space_) {}

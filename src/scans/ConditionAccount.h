@@ -14,7 +14,8 @@ namespace thntfs {
 /// still there of each file (catalogue/Conditions.h).
 class ConditionAccount {
 public:
-    ConditionAccount();
+    /// Judges nothing unless it is asked to.
+    explicit ConditionAccount(bool judges);
 
     /// Each record that passes its check goes through here, extension records and those that aren't
     /// catalogued too, with the absolute sector in which it begins. One that comes twice changes nothing.

@@ -11,6 +11,8 @@ struct ScanReach {
     /// Records without a usable name are listed, behind all others: under their short name or as "#" and
     /// their number. Otherwise they are counted.
     bool Deep = false;
+    /// What is still there of deleted files is judged. Without it, it is unknown.
+    bool Conditions = true;
 };
 
 } // namespace thntfs

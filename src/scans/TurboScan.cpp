@@ -99,6 +99,7 @@ VolumeWalk::VolumeWalk(const ScanReach& reach)
     , spanSector_(firstSector_)
     , endSector_(Engine.VolumeParams.StartSector + Engine.VolumeParams.TotalSectors)
     , recordSector_(spanSector_)
+    , conditions_(reach.Conditions)
     , exact_(reach.Exact && SectorsFitRecords())
     , added_(reach, conditions_, nextEntryId_) {
     const DiskRecord& disk = Engine.SourceDisk;
