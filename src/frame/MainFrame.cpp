@@ -37,7 +37,8 @@ CMainFrame::CMainFrame()
     , commands_(*this, [this](std::uint32_t command) { RunCommand(command); })
     , panes_(statusBar())
     , scanInfo_(*this)
-    , job_(*this, *treeView_, panes_) {
+    , job_(*this, panes_)
+    , scans_(job_, *this, *treeView_, panes_) {
     SetMainWindow(this);
     setWindowTitle(QLatin1String(kProgramName));
     setWindowIcon(LoadIcon("app"));
@@ -190,7 +191,7 @@ void CMainFrame::BeginBasicScan() {
 }
 
 void CMainFrame::StartBasicScan() {
-    job_.StartBasicScan();
+    scans_.StartBasicScan();
     UpdateCommands();
 }
 
@@ -200,7 +201,7 @@ void CMainFrame::StartTurboScan() {
     scanInfo_.NoteTurboScan();
     panes_.ForgetTotals();
     ClearFindMark();
-    job_.StartTurboScan(logicalDriveNumber_);
+    scans_.StartTurboScan(logicalDriveNumber_);
     UpdateCommands();
 }
 

@@ -3,6 +3,7 @@
 #include "frame/CataloguePlace.h"
 #include "frame/CommandIds.h"
 #include "frame/CommandSet.h"
+#include "frame/JobControl.h"
 #include "frame/ScanInfoFiles.h"
 #include "frame/ScanJob.h"
 #include "frame/StatusPanes.h"
@@ -103,7 +104,8 @@ private:
     StatusPanes panes_;
     ScanInfoFiles scanInfo_;
     CataloguePlace cataloguePlace_;
-    ScanJob job_;
+    JobControl job_;
+    ScanJob scans_;
 
     std::uint8_t logicalDriveNumber_ = 4; ///< of the volume in work, for log lines
     std::uint32_t foundEntry_ = kNoEntry; ///< that Find has picked out

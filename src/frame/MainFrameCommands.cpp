@@ -54,7 +54,7 @@ void CMainFrame::RunCommand(std::uint32_t command) {
         }
         break;
     case kCmdListNameless:
-        job_.SetListsNameless(!job_.ListsNameless());
+        scans_.SetListsNameless(!scans_.ListsNameless());
         break;
     case kCmdParentFolder:
         if (Desktop.WaitDialog == nullptr) {
@@ -139,9 +139,9 @@ FrameState CMainFrame::State() const {
     state.HasCopyDialog = Desktop.CopyDialog != nullptr;
     state.CurrentHasParent = treeView_->CurrentHasParent();
     state.StructuresMissing = Desktop.StructuresMissing;
-    state.BasicScanDone = job_.BasicScanDone();
+    state.BasicScanDone = scans_.BasicScanDone();
     state.TurboScanUsed = Desktop.TurboScanUsed;
-    state.ListsNameless = job_.ListsNameless();
+    state.ListsNameless = scans_.ListsNameless();
     return state;
 }
 

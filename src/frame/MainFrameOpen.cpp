@@ -58,7 +58,7 @@ void CMainFrame::RunSheet(CWizardSheet& sheet) {
     const bool finished = sheet.Run() == kWizardFinished;
     logicalDriveNumber_ = sheet.State().LogicalDriveNumber;
     if (finished) {
-        job_.TakeVolume(sheet.State().WizardLogEntry);
+        scans_.TakeVolume(sheet.State().WizardLogEntry);
         BeginBasicScan();
     }
 }

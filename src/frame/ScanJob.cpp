@@ -1,86 +1,27 @@
 #include "frame/ScanJob.h"
 
-#include "engine/EngineState.h"
+#include "frame/JobControl.h"
 #include "frame/ScanWorkers.h"
 #include "frame/StatusPanes.h"
-#include "shell/Boxes.h"
 #include "shell/DesktopState.h"
-#include "shell/PauseGate.h"
-
-#include <system_error>
 
 namespace thntfs {
 
-namespace {
-
-QString LittleFoundNote() {
-    return Engine.Yield.Little() ? QStringLiteral("\n\n%1.\nTurbo Scan may find more.")
-                                       .arg(QString::fromStdString(LittleFoundText(Engine.Yield)))
-                                 : QString();
-}
-
-QString FinishedText(FinishedJob kind) {
-    switch (kind) {
-    case FinishedJob::Save:
-        return QStringLiteral("Saving data completed.");
-    case FinishedJob::FileTypes:
-        return QStringLiteral("Searching for file type(s) finished.");
-    case FinishedJob::BasicScan:
-        return QStringLiteral("You have just completed Basic Scan of a logical drive.\n\n"
-                              "Please examine the tree created, if you find none of the\n"
-                              "files listed are the one you were looking for, then use\n"
-                              "more advanced disk scanning method i.e. Turbo Scan.\n\n"
-                              "Go to Tools->TurboScan") +
-               LittleFoundNote();
-    default:
-        return {};
-    }
-}
-
-const char* WorkName(CopyWork work) {
-    switch (work) {
-    case CopyWork::Clone:
-        return "Disk Cloning";
-    case CopyWork::Image:
-        return "Disk Imaging";
-    default:
-        return "Internal File processing";
-    }
-}
-
-} // namespace
-
-ScanJob::ScanJob(MessageTarget& frame, CTHNTFSTreeView& tree, StatusPanes& panes)
-    : frame_(frame)
+ScanJob::ScanJob(JobControl& job, MessageTarget& frame, CTHNTFSTreeView& tree, StatusPanes& panes)
+    : job_(job)
+    , frame_(frame)
     , tree_(tree)
     , panes_(panes) {}
 
-// A stopped worker still fills the tree, and some commands are enabled meanwhile.
-bool ScanJob::MayStartWork() const {
-    if (Desktop.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
-        return false;
-    }
-    if (jobBusy_) {
-        ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
-    }
-    return !jobBusy_;
-}
-
 void ScanJob::TakeVolume(const ProcessLogEntry& wizardEntry) {
-    currentEntry_ = wizardEntry;
     Desktop.TurboScanUsed = false;
-    jobBusy_ = true;
-}
-
-void ScanJob::SetRunning() {
-    Engine.ScanRunFlag = 1;
-    jobBusy_ = true;
+    job_.Choose(wizardEntry);
 }
 
 // A bar made before the worker starts is there for its first report.
 void ScanJob::StartBasicScan() {
     panes_.BeginProgress(kBlankCaption);
-    StartWorker([this, reach = reach_] {
+    job_.StartWorker([this, reach = reach_] {
         if (BasicScanThread(frame_, tree_, reach)) {
             basicScanDone_ = true;
         }
@@ -90,67 +31,9 @@ void ScanJob::StartBasicScan() {
 void ScanJob::StartTurboScan(std::uint8_t logicalDriveNumber) {
     Desktop.TurboScanUsed = true;
     panes_.BeginProgress("Scanning");
-    StartWorker([this, logicalDriveNumber, reach = reach_] {
+    job_.StartWorker([this, logicalDriveNumber, reach = reach_] {
         TurboScanThread(frame_, tree_, logicalDriveNumber, reach);
     });
-}
-
-// The worker before it has returned, or is about to: its last message has been handled.
-void ScanJob::StartWorker(std::function<void()> work) {
-    workerThread_.reset();
-    try {
-        workerThread_ = std::make_unique<JobThread>(std::move(work));
-    } catch (const std::system_error& failure) {
-        ShowBox(QString::fromLocal8Bit(failure.what()), QStringLiteral("Error"), BoxIcon::Stop);
-        EndFailed();
-    }
-}
-
-// The worker stands still while the question is up. What it had sent before may still be handled meanwhile,
-// its last message too.
-void ScanJob::Stop() {
-    if (Engine.ScanRunFlag == 0 || Desktop.CopyDialog != nullptr) {
-        return;
-    }
-    const WorkerPause pause;
-    WM_COPY_EVENT.Post(&frame_, CopyWork::Scan, CopyEvent::Paused);
-    if (Engine.ScanRunFlag != 0 &&
-        AskYesNo(QStringLiteral("Do you want to stop process?"), QStringLiteral("Confirm"))) {
-        Engine.ScanRunFlag = 0;
-        return;
-    }
-    WM_COPY_EVENT.Post(&frame_, CopyWork::Scan, CopyEvent::Resumed);
-}
-
-ProcessLogEntry ScanJob::EntryOf(CopyWork work, CopyEvent event) {
-    if (event == CopyEvent::Paused || event == CopyEvent::Resumed) {
-        return {WorkName(work), event == CopyEvent::Paused ? "Process Paused" : "Process Resumed", "",
-                kLogInProgress};
-    }
-    const bool completed = event == CopyEvent::Completed;
-    currentEntry_.Status = completed ? kLogDone : kLogFailed;
-    currentEntry_.Name = (completed ? "Completed " : "Aborted ") + currentEntry_.Name;
-    if (work == CopyWork::Clone || work == CopyWork::Image) {
-        jobBusy_ = false;
-    }
-    return currentEntry_;
-}
-
-void ScanJob::TellFinished(FinishedJob kind) {
-    panes_.EndProgress();
-    if (const QString text = FinishedText(kind); !text.isEmpty()) {
-        ShowBox(text, QStringLiteral("Information"), BoxIcon::Information);
-    }
-}
-
-void ScanJob::EndFailed() {
-    panes_.EndProgress();
-    ReturnToIdle();
-}
-
-void ScanJob::ReturnToIdle() {
-    Engine.ScanRunFlag = 0;
-    jobBusy_ = false;
 }
 
 } // namespace thntfs

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "engine/Host.h"
+#include "shell/JobThread.h"
+#include "shell/WindowMessages.h"
+
+#include <functional>
+#include <memory>
+
+namespace thntfs {
+
+class StatusPanes;
+
+/// What all jobs on the open medium have in common, from a job's choice to the end of its handling: the
+/// flags, the worker, the user's stop. One job runs at a time.
+class JobControl {
+public:
+    /// The worker reports to the frame. Both are the caller's and live longer.
+    JobControl(MessageTarget& frame, StatusPanes& panes);
+
+    /// From the choice of a job to the end of its handling.
+    [[nodiscard]] bool JobBusy() const { return jobBusy_; }
+
+    /// Whether anything may begin that needs the medium or the catalogue. A box says where a stopped worker
+    /// still has them.
+    [[nodiscard]] bool MayStartWork() const;
+
+    /// The wizard has chosen a job; the entry, which its lines go on with, names it.
+    void Choose(const ProcessLogEntry& wizardEntry);
+    /// From here on a job runs, though its worker has yet to start.
+    void SetRunning();
+
+    /// The worker starts; where the system has no thread for it, a box says so and the job has ended.
+    void StartWorker(std::function<void()> work);
+
+    /// Asks whether the job is to stop, while its worker stands still.
+    void Stop();
+
+    /// The worker is through: takes the bar away and tells so in a box. ReturnToIdle is still to come.
+    void TellFinished(FinishedJob kind);
+    /// The worker could not begin or go on.
+    void EndFailed();
+    void ReturnToIdle();
+
+    /// The line for the log on what has become of a work.
+    ProcessLogEntry EntryOf(CopyWork work, CopyEvent event);
+
+    /// To be called before what the worker reports to goes away.
+    void WaitForWorker() { workerThread_.reset(); }
+
+private:
+    MessageTarget& frame_;
+    StatusPanes& panes_;
+    ProcessLogEntry currentEntry_; ///< of the wizard run that has started the job
+    bool jobBusy_ = false;
+    std::unique_ptr<JobThread> workerThread_;
+};
+
+} // namespace thntfs
