@@ -174,7 +174,7 @@ int RunSave(const Options& options) {
     }
     TerminalListener listener(report);
     SaveOptions wanted;
-    wanted.DeletedOnly = options.Deleted;
+    wanted.Reach = options.Deleted ? SaveReach::DeletedOnly : SaveReach::All;
     wanted.Conditions = options.Conditions;
     wanted.AsStored = options.AsStored;
     wanted.Streams = options.Streams;

@@ -10,13 +10,11 @@ namespace {
 
 constexpr std::uint64_t kBigFileBytes = std::uint64_t{1} << 20U;
 
-WrittenContent WriteSmall(TargetPath::Level& folder, const std::string& name, const ContentTaker& take) {
+WrittenContent WriteSmall(TargetPath::Level& folder, NameChoice& name, const ContentTaker& take) {
     WrittenContent written;
     std::unique_ptr<File> file;
-    written.Name = name;
-    written.Error = TakeFreeName(folder.Numbers, written.Name, [&](const std::string& free) {
-        return folder.Handle->CreateFile(free, file);
-    });
+    written.Error = name.Take(folder.Numbers,
+                              [&](const std::string& free) { return folder.Handle->CreateFile(free, file); });
     if (written.Error != kErrorNone) {
         return written;
     }
@@ -24,16 +22,20 @@ WrittenContent WriteSmall(TargetPath::Level& folder, const std::string& name, co
     written.Error = written.Outcome.Kept() ? file->Close() : kErrorNone;
     file.reset();
     if (!written.Stands()) {
-        folder.Handle->DeleteFile(written.Name);
+        folder.Handle->DeleteFile(name.Name());
     }
     return written;
 }
 
-WrittenContent WriteBig(TargetPath::Level& folder, const std::string& name, const ContentTaker& take) {
+WrittenContent WriteBig(TargetPath::Level& folder, NameChoice& name, const ContentTaker& take) {
     WrittenContent written;
     std::unique_ptr<File> file;
     std::string part;
-    written.Name = name;
+    name.SettleIn(*folder.Handle);
+    if (name.Skipped()) {
+        written.Error = kErrorCancelled;
+        return written;
+    }
     written.Error = folder.Handle->CreatePart(part, file);
     if (written.Error != kErrorNone) {
         return written;
@@ -41,9 +43,8 @@ WrittenContent WriteBig(TargetPath::Level& folder, const std::string& name, cons
     written.Outcome = take(*file);
     written.Error = written.Outcome.Kept() ? file->Sync() : kErrorNone;
     if (written.Stands()) {
-        written.Error = TakeFreeName(folder.Numbers, written.Name, [&](const std::string& free) {
-            return folder.Handle->NamePart(part, free);
-        });
+        written.Error = name.Take(
+            folder.Numbers, [&](const std::string& free) { return folder.Handle->NamePart(part, free); });
     }
     if (!written.Stands()) {
         folder.Handle->DeleteFile(part);
@@ -53,7 +54,7 @@ WrittenContent WriteBig(TargetPath::Level& folder, const std::string& name, cons
 
 } // namespace
 
-WrittenContent WriteContent(TargetPath::Level& folder, const std::string& name, std::uint64_t size,
+WrittenContent WriteContent(TargetPath::Level& folder, NameChoice& name, std::uint64_t size,
                             const ContentTaker& take) {
     return size > kBigFileBytes ? WriteBig(folder, name, take) : WriteSmall(folder, name, take);
 }

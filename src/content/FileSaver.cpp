@@ -3,7 +3,6 @@
 #include "catalogue/Conditions.h"
 #include "content/EntryContent.h"
 #include "content/HashedFile.h"
-#include "content/TargetName.h"
 #include "engine/EngineState.h"
 #include "platform/files/File.h"
 #include "platform/system/Text.h"
@@ -51,7 +50,7 @@ FileDates DatesIn(const ExactFile& file) {
 
 FileSaver::FileSaver(const SaveContext& context)
     : context_(context)
-    , names_(context.Target, context.Made,
+    , names_(context.Target, context.Made, Rules(),
              [this](const CatalogueItem& folder) { return DatesOfFolder(folder); }) {
     if (context_.Options.Report) {
         digest_.emplace();
@@ -78,21 +77,30 @@ SavedFile FileSaver::Begin(const CatalogueItem& item, const std::string& path) {
     return file;
 }
 
-void FileSaver::LeaveOut(const CatalogueItem& item, const std::string& path) {
+void FileSaver::LeaveOut(const CatalogueItem& item, const std::string& path, SaveWish why) {
     SavedFile file = Begin(item, path);
-    file.Reasons = {std::string("left out, since its condition is ") + file.Condition};
-    context_.Account.LeaveOut(file);
+    file.Reasons = {why == SaveWish::ExcludedType
+                        ? std::string("left out, since its type is excluded")
+                        : std::string("left out, since its condition is ") + file.Condition};
+    context_.Account.LeaveOut(file, why);
+}
+
+void FileSaver::SkipWithFolder(const CatalogueItem& item, const std::string& path) {
+    SavedFile file = Begin(item, path);
+    file.Reasons = {"its folder was skipped"};
+    context_.Account.SkipFile(file, false);
 }
 
 void FileSaver::SaveStored(TargetPath::Level& folder, const CatalogueItem& item, SavedFile& file) {
     if (!HasRoomAsStored(item, file)) {
         return;
     }
-    const WrittenContent written = WriteContent(folder, TargetName(item.Name), item.Size, [&](File& output) {
+    NameChoice name(Rules(), file.Path, NarrowText(item.Name));
+    const WrittenContent written = WriteContent(folder, name, item.Size, [&](File& output) {
         HashedFile hashed(output, Digest());
         return TakeContent(item, hashed);
     });
-    if (Conclude(written, NarrowText(item.Name), file)) {
+    if (Conclude(written, name, file)) {
         context_.Account.FileWritten(std::move(file));
     }
 }
@@ -115,12 +123,13 @@ void FileSaver::SaveExact(TargetPath::Level& folder, const CatalogueItem& item, 
     if (!ReadFacts(item, facts, file) || !HasRoom(facts.Data.get(), file)) {
         return;
     }
-    const WrittenContent written = WriteStream(folder, TargetName(item.Name), facts.Data.get(), facts.Dates);
-    if (Conclude(written, NarrowText(item.Name), file)) {
+    NameChoice name(Rules(), file.Path, NarrowText(item.Name));
+    const WrittenContent written = WriteStream(folder, name, facts.Data.get(), facts.Dates);
+    if (Conclude(written, name, file)) {
         DoubtByCondition(item, file);
-        GiveNames(folder, item, written.Name, facts, file);
+        GiveNames(folder, item, name.Name(), facts, file);
         context_.Account.FileWritten(file);
-        SaveStreams(folder, written.Name, file, reader_);
+        SaveStreams(folder, name.Name(), file, reader_);
     }
 }
 
@@ -158,7 +167,7 @@ bool FileSaver::HasRoom(const ExactStream* stream, SavedFile& file) {
     return need <= *room;
 }
 
-WrittenContent FileSaver::WriteStream(TargetPath::Level& folder, const std::string& name, ExactStream* stream,
+WrittenContent FileSaver::WriteStream(TargetPath::Level& folder, NameChoice& name, ExactStream* stream,
                                       const FileDates& dates) {
     return WriteContent(folder, name, stream != nullptr ? stream->Size() : 0, [&](File& output) {
         const ContentOutcome outcome =
@@ -185,35 +194,40 @@ void FileSaver::GiveName(TargetPath::Level& folder, const std::string& name, con
     const std::string path = names_.PathOf(further.Name);
     TargetPath::Level* const place =
         names_.Open([this](TargetPath& way, const auto& level, const std::string& made, ErrorCode code) {
-            if (code == kErrorNone) {
+            if (code == kErrorNone || code == kErrorCancelled) {
                 FolderOpened(way, level, made, code);
             }
         });
+    if (place == nullptr && names_.Skipped()) {
+        context_.Account.Skip(path, false);
+        return;
+    }
     if (place == nullptr) {
         context_.Account.Fail(path, kNoFolder);
         return;
     }
-    std::string given = TargetName(further.Name);
-    ErrorCode code = TakeFreeName(place->Numbers, given, [&](const std::string& free) {
+    NameChoice given(Rules(), path, NarrowText(further.Name));
+    ErrorCode code = given.Take(place->Numbers, [&](const std::string& free) {
         return folder.Handle->LinkFile(name, *place->Handle, free);
     });
-    if (code != kErrorNone && Engine.ScanRunFlag != 0) {
-        code = Copy(*place, facts, given = TargetName(further.Name));
+    if (code != kErrorNone && code != kErrorCancelled && Engine.ScanRunFlag != 0) {
+        code = Copy(*place, facts, given);
     }
     if (code == kErrorNone) {
-        TellName(path, NarrowText(further.Name), given);
+        TellName(path, given.Wanted(), given.Name());
         file.Links.push_back(path);
+    } else if (code == kErrorCancelled) {
+        context_.Account.Skip(path);
     } else {
         context_.Account.Fail(path, ReasonOf(code));
     }
 }
 
-ErrorCode FileSaver::Copy(TargetPath::Level& folder, const Facts& facts, std::string& name) {
+ErrorCode FileSaver::Copy(TargetPath::Level& folder, const Facts& facts, NameChoice& name) {
     const WrittenContent copy = WriteStream(folder, name, facts.Data.get(), facts.Dates);
     if (digest_) {
         (void)digest_->Take();
     }
-    name = copy.Name;
     if (copy.Outcome.End == ContentEnd::MediumFailed) {
         return kErrorCrc;
     }
@@ -246,16 +260,20 @@ void FileSaver::SaveStream(TargetPath::Level& folder, const std::string& name, s
     if (data == nullptr || !HasRoom(data.get(), file)) {
         return;
     }
-    const std::string wanted = name + "#" + NarrowText(stream);
-    const WrittenContent written =
-        WriteStream(folder, TargetName(WideText(wanted)), data.get(), DatesIn(reader));
-    if (Conclude(written, wanted, file)) {
+    NameChoice choice(Rules(), file.Path, name + "#" + NarrowText(stream));
+    const WrittenContent written = WriteStream(folder, choice, data.get(), DatesIn(reader));
+    if (Conclude(written, choice, file)) {
         context_.Account.FileWritten(std::move(file));
     }
 }
 
-bool FileSaver::Conclude(const WrittenContent& written, std::string_view wantedName, SavedFile& file) {
+bool FileSaver::Conclude(const WrittenContent& written, const NameChoice& name, SavedFile& file) {
     const std::string digest = digest_ ? digest_->Take() : "";
+    if (name.Skipped()) {
+        file.Reasons = {"skipped"};
+        context_.Account.SkipFile(file);
+        return false;
+    }
     if (!written.Outcome.Kept()) {
         FailContent(written, file);
         return false;
@@ -269,7 +287,7 @@ bool FileSaver::Conclude(const WrittenContent& written, std::string_view wantedN
     file.Whole = written.Outcome.Whole();
     file.Reasons = DamageReasons(written.Outcome);
     file.Sha256 = digest;
-    TellName(file.Path, wantedName, written.Name);
+    TellName(file.Path, name.Wanted(), name.Name());
     return true;
 }
 
@@ -298,6 +316,10 @@ void FileSaver::Fail(SavedFile& file, const std::string& reason) {
 
 void FileSaver::FolderOpened(TargetPath& way, const TargetPath::Level& level, const std::string& path,
                              ErrorCode code) {
+    if (code == kErrorCancelled) {
+        context_.Account.Skip(path);
+        return;
+    }
     if (code != kErrorNone) {
         context_.Account.Fail(path, ReasonOf(code));
         return;

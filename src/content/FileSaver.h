@@ -41,8 +41,11 @@ public:
     /// on the account, where the medium has failed for good.
     void Save(TargetPath::Level* folder, const CatalogueItem& item, const std::string& path);
 
-    /// Takes a file into account whose condition nobody asked for.
-    void LeaveOut(const CatalogueItem& item, const std::string& path);
+    /// Takes a file into account that the options leave out.
+    void LeaveOut(const CatalogueItem& item, const std::string& path, SaveWish why);
+
+    /// Takes a file into account whose folder the user skips.
+    void SkipWithFolder(const CatalogueItem& item, const std::string& path);
 
     /// Takes a folder on its way into account that has been made, or couldn't be, and saves its streams.
     void FolderOpened(TargetPath& way, const TargetPath::Level& level, const std::string& path,
@@ -69,7 +72,7 @@ private:
     void SaveExact(TargetPath::Level& folder, const CatalogueItem& item, SavedFile& file);
     bool ReadFacts(const CatalogueItem& item, Facts& facts, SavedFile& file);
     bool HasRoom(const ExactStream* stream, SavedFile& file);
-    WrittenContent WriteStream(TargetPath::Level& folder, const std::string& name, ExactStream* stream,
+    WrittenContent WriteStream(TargetPath::Level& folder, NameChoice& name, ExactStream* stream,
                                const FileDates& dates);
 
     void GiveNames(TargetPath::Level& folder, const CatalogueItem& item, const std::string& name,
@@ -77,14 +80,14 @@ private:
     void GiveName(TargetPath::Level& folder, const std::string& name, const ExactName& further,
                   const Facts& facts, SavedFile& file);
 
-    ErrorCode Copy(TargetPath::Level& folder, const Facts& facts, std::string& name);
+    ErrorCode Copy(TargetPath::Level& folder, const Facts& facts, NameChoice& name);
 
     void SaveStreams(TargetPath::Level& folder, const std::string& name, const SavedFile& file,
                      ExactFile& reader);
     void SaveStream(TargetPath::Level& folder, const std::string& name, std::u16string_view stream,
                     SavedFile& file, ExactFile& reader);
 
-    bool Conclude(const WrittenContent& written, std::string_view wantedName, SavedFile& file);
+    bool Conclude(const WrittenContent& written, const NameChoice& name, SavedFile& file);
     void Fail(SavedFile& file, const std::string& reason);
     void FailContent(const WrittenContent& written, SavedFile& file);
     /// Lost folders have no record, and the plain road asks for none.
@@ -92,6 +95,7 @@ private:
         return !context_.Options.AsStored && folder.RecordSector != 0;
     }
     void TellName(const std::string& path, std::string_view wantedName, const std::string& name);
+    [[nodiscard]] NameRules Rules() const { return {context_.Options.Prefix, context_.Listener}; }
     ContentDigest* Digest() { return digest_ ? &*digest_ : nullptr; }
 
     SaveContext context_;

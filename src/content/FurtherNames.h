@@ -17,8 +17,9 @@ struct ExactName;
 /// The way to the folders that further names of files stand in, as far as these are being saved.
 class FurtherNames {
 public:
-    FurtherNames(TargetFolder& target, MadeFolders& made, const TargetPath::DatesOf& datesOf)
-        : way_(target, made, datesOf) {}
+    FurtherNames(TargetFolder& target, MadeFolders& made, const NameRules& rules,
+                 const TargetPath::DatesOf& datesOf)
+        : way_(target, made, rules, datesOf) {}
 
     /// Names are given in these folders and below them.
     void Select(const std::vector<LocatedEntry>& entries);
@@ -29,6 +30,9 @@ public:
 
     /// The folder gone to, made and open; null where it can't be.
     TargetPath::Level* Open(const TargetPath::Teller& tell) { return way_.Open(tell); }
+
+    /// True where it can't be since the user skips it, or one above it.
+    [[nodiscard]] bool Skipped() const { return way_.Skipped(); }
 
     /// Path in the catalogue of a name in the folder gone to.
     [[nodiscard]] std::string PathOf(const std::u16string& name) const;

@@ -45,8 +45,20 @@ void SaveAccount::FailFile(SavedFile file) {
     Conclude(file);
 }
 
-void SaveAccount::LeaveOut(const SavedFile& file) {
-    ++totals_.LeftOut;
+void SaveAccount::LeaveOut(const SavedFile& file, SaveWish why) {
+    ++(why == SaveWish::ExcludedType ? totals_.TypesLeftOut : totals_.LeftOut);
+    Conclude(file);
+}
+
+void SaveAccount::Skip(const std::string& path, bool told) {
+    ++totals_.Skipped;
+    if (told) {
+        listener_.Skipped(path);
+    }
+}
+
+void SaveAccount::SkipFile(const SavedFile& file, bool told) {
+    Skip(file.Path, told);
     Conclude(file);
 }
 

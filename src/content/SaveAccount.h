@@ -1,6 +1,8 @@
 #pragma once
 
 #include "content/ContentOutcome.h"
+#include "content/SaveListener.h"
+#include "content/SaveOptions.h"
 #include "content/SavedFile.h"
 #include "platform/files/TargetFolder.h"
 
@@ -11,36 +13,19 @@
 
 namespace thntfs {
 
-/// What a save tells of single entries as it goes. Paths are those of the catalogue.
-class SaveListener {
-public:
-    SaveListener() = default;
-    virtual ~SaveListener() = default;
-    SaveListener(const SaveListener&) = delete;
-    SaveListener& operator=(const SaveListener&) = delete;
-
-    /// A file or folder had to take another name in the target.
-    virtual void Renamed(const std::string& path, const std::string& targetName) = 0;
-    /// A file was saved damaged. Called once for each reason.
-    virtual void Warned(const std::string& path, const std::string& text) = 0;
-    /// A file or folder could not be saved.
-    virtual void Failed(const std::string& path, const std::string& reason) = 0;
-    /// What became of a file is known for good: it is on the device, failed, or was left out. Called where
-    /// SaveOptions asked for a report, once for each file and each stream that is saved as one.
-    virtual void Concluded(const SavedFile& /*file*/) {}
-};
-
 struct SaveTotals {
-    std::uint64_t Files = 0;       ///< files saved
-    std::uint64_t Folders = 0;     ///< folders saved or made for what is in them
-    std::uint64_t Bytes = 0;       ///< bytes of the saved files
-    std::uint64_t Damaged = 0;     ///< of the saved files and streams, those that aren't whole
-    std::uint64_t Failed = 0;      ///< files, folders, streams and further names that could not be saved
-    std::uint64_t Links = 0;       ///< further names given to saved files
-    std::uint64_t Streams = 0;     ///< named streams saved
-    std::uint64_t StreamsLeft = 0; ///< named streams that nobody asked for
-    std::uint64_t LeftOut = 0;     ///< files in conditions that nobody asked for
-    bool Stopped = false;          ///< ScanRunFlag was cleared, or the medium failed for good
+    std::uint64_t Files = 0;        ///< files saved
+    std::uint64_t Folders = 0;      ///< folders saved or made for what is in them
+    std::uint64_t Bytes = 0;        ///< bytes of the saved files
+    std::uint64_t Damaged = 0;      ///< of the saved files and streams, those that aren't whole
+    std::uint64_t Failed = 0;       ///< files, folders, streams and further names that could not be saved
+    std::uint64_t Links = 0;        ///< further names given to saved files
+    std::uint64_t Streams = 0;      ///< named streams saved
+    std::uint64_t StreamsLeft = 0;  ///< named streams that nobody asked for
+    std::uint64_t LeftOut = 0;      ///< files in conditions that nobody asked for
+    std::uint64_t TypesLeftOut = 0; ///< files of excluded types
+    std::uint64_t Skipped = 0;      ///< files, folders, streams and further names that the user skipped
+    bool Stopped = false;           ///< ScanRunFlag was cleared, or the medium failed for good
 };
 
 /// The account of a save. What was written counts as saved once the target has been synced. That is done for
@@ -58,7 +43,11 @@ public:
     /// A file or stream could not be saved, for the last of its reasons.
     void FailFile(SavedFile file);
     /// A file was left out, for its reason.
-    void LeaveOut(const SavedFile& file);
+    void LeaveOut(const SavedFile& file, SaveWish why);
+    /// The user skipped an entry, or a folder above it, which alone is told then.
+    void Skip(const std::string& path, bool told = true);
+    /// The same of a file or stream, for its reason.
+    void SkipFile(const SavedFile& file, bool told = true);
     void Stop() { totals_.Stopped = true; }
 
     /// Syncs what is still open and gives the totals, which are final then.

@@ -4,6 +4,7 @@
 #include "catalogue/EntryWalk.h"
 #include "engine/EngineState.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace thntfs {
@@ -18,7 +19,33 @@ CatalogueItem RootItem() {
     return root;
 }
 
+WalkReach WalkReachOf(const LocatedEntry& entry) {
+    return IsSeed(entry.Item) ? WalkReach::Whole : WalkReach::Part;
+}
+
+void CountFile(const CatalogueItem& item, const SaveOptions& options, SaveWork& work) {
+    if (!item.IsFolder() && WishFor(options, item) == SaveWish::Wanted) {
+        ++work.Files;
+        work.Bytes += item.Size;
+    }
+}
+
 } // namespace
+
+SaveWork CountSaveWork(const std::vector<LocatedEntry>& entries, const SaveOptions& options) {
+    SaveWork work;
+    for (const LocatedEntry& entry : entries) {
+        CountFile(entry.Item, options, work);
+        if (!entry.Item.IsFolder()) {
+            continue;
+        }
+        EntryWalk walk(StartAt(entry), WalkReachOf(entry));
+        while (walk.Next()) {
+            CountFile(walk.Item(), options, work);
+        }
+    }
+    return work;
+}
 
 EntrySaver::EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& listener,
                        const SaveOptions& options)
@@ -26,7 +53,8 @@ EntrySaver::EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& liste
     , target_(std::move(target))
     , account_(*target_, listener, options.Report)
     , files_({options_, *target_, made_, account_, listener})
-    , path_(*target_, made_, [this](const CatalogueItem& folder) { return files_.DatesOfFolder(folder); }) {}
+    , path_(*target_, made_, {options_.Prefix, listener},
+            [this](const CatalogueItem& folder) { return files_.DatesOfFolder(folder); }) {}
 
 void EntrySaver::Save(const std::vector<LocatedEntry>& entries) {
     files_.Select(entries);
@@ -50,7 +78,7 @@ void EntrySaver::SaveOne(const LocatedEntry& entry) {
     try {
         if (entry.Item.IsFolder()) {
             SaveBelow(entry);
-        } else if (Wanted(entry.Item)) {
+        } else {
             SaveFile(entry.Item, entry.Path);
         }
     } catch (const CUserException&) {
@@ -72,7 +100,7 @@ void EntrySaver::SaveBelow(const LocatedEntry& entry) {
         EnterFolder(entry.Item);
     }
     const std::size_t base = path_.Length();
-    EntryWalk walk(StartAt(entry), IsSeed(entry.Item) ? WalkReach::Whole : WalkReach::Part);
+    EntryWalk walk(StartAt(entry), WalkReachOf(entry));
     while (walk.Next()) {
         if (Engine.ScanRunFlag == 0) {
             account_.Stop();
@@ -81,18 +109,15 @@ void EntrySaver::SaveBelow(const LocatedEntry& entry) {
         path_.Cut(base + walk.Depth());
         if (walk.Item().IsFolder()) {
             EnterFolder(walk.Item());
-        } else if (Wanted(walk.Item())) {
+        } else {
             SaveFile(walk.Item(), walk.Path());
         }
     }
 }
 
-// Lost folders have no record of their own: they stand for a name that isn't known, and are made only for
-// what is in them.
 void EntrySaver::EnterFolder(const CatalogueItem& item) {
     path_.Enter(item);
-    const bool lost = item.RecordSector == 0;
-    if (item.EntryId != kRootEntryId && Wanted(item) && !(options_.DeletedOnly && lost)) {
+    if (item.EntryId != kRootEntryId && WishFor(options_, item) == SaveWish::Wanted) {
         OpenLevel();
     }
 }
@@ -104,11 +129,33 @@ TargetPath::Level* EntrySaver::OpenLevel() {
 }
 
 void EntrySaver::SaveFile(const CatalogueItem& item, const std::string& path) {
-    if (ConditionWanted(options_.Conditions, item)) {
-        files_.Save(OpenLevel(), item, path);
-    } else {
-        files_.LeaveOut(item, path);
+    const SaveWish wish = WishFor(options_, item);
+    if (wish == SaveWish::Wanted) {
+        Engine.BytesWritten = 0;
+        sizeInHand_ = item.Size;
+        TakeFile(item, path);
+        sizeInHand_ = 0;
+        ++done_.Files;
+        done_.Bytes += item.Size;
+    } else if (wish != SaveWish::OtherReach) {
+        files_.LeaveOut(item, path, wish);
     }
+}
+
+void EntrySaver::TakeFile(const CatalogueItem& item, const std::string& path) {
+    TargetPath::Level* const folder = OpenLevel();
+    if (folder == nullptr && path_.Skipped()) {
+        files_.SkipWithFolder(item, path);
+    } else {
+        files_.Save(folder, item, path);
+    }
+}
+
+// What is read for further names and streams begins anew, so less may be in hand than before.
+SaveWork EntrySaver::Done() {
+    const std::uint64_t inHand = std::min(Engine.BytesWritten, sizeInHand_);
+    bytesReached_ = std::max(bytesReached_, done_.Bytes + inHand);
+    return {done_.Files, bytesReached_};
 }
 
 } // namespace thntfs

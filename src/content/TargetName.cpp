@@ -65,8 +65,9 @@ std::string JoinWithin(const NameParts& parts, const std::string& between) {
 
 } // namespace
 
-std::string TargetName(std::u16string_view name) {
-    std::string safe = NarrowText(name);
+std::string TargetName(std::u16string_view name) { return FitName(NarrowText(name)); }
+
+std::string FitName(std::string safe) {
     std::replace_if(safe.begin(), safe.end(), IsForbidden, '_');
     if (safe.find_first_not_of('.') == std::string::npos) {
         safe.assign(std::max<std::size_t>(safe.size(), 1), '_'); // "", "." and ".." among them

@@ -16,6 +16,9 @@ inline constexpr std::size_t kMaxTargetNameBytes = 255;
 /// is too long is cut before its extension.
 std::string TargetName(std::u16string_view name);
 
+/// The same of a name in UTF-8. A name that the target can take comes out as it is.
+std::string FitName(std::string name);
+
 /// The name to try where one is taken: "photo.jpg" with number 2 gives "photo (2).jpg".
 std::string NumberedName(const std::string& name, unsigned number);
 

@@ -3,6 +3,7 @@
 #include "content/TargetName.h"
 #include "platform/system/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace thntfs {
@@ -35,8 +36,9 @@ void MadeFolders::Add(const CatalogueItem& folder, const std::string& name) {
     }
 }
 
-TargetPath::TargetPath(TargetFolder& target, MadeFolders& made, DatesOf datesOf)
+TargetPath::TargetPath(TargetFolder& target, MadeFolders& made, const NameRules& rules, DatesOf datesOf)
     : made_(made)
+    , rules_(rules)
     , datesOf_(std::move(datesOf)) {
     levels_.emplace_back().Handle = &target;
 }
@@ -87,13 +89,17 @@ TargetPath::Level* TargetPath::Open(const Teller& tell) {
         if (level.Transparent) {
             continue;
         }
-        if (level.Failed || OpenBelow(levels_[above], i, tell) != kErrorNone) {
+        if (level.Failed || level.Skipped || OpenBelow(levels_[above], i, tell) != kErrorNone) {
             return nullptr;
         }
         CloseFarAbove(i);
         above = i;
     }
     return &levels_[above];
+}
+
+bool TargetPath::Skipped() const {
+    return std::any_of(levels_.begin(), levels_.end(), [](const Level& level) { return level.Skipped; });
 }
 
 TargetPath::Level& TargetPath::AboveOpen() {
@@ -117,27 +123,35 @@ ErrorCode TargetPath::OpenBelow(Level& above, std::size_t index, const Teller& t
     if (level.MadeName.empty() && made_.Has(level.Item)) {
         level.MadeName = made_.NameOf(level.Item);
     }
+    level.Skipped = made_.Skips(level.Item);
+    if (level.Skipped) {
+        return kErrorCancelled;
+    }
     ErrorCode code = kErrorNone;
     if (!level.MadeName.empty()) {
         code = above.Handle->OpenSubfolder(level.MadeName, level.Owned);
         level.Handle = level.Owned.get();
     } else {
-        code = MakeBelow(above, level);
-        tell(*this, level, PathOf(index), code);
+        const std::string path = PathOf(index);
+        code = MakeBelow(above, level, path);
+        tell(*this, level, path, code);
     }
     return code;
 }
 
-ErrorCode TargetPath::MakeBelow(Level& above, Level& level) {
-    std::string name = TargetName(level.Item.Name);
-    const ErrorCode code = TakeFreeName(above.Numbers, name, [&](const std::string& free) {
+ErrorCode TargetPath::MakeBelow(Level& above, Level& level, const std::string& path) {
+    NameChoice name(rules_, path, NarrowText(level.Item.Name));
+    const ErrorCode code = name.Take(above.Numbers, [&](const std::string& free) {
         return above.Handle->MakeSubfolder(free, level.Owned);
     });
     level.Handle = level.Owned.get();
+    level.Skipped = name.Skipped();
     level.Failed = code != kErrorNone;
-    if (!level.Failed) {
-        level.MadeName = name;
-        made_.Add(level.Item, name);
+    if (level.Skipped) {
+        made_.Skip(level.Item);
+    } else if (!level.Failed) {
+        level.MadeName = name.Name();
+        made_.Add(level.Item, name.Name());
     }
     return code;
 }

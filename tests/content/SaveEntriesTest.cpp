@@ -33,6 +33,7 @@ public:
     ErrorCode OpenSubfolder(const std::string&, std::unique_ptr<TargetFolder>&) override {
         return kErrorNone;
     }
+    [[nodiscard]] bool Has(const std::string&) const override { return false; }
     ErrorCode CreateFile(const std::string&, std::unique_ptr<File>& file) override {
         file = Content.Open();
         return kErrorNone;
@@ -77,7 +78,7 @@ protected:
     SaveTotals ScanAndSave(const std::vector<std::string>& paths = {""}, bool deletedOnly = false) {
         Scan();
         SaveOptions options;
-        options.DeletedOnly = deletedOnly;
+        options.Reach = deletedOnly ? SaveReach::DeletedOnly : SaveReach::All;
         std::unique_ptr<TargetFolder> target;
         EXPECT_EQ(TargetFolder::OpenTargetFolder(Target, true, target), kErrorNone);
         EntrySaver saver(std::move(target), Listener, options);

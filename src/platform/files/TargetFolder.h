@@ -44,6 +44,9 @@ public:
     /// caller owns `folder`, as above.
     virtual ErrorCode OpenSubfolder(const std::string& name, std::unique_ptr<TargetFolder>& folder) = 0;
 
+    /// True where anything stands under a name.
+    [[nodiscard]] virtual bool Has(const std::string& name) const = 0;
+
     /// Creates a file for writing. Fails with kErrorFileExists where anything stands under the name. The
     /// caller owns `file`, null on failure, and asks its Close how the writing went.
     virtual ErrorCode CreateFile(const std::string& name, std::unique_ptr<File>& file) = 0;

@@ -37,6 +37,7 @@ constexpr CodeText kTexts[] = {
     {kErrorFileTooLarge, "The file size exceeds the limit allowed and cannot be saved."},
     {kErrorDirectory, "The directory name is invalid."},
     {kErrorIoDevice, "The request could not be performed because of an I/O device error."},
+    {kErrorCancelled, "The operation was canceled by the user."},
     {kErrorInvalidUserBuffer, "The supplied user buffer is not valid for the requested operation."},
 };
 

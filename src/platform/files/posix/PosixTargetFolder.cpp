@@ -106,6 +106,12 @@ public:
         return error;
     }
 
+    [[nodiscard]] bool Has(const std::string& name) const override {
+        struct stat status {};
+        return IsPlainName(name) &&
+               ::fstatat(descriptor_.Get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    }
+
     ErrorCode CreateFile(const std::string& name, std::unique_ptr<File>& file) override {
         file.reset();
         FileDescriptor created;
