@@ -9,6 +9,7 @@ namespace thntfs {
 int RunPartitions(const Options& options);
 int RunScan(const Options& options);
 int RunList(const Options& options);
+int RunFind(const Options& options);
 int RunCat(const Options& options);
 int RunSave(const Options& options);
 int RunDisks(const Options& options);

@@ -15,6 +15,8 @@ int RunCommand(const thntfs::Options& options) {
         return thntfs::RunScan(options);
     case thntfs::Command::List:
         return thntfs::RunList(options);
+    case thntfs::Command::Find:
+        return thntfs::RunFind(options);
     case thntfs::Command::Cat:
         return thntfs::RunCat(options);
     case thntfs::Command::Save:

@@ -1,6 +1,7 @@
 #include "cli/Options.h"
 
 #include "cli/ExitCode.h"
+#include "cli/FindOptions.h"
 #include "cli/Output.h"
 
 #include <CLI/CLI.hpp>
@@ -189,6 +190,21 @@ void AddList(CLI::App& app, Options& options) {
     command->callback([&options] { options.Chosen = Command::List; });
 }
 
+void AddFind(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand(
+        "find", "List the entries whose names match a pattern, such as '*.jpg', wherever they are");
+    AddMedium(*command, options);
+    command
+        ->add_option(
+            "PATTERN", options.Criteria.Pattern,
+            "'*' stands for any letters, '?' for any one; quote it, so that the shell leaves it alone")
+        ->required();
+    AddFindCriteria(*command, options.Criteria);
+    AddPartition(*command, options);
+    command->add_flag("-d,--deleted", options.Criteria.DeletedOnly, "Deleted entries only");
+    command->callback([&options] { options.Chosen = Command::Find; });
+}
+
 void AddCat(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("cat", "Write one file's bytes to standard output");
     AddMedium(*command, options);
@@ -277,8 +293,8 @@ void AddClone(CLI::App& app, Options& options) {
 void TellMissingCommand(int argc, const char* const* argv) {
     PrintMessage(argc > 1 ? "'" + std::string(argv[1]) + "' is no command of this program."
                           : "Tell what is to be done with which disk or image.");
-    PrintMessage(
-        "The commands are disks, partitions, scan, list, cat, save, image and clone; --help explains them.");
+    PrintMessage("The commands are disks, partitions, scan, list, find, cat, save, image and clone; --help "
+                 "explains them.");
 }
 
 } // namespace
@@ -300,6 +316,7 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
     AddPartitions(app, options);
     AddScan(app, options);
     AddList(app, options);
+    AddFind(app, options);
     AddCat(app, options);
     AddSave(app, options);
     AddImage(app, options);

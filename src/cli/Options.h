@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Conditions.h"
+#include "catalogue/FindCriteria.h"
 #include "partitions/PartitionSearch.h"
 
 #include <cstdint>
@@ -10,7 +11,7 @@
 
 namespace thntfs {
 
-enum class Command { None, Partitions, Scan, List, Cat, Save, Disks, Image, Clone };
+enum class Command { None, Partitions, Scan, List, Find, Cat, Save, Disks, Image, Clone };
 
 /// The words of one call of the terminal program.
 struct Options {
@@ -33,6 +34,7 @@ struct Options {
     bool Recursive = false;            ///< list
     bool Deleted = false;              ///< list, save: deleted entries alone
     ConditionSet Conditions = 0;       ///< list, save: files in these conditions alone
+    FindCriteria Criteria;             ///< find
     bool Streams = false;              ///< save: named streams too
     std::optional<std::string> Report; ///< save: file that gets a line of JSON a file
     std::string Target;                ///< save: the folder to save to; image, clone: where the copy goes

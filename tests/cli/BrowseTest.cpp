@@ -58,6 +58,20 @@ TEST_F(BrowseTest, ListGivesFoldersAndWhatIsBelow) {
                                              "D             16  2024-02-29  whole        /Letters/one.txt\n");
 }
 
+TEST_F(BrowseTest, FindListsWhatMatchesWhereverItIs) {
+    EXPECT_EQ(PathsOf({"find", "ONE.*"}), (Paths{"/Letters/one.txt", "/Letters/one.txt"}));
+    EXPECT_EQ(PathsOf({"find", "*.txt", "--deleted", "--min-size", "14"}), (Paths{"/Letters/one.txt"}));
+    EXPECT_EQ(PathsOf({"find", "o*", "--accessed", "2024-03-01"}), (Paths{"/Letters/one.txt"}));
+    EXPECT_EQ(PathsOf({"find", "o*", "--created", "2024-03-01:"}), Paths());
+    EXPECT_EQ(PathsOf({"find", "t*", "--created", ":2024-02-29", "--max-size", "1K"}),
+              (Paths{"/Letters/Old/two.txt"}));
+    EXPECT_TRUE(
+        Run({"find", "ONE.*"}, {"--match-case"}, 0, "Nothing on the volume matches ONE.*").Out.empty());
+    for (const char* days : {"2024-02-30", ":", "2024-1-01", "1979-12-31:", "2024-01-01:2024-01-02:"}) {
+        Run({"find", "*"}, {"--created", days}, 2, "names no days");
+    }
+}
+
 TEST_F(BrowseTest, CatTakesTheLiveOneOfSeveral) {
     EXPECT_EQ(Run({"cat", "/Letters/one.txt"}, {}, 0,
                   "2 files have the path /Letters/one.txt; this is record 41, live")

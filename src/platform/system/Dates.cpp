@@ -1,6 +1,8 @@
 #include "platform/system/Dates.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 
 namespace thntfs {
@@ -68,6 +70,23 @@ std::string IsoDate(std::uint16_t dosDate) {
     PutTwoDigits(text, 5, month);
     PutTwoDigits(text, 8, day);
     return text;
+}
+
+// All that can be written is what is read back.
+std::uint16_t DosDateOfIso(std::string_view text) {
+    constexpr std::size_t kDigits = 4;
+    unsigned year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    const auto read = [text](std::size_t from, std::size_t count, unsigned& number) {
+        const std::string_view part = text.substr(std::min(from, text.size()), count);
+        return std::from_chars(part.data(), part.data() + part.size(), number).ptr == part.data() + count;
+    };
+    if (!read(0, kDigits, year) || !read(5, 2, month) || !read(8, 2, day) || year < kFirstYear) {
+        return 0;
+    }
+    const auto date = static_cast<std::uint16_t>((year - kFirstYear) << 9U | month << 5U | day);
+    return IsoDate(date) == text ? date : std::uint16_t{0};
 }
 
 std::string LogTimeText(const std::tm& local) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <ctime>
 #include <string>
+#include <string_view>
 
 namespace thntfs {
 
@@ -19,6 +20,9 @@ struct FileDates {
 
 /// "YYYY-MM-DD" of a DOS date, empty where it is 0 or no date of the calendar.
 std::string IsoDate(std::uint16_t dosDate);
+
+/// DOS date of "YYYY-MM-DD", 0 where that is no date of the calendar from 1980 to 2107.
+std::uint16_t DosDateOfIso(std::string_view text);
 
 /// A time as "Thu Nov 19 2026 06:21:28": the layout of the process log's time column. A day below 10 has a
 /// second space before it, as in "Mon Nov  9".
