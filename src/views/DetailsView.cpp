@@ -15,7 +15,8 @@ namespace {
 
 constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100};
 constexpr int kIconPixels = 16;
-constexpr int kScrolledNameRoom = 80; // beyond the title
+constexpr int kNarrowNameRoom = 80; // beyond the title
+constexpr int kNarrowest = 40;
 
 } // namespace
 
@@ -40,6 +41,12 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
     connect(header(), &QHeaderView::sectionResized, this, [this] {
         if (!fitting_) {
             RememberShares();
+            dividedByUser_ = true;
+        }
+    });
+    connect(model, &QAbstractItemModel::modelReset, this, [this] {
+        if (!dividedByUser_) {
+            FitColumns();
         }
     });
 }
@@ -56,34 +63,50 @@ void CDetailsView::RememberShares() {
     }
 }
 
-// What a column's share has beyond its title. Where all have enough, each gets just its share.
-std::vector<double> CDetailsView::RoomBeyondTitles() const {
+// As wide as its title, where there is room for all. In a narrow view as wide as what stands in it, for a cut
+// title can still be guessed and a cut number can't, and the names get enough to be read.
+std::vector<int> CDetailsView::LeastWidths() const {
+    std::vector<int> widths;
+    for (int column = 0; column < FileListModel::kColumns; ++column) {
+        widths.push_back(header()->sectionSizeHint(column));
+    }
+    if (std::accumulate(widths.begin(), widths.end(), 0) > viewport()->width()) {
+        for (int column = 0; column < FileListModel::kColumns; ++column) {
+            int& width = widths[static_cast<std::size_t>(column)];
+            width = std::min(width, std::max(kNarrowest, sizeHintForColumn(column)));
+        }
+        widths[FileListModel::kName] = header()->sectionSizeHint(FileListModel::kName) + kNarrowNameRoom;
+    }
+    return widths;
+}
+
+// What each column would like beyond its least width: its share, and its title whole.
+std::vector<double> CDetailsView::WishedRoom(const std::vector<int>& leastWidths) const {
     std::vector<double> room;
     for (int column = 0; column < FileListModel::kColumns; ++column) {
-        const double share = shares_[static_cast<std::size_t>(column)] * viewport()->width();
-        room.push_back(std::max(0.0, share - header()->sectionSizeHint(column)));
+        const auto place = static_cast<std::size_t>(column);
+        const double wish =
+            std::max<double>(shares_[place] * viewport()->width(), header()->sectionSizeHint(column));
+        room.push_back(std::max(0.0, wish - leastWidths[place]));
     }
     return room;
 }
 
-// Each column ends where the sum says, so that the rounding never adds up. Where the view must be scrolled
-// anyway, the names get enough to be read.
+// Each column ends where the sum says, so that the rounding never adds up.
 void CDetailsView::FitColumns() {
     fitting_ = true;
-    const std::vector<double> room = RoomBeyondTitles();
-    int titles = 0;
+    const std::vector<int> least = LeastWidths();
+    const std::vector<double> room = WishedRoom(least);
+    const double wished = std::max(1.0, std::accumulate(room.begin(), room.end(), 0.0));
+    const int left = viewport()->width() - std::accumulate(least.begin(), least.end(), 0);
+    const double part = std::max(0, left) / wished;
+    double end = 0;
+    int start = 0;
     for (int column = 0; column < FileListModel::kColumns; ++column) {
-        titles += header()->sectionSizeHint(column);
-    }
-    const double wanted = std::max(1.0, std::accumulate(room.begin(), room.end(), 0.0));
-    const double part = std::max(0, viewport()->width() - titles) / wanted;
-    double end = viewport()->width() < titles ? kScrolledNameRoom : 0;
-    int left = 0;
-    for (int column = 0; column < FileListModel::kColumns; ++column) {
-        end += header()->sectionSizeHint(column) + room[static_cast<std::size_t>(column)] * part;
+        end += least[static_cast<std::size_t>(column)] + room[static_cast<std::size_t>(column)] * part;
         const int right = static_cast<int>(std::lround(end));
-        header()->resizeSection(column, right - left);
-        left = right;
+        header()->resizeSection(column, right - start);
+        start = right;
     }
     fitting_ = false;
 }

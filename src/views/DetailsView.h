@@ -18,10 +18,12 @@ protected:
 private:
     void FitColumns();
     void RememberShares();
-    [[nodiscard]] std::vector<double> RoomBeyondTitles() const;
+    [[nodiscard]] std::vector<int> LeastWidths() const;
+    [[nodiscard]] std::vector<double> WishedRoom(const std::vector<int>& leastWidths) const;
 
     std::vector<double> shares_; ///< of each column in the width of the view
     bool fitting_ = false;
+    bool dividedByUser_ = false;
 };
 
 } // namespace thntfs

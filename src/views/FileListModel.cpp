@@ -187,6 +187,7 @@ QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int
     }
     switch (role) {
     case Qt::DisplayRole:
+    case Qt::ToolTipRole: // for where it is cut
         return QString::fromLatin1(kLooks.at(static_cast<std::size_t>(section)).Title);
     case Qt::TextAlignmentRole:
         return AlignmentOf(section);

@@ -9,7 +9,8 @@ namespace thntfs {
 
 namespace {
 
-constexpr int kColumnWidth = 100;
+constexpr int kNarrowestName = 100;
+constexpr int kWidestColumn = 27; // in letters
 constexpr QSize kIconSize{16, 16};
 constexpr int kRowMargin = 4;
 
@@ -28,7 +29,6 @@ CRowTable::CRowTable(QWidget* parent, const QStringList& titles)
     verticalHeader()->setDefaultSectionSize(std::max(fontMetrics().height(), kIconSize.height()) +
                                             kRowMargin);
     QHeaderView* header = horizontalHeader();
-    header->setMinimumSectionSize(kColumnWidth);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
     header->setStretchLastSection(true);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -42,8 +42,22 @@ void CRowTable::AddRow(const QStringList& texts, const QIcon& icon, bool canBeCh
         auto* cell = new QTableWidgetItem(texts[column]);
         cell->setFlags(canBeChosen ? cell->flags() : Qt::NoItemFlags);
         setItem(row, column, cell);
+        setRowHeight(row, std::max(rowHeight(row), TextHeight(texts[column]) + kRowMargin));
     }
     item(row, 0)->setIcon(icon);
+}
+
+int CRowTable::WidestColumn() const { return kWidestColumn * fontMetrics().averageCharWidth(); }
+
+// In the widest column, beside an icon, what is longer goes on in a further line.
+int CRowTable::TextHeight(const QString& text) const {
+    const QRect room(0, 0, WidestColumn() - 2 * kIconSize.width(), 0);
+    return fontMetrics().boundingRect(room, Qt::TextWordWrap, text).height();
+}
+
+int CRowTable::sizeHintForColumn(int column) const {
+    const int least = column == 0 ? kNarrowestName : 0;
+    return std::clamp(QTableWidget::sizeHintForColumn(column), least, WidestColumn());
 }
 
 // With the focus the base class makes the first row the current one without selecting it. A key would step

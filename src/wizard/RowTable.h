@@ -16,9 +16,12 @@ public:
     [[nodiscard]] int SelectedRow() const;
 
 protected:
+    [[nodiscard]] int sizeHintForColumn(int column) const override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    [[nodiscard]] int WidestColumn() const;
+    [[nodiscard]] int TextHeight(const QString& text) const;
     [[nodiscard]] int FirstChoosableRow() const;
 };
 

@@ -19,6 +19,8 @@ namespace thntfs {
 
 namespace {
 
+constexpr int kListWidth = 121; // in letters, for all columns
+
 QStringList RowTexts(const QString& name, const QString& start, std::uint64_t bytes) {
     return {name, start, QString::fromStdString(SizeText(bytes))};
 }
@@ -91,6 +93,7 @@ CWizardPartitionListPage::CWizardPartitionListPage(WizardState& state, WizardPag
                                QStringLiteral("Verified"), QStringLiteral("Found by"),
                                QStringLiteral("Label"), QStringLiteral("Records")})) {
     list_->setAccessibleName(QStringLiteral("Logical drives"));
+    list_->setMinimumWidth(kListWidth * fontMetrics().averageCharWidth());
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(list_);
     setFocusProxy(list_);

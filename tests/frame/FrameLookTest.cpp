@@ -83,6 +83,7 @@ TEST_F(FrameLook, NarrowWindowLeavesRoomForTheProgressBar) {
     EXPECT_EQ(Frame->width(), 800);
     EXPECT_GT(bar.width(), 60);
     EXPECT_GT(Details().columnWidth(0), 150); // names can be read
+    EXPECT_EQ(Details().header()->length(), Details().viewport()->width());
 }
 
 TEST_F(FrameLook, BarsAreHiddenAndShownAndTheirLinesMarked) {

@@ -7,6 +7,7 @@
 #include "support/VolumeBuilderMedium.h"
 #include "wizard/SourceSteps.h"
 
+#include <QScrollBar>
 #include <QTableWidget>
 #include <filesystem>
 #include <fstream>
@@ -103,6 +104,8 @@ TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
         EXPECT_EQ(Buttons(), "< Back Next >");
         Press("Next >");
         EXPECT_EQ(RowsShown(*Sheet), rows);
+        EXPECT_EQ(OnPage<QTableWidget>().horizontalScrollBar()->maximum(), 0) << "all columns are in view";
+        EXPECT_GT(OnPage<QTableWidget>().rowHeight(0), OnPage<QTableWidget>().rowHeight(1)) << "two lines";
         ClickRow(0, 2);
         EXPECT_EQ(Buttons(), "< Back (Finish)") << "can't be chosen";
         QTest::keyClick(&OnPage<QTableWidget>(), Qt::Key_Down);
