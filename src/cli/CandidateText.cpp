@@ -2,44 +2,14 @@
 
 #include "cli/Output.h"
 #include "engine/EngineState.h"
-#include "platform/system/SizeText.h"
+#include "partitions/VolumeText.h"
 #include "platform/system/Text.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace thntfs {
 
 namespace {
-
-std::string SerialText(std::uint64_t serial) {
-    std::array<char, 17> text{};
-    std::snprintf(text.data(), text.size(), "%016llX", static_cast<unsigned long long>(serial));
-    return text.data();
-}
-
-std::string SizeInSectors(std::uint64_t totalSectors) {
-    return std::to_string(totalSectors) + " sectors (" +
-           ByteText(totalSectors * Engine.SourceDisk.BytesPerSector) + ")";
-}
-
-std::string PlaceText(std::uint64_t startSector, std::uint64_t totalSectors) {
-    return "start sector " + std::to_string(startSector) + ", " + SizeInSectors(totalSectors);
-}
-
-std::string PlaceText(const PartitionCandidate& candidate) {
-    const std::uint64_t before = SectorsBeforeMedium(candidate);
-    return before == 0 ? PlaceText(candidate.StartSector, candidate.TotalSectors)
-                       : "begins " + CountText(before, "sector", "sectors") + " before the medium, " +
-                             SizeInSectors(candidate.TotalSectors);
-}
-
-std::string UnusableText(const TableVolume& entry) {
-    const std::string place = entry.TotalSectors == 0 ? "start sector " + std::to_string(entry.StartSector)
-                                                      : PlaceText(entry.StartSector, entry.TotalSectors);
-    return place + ": " + ProblemText(entry.State);
-}
 
 const char* SourceWord(VolumeSource source) {
     switch (source) {
@@ -58,30 +28,6 @@ const char* SourceWord(VolumeSource source) {
     }
 }
 
-std::string FactsText(const VolumeFacts& facts) {
-    std::string text = ", " + SourceText(facts.Source);
-    if (!facts.Examined) {
-        return text;
-    }
-    if (!facts.Verified) {
-        return text + ", not verified: no file table stands where it should";
-    }
-    text += ", verified, " + CountText(facts.Records, "record", "records");
-    if (!facts.Label.empty()) {
-        text += ", label \"";
-        AppendPrintable(text, NarrowText(facts.Label));
-        text += '"';
-    }
-    return text;
-}
-
-std::string CandidateText(unsigned number, const PartitionCandidate& candidate, const VolumeFacts& facts) {
-    return std::to_string(number) + "  " + PlaceText(candidate) + ", clusters of " +
-           std::to_string(candidate.ClusterBytes) + " bytes, records of " +
-           std::to_string(candidate.FileRecordBytes) + " bytes, serial " +
-           SerialText(candidate.VolumeSerial) + FactsText(facts);
-}
-
 nlohmann::ordered_json CandidateJson(unsigned number, const PartitionCandidate& candidate,
                                      const VolumeFacts& facts) {
     nlohmann::ordered_json json = {{"number", number},
@@ -95,7 +41,7 @@ nlohmann::ordered_json CandidateJson(unsigned number, const PartitionCandidate& 
                                    {"mftSector", candidate.MftSector},
                                    {"mftCluster", candidate.MftCluster},
                                    {"mftMirrCluster", candidate.MftMirrCluster},
-                                   {"serial", SerialText(candidate.VolumeSerial)},
+                                   {"serial", VolumeSerialText(candidate.VolumeSerial)},
                                    {"evidence", candidate.EvidenceFlags},
                                    {"table", SourceWord(facts.Source)},
                                    {"verified", facts.Verified},
@@ -116,13 +62,6 @@ const ListedVolume* FoundElsewhere(const std::vector<ListedVolume>& volumes, con
 }
 
 } // namespace
-
-std::string VolumeText(const ListedVolume& volume) {
-    if (volume.Candidate != nullptr) {
-        return CandidateText(volume.Number, *volume.Candidate, volume.Facts);
-    }
-    return std::to_string(volume.Number) + "  " + UnusableText(volume.Entry);
-}
 
 nlohmann::ordered_json VolumeJson(const ListedVolume& volume) {
     if (volume.Candidate != nullptr) {

@@ -1,5 +1,6 @@
 #include "cli/CopyReport.h"
 
+#include "disktools/CopySums.h"
 #include "engine/EngineState.h"
 #include "platform/system/SizeText.h"
 
@@ -16,11 +17,6 @@ struct SectorRange {
     std::uint64_t First = 0;
     std::uint64_t Count = 0;
 };
-
-std::uint64_t SectorsOf(std::uint64_t bytes) {
-    const std::uint64_t sectorBytes = Engine.SourceDisk.BytesPerSector;
-    return (bytes + sectorBytes - 1) / sectorBytes;
-}
 
 template <typename Take>
 void ForEachBadRange(const CopyMap& map, Take take) {
@@ -54,21 +50,19 @@ void PutBadRanges(Output& output, const CopyReport& report, const CopyMap& map) 
 }
 
 void PutText(Output& output, const CopyReport& report, const CopyMap& map) {
-    const std::uint64_t total = SectorsOf(map.TotalBytes());
-    const std::uint64_t bad = SectorsOf(map.BytesOf(AreaState::Bad));
-    const std::uint64_t unread = SectorsOf(map.BytesOf(AreaState::Unread));
+    const CopySums sums = SumsOf(map);
     std::string text = report.Work + (report.Failed || report.Stopped ? " Aborted\n" : " Completed\n");
-    text += std::to_string(total - bad - unread) + " of " + CountText(total, "sector", "sectors") + " (" +
+    text += std::to_string(sums.Copied()) + " of " + CountText(sums.Total, "sector", "sectors") + " (" +
             ByteText(map.TotalBytes()) + ") copied to ";
     AppendPrintable(text, report.Target);
     text += "\n";
-    if (unread != 0) {
-        text += CountText(unread, "sector has", "sectors have") + " not been read yet";
+    if (sums.Unread != 0) {
+        text += CountText(sums.Unread, "sector has", "sectors have") + " not been read yet";
         text += report.MapPath.empty() ? "\n" : "; --resume goes on from here\n";
     }
-    if (bad != 0) {
-        text += CountText(bad, "sector", "sectors") + " could not be read and " + (bad == 1 ? "is" : "are") +
-                " zeros in the copy:\n";
+    if (sums.Bad != 0) {
+        text += CountText(sums.Bad, "sector", "sectors") + " could not be read and " +
+                (sums.Bad == 1 ? "is" : "are") + " zeros in the copy:\n";
     }
     output.Put(text);
     PutBadRanges(output, report, map);
@@ -80,9 +74,7 @@ void PutText(Output& output, const CopyReport& report, const CopyMap& map) {
 }
 
 void PutReportJson(Output& output, const CopyReport& report, const CopyMap& map) {
-    const std::uint64_t total = SectorsOf(map.TotalBytes());
-    const std::uint64_t bad = SectorsOf(map.BytesOf(AreaState::Bad));
-    const std::uint64_t unread = SectorsOf(map.BytesOf(AreaState::Unread));
+    const CopySums sums = SumsOf(map);
     auto ranges = nlohmann::ordered_json::array();
     ForEachBadRange(map, [&ranges](const SectorRange& range) {
         ranges.push_back({{"first", range.First}, {"count", range.Count}});
@@ -92,12 +84,12 @@ void PutReportJson(Output& output, const CopyReport& report, const CopyMap& map)
         {"source", report.Source},
         {"target", report.Target},
         {"bytesPerSector", Engine.SourceDisk.BytesPerSector},
-        {"sectors", total},
-        {"copiedSectors", total - bad - unread},
-        {"badSectors", bad},
-        {"unreadSectors", unread},
+        {"sectors", sums.Total},
+        {"copiedSectors", sums.Copied()},
+        {"badSectors", sums.Bad},
+        {"unreadSectors", sums.Unread},
         {"badRanges", ranges},
-        {"complete", unread == 0 && !report.Failed},
+        {"complete", sums.Unread == 0 && !report.Failed},
         {"map", report.MapPath.empty() ? none : nlohmann::ordered_json(report.MapPath)}};
     output.Put(object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
 }

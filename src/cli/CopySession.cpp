@@ -4,6 +4,7 @@
 #include "cli/ExitCode.h"
 #include "cli/OpenMediumStep.h"
 #include "cli/Output.h"
+#include "disktools/CopyRules.h"
 #include "engine/EngineState.h"
 #include "platform/system/Interrupt.h"
 
@@ -28,33 +29,39 @@ int CopySession::OpenSourceDisk() {
     if (const int code = OpenMediumOrTell(options_.Medium); code != kExitDone) {
         return code;
     }
-    if (Engine.SourceDisk.TotalSectors == 0) {
-        return Refuse(options_.Medium + " is empty: there is not one sector to copy.");
+    if (const CopyVerdict verdict = CheckSource(options_.Medium); !verdict.Allowed()) {
+        return Refuse(CopyRefusalText(verdict, options_.Medium));
     }
     return kExitDone;
 }
 
-void CopySession::Begin() { SetUnlessInterrupted(Engine.ScanRunFlag); }
-
-void CopySession::BeginPart(const std::string& label) {
-    Engine.ProgressDone = 0;
-    Engine.ProgressTotal = 0;
-    Host.Bar.Begin(label, ProgressBar::Unit::Sector, Engine.SourceDisk.BytesPerSector);
+void CopySession::Copy(CopyJob& job) {
+    SetUnlessInterrupted(Engine.ScanRunFlag);
+    end_ = RunCopy(job, [this](CopyPart part) { BeginPart(part); });
 }
 
-int CopySession::Finish(const CopyLedger& ledger, const std::string& mapPath) {
+void CopySession::BeginPart(CopyPart part) {
+    const char* work = work_ == CopyWork::Imaging ? "Imaging" : "Cloning";
+    Engine.ProgressDone = 0;
+    Engine.ProgressTotal = 0;
+    Host.Bar.Begin(part == CopyPart::Copying ? work : "Reading bad places again", ProgressBar::Unit::Sector,
+                   Engine.SourceDisk.BytesPerSector);
+}
+
+int CopySession::Finish(const CopyJob& job) {
     Host.Bar.End();
     Host.TellSuppressed();
     CopyReport report;
     report.Work = work_ == CopyWork::Imaging ? "Disk Imaging" : "Disk Cloning";
     report.Source = options_.Medium;
     report.Target = options_.Target;
-    report.MapPath = mapPath;
-    report.Failed = Host.HadFatal();
+    report.MapPath = job.MapPath;
+    report.Failed = end_ == CopyEnd::Failed;
     report.Stopped = Engine.ScanRunFlag == 0;
-    LogEnd(!report.Failed && !report.Stopped);
+    LogEnd(end_ == CopyEnd::Completed);
+    const CopyLedger& ledger = job.Ledger;
     if (ledger.MapFailure() != kErrorNone) {
-        PrintMessage("Cannot write " + mapPath + ": " + SystemErrorText(ledger.MapFailure()) +
+        PrintMessage("Cannot write " + job.MapPath + ": " + SystemErrorText(ledger.MapFailure()) +
                      " It tells less than has been read.");
     }
     Output output;

@@ -2,7 +2,7 @@
 
 #include "cli/Options.h"
 #include "cli/TerminalHost.h"
-#include "disktools/CopyLedger.h"
+#include "disktools/CopyJob.h"
 
 #include <string>
 
@@ -32,22 +32,21 @@ public:
     /// kExitDone.
     int OpenSourceDisk();
 
-    /// The job may run from here on, unless it has been stopped already.
-    void Begin();
-    /// A new bar: "Imaging", "Reading bad places again".
-    void BeginPart(const std::string& label);
+    /// Runs the job with a bar for each of its parts, unless it has been stopped already.
+    void Copy(CopyJob& job);
 
-    /// Ends the job: tells in the log and on standard output what came of it, and gives the exit code.
-    /// `mapPath` is empty where there is no map file.
-    int Finish(const CopyLedger& ledger, const std::string& mapPath);
+    /// Tells in the log and on standard output what came of the job, and gives the exit code.
+    int Finish(const CopyJob& job);
 
     CopyHost Host;
 
 private:
+    void BeginPart(CopyPart part);
     void LogEnd(bool completed) const;
 
     const Options& options_;
     CopyWork work_;
+    CopyEnd end_ = CopyEnd::Stopped;
 };
 
 } // namespace thntfs

@@ -2,22 +2,23 @@
 #include "cli/CopySession.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
-#include "disktools/CopyDisk.h"
 #include "disktools/ImageTarget.h"
 #include "engine/EngineState.h"
-#include "platform/media/DiskIdentity.h"
 
 namespace thntfs {
 
 namespace {
 
+void TellUnlessEmpty(const std::string& remark) {
+    if (!remark.empty()) {
+        PrintMessage(remark);
+    }
+}
+
 int OpenImageTarget(ImageTarget& target, const Options& options) {
     const CopyVerdict verdict = target.Open(options.Resume || options.Retries != 0, options.Resume);
     if (verdict.Allowed()) {
-        if (!target.OtherSource().empty()) {
-            PrintMessage(options.Target + " was begun from " + target.OtherSource() +
-                         "; what was copied of that stands on " + options.Medium + " too, so it goes on.");
-        }
+        TellUnlessEmpty(target.OriginRemark());
         return kExitDone;
     }
     PrintMessage(CopyRefusalText(verdict, options.Medium));
@@ -25,21 +26,6 @@ int OpenImageTarget(ImageTarget& target, const Options& options) {
         PrintMessage("--resume goes on with an image that was stopped.");
     }
     return kExitFailed;
-}
-
-void TakeImageOf(CopySession& session, ImageTarget& target, const Options& options) {
-    const std::uint64_t total = Engine.SourceDisk.TotalSectors;
-    session.Begin();
-    session.BeginPart("Imaging");
-    if (!target.IsOld()) {
-        CopyDisk(ImageTarget::Handle(), total, kCopyTransferSectors, &target.Ledger());
-    } else if (options.Resume) {
-        ResumeCopy(ImageTarget::Handle(), total, kCopyTransferSectors, target.Ledger());
-    }
-    if (options.Retries != 0 && Engine.ScanRunFlag != 0 && !session.Host.HadFatal()) {
-        session.BeginPart("Reading bad places again");
-        RetryBadSectors(ImageTarget::Handle(), options.Retries, target.Ledger());
-    }
 }
 
 } // namespace
@@ -53,12 +39,14 @@ int RunImage(const Options& options) {
     if (const int code = OpenImageTarget(target, options); code != kExitDone) {
         return code;
     }
-    if (IsMounted(options.Medium)) {
-        PrintMessage(options.Medium +
-                     " is mounted: what is written to it meanwhile may stand in the image in part.");
+    TellUnlessEmpty(MountedRemark(options.Medium));
+    CopyJob job = target.TakeJob();
+    job.Retries = options.Retries;
+    if (target.IsOld() && !options.Resume) {
+        job.Start = CopyStart::RetryOnly;
     }
-    TakeImageOf(session, target, options);
-    return session.Finish(target.Ledger(), target.MapPath());
+    session.Copy(job);
+    return session.Finish(job);
 }
 
 } // namespace thntfs

@@ -14,13 +14,8 @@ int OpenMediumOrTell(const std::string& path) {
     if (code == kErrorNone) {
         return kExitDone;
     }
-    if (code == kErrorDirectory) {
-        return Refuse(path + " is a folder. Give a disk, or a file that holds the image of one.");
-    }
-    PrintMessage("Cannot open " + path + ": " + OpenErrorText(code));
-    if (code == kErrorAccessDenied) {
-        PrintMessage(
-            "Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
+    for (const std::string& line : OpenFailureLines(path, code)) {
+        PrintMessage(line);
     }
     return kExitFailed;
 }

@@ -43,8 +43,4 @@ int Refuse(const std::string& text, int code) {
     return code;
 }
 
-std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {
-    return std::to_string(count) + " " + (count == 1 ? one : more);
-}
-
 } // namespace thntfs

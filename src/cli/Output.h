@@ -4,6 +4,7 @@
 #include "platform/system/Bytes.h"
 #include "platform/system/ErrorCodes.h"
 #include "platform/system/EscapedText.h"
+#include "platform/system/SizeText.h"
 
 #include <memory>
 #include <string>
@@ -59,8 +60,5 @@ void PrintMessage(std::string_view text);
 
 /// Prints a message and gives an exit code.
 int Refuse(const std::string& text, int code = kExitFailed);
-
-/// A number of things for people: "1 file", "2 files".
-std::string CountText(std::uint64_t count, const std::string& one, const std::string& more);
 
 } // namespace thntfs

@@ -7,6 +7,7 @@
 #include "engine/EngineState.h"
 #include "partitions/ExamineVolumes.h"
 #include "partitions/VolumeList.h"
+#include "partitions/VolumeText.h"
 #include "platform/system/Interrupt.h"
 
 #include <algorithm>

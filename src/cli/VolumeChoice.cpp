@@ -7,6 +7,7 @@
 #include "partitions/ExamineVolumes.h"
 #include "partitions/OpenSource.h"
 #include "partitions/VolumeList.h"
+#include "partitions/VolumeText.h"
 #include "platform/system/Interrupt.h"
 #include "scaninfo/JobLog.h"
 

@@ -38,7 +38,8 @@ public:
         try {
             CopyPieces(fromStart ? Piece{0, perTransfer_} : NextPiece());
             ledger_.Close(target_, Place());
-        } catch (const CUserException&) {
+        } catch (const CUserException& failure) {
+            ledger_.NoteFailure(failure.Code);
             KeepWhatIsThere();
             return Engine.ScanRunFlag != 0;
         }

@@ -36,6 +36,10 @@ public:
     /// Brings target and map file up to date at the end of a copy. Throws as Pass does.
     void Close(File& target, const CopyPlace& place);
 
+    /// A fatal failure of the source or the target has ended the copy.
+    void NoteFailure(ErrorCode code) { failure_ = code; }
+    [[nodiscard]] ErrorCode Failure() const { return failure_; }
+
     /// How the last writing of the map file ended. It may fail without harm to the copy: the file then tells
     /// less than is there.
     [[nodiscard]] ErrorCode MapFailure() const { return mapFailure_; }
@@ -48,6 +52,7 @@ private:
     std::string comment_;
     double seconds_ = 0;
     double nextSave_ = 0;
+    ErrorCode failure_ = kErrorNone;
     ErrorCode mapFailure_ = kErrorNone;
     bool targetLost_ = false; ///< what the target holds is not known any more
 };

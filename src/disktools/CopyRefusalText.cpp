@@ -44,6 +44,12 @@ std::string ImageText(const CopyVerdict& verdict) {
         return "Cannot make " + verdict.Path + ": " + SystemErrorText(verdict.Code);
     case CopyRefusal::CannotRead:
         return "Cannot read " + verdict.Path + ": " + SystemErrorText(verdict.Code);
+    case CopyRefusal::CannotWrite:
+        return "Cannot open " + verdict.Path + " for writing: " + SystemErrorText(verdict.Code);
+    case CopyRefusal::TargetHeld:
+        return verdict.Path + " is in use by the system.";
+    case CopyRefusal::SourceEmpty:
+        return verdict.Path + " is empty: there is not one sector to copy.";
     default:
         return "Cannot open " + verdict.Path + ": " + SystemErrorText(verdict.Code);
     }

@@ -43,6 +43,16 @@ CopyVerdict CheckCopyPlaces(const std::string& source, const std::string& target
     return IsMounted(target) ? Refused(CopyRefusal::TargetInUse, target) : CopyVerdict{};
 }
 
+CopyVerdict CheckSource(const std::string& path) {
+    return Engine.SourceDisk.TotalSectors == 0 ? Refused(CopyRefusal::SourceEmpty, path) : CopyVerdict{};
+}
+
+std::string MountedRemark(const std::string& source) {
+    return IsMounted(source)
+               ? source + " is mounted: what is written to it meanwhile may stand in the image in part."
+               : std::string();
+}
+
 CopyVerdict CheckTargetSize(const std::string& target, std::uint64_t targetBytes) {
     const std::uint64_t needed = BytesOfCopy();
     return targetBytes < needed ? RefusedForSize(CopyRefusal::TargetTooSmall, target, needed, targetBytes)

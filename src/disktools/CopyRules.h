@@ -35,7 +35,10 @@ enum class CopyRefusal {
     // The system's refusals: Code.
     CannotMake,
     CannotOpen,
-    CannotRead
+    CannotRead,
+    CannotWrite, ///< the target can't be opened for writing
+    TargetHeld,  ///< somebody else has the target to himself
+    SourceEmpty  ///< the source has not one sector
 };
 
 struct CopyVerdict {
@@ -54,11 +57,17 @@ struct CopyVerdict {
 /// exist.
 CopyVerdict CheckCopyPlaces(const std::string& source, const std::string& target);
 
+/// Whether SourceDisk, opened by this path, has anything to copy.
+CopyVerdict CheckSource(const std::string& path);
+
 /// Whether a target of so many bytes is large enough for a copy of SourceDisk.
 CopyVerdict CheckTargetSize(const std::string& target, std::uint64_t targetBytes);
 
 /// Whether there is room for an image of SourceDisk and its map, of which `bytesThere` are written already.
 CopyVerdict CheckImageRoom(const std::string& image, std::uint64_t bytesThere);
+
+/// What there is to mind where the source is in use, in a sentence; empty where it isn't.
+std::string MountedRemark(const std::string& source);
 
 /// What a refusal says to the user, in full sentences: what is in the way and what to do. `source` is the
 /// path of the medium that was to be copied.

@@ -94,7 +94,7 @@ CopyVerdict ImageTarget::MakeNew() {
     if (CopyVerdict verdict = CheckImageRoom(image_, 0); !verdict.Allowed()) {
         return verdict;
     }
-    TakeLedger(CopyMap(SourceBytes()));
+    MakeLedger(CopyMap(SourceBytes()));
     ErrorCode code = ledger_->Begin({});
     if (code != kErrorNone) {
         return Failed(CopyRefusal::CannotMake, mapPath_, code);
@@ -124,7 +124,7 @@ CopyVerdict ImageTarget::OpenOld() {
     }
     CopyVerdict verdict = CheckOld(*saved);
     if (verdict.Allowed()) {
-        TakeLedger(std::move(saved->Map));
+        MakeLedger(std::move(saved->Map));
     }
     return verdict;
 }
@@ -179,8 +179,24 @@ CopyVerdict ImageTarget::Failed(CopyRefusal why, const std::string& path, ErrorC
     return verdict;
 }
 
-void ImageTarget::TakeLedger(CopyMap map) {
+void ImageTarget::MakeLedger(CopyMap map) {
     ledger_.emplace(std::move(map), mapPath_, MapComment(AbsolutePath(source_), serial_));
+}
+
+std::string ImageTarget::OriginRemark() const {
+    return otherSource_.empty()
+               ? otherSource_
+               : image_ + " was begun from " + otherSource_ + "; what was copied of that stands on " +
+                     source_ + " too, so it goes on.";
+}
+
+CopyJob ImageTarget::TakeJob() {
+    return {.SourcePath = source_,
+            .TargetPath = image_,
+            .MapPath = mapPath_,
+            .Ledger = std::move(*ledger_),
+            .TotalSectors = Engine.SourceDisk.TotalSectors,
+            .Start = isOld_ ? CopyStart::GoOn : CopyStart::Anew};
 }
 
 } // namespace thntfs

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "disktools/CopyLedger.h"
+#include "disktools/CopyJob.h"
 #include "disktools/CopyMapFile.h"
 #include "disktools/CopyRules.h"
 
@@ -26,15 +26,19 @@ public:
 
     // Once Open has succeeded.
 
-    /// Path that the image was begun from, where that isn't the source's: the contents are the same, and
-    /// names of devices change. Else empty.
-    [[nodiscard]] const std::string& OtherSource() const { return otherSource_; }
+    /// What to tell where the image was begun from another path than the source's: the contents are the same,
+    /// and names of devices change. Else empty.
+    [[nodiscard]] std::string OriginRemark() const;
 
-    /// Engine.TargetDisk owns the file.
-    [[nodiscard]] static File& Handle();
-    [[nodiscard]] CopyLedger& Ledger() { return *ledger_; }
+    /// The account of what is in the image already.
+    [[nodiscard]] const CopyMap& Map() const { return ledger_->Map(); }
+
+    /// The copy into the image, which Engine.TargetDisk has open: from the start of a new one, else on from
+    /// where it was. Once; the account goes over to it.
+    CopyJob TakeJob();
 
 private:
+    [[nodiscard]] static File& Handle();
     [[nodiscard]] bool MapIsOfNothing() const;
     CopyVerdict MakeNew();
     CopyVerdict OpenOld();
@@ -42,7 +46,7 @@ private:
     CopyVerdict CheckContents(const SavedMap& saved);
     [[nodiscard]] CopyVerdict Refused(CopyRefusal why, std::string detail = {}) const;
     [[nodiscard]] CopyVerdict Failed(CopyRefusal why, const std::string& path, ErrorCode code) const;
-    void TakeLedger(CopyMap map);
+    void MakeLedger(CopyMap map);
 
     std::string source_;
     std::string image_;

@@ -98,7 +98,8 @@ bool RetryBadSectors(File& target, unsigned passes, CopyLedger& ledger) {
     BadSectorRetry retry(target, ledger);
     try {
         retry.Run(passes);
-    } catch (const CUserException&) {
+    } catch (const CUserException& failure) {
+        ledger.NoteFailure(failure.Code);
         retry.KeepWhatIsThere();
     }
     return Engine.ScanRunFlag != 0;

@@ -8,6 +8,7 @@
 #include "engine/TableVolume.h"
 #include "engine/VolumeFacts.h"
 #include "platform/system/BigBlock.h"
+#include "platform/system/ErrorCodes.h"
 
 #include <atomic>
 #include <cstdint>
@@ -25,8 +26,10 @@ class PagedFile;
 struct TableMap;
 
 /// A fatal failure of the medium or of the catalogue. The user has seen its text in a box before it is
-/// thrown, so it holds no data. Decoding passes it on, scans catch it.
-struct CUserException {};
+/// thrown. Decoding passes it on, scans catch it.
+struct CUserException {
+    ErrorCode Code = kErrorNone;
+};
 
 /// All that the engine works on. One exists, `Engine`. One job at a time uses it, on one thread.
 struct EngineState {

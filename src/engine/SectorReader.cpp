@@ -80,7 +80,7 @@ bool JobMayGoOn() {
 
 void RaiseFatal(ErrorCode code) {
     Host().ErrorBox(SystemErrorText(code));
-    throw CUserException();
+    throw CUserException{code};
 }
 
 ErrorCode ReadSectorsOnce(Bytes buffer, std::uint64_t firstSector) {

@@ -122,6 +122,18 @@ std::string OpenErrorText(ErrorCode code) {
                : SystemErrorText(code);
 }
 
+std::vector<std::string> OpenFailureLines(const std::string& path, ErrorCode code) {
+    if (code == kErrorDirectory) {
+        return {path + " is a folder. Give a disk, or a file that holds the image of one."};
+    }
+    std::vector<std::string> lines = {"Cannot open " + path + ": " + OpenErrorText(code)};
+    if (code == kErrorAccessDenied) {
+        lines.emplace_back(
+            "Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
+    }
+    return lines;
+}
+
 MediumAnswer AskMedium() {
     MediumAnswer answer;
     answer.FirstSector = ReadOneSector(0);

@@ -3,6 +3,7 @@
 #include "platform/system/ErrorCodes.h"
 
 #include <string>
+#include <vector>
 
 namespace thntfs {
 
@@ -26,6 +27,9 @@ ErrorCode TakeSource(const std::string& path);
 
 /// The text for a code that one of them gave.
 std::string OpenErrorText(ErrorCode code);
+
+/// What a user is told whose medium can't be opened, a sentence or two a line.
+std::vector<std::string> OpenFailureLines(const std::string& path, ErrorCode code);
 
 /// True where SourceDisk is a device and not an image file.
 bool SourceIsDevice();

@@ -14,4 +14,8 @@ class File;
 /// device is opened for anything but reading. The caller owns `file`, null on failure.
 ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file);
 
+/// Has the system read anew which partitions a disk has, once nobody has it open for himself any more. A file
+/// has none. Gives the failure: the disk may be in use, or of a kind that the system sees no partitions on.
+ErrorCode RereadPartitions(const std::string& path);
+
 } // namespace thntfs

@@ -31,7 +31,7 @@ std::string DecimalText(double number, int decimals) {
     return {text.data(), end.ptr};
 }
 
-std::string CountText(std::uint64_t bytes, const Unit& unit, int decimals) {
+std::string UnitText(std::uint64_t bytes, const Unit& unit, int decimals) {
     return DecimalText(static_cast<double>(bytes) / static_cast<double>(unit.Bytes), decimals);
 }
 
@@ -39,7 +39,7 @@ std::string CountText(std::uint64_t bytes, const Unit& unit, int decimals) {
 
 std::string SizeText(std::uint64_t bytes) {
     const Unit& unit = UnitOf(bytes);
-    const std::string number = CountText(bytes, unit, 3);
+    const std::string number = UnitText(bytes, unit, 3);
     const std::size_t blanks = kNumberWidth - std::min(kNumberWidth, number.size());
     return std::string(blanks, ' ') + number + ' ' + unit.Name;
 }
@@ -49,7 +49,7 @@ std::string ByteText(std::uint64_t bytes) {
     if (bytes < unit.Bytes) {
         return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
     }
-    return CountText(bytes, unit, 1) + ' ' + unit.Name;
+    return UnitText(bytes, unit, 1) + ' ' + unit.Name;
 }
 
 // In the precision of a float.
@@ -70,6 +70,10 @@ std::string StretchSizeText(std::uint64_t bytes) {
         bytes / unit.Bytes * 100 + (bytes % unit.Bytes * 100 + unit.Bytes / 2) / unit.Bytes;
     return std::to_string(hundredths / 100) + '.' + std::to_string(hundredths / 10 % 10) +
            std::to_string(hundredths % 10) + ' ' + unit.Name;
+}
+
+std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {
+    return std::to_string(count) + " " + (count == 1 ? one : more);
 }
 
 } // namespace thntfs

@@ -6,7 +6,10 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace thntfs {
@@ -47,6 +50,24 @@ ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file) {
     }
     file = MakePosixFile(std::move(descriptor));
     return Files().Admit(file);
+}
+
+// What watches for changed disks may have this one open for a moment.
+ErrorCode RereadPartitions(const std::string& path) {
+    constexpr int kTries = 10;
+    constexpr useconds_t kRestMicroseconds = 100000;
+    if (FileKindOf(path) != S_IFBLK) {
+        return kErrorNone;
+    }
+    const FileDescriptor descriptor = OpenDescriptor(path.c_str(), O_RDONLY | O_NOCTTY);
+    int error = descriptor.IsOpen() ? EBUSY : errno;
+    for (int tries = 0; tries < kTries && error == EBUSY; ++tries) {
+        error = ::ioctl(descriptor.Get(), BLKRRPART) == 0 ? 0 : errno;
+        if (error == EBUSY) {
+            ::usleep(kRestMicroseconds);
+        }
+    }
+    return error == 0 ? kErrorNone : FileErrorOfErrno(error);
 }
 
 } // namespace thntfs

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "disktools/CopyRules.h"
+
+#include <cstdint>
+#include <string>
+
+namespace thntfs {
+
+/// The disk, or the file that keeps its size, which SourceDisk is cloned onto.
+class CloneTarget {
+public:
+    explicit CloneTarget(std::string path)
+        : path_(std::move(path)) {}
+
+    /// Asks how large it is, which what follows relies on.
+    CopyVerdict Look();
+
+    [[nodiscard]] const std::string& Path() const { return path_; }
+    [[nodiscard]] std::uint64_t SizeBytes() const { return bytes_; }
+
+    /// What there is to mind where its sectors have another size than SourceDisk's; else empty.
+    [[nodiscard]] std::string SectorRemark() const;
+
+    /// Opens it for writing over; Engine.TargetDisk owns it.
+    [[nodiscard]] CopyVerdict Open() const;
+
+private:
+    std::string path_;
+    std::uint64_t bytes_ = 0;
+    std::uint32_t sectorBytes_ = 0; ///< 0 for a file
+};
+
+/// Closes the target of a clone and has the system read the partitions that are on it now. Where it doesn't,
+/// a line in the log says so: the clone is whole all the same.
+void CloseClone(const std::string& targetPath);
+
+} // namespace thntfs
