@@ -2,8 +2,8 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "cli/SameDisk.h"
 #include "cli/ScanInfoSteps.h"
-#include "content/TargetRules.h"
 #include "disktools/CopyMapFile.h"
 #include "platform/files/File.h"
 #include "platform/system/Dates.h"
@@ -25,7 +25,8 @@ std::string FailureText(const std::string& path, ErrorCode code) {
 RunPlaces PlacesOf(const Options& options) {
     const ScanInfoProbe saved = ProbeScanInfo(options.Medium);
     const bool isSaved = saved.Kind != ScanInfoKind::None;
-    RunPlaces places{isSaved ? saved.Medium : options.Medium, isSaved ? options.Medium : "", {}};
+    RunPlaces places{
+        isSaved ? saved.Medium : options.Medium, isSaved ? options.Medium : "", {}, options.SameDisk};
     if (options.SaveInfo) {
         places.Targets.push_back(SaveInfoTarget(options));
     }
@@ -41,10 +42,13 @@ RunPlaces PlacesOf(const Options& options) {
     return places;
 }
 
-int RefusePlace(const std::string& path, const TargetVerdict& verdict) {
+int RefusePlace(const Options& options, const TargetVerdict& verdict) {
+    const std::string& path = *options.Log;
     switch (verdict.Why) {
+    case TargetRefusal::IsMedium:
     case TargetRefusal::OnMedium:
-        return Refuse("The log can't go to " + path + ", which is or lies on the medium that is to be read.");
+        return Refuse("The log can't go to " + path + ", which is or lies on the medium that is to be read." +
+                      SameDiskHint(options, verdict));
     case TargetRefusal::IsSavedScan:
         return Refuse("The log can't go to " + path + ", which is to be read.");
     default:
@@ -64,7 +68,7 @@ int LogFile::Open(const Options& options) {
     }
     path_ = *options.Log;
     if (const TargetVerdict verdict = CheckTarget(path_, PlacesOf(options)); !verdict.Allowed()) {
-        return RefusePlace(path_, verdict);
+        return RefusePlace(options, verdict);
     }
     if (const ErrorCode code = Files().Open(path_, FileMode::CreateAlways, file_); code != kErrorNone) {
         return Refuse(FailureText(path_, code));

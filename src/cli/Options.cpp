@@ -48,6 +48,8 @@ void AddMedium(CLI::App& command, Options& options) {
     command.add_flag("--json", options.Json, "Print JSON");
     command.add_flag("--anyway", options.Anyway,
                      "Take a saved scan (.tht) even if its medium seems to be another one now");
+    command.add_flag("--same-disk", options.SameDisk,
+                     "Write files even onto the disk that is read; what they land on can't be recovered");
 }
 
 // Two sector numbers with a colon between them, the second not included.

@@ -20,6 +20,7 @@ struct Options {
     std::optional<unsigned> Partition; ///< counted from 1
     bool Json = false;
     std::optional<std::string> Log;      ///< file that gets the process log
+    bool SameDisk = false;               ///< files may be written on the disk that is read
     std::optional<std::string> SaveInfo; ///< scan, partitions: scan information file to be written
 
     std::optional<SearchMethod> Search; ///< the candidates come from a search, not from the partition table

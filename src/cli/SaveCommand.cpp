@@ -2,10 +2,10 @@
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
+#include "cli/SameDisk.h"
 #include "cli/Session.h"
 #include "content/SaveEntries.h"
 #include "content/SaveReport.h"
-#include "content/TargetRules.h"
 #include "engine/EngineState.h"
 
 #include <nlohmann/json.hpp>
@@ -35,10 +35,11 @@ private:
 };
 
 int OpenSaveTarget(const Options& options, const std::string& medium, std::unique_ptr<TargetFolder>& target) {
-    if (!CheckTarget(options.Target, {medium, {}, {}}).Allowed()) {
+    if (const TargetVerdict verdict = CheckPlace(options, options.Target, medium); !verdict.Allowed()) {
         return Refuse(options.Target +
                       " lies on the medium that is being read. Saving there would destroy what is "
-                      "to be recovered; choose a folder on another disk.");
+                      "to be recovered; choose a folder on another disk." +
+                      SameDiskHint(options, verdict));
     }
     const ErrorCode code = TargetFolder::OpenTargetFolder(options.Target, true, target);
     if (code == kErrorDirectory) {
@@ -60,9 +61,10 @@ int OpenReport(const Options& options, const std::string& medium, SaveReport& re
         return kExitDone;
     }
     const std::string& path = *options.Report;
-    if (!CheckTarget(path, {medium, {}, {}}).Allowed()) {
+    if (const TargetVerdict verdict = CheckPlace(options, path, medium); !verdict.Allowed()) {
         return TellReportFailure(path,
-                                 "it lies on the medium that is being read; choose a place on another disk.");
+                                 "it lies on the medium that is being read; choose a place on another disk." +
+                                     SameDiskHint(options, verdict));
     }
     const ErrorCode code = report.Create(path);
     if (code == kErrorFileExists) {

@@ -2,7 +2,7 @@
 
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
-#include "content/TargetRules.h"
+#include "cli/SameDisk.h"
 #include "engine/EngineState.h"
 #include "platform/files/Paths.h"
 #include "platform/files/ReplacementFile.h"
@@ -64,9 +64,10 @@ int CheckSaveInfo(const Options& options, const std::string& medium) {
             " characters, or bytes that are no text. Open the medium by a link with a shorter path.");
         return kExitFailed;
     }
-    if (!CheckTarget(target, {medium, {}, {}}).Allowed()) {
+    if (const TargetVerdict verdict = CheckPlace(options, target, medium); !verdict.Allowed()) {
         return TellFailedSave(target,
-                              "it lies on the medium that is being read; choose a place on another disk.");
+                              "it lies on the medium that is being read; choose a place on another disk." +
+                                  SameDiskHint(options, verdict));
     }
     const ErrorCode code = TryToCreate(target);
     return code == kErrorNone ? int{kExitDone} : TellFailedSave(target, SystemErrorText(code));

@@ -20,7 +20,10 @@ bool Meets(const std::string& path, const std::string& target) {
 } // namespace
 
 TargetVerdict CheckTarget(const std::string& path, const RunPlaces& run) {
-    if (SharesMedium(path, run.Medium)) {
+    if (SameMedium(path, run.Medium)) {
+        return {TargetRefusal::IsMedium, run.Medium};
+    }
+    if (!run.SameDiskKnown && SharesMedium(path, run.Medium)) {
         return {TargetRefusal::OnMedium, run.Medium};
     }
     if (Meets(path, run.SavedScan)) {

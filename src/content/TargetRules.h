@@ -11,7 +11,8 @@ namespace thntfs {
 /// Why nothing may be written at a path.
 enum class TargetRefusal {
     None,         ///< it may
-    OnMedium,     ///< the path lies on the medium under recovery, or is it
+    IsMedium,     ///< the path is the medium under recovery: its image, its device, or a part of that
+    OnMedium,     ///< the path lies on the medium's disk; the one refusal that the user may overrule
     IsSavedScan,  ///< it is the scan information file that stands for the medium
     IsOtherTarget ///< something else that the same run is going to write is there, or would be written over
                   ///< it
@@ -29,6 +30,7 @@ struct RunPlaces {
     std::string Medium;               ///< device or image under recovery
     std::string SavedScan;            ///< scan information file that is read in its place
     std::vector<std::string> Targets; ///< files, and media written over, that the run makes besides
+    bool SameDiskKnown = false;       ///< the user knows what is written on the medium's disk may destroy
 };
 
 /// Whether a run may write at a path, which need not exist. Links are followed.

@@ -87,6 +87,10 @@ TEST_F(CopyTest, NothingIsWrittenToTheMediumItself) {
     fs::create_symlink(mount_ + "/disk.map", map_);
     for (const std::string& medium : {disk_, device}) {
         ExpectRefused(1, {"save", medium, "--to", mount_ + "/new"}, "on the medium that is being read");
+        for (const Words& word : {Words{"--log", mount_ + "/new"}, {"--save-info", mount_ + "/new"}}) {
+            ExpectRefused(1, {"scan", medium, word[0], word[1]}, "give --same-disk");
+        }
+        ExpectRefused(1, {"scan", medium, "--log", disk_, "--same-disk"}, "is or lies on the medium");
         for (const std::string& copy : {mount_ + "/disk.th2", At("link/../disk.th2"), copy_}) {
             ExpectRefused(1, {"image", medium, copy}, "the medium that is to be read");
         }
@@ -101,6 +105,14 @@ TEST_F(CopyTest, NothingIsWrittenToTheMediumItself) {
     Expect(0, {"scan", disk_, "--json"}, "lies on the medium that is being read",
            {.Environment = {{"TMPDIR", mount_ + "/folder"}}});
     EXPECT_TRUE(fs::last_write_time(mount_ + "/folder") == before);
+    for (const std::string& medium : {disk_, device}) {
+        Expect(0, {"scan", medium, "--same-disk", "--log", mount_ + "/log", "--save-info", mount_ + "/scan"});
+        Expect(0, {"save", mount_ + "/scan.tht", "--same-disk", "--to", mount_ + "/new"});
+        EXPECT_TRUE(fs::remove(mount_ + "/log") && fs::remove(mount_ + "/scan.tht") &&
+                    fs::remove_all(mount_ + "/new") != 0);
+        Expect(0, {"scan", medium, "--same-disk", "--json"}, "lies on the medium that is being read",
+               {.Environment = {{"TMPDIR", mount_ + "/folder"}}});
+    }
     fs::remove(map_);
     Expect(0, {"image", behind, copy_}, "is mounted");
 }
