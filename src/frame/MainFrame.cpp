@@ -8,6 +8,7 @@
 #include "shell/Icons.h"
 #include "shell/ProcessLogList.h"
 #include "shell/Settings.h"
+#include "views/ContextMenu.h"
 #include "views/THNTFSListView.h"
 #include "views/THNTFSTreeView.h"
 
@@ -38,6 +39,7 @@ CMainFrame::CMainFrame()
     , panes_(statusBar())
     , scanInfo_(*this)
     , job_(*this, panes_)
+    , previews_([this] { SetPreviewWindowOpen(previews_.AnyOpen()); })
     , scans_(job_, *this, *treeView_, panes_) {
     SetMainWindow(this);
     setWindowTitle(QLatin1String(kProgramName));
@@ -139,7 +141,9 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         TellNotBuilt(QStringLiteral("Search"));
         break;
     case WM_SHOW_PREVIEW:
-        TellNotBuilt(QStringLiteral("Preview"));
+        if (job_.MayStartWork()) {
+            previews_.ShowPreview(WM_SHOW_PREVIEW.First(wParam));
+        }
         break;
     case WM_CLEAR_VIEWS:
         ClearViews();

@@ -8,6 +8,7 @@
 #include "frame/ScanJob.h"
 #include "frame/StatusPanes.h"
 #include "frame/Themes.h"
+#include "preview/Previews.h"
 #include "shell/MessageTarget.h"
 
 #include <QMainWindow>
@@ -105,6 +106,7 @@ private:
     ScanInfoFiles scanInfo_;
     CataloguePlace cataloguePlace_;
     JobControl job_;
+    Previews previews_;
     ScanJob scans_;
 
     std::uint8_t logicalDriveNumber_ = 4; ///< of the volume in work, for log lines

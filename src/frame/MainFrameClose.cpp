@@ -39,7 +39,7 @@ bool CMainFrame::GiveUpScan() {
 }
 
 bool CMainFrame::MayClose() {
-    if (Desktop.WaitDialog != nullptr) {
+    if (Desktop.WaitDialog != nullptr || previews_.CloseOne()) {
         return false;
     }
     if (Engine.ScanRunFlag != 0) {

@@ -1,8 +1,8 @@
 #include "views/FileListModel.h"
 
 #include "shell/Icons.h"
+#include "shell/ShownName.h"
 #include "shell/TipText.h"
-#include "views/ShownName.h"
 #include "views/TextOrder.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "catalogue/CatalogueReader.h"
 #include "catalogue/EntryBatch.h"
-#include "views/ShownName.h"
+#include "shell/ShownName.h"
 
 #include <algorithm>
 #include <span>

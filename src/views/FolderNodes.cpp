@@ -4,7 +4,7 @@
 #include "engine/EngineState.h"
 #include "engine/Host.h"
 #include "shell/DesktopState.h"
-#include "views/ShownName.h"
+#include "shell/ShownName.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "shell/DesktopState.h"
 #include "shell/Icons.h"
-#include "views/ShownName.h"
+#include "shell/ShownName.h"
 #include "views/TextOrder.h"
 
 #include <QFont>

@@ -54,11 +54,11 @@ public:
         return AddEntry(parent, {.Size = size, .RecordNumber = 1000 + next_, .Flags = kFlagLive}, name);
     }
 
-    /// Gives the EntryId. A ParentNumber of 0 becomes that of the parent.
+    /// Gives the EntryId. A ParentNumber of 0 becomes that of the parent, a RecordSector of 0 becomes 1.
     std::uint32_t AddEntry(FolderIndexNode& parent, CatalogueEntry entry, std::u16string_view name) {
         entry.EntryId = next_;
         entry.ParentNumber = entry.ParentNumber == 0 ? parent.RecordNumber : entry.ParentNumber;
-        entry.RecordSector = 1;
+        entry.RecordSector = entry.RecordSector == 0 ? 1 : entry.RecordSector;
         AppendEntry(entry, name);
         AddChild(parent, next_);
         return next_++;

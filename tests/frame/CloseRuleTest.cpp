@@ -1,5 +1,8 @@
 #include "FrameFixture.h"
+#include "catalogue/FindEntry.h"
 #include "platform/system/Interrupt.h"
+#include "shell/WindowMessages.h"
+#include "views/ContextMenu.h"
 
 #include <csignal>
 
@@ -35,6 +38,19 @@ TEST_F(CloseRule, AsksAboutAScanThatIsInNoFile) {
     EXPECT_FALSE(Frame->isVisible());
     EXPECT_EQ(ReadWholeFile(Folder / "kept.tht"), ReadWholeFile(Folder / "saved.tht"));
     EXPECT_EQ(Engine.SourceDisk.MediaHandle, nullptr);
+}
+
+TEST_F(CloseRule, ARequestClosesOnePreviewWindow) {
+    const LocatedEntry file = FindEntries("/Projects/beta/plan.txt").at(0);
+    WM_SHOW_PREVIEW.Send(Frame.get(), file.Item.EntryId);
+    EXPECT_EQ(Engine.PreviewLength, 12000U);
+    EXPECT_TRUE(PreviewWindowOpen());
+    Frame->close();
+    EXPECT_FALSE(PreviewWindowOpen());
+    EXPECT_EQ(Engine.PreviewLength, 0U);
+    EXPECT_TRUE(Frame->isVisible() && Answers.Boxes.empty());
+    Close(QMessageBox::Cancel);
+    WM_SHOW_PREVIEW.Send(Frame.get(), file.Item.EntryId); // and the window goes with the frame
 }
 
 TEST_F(CloseRule, AnEndFromOutsideStopsTheScanAndAsksNothing) {

@@ -1,4 +1,4 @@
-#include "views/ShownName.h"
+#include "shell/ShownName.h"
 
 #include "platform/system/Text.h"
 

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/files/WorkFolder.h"
+
+#include <QPixmap>
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+namespace thntfs {
+
+/// Shows a picture stretched over the whole window, and while there is none says why.
+class CImageViewWindow : public QWidget {
+public:
+    /// `closed` is called once, when the window has been closed; it may see to it that the window goes.
+    CImageViewWindow(const QString& name, std::function<void()> closed);
+
+    /// Loads a picture a moment after the window has come up. The folder is that of the file alone, and goes
+    /// once the picture has been loaded.
+    void LoadSoon(std::unique_ptr<WorkFolder> folder, const QString& path);
+
+    /// Says that there is no picture to be had.
+    void ShowFailure();
+
+    [[nodiscard]] const QString& Notice() const { return notice_; } ///< empty once a picture shows
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Load(const QString& path);
+    void SetNotice(const QString& notice);
+    void PaintNotice(QPainter& painter) const;
+    void PaintPicture(QPainter& painter);
+
+    std::function<void()> closed_;
+    std::unique_ptr<WorkFolder> folder_;
+    QString notice_;
+    QImage picture_;
+    QPixmap stretched_; ///< the picture in the window's size
+};
+
+} // namespace thntfs

@@ -1,0 +1,131 @@
+#include "preview/PictureFile.h"
+
+#include "support/VolumeBuilderBytes.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace thntfs::test {
+
+namespace {
+
+QByteArray Written(const QImage& image, const char* format, bool turned = false) {
+    QBuffer buffer;
+    QImageWriter writer(&buffer, format);
+    writer.setTransformation(turned ? QImageIOHandler::TransformationRotate90
+                                    : QImageIOHandler::TransformationNone);
+    EXPECT_TRUE(writer.write(image)) << format;
+    return buffer.data();
+}
+
+class PictureFileTest : public ::testing::Test {
+protected:
+    QImage Load(const QByteArray& bytes, const QString& name) {
+        QFile file(Folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        EXPECT_EQ(file.write(bytes), bytes.size());
+        file.close();
+        return LoadPicture(file.fileName());
+    }
+
+    QTemporaryDir Folder;
+};
+
+QImage SmallPicture() {
+    QImage image(24, 16, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixel(x, y, qRgb(10 * x, 15 * y, (x * y) & 255));
+        }
+    }
+    return image;
+}
+
+// What damage does: a changed byte or four, a zeroed sector, an end that is missing.
+QByteArray Mutated(QByteArray bytes, std::mt19937& random) {
+    const auto below = [&random](qsizetype end) {
+        return static_cast<qsizetype>(random() % static_cast<std::size_t>(end));
+    };
+    for (auto changes = 1 + below(4); changes > 0; --changes) {
+        bytes[below(bytes.size())] = static_cast<char>(below(256));
+    }
+    if (below(4) == 0) {
+        const qsizetype from = below(bytes.size());
+        std::fill(bytes.begin() + from, bytes.begin() + std::min(from + 64, bytes.size()), '\0');
+    }
+    return below(4) == 0 ? bytes.left(below(bytes.size())) : bytes;
+}
+
+} // namespace
+
+TEST_F(PictureFileTest, NamesOfPictures) {
+    for (const char16_t* name :
+         {u"a.jpg", u"a.JPG", u"ä ö.Jpeg", u".png", u"png", u"x.bmp", u"x.gif", u"x.jfif", u"x.svg"}) {
+        EXPECT_TRUE(IsImageName(name)) << QString::fromUtf16(name).toStdString();
+    }
+    for (const char16_t* name : {u"photo.old.jpg", u"a.b.jpg", u"", u".", u"a.", u"a", u"ajpg", u"a.jpg ",
+                                 u"a.txt", u"a.jpg.", u"a..jpg"}) {
+        EXPECT_FALSE(IsImageName(name)) << QString::fromUtf16(name).toStdString();
+    }
+    EXPECT_EQ(PictureCopyName(u"../x/y.JPG").toStdString(), "picture.dat");
+    EXPECT_EQ(PictureCopyName(u"y;rm.JPG").toStdString(), "picture.jpg");
+    const auto formats = QImageReader::supportedImageFormats();
+    for (const char* plugged : {"tiff", "webp", "tga", "svg"}) {
+        EXPECT_EQ(IsImageName(u"a." + QString::fromLatin1(plugged).toStdU16String()),
+                  formats.contains(plugged));
+    }
+}
+
+TEST_F(PictureFileTest, PicturesOfTheLibrarysOwnWriter) {
+    const QImage picture = SmallPicture();
+    const auto formats = QImageWriter::supportedImageFormats();
+    for (const QByteArray& format : formats) {
+        const QImage loaded =
+            Load(Written(picture, format), QStringLiteral("picture.") + QString::fromLatin1(format));
+        EXPECT_EQ(loaded.isNull(), !QImageReader::supportedImageFormats().contains(format)) << format.data();
+    }
+    EXPECT_EQ(Load(Written(picture, "png"), QStringLiteral("picture.jpg")), picture) << "told by its bytes";
+    EXPECT_EQ(Load(Written(picture, "jpg", true), QStringLiteral("picture.jpg")).size(), QSize(16, 24));
+}
+
+TEST_F(PictureFileTest, WhatIsNoPicture) {
+    QImage huge(30000, 30000, QImage::Format_Mono);
+    huge.fill(0);
+    EXPECT_TRUE(Load(Written(huge, "png"), QStringLiteral("picture.png")).isNull());
+    huge = QImage(11000, 11000, QImage::Format_Mono); // 462 MB as pixels of 32 bits
+    huge.fill(0);
+    EXPECT_FALSE(Load(Written(huge, "png"), QStringLiteral("picture.png")).isNull());
+    for (const char* name : {"picture.jpg", "picture.svg", "picture.tga", "picture.ico"}) {
+        EXPECT_TRUE(Load({}, QLatin1String(name)).isNull()) << name;
+        EXPECT_TRUE(Load("A letter to my aunt.\n", QLatin1String(name)).isNull()) << name;
+    }
+    EXPECT_TRUE(LoadPicture(Folder.filePath(QStringLiteral("none.jpg"))).isNull());
+}
+
+TEST_F(PictureFileTest, DamagedPicturesDoNoHarm) {
+    std::mt19937 random(1);
+    int drawn = 0;
+    int failed = 0;
+    for (const char* format : {"png", "jpg", "bmp", "tiff", "webp", "ico", "ppm"}) {
+        if (!QImageWriter::supportedImageFormats().contains(format)) {
+            continue;
+        }
+        const QByteArray sound = Written(SmallPicture(), format);
+        for (int i = 0; i < 500; ++i) {
+            const QImage picture =
+                Load(Mutated(sound, random), QStringLiteral("picture.") + QLatin1String(format));
+            ++(picture.isNull() ? failed : drawn);
+            EXPECT_LE(qint64{picture.width()} * picture.height(), qint64{128} << 20U);
+        }
+    }
+    EXPECT_GT(drawn, 100);
+    EXPECT_GT(failed, 100);
+}
+
+} // namespace thntfs::test
