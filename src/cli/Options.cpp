@@ -226,16 +226,46 @@ void AddCat(CLI::App& app, Options& options) {
     });
 }
 
+void AddSaveTarget(CLI::App& command, Options& options) {
+    CLI::Option_group* targets = command.add_option_group("Target");
+    targets->add_option("--to", options.Target, "Folder to save to; made if missing")->type_name("DIR");
+    targets
+        ->add_option_function<std::string>(
+            "--zip",
+            [&options](const std::string& path) {
+                options.Zip = true;
+                options.Target = path;
+            },
+            "ZIP file to make in place of loose files; must not be there yet")
+        ->type_name("FILE")
+        ->check(FileName());
+    targets->require_option(1);
+}
+
+void AddExclude(CLI::App& command, Options& options) {
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--exclude",
+            [&options](const std::vector<std::string>& types) {
+                for (const std::string& type : types) {
+                    (void)options.Excluded.Add(type);
+                }
+            },
+            "Leave out files of these types, by what follows the last dot of the name, such as tmp,bak")
+        ->type_name("TYPE,...")
+        ->delimiter(',');
+}
+
 void AddSave(CLI::App& app, Options& options) {
-    CLI::App* command =
-        app.add_subcommand("save", "Save entries and all below them to a folder of another disk");
+    CLI::App* command = app.add_subcommand(
+        "save", "Save entries and all below them to a folder of another disk, or into one ZIP file");
     AddMedium(*command, options);
     command->add_option("PATH", options.Paths, "Files or folders to save; without any, everything");
-    command->add_option("--to", options.Target, "Folder to save to; made if missing")
-        ->type_name("DIR")
-        ->required();
+    AddSaveTarget(*command, options);
     AddPartition(*command, options);
-    command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    CLI::Option* deleted = command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    command->add_flag("--existing", options.Existing, "Entries that aren't deleted only")->excludes(deleted);
+    AddExclude(*command, options);
     AddCondition(*command, options);
     command->add_flag("--streams", options.Streams,
                       "Save named streams too, each beside its file or folder as NAME#STREAM");

@@ -2,6 +2,7 @@
 
 #include "catalogue/Conditions.h"
 #include "catalogue/FindCriteria.h"
+#include "content/FileTypes.h"
 #include "partitions/PartitionSearch.h"
 
 #include <cstdint>
@@ -38,7 +39,10 @@ struct Options {
     FindCriteria Criteria;             ///< find
     bool Streams = false;              ///< save: named streams too
     std::optional<std::string> Report; ///< save: file that gets a line of JSON a file
-    std::string Target;                ///< save: the folder to save to; image, clone: where the copy goes
+    FileTypes Excluded;                ///< save: files of these types are left out
+    bool Existing = false;             ///< save: live entries alone
+    bool Zip = false;                  ///< save: the target is one ZIP file
+    std::string Target; ///< save: the folder or ZIP file to save to; image, clone: where the copy goes
     std::vector<std::string> Paths;
     std::optional<std::uint32_t> Record; ///< cat: a record number in place of a path
 

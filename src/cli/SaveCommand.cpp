@@ -6,6 +6,7 @@
 #include "cli/Session.h"
 #include "content/SaveEntries.h"
 #include "content/SaveReport.h"
+#include "content/ZipFolder.h"
 #include "engine/EngineState.h"
 
 #include <nlohmann/json.hpp>
@@ -41,8 +42,13 @@ int OpenSaveTarget(const Options& options, const std::string& medium, std::uniqu
                       "to be recovered; choose a folder on another disk." +
                       SameDiskHint(options, verdict));
     }
-    const ErrorCode code = TargetFolder::OpenTargetFolder(options.Target, true, target);
-    if (code == kErrorDirectory) {
+    const ErrorCode code = options.Zip ? OpenZipFolder(options.Target, target)
+                                       : TargetFolder::OpenTargetFolder(options.Target, true, target);
+    if (code == kErrorFileExists) {
+        return Refuse("Cannot save to " + options.Target +
+                      ": there is something under this name already, which stays as it is.");
+    }
+    if (code == kErrorDirectory && !options.Zip) {
         return Refuse("Cannot save to " + options.Target +
                       ": it is a file or lies below one. Give a folder.");
     }
@@ -109,13 +115,17 @@ std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver)
 }
 
 std::string TotalsJson(const SaveTotals& totals, const Options& options, bool scannedAll) {
-    const nlohmann::ordered_json object = {
-        {"files", totals.Files},     {"folders", totals.Folders},
-        {"bytes", totals.Bytes},     {"damaged", totals.Damaged},
-        {"failed", totals.Failed},   {"complete", scannedAll && !totals.Stopped},
-        {"target", options.Target},  {"links", totals.Links},
-        {"streams", totals.Streams}, {"streamsLeft", totals.StreamsLeft},
-        {"leftOut", totals.LeftOut}};
+    const nlohmann::ordered_json object = {{"files", totals.Files},
+                                           {"folders", totals.Folders},
+                                           {"bytes", totals.Bytes},
+                                           {"damaged", totals.Damaged},
+                                           {"failed", totals.Failed},
+                                           {"complete", scannedAll && !totals.Stopped},
+                                           {"target", options.Target},
+                                           {"links", totals.Links},
+                                           {"streams", totals.Streams},
+                                           {"streamsLeft", totals.StreamsLeft},
+                                           {"leftOut", totals.LeftOut + totals.TypesLeftOut}};
     return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
@@ -142,6 +152,9 @@ std::string TotalsText(const SaveTotals& totals, const Options& options) {
     }
     if (totals.LeftOut != 0) {
         line += "; " + CountText(totals.LeftOut, "file", "files") + " in other conditions left out";
+    }
+    if (totals.TypesLeftOut != 0) {
+        line += "; " + CountText(totals.TypesLeftOut, "file", "files") + " of excluded types left out";
     }
     if (totals.Stopped) {
         line += "; stopped before the end";
@@ -176,7 +189,10 @@ int RunSave(const Options& options) {
     }
     TerminalListener listener(report);
     SaveOptions wanted;
-    wanted.Reach = options.Deleted ? SaveReach::DeletedOnly : SaveReach::All;
+    wanted.Reach = options.Deleted    ? SaveReach::DeletedOnly
+                   : options.Existing ? SaveReach::ExistingOnly
+                                      : SaveReach::All;
+    wanted.Excluded = options.Excluded;
     wanted.Conditions = options.Conditions;
     wanted.AsStored = options.AsStored;
     wanted.Streams = options.Streams;

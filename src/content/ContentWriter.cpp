@@ -56,7 +56,8 @@ WrittenContent WriteBig(TargetPath::Level& folder, NameChoice& name, const Conte
 
 WrittenContent WriteContent(TargetPath::Level& folder, NameChoice& name, std::uint64_t size,
                             const ContentTaker& take) {
-    return size > kBigFileBytes ? WriteBig(folder, name, take) : WriteSmall(folder, name, take);
+    return size > kBigFileBytes && !folder.Handle->IsArchive() ? WriteBig(folder, name, take)
+                                                               : WriteSmall(folder, name, take);
 }
 
 } // namespace thntfs

@@ -169,7 +169,9 @@ bool FileSaver::HasRoom(const ExactStream* stream, SavedFile& file) {
 
 WrittenContent FileSaver::WriteStream(TargetPath::Level& folder, NameChoice& name, ExactStream* stream,
                                       const FileDates& dates) {
-    return WriteContent(folder, name, stream != nullptr ? stream->Size() : 0, [&](File& output) {
+    const std::uint64_t size = stream != nullptr ? stream->Size() : 0;
+    return WriteContent(folder, name, size, [&](File& output) {
+        output.Expect(size, dates);
         const ContentOutcome outcome =
             stream != nullptr ? writer_.Write(*stream, output, Digest()) : ContentOutcome();
         output.SetDates(dates);

@@ -75,6 +75,9 @@ void SaveAccount::Add(Entry entry) {
         unsyncedPathBytes_ += link.size();
     }
     unsynced_.push_back(std::move(entry));
+    if (target_.IsArchive()) {
+        return;
+    }
     if (unsynced_.size() >= kUnsyncedEntries || unsyncedBytes_ >= kUnsyncedBytes ||
         unsyncedPathBytes_ >= kUnsyncedPathBytes) {
         StartSync();

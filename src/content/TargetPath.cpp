@@ -51,7 +51,7 @@ void TargetPath::Cut(std::size_t length) {
 }
 
 void TargetPath::LeaveInnermost() {
-    if (levels_.back().MadeName.empty()) {
+    if (levels_.back().MadeName.empty() || levels_.front().Handle->IsArchive()) {
         return;
     }
     const FileDates dates = datesOf_(levels_.back().Item);
@@ -152,6 +152,9 @@ ErrorCode TargetPath::MakeBelow(Level& above, Level& level, const std::string& p
     } else if (!level.Failed) {
         level.MadeName = name.Name();
         made_.Add(level.Item, name.Name());
+        if (above.Handle->IsArchive()) {
+            level.Handle->SetDates(datesOf_(level.Item));
+        }
     }
     return code;
 }

@@ -49,6 +49,10 @@ public:
     /// write, which sets them too. Where they can't be set nothing happens, as by default.
     virtual void SetDates(const FileDates& dates);
 
+    /// Told before the first write, where it is known: how many bytes will come at the most, and what
+    /// SetDates will be called with. Does nothing by default.
+    virtual void Expect(std::uint64_t bytes, const FileDates& dates);
+
     // Hints for a file that is written from end to end. They change no byte and no size, and do nothing by
     // default.
 

@@ -33,6 +33,11 @@ public:
     static ErrorCode OpenTargetFolder(const std::string& path, bool create,
                                       std::unique_ptr<TargetFolder>& folder);
 
+    /// True where all that is written becomes one file in the end: Sync, called once behind all else,
+    /// completes it, a file has to have its final name from the start, and a folder gets its dates once,
+    /// before anything else is made.
+    [[nodiscard]] virtual bool IsArchive() const { return false; }
+
     /// Makes a folder in this one and opens it. A folder that is there already under exactly this name is
     /// opened, and stale part files in it are taken away. Anything else under the name fails with
     /// kErrorFileExists: a file, a link to a folder too, and on a system to which the names are the same, a

@@ -222,6 +222,7 @@ std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor, AtClose atClose) 
 
 ErrorCode File::SetSize(std::uint64_t /*bytes*/) { return kErrorInvalidParameter; }
 void File::SetDates(const FileDates& /*dates*/) {}
+void File::Expect(std::uint64_t /*bytes*/, const FileDates& /*dates*/) {}
 ErrorCode File::Close() { return kErrorNone; }
 void File::Reserve(std::uint64_t /*offset*/, std::uint64_t /*bytes*/) {}
 void File::ReleaseReserve() {}

@@ -1,18 +1,11 @@
 #include "platform/system/FoldCase.h"
+#include "platform/system/posix/NeutralLocale.h"
 
-#include <clocale>
 #include <cwctype>
-#include <locale.h>
 
 namespace thntfs {
 
 namespace {
-
-// The user's own locale may know no letters but those of ASCII, or other rules for some of them.
-locale_t NeutralLocale() {
-    static const locale_t locale = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    return locale;
-}
 
 char16_t FoldUnit(char16_t unit, locale_t locale) {
     const wint_t upper = ::towupper_l(unit, locale);
