@@ -3,6 +3,7 @@
 
 #include "catalogue/CatalogueReader.h"
 #include "engine/EngineState.h"
+#include "frame/FindSearch.h"
 #include "frame/MainFrame.h"
 #include "platform/files/WorkFolder.h"
 #include "shell/Boxes.h"
@@ -28,6 +29,7 @@ using namespace thntfs;
 
 constexpr int kLogRows = 50000;
 constexpr int kScrollSteps = 200;
+constexpr int kFindHits = 10000;
 constexpr int kColumns = 7;
 
 template <typename Work>
@@ -90,6 +92,25 @@ void MeasureList(CTHNTFSListView& list) {
     Print("list_slowest_scroll_step", slowestStep);
 }
 
+// A pattern that stands nowhere, and many hits of one that stands nearly everywhere, one by one.
+void MeasureFind(CTHNTFSTreeView& tree, CTHNTFSListView& list) {
+    RefuseBoxes(true);
+    FindSearch find(tree, list);
+    FindState state;
+    state.FindPattern = "stands nowhere";
+    Print("find_nothing", MillisecondsOf([&] { find.Begin(state); }));
+    state.FindPattern = "*";
+    Print("find_first", MillisecondsOf([&] { find.Begin(state); }));
+    int hits = 1;
+    Print("find_next_hits", MillisecondsOf([&] {
+              while (hits < kFindHits && find.SearchFolder() != 0) {
+                  ++hits;
+              }
+          }));
+    std::printf("find_hits=%d\n", hits);
+    RefuseBoxes(false);
+}
+
 void MeasureLog(CMainFrame& frame) {
     const auto send = [] {
         ProcessLogEntry entry{"Drive access error @ sector =12345 (Code =23)", "Data error.", "", kLogFailed};
@@ -140,6 +161,7 @@ int main(int argc, char** argv) {
     std::printf("entries=%llu\nfolders=%u\n", static_cast<unsigned long long>(CatalogueEntryCount()),
                 Desktop.TotalFolders);
     Print("tree_fill", MillisecondsOf([&] { tree.FillTree(); }));
+    MeasureFind(tree, Find<CTHNTFSListView>(frame, "ListView"));
     MeasureScan(frame);
     MeasureList(Find<CTHNTFSListView>(frame, "ListView"));
     MeasureLog(frame);

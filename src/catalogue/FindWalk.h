@@ -35,6 +35,9 @@ public:
     /// from there at the next call. Throws CUserException, after a box, where a block can't be read.
     std::optional<FindHit> Next(const std::function<bool()>& mayGoOn);
 
+    /// The entry that Next has just given.
+    [[nodiscard]] const CatalogueItem& Item() const { return item_; }
+
     /// True once all entries have been looked at.
     [[nodiscard]] bool Ended() const { return next_ == ids_.size() && queue_.empty(); }
 

@@ -37,6 +37,7 @@ CMainFrame::CMainFrame()
     , logPane_(new QDockWidget(QStringLiteral("Process Log"), this))
     , commands_(*this, [this](std::uint32_t command) { RunCommand(command); })
     , panes_(statusBar())
+    , find_(*treeView_, *listView_)
     , scanInfo_(*this)
     , job_(*this, panes_)
     , previews_([this] { SetPreviewWindowOpen(previews_.AnyOpen()); })
@@ -138,7 +139,7 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         TellNotBuilt(QStringLiteral("Properties"));
         break;
     case WM_FIND_FROM_VIEW:
-        TellNotBuilt(QStringLiteral("Search"));
+        SearchFrom(WM_FIND_FROM_VIEW.First(wParam));
         break;
     case WM_SHOW_PREVIEW:
         if (job_.MayStartWork()) {
@@ -175,6 +176,7 @@ void CMainFrame::focusInEvent(QFocusEvent* event) {
 }
 
 void CMainFrame::ClearViews() {
+    find_.Forget();
     treeView_->Clear();
     listView_->Clear();
     Desktop.TotalFiles = 0;
@@ -187,7 +189,7 @@ void CMainFrame::ClearViews() {
 void CMainFrame::BeginBasicScan() {
     ClearViews();
     panes_.ShowTotals(Totals::All);
-    ClearFindMark();
+    find_.Forget();
     cataloguePlace_.KeepAwayFrom(SourceMediumPath());
     job_.SetRunning();
     scanInfo_.NoteBasicScan();
@@ -204,7 +206,7 @@ void CMainFrame::StartTurboScan() {
     job_.SetRunning();
     scanInfo_.NoteTurboScan();
     panes_.ForgetTotals();
-    ClearFindMark();
+    find_.Forget();
     scans_.StartTurboScan(logicalDriveNumber_);
     UpdateCommands();
 }

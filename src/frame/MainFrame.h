@@ -3,6 +3,7 @@
 #include "frame/CataloguePlace.h"
 #include "frame/CommandIds.h"
 #include "frame/CommandSet.h"
+#include "frame/FindSearch.h"
 #include "frame/JobControl.h"
 #include "frame/ScanInfoFiles.h"
 #include "frame/ScanJob.h"
@@ -69,7 +70,7 @@ private:
     [[nodiscard]] FrameState State() const;
     void SetViewMode(std::uint32_t command);
     void TellNotBuilt(const QString& what);
-    void ClearFindMark();
+    void SearchFrom(std::uint32_t entryId);
 
     // Volumes, scans, and files of scans.
     void OpenFoundDrive();
@@ -91,8 +92,6 @@ private:
     void WatchForEnd();
     void EndIfAsked();
 
-    static constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
-
     // Widgets, which the window owns.
     QSplitter* splitter_;
     CTHNTFSTreeView* treeView_;
@@ -103,6 +102,7 @@ private:
     // Parts.
     CommandSet commands_;
     StatusPanes panes_;
+    FindSearch find_;
     ScanInfoFiles scanInfo_;
     CataloguePlace cataloguePlace_;
     JobControl job_;
@@ -110,7 +110,6 @@ private:
     ScanJob scans_;
 
     std::uint8_t logicalDriveNumber_ = 4; ///< of the volume in work, for log lines
-    std::uint32_t foundEntry_ = kNoEntry; ///< that Find has picked out
     std::uint32_t viewMode_ = kCmdDetails;
     std::uint8_t themeIndex_ = kStartTheme;
     QTimer endTimer_;

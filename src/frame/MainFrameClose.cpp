@@ -5,6 +5,7 @@
 #include "platform/system/Interrupt.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopState.h"
+#include "shell/EscapeWatch.h"
 #include "views/THNTFSTreeView.h"
 
 #include <QApplication>
@@ -92,7 +93,7 @@ void CMainFrame::EndIfAsked() {
     RefuseBoxes(true);
     if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
         dialog->done(QDialog::Rejected);
-    } else if (!job_.JobBusy() && Desktop.WaitDialog == nullptr) {
+    } else if (!job_.JobBusy() && Desktop.WaitDialog == nullptr && !EscapeWatch::Stands()) {
         close();
     }
 }

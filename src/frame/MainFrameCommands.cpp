@@ -1,5 +1,6 @@
 // What the commands of the main window do, and when they may.
 
+#include "catalogue/CatalogueReader.h"
 #include "dialogs/AboutBox.h"
 #include "dialogs/HelpViewer.h"
 #include "engine/EngineState.h"
@@ -45,6 +46,14 @@ void CMainFrame::RunCommand(std::uint32_t command) {
     case kCmdExit:
         close();
         break;
+    case kCmdFind:
+        SearchFrom(kTopEntryId);
+        break;
+    case kCmdFindNext:
+        if (job_.MayStartWork()) {
+            find_.SearchFolder();
+        }
+        break;
     case kCmdStop:
         job_.Stop();
         break;
@@ -68,7 +77,7 @@ void CMainFrame::RunCommand(std::uint32_t command) {
         SaveLog(*this, logList_->Log());
         break;
     case kCmdEscape:
-        ClearFindMark();
+        find_.End();
         break;
     default:
         TellNotBuilt(PlainTitle(command));
@@ -135,7 +144,7 @@ FrameState CMainFrame::State() const {
     // A search changes the list of candidates on its own thread, to its very end.
     state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.empty();
     state.HasLog = !logList_->IsEmpty();
-    state.HasFound = foundEntry_ != kNoEntry;
+    state.HasFound = find_.HasFound();
     state.HasCopyDialog = Desktop.CopyDialog != nullptr;
     state.CurrentHasParent = treeView_->CurrentHasParent();
     state.StructuresMissing = Desktop.StructuresMissing;
@@ -150,9 +159,10 @@ void CMainFrame::SetViewMode(std::uint32_t command) {
     listView_->SetViewMode(viewMode_);
 }
 
-void CMainFrame::ClearFindMark() {
-    foundEntry_ = kNoEntry;
-    listView_->SetFoundEntry(kNoEntry);
+void CMainFrame::SearchFrom(std::uint32_t entryId) {
+    if (job_.MayStartWork()) {
+        find_.Ask(this, entryId);
+    }
 }
 
 } // namespace thntfs

@@ -13,7 +13,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100};
+constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100, 200};
 constexpr int kIconPixels = 16;
 constexpr int kNarrowNameRoom = 80; // beyond the title
 constexpr int kNarrowest = 40;
@@ -38,6 +38,8 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
         header()->resizeSection(column, kWidths.at(static_cast<std::size_t>(column)));
     }
     RememberShares();
+    header()->moveSection(FileListModel::kFolder, 1);
+    setColumnHidden(FileListModel::kFolder, true);
     connect(header(), &QHeaderView::sectionResized, this, [this] {
         if (!fitting_) {
             RememberShares();
@@ -51,15 +53,26 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
     });
 }
 
+void CDetailsView::ShowFolders(bool show) {
+    if (isColumnHidden(FileListModel::kFolder) == show) {
+        fitting_ = true;
+        setColumnHidden(FileListModel::kFolder, !show);
+        FitColumns();
+    }
+}
+
 void CDetailsView::resizeEvent(QResizeEvent* event) {
     CRowView::resizeEvent(event);
     FitColumns();
 }
 
 void CDetailsView::RememberShares() {
-    shares_.clear();
+    shares_.resize(FileListModel::kColumns);
     for (int column = 0; column < FileListModel::kColumns; ++column) {
-        shares_.push_back(header()->sectionSize(column) / static_cast<double>(header()->length()));
+        if (!isColumnHidden(column)) {
+            shares_[static_cast<std::size_t>(column)] =
+                header()->sectionSize(column) / static_cast<double>(header()->length());
+        }
     }
 }
 
@@ -68,7 +81,7 @@ void CDetailsView::RememberShares() {
 std::vector<int> CDetailsView::LeastWidths() const {
     std::vector<int> widths;
     for (int column = 0; column < FileListModel::kColumns; ++column) {
-        widths.push_back(header()->sectionSizeHint(column));
+        widths.push_back(isColumnHidden(column) ? 0 : header()->sectionSizeHint(column));
     }
     if (std::accumulate(widths.begin(), widths.end(), 0) > viewport()->width()) {
         for (int column = 0; column < FileListModel::kColumns; ++column) {
@@ -87,7 +100,7 @@ std::vector<double> CDetailsView::WishedRoom(const std::vector<int>& leastWidths
         const auto place = static_cast<std::size_t>(column);
         const double wish =
             std::max<double>(shares_[place] * viewport()->width(), header()->sectionSizeHint(column));
-        room.push_back(std::max(0.0, wish - leastWidths[place]));
+        room.push_back(isColumnHidden(column) ? 0 : std::max(0.0, wish - leastWidths[place]));
     }
     return room;
 }

@@ -12,6 +12,9 @@ class CDetailsView : public CRowView<QTreeView> {
 public:
     CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent);
 
+    /// Shows the column of folders, or takes it away.
+    void ShowFolders(bool show);
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
 

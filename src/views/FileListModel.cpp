@@ -26,6 +26,7 @@ constexpr std::array<ColumnLook, FileListModel::kColumns> kLooks{{
     {"File ID", Qt::AlignRight},
     {"Parent ID", Qt::AlignRight},
     {"Condition", Qt::AlignLeft},
+    {"In Folder", Qt::AlignLeft},
 }};
 
 int AlignmentOf(int column) {
@@ -74,13 +75,14 @@ FileListModel::FileListModel(QObject* parent)
 void FileListModel::SetRows(FileRows rows) {
     beginResetModel();
     rows_ = std::move(rows);
+    index_.Forget();
     endResetModel();
 }
 
 int FileListModel::RowOf(std::uint32_t entryId) const {
-    const auto found = std::find_if(rows_.Rows.begin(), rows_.Rows.end(),
-                                    [entryId](const FileRow& row) { return row.EntryId == entryId; });
-    return found == rows_.Rows.end() ? -1 : static_cast<int>(found - rows_.Rows.begin());
+    const auto place = index_.PlaceOf(entryId, rows_.Rows.size(),
+                                      [this](std::uint32_t row) { return rows_.Rows[row].EntryId; });
+    return place ? static_cast<int>(*place) : -1;
 }
 
 void FileListModel::Sort(int column, bool ascending, SortKind kind) {
@@ -117,6 +119,7 @@ void FileListModel::Reorder(const std::vector<std::uint32_t>& places) {
         rows.push_back(rows_.Rows[place]);
     }
     rows_.Rows = std::move(rows);
+    index_.Forget();
 
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
@@ -168,6 +171,8 @@ QString FileListModel::CellText(std::size_t row, int column) const {
         return DateText(entry.CreatedDate);
     case kCondition:
         return QString::fromStdString(ConditionText(entry.State, entry.Live));
+    case kFolder:
+        return folderText_ ? folderText_(entry.FolderId) : QString();
     default:
         return QString::number(CellNumber(entry, column));
     }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "views/EntryIndex.h"
 #include "views/FolderListing.h"
 
 #include <QAbstractTableModel>
 #include <QIcon>
 #include <array>
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace thntfs {
@@ -26,11 +29,17 @@ public:
         kFileId,
         kParentId,
         kCondition,
+        kFolder, ///< of a hit: the folder that it stands in
         kColumns,
     };
     static constexpr int kFoundRole = Qt::UserRole; ///< true in the row that Find has picked out
 
+    /// Text of the folder with an EntryId.
+    using FolderText = std::function<QString(std::uint32_t folderId)>;
+
     explicit FileListModel(QObject* parent);
+
+    void SetFolderText(FolderText text) { folderText_ = std::move(text); }
 
     /// Shows other rows, in the order given.
     void SetRows(FileRows rows);
@@ -58,6 +67,8 @@ private:
     void Reorder(const std::vector<std::uint32_t>& places);
 
     FileRows rows_;
+    mutable EntryIndex index_;
+    FolderText folderText_;
     std::uint32_t foundEntry_ = kNoFoundEntry;
     std::array<QIcon, 4> icons_; ///< live folder, live file, deleted folder, deleted file
 };

@@ -29,7 +29,13 @@ std::vector<std::uint32_t> ChildrenOf(std::uint32_t blockOffset, const std::func
     return ids;
 }
 
-void Append(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows) {
+} // namespace
+
+std::u16string_view FileRows::Name(std::size_t row) const {
+    return std::u16string_view(Names).substr(Rows[row].NameStart, Rows[row].NameUnits);
+}
+
+void AppendRow(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows) {
     FileRow row;
     row.Size = item.Size;
     row.NameStart = rows.Names.size();
@@ -45,12 +51,6 @@ void Append(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows) {
     rows.Rows.push_back(row);
 }
 
-} // namespace
-
-std::u16string_view FileRows::Name(std::size_t row) const {
-    return std::u16string_view(Names).substr(Rows[row].NameStart, Rows[row].NameUnits);
-}
-
 FileRows ListRows(std::uint32_t blockOffset, const std::function<void()>& waiting) {
     const std::vector<std::uint32_t> ids = ChildrenOf(blockOffset, waiting);
     FileRows rows;
@@ -62,7 +62,7 @@ FileRows ListRows(std::uint32_t blockOffset, const std::function<void()>& waitin
         batch.Load(part);
         for (std::size_t place = 0; place < part.size(); ++place) {
             if (batch.Take(place, item) != 0) {
-                Append(item, part[place], rows);
+                AppendRow(item, part[place], rows);
             }
         }
         waiting();

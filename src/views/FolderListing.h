@@ -10,6 +10,8 @@
 
 namespace thntfs {
 
+struct CatalogueItem;
+
 /// A row of the list: an entry without its name.
 struct FileRow {
     std::uint64_t Size = 0;
@@ -17,6 +19,7 @@ struct FileRow {
     std::uint32_t EntryId = 0;
     std::uint32_t RecordNumber = 0;
     std::uint32_t ParentNumber = 0;
+    std::uint32_t FolderId = 0; ///< of a hit: EntryId of the folder that it stands in
     std::uint16_t CreatedDate = 0;
     std::uint16_t AccessedDate = 0;
     std::uint16_t NameUnits = 0;
@@ -31,6 +34,9 @@ struct FileRows {
 
     [[nodiscard]] std::u16string_view Name(std::size_t row) const;
 };
+
+/// Appends a row for an entry.
+void AppendRow(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows);
 
 /// Lists a folder: its folders, then its files, each in the order of the catalogue. An entry that can't be
 /// read has shown its box and is missing; none comes twice. `blockOffset`: byte offset in TreeFile of the

@@ -1,5 +1,6 @@
 #include "views/FolderTreeModel.h"
 
+#include "catalogue/CatalogueReader.h"
 #include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "shell/ShownName.h"
@@ -35,6 +36,7 @@ FolderTreeModel::FolderTreeModel(QObject* parent)
 void FolderTreeModel::SetFolders(FolderNodes folders) {
     beginResetModel();
     folders_ = std::move(folders);
+    index_.Forget();
     marks_.assign(folders_.Nodes.size(), FolderMark::Unchecked);
     ListChildren();
     current_ = kTop;
@@ -84,12 +86,20 @@ std::uint32_t FolderTreeModel::ChildCount(std::uint32_t place) const {
 }
 
 std::optional<std::uint32_t> FolderTreeModel::PlaceOfEntry(std::uint32_t entryId) const {
-    const auto found = std::find_if(folders_.Nodes.begin(), folders_.Nodes.end(),
-                                    [entryId](const FolderNode& node) { return node.EntryId == entryId; });
-    if (found == folders_.Nodes.end()) {
-        return std::nullopt;
+    return index_.PlaceOf(entryId, folders_.Nodes.size(),
+                          [this](std::uint32_t place) { return folders_.Nodes[place].EntryId; });
+}
+
+QString FolderTreeModel::PathOf(std::uint32_t place) const {
+    QString path;
+    for (; place != kTop && Node(place).EntryId != kRootEntryId; place = Node(place).Parent) {
+        path.prepend(ShownName(folders_.Name(place)));
+        path.prepend(QLatin1Char('/'));
     }
-    return static_cast<std::uint32_t>(found - folders_.Nodes.begin());
+    if (place == kTop) {
+        return path.mid(1); // what has lost its folder stands beside the root, not in it
+    }
+    return path.isEmpty() ? QStringLiteral("/") : path;
 }
 
 std::uint32_t FolderTreeModel::PlaceOf(const QModelIndex& index) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "views/EntryIndex.h"
 #include "views/FolderNodes.h"
 
 #include <QAbstractItemModel>
@@ -30,6 +31,9 @@ public:
     [[nodiscard]] const FolderNode& Node(std::uint32_t place) const { return folders_.Nodes[place]; }
     /// The folder with an EntryId; nothing where there is none.
     [[nodiscard]] std::optional<std::uint32_t> PlaceOfEntry(std::uint32_t entryId) const;
+
+    /// Path of a folder, as the terminal program tells it; "/" for the root.
+    [[nodiscard]] QString PathOf(std::uint32_t place) const;
 
     [[nodiscard]] std::uint32_t PlaceOf(const QModelIndex& index) const;
     [[nodiscard]] QModelIndex IndexOf(std::uint32_t place) const;
@@ -62,6 +66,7 @@ private:
     void TellChanged(std::uint32_t place);
 
     FolderNodes folders_;
+    mutable EntryIndex index_;
     std::vector<FolderMark> marks_;
     std::vector<std::uint32_t> childStart_;       ///< of each folder in children_, and the end
     mutable std::vector<std::uint32_t> children_; ///< places, those of one parent together

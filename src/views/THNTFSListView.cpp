@@ -59,11 +59,36 @@ CTHNTFSListView::CTHNTFSListView(QWidget* parent)
             [this](int column) { HeaderClicked(column); });
 }
 
+void CTHNTFSListView::SetTreeView(CTHNTFSTreeView* treeView) {
+    treeView_ = treeView;
+    model_->SetFolderText([treeView](std::uint32_t folderId) { return treeView->PathOf(folderId); });
+}
+
 QAbstractItemView* CTHNTFSListView::View() const { return static_cast<QAbstractItemView*>(currentWidget()); }
 
-void CTHNTFSListView::Clear() { model_->SetRows({}); }
+void CTHNTFSListView::Clear() { SetRows({}, false); }
+
+void CTHNTFSListView::ShowHits(FileRows rows) {
+    SetRows(std::move(rows), true);
+    GoToTop();
+}
+
+void CTHNTFSListView::SetRows(FileRows rows, bool hits) {
+    filledFolder_.reset();
+    showsHits_ = hits;
+    model_->SetRows(std::move(rows));
+    details_->ShowFolders(hits);
+}
+
+void CTHNTFSListView::GoToTop() {
+    details_->selectionModel()->clear();
+    details_->verticalScrollBar()->setValue(0);
+    icons_->verticalScrollBar()->setValue(0);
+    icons_->horizontalScrollBar()->setValue(0);
+}
 
 void CTHNTFSListView::SortList(int column, bool ascending, SortKind kind) {
+    filledFolder_.reset();
     sortColumn_ = column;
     sortAscending_ = ascending;
     model_->Sort(column, ascending, kind);
@@ -126,15 +151,19 @@ void CTHNTFSListView::ReadRows(std::uint32_t entryId) {
         return;
     }
     CDlgWait wait(this);
-    model_->SetRows(ListRows(folder->BlockOffset, [&wait] { wait.Waiting(); }));
-    details_->verticalScrollBar()->setValue(0);
-    icons_->verticalScrollBar()->setValue(0);
-    icons_->horizontalScrollBar()->setValue(0);
+    SetRows(ListRows(folder->BlockOffset, [&wait] { wait.Waiting(); }), false);
+    GoToTop();
+    filledFolder_ = entryId;
 }
 
 void CTHNTFSListView::GoDown(std::uint32_t entryId) {
+    const bool fromHits = showsHits_;
     ShowFolder(entryId);
-    WM_TREE_SELECT_CHILD.Send(treeView_, entryId);
+    if (fromHits) {
+        WM_TREE_SELECT_FOLDER.Send(treeView_, entryId);
+    } else {
+        WM_TREE_SELECT_CHILD.Send(treeView_, entryId);
+    }
 }
 
 void CTHNTFSListView::DoubleClicked(const QModelIndex& index) {

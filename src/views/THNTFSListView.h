@@ -5,6 +5,7 @@
 #include "views/RowView.h"
 
 #include <QStackedWidget>
+#include <optional>
 #include <vector>
 
 namespace thntfs {
@@ -25,10 +26,19 @@ public:
     explicit CTHNTFSListView(QWidget* parent = nullptr);
 
     /// The tree beside it, null for none; not owned.
-    void SetTreeView(CTHNTFSTreeView* treeView) { treeView_ = treeView; }
+    void SetTreeView(CTHNTFSTreeView* treeView);
 
     /// Takes all rows away.
     void Clear();
+
+    /// Shows entries of many folders, each with its own.
+    void ShowHits(FileRows rows);
+    [[nodiscard]] bool ShowsHits() const { return showsHits_; }
+
+    /// Whether the rows are those of a folder, just as its fill has left them.
+    [[nodiscard]] bool IsAsFilled(std::uint32_t folderId) const { return filledFolder_ == folderId; }
+    /// Selects nothing and goes to the first row, as after a fill.
+    void GoToTop();
 
     [[nodiscard]] bool IsEmpty() const { return RowCount() == 0; }
     [[nodiscard]] int RowCount() const { return model_->Count(); }
@@ -54,6 +64,7 @@ private:
     [[nodiscard]] std::vector<int> SelectedRows() const;
     void ShowFolder(std::uint32_t entryId);
     void ReadRows(std::uint32_t entryId);
+    void SetRows(FileRows rows, bool hits);
     void GoDown(std::uint32_t entryId);
     void HeaderClicked(int column);
     void OpenMenu(int row, const QPoint& at);
@@ -63,6 +74,8 @@ private:
     CDetailsView* details_;
     CIconView* icons_;
     CTHNTFSTreeView* treeView_ = nullptr;
+    std::optional<std::uint32_t> filledFolder_; ///< until the rows are sorted or others come
+    bool showsHits_ = false;
     int sortColumn_ = 0;
     bool sortAscending_ = true;
 };

@@ -75,6 +75,11 @@ void CTHNTFSTreeView::GoToParent() {
     Select(parent);
 }
 
+QString CTHNTFSTreeView::PathOf(std::uint32_t entryId) const {
+    const auto place = model_->PlaceOfEntry(entryId);
+    return place ? model_->PathOf(*place) : QString();
+}
+
 std::intptr_t CTHNTFSTreeView::OnMessage(std::uint32_t message, std::uintptr_t wParam,
                                          std::uintptr_t /*lParam*/) {
     switch (message) {

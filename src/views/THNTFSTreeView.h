@@ -44,6 +44,9 @@ public:
     /// list's fill, nothing happens.
     void GoToParent();
 
+    /// The names of a folder and of those above it, with slashes between; empty where it isn't here.
+    [[nodiscard]] QString PathOf(std::uint32_t entryId) const;
+
     std::intptr_t OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) override;
 
 protected:
