@@ -202,6 +202,7 @@ void FlushFiles() {
 int CreateCatalogue() {
     CloseFiles();
     ClearConditions();
+    Engine.FurtherParents = {};
     Engine.CatalogueVolume = 0;
     try {
         Engine.Folders = std::make_shared<FolderTree>();

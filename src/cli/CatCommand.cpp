@@ -1,10 +1,10 @@
-#include "catalogue/FindEntry.h"
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "content/ContentOutcome.h"
 #include "content/ExactFile.h"
+#include "content/FurtherEntries.h"
 #include "engine/EngineState.h"
 #include "platform/files/File.h"
 #include "platform/system/Text.h"
@@ -40,7 +40,7 @@ Wanted FindByRecord(std::uint32_t record, unsigned& count) {
 
 Wanted FindByPath(const std::string& path, unsigned& count, bool& isFolder) {
     Wanted best;
-    for (LocatedEntry& entry : FindEntries(path)) {
+    for (LocatedEntry& entry : FindEntriesByAnyName(path)) {
         if (entry.Item.IsFolder()) {
             isFolder = true;
         } else {

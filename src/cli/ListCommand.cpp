@@ -1,11 +1,11 @@
 #include "catalogue/Conditions.h"
 #include "catalogue/EntryWalk.h"
-#include "catalogue/FindEntry.h"
 #include "cli/Commands.h"
 #include "cli/EntryText.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
+#include "content/FurtherEntries.h"
 #include "engine/EngineState.h"
 
 namespace thntfs {
@@ -65,7 +65,7 @@ int ListWanted(const Options& options, Output& output) {
         lister.ListAll();
         return kExitDone;
     }
-    const std::vector<LocatedEntry> found = FindEntries(options.Paths.front());
+    const std::vector<LocatedEntry> found = FindEntriesByAnyName(options.Paths.front());
     if (found.empty()) {
         PrintMessage("No entry has the path " + options.Paths.front());
         return kExitFailed;

@@ -1,9 +1,9 @@
-#include "catalogue/FindEntry.h"
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "cli/SameDisk.h"
 #include "cli/Session.h"
+#include "content/FurtherEntries.h"
 #include "content/SaveEntries.h"
 #include "content/SaveReport.h"
 #include "content/ZipFolder.h"
@@ -96,7 +96,7 @@ struct FoundEntries {
 FoundEntries FindAllWanted(const std::vector<std::string>& paths) {
     FoundEntries wanted;
     for (const std::string& path : paths) {
-        std::vector<LocatedEntry> found = FindEntries(path);
+        std::vector<LocatedEntry> found = FindEntriesByAnyName(path);
         if (found.empty()) {
             PrintMessage("No entry has the path " + path);
             ++wanted.PathsMissing;

@@ -5,7 +5,7 @@
 #include "content/ExactFile.h"
 #include "engine/EngineState.h"
 #include "engine/FileWrites.h"
-#include "platform/files/File.h"
+#include "platform/files/ForwardingFile.h"
 
 #include <functional>
 
@@ -17,36 +17,27 @@ constexpr std::uint64_t kPendingBytes = std::uint64_t{16} << 20U;
 
 /// An output file that counts what goes into it, keeps the code of a failed write, and keeps the device busy
 /// while a big file is written.
-class CountingFile : public File {
+class CountingFile : public ForwardingFile {
 public:
     explicit CountingFile(File& inner)
-        : inner_(inner) {}
+        : ForwardingFile(inner) {}
 
     ErrorCode Write(ConstBytes bytes) override {
-        Failure = inner_.Write(bytes);
+        Failure = ForwardingFile::Write(bytes);
         if (Failure == kErrorNone) {
             Written += bytes.size();
         }
         if (Written - begun_ >= kPendingBytes) {
-            inner_.StartSync(begun_, Written - begun_);
+            StartSync(begun_, Written - begun_);
             begun_ = Written;
         }
         return Failure;
     }
-    ErrorCode WriteAt(std::uint64_t offset, ConstBytes bytes) override {
-        return inner_.WriteAt(offset, bytes);
-    }
-    ErrorCode ReadAt(std::uint64_t offset, Bytes buffer, std::size_t& got) override {
-        return inner_.ReadAt(offset, buffer, got);
-    }
-    ErrorCode Size(std::uint64_t& bytes) override { return inner_.Size(bytes); }
-    ErrorCode Sync() override { return inner_.Sync(); }
 
     std::uint64_t Written = 0;
     ErrorCode Failure = kErrorNone;
 
 private:
-    File& inner_;
     std::uint64_t begun_ = 0; ///< up to here the bytes are on their way to the device
 };
 

@@ -2,6 +2,7 @@
 
 #include "catalogue/Conditions.h"
 #include "content/EntryContent.h"
+#include "content/FurtherEntries.h"
 #include "content/HashedFile.h"
 #include "engine/EngineState.h"
 #include "platform/files/File.h"
@@ -182,9 +183,7 @@ WrittenContent FileSaver::WriteStream(TargetPath::Level& folder, NameChoice& nam
 void FileSaver::GiveNames(TargetPath::Level& folder, const CatalogueItem& item, const std::string& name,
                           const Facts& facts, SavedFile& file) {
     for (const ExactName& further : facts.Names) {
-        const bool own = static_cast<std::uint32_t>(NumberOf(further.Parent)) == item.ParentNumber &&
-                         further.Name == item.Name;
-        if (!own && names_.GoTo(further)) {
+        if (!IsListedName(item, further) && names_.GoTo(further)) {
             GiveName(folder, name, further, facts, file);
         }
     }

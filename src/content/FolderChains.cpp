@@ -2,6 +2,9 @@
 
 #include "catalogue/CatalogueTotals.h"
 #include "catalogue/EntryPass.h"
+#include "engine/AttributePieces.h"
+#include "engine/DecodeRecord.h"
+#include "engine/EngineState.h"
 
 #include <algorithm>
 
@@ -13,13 +16,29 @@ constexpr std::size_t kMaxChain = 4096; // deeper than any path
 
 } // namespace
 
-const std::vector<CatalogueItem>& FolderChains::ChainTo(std::uint32_t recordNumber) {
-    if (last_ != recordNumber) {
+const std::vector<CatalogueItem>& FolderChains::ChainTo(std::uint64_t reference) {
+    const std::uint64_t number = NumberOf(reference);
+    if (last_ != number) {
         Gather();
-        chain_ = Climb(recordNumber);
-        last_ = recordNumber;
+        chain_ =
+            number > 0xFFFFFFFF ? std::vector<CatalogueItem>() : Climb(static_cast<std::uint32_t>(number));
+        last_ = number;
     }
     return chain_;
+}
+
+// The number goes up when a folder is deleted. The root and lost folders have no record here.
+bool FolderChains::IsFolderOf(const CatalogueItem& folder, std::uint16_t sequence) {
+    if (folder.RecordSector == 0 || sequence == 0) {
+        return true;
+    }
+    if (lastSector_ != folder.RecordSector) {
+        std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
+        lastSequence_ = ReadFileRecord(record, folder.RecordSector) ? RecordSequence(record) : 0;
+        lastSector_ = folder.RecordSector;
+    }
+    const bool deletedSince = !folder.IsLive() && lastSequence_ == static_cast<std::uint16_t>(sequence + 1);
+    return lastSequence_ == 0 || lastSequence_ == sequence || deletedSince;
 }
 
 // Of several folders with one number the live one counts, else the first.

@@ -13,9 +13,13 @@ namespace thntfs {
 /// pass along the catalogue gathers them when the first is asked for.
 class FolderChains {
 public:
-    /// The folders on the way from the top down to the one with a number, " Root" or a lost folder first.
-    /// Empty where the catalogue has none, or its way doesn't begin at the top.
-    const std::vector<CatalogueItem>& ChainTo(std::uint32_t recordNumber);
+    /// The folders on the way from the top down to the one that a file reference names by its number, " Root"
+    /// or a lost folder first. Empty where the catalogue has none, or its way doesn't begin at the top.
+    const std::vector<CatalogueItem>& ChainTo(std::uint64_t reference);
+
+    /// False where another folder has the record by now: its sequence number went up. Passes CUserException
+    /// on.
+    bool IsFolderOf(const CatalogueItem& folder, std::uint16_t sequence);
 
 private:
     void Gather();
@@ -23,8 +27,10 @@ private:
 
     bool gathered_ = false;
     std::unordered_map<std::uint32_t, std::uint32_t> entryOf_; ///< EntryId by record number
-    std::optional<std::uint32_t> last_;                        ///< what chain_ leads to
+    std::optional<std::uint64_t> last_;                        ///< number of what chain_ leads to
     std::vector<CatalogueItem> chain_;
+    std::optional<std::uint64_t> lastSector_; ///< of the folder whose sequence number was read last
+    std::uint16_t lastSequence_ = 0;
 };
 
 } // namespace thntfs

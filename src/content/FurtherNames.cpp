@@ -1,11 +1,7 @@
 #include "content/FurtherNames.h"
 
-#include "content/ExactFile.h"
-#include "engine/DecodeRecord.h"
-#include "engine/EngineState.h"
+#include "content/FurtherEntries.h"
 #include "platform/system/Text.h"
-
-#include <algorithm>
 
 namespace thntfs {
 
@@ -18,12 +14,11 @@ void FurtherNames::Select(const std::vector<LocatedEntry>& entries) {
 }
 
 bool FurtherNames::GoTo(const ExactName& name) {
-    if (selected_.empty() || NumberOf(name.Parent) > 0xFFFFFFFF) {
+    if (selected_.empty()) {
         return false;
     }
-    const std::vector<CatalogueItem>& chain =
-        chains_.ChainTo(static_cast<std::uint32_t>(NumberOf(name.Parent)));
-    if (chain.empty() || !Selected(chain) || !IsFolderOf(chain.back(), SequenceOf(name.Parent))) {
+    const std::vector<CatalogueItem>& chain = chains_.ChainTo(name.Parent);
+    if (chain.empty() || !Selected(chain) || !chains_.IsFolderOf(chain.back(), SequenceOf(name.Parent))) {
         return false;
     }
     way_.EnterChain(chain);
@@ -31,24 +26,7 @@ bool FurtherNames::GoTo(const ExactName& name) {
 }
 
 bool FurtherNames::Selected(const std::vector<CatalogueItem>& chain) const {
-    return selected_.contains(kTopEntryId) ||
-           std::any_of(chain.begin(), chain.end(),
-                       [this](const CatalogueItem& folder) { return selected_.contains(folder.EntryId); });
-}
-
-// A record's sequence number goes up when its folder is deleted. The root and lost folders have no record
-// here.
-bool FurtherNames::IsFolderOf(const CatalogueItem& folder, std::uint16_t sequence) {
-    if (folder.RecordSector == 0 || sequence == 0) {
-        return true;
-    }
-    if (lastSector_ != folder.RecordSector) {
-        std::vector<std::uint8_t> record(Engine.VolumeParams.FileRecordBytes);
-        lastSequence_ = ReadFileRecord(record, folder.RecordSector) ? RecordSequence(record) : 0;
-        lastSector_ = folder.RecordSector;
-    }
-    const bool deletedSince = !folder.IsLive() && lastSequence_ == static_cast<std::uint16_t>(sequence + 1);
-    return lastSequence_ == 0 || lastSequence_ == sequence || deletedSince;
+    return selected_.contains(kTopEntryId) || LeadsThrough(chain, selected_);
 }
 
 std::string FurtherNames::PathOf(const std::u16string& name) const {

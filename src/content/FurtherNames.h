@@ -5,7 +5,6 @@
 #include "content/TargetPath.h"
 
 #include <cstdint>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -42,13 +41,10 @@ public:
 
 private:
     [[nodiscard]] bool Selected(const std::vector<CatalogueItem>& chain) const;
-    bool IsFolderOf(const CatalogueItem& folder, std::uint16_t sequence);
 
     FolderChains chains_;
     TargetPath way_;
-    std::set<std::uint32_t> selected_;        ///< EntryIds
-    std::optional<std::uint64_t> lastSector_; ///< of the folder whose sequence number was read last
-    std::uint16_t lastSequence_ = 0;
+    std::set<std::uint32_t> selected_; ///< EntryIds
 };
 
 } // namespace thntfs

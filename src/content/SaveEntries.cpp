@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueTotals.h"
 #include "catalogue/EntryWalk.h"
+#include "content/FurtherEntries.h"
 #include "engine/EngineState.h"
 
 #include <algorithm>
@@ -21,6 +22,11 @@ CatalogueItem RootItem() {
 
 WalkReach WalkReachOf(const LocatedEntry& entry) {
     return IsSeed(entry.Item) ? WalkReach::Whole : WalkReach::Part;
+}
+
+std::vector<LocatedEntry> ByFurtherNames(const std::vector<LocatedEntry>& entries,
+                                         const SaveOptions& options) {
+    return options.AsStored ? std::vector<LocatedEntry>() : FurtherEntries().Below(entries);
 }
 
 void CountFile(const CatalogueItem& item, const SaveOptions& options, SaveWork& work) {
@@ -44,6 +50,9 @@ SaveWork CountSaveWork(const std::vector<LocatedEntry>& entries, const SaveOptio
             CountFile(walk.Item(), options, work);
         }
     }
+    for (const LocatedEntry& entry : ByFurtherNames(entries, options)) {
+        CountFile(entry.Item, options, work);
+    }
     return work;
 }
 
@@ -61,6 +70,15 @@ void EntrySaver::Save(const std::vector<LocatedEntry>& entries) {
     for (const LocatedEntry& entry : entries) {
         SaveOne(entry);
     }
+    SaveByFurtherNames(entries);
+}
+
+void EntrySaver::SaveByFurtherNames(const std::vector<LocatedEntry>& entries) try {
+    for (const LocatedEntry& entry : ByFurtherNames(entries, options_)) {
+        SaveOne(entry);
+    }
+} catch (const CUserException&) {
+    account_.Stop();
 }
 
 void EntrySaver::SaveOne(const LocatedEntry& entry) {

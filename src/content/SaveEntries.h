@@ -31,7 +31,8 @@ class EntrySaver {
 public:
     EntrySaver(std::unique_ptr<TargetFolder> target, SaveListener& listener, const SaveOptions& options);
 
-    /// Saves all these. A further name of a file is made where its folder is among them or below one of them.
+    /// Saves all these. A further name of a file is made where its folder is among them or below one of them;
+    /// a file that stands there by further names alone is saved under the first.
     void Save(const std::vector<LocatedEntry>& entries);
 
     /// Waits until all that was saved is on the device, and gives the totals. To be called at the end.
@@ -43,6 +44,7 @@ public:
 
 private:
     void SaveOne(const LocatedEntry& entry);
+    void SaveByFurtherNames(const std::vector<LocatedEntry>& entries);
     void SaveBelow(const LocatedEntry& entry);
     void EnterFolder(const CatalogueItem& item);
     void SaveFile(const CatalogueItem& item, const std::string& path);

@@ -37,6 +37,12 @@ struct CatalogueEntry {
     std::uint16_t AccessedDate = 0; ///< DOS date, 0 for none
 };
 
+/// A file has a further name, in the folder with this RecordNumber, unless its records tell otherwise.
+struct FurtherParent {
+    std::uint32_t EntryId = 0;
+    std::uint32_t ParentNumber = 0;
+};
+
 inline constexpr std::size_t kStoredEntryBytes = 44;
 using StoredEntry = std::array<std::uint8_t, kStoredEntryBytes>;
 static_assert(sizeof(StoredEntry) == kStoredEntryBytes);

@@ -14,6 +14,7 @@ namespace thntfs {
 
 namespace {
 
+constexpr std::size_t kMaxNames = 1024;             // of one file
 constexpr std::uint64_t kNamespaceInAttribute = 89; // where it stands when the value starts at 24
 constexpr std::uint32_t kMinIndexBytes = 40;        // an index root of this size holds no key
 
@@ -116,6 +117,14 @@ void TakeExtensionSize(const Attribute& data, DecodedEntry& entry) {
     }
 }
 
+// Each folder once, where its names come one behind the other.
+void KeepFurtherParent(DecodedEntry& entry) {
+    std::vector<std::uint32_t>& parents = entry.FurtherParents;
+    if (parents.size() < kMaxNames && (parents.empty() || parents.back() != entry.ParentNumber)) {
+        parents.push_back(entry.ParentNumber);
+    }
+}
+
 bool HoldsFirstPiece(const Attribute& data) {
     if (data.NonResident() == 0) {
         return data.ValueLength() != 0;
@@ -131,6 +140,9 @@ void DecodedEntry::SetName(std::u16string_view name) {
 }
 
 void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry) {
+    if (entry.NameLength != 0) {
+        KeepFurtherParent(entry);
+    }
     entry.ParentNumber = U32At(bytes, valueStart);
     entry.NameLength = U8At(bytes, valueStart + 64);
     const std::size_t nameBytes = std::size_t{2} * entry.NameLength;

@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace thntfs {
 
@@ -14,13 +15,17 @@ inline constexpr std::size_t kNameUnits = 256;
 /// A record decoded by a scan: the fields of its catalogue entry and the name.
 struct DecodedEntry : CatalogueEntry {
     std::array<char16_t, kNameUnits> NameBuffer; ///< the first NameLength units count
+    std::vector<std::uint32_t> FurtherParents;   ///< folders of the names that were met before it
 
     DecodedEntry() { NameBuffer[0] = 0; }
 
     [[nodiscard]] std::u16string_view Name() const { return {NameBuffer.data(), NameLength}; }
     void SetName(std::u16string_view name);
     void ClearName() { NameLength = 0; }
-    void Clear() { static_cast<CatalogueEntry&>(*this) = CatalogueEntry(); }
+    void Clear() {
+        static_cast<CatalogueEntry&>(*this) = CatalogueEntry();
+        FurtherParents.clear();
+    }
 };
 
 /// Turns a checked FILE record into an entry: name, parent, size, dates, Flags, and for a folder the number
@@ -35,7 +40,8 @@ bool DecodeFileRecord(ConstBytes record, DecodedEntry& entry);
 /// Namespace of a file's short name.
 inline constexpr std::uint8_t kNamespaceDos = 2;
 
-/// Takes the name of a file name attribute's value, which starts at `valueStart` of the bytes.
+/// Takes the name of a file name attribute's value, which starts at `valueStart` of the bytes. Of a name that
+/// the entry had before, the folder is kept.
 void TakeName(ConstBytes bytes, std::uint64_t valueStart, DecodedEntry& entry);
 
 /// The dates and Flags from the standard information of a record.

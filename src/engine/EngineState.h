@@ -63,6 +63,8 @@ struct EngineState {
     std::shared_ptr<ChainWords> Chains;   ///< in a large catalogue, words of TreeFile yet to be written
     std::vector<std::uint8_t> Conditions; ///< of its entries, by EntryId, as far as any were put down
 
+    std::vector<FurtherParent> FurtherParents; ///< in the order of its entries; a scan notes them
+
     // Equal while the three files hold the volume in work, or are about to.
     std::uint64_t VolumeInWork = 1;    ///< another number with each medium and each volume taken into use
     std::uint64_t CatalogueVolume = 0; ///< VolumeInWork when the files were made; 0 for none

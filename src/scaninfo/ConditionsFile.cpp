@@ -137,6 +137,7 @@ ErrorCode SaveConditions(const std::string& treeInfoPath) try {
 
 void LoadConditions(const std::string& treeInfoPath) {
     ClearConditions();
+    Engine.FurtherParents = {};
     try {
         Engine.Conditions = ReadConditions(treeInfoPath);
     } catch (const ScanInfoFault&) {

@@ -26,8 +26,11 @@ void CatalogueFile(DecodedEntry& entry, std::uint32_t& nextEntryId) {
     WriteEntry(entry, nextEntryId);
     try {
         AddChild(ParentNode(entry.ParentNumber), entry.EntryId);
+        for (const std::uint32_t parent : entry.FurtherParents) {
+            Engine.FurtherParents.push_back({entry.EntryId, parent});
+        }
     } catch (const std::bad_alloc&) {
-        // The entry stands in no chain.
+        // The entry stands in no chain, or its further names stay unknown.
     }
 }
 
