@@ -207,26 +207,28 @@ TEST_F(SaveExactTest, WhatNobodyAskedForIsLeft) {
     EXPECT_EQ(totals["leftOut"], 1);
     fs::remove_all(target_);
     Save(0, {"/B", "/A"});
-    EXPECT_TRUE(fs::exists(target_ + "/A/two.txt")) << "another path names its folder";
+    EXPECT_EQ(FilesBelow(target_), (Texts{{"A/two.txt", "two names"}, {"B/two.txt", "two names"}}))
+        << "another path names its folder";
 }
 
 TEST_F(SaveExactTest, AFileIsFoundByEachOfItsNames) {
     RecordBuilder file = volume_.NewRecord(45);
-    for (const auto& [parent, name] : {std::pair{40U, u"one"}, {40U, u"link"}, {41U, u"listed"}}) {
+    for (const auto& [parent, name] :
+         {std::pair{40U, u"one"}, {41U, u"other"}, {40U, u"link"}, {41U, u"listed"}}) {
         file.AddFileName({.Parent = FileReference(parent), .Name = name});
     }
-    volume_.PlaceRecord(file.AddData(BytesOf("3 names")));
+    volume_.PlaceRecord(file.AddData(BytesOf("4 names")));
     for (const auto& [path, files, links] :
-         {std::tuple{"/A", Texts{{"A/two.txt", "two names"}, {"A/one", "3 names"}, {"A/link", "3 names"}}, 1},
+         {std::tuple{"/A", Texts{{"A/two.txt", "two names"}, {"A/one", "4 names"}, {"A/link", "4 names"}}, 1},
           {"/A/two.txt", Texts{{"A/two.txt", "two names"}}, 0},
-          {"/A/one", Texts{{"A/one", "3 names"}}, 0}}) {
+          {"/A/one", Texts{{"A/one", "4 names"}}, 0}}) {
         EXPECT_EQ(Json::parse(Save(0, {"--json", path}).Out)["links"], links) << path;
         EXPECT_EQ(FilesBelow(target_), files);
         fs::remove_all(target_);
     }
     Save(0, {"--as-stored", "/A"});
     EXPECT_EQ(FilesBelow(target_), Texts{}) << "knows one name a file";
-    EXPECT_EQ(Expect(0, {"cat", image_, "/A/link"}).Out, "3 names");
+    EXPECT_EQ(Expect(0, {"cat", image_, "/A/link"}).Out, "4 names");
     EXPECT_EQ(LinesOf(Expect(0, {"list", image_, "/A/two.txt"}).Out).size(), 1U);
     ExpectRefused(1, {"cat", image_, "/A/stale.txt"}, "No file has the path");
 }
