@@ -5,7 +5,6 @@
 #include "platform/system/Terminal.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace thntfs {
@@ -17,17 +16,6 @@ constexpr double kDrawSeconds = 0.1;
 constexpr unsigned kMaxBarCells = 40;
 
 bool shown = false;
-
-std::string TimeText(double seconds) {
-    const auto whole = static_cast<unsigned>(std::min(seconds, 359999.0));
-    std::array<char, 32> text{};
-    if (whole >= 3600) {
-        std::snprintf(text.data(), text.size(), "%u:%02u:%02u", whole / 3600, whole / 60 % 60, whole % 60);
-    } else {
-        std::snprintf(text.data(), text.size(), "%u:%02u", whole / 60, whole % 60);
-    }
-    return text.data();
-}
 
 std::string BarText(double share, unsigned cells) {
     const auto filled = static_cast<unsigned>(share * cells);
@@ -81,7 +69,7 @@ void ProgressBar::Draw(std::uint64_t done, std::uint64_t total, double now) {
     std::string tail =
         " " + std::to_string(static_cast<unsigned>(share * 100)) + " %  " + RateText(perSecond);
     if (share > 0) {
-        tail += "  " + TimeText(seconds / share - seconds) + " left";
+        tail += "  " + DurationText(seconds / share - seconds) + " left";
     }
     const std::size_t width = TerminalColumns() - 1;
     const std::size_t taken = line.size() + tail.size() + 2;

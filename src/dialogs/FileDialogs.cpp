@@ -47,6 +47,13 @@ QString ChooseFileToSave(QWidget* owner, const QString& title, const QString& su
     return !path.isEmpty() && MayWrite(path, extension) ? path : QString();
 }
 
+QString ChooseImageToMake(QWidget* owner, const QString& title, const QString& suggestedName,
+                          const QString& filters) {
+    QFileDialog dialog(owner, title, QString(), filters);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    return RunSaveDialog(dialog, suggestedName);
+}
+
 QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString& suggestedName) {
     QFileDialog dialog(owner, title, QString(), QStringLiteral("Text File (*.txt)"));
     dialog.setDefaultSuffix(QStringLiteral("txt"));

@@ -15,6 +15,11 @@ QString ChooseFileToOpen(QWidget* owner, const QString& title, const QString& fi
 QString ChooseFileToSave(QWidget* owner, const QString& title, const QString& suggestedName,
                          const QString& filters, const QString& extension = {});
 
+/// Asks for the place of an image; empty for Cancel. The path comes back as it was typed. Nothing is asked
+/// about a file that is there: no image is ever written over.
+QString ChooseImageToMake(QWidget* owner, const QString& title, const QString& suggestedName,
+                          const QString& filters);
+
 /// Asks for a text file to save to; empty for Cancel. A name that was typed without any extension comes back
 /// with ".txt", and the user has been asked about writing over that file.
 QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString& suggestedName);

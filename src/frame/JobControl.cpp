@@ -53,15 +53,18 @@ JobControl::JobControl(MessageTarget& frame, StatusPanes& panes)
     : frame_(frame)
     , panes_(panes) {}
 
+// The worker of a copy has the medium until its dialog is gone.
+bool JobControl::JobBusy() const { return jobBusy_ || Desktop.CopyDialog != nullptr; }
+
 // A stopped worker still fills the tree, and some commands are enabled meanwhile.
 bool JobControl::MayStartWork() const {
     if (Desktop.WaitDialog != nullptr || Engine.ScanRunFlag != 0) {
         return false;
     }
-    if (jobBusy_) {
+    if (JobBusy()) {
         ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
     }
-    return !jobBusy_;
+    return !JobBusy();
 }
 
 void JobControl::Choose(const ProcessLogEntry& wizardEntry) {

@@ -19,7 +19,7 @@ public:
     JobControl(MessageTarget& frame, StatusPanes& panes);
 
     /// From the choice of a job to the end of its handling.
-    [[nodiscard]] bool JobBusy() const { return jobBusy_; }
+    [[nodiscard]] bool JobBusy() const;
 
     /// Whether anything may begin that needs the medium or the catalogue. A box says where a stopped worker
     /// still has them.

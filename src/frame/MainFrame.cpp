@@ -110,6 +110,9 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         break;
     case WM_LOG_EVENT:
         return WM_LOG_ADD.Send(logList_, WM_LOG_EVENT.First(wParam));
+    case WM_COPY_POSITION:
+        PassCopyPosition(WM_COPY_POSITION.First(wParam), WM_COPY_POSITION.Second(lParam));
+        break;
     case WM_COPY_EVENT:
         WM_LOG_ADD.Send(logList_, job_.EntryOf(WM_COPY_EVENT.First(wParam), WM_COPY_EVENT.Second(lParam)));
         break;

@@ -27,6 +27,7 @@ class CProcessLogList;
 class CTHNTFSListView;
 class CTHNTFSTreeView;
 class CWizardSheet;
+struct WizardState;
 
 /// The program's one top-level window: its layout, the way from commands and messages to the parts that
 /// handle them, and its end. One exists at a time.
@@ -75,6 +76,8 @@ private:
     // Volumes, scans, and files of scans.
     void OpenFoundDrive();
     void RunSheet(CWizardSheet& sheet);
+    void BeginCopy(const WizardState& chosen);
+    static void PassCopyPosition(std::uint32_t done, std::uint32_t total);
     void StartBasicScan();
     void StartTurboScan();
     void FinishJob(FinishedJob kind);

@@ -141,8 +141,10 @@ FrameState CMainFrame::State() const {
     state.ScanRunning = Engine.ScanRunFlag != 0;
     state.JobBusy = job_.JobBusy();
     state.HasTree = !treeView_->IsEmpty();
-    // A search changes the list of candidates on its own thread, to its very end.
-    state.HasPartitions = !TheDesktopHost().IsSearching() && !Engine.SourceDisk.Partitions.empty();
+    // A search changes the list of candidates on its own thread, to its very end, and a copy empties it
+    // there.
+    state.HasPartitions = !TheDesktopHost().IsSearching() && Desktop.CopyDialog == nullptr &&
+                          !Engine.SourceDisk.Partitions.empty();
     state.HasLog = !logList_->IsEmpty();
     state.HasFound = find_.HasFound();
     state.HasCopyDialog = Desktop.CopyDialog != nullptr;

@@ -57,7 +57,9 @@ void CMainFrame::OpenFoundDrive() {
 void CMainFrame::RunSheet(CWizardSheet& sheet) {
     const bool finished = sheet.Run() == kWizardFinished;
     logicalDriveNumber_ = sheet.State().LogicalDriveNumber;
-    if (finished) {
+    if (finished && sheet.State().Copy != nullptr) {
+        BeginCopy(sheet.State());
+    } else if (finished) {
         scans_.TakeVolume(sheet.State().WizardLogEntry);
         BeginBasicScan();
     }

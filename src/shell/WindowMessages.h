@@ -8,6 +8,8 @@
 
 namespace thntfs {
 
+struct CopyFigures;
+struct CopyJob;
 struct FolderNodes;
 struct ProcessLogEntry;
 
@@ -109,6 +111,17 @@ inline constexpr WindowMessage<> WM_GIVE_UP_SCAN{WM_APP + 16};
 
 // To the process log.
 inline constexpr WindowMessage<const ProcessLogEntry&> WM_LOG_ADD{WM_APP + 17};
+
+// To the dialog of a copy.
+/// The job is moved from.
+inline constexpr WindowMessage<CopyJob&> WM_START_CLONE{WM_APP + 20};
+/// Total sectors, sectors done; low 32 bits.
+inline constexpr WindowMessage<std::uint32_t, std::uint32_t> WM_COPY_PROGRESS{WM_APP + 21};
+inline constexpr WindowMessage<CopyWork, CopyEvent> WM_COPY_FINISHED{WM_APP + 22};
+/// The job is moved from.
+inline constexpr WindowMessage<CopyJob&> WM_START_IMAGE{WM_APP + 24};
+/// What WM_COPY_PROGRESS has no words for.
+inline constexpr WindowMessage<const CopyFigures&> WM_COPY_FIGURES{WM_APP + 25};
 
 // To the dialog that runs a partition search.
 /// Not sent: the dialog begins by itself. The number stays taken.

@@ -1,9 +1,9 @@
 #include "wizard/WizardCloneDiskPage.h"
 
 #include "shell/ColorLabel.h"
-#include "wizard/CopyNotBuilt.h"
 #include "wizard/DiskTree.h"
 #include "wizard/PageTexts.h"
+#include "wizard/PrepareCopy.h"
 #include "wizard/WizardState.h"
 
 #include <QGridLayout>
@@ -87,8 +87,9 @@ void CWizardCloneDiskPage::ShowCloneDetails(std::uint8_t index, const Side& side
 bool CWizardCloneDiskPage::OnWizardFinish() {
     const DiskInfo& source = *State().DiskAt(State().SourceDiskIndex);
     const DiskInfo& target = *State().DiskAt(State().TargetDiskIndex);
-    TellCopyNotBuilt("Cloning a disk", {"clone", source.Path, target.Path});
-    return false;
+    State().WizardLogEntry = {"Disk Cloning", source.Path + " to " + target.Path};
+    State().Copy = PrepareClone(source.Path, target.Path);
+    return State().Copy != nullptr;
 }
 
 } // namespace thntfs

@@ -1,19 +1,24 @@
 #include "wizard/WizardImageDiskPage.h"
 
 #include "dialogs/FileDialogs.h"
-#include "wizard/CopyNotBuilt.h"
 #include "wizard/DiskTree.h"
 #include "wizard/ElidedLabel.h"
 #include "wizard/ImageFileName.h"
 #include "wizard/PageTexts.h"
+#include "wizard/PrepareCopy.h"
 #include "wizard/WizardState.h"
 
+#include <QCheckBox>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QPushButton>
+#include <QSpinBox>
 
 namespace thntfs {
 
 namespace {
+
+constexpr int kMostPasses = 3;
 
 const QString kExtension = QStringLiteral(".th2");
 
@@ -27,10 +32,22 @@ CWizardImageDiskPage::CWizardImageDiskPage(WizardState& state, WizardPageOwner& 
     , tree_(new CDiskTree(this, state.Disks, AllButIdeLookUsb))
     , pick_(new QPushButton(QStringLiteral("Select &destination path"), this))
     , info_(new CInfoListBox(this))
-    , pathText_(new CElidedLabel(QStringLiteral("File Path :"), this)) {
+    , pathText_(new CElidedLabel(QStringLiteral("File Path :"), this))
+    , oldImage_(
+          new QLabel(QStringLiteral("This file is there already. If it is an unfinished image of this disk, "
+                                    "Finish goes on with it. It is never written over."),
+                     this))
+    , retry_(new QCheckBox(QStringLiteral("&Read bad sectors again at the end, passes:"), this))
+    , passes_(new QSpinBox(this)) {
+    oldImage_->setWordWrap(true);
+    passes_->setRange(1, kMostPasses);
+    passes_->setValue(kMostPasses);
+    passes_->setAccessibleName(QStringLiteral("Passes over bad sectors"));
+    passes_->setEnabled(false);
     LayOut();
     setFocusProxy(tree_);
     connect(tree_, &QTreeWidget::currentItemChanged, this, [this] { ShowImageDetails(tree_->ChosenDisk()); });
+    connect(retry_, &QCheckBox::toggled, passes_, &QWidget::setEnabled);
     connect(pick_, &QPushButton::clicked, this, [this] { PickDestination(); });
 }
 
@@ -40,6 +57,12 @@ void CWizardImageDiskPage::LayOut() {
     layout->addWidget(pick_, 1, 0, Qt::AlignLeft);
     layout->addWidget(info_, 0, 1, 2, 1);
     layout->addWidget(pathText_, 2, 0, 1, 2);
+    layout->addWidget(oldImage_, 3, 0, 1, 2);
+    auto* retries = new QHBoxLayout;
+    retries->addWidget(retry_);
+    retries->addWidget(passes_);
+    retries->addStretch();
+    layout->addLayout(retries, 4, 0, 1, 2);
     layout->setColumnStretch(0, 1);
     layout->setRowStretch(0, 1);
 }
@@ -49,6 +72,8 @@ void CWizardImageDiskPage::OnSetActive() {
     pathText_->setText(QStringLiteral("File Path :"));
     pathText_->setToolTip({});
     pathText_->setEnabled(false);
+    oldImage_->hide();
+    retry_->setChecked(false);
     tree_->SelectRoot();
     ShowImageDetails(kNoDisk);
 }
@@ -66,9 +91,9 @@ void CWizardImageDiskPage::UpdateButtons() {
 }
 
 void CWizardImageDiskPage::PickDestination() {
-    const QString path =
-        ChooseFileToSave(this, QStringLiteral("Select destination path"), ImageFileName(QDate::currentDate()),
-                         QStringLiteral("Tarnholt Volume Salvage (NTFS) Image File (*.th2)"), kExtension);
+    const QString path = ChooseImageToMake(
+        this, QStringLiteral("Select destination path"), ImageFileName(QDate::currentDate()),
+        QStringLiteral("Tarnholt Volume Salvage (NTFS) Image File (*.th2)"));
     if (path.isEmpty()) {
         return;
     }
@@ -76,14 +101,17 @@ void CWizardImageDiskPage::PickDestination() {
     pathText_->setText(QStringLiteral("Destination path :") + State().ImageDestination);
     pathText_->setToolTip(State().ImageDestination);
     pathText_->setEnabled(true);
+    oldImage_->setVisible(QFileInfo::exists(State().ImageDestination));
     UpdateButtons();
     setFocus(); // Enter finishes, and doesn't ask for the path again
 }
 
 bool CWizardImageDiskPage::OnWizardFinish() {
-    const DiskInfo& disk = *State().DiskAt(State().SourceDiskIndex);
-    TellCopyNotBuilt("Creating a disk image", {"image", disk.Path, State().ImageDestination.toStdString()});
-    return false;
+    const std::string source = State().DiskAt(State().SourceDiskIndex)->Path;
+    const std::string image = State().ImageDestination.toStdString();
+    State().WizardLogEntry = {"Disk Imaging", source + " to " + image};
+    State().Copy = PrepareImage(source, image, retry_->isChecked() ? unsigned(passes_->value()) : 0);
+    return State().Copy != nullptr;
 }
 
 } // namespace thntfs

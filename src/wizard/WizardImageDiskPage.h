@@ -4,8 +4,10 @@
 
 #include <cstdint>
 
+class QCheckBox;
 class QLabel;
 class QPushButton;
+class QSpinBox;
 
 namespace thntfs {
 
@@ -30,6 +32,9 @@ private:
     QPushButton* pick_;
     CInfoListBox* info_;
     QLabel* pathText_;
+    QLabel* oldImage_; ///< shows where the file is there already
+    QCheckBox* retry_;
+    QSpinBox* passes_;
 };
 
 } // namespace thntfs

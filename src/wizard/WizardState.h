@@ -5,9 +5,12 @@
 
 #include <QString>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace thntfs {
+
+struct CopyJob;
 
 // Values of WizardTask.
 inline constexpr std::uint8_t kTaskRecoverDisk = 0;
@@ -32,6 +35,7 @@ struct WizardState {
     std::uint8_t SourceDiskIndex = kNoDisk; ///< of the clone and the image page
     std::uint8_t TargetDiskIndex = kNoDisk; ///< of the clone page
     QString ImageDestination;               ///< path of the image file to make
+    std::shared_ptr<CopyJob> Copy;          ///< that a page has prepared, both media open
     bool PagesFresh = true;                 ///< the disk page is to start afresh
     bool RunAtStartup = false;              ///< the wizard shows at the program's start
     bool ListPageOnly = false;              ///< the sheet offers the list of partitions and nothing else
@@ -39,7 +43,7 @@ struct WizardState {
     /// What the frame's log lines call the volume in work: a click in the list of partitions writes its row
     /// here, and Finish the last digit of the chosen volume's number.
     std::uint8_t LogicalDriveNumber = 0;
-    /// Names the chosen partition once the sheet has finished.
+    /// Names the chosen partition, or the copy, once the sheet has finished.
     ProcessLogEntry WizardLogEntry;
 };
 

@@ -72,6 +72,17 @@ std::string StretchSizeText(std::uint64_t bytes) {
            std::to_string(hundredths % 10) + ' ' + unit.Name;
 }
 
+std::string DurationText(double seconds) {
+    const auto whole = static_cast<unsigned>(std::min(seconds, 359999.0));
+    std::array<char, 32> text{};
+    if (whole >= 3600) {
+        std::snprintf(text.data(), text.size(), "%u:%02u:%02u", whole / 3600, whole / 60 % 60, whole % 60);
+    } else {
+        std::snprintf(text.data(), text.size(), "%u:%02u", whole / 60, whole % 60);
+    }
+    return text.data();
+}
+
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {
     return std::to_string(count) + " " + (count == 1 ? one : more);
 }

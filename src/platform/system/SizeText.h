@@ -20,6 +20,9 @@ std::string DiskSizeText(std::uint64_t bytes);
 /// Of a stretch of a disk: "1024 bytes", "1.25 MB". Just one unit is still told in the smaller one.
 std::string StretchSizeText(std::uint64_t bytes);
 
+/// A stretch of time: "0:07", "1:02:03"; 99:59:59 at most.
+std::string DurationText(double seconds);
+
 /// A number of things for people: "1 file", "2 files".
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more);
 
