@@ -49,7 +49,7 @@ QLabel* HelpLink(QWidget* parent) {
     return link;
 }
 
-QString Grouped(std::uint64_t number) { return QLocale::c().toString(qulonglong{number}); }
+QString Grouped(std::uint64_t number) { return QLocale(QLocale::English).toString(qulonglong{number}); }
 
 /// WM_COPY_PROGRESS has words for the others.
 bool IsBeyondWords(std::uint64_t sectors) { return sectors > std::numeric_limits<std::uint32_t>::max(); }

@@ -87,7 +87,7 @@ void CWizardCloneDiskPage::ShowCloneDetails(std::uint8_t index, const Side& side
 bool CWizardCloneDiskPage::OnWizardFinish() {
     const DiskInfo& source = *State().DiskAt(State().SourceDiskIndex);
     const DiskInfo& target = *State().DiskAt(State().TargetDiskIndex);
-    State().WizardLogEntry = {"Disk Cloning", source.Path + " to " + target.Path};
+    State().WizardLogEntry = {"Disk Cloning", source.Path + " to " + target.Path, "", kLogInProgress};
     State().Copy = PrepareClone(source.Path, target.Path);
     return State().Copy != nullptr;
 }

@@ -109,7 +109,7 @@ void CWizardImageDiskPage::PickDestination() {
 bool CWizardImageDiskPage::OnWizardFinish() {
     const std::string source = State().DiskAt(State().SourceDiskIndex)->Path;
     const std::string image = State().ImageDestination.toStdString();
-    State().WizardLogEntry = {"Disk Imaging", source + " to " + image};
+    State().WizardLogEntry = {"Disk Imaging", source + " to " + image, "", kLogInProgress};
     State().Copy = PrepareImage(source, image, retry_->isChecked() ? unsigned(passes_->value()) : 0);
     return State().Copy != nullptr;
 }
