@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kPaintMilliseconds = 100; // in which the window comes up and shows that it is loading
 constexpr int kNoticeHeight = 14;
-constexpr QSize kNormalSize{640, 480};
+constexpr QSize kImageWindowSize{640, 480};
 
 QFont NoticeFont() {
     QFont font;
@@ -39,7 +39,7 @@ CImageViewWindow::CImageViewWindow(const QString& name, std::function<void()> cl
     setWindowIcon(LoadIcon("app"));
     setAccessibleName(name);
     setAttribute(Qt::WA_OpaquePaintEvent);
-    resize(kNormalSize);
+    resize(kImageWindowSize);
     SetNotice(tr("Please Wait. Loading Image file..."));
 }
 

@@ -31,7 +31,7 @@ namespace thntfs {
 namespace {
 
 constexpr int kHeaderHeight = 25;
-constexpr QSize kNormalSize{760, 520};
+constexpr QSize kHexWindowSize{760, 520};
 
 // Widths of the columns in inches of the screen.
 constexpr double kOffsetInches = 0.9;
@@ -63,7 +63,7 @@ CPreviewWnd::CPreviewWnd(const CatalogueItem& entry, std::function<void()> close
     setObjectName(QStringLiteral("HexWindow"));
     setWindowTitle(LiteralTitle(ShownName(entry.Name) + QStringLiteral(" hex view")));
     setWindowIcon(LoadIcon("app"));
-    resize(kNormalSize);
+    resize(kHexWindowSize);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
