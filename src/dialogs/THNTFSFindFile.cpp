@@ -14,7 +14,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr int kWidth = 372;
+constexpr int kFindWidth = 372;
 constexpr std::uint64_t kMaxSize = std::uint64_t{1} << 44U;
 
 struct SizeUnit {
@@ -110,7 +110,7 @@ void CTHNTFSFindFile::LayOut() {
     layout->addLayout(upper);
     layout->addWidget(filters_);
     layout->setSizeConstraint(QLayout::SetFixedSize); // follows what is open
-    setMinimumWidth(kWidth);
+    setMinimumWidth(kFindWidth);
     const std::array<QWidget*, 12> order{pattern_, matchCase_, size_, sizeMode_, sizeNumber_, sizeUnit_,
                                          date_,    dateMode_,  from_, to_,       oneList_,    search_};
     for (std::size_t i = 1; i < order.size(); ++i) {
