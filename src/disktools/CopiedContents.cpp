@@ -96,9 +96,6 @@ private:
     }
 
     void CompareRead(const Stretch& stretch) {
-        if (stretch.First == 0) {
-            StampFirstSector(source_);
-        }
         copied_.resize(source_.size());
         std::size_t got = 0;
         result_.Code = image_.ReadAt(stretch.First * sectorBytes_, copied_, got);
@@ -106,6 +103,10 @@ private:
             return;
         }
         std::fill(copied_.begin() + static_cast<std::ptrdiff_t>(got), copied_.end(), std::uint8_t{0});
+        if (stretch.First == 0) { // an image that another copier began isn't stamped
+            StampFirstSector(source_);
+            StampFirstSector(copied_);
+        }
         const auto other = std::mismatch(source_.begin(), source_.end(), copied_.begin()).first;
         if (other != source_.end()) {
             result_.Differs =

@@ -1,16 +1,15 @@
 #include "disktools/ImageTarget.h"
 
+#include "disktools/AdoptImage.h"
 #include "disktools/CopiedContents.h"
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
-#include "engine/LittleEndian.h"
 #include "platform/files/File.h"
 #include "platform/files/Paths.h"
 #include "platform/media/DiskIdentity.h"
 #include "platform/media/DiskListing.h"
 #include "platform/media/Medium.h"
 
-#include <array>
 #include <utility>
 
 namespace thntfs {
@@ -30,21 +29,6 @@ std::string SourceSerial(const std::string& path) {
 }
 
 std::uint64_t SourceBytes() { return Engine.SourceDisk.TotalSectors * Engine.SourceDisk.BytesPerSector; }
-
-/// The end of what the map says is in the image.
-std::uint64_t CoveredEnd(const CopyMap& map) {
-    std::uint64_t end = 0;
-    map.ForEach([&end](const Area& area) { end = area.State == AreaState::Unread ? end : area.End(); });
-    return end;
-}
-
-bool IsStampedForSource(File& image) {
-    std::array<std::uint8_t, 512> sector{};
-    std::size_t got = 0;
-    return image.ReadAt(0, sector, got) == kErrorNone &&
-           U64At(sector, kStampedTotalOffset) == Engine.SourceDisk.TotalSectors &&
-           U16At(sector, kStampedSectorBytesOffset) == Engine.SourceDisk.BytesPerSector;
-}
 
 bool IsOrdinaryFile(const std::string& path) {
     const MediumResult medium = OpenMedium(path);
@@ -134,11 +118,13 @@ CopyVerdict ImageTarget::CheckOld(const SavedMap& saved) {
     if (const ErrorCode code = Handle().Size(size); code != kErrorNone) {
         return Failed(CopyRefusal::CannotRead, image_, code);
     }
-    if (size < CoveredEnd(saved.Map)) {
+    const bool isOurs = !saved.Source.empty();
+    if (size < (isOurs ? TriedEnd(saved.Map) : ReadEnd(saved.Map))) {
         return Refused(CopyRefusal::ShorterThanMap);
     }
     const auto unread = saved.Map.Find(AreaState::Unread, 0);
-    if ((!unread || unread->First != 0) && !IsStampedForSource(Handle())) {
+    const bool isBegun = !unread || unread->First != 0;
+    if (isBegun && !IsStampedForSource(Handle()) && (isOurs || !IsUnstampedCopy(Handle(), saved.Map))) {
         return Refused(CopyRefusal::OtherSize);
     }
     CopyVerdict verdict = CheckContents(saved);

@@ -353,6 +353,54 @@ TEST_F(FaultyCopyTest, CloneNamesItsBadSectors) {
     EXPECT_EQ(std::count(told.begin(), told.end(), "11 more failed reads"), 1) << run.Err;
 }
 
+// ------------------------------------------- the copier whose maps these are
+
+class RescueTest : public FaultyCopyTest {
+protected:
+    void SetUp() override {
+        if (OutputOf("command -v ddrescue").empty() || OutputOf("command -v ddrescuelog").empty()) {
+            GTEST_SKIP() << "ddrescue is not installed";
+        }
+    }
+
+    void Rescue(const Words& options, const std::vector<std::uint64_t>& badSectors = {}) {
+        Words words = {"-q", "-b512"};
+        words.insert(words.end(), options.begin(), options.end());
+        words.insert(words.end(), {disk_, copy_, map_});
+        const RunResult run = RunProgram("/usr/bin/ddrescue", words, WithBad(badSectors));
+        EXPECT_EQ(run.Status, 0) << run.Err;
+    }
+};
+
+TEST_F(RescueTest, ItReadsListsAndGoesOnWithOurMap) {
+    Expect(3, {"image", disk_, copy_}, "", WithBad({700, 701, 5999}));
+    EXPECT_EQ(RunProgram("/usr/bin/ddrescuelog", {"-l-", map_}).Out, "700\n701\n5999\n");
+    EXPECT_TRUE(Contains(RunProgram("/usr/bin/ddrescuelog", {"-t", map_}).Out, "bad-sector:     1536 B"));
+    Rescue({"-r1"}, {5999});
+    EXPECT_TRUE(IsImage({5999}));
+    Expect(0, {"image", disk_, copy_, "--resume", "--retry", "1"});
+    EXPECT_TRUE(IsImage());
+}
+
+TEST_F(RescueTest, WeGoOnWithWhatItBegan) {
+    Rescue({"-n", "-N"}, {700, 3000, 5999}); // leaves stretches that are neither read nor given up
+    EXPECT_TRUE(Contains(ReadWholeFile(map_), " *\n"));
+    Expect(3, {"image", disk_, copy_, "--resume"}, "", WithBad({3000}));
+    EXPECT_TRUE(IsImage({3000}));
+
+    fs::remove(copy_);
+    fs::remove(map_);
+    Rescue({}, {0, 701, 5998, 5999}); // its image ends with the last sector that it has
+    EXPECT_EQ(fs::file_size(copy_), 5998U * 512);
+    Expect(3, {"image", disk_, copy_, "--resume"});
+    EXPECT_TRUE(IsImage({0, 701, 5998, 5999}));
+    Expect(0, {"image", disk_, copy_, "--retry", "1"});
+    EXPECT_TRUE(IsImage());
+
+    MakeDisk("disk", kSectors * 512 + 512); // has grown
+    ExpectRefused(1, {"image", disk_, copy_, "--resume"}, "a source of another size");
+}
+
 } // namespace
 
 } // namespace thntfs::test

@@ -196,6 +196,15 @@ ssize_t pread(int descriptor, void* bytes, std::size_t size, off_t offset) {
     return syscall(SYS_pread64, descriptor, bytes, size, offset);
 }
 
+// Other programs' road; it isn't counted.
+ssize_t read(int descriptor, void* bytes, std::size_t size) {
+    if (!Now().Bad.empty() && Covers(PathOf(descriptor)) &&
+        ReadError(syscall(SYS_lseek, descriptor, 0, SEEK_CUR), static_cast<off_t>(size)) != 0) {
+        return Fail(EIO);
+    }
+    return syscall(SYS_read, descriptor, bytes, size);
+}
+
 ssize_t write(int descriptor, const void* bytes, std::size_t size) {
     return Write("write", SYS_write, descriptor, bytes, size);
 }
