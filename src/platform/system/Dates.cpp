@@ -21,9 +21,11 @@ constexpr std::uint32_t DaysBeforeYear(std::uint32_t year) {
 constexpr std::uint32_t kFirstDay = DaysBeforeYear(kFirstYear);
 constexpr std::uint32_t kEndDay = DaysBeforeYear(2108);
 
-/// Days from the first of March 1600, where a leap day ends its year, to 1601-01-01.
-constexpr std::uint32_t kDaysMarchToJanuary = 306;
-constexpr std::uint32_t kDaysOfEra = 146097;
+/// Days are counted from a first of March, where a leap day ends its year.
+constexpr std::uint32_t kMarchYear = 1976;
+constexpr std::uint32_t kFirstMarchDay = DaysBeforeYear(kMarchYear) + 60;
+constexpr std::uint32_t kMarch2100 = DaysBeforeYear(2100) + 59;
+constexpr std::uint32_t kDaysOfFourYears = 1461;
 
 bool IsLeapYear(unsigned year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 
@@ -44,16 +46,16 @@ std::uint16_t DosDateOfFileTime(std::uint64_t fileTime) {
     if (days < kFirstDay || days >= kEndDay) {
         return 0;
     }
-    // With years that begin in March the months' lengths follow one linear rule and no table is needed.
-    const auto marchDays = static_cast<std::uint32_t>(days) + kDaysMarchToJanuary;
-    const std::uint32_t era = marchDays / kDaysOfEra;
-    const std::uint32_t dayOfEra = marchDays % kDaysOfEra;
-    const std::uint32_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const std::uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    // With years that begin in March the months' lengths follow one linear rule and no table is needed. Every
+    // fourth year counts as a leap year; the only one that is none is stepped over.
+    const std::uint32_t marchDays =
+        static_cast<std::uint32_t>(days) - kFirstMarchDay + (days >= kMarch2100 ? 1 : 0);
+    const std::uint32_t years = (4 * marchDays + 3) / kDaysOfFourYears;
+    const std::uint32_t dayOfYear = marchDays - years * kDaysOfFourYears / 4;
     const std::uint32_t marchMonth = (5 * dayOfYear + 2) / 153;
     const std::uint32_t day = dayOfYear - (153 * marchMonth + 2) / 5 + 1;
     const std::uint32_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
-    const std::uint32_t year = 1600 + era * 400 + yearOfEra + (month <= 2 ? 1 : 0);
+    const std::uint32_t year = kMarchYear + years + (month <= 2 ? 1 : 0);
     return static_cast<std::uint16_t>((year - kFirstYear) << 9U | month << 5U | day);
 }
 
