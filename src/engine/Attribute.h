@@ -1,7 +1,9 @@
 #pragma once
 
+#include "engine/FileRecord.h"
 #include "engine/LittleEndian.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -73,11 +75,17 @@ private:
 /// ends.
 class AttributeWalk {
 public:
-    explicit AttributeWalk(ConstBytes record);
+    explicit AttributeWalk(ConstBytes record)
+        : record_(record)
+        , offset_(FirstAttributeOffset(record))
+        , limit_(std::min<std::uint64_t>(BytesInUse(record), record.size())) {}
 
     [[nodiscard]] bool Valid() const { return offset_ < limit_; }
     [[nodiscard]] Attribute Current() const { return {record_, offset_}; }
-    void Next();
+    void Next() {
+        const std::uint32_t length = Current().Length();
+        offset_ = length == 0 ? limit_ : offset_ + length;
+    }
 
 private:
     ConstBytes record_;

@@ -3,6 +3,7 @@
 #include "engine/Attribute.h"
 #include "engine/EngineState.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace thntfs {
@@ -88,13 +89,14 @@ bool AttributeIsPlausible(const Attribute& attribute) {
 }
 
 // A record must hold at least one attribute in front of the place where the walk ended.
-bool AttributesArePlausible(ConstBytes record) {
+bool AttributesArePlausible(ConstBytes record, std::uint64_t& firstNonResident) {
     const std::uint64_t first = FirstAttributeOffset(record);
     const std::uint64_t used = BytesInUse(record);
     if (first >= used) {
         return false;
     }
     std::uint64_t last = first;
+    firstNonResident = used;
     for (std::uint64_t next = first; next < used;) {
         last = next;
         const Attribute attribute(record, last);
@@ -103,6 +105,9 @@ bool AttributesArePlausible(ConstBytes record) {
         }
         if (!AttributeIsPlausible(attribute)) {
             return false;
+        }
+        if (attribute.NonResident() != 0) {
+            firstNonResident = std::min(firstNonResident, last);
         }
         next = last + attribute.Length();
     }
@@ -157,12 +162,18 @@ bool IsSystemRecord(Bytes record, std::uint32_t recordBytes, const SystemRecord&
 } // namespace
 
 bool CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes) {
+    std::uint64_t firstNonResident = 0;
+    return CheckFileRecord(record, recordBytes, sectorBytes, firstNonResident);
+}
+
+bool CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes,
+                     std::uint64_t& firstNonResident) {
     if (sectorBytes < 2 || !HeaderIsPlausible(record, recordBytes)) {
         return false;
     }
     const std::uint16_t stride = ProtectionStride(UsaCount(record), recordBytes, sectorBytes);
     return stride != 0 && UndoProtection(record, BytesInUse(record), stride) &&
-           AttributesArePlausible(record);
+           AttributesArePlausible(record, firstNonResident);
 }
 
 bool CheckIndexBlock(Bytes block, std::uint16_t sectorBytes) {

@@ -28,8 +28,11 @@ inline constexpr std::uint16_t kUsaOffsetNew = 48;       ///< newer form
 /// Decides whether a block of bytes counts as a FILE record, and undoes its update sequence protection while
 /// it does so. The record is changed in place: it can be checked once only, and a rejected one may be left
 /// partly fixed. `recordBytes` is the record size in bytes, `sectorBytes` the sector size that the protection
-/// uses. Reports nothing.
+/// uses. Reports nothing. The second form gives the offset of the first attribute of a sound record that
+/// isn't resident; where all are, the bytes in use.
 bool CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes);
+bool CheckFileRecord(Bytes record, std::uint32_t recordBytes, std::uint16_t sectorBytes,
+                     std::uint64_t& firstNonResident);
 
 /// The same decision for an INDX block. Its size enters only through VolumeParams.SectorsPerIndexBlock.
 bool CheckIndexBlock(Bytes block, std::uint16_t sectorBytes);

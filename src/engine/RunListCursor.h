@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/Attribute.h"
 #include "engine/LittleEndian.h"
 #include "engine/RunMap.h"
 
@@ -15,29 +16,37 @@ public:
     /// beyond `endVcn` are malformed.
     RunListCursor(ConstBytes bytes, std::uint64_t firstVcn, std::uint64_t endVcn = kVcnLimit)
         : bytes_(bytes)
+        , end_(bytes.size())
         , vcn_(firstVcn)
-        , endVcn_(std::min(endVcn, kVcnLimit)) {}
+        , left_(std::min(endVcn, kVcnLimit) - std::min({firstVcn, endVcn, kVcnLimit})) {}
+
+    /// Over the run list of a non-resident attribute, cut at the attribute's end.
+    RunListCursor(ConstBytes record, const Attribute& attribute)
+        : RunListCursor(record, attribute.FirstCluster()) {
+        at_ = attribute.RunListStart();
+        end_ = std::min<std::uint64_t>(attribute.Offset() + attribute.Length(), record.size());
+    }
 
     /// False at the end, and where the list is malformed.
     bool Next(MapRun& run) {
-        const std::uint8_t header = U8At(bytes_, at_);
+        const std::uint8_t header = at_ < end_ ? bytes_[at_] : 0;
         const unsigned lengthBytes = header & 0x0FU;
         const unsigned deltaBytes = header >> 4U;
         const std::size_t end = at_ + 1 + lengthBytes + deltaBytes;
-        if (header == 0 || lengthBytes > kMaxField || deltaBytes > kMaxField || end > bytes_.size()) {
-            sound_ = header == 0 && at_ < bytes_.size();
+        if (lengthBytes == 0 || lengthBytes > kMaxField || deltaBytes > kMaxField || end > end_) {
+            sound_ = header == 0 && at_ < end_;
             return false;
         }
-        const std::uint64_t clusters = Field(at_ + 1, lengthBytes);
-        const std::uint64_t lcn = lcn_ + Delta(at_ + 1 + lengthBytes, deltaBytes);
         const bool hole = deltaBytes == 0;
+        const std::uint64_t clusters = Field(at_ + 1, lengthBytes);
+        const std::uint64_t lcn = hole ? lcn_ : lcn_ + SignedField(at_ + 1 + lengthBytes, deltaBytes);
         at_ = end;
-        if (clusters == 0 || vcn_ > endVcn_ || clusters > endVcn_ - vcn_ ||
-            (!hole && !FitsVolume(lcn, clusters))) {
+        if (clusters == 0 || clusters > left_ || (!hole && !FitsVolume(lcn, clusters))) {
             return false;
         }
         run = {vcn_, clusters, hole ? 0 : lcn, hole};
         vcn_ += clusters;
+        left_ -= clusters;
         lcn_ = lcn;
         return true;
     }
@@ -51,33 +60,31 @@ public:
 private:
     static constexpr unsigned kMaxField = 8;
 
-    [[nodiscard]] std::uint64_t Field(std::size_t at, unsigned width) const {
+    // The field's bytes on top of zeros.
+    [[nodiscard]] std::uint64_t RaisedField(std::size_t at, unsigned width) const {
         std::uint64_t value = 0;
-        if (width == 0) {
-            return value;
-        }
         if (at + sizeof(value) <= bytes_.size()) {
             std::memcpy(&value, bytes_.data() + at, sizeof(value));
-            return value & ~std::uint64_t{0} >> (8 * (kMaxField - width));
+        } else {
+            std::memcpy(&value, bytes_.data() + at, width);
         }
-        std::memcpy(&value, bytes_.data() + at, width);
-        return value;
+        return value << 8 * (kMaxField - width);
     }
 
-    // A number with a sign, of any width.
-    [[nodiscard]] std::uint64_t Delta(std::size_t at, unsigned width) const {
-        const std::uint64_t value = Field(at, width);
-        if (width == 0) {
-            return value;
-        }
-        const std::uint64_t sign = std::uint64_t{1} << (8 * width - 1);
-        return (value ^ sign) - sign;
+    [[nodiscard]] std::uint64_t Field(std::size_t at, unsigned width) const {
+        return RaisedField(at, width) >> 8 * (kMaxField - width);
     }
 
-    ConstBytes bytes_;
+    [[nodiscard]] std::uint64_t SignedField(std::size_t at, unsigned width) const {
+        return static_cast<std::uint64_t>(static_cast<std::int64_t>(RaisedField(at, width)) >>
+                                          8 * (kMaxField - width));
+    }
+
+    ConstBytes bytes_; ///< what may be read: fields are quickest where bytes follow them
     std::size_t at_ = 0;
+    std::size_t end_; ///< of the list
     std::uint64_t vcn_;
-    std::uint64_t endVcn_;
+    std::uint64_t left_; ///< clusters up to the last that may come
     std::uint64_t lcn_ = 0;
     bool sound_ = false;
 };

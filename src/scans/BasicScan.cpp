@@ -190,13 +190,14 @@ void TableWalk::DecodeBatch(std::uint32_t records) {
 
 void TableWalk::DecodeSlot(Bytes record) {
     const VolumeParams& volume = Engine.VolumeParams;
-    if (!CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector)) {
+    std::uint64_t firstNonResident = 0;
+    if (!CheckFileRecord(record, volume.FileRecordBytes, volume.BytesPerSector, firstNonResident)) {
         losses_.Reject(record, recordIndex_);
         return;
     }
     losses_.Accept();
     DecodedRecord& decoded = decoded_[decodedCount_];
-    decoded.Claim = conditions_.Take(record, recordSector_);
+    decoded.Claim = conditions_.Take(record, recordSector_, firstNonResident);
     if (BaseReference(record) != 0) {
         return;
     }

@@ -8,7 +8,7 @@
 
 namespace thntfs {
 
-ClaimSweep::ClaimSweep(const std::vector<DeletedFile>& files, UsedClusters& used)
+ClaimSweep::ClaimSweep(const std::deque<DeletedFile>& files, UsedClusters& used)
     : files_(files)
     , used_(used)
     , good_(files.size())
@@ -23,13 +23,13 @@ void ClaimSweep::Run(std::vector<ClaimedRun>& runs) {
     });
     for (const ClaimedRun& run : runs) {
         AdvanceTo(run.First);
-        Add(run);
+        Add({run.First + run.Count, run.File});
     }
     AdvanceTo(~std::uint64_t{0});
 }
 
-void ClaimSweep::Add(const ClaimedRun& run) {
-    active_.push_back({run.First + run.Count, run.File});
+void ClaimSweep::Add(const Active& run) {
+    active_.push_back(run);
     std::push_heap(active_.begin(), active_.end(),
                    [this](const Active& a, const Active& b) { return IsEarlier(a, b); });
 }
@@ -69,8 +69,10 @@ void ClaimSweep::AdvanceTo(std::uint64_t sector) {
         if (!tied) {
             GiveTo(Owner(top.File), end);
         }
-        Add({at_, top.End - at_, top.File});
         at_ = end;
+        if (top.End > at_) {
+            Add(top);
+        }
     }
     at_ = sector;
 }

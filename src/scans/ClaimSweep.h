@@ -3,6 +3,7 @@
 #include "scans/DeletedFiles.h"
 
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 namespace thntfs {
@@ -14,7 +15,7 @@ class UsedClusters;
 class ClaimSweep {
 public:
     /// Both must outlive it.
-    ClaimSweep(const std::vector<DeletedFile>& files, UsedClusters& used);
+    ClaimSweep(const std::deque<DeletedFile>& files, UsedClusters& used);
 
     /// Sorts the runs and goes along them. Once. Passes CUserException on.
     void Run(std::vector<ClaimedRun>& runs);
@@ -28,7 +29,7 @@ private:
         std::uint32_t File;
     };
 
-    void Add(const ClaimedRun& run);
+    void Add(const Active& run);
     void AdvanceTo(std::uint64_t sector);
     void GiveTo(std::uint32_t file, std::uint64_t end);
     Active TakeTop();
@@ -39,7 +40,7 @@ private:
     [[nodiscard]] bool IsSameFile(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] bool AreTied(std::uint32_t a, std::uint32_t b) const;
 
-    const std::vector<DeletedFile>& files_;
+    const std::deque<DeletedFile>& files_;
     UsedClusters& used_;
     std::vector<std::uint64_t> good_;  ///< sectors that a file still has
     std::vector<bool> uncertain_;      ///< of a file, whether there may be more or less

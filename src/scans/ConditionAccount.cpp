@@ -1,7 +1,7 @@
 #include "scans/ConditionAccount.h"
 
 #include "catalogue/Conditions.h"
-#include "engine/FileRecord.h"
+#include "engine/RunListCursor.h"
 #include "scans/FileRuns.h"
 
 #include <algorithm>
@@ -14,10 +14,10 @@ namespace {
 // An AttributeWalk over what most records have little of, at a third of its cost: each record of a scan goes
 // through here.
 template <typename Visit>
-void VisitNonResident(ConstBytes record, Visit visit) {
+void VisitNonResident(ConstBytes record, std::uint64_t at, Visit visit) {
     constexpr std::uint64_t kLengthEnd = 8;
     const std::uint64_t limit = std::min<std::uint64_t>(BytesInUse(record), record.size());
-    for (std::uint64_t at = FirstAttributeOffset(record); at + kLengthEnd < limit;) {
+    while (at + kLengthEnd < limit) {
         const std::uint64_t typeAndLength = U64At(record, at);
         if (static_cast<std::uint32_t>(typeAndLength) == kTypeEnd || typeAndLength >> 32U == 0) {
             return;
@@ -29,6 +29,19 @@ void VisitNonResident(ConstBytes record, Visit visit) {
     }
 }
 
+// Puts the runs of an attribute into a set; gives how many of their clusters lie behind its end.
+std::uint64_t ClaimRuns(ClusterSet& live, std::uint64_t end, ConstBytes record, const Attribute& attribute) {
+    std::uint64_t outside = 0;
+    RunListCursor cursor(record, attribute);
+    for (MapRun run; cursor.Next(run);) {
+        if (!run.Hole) {
+            live.Add(run.Lcn, run.Clusters);
+            outside += run.Lcn + run.Clusters - std::min(run.Lcn + run.Clusters, std::max(run.Lcn, end));
+        }
+    }
+    return outside;
+}
+
 } // namespace
 
 ConditionAccount::ConditionAccount(bool judges)
@@ -37,23 +50,24 @@ ConditionAccount::ConditionAccount(bool judges)
     , live_(space_.Clusters)
     , deleted_(space_) {}
 
-Claim ConditionAccount::Take(ConstBytes record, std::uint64_t sector) try {
+Claim ConditionAccount::Take(ConstBytes record, std::uint64_t sector, std::uint64_t firstNonResident) try {
     if (space_.SectorsPerCluster == 0) {
         return {};
     }
-    return overlaid_ == nullptr && IsInUse(record) && table_.Holds(record, sector) ? TakeLive(record)
-                                                                                   : deleted_.Take(record);
+    return overlaid_ == nullptr && IsInUse(record) && table_.Holds(record, sector)
+               ? TakeLive(record, firstNonResident)
+               : deleted_.Take(record);
 } catch (const std::bad_alloc&) {
     deleted_.GiveUp();
     return {kNoFile, kUnknown};
 }
 
 // A live file is whole but for what lies behind the end of the volume or the medium.
-Claim ConditionAccount::TakeLive(ConstBytes record) {
+Claim ConditionAccount::TakeLive(ConstBytes record, std::uint64_t firstNonResident) {
     std::uint64_t clusters = 0;
     std::uint64_t lost = 0;
-    VisitNonResident(record, [&](const Attribute& attribute) {
-        const std::uint64_t outside = ClaimRuns(record, attribute);
+    VisitNonResident(record, firstNonResident, [&](const Attribute& attribute) {
+        const std::uint64_t outside = ClaimRuns(live_, space_.Clusters, record, attribute);
         if (outside != 0 && HoldsFileData(record, attribute)) {
             lost += outside;
             clusters += attribute.LastCluster() + 1 - attribute.FirstCluster();
@@ -65,20 +79,6 @@ Claim ConditionAccount::TakeLive(ConstBytes record) {
     return {kNoFile, ConditionByte(clusters - std::min(lost, clusters), clusters)};
 }
 
-// Gives how many of the clusters lie behind the end.
-std::uint64_t ConditionAccount::ClaimRuns(ConstBytes record, const Attribute& attribute) {
-    std::uint64_t outside = 0;
-    RunListCursor cursor = CursorOf(record, attribute);
-    for (MapRun run; cursor.Next(run);) {
-        if (!run.Hole) {
-            live_.Add(run.Lcn, run.Clusters);
-            const std::uint64_t end = run.Lcn + run.Clusters;
-            outside += end - std::min(end, std::max(run.Lcn, space_.Clusters));
-        }
-    }
-    return outside;
-}
-
 void ConditionAccount::Judge() {
     overlaid_ != nullptr ? deleted_.Judge(*overlaid_, UsedBy::Set)
                          : deleted_.Judge(live_, UsedBy::SetAndBitmap);
@@ -88,7 +88,6 @@ void ConditionAccount::Enter(const Claim& claim, std::uint32_t entryId) {
     if (claim.Condition != kNotJudged) {
         SetCondition(entryId, claim.Condition);
     } else if (claim.File != kNoFile) {
-        SetCondition(entryId, kUnknown); // until all is known
         deleted_.SetEntry(claim.File, entryId);
     }
 }

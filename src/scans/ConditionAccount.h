@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system/Bytes.h"
+#include "engine/FileRecord.h"
 #include "scans/ClusterSet.h"
 #include "scans/DeletedFiles.h"
 #include "scans/OverlaidClusters.h"
@@ -19,7 +19,11 @@ public:
 
     /// Each record that passes its check goes through here, extension records and those that aren't
     /// catalogued too, with the absolute sector in which it begins. One that comes twice changes nothing.
-    Claim Take(ConstBytes record, std::uint64_t sector);
+    /// `firstNonResident`: offset of its first such attribute, or in front of it.
+    Claim Take(ConstBytes record, std::uint64_t sector, std::uint64_t firstNonResident);
+    Claim Take(ConstBytes record, std::uint64_t sector) {
+        return Take(record, sector, FirstAttributeOffset(record));
+    }
 
     /// The record that gave a claim has been catalogued.
     void Enter(const Claim& claim, std::uint32_t entryId);
@@ -28,8 +32,7 @@ public:
     void Judge();
 
 private:
-    Claim TakeLive(ConstBytes record);
-    std::uint64_t ClaimRuns(ConstBytes record, const Attribute& attribute);
+    Claim TakeLive(ConstBytes record, std::uint64_t firstNonResident);
 
     ClaimSpace space_;
     std::unique_ptr<ClusterSet> overlaid_; ///< then no file is live, and the volume's own bitmap is past

@@ -4,6 +4,7 @@
 #include "engine/AttributePieces.h"
 #include "engine/EngineState.h"
 #include "engine/FileRecord.h"
+#include "engine/RunListCursor.h"
 #include "scans/ClaimSweep.h"
 #include "scans/FileRuns.h"
 
@@ -15,7 +16,8 @@ namespace thntfs {
 namespace {
 
 constexpr std::size_t kMaxFiles = 4U << 20U; // 40 bytes each
-constexpr std::size_t kMaxRuns = 8U << 20U;  // 24 bytes each
+constexpr std::size_t kMaxRuns = 8U << 20U;  // 16 bytes each
+constexpr std::uint64_t kMaxRunSectors = 0xFFFFFFFF;
 constexpr std::uint64_t kLogSequenceAt = 8;
 
 std::uint64_t LatestStamp(ConstBytes standardInformation) {
@@ -53,13 +55,17 @@ Claim DeletedFiles::TakeBase(ConstBytes record) {
     DeletedFile file = FileOf(record);
     const std::size_t runsBefore = runs_.size();
     bool hasData = false;
-    for (AttributeWalk walk(record); walk.Valid() && walk.Current().Type() <= kTypeData; walk.Next()) {
+    for (AttributeWalk walk(record); walk.Valid(); walk.Next()) {
         const Attribute attribute = walk.Current();
-        if (attribute.Type() == kTypeStandardInformation) {
+        const std::uint32_t type = attribute.Type();
+        if (type > kTypeData) {
+            break;
+        }
+        if (type == kTypeStandardInformation) {
             file.Stamp = LatestStamp(attribute.Value());
-        } else if (attribute.Type() == kTypeAttributeList) {
+        } else if (type == kTypeAttributeList) {
             return TakeSplit(record, file);
-        } else if (HoldsFileData(record, attribute)) {
+        } else if (type == kTypeData && HoldsFileData(record, attribute)) {
             hasData = true;
             file.Sound = (attribute.NonResident() == 0 || TakeRuns(record, attribute, file)) && file.Sound;
         }
@@ -92,7 +98,7 @@ bool DeletedFiles::TakeRuns(ConstBytes record, const Attribute& data, DeletedFil
     }
     const std::uint64_t needed = NeededClusters(data, clusterSectors * Engine.VolumeParams.BytesPerSector);
     const auto place = static_cast<std::uint32_t>(files_.size());
-    RunListCursor cursor = CursorOf(record, data);
+    RunListCursor cursor(record, data);
     for (MapRun run; cursor.EndVcn() < needed && cursor.Next(run);) {
         if (!run.Hole) {
             file.Sectors += AddRun(run.Lcn, std::min(run.Clusters, needed - run.Vcn), clusterSectors, place);
@@ -120,7 +126,7 @@ DataPiece DeletedFiles::PieceOf(ConstBytes record, const Attribute& data, std::u
     piece.FirstVcn = data.FirstCluster();
     piece.NeededVcns = NeededClusters(data, Engine.VolumeParams.ClusterBytes);
     piece.FirstRun = static_cast<std::uint32_t>(runs_.size());
-    RunListCursor cursor = CursorOf(record, data);
+    RunListCursor cursor(record, data);
     for (MapRun run; cursor.Next(run);) {
         if (!run.Hole) {
             piece.Sectors += AddRun(run.Lcn, run.Clusters, space_.SectorsPerCluster, kNoFile);
@@ -136,8 +142,9 @@ std::uint64_t DeletedFiles::AddRun(std::uint64_t lcn, std::uint64_t clusters, st
                                    std::uint32_t file) {
     const std::uint64_t first = lcn * clusterSectors;
     const std::uint64_t count = clusters * clusterSectors;
-    if (first < space_.Sectors()) {
-        runs_.push_back({first, std::min(count, space_.Sectors() - first), file});
+    const std::uint64_t end = std::min(first + count, std::max(first, space_.Sectors()));
+    for (std::uint64_t at = first; at < end; at += kMaxRunSectors) {
+        runs_.push_back({at, static_cast<std::uint32_t>(std::min(end - at, kMaxRunSectors)), file});
     }
     return count;
 }
@@ -157,6 +164,12 @@ void DeletedFiles::JoinPieces() {
 }
 
 void DeletedFiles::Judge(const ClusterSet& used, UsedBy by) try {
+    // Until all is known. From the last on, so that room is made for all at once.
+    for (auto file = files_.rbegin(); file != files_.rend(); ++file) {
+        if (file->EntryId != 0) {
+            SetCondition(file->EntryId, kUnknown);
+        }
+    }
     if (!gaveUp_ && !files_.empty()) {
         SweepAndJudge(used, by);
     }

@@ -6,6 +6,7 @@
 #include "scans/UsedClusters.h"
 
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 namespace thntfs {
@@ -24,7 +25,7 @@ struct Claim {
 /// Sectors of the volume that a deleted file's data lies in.
 struct ClaimedRun {
     std::uint64_t First = 0;
-    std::uint64_t Count = 0;
+    std::uint32_t Count = 0;
     std::uint32_t File = kNoFile;
 };
 
@@ -75,7 +76,7 @@ private:
     void SweepAndJudge(const ClusterSet& used, UsedBy by);
 
     ClaimSpace space_;
-    std::vector<DeletedFile> files_;
+    std::deque<DeletedFile> files_;
     std::vector<ClaimedRun> runs_;
     SplitFiles split_;
     bool gaveUp_ = false;

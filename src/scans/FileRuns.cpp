@@ -30,10 +30,6 @@ bool HoldsFileData(ConstBytes record, const Attribute& attribute) {
                                            AttributeName(record, attribute) == kCompressedStream);
 }
 
-RunListCursor CursorOf(ConstBytes record, const Attribute& attribute) {
-    return {RunListOf(record, attribute), attribute.FirstCluster()};
-}
-
 std::uint64_t OwnClusterSectors(const Attribute& data) {
     const VolumeParams& volume = Engine.VolumeParams;
     const std::uint64_t clusters = data.LastCluster() + 1;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "engine/Attribute.h"
-#include "engine/RunListCursor.h"
 
 #include <cstdint>
 
@@ -12,9 +11,6 @@ namespace thntfs {
 
 /// Whether an attribute of a checked record holds such data.
 bool HoldsFileData(ConstBytes record, const Attribute& attribute);
-
-/// Cursor over the runs of a non-resident attribute.
-RunListCursor CursorOf(ConstBytes record, const Attribute& attribute);
 
 /// Sectors per cluster of the volume that an unfragmented attribute was laid out on, as its own sizes tell;
 /// 0 where they make no sense. An attribute without clusters gives those of the volume in work.

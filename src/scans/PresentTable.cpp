@@ -58,11 +58,11 @@ void PresentTable::JoinPieces() {
         }
     }
     pieces_.resize(joined);
-    last_ = 0;
+    last_ = {};
 }
 
-bool PresentTable::Holds(ConstBytes record, std::uint64_t sector) {
-    if (pieces_.empty() || HasPieceAt(static_cast<std::int64_t>(sector))) {
+bool PresentTable::HoldsElsewhere(ConstBytes record, std::uint64_t sector) {
+    if (pieces_.empty() || FindPieceAt(static_cast<std::int64_t>(sector))) {
         return true;
     }
     if (!hasExactMap_) {
@@ -72,17 +72,14 @@ bool PresentTable::Holds(ConstBytes record, std::uint64_t sector) {
     return !whole_ && (UsaOffset(record) != kUsaOffsetNew || OwnRecordNumber(record) >= end_);
 }
 
-bool PresentTable::HasPieceAt(std::int64_t sector) {
-    if (sector >= pieces_[last_].First && sector < pieces_[last_].End) {
-        return true;
-    }
+bool PresentTable::FindPieceAt(std::int64_t sector) {
     const auto behind =
         std::upper_bound(pieces_.begin(), pieces_.end(), sector,
                          [](std::int64_t wanted, const Piece& piece) { return wanted < piece.First; });
     if (behind == pieces_.begin() || sector >= std::prev(behind)->End) {
         return false;
     }
-    last_ = static_cast<std::size_t>(std::prev(behind) - pieces_.begin());
+    last_ = *std::prev(behind);
     return true;
 }
 

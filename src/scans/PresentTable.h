@@ -2,7 +2,6 @@
 
 #include "platform/system/Bytes.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -17,23 +16,29 @@ public:
     /// Whether a checked record at an absolute sector is one of the table. Where there is no table, all are;
     /// where pieces of it are missing, so may be those whose place in it isn't known. Passes
     /// CUserException on.
-    [[nodiscard]] bool Holds(ConstBytes record, std::uint64_t sector);
+    [[nodiscard]] bool Holds(ConstBytes record, std::uint64_t sector) {
+        return sector - static_cast<std::uint64_t>(last_.First) < last_.Sectors() ||
+               HoldsElsewhere(record, sector);
+    }
 
 private:
     struct Piece {
-        std::int64_t First; ///< below 0 in front of the medium
-        std::int64_t End;
+        std::int64_t First = 0; ///< below 0 in front of the medium
+        std::int64_t End = 0;
+
+        [[nodiscard]] std::uint64_t Sectors() const { return static_cast<std::uint64_t>(End - First); }
     };
 
     void AddExtents();
     void AddExactMap();
     void AddPiece(std::uint64_t firstSector, std::uint64_t firstRecord, std::uint64_t records);
     void JoinPieces();
-    bool HasPieceAt(std::int64_t sector);
+    bool HoldsElsewhere(ConstBytes record, std::uint64_t sector);
+    bool FindPieceAt(std::int64_t sector);
 
     std::uint64_t known_;       ///< records that the table says it holds
     std::vector<Piece> pieces_; ///< by sector, apart
-    std::size_t last_ = 0;      ///< the one that held a record last
+    Piece last_;                ///< the one that held a record last
     std::uint64_t end_ = 0;     ///< number behind the last record that has a place
     bool hasExactMap_ = false;
     bool whole_ = true; ///< as the exact map tells
