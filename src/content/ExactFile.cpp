@@ -113,7 +113,7 @@ ConstBytes ExactFile::RecordOf(std::uint64_t reference) {
 }
 
 void ExactFile::LoadExtension(std::uint64_t reference, Extension& extension) {
-    if (unfit_ < kMaxUnfit) {
+    if (unfit_ < kMaxUnfit && (!mayGoOn_ || mayGoOn_())) {
         extension.Record.resize(record_.size());
         const auto fits = [&](ConstBytes record) {
             const bool own = IsOwnExtension(record, reference);
@@ -261,6 +261,20 @@ std::vector<ExactStreamInfo> ExactFile::Streams() {
         }
     }
     return streams;
+}
+
+std::optional<ExactPlace> ExactFile::Place() {
+    const auto layout = LayoutOf({});
+    if (!layout) {
+        return std::nullopt;
+    }
+    ExactPlace place{.InRecord = layout->Resident};
+    for (const MapRun& run : layout->Runs.Runs()) {
+        if (!run.Hole) {
+            place.FirstCluster = place.Runs++ == 0 ? run.Lcn : place.FirstCluster;
+        }
+    }
+    return place;
 }
 
 std::vector<ExactName> ExactFile::Names() {

@@ -4,6 +4,7 @@
 #include "content/ExactLayout.h"
 #include "engine/AttributePieces.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,6 +33,13 @@ struct ExactStreamInfo {
     std::uint64_t Size = 0;
 };
 
+/// Where the bytes of a stream lie.
+struct ExactPlace {
+    bool InRecord = false;          ///< then there are no runs
+    std::uint64_t Runs = 0;         ///< without holes
+    std::uint64_t FirstCluster = 0; ///< of the volume; 0 without runs
+};
+
 /// A reparse tag: compressed by the system, its content in the stream "WofCompressedData".
 inline constexpr std::uint32_t kReparseSystemCompressed = 0x80000017;
 
@@ -43,11 +51,17 @@ public:
     /// Reads and checks the entry's record. False where it is damaged or another's.
     bool Open(const CatalogueItem& item);
 
+    /// From now on no further records are read once this says no: those then count as missing.
+    void ReadWhile(std::function<bool()> mayGoOn) { mayGoOn_ = std::move(mayGoOn); }
+
     /// The stream of a name; the empty name is the file's own content. Null where there is none.
     [[nodiscard]] std::unique_ptr<ExactStream> OpenStream(std::u16string_view name = {});
 
     /// All streams but the system's own: the unnamed one, if there is one, first.
     [[nodiscard]] std::vector<ExactStreamInfo> Streams();
+
+    /// Where its own content lies; nothing where there is none.
+    [[nodiscard]] std::optional<ExactPlace> Place();
 
     /// The names, without those that are for DOS alone.
     [[nodiscard]] std::vector<ExactName> Names();
@@ -78,6 +92,7 @@ private:
     std::unique_ptr<ExactStream> OpenSystemCompressed(std::uint64_t size);
     void DoubtPointer(StreamLayout& layout);
 
+    std::function<bool()> mayGoOn_; ///< empty for no limit
     CatalogueItem item_;
     std::vector<std::uint8_t> record_;
     std::vector<ListedPiece> list_;

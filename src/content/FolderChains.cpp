@@ -49,14 +49,19 @@ void FolderChains::Gather() {
     gathered_ = true;
     std::vector<bool> live(CatalogueEntryCount());
     PassEntries([&](std::uint32_t id, const CatalogueEntry& entry) {
+        constexpr std::uint32_t kAskEvery = 0x10000;
+        if (id % kAskEvery == 0 && mayGoOn_ && !mayGoOn_()) {
+            return false;
+        }
         if (id == kTopEntryId || (entry.Flags & kFlagFolder) == 0) {
-            return;
+            return true;
         }
         live[id] = (entry.Flags & kFlagLive) != 0;
         const auto [place, added] = entryOf_.try_emplace(entry.RecordNumber, id);
         if (!added && live[id] && !live[place->second]) {
             place->second = id;
         }
+        return true;
     });
 }
 

@@ -3,6 +3,7 @@
 #include "catalogue/CatalogueReader.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -13,6 +14,11 @@ namespace thntfs {
 /// pass along the catalogue gathers them when the first is asked for.
 class FolderChains {
 public:
+    FolderChains() = default;
+    /// Gathers no further once `mayGoOn` says no; folders may then be missing.
+    explicit FolderChains(std::function<bool()> mayGoOn)
+        : mayGoOn_(std::move(mayGoOn)) {}
+
     /// The folders on the way from the top down to the one that a file reference names by its number, " Root"
     /// or a lost folder first. Empty where the catalogue has none, or its way doesn't begin at the top.
     const std::vector<CatalogueItem>& ChainTo(std::uint64_t reference);
@@ -25,6 +31,7 @@ private:
     void Gather();
     [[nodiscard]] std::vector<CatalogueItem> Climb(std::uint32_t recordNumber) const;
 
+    std::function<bool()> mayGoOn_; ///< empty for no limit
     bool gathered_ = false;
     std::unordered_map<std::uint32_t, std::uint32_t> entryOf_; ///< EntryId by record number
     std::optional<std::uint64_t> last_;                        ///< number of what chain_ leads to

@@ -4,6 +4,7 @@
 
 #include "content/TargetRules.h"
 #include "engine/EngineState.h"
+#include "properties/PropertiesSheet.h"
 #include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "shell/ProcessLogList.h"
@@ -139,7 +140,9 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         TellNotBuilt(QStringLiteral("Save"));
         break;
     case WM_SHOW_PROPERTIES:
-        TellNotBuilt(QStringLiteral("Properties"));
+        if (job_.MayStartWork()) {
+            CPropertiesSheet(this, WM_SHOW_PROPERTIES.First(wParam)).exec();
+        }
         break;
     case WM_FIND_FROM_VIEW:
         SearchFrom(WM_FIND_FROM_VIEW.First(wParam));

@@ -1,9 +1,9 @@
 #include "preview/ImageViewWindow.h"
 
 #include "preview/PictureFile.h"
-#include "preview/WindowTitle.h"
 #include "shell/Icons.h"
 #include "shell/WaitCursor.h"
+#include "shell/WindowTitle.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>

@@ -4,10 +4,10 @@
 #include "content/PreviewContent.h"
 #include "engine/EngineState.h"
 #include "preview/HexView.h"
-#include "preview/WindowTitle.h"
 #include "shell/Icons.h"
 #include "shell/ShownName.h"
 #include "shell/WaitCursor.h"
+#include "shell/WindowTitle.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -8,8 +8,10 @@
 
 namespace thntfs {
 
+struct BelowCounts;
 struct CopyFigures;
 struct CopyJob;
+struct EntryFacts;
 struct FolderNodes;
 struct ProcessLogEntry;
 
@@ -139,6 +141,16 @@ inline constexpr WindowMessage<std::uint32_t> WM_TREE_SELECT_CHILD{WM_APP + 53};
 inline constexpr WindowMessage<std::uint32_t> WM_TREE_SELECT_FOLDER{WM_APP + 55};
 /// The folders are moved from.
 inline constexpr WindowMessage<FolderNodes&> WM_TREE_FILLED{WM_APP + 56};
+
+// To the tab of the properties.
+inline constexpr WindowMessage<const BelowCounts&> WM_PROPS_PROGRESS{WM_APP + 256};
+/// The worker was stopped and is through.
+inline constexpr WindowMessage<> WM_PROPS_DONE{WM_APP + 257};
+inline constexpr WindowMessage<const EntryFacts&> WM_PROPS_FACTS{WM_APP + 258};
+
+// To the properties' sheet.
+/// It ends with the result -1.
+inline constexpr WindowMessage<> WM_PROPS_CLOSE{WM_APP + 513};
 
 // To the file list.
 /// EntryId of a folder.
