@@ -140,6 +140,9 @@ ErrorCode TargetPath::OpenBelow(Level& above, std::size_t index, const Teller& t
 }
 
 ErrorCode TargetPath::MakeBelow(Level& above, Level& level, const std::string& path) {
+    if (above.Handle->IsArchive()) {
+        above.Handle->ExpectSubfolder(datesOf_(level.Item));
+    }
     NameChoice name(rules_, path, NarrowText(level.Item.Name));
     const ErrorCode code = name.Take(above.Numbers, [&](const std::string& free) {
         return above.Handle->MakeSubfolder(free, level.Owned);
@@ -152,9 +155,6 @@ ErrorCode TargetPath::MakeBelow(Level& above, Level& level, const std::string& p
     } else if (!level.Failed) {
         level.MadeName = name.Name();
         made_.Add(level.Item, name.Name());
-        if (above.Handle->IsArchive()) {
-            level.Handle->SetDates(datesOf_(level.Item));
-        }
     }
     return code;
 }

@@ -81,11 +81,18 @@ public:
         return code;
     }
 
-    void AddFolder(const std::string& path, std::optional<std::int64_t> modified) {
-        if (Archive->Begin({path, true, false, std::nullopt, modified}) == kErrorNone &&
-            Archive->End() != kErrorNone) {
+    ErrorCode AddFolder(const std::string& path, const FileDates& dates) {
+        ErrorCode code = Archive->Begin({path, true, false, std::nullopt, SecondsOf(dates.Modified)});
+        if (code != kErrorNone) {
+            return code;
+        }
+        code = Archive->End();
+        if (code == kErrorNone) {
+            Folders.insert(path);
+        } else {
             Archive->Drop();
         }
+        return code;
     }
 
     std::optional<ZipArchive> Archive;
@@ -193,27 +200,27 @@ private:
 class ZipFolder final : public TargetFolder {
 public:
     /// `path`: in the archive; empty for the archive itself, else with '/' behind it.
-    ZipFolder(std::shared_ptr<ZipTarget> target, std::string path, bool isNew)
+    ZipFolder(std::shared_ptr<ZipTarget> target, std::string path)
         : target_(std::move(target))
-        , path_(std::move(path))
-        , isNew_(isNew) {}
+        , path_(std::move(path)) {}
 
     [[nodiscard]] bool IsArchive() const override { return true; }
 
+    void ExpectSubfolder(const FileDates& dates) override { datesBelow_ = dates; }
     ErrorCode MakeSubfolder(const std::string& name, std::unique_ptr<TargetFolder>& folder) override {
-        ErrorCode code = IsPlainName(name) ? target_->Archive->Failure() : kErrorInvalidName;
-        code = target_->Files.contains(path_ + name) ? kErrorFileExists : code;
+        ErrorCode code = IsPlainName(name) ? kErrorNone : kErrorInvalidName;
+        if (code == kErrorNone && !target_->Folders.contains(path_ + name)) {
+            code = Has(name) ? kErrorFileExists : target_->AddFolder(path_ + name, datesBelow_);
+        }
         if (code != kErrorNone) {
             folder.reset();
             return code;
         }
-        const bool isNew = target_->Folders.insert(path_ + name).second;
-        folder = std::make_unique<ZipFolder>(target_, path_ + name + "/", isNew);
-        return kErrorNone;
+        return OpenSubfolder(name, folder);
     }
     ErrorCode OpenSubfolder(const std::string& name, std::unique_ptr<TargetFolder>& folder) override {
         const bool known = target_->Folders.contains(path_ + name);
-        folder = known ? std::make_unique<ZipFolder>(target_, path_ + name + "/", false) : nullptr;
+        folder = known ? std::make_unique<ZipFolder>(target_, path_ + name + "/") : nullptr;
         return known ? kErrorNone : kErrorFileNotFound;
     }
     [[nodiscard]] bool Has(const std::string& name) const override {
@@ -249,11 +256,7 @@ public:
                        const std::string& /*newName*/) override {
         return kErrorInvalidParameter;
     }
-    void SetDates(const FileDates& dates) override {
-        if (std::exchange(isNew_, false)) {
-            target_->AddFolder(path_.substr(0, path_.size() - 1), SecondsOf(dates.Modified));
-        }
-    }
+    void SetDates(const FileDates& /*dates*/) override {}
     [[nodiscard]] std::optional<std::uint64_t> FreeBytes() const override { return std::nullopt; }
     bool KeepsHoles() override { return false; }
     ErrorCode Sync() override { return target_->Complete(); }
@@ -261,7 +264,7 @@ public:
 private:
     std::shared_ptr<ZipTarget> target_;
     std::string path_;
-    bool isNew_; ///< it has no entry yet
+    FileDates datesBelow_; ///< of the folder to be made next
 };
 
 } // namespace
@@ -278,7 +281,7 @@ ErrorCode OpenZipFolder(const std::string& path, std::unique_ptr<TargetFolder>& 
     auto target = std::make_shared<ZipTarget>(std::move(place), absolute.substr(slash + 1));
     code = target->Create();
     if (code == kErrorNone) {
-        folder = std::make_unique<ZipFolder>(std::move(target), "", false);
+        folder = std::make_unique<ZipFolder>(std::move(target), "");
     }
     return code;
 }

@@ -2,6 +2,8 @@
 
 namespace thntfs {
 
+void TargetFolder::ExpectSubfolder(const FileDates& /*dates*/) {}
+
 bool IsPlainName(std::string_view name) {
     if (name.empty() || name == "." || name == "..") {
         return false;

@@ -34,9 +34,12 @@ public:
                                       std::unique_ptr<TargetFolder>& folder);
 
     /// True where all that is written becomes one file in the end: Sync, called once behind all else,
-    /// completes it, a file has to have its final name from the start, and a folder gets its dates once,
-    /// before anything else is made.
+    /// completes it, and a file or folder has to have its final name and dates from the start.
     [[nodiscard]] virtual bool IsArchive() const { return false; }
+
+    /// Told in an archive before MakeSubfolder: the dates of the folder that is to be made. Does nothing by
+    /// default.
+    virtual void ExpectSubfolder(const FileDates& dates);
 
     /// Makes a folder in this one and opens it. A folder that is there already under exactly this name is
     /// opened, and stale part files in it are taken away. Anything else under the name fails with
