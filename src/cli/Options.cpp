@@ -242,18 +242,21 @@ void AddSaveTarget(CLI::App& command, Options& options) {
     targets->require_option(1);
 }
 
+// Words with commas between them.
+void ReadTypes(const std::string& text, FileTypes& types) {
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t comma = std::min(text.find(',', at), text.size());
+        (void)types.Add(std::string_view(text).substr(at, comma - at));
+        at = comma + 1;
+    }
+}
+
 void AddExclude(CLI::App& command, Options& options) {
     command
-        .add_option_function<std::vector<std::string>>(
-            "--exclude",
-            [&options](const std::vector<std::string>& types) {
-                for (const std::string& type : types) {
-                    (void)options.Excluded.Add(type);
-                }
-            },
+        .add_option_function<std::string>(
+            "--exclude", [&options](const std::string& text) { ReadTypes(text, options.Excluded); },
             "Leave out files of these types, by what follows the last dot of the name, such as tmp,bak")
-        ->type_name("TYPE,...")
-        ->delimiter(',');
+        ->type_name("TYPE,TYPE...");
 }
 
 void AddSave(CLI::App& app, Options& options) {

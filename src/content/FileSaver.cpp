@@ -232,6 +232,9 @@ ErrorCode FileSaver::Copy(TargetPath::Level& folder, const Facts& facts, NameCho
     if (copy.Outcome.End == ContentEnd::MediumFailed) {
         return kErrorCrc;
     }
+    if (copy.Outcome.End == ContentEnd::Stopped) {
+        return kErrorGeneralFailure; // told as the stop that it is
+    }
     return copy.Outcome.End == ContentEnd::WriteFailed ? copy.Outcome.WriteError : copy.Error;
 }
 

@@ -16,9 +16,9 @@ enum class SaveReach { All, DeletedOnly, ExistingOnly };
 struct SaveOptions {
     SaveReach Reach = SaveReach::All;
     ConditionSet Conditions = 0; ///< files in these conditions alone
-    FileTypes Excluded;          ///< files of these types are left out
+    FileTypes Excluded = {};     ///< files of these types are left out
     /// What goes before a name that is taken or that the target can't take, UTF-8; then nothing is asked.
-    std::optional<std::string> Prefix;
+    std::optional<std::string> Prefix = std::nullopt;
     bool AsStored = false; ///< by ReadEntryContent: the file's own data alone, under one name, without dates
     bool Streams = false;  ///< named streams are written beside their files and folders
     bool Report = false;   ///< the listener is told of each file, with its SHA-256

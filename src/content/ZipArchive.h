@@ -20,9 +20,9 @@ class File;
 struct ZipEntry {
     std::string Path; ///< UTF-8, with '/' between its names and none in front
     bool Folder = false;
-    bool Stored = false;                  ///< a file whose bytes aren't compressed; needs its size
-    std::optional<std::uint64_t> Size;    ///< bytes that a file has at the most
-    std::optional<std::int64_t> Modified; ///< seconds since 1970; the present where it isn't known
+    bool Stored = false;                       ///< a file whose bytes aren't compressed; needs its size
+    std::optional<std::uint64_t> Size = {};    ///< bytes that a file has at the most
+    std::optional<std::int64_t> Modified = {}; ///< seconds since 1970; the present where it isn't known
 };
 
 /// A ZIP archive that is written from end to end: one entry behind the other, with 64-bit sizes where they

@@ -82,7 +82,7 @@ public:
     }
 
     ErrorCode AddFolder(const std::string& path, const FileDates& dates) {
-        ErrorCode code = Archive->Begin({path, true, false, std::nullopt, SecondsOf(dates.Modified)});
+        ErrorCode code = Archive->Begin({path, true, false, {}, SecondsOf(dates.Modified)});
         if (code != kErrorNone) {
             return code;
         }
@@ -107,11 +107,11 @@ private:
         for (unsigned number = 2; code == kErrorFileExists && number < kMaxNumber; ++number) {
             code = place_->NamePart(part_, NumberedName(name_, number));
         }
-        if (code == kErrorNone) {
-            part_.clear();
-            code = file_->Close();
+        if (code != kErrorNone) {
+            return code;
         }
-        return code == kErrorNone ? place_->Sync() : code;
+        part_.clear();
+        return place_->Sync();
     }
 
     std::unique_ptr<TargetFolder> place_;
@@ -125,7 +125,7 @@ class ZipFile final : public File {
 public:
     ZipFile(std::shared_ptr<ZipTarget> target, std::string path)
         : target_(std::move(target))
-        , entry_{std::move(path), false, false, std::nullopt, std::nullopt} {}
+        , entry_{std::move(path)} {}
     ~ZipFile() override {
         if (begun_ && !kept_) {
             target_->Archive->Drop();

@@ -1,4 +1,5 @@
 #include "CliFixture.h"
+#include "support/ZipReader.h"
 
 #include <array>
 #include <set>
@@ -41,6 +42,25 @@ TEST_F(SaveTest, FoldersAreMadeAgainAndNothingIsWrittenOver) {
     EXPECT_EQ(FilesBelow(target_), files);
     Save(1, {"/not there.txt"}, "No entry has the path /not there.txt");
     Save(3, {"--deleted", "/not there.txt", "/Letters/to whom.txt"}); // a live one is left out
+}
+
+TEST_F(SaveTest, OneZipFileHoldsAllThatIsWanted) {
+    volume_.AddFolder({.Number = 40, .Name = u"Letters"});
+    volume_.AddFile(TextFile(41, u"to whom.txt", "first", 40));
+    volume_.AddFile(TextFile(42, u"old.BAK", "old", 40));
+    volume_.AddFile(TextFile(43, u"gone.txt", "gone", 40, false));
+    volume_.WriteTo(image_);
+    const Words zip = {"save", image_, "--zip", target_, "--exclude", "tmp,bak", "/Letters", "--existing"};
+    const RunResult run = Expect(0, zip);
+    EXPECT_TRUE(Contains(run.Out, "Saved 1 file (5 bytes) in 1 folder")) << run.Out;
+    EXPECT_TRUE(Contains(run.Out, "; 1 file of excluded types left out")) << run.Out;
+    ZipItems items = ReadZip(target_);
+    EXPECT_EQ(items.size(), 2U);
+    EXPECT_EQ(items["Letters/to whom.txt"].Bytes, "first");
+    ExpectRefused(1, zip, "something under this name already");
+    ExpectRefused(1, {"save", image_, "--zip", At("none/a.zip")}, "Cannot save to");
+    ExpectRefused(1, {"save", image_, "--zip", image_, "--same-disk"}, "on the medium that is being read");
+    ExpectRefused(2, {"save", image_, "--zip", At("a"), "--to", At("b")}, "is required and 2 were given");
 }
 
 TEST_F(SaveTest, NoNameLeadsOutOfTheTargetAndNoneHidesAnother) {
