@@ -2,8 +2,10 @@
 
 #include "platform/system/Text.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
+#include <set>
 
 namespace thntfs {
 
@@ -66,6 +68,11 @@ void AddSeed(std::uint32_t entryId, const char* path, std::vector<LocatedEntry>&
     }
 }
 
+std::vector<CatalogueItem> FoldersBelowRoot(const std::vector<CatalogueItem>& folders) {
+    const bool underRoot = !folders.empty() && folders.front().EntryId == kRootEntryId;
+    return {folders.begin() + (underRoot ? 1 : 0), folders.end()};
+}
+
 } // namespace
 
 std::vector<LocatedEntry> FindEntries(std::string_view path) {
@@ -83,6 +90,28 @@ std::vector<LocatedEntry> FindEntries(std::string_view path) {
         search.SearchFolder(0, path);
     }
     return std::move(search.Found);
+}
+
+std::vector<LocatedEntry> LocateEntries(const std::vector<std::uint32_t>& entryIds) {
+    std::set<std::uint32_t> missing(entryIds.begin(), entryIds.end());
+    std::vector<LocatedEntry> found;
+    if (missing.erase(kTopEntryId) != 0) {
+        AddSeed(kTopEntryId, "", found);
+    }
+    EntryWalk walk({}, WalkReach::Whole);
+    std::vector<CatalogueItem> folders;
+    while (!missing.empty() && walk.Next()) {
+        const CatalogueItem& item = walk.Item();
+        folders.resize(std::min(folders.size(), walk.Depth()));
+        if (missing.erase(item.EntryId) != 0) {
+            found.push_back(
+                {item, FoldersBelowRoot(folders), item.EntryId == kRootEntryId ? "/" : walk.Path()});
+        }
+        if (item.IsFolder()) {
+            folders.push_back(item);
+        }
+    }
+    return found;
 }
 
 WalkStart StartAt(const LocatedEntry& folder) {

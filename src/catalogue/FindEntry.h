@@ -3,6 +3,7 @@
 #include "catalogue/CatalogueReader.h"
 #include "catalogue/EntryWalk.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,10 @@ struct LocatedEntry {
 /// All entries with a path, live and deleted, in catalogue order. "/" is " Root"; "" is the top. A name may
 /// hold a slash. Throws CUserException where a block can't be read.
 std::vector<LocatedEntry> FindEntries(std::string_view path);
+
+/// The entries with these EntryIds, 0 for the top among them, in catalogue order; those that no walk meets
+/// are left out. Throws CUserException where a block can't be read.
+std::vector<LocatedEntry> LocateEntries(const std::vector<std::uint32_t>& entryIds);
 
 /// Where a walk over what is below a located folder starts.
 WalkStart StartAt(const LocatedEntry& folder);

@@ -60,4 +60,11 @@ QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString
     return RunSaveDialog(dialog, suggestedName);
 }
 
+QString ChooseFolder(QWidget* owner, const QString& title, const QString& from) {
+    QFileDialog dialog(owner, title, from);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return RunDialog(dialog);
+}
+
 } // namespace thntfs

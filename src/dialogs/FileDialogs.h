@@ -24,4 +24,7 @@ QString ChooseImageToMake(QWidget* owner, const QString& title, const QString& s
 /// with ".txt", and the user has been asked about writing over that file.
 QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString& suggestedName);
 
+/// Asks for a folder that is there, beginning with one; empty for Cancel.
+QString ChooseFolder(QWidget* owner, const QString& title, const QString& from);
+
 } // namespace thntfs

@@ -48,6 +48,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {"scans.htm", "Basic Scan and Turbo Scan"},
     {"browsing.htm", "Looking through the result"},
     {"saving.htm", "Getting files back"},
+    {"whattosave.htm", "What to save"},
     {"scaninfo.htm", "Keeping a scan's result"},
     {"processlog.htm", "The process log"},
     {"features.htm", "What the program does"},

@@ -11,6 +11,7 @@ struct ProcessLogEntry {
     std::string Description; ///< second column, narrow text
     std::string Time;        ///< third column, written by the log itself on arrival
     std::uint8_t Status = 0; ///< kLogInProgress, kLogFailed or kLogDone
+    std::string Opens{};     ///< folder that the row offers to open, empty for none; in no file
 };
 
 enum class BoxIcon { Information, Warning, Stop };

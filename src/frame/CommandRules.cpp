@@ -28,6 +28,8 @@ bool CommandEnabled(std::uint32_t command, const FrameState& state) {
     case kCmdSaveAll:
     case kCmdSaveTreeInfo:
         return state.HasTree && idle;
+    case kCmdSaveChecked:
+        return state.HasTree && idle && state.HasMarks;
     case kCmdFindNext:
         return state.HasFound && idle;
     case kCmdStop:
@@ -41,8 +43,6 @@ bool CommandEnabled(std::uint32_t command, const FrameState& state) {
     case kCmdClearLog:
     case kCmdSaveLog:
         return state.HasLog;
-    case kCmdSaveChecked:
-        return false;
     default:
         return true;
     }

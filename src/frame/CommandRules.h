@@ -9,6 +9,7 @@ struct FrameState {
     bool ScanRunning = false; ///< ScanRunFlag
     bool JobBusy = false;
     bool HasTree = false;       ///< the tree shows at least one item
+    bool HasMarks = false;      ///< at least one folder of it is marked
     bool HasPartitions = false; ///< the medium's candidate list isn't empty
     bool HasLog = false;
     bool HasFound = false;         ///< Find has picked out an entry

@@ -6,6 +6,7 @@
 #include "shell/DesktopState.h"
 #include "shell/PauseGate.h"
 
+#include <exception>
 #include <system_error>
 
 namespace thntfs {
@@ -18,10 +19,10 @@ QString LittleFoundNote() {
                                  : QString();
 }
 
+} // namespace
+
 QString FinishedText(FinishedJob kind) {
     switch (kind) {
-    case FinishedJob::Save:
-        return QStringLiteral("Saving data completed.");
     case FinishedJob::FileTypes:
         return QStringLiteral("Searching for file type(s) finished.");
     case FinishedJob::BasicScan:
@@ -35,6 +36,8 @@ QString FinishedText(FinishedJob kind) {
         return {};
     }
 }
+
+namespace {
 
 const char* WorkName(CopyWork work) {
     switch (work) {
@@ -118,9 +121,9 @@ ProcessLogEntry JobControl::EntryOf(CopyWork work, CopyEvent event) {
     return currentEntry_;
 }
 
-void JobControl::TellFinished(FinishedJob kind) {
+void JobControl::TellFinished(const QString& text) {
     panes_.EndProgress();
-    if (const QString text = FinishedText(kind); !text.isEmpty()) {
+    if (!text.isEmpty()) {
         ShowBox(text, QStringLiteral("Information"), BoxIcon::Information);
     }
 }
@@ -133,6 +136,19 @@ void JobControl::EndFailed() {
 void JobControl::ReturnToIdle() {
     Engine.ScanRunFlag = 0;
     jobBusy_ = false;
+}
+
+// What the library throws for want of memory ends a job like a catalogue that can't be had.
+bool RunGuarded(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const CUserException&) { // its box has been seen
+        return false;
+    } catch (const std::exception& failure) {
+        Host().ErrorBox(failure.what());
+        return false;
+    }
+    return true;
 }
 
 } // namespace thntfs

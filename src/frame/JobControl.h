@@ -4,6 +4,7 @@
 #include "shell/JobThread.h"
 #include "shell/WindowMessages.h"
 
+#include <QString>
 #include <functional>
 #include <memory>
 
@@ -36,8 +37,9 @@ public:
     /// Asks whether the job is to stop, while its worker stands still.
     void Stop();
 
-    /// The worker is through: takes the bar away and tells so in a box. ReturnToIdle is still to come.
-    void TellFinished(FinishedJob kind);
+    /// The worker is through: takes the bar away and tells so in a box, unless there is nothing to tell.
+    /// ReturnToIdle is still to come.
+    void TellFinished(const QString& text);
     /// The worker could not begin or go on.
     void EndFailed();
     void ReturnToIdle();
@@ -55,5 +57,11 @@ private:
     bool jobBusy_ = false;
     std::unique_ptr<JobThread> workerThread_;
 };
+
+/// What the box at the end of a job tells; empty where there is none, or where the job has a text of its own.
+QString FinishedText(FinishedJob kind);
+
+/// Runs a part of a worker's work. False where it has thrown, of which the user has been told.
+bool RunGuarded(const std::function<void()>& work);
 
 } // namespace thntfs

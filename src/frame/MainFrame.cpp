@@ -18,6 +18,7 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QStatusTipEvent>
+#include <utility>
 
 namespace thntfs {
 
@@ -42,7 +43,8 @@ CMainFrame::CMainFrame()
     , scanInfo_(*this)
     , job_(*this, panes_)
     , previews_([this] { SetPreviewWindowOpen(previews_.AnyOpen()); })
-    , scans_(job_, *this, *treeView_, panes_) {
+    , scans_(job_, *this, *treeView_, panes_)
+    , saves_(job_, *this, panes_, *this) {
     SetMainWindow(this);
     setWindowTitle(QLatin1String(kProgramName));
     setWindowIcon(LoadIcon("app"));
@@ -129,6 +131,7 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         break;
     case WM_JOB_PROGRESS:
         panes_.ShowProgress();
+        saves_.ShowProgress();
         break;
     case WM_PROGRESS_CAPTION:
         panes_.SetPhase(WM_PROGRESS_CAPTION.First(wParam));
@@ -137,7 +140,10 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         panes_.ShowTotals(WM_UPDATE_TOTALS.First(wParam));
         break;
     case WM_SAVE_REQUEST:
-        TellNotBuilt(QStringLiteral("Save"));
+        QTimer::singleShot(0, this, [this] { saves_.Begin(); }); // once the view's menu has gone
+        break;
+    case WM_SAVE_NAME:
+        saves_.AskName(WM_SAVE_NAME.First(wParam));
         break;
     case WM_SHOW_PROPERTIES:
         if (job_.MayStartWork()) {
@@ -217,8 +223,15 @@ void CMainFrame::StartTurboScan() {
     UpdateCommands();
 }
 
+void CMainFrame::SaveEntries(std::vector<std::uint32_t> entryIds) {
+    if (Desktop.WaitDialog == nullptr) {
+        Engine.MarkedEntries = std::move(entryIds);
+        saves_.Begin();
+    }
+}
+
 void CMainFrame::FinishJob(FinishedJob kind) {
-    job_.TellFinished(kind);
+    job_.TellFinished(kind == FinishedJob::Save ? saves_.EndText() : FinishedText(kind));
     if (!ending_) {
         showMaximized();
     }

@@ -5,6 +5,7 @@
 #include "frame/CommandSet.h"
 #include "frame/FindSearch.h"
 #include "frame/JobControl.h"
+#include "frame/SaveJob.h"
 #include "frame/ScanInfoFiles.h"
 #include "frame/ScanJob.h"
 #include "frame/StatusPanes.h"
@@ -15,6 +16,7 @@
 #include <QMainWindow>
 #include <QTimer>
 #include <cstdint>
+#include <vector>
 
 class QDockWidget;
 class QDragEnterEvent;
@@ -80,6 +82,7 @@ private:
     static void PassCopyPosition(std::uint32_t done, std::uint32_t total);
     void StartBasicScan();
     void StartTurboScan();
+    void SaveEntries(std::vector<std::uint32_t> entryIds);
     void FinishJob(FinishedJob kind);
     void ClearViews();
     void LoadTreeInfoByDialog();
@@ -111,6 +114,7 @@ private:
     JobControl job_;
     Previews previews_;
     ScanJob scans_;
+    SaveJob saves_;
 
     std::uint8_t logicalDriveNumber_ = 4; ///< of the volume in work, for log lines
     std::uint32_t viewMode_ = kCmdDetails;

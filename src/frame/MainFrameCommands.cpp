@@ -62,6 +62,12 @@ void CMainFrame::RunCommand(std::uint32_t command) {
             StartTurboScan();
         }
         break;
+    case kCmdSaveAll:
+        SaveEntries({kTopEntryId});
+        break;
+    case kCmdSaveChecked:
+        SaveEntries(treeView_->CheckedEntries());
+        break;
     case kCmdListNameless:
         scans_.SetListsNameless(!scans_.ListsNameless());
         break;
@@ -141,6 +147,7 @@ FrameState CMainFrame::State() const {
     state.ScanRunning = Engine.ScanRunFlag != 0;
     state.JobBusy = job_.JobBusy();
     state.HasTree = !treeView_->IsEmpty();
+    state.HasMarks = treeView_->HasMarks();
     // A search changes the list of candidates on its own thread, to its very end, and a copy empties it
     // there.
     state.HasPartitions = !TheDesktopHost().IsSearching() && Desktop.CopyDialog == nullptr &&

@@ -1,9 +1,9 @@
 #include "frame/ScanInfoFiles.h"
 
-#include "content/TargetRules.h"
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
+#include "frame/TargetQuestion.h"
 #include "platform/files/ReplacementFile.h"
 #include "platform/system/Text.h"
 #include "scaninfo/PartitionInfoFile.h"
@@ -29,17 +29,8 @@ std::tm LocalNow() {
     return *std::localtime(&now);
 }
 
-// A file on the medium that is being read might land on what the user wants back.
-bool LiesElsewhere(const QString& path, std::string_view extension) {
-    const std::string target = ScanInfoPlaceOf(path.toStdString(), extension).Target;
-    if (!CheckTarget(target, {SourceMediumPath(), {}, {}}).Allowed()) {
-        ShowBox(QStringLiteral(
-                    "%1 lies on the medium that is being read.\nPlease choose a place on another disk.")
-                    .arg(QString::fromStdString(target)),
-                QStringLiteral("Warning"), BoxIcon::Warning);
-        return false;
-    }
-    return true;
+bool MayWriteScanInfo(const QString& path, std::string_view extension) {
+    return MayWriteTo(QString::fromStdString(ScanInfoPlaceOf(path.toStdString(), extension).Target));
 }
 
 // Scan information holds the medium's path, by which it is opened again.
@@ -104,7 +95,7 @@ bool ScanInfoFiles::SaveTree() {
     const QString path = ChooseFileToSave(
         wizard != nullptr ? wizard : &owner_, QStringLiteral("Save Tree Info"),
         QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(), TextOf(kTreeInfoExtension));
-    if (path.isEmpty() || !LiesElsewhere(path, kTreeInfoExtension) || !PathIsKept()) {
+    if (path.isEmpty() || !MayWriteScanInfo(path, kTreeInfoExtension) || !PathIsKept()) {
         return false;
     }
     const bool done = SaveTreeInfo(path.toStdString()).Done;
@@ -117,7 +108,7 @@ void ScanInfoFiles::SavePartitions() const {
     const QString path = ChooseFileToSave(&owner_, QStringLiteral("Save Partition Info"),
                                           QString::fromStdString(SuggestedPartitionInfoName(LocalNow())),
                                           PartitionFilter(), TextOf(kPartitionInfoExtension));
-    if (!path.isEmpty() && LiesElsewhere(path, kPartitionInfoExtension) && PathIsKept()) {
+    if (!path.isEmpty() && MayWriteScanInfo(path, kPartitionInfoExtension) && PathIsKept()) {
         SavePartitionInfo(path.toStdString());
     }
 }
@@ -125,7 +116,7 @@ void ScanInfoFiles::SavePartitions() const {
 void SaveLog(QWidget& owner, const ProcessLog& log) {
     const QString path =
         ChooseTextFileToSave(&owner, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
-    if (path.isEmpty() || !LiesElsewhere(path, {})) {
+    if (path.isEmpty() || !MayWriteTo(path)) {
         return;
     }
     ReplacementFile file;

@@ -2,6 +2,7 @@
 
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
+#include "frame/JobControl.h"
 #include "scaninfo/JobLog.h"
 #include "scans/BasicScan.h"
 #include "scans/TurboScan.h"
@@ -10,7 +11,6 @@
 #include "shell/WindowMessages.h"
 #include "views/THNTFSTreeView.h"
 
-#include <exception>
 #include <functional>
 
 namespace thntfs {
@@ -76,15 +76,9 @@ bool RunTurboScan(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t numb
     return true;
 }
 
-// What the library throws for want of memory ends a scan like a catalogue that can't be made.
 bool RunToEnd(MessageTarget& frame, FinishedJob kind, const std::function<bool()>& scan) {
     bool done = false;
-    try {
-        done = scan();
-    } catch (const CUserException&) { // its box has been seen
-    } catch (const std::exception& failure) {
-        Host().ErrorBox(failure.what());
-    }
+    RunGuarded([&] { done = scan(); });
     if (done) {
         WM_JOB_FINISHED.Send(&frame, kind);
     } else {

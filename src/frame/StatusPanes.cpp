@@ -72,6 +72,8 @@ void StatusPanes::ForgetTotals() { panes_[1]->setText(QLatin1String(kNoTotalsTex
 
 void StatusPanes::ClearMarked() { panes_[2]->clear(); }
 
+void StatusPanes::ShowWork(const QString& text) { panes_[2]->setText(text); }
+
 void StatusPanes::BeginProgress(const char* caption) {
     constexpr int kWholePane = 100;
     constexpr int kMaximum = 100;

@@ -38,6 +38,8 @@ public:
     void SetPhase(const char* phase);
     /// Shows ProgressDone of ProgressTotal; nothing without a job's progress.
     void ShowProgress();
+    /// How much of a job's work is done, in the third pane.
+    void ShowWork(const QString& text);
     void EndProgress() { progressBar_.reset(); }
 
 private:

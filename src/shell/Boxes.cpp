@@ -138,6 +138,8 @@ void PrepareBoxes() {
     }
 }
 
+bool BoxesAreRefused() { return boxesRefused; }
+
 void RefuseBoxes(bool refuse) {
     boxesRefused = refuse;
     if (!refuse) {

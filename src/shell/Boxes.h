@@ -26,5 +26,6 @@ void PrepareBoxes();
 /// From now on nothing is asked or told any more, as the program has been told to end: boxes that stand are
 /// closed, and others answer themselves with OK, No or Cancel.
 void RefuseBoxes(bool refuse);
+bool BoxesAreRefused();
 
 } // namespace thntfs

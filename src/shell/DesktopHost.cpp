@@ -11,6 +11,10 @@ void DesktopHost::LogEvent(const ProcessLogEntry& entry) { WM_LOG_EVENT.Send(Mai
 
 // The bar shows whole percents, so a look that would not change it is spared the way to the other thread.
 void DesktopHost::JobProgress() {
+    if (manyWorks_) {
+        PassOnNowAndThen();
+        return;
+    }
     const int percent = ProgressPercent();
     if (percent == sentPercent_) {
         return;
@@ -19,7 +23,24 @@ void DesktopHost::JobProgress() {
     WM_JOB_PROGRESS.Send(MainWindow());
 }
 
+void DesktopHost::PassOnNowAndThen() {
+    constexpr std::chrono::milliseconds kPace{100};
+    const auto now = std::chrono::steady_clock::now();
+    if (now - passedOn_ >= kPace) {
+        WM_JOB_PROGRESS.Send(MainWindow());
+        passedOn_ = std::chrono::steady_clock::now();
+    }
+}
+
+void DesktopHost::SetManyWorks(bool many) {
+    manyWorks_ = many;
+    failuresTold_.clear();
+}
+
 void DesktopHost::ErrorBox(const std::string& text) {
+    if (manyWorks_ && !failuresTold_.insert(text).second) {
+        return;
+    }
     ShowBox(QString::fromStdString(text), QStringLiteral("Error"), BoxIcon::Stop);
 }
 

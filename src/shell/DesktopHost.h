@@ -4,6 +4,9 @@
 #include "shell/MessageTarget.h"
 
 #include <atomic>
+#include <chrono>
+#include <set>
+#include <string>
 
 namespace thntfs {
 
@@ -28,12 +31,24 @@ public:
     /// look at the progress is passed on whatever it says.
     void BeginProgress() { sentPercent_ = kNothingSent; }
 
+    /// To be called by a job of many small works, each with a progress of its own, before and after: looks at
+    /// the progress are passed on some times a second, whatever they say, and a failure that repeats itself
+    /// has one box.
+    void SetManyWorks(bool many);
+
 private:
+    void PassOnNowAndThen();
+
     static constexpr int kNothingSent = -1;
 
     MessageTarget* searchDialog_ = nullptr;
     int sentSearchPercent_ = kNothingSent; ///< written by the search's thread while one runs
     std::atomic<int> sentPercent_{kNothingSent};
+
+    // The worker's.
+    bool manyWorks_ = false;
+    std::chrono::steady_clock::time_point passedOn_;
+    std::set<std::string> failuresTold_;
 };
 
 /// The one that the program runs with.

@@ -5,6 +5,7 @@
 
 #include <QBrush>
 #include <QColor>
+#include <QFont>
 
 namespace thntfs {
 
@@ -25,6 +26,13 @@ QString OnOneRow(const std::string& text) {
         }
     }
     return row;
+}
+
+// As links are.
+QFont Underlined() {
+    QFont font;
+    font.setUnderline(true);
+    return font;
 }
 
 } // namespace
@@ -83,6 +91,10 @@ QVariant LogModel::data(const QModelIndex& index, int role) const {
         return IsLast(index.row()) ? QVariant(QBrush(QColor(kLastRowColour))) : QVariant();
     case Qt::ForegroundRole: // the mark is bright, whatever the palette
         return IsLast(index.row()) ? QVariant(QBrush(Qt::black)) : QVariant();
+    case Qt::FontRole:
+        return FolderOf(index.row()).isEmpty() ? QVariant() : QVariant(Underlined());
+    case kOpensRole:
+        return FolderOf(index.row());
     default:
         return {};
     }
@@ -112,6 +124,10 @@ QString LogModel::CellText(int row, int column) const {
     default:
         return OnOneRow(entry.Time);
     }
+}
+
+QString LogModel::FolderOf(int row) const {
+    return QString::fromStdString(log_.Rows()[static_cast<std::size_t>(row)].Opens);
 }
 
 const QIcon& LogModel::IconOf(int row) const {

@@ -14,6 +14,8 @@ namespace thntfs {
 /// have come in batches, so a long log costs it no more for each row than a short one.
 class LogModel : public QAbstractTableModel {
 public:
+    static constexpr int kOpensRole = Qt::UserRole; ///< folder that a row offers to open, empty for none
+
     LogModel();
 
     /// Adds a row; its time is the present one.
@@ -35,6 +37,7 @@ private:
     void ShowArrived();
     [[nodiscard]] QString CellText(int row, int column) const;
     [[nodiscard]] const QIcon& IconOf(int row) const;
+    [[nodiscard]] QString FolderOf(int row) const;
     [[nodiscard]] bool IsLast(int row) const { return row == shownRows_ - 1; }
 
     ProcessLog log_;

@@ -1,13 +1,16 @@
 #include "shell/ProcessLogList.h"
 
+#include "shell/Boxes.h"
 #include "shell/WindowMessages.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDesktopServices>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <QStringList>
+#include <QUrl>
 #include <algorithm>
 
 namespace thntfs {
@@ -41,6 +44,8 @@ CProcessLogList::CProcessLogList(QWidget* parent)
     setIconSize({kIconSize, kIconSize});
     setModel(&model_);
     SetUpHeader();
+    connect(this, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex& row) { OpenFolderOf(row); });
     // Connected behind the view's own handling of new rows, so it has counted them.
     connect(&model_, &QAbstractItemModel::rowsInserted, this, [this] { scrollToBottom(); });
 }
@@ -86,6 +91,8 @@ void CProcessLogList::FitColumns() {
 void CProcessLogList::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy)) {
         CopySelection();
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        OpenFolderOf(currentIndex());
     } else {
         QTreeView::keyPressEvent(event);
     }
@@ -97,6 +104,14 @@ bool CProcessLogList::focusNextPrevChild(bool next) {
     }
     tabTarget_->setFocus(Qt::TabFocusReason);
     return true;
+}
+
+void CProcessLogList::OpenFolderOf(const QModelIndex& row) const {
+    const QString folder = row.data(LogModel::kOpensRole).toString();
+    if (!folder.isEmpty() && !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+        ShowBox(folder + QStringLiteral("\ncan't be opened from here."), QStringLiteral("Error"),
+                BoxIcon::Stop);
+    }
 }
 
 void CProcessLogList::CopySelection() const {

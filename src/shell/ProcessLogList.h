@@ -8,7 +8,8 @@
 
 namespace thntfs {
 
-/// The list of the process log. Takes WM_LOG_ADD; the last row is marked and scrolled into view.
+/// The list of the process log. Takes WM_LOG_ADD; the last row is marked and scrolled into view. A row that
+/// offers a folder opens it by a double-click or Enter.
 class CProcessLogList : public QTreeView, public MessageTarget {
 public:
     explicit CProcessLogList(QWidget* parent = nullptr);
@@ -31,6 +32,7 @@ private:
     void SetUpHeader();
     void FitColumns();
     void CopySelection() const;
+    void OpenFolderOf(const QModelIndex& row) const;
 
     LogModel model_;
     QPointer<QWidget> tabTarget_;

@@ -14,6 +14,7 @@ struct CopyJob;
 struct EntryFacts;
 struct FolderNodes;
 struct ProcessLogEntry;
+struct SaveNameRequest;
 
 /// A numbered message and the types of what its words carry, two at most: numbers, and references or pointers
 /// to what stays the sender's.
@@ -110,6 +111,8 @@ inline constexpr WindowMessage<> WM_CLEAR_VIEWS{WM_APP + 14};
 inline constexpr WindowMessage<> WM_JOB_FAILED{WM_APP + 15};
 /// As WM_CLEAR_VIEWS; gives 1 where the user keeps what they show.
 inline constexpr WindowMessage<> WM_GIVE_UP_SCAN{WM_APP + 16};
+/// Gets the answer.
+inline constexpr WindowMessage<SaveNameRequest&> WM_SAVE_NAME{WM_APP + 18};
 
 // To the process log.
 inline constexpr WindowMessage<const ProcessLogEntry&> WM_LOG_ADD{WM_APP + 17};

@@ -142,6 +142,21 @@ bool FolderTreeModel::AllChildrenAre(std::uint32_t place, FolderMark mark) const
                        [&](std::uint32_t child) { return marks_[child] == mark; });
 }
 
+// The marks above follow those below.
+bool FolderTreeModel::HasMarks() const { return !IsEmpty() && marks_[kTop] != FolderMark::Unchecked; }
+
+std::vector<std::uint32_t> FolderTreeModel::CheckedEntries() const {
+    std::vector<std::uint32_t> entries;
+    for (std::uint32_t place = 0; place < folders_.Nodes.size();) {
+        const bool checked = marks_[place] == FolderMark::Checked;
+        if (checked) {
+            entries.push_back(folders_.Nodes[place].EntryId);
+        }
+        place = checked ? folders_.Nodes[place].End : place + 1;
+    }
+    return entries;
+}
+
 // The top is no folder of the volume: the totals leave it out too.
 void FolderTreeModel::SumMarks() const {
     Desktop.MarkedFiles = 0;

@@ -45,6 +45,9 @@ public:
     /// Checks an unchecked folder and all below it, else unchecks them; the folders above follow.
     void ToggleMark(std::uint32_t place);
     [[nodiscard]] FolderMark MarkOf(std::uint32_t place) const { return marks_[place]; }
+    [[nodiscard]] bool HasMarks() const;
+    /// EntryIds of the checked folders, but for those that stand in a checked one.
+    [[nodiscard]] std::vector<std::uint32_t> CheckedEntries() const;
     /// Sets the engine state's sums over the checked folders and the files right in them.
     void SumMarks() const;
 

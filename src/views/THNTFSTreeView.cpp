@@ -57,6 +57,10 @@ void CTHNTFSTreeView::Clear() {
 
 bool CTHNTFSTreeView::IsEmpty() const { return model_->IsEmpty(); }
 
+bool CTHNTFSTreeView::HasMarks() const { return model_->HasMarks(); }
+
+std::vector<std::uint32_t> CTHNTFSTreeView::CheckedEntries() const { return model_->CheckedEntries(); }
+
 std::uint32_t CTHNTFSTreeView::CurrentEntry() const {
     return IsEmpty() ? 0 : model_->Node(model_->Current()).EntryId;
 }

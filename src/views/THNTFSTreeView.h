@@ -5,6 +5,7 @@
 
 #include <QPointer>
 #include <QTreeView>
+#include <vector>
 
 namespace thntfs {
 
@@ -33,6 +34,10 @@ public:
     void Clear();
 
     [[nodiscard]] bool IsEmpty() const;
+
+    [[nodiscard]] bool HasMarks() const;
+    /// EntryIds of the folders whose whole content is marked, without those within another one.
+    [[nodiscard]] std::vector<std::uint32_t> CheckedEntries() const;
 
     /// EntryId of the current folder, 0 while there is none.
     [[nodiscard]] std::uint32_t CurrentEntry() const;

@@ -1,0 +1,50 @@
+#include "dialogs/ExcludedTypes.h"
+
+#include "dialogs/NameRules.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace thntfs {
+
+namespace {
+
+constexpr QSize kListSize{260, 200};
+
+} // namespace
+
+QString FaultOfType(const QString& type, const QStringList& types) {
+    if (type.isEmpty() || types.contains(type, Qt::CaseInsensitive)) {
+        return QStringLiteral("Text box is empty or entered file type already exists");
+    }
+    if (type.size() > kMaxTypeLength) {
+        return QStringLiteral("Please enter file extension length less than or equals to 219 characters.");
+    }
+    return MayBeTyped(type) ? QString() : QLatin1String(kNameRuleText);
+}
+
+CExcludedTypes::CExcludedTypes(QWidget* owner, const QStringList& types)
+    : QDialog(owner) {
+    setWindowTitle(QStringLiteral("Excluded File Types"));
+    auto* list = new QListWidget(this);
+    list->setObjectName(QStringLiteral("1061"));
+    list->addItems(types);
+    list->setCurrentRow(0);
+    auto* label = new QLabel(QStringLiteral("&File types to exclude:"), this);
+    label->setBuddy(list);
+    auto* close = new QPushButton(QStringLiteral("&Close"), this);
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(close);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(label);
+    layout->addWidget(list, 1);
+    layout->addLayout(buttons);
+    resize(kListSize);
+}
+
+} // namespace thntfs

@@ -1,0 +1,130 @@
+#include "frame/SaveJob.h"
+
+#include "content/TargetName.h"
+#include "dialogs/RenameFile.h"
+#include "dialogs/SaveChoice.h"
+#include "dialogs/SaveData.h"
+#include "engine/EngineState.h"
+#include "frame/JobControl.h"
+#include "frame/SaveNotes.h"
+#include "frame/StatusPanes.h"
+#include "frame/TargetQuestion.h"
+#include "shell/Boxes.h"
+
+#include <utility>
+
+namespace thntfs {
+
+namespace {
+
+SaveOptions OptionsOf(const SaveWishes& wishes) {
+    SaveOptions options;
+    options.Reach = wishes.Reach;
+    options.AsStored = wishes.AsStored;
+    options.Streams = wishes.Streams && !wishes.AsStored;
+    if (wishes.UsesPrefix) {
+        options.Prefix = wishes.Prefix.toStdString();
+    }
+    for (const QString& type : wishes.Types) {
+        if (wishes.IgnoresTypes) {
+            options.Excluded.Add(type.toStdString());
+        }
+    }
+    return options;
+}
+
+// Together they would bring back wrong bytes under right names.
+bool CatalogueFits() {
+    if (!CatalogueIsOfVolumeInWork()) {
+        ShowBox(QStringLiteral("What the window shows belongs to another medium or partition than the one "
+                               "that is open now.\nPlease open and scan it again."),
+                QStringLiteral("Warning"), BoxIcon::Warning);
+    }
+    return CatalogueIsOfVolumeInWork();
+}
+
+QString SuggestedName(const SaveNameRequest& request) {
+    return QString::fromStdString(request.Why == NameTrouble::Exists ? NumberedName(request.Name, 2)
+                                                                     : FitName(request.Name));
+}
+
+const char* ReasonFor(NameTrouble why) {
+    return why == NameTrouble::Exists ? "this one exists in the folder already"
+                                      : "the folder can't take this one";
+}
+
+} // namespace
+
+SaveJob::SaveJob(JobControl& job, MessageTarget& frame, StatusPanes& panes, QWidget& owner)
+    : job_(job)
+    , frame_(frame)
+    , panes_(panes)
+    , owner_(owner) {}
+
+void SaveJob::Begin() {
+    SaveWishes wishes = LoadSaveWishes();
+    if (!job_.MayStartWork() || !CatalogueFits() || !Ask(wishes)) {
+        return;
+    }
+    run_.EntryIds = Engine.MarkedEntries;
+    run_.Folder = wishes.Folder.toStdString();
+    run_.Options = OptionsOf(wishes);
+    run_.Progress = {};
+    run_.Totals = {};
+    job_.SetRunning();
+    panes_.BeginProgress(kBlankCaption);
+    panes_.SetPhase("Saving");
+    job_.StartWorker([this] { SaveThread(frame_, run_); });
+}
+
+// Each dialog's choice is kept once it is made.
+bool SaveJob::Ask(SaveWishes& wishes) {
+    if (CSaveChoice(&owner_, wishes).exec() != QDialog::Accepted) {
+        return false;
+    }
+    KeepSaveWishes(wishes);
+    CSaveData where(&owner_, wishes, [this](const QString& folder) { return OpenTarget(folder); });
+    if (where.exec() != QDialog::Accepted) {
+        return false;
+    }
+    KeepSaveWishes(wishes);
+    return true;
+}
+
+bool SaveJob::OpenTarget(const QString& folder) {
+    if (!MayWriteTo(folder)) {
+        return false;
+    }
+    const ErrorCode code = TargetFolder::OpenTargetFolder(folder.toStdString(), true, run_.Target);
+    if (code != kErrorNone) {
+        const QString why = code == kErrorDirectory ? QStringLiteral("It is a file, or lies below one.")
+                                                    : QString::fromStdString(SystemErrorText(code));
+        ShowBox(QStringLiteral("Data can't be saved to %1\n%2").arg(folder, why), QStringLiteral("Error"),
+                BoxIcon::Stop);
+    }
+    return code == kErrorNone;
+}
+
+void SaveJob::ShowProgress() {
+    if (run_.Saver != nullptr) {
+        panes_.ShowWork(run_.Progress.Text(run_.Saver->Done()));
+    }
+}
+
+// Whoever tells the program to end is asked nothing.
+void SaveJob::AskName(SaveNameRequest& request) {
+    if (BoxesAreRefused()) {
+        return;
+    }
+    CRenameFile dialog(&owner_, QString::fromStdString(request.Name), QLatin1String(ReasonFor(request.Why)),
+                       SuggestedName(request));
+    dialog.exec();
+    using Answer = CRenameFile::Answer;
+    const Answer chosen = dialog.Chosen();
+    request.ForAll = chosen == Answer::RenameAll || chosen == Answer::SkipAll;
+    if (chosen == Answer::Rename || chosen == Answer::RenameAll) {
+        request.Answer = {NameAnswer::Kind::Rename, dialog.NewName().toStdString()};
+    }
+}
+
+} // namespace thntfs

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "content/SaveEntries.h"
+
+#include <QElapsedTimer>
+#include <QString>
+
+namespace thntfs {
+
+/// How far a save is, as the status bar tells it.
+class SaveProgress {
+public:
+    /// The first file is about to be saved.
+    void Begin(const SaveWork& wanted);
+
+    /// "12 of 345 files, 1.2 MB of 3.4 GB, 5 minutes left"; the time once it can be judged.
+    [[nodiscard]] QString Text(const SaveWork& done) const;
+
+private:
+    [[nodiscard]] QString TimeLeft(const SaveWork& done) const;
+
+    SaveWork wanted_;
+    QElapsedTimer since_;
+};
+
+/// "Saved 12 files (3.4 MB) in 2 folders; 1 damaged; 2 could not be saved", with all there is to tell.
+QString SaveSummary(const SaveTotals& totals);
+
+/// The same for the box at the end, where only what went wrong is worth telling.
+QString SaveEndText(const SaveTotals& totals);
+
+} // namespace thntfs
