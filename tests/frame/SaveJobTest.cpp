@@ -38,6 +38,8 @@ std::map<std::string, std::string> FilesBelow(const std::string& folder) {
 
 class SaveJobs : public FrameFixture {
 protected:
+    SaveJobs() { KeepSaveWishes({}); } // of the test before
+
     void Load(const std::string& image) {
         LoadByMenu(SavedScanOf(Volume(image)));
         WatchMedium();
@@ -63,8 +65,8 @@ protected:
 
     void SaveAll() {
         PressKey(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-        EXPECT_TRUE(Answers.AllDone());
         EXPECT_TRUE(WaitForIdle());
+        EXPECT_TRUE(Answers.AllDone());
     }
 
     /// Saves with the terminal program and gives what it saved.
@@ -116,6 +118,7 @@ TEST_F(SaveJobs, SaveAllGivesWhatTheTerminalProgramGives) {
     RunEvents();
     const QModelIndex last = log.model()->index(log.model()->rowCount() - 1, 0);
     log.scrollTo(last);
+    QTest::mouseClick(log.viewport(), Qt::LeftButton, {}, log.visualRect(last).center());
     QTest::mouseDClick(log.viewport(), Qt::LeftButton, {}, log.visualRect(last).center());
     EXPECT_EQ(LastBox(), Target() + "\ncan't be opened from here.") << "there is no desktop";
 }
@@ -146,7 +149,8 @@ TEST_F(SaveJobs, MarkedFoldersAndSelectedRows) {
     QTimer::singleShot(0, menu, [menu] {
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[0]).center());
     });
-    ASSERT_TRUE(WaitUntil([this] { return Answers.AllDone(); }));
+    ASSERT_TRUE(
+        WaitUntil([this] { return LogRows().back().starts_with("Completed saving to " + Target() + "2"); }));
     ASSERT_TRUE(WaitForIdle());
     EXPECT_EQ(Engine.MarkedEntries.size(), rows);
 }
