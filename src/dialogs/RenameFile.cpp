@@ -14,7 +14,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr int kLetters = 60; // of the name that show
+constexpr int kNameLetters = 60; // of the name that show
 
 QString FaultOfName(const QString& name) {
     if (name.isEmpty()) {
@@ -47,7 +47,7 @@ CRenameFile::CRenameFile(QWidget* owner, const QString& name, const QString& why
 }
 
 QLayout* CRenameFile::Texts(const QString& name, const QString& why) {
-    const int width = kLetters * fontMetrics().averageCharWidth();
+    const int width = kNameLetters * fontMetrics().averageCharWidth();
     auto* nameLabel = new QLabel(fontMetrics().elidedText(name, Qt::ElideMiddle, width), this);
     nameLabel->setObjectName(QStringLiteral("1095"));
     nameLabel->setTextFormat(Qt::PlainText);

@@ -21,7 +21,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr int kLetters = 60; // of the folder's path that show
+constexpr int kPathLetters = 60; // of the folder's path that show
 constexpr int kMaxPrefix = 100;
 
 void Warn(const QString& text) { ShowBox(text, QStringLiteral("Warning"), BoxIcon::Warning); }
@@ -61,7 +61,7 @@ CSaveData::CSaveData(QWidget* owner, SaveWishes& wishes, MaySave maySave)
 
 void CSaveData::MakeParts() {
     folder_ = Named(new QLineEdit(wishes_.Folder, this), 1092);
-    folder_->setMinimumWidth(kLetters * fontMetrics().averageCharWidth());
+    folder_->setMinimumWidth(kPathLetters * fontMetrics().averageCharWidth());
     browse_ = Named(new QPushButton(QStringLiteral("..."), this), 1093);
     browse_->setAccessibleName(QStringLiteral("Browse"));
     browse_->setFixedWidth(browse_->sizeHint().height() * 2);
@@ -202,7 +202,7 @@ void CSaveData::accept() {
         prefix_->setFocus();
         return;
     }
-    if (!maySave_(folder)) {
+    if (!maySave_(folder, compresses_->isChecked())) {
         folder_->setFocus();
         return;
     }

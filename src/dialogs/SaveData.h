@@ -14,8 +14,9 @@ namespace thntfs {
 /// Asks where to save to, and for the file types to leave out, the compression and the prefix.
 class CSaveData : public QDialog {
 public:
-    /// Asked about the folder, an absolute path, when the user is done: false keeps the dialog open.
-    using MaySave = std::function<bool(const QString& folder)>;
+    /// Asked about the folder, an absolute path, and whether one compressed file is to be written there, when
+    /// the user is done: false keeps the dialog open.
+    using MaySave = std::function<bool(const QString& folder, bool compressed)>;
 
     /// Shows the wishes and, once accepted, has written the new ones there.
     CSaveData(QWidget* owner, SaveWishes& wishes, MaySave maySave);

@@ -1,6 +1,7 @@
 #include "frame/SaveJob.h"
 
 #include "content/TargetName.h"
+#include "content/ZipFolder.h"
 #include "dialogs/RenameFile.h"
 #include "dialogs/SaveChoice.h"
 #include "dialogs/SaveData.h"
@@ -11,6 +12,7 @@
 #include "frame/TargetQuestion.h"
 #include "shell/Boxes.h"
 
+#include <QDate>
 #include <utility>
 
 namespace thntfs {
@@ -43,6 +45,18 @@ bool CatalogueFits() {
     return CatalogueIsOfVolumeInWork();
 }
 
+// Under a name of its own, as nothing is written over.
+ErrorCode OpenArchive(SaveRun& run) {
+    const std::string name =
+        QDate::currentDate().toString(QStringLiteral("'Saved data 'yyyy-MM-dd'.zip'")).toStdString();
+    ErrorCode code = kErrorFileExists;
+    for (unsigned number = 1; code == kErrorFileExists; ++number) {
+        run.Place = run.Folder + "/" + (number == 1 ? name : NumberedName(name, number));
+        code = OpenZipFolder(run.Place, run.Target);
+    }
+    return code;
+}
+
 QString SuggestedName(const SaveNameRequest& request) {
     return QString::fromStdString(request.Why == NameTrouble::Exists ? NumberedName(request.Name, 2)
                                                                      : FitName(request.Name));
@@ -67,7 +81,6 @@ void SaveJob::Begin() {
         return;
     }
     run_.EntryIds = Engine.MarkedEntries;
-    run_.Folder = wishes.Folder.toStdString();
     run_.Options = OptionsOf(wishes);
     run_.Progress = {};
     run_.Totals = {};
@@ -83,7 +96,9 @@ bool SaveJob::Ask(SaveWishes& wishes) {
         return false;
     }
     KeepSaveWishes(wishes);
-    CSaveData where(&owner_, wishes, [this](const QString& folder) { return OpenTarget(folder); });
+    CSaveData where(&owner_, wishes, [this](const QString& folder, bool compressed) {
+        return OpenTarget(folder, compressed);
+    });
     if (where.exec() != QDialog::Accepted) {
         return false;
     }
@@ -91,11 +106,16 @@ bool SaveJob::Ask(SaveWishes& wishes) {
     return true;
 }
 
-bool SaveJob::OpenTarget(const QString& folder) {
+bool SaveJob::OpenTarget(const QString& folder, bool compressed) {
     if (!MayWriteTo(folder)) {
         return false;
     }
-    const ErrorCode code = TargetFolder::OpenTargetFolder(folder.toStdString(), true, run_.Target);
+    run_.Folder = folder.toStdString();
+    run_.Place = run_.Folder;
+    ErrorCode code = TargetFolder::OpenTargetFolder(run_.Folder, true, run_.Target);
+    if (code == kErrorNone && compressed) {
+        code = OpenArchive(run_);
+    }
     if (code != kErrorNone) {
         const QString why = code == kErrorDirectory ? QStringLiteral("It is a file, or lies below one.")
                                                     : QString::fromStdString(SystemErrorText(code));

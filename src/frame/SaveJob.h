@@ -34,7 +34,7 @@ public:
 
 private:
     bool Ask(SaveWishes& wishes);
-    bool OpenTarget(const QString& folder);
+    bool OpenTarget(const QString& folder, bool compressed);
 
     JobControl& job_;
     MessageTarget& frame_;

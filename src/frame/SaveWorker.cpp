@@ -28,7 +28,7 @@ void SaveAll(SaveRun& run, SaveListener& listener) {
 
 void LogEnd(const SaveRun& run) {
     ProcessLogEntry entry;
-    entry.Name = (run.Totals.Stopped ? "Aborted saving to " : "Completed saving to ") + run.Folder;
+    entry.Name = (run.Totals.Stopped ? "Aborted saving to " : "Completed saving to ") + run.Place;
     entry.Description = SaveSummary(run.Totals).toStdString() + ". Double-click to open the folder";
     entry.Status = run.Totals.Stopped ? kLogFailed : kLogDone;
     entry.Opens = run.Folder;
@@ -39,7 +39,7 @@ void LogEnd(const SaveRun& run) {
 
 void SaveThread(MessageTarget& frame, SaveRun& run) {
     TheDesktopHost().SetManyWorks(true);
-    LogLine("Saving data to " + run.Folder, kSaveRule, kLogInProgress);
+    LogLine("Saving data to " + run.Place, kSaveRule, kLogInProgress);
     SaveNotes notes(frame);
     const bool done = RunGuarded([&] { SaveAll(run, notes); });
     TheDesktopHost().SetManyWorks(false);
@@ -47,7 +47,7 @@ void SaveThread(MessageTarget& frame, SaveRun& run) {
         LogEnd(run);
         WM_JOB_FINISHED.Send(&frame, FinishedJob::Save);
     } else {
-        LogLine("Aborted saving to " + run.Folder, "The scan's result can't be read", kLogFailed);
+        LogLine("Aborted saving to " + run.Place, "The scan's result can't be read", kLogFailed);
         WM_JOB_FAILED.Send(&frame);
     }
 }

@@ -17,7 +17,8 @@ class MessageTarget;
 /// send.
 struct SaveRun {
     std::vector<std::uint32_t> EntryIds;
-    std::string Folder; ///< path of the target
+    std::string Folder; ///< that what is saved stands in
+    std::string Place;  ///< as the log tells it: the folder, or the file in it
     std::unique_ptr<TargetFolder> Target;
     SaveOptions Options;
 

@@ -57,7 +57,8 @@ protected:
     }
 
     int RunPage(const std::function<void(CSaveData&)>& act) {
-        return Run<CSaveData>(act, Wishes, [this](const QString& folder) {
+        return Run<CSaveData>(act, Wishes, [this](const QString& folder, bool compressed) {
+            EXPECT_EQ(compressed, folder != QLatin1String("/x"));
             Asked.append(folder);
             return MaySave;
         });

@@ -191,6 +191,23 @@ TEST_F(SaveJobs, NamesThatAreTakenAreAskedFor) {
     EXPECT_EQ(FilesBelow(Target()).size(), third.size() + first.size());
 }
 
+TEST_F(SaveJobs, CompressedIntoOneFile) {
+    Load("basic.img");
+    for (int i = 0; i < 2; ++i) {
+        AnswerDialogs(Target(), [i](CSaveData& page) {
+            if (i == 0) {
+                Press(page, "Compress Data");
+            }
+        });
+        Answers.When<CRenameFile>([](CRenameFile& dialog) { Press(dialog, "Skip All"); });
+        SaveAll();
+    }
+    const auto files = FilesBelow(Target());
+    ASSERT_EQ(files.size(), 2U) << "the second one under a number";
+    EXPECT_TRUE(files.begin()->second.starts_with("PK\3\4"));
+    EXPECT_NE(LogRows().back().find(" (2).zip | Saved "), std::string::npos) << LogRows().back();
+}
+
 TEST_F(SaveJobs, AStopIsTold) {
     Load("office.img");
     AtRead(20, [this] {
