@@ -114,6 +114,9 @@ QModelIndex FolderTreeModel::IndexOf(std::uint32_t place) const {
 }
 
 void FolderTreeModel::SetCurrent(std::uint32_t place, bool bold) {
+    if (place == current_ && bold == bold_) {
+        return;
+    }
     const std::uint32_t old = std::exchange(current_, place);
     bold_ = bold;
     TellChanged(old);

@@ -13,6 +13,7 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <utility>
 
 namespace thntfs {
@@ -42,7 +43,20 @@ void CTHNTFSTreeView::SetUpLook() {
     setIconSize({kTreeIconPixels, kTreeIconPixels});
     setContextMenuPolicy(Qt::PreventContextMenu);
     header()->setStretchLastSection(false);
-    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    FitColumn();
+}
+
+// As wide as the names. Measuring takes long, and many changes may come before anybody sees one: the header's
+// own way measures at each.
+void CTHNTFSTreeView::FitColumn() {
+    fitTimer_.setSingleShot(true);
+    connect(&fitTimer_, &QTimer::timeout, this, [this] { resizeColumnToContents(0); });
+    const auto fit = [this] { fitTimer_.start(); };
+    connect(model_, &QAbstractItemModel::modelReset, this, fit);
+    connect(model_, &QAbstractItemModel::dataChanged, this, fit);
+    connect(this, &QTreeView::expanded, this, fit);
+    connect(this, &QTreeView::collapsed, this, fit);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, fit);
 }
 
 void CTHNTFSTreeView::FillTree() {

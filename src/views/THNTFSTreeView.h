@@ -4,6 +4,7 @@
 #include "views/FolderNodes.h"
 
 #include <QPointer>
+#include <QTimer>
 #include <QTreeView>
 #include <vector>
 
@@ -67,6 +68,7 @@ private:
     enum class Part { None, Branch, Mark, Name };
 
     void SetUpLook();
+    void FitColumn();
     void TakeFolders(FolderNodes& folders);
     void SelectChild(std::uint32_t entryId);
     void SelectFolder(std::uint32_t entryId);
@@ -85,6 +87,7 @@ private:
 
     FolderTreeModel* model_;
     FolderDelegate* delegate_;
+    QTimer fitTimer_; ///< the column waits for its width
     CTHNTFSListView* listView_ = nullptr;
     QPointer<QWidget> backTabTarget_;
 };
