@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QtMath>
 #include <algorithm>
 
 namespace thntfs {
@@ -26,6 +27,11 @@ constexpr QRgb kSelectedGround = qRgb(173, 214, 255);
 constexpr Qt::GlobalColor kPaper = Qt::white;
 constexpr Qt::GlobalColor kInk = Qt::black;
 
+// Characters stand in cells of whole pixels, as wide as the columns of a font in full size expect.
+int CharCell(const QFont& font) {
+    return std::max(1, qCeil(QFontMetricsF(font).horizontalAdvance(QLatin1Char('0'))));
+}
+
 QFont DumpFont() {
     QFont font;
     font.setFamilies({QStringLiteral("Courier New"), QStringLiteral("Liberation Mono"),
@@ -33,6 +39,8 @@ QFont DumpFont() {
     font.setStyleHint(QFont::Monospace);
     font.setFixedPitch(true);
     font.setPointSize(kFontPoints);
+    const qreal advance = QFontMetricsF(font).horizontalAdvance(QLatin1Char('0'));
+    font.setLetterSpacing(QFont::AbsoluteSpacing, CharCell(font) - advance);
     return font;
 }
 
@@ -48,11 +56,10 @@ CHexView::CHexView(QWidget* parent)
     setObjectName(QStringLiteral("HexView"));
     setAccessibleName(tr("Content in hexadecimal"));
     setFont(DumpFont());
-    const QFontMetricsF metrics(font());
-    lineHeight_ = std::max(1, qRound(metrics.height() + std::max<qreal>(0, metrics.leading())));
-    charWidth_ = std::max(1, qRound(metrics.averageCharWidth()));
-    advance_ = std::max<qreal>(1, metrics.horizontalAdvance(QLatin1Char('0')));
+    lineHeight_ = std::max(1, fontMetrics().height() + std::max(0, fontMetrics().leading()));
+    charWidth_ = CharCell(font());
     setFocusPolicy(Qt::StrongFocus);
+    setFrameShape(QFrame::NoFrame);
     viewport()->setCursor(lineCount_ == 0 ? Qt::ArrowCursor : Qt::IBeamCursor);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
 }
@@ -146,16 +153,15 @@ void CHexView::PaintRules(QPainter& painter, const QRect& clip) const {
     }
 }
 
-QRectF CHexView::CharsRect(std::uint32_t line, int first, int count) const {
-    return {kOffsetChars * charWidth_ + kMargin + first * advance_,
-            static_cast<qreal>(line) * lineHeight_ + kMargin, count * advance_,
-            static_cast<qreal>(lineHeight_)};
+QRect CHexView::CharsRect(std::uint32_t line, int first, int count) const {
+    return {(kOffsetChars + first) * charWidth_ + kMargin, static_cast<int>(line) * lineHeight_ + kMargin,
+            count * charWidth_, lineHeight_};
 }
 
 // The nearest one.
 std::uint64_t CHexView::ByteAt(const QPoint& at) const {
-    const qreal x = at.x() + horizontalScrollBar()->value() - kOffsetChars * charWidth_ - kMargin;
-    const int character = static_cast<int>(x / advance_);
+    const int x = at.x() + horizontalScrollBar()->value() - kOffsetChars * charWidth_ - kMargin;
+    const int character = x / charWidth_;
     const int line = std::clamp((at.y() + verticalScrollBar()->value() - kMargin) / lineHeight_, 0,
                                 static_cast<int>(lineCount_) - 1);
     constexpr int kLast = static_cast<int>(kHexLineBytes) - 1;
@@ -241,7 +247,7 @@ void CHexView::ShowCaret() {
     } else if (bottom > bar->value() + viewport()->height()) {
         bar->setValue(bottom - viewport()->height());
     }
-    const QRect pair = CharsRect(0, HexPairAt(static_cast<int>(caret_ % kHexLineBytes)), 2).toAlignedRect();
+    const QRect pair = CharsRect(0, HexPairAt(static_cast<int>(caret_ % kHexLineBytes)), 2);
     QScrollBar* across = horizontalScrollBar();
     if (pair.left() < across->value()) {
         across->setValue(pair.left());

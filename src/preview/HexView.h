@@ -43,7 +43,7 @@ private:
     void PaintLine(QPainter& painter, std::uint32_t line) const;
     void PaintSelection(QPainter& painter, std::uint32_t line) const;
     void PaintRules(QPainter& painter, const QRect& clip) const;
-    [[nodiscard]] QRectF CharsRect(std::uint32_t line, int first, int count) const;
+    [[nodiscard]] QRect CharsRect(std::uint32_t line, int first, int count) const;
     [[nodiscard]] std::uint64_t ByteAt(const QPoint& at) const;
     void MoveTo(std::int64_t offset, bool extend);
     void ShowCaret();
@@ -51,8 +51,7 @@ private:
 
     std::uint32_t lineCount_;
     int lineHeight_;
-    int charWidth_; ///< the average
-    qreal advance_; ///< from one character to the next
+    int charWidth_;
     int offsetsWidth_ = 0;
     int binaryWidth_ = 0;
     std::uint64_t anchor_ = 0; ///< where the selection began

@@ -63,6 +63,18 @@ QLineEdit* ReadOnlyLine(const QString& text) {
     return line;
 }
 
+// What is greyed is still to be read, which some palettes don't see to.
+QPalette ReadableWhenDisabled(QPalette palette) {
+    const QColor text = palette.color(QPalette::Active, QPalette::Text);
+    const QColor ground = palette.color(QPalette::Active, QPalette::Base);
+    const QColor between((2 * text.red() + ground.red()) / 3, (2 * text.green() + ground.green()) / 3,
+                         (2 * text.blue() + ground.blue()) / 3);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, between);
+    }
+    return palette;
+}
+
 QWidget* ReadOnlyLines(const QString& text) {
     auto* lines = new QPlainTextEdit(text);
     lines->setReadOnly(true);
@@ -127,6 +139,7 @@ void CPropertiesTabCtrl::CreateAttributes() {
         auto* box = new QCheckBox(tr(attribute.Text));
         box->setChecked(((entry_.Flags & attribute.Flag) != 0) != attribute.WhenClear);
         box->setEnabled(false);
+        box->setPalette(ReadableWhenDisabled(box->palette()));
         grid->addWidget(box, place / kBoxesARow, place % kBoxesARow);
         ++place;
     }
@@ -144,7 +157,8 @@ void CPropertiesTabCtrl::AddRow(const QString& caption, QWidget* value) {
     auto* label = new QLabel(caption);
     label->setBuddy(value);
     value->setAccessibleName(caption);
-    fields_->addWidget(label, row, 0, Qt::AlignTop);
+    const bool oneLine = dynamic_cast<QLineEdit*>(value) != nullptr;
+    fields_->addWidget(label, row, 0, oneLine ? Qt::AlignVCenter : Qt::AlignTop);
     fields_->addWidget(value, row, 1);
 }
 

@@ -2,7 +2,11 @@
 // it one) and saves what stands on it. THNTFS_SCREENS names the folder for them, THNTFS_SAMPLE the sample's
 // image.
 
+#include "catalogue/EntryWalk.h"
 #include "frame/FrameFixture.h"
+#include "preview/HexView.h"
+#include "preview/PictureFile.h"
+#include "shell/WindowMessages.h"
 #include "support/desktop/Widgets.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"
@@ -96,6 +100,41 @@ TEST_F(Screens, MainWindowAboutAndHelp) {
     Shoot("main-icons");
     PressKey(Qt::Key_F1);
     Shoot("help");
+}
+
+TEST_F(Screens, PreviewsAndProperties) {
+    const std::string sample = qEnvironmentVariable("THNTFS_SAMPLE").toStdString();
+    LoadByMenu(SavedScanOf(sample.empty() ? Volume("basic.img") : sample));
+    std::uint32_t picture = 0;
+    std::uint32_t other = 0;
+    std::uint32_t folder = 0;
+    EntryWalk walk(WalkStart{});
+    while (walk.Next()) {
+        const CatalogueItem& item = walk.Item();
+        const bool image = !item.IsFolder() && IsImageName(item.Name);
+        picture = image && picture == 0 ? item.EntryId : picture;
+        other = !image && !item.IsFolder() && item.Size > 1000 && (item.Flags & 0x800) == 0 ? item.EntryId
+                                                                                            : other;
+        folder = item.IsFolder() && walk.Depth() == 1 ? item.EntryId : folder;
+    }
+    for (const auto& [name, entryId] : {std::pair("preview-picture", picture), {"preview-hex", other}}) {
+        WM_SHOW_PREVIEW.Send(Frame.get(), entryId);
+        QTest::qWait(kSettleMilliseconds);
+        QWidget* window = QApplication::activeWindow();
+        if (auto* view = window->findChild<CHexView*>()) {
+            view->Select({19, 30});
+            QTest::keyClick(view, Qt::Key_F, Qt::ControlModifier);
+        }
+        Shoot(name);
+        Frame->close();
+    }
+    for (const auto& [name, entryId] : {std::pair("properties-file", other), {"properties-folder", folder}}) {
+        QTimer::singleShot(kSettleMilliseconds, Frame.get(), [shot = name] {
+            Shoot(shot);
+            Press(*QApplication::activeModalWidget(), "Close");
+        });
+        WM_SHOW_PROPERTIES.Send(Frame.get(), entryId);
+    }
 }
 
 TEST_F(Screens, RunningScanAndStopQuestion) {
