@@ -3,9 +3,13 @@
 // image.
 
 #include "catalogue/EntryWalk.h"
+#include "dialogs/VarientCloneImageDialog.h"
+#include "disktools/ImageTarget.h"
 #include "frame/FrameFixture.h"
+#include "partitions/OpenSource.h"
 #include "preview/HexView.h"
 #include "preview/PictureFile.h"
+#include "shell/DesktopState.h"
 #include "shell/WindowMessages.h"
 #include "support/desktop/Widgets.h"
 #include "wizard/ChooseSectorRange.h"
@@ -16,6 +20,7 @@
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
+#include <QThread>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -180,6 +185,31 @@ TEST_F(Screens, WizardPages) {
         sheet.done(0);
     });
     RunWizard();
+}
+
+TEST_F(Screens, Copy) {
+    const std::string disk = Volume("logical.img");
+    ASSERT_EQ(OpenSource(disk), kErrorNone);
+    WatchMedium();
+    Plan->Rules = {{4096, 3}};
+    ImageTarget target(disk, Folder / "disk.th2");
+    ASSERT_TRUE(target.Open(false, false).Allowed());
+    CopyJob job = target.TakeJob();
+    AtRead(100, [] {
+        Shoot("copy-image");
+        QTest::mouseClick(ButtonOf(*Desktop.CopyDialog, "Stop Imaging"), Qt::LeftButton);
+    });
+    const auto slowly = Plan->OnRead;
+    Plan->OnRead = [slowly](std::uint64_t index, const ReadRequest& request) {
+        QThread::msleep(20);
+        slowly(index, request);
+    };
+    ShootBoxes({"copy-stop"});
+    Answers.Answer(QMessageBox::Yes);
+    Engine.ScanRunFlag = 1;
+    Desktop.CopyDialog = new CVarientCloneImageDialog;
+    WM_START_IMAGE.Send(Desktop.CopyDialog, job);
+    EXPECT_TRUE(WaitUntil([] { return Desktop.CopyDialog == nullptr; }));
 }
 
 TEST_F(Screens, SearchDialogs) {
