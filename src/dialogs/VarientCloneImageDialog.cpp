@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <algorithm>
 #include <limits>
 #include <system_error>
@@ -156,6 +157,8 @@ void CVarientCloneImageDialog::SetTexts() {
     adjustSize();
     if (const auto* frame = dynamic_cast<QWidget*>(MainWindow())) {
         move(frame->geometry().center() - rect().center());
+        winId(); // makes its window, which the window manager is to keep above the frame's
+        windowHandle()->setTransientParent(frame->windowHandle());
     }
 }
 

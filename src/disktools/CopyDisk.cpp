@@ -1,6 +1,5 @@
 #include "disktools/CopyDisk.h"
 
-#include "disktools/AdoptImage.h"
 #include "disktools/TargetFlow.h"
 #include "engine/EngineState.h"
 #include "engine/FileWrites.h"
@@ -37,9 +36,6 @@ public:
         Engine.ProgressDone = 0;
         Engine.ProgressTotal = ledger_.Map().BytesOf(AreaState::Unread) / sectorBytes_;
         try {
-            if (!fromStart) {
-                AdoptImage(target_, ledger_.Map());
-            }
             CopyPieces(fromStart ? Piece{0, perTransfer_} : NextPiece());
             ledger_.Close(target_, Place());
         } catch (const CUserException& failure) {

@@ -1,4 +1,3 @@
-#include "disktools/AdoptImage.h"
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
@@ -19,7 +18,6 @@ public:
         , buffer_(sectorBytes_) {}
 
     void Run(unsigned passes) {
-        AdoptImage(target_, ledger_.Map());
         while (pass_ < passes && Engine.ScanRunFlag != 0 && BytesOf(AreaState::Bad) != 0) {
             ++pass_;
             RunPass();

@@ -32,6 +32,7 @@ inline constexpr std::uint32_t kCmdLoadPartitionInfo = 32832;
 inline constexpr std::uint32_t kCmdSaveTreeInfo = 32833;
 inline constexpr std::uint32_t kCmdSavePartitionInfo = 32834;
 inline constexpr std::uint32_t kCmdListNameless = 32900;
+inline constexpr std::uint32_t kCmdCloneDisk = 32901;
 inline constexpr std::uint32_t kCmdToolbar16 = 32708;
 inline constexpr std::uint32_t kCmdToolbar48 = 32711;
 inline constexpr std::uint32_t kCmdAbout = 57664;

@@ -17,6 +17,7 @@ bool CommandEnabled(std::uint32_t command, const FrameState& state) {
     const bool idle = noRun && !state.JobBusy;
     switch (command) {
     case kCmdWizard:
+    case kCmdCloneDisk:
         return idle;
     case kCmdOpenFoundDrive:
     case kCmdSavePartitionInfo:

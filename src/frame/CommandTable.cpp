@@ -17,6 +17,8 @@ constexpr auto kCommands = std::to_array<CommandText>({
      "Load Partition Info", "load-info"},
     {kCmdLoadTreeInfo, "Load &Tree Info\tCtrl+O", "Loads the scan results of a partition.", "Load Tree Info",
      "load-info"},
+    {kCmdCloneDisk, "&Clone Disk", "Copies a disk onto another one, which loses all that is on it",
+     "Clone Disk", "task-clone"},
     {kCmdExit, "E&xit\tAlt+F4", "Exit Tarnholt Volume Salvage (NTFS) ?", "Exit", "exit"},
     {kCmdFind, "&Find\tCtrl+F", "Finds specified files/folders", "Find", "find"},
     {kCmdFindNext, "Find Next\tF3", "Finds next matching files/folders", "Find Next", "find-next"},
@@ -68,9 +70,10 @@ constexpr MenuLine Submenu(const char* title, const char* prompt) {
 constexpr MenuLine kSeparator{MenuLine::Kind::Separator, 0, "", ""};
 constexpr MenuLine kEndSubmenu{MenuLine::Kind::EndSubmenu, 0, "", ""};
 
-constexpr auto kFileMenu = std::to_array<MenuLine>(
-    {Line(kCmdWizard), Line(kCmdOpenFoundDrive), Submenu("Open Saved Scan Info", ""),
-     Line(kCmdLoadPartitionInfo), Line(kCmdLoadTreeInfo), kEndSubmenu, kSeparator, Line(kCmdExit)});
+constexpr auto kFileMenu =
+    std::to_array<MenuLine>({Line(kCmdWizard), Line(kCmdOpenFoundDrive), Submenu("Open Saved Scan Info", ""),
+                             Line(kCmdLoadPartitionInfo), Line(kCmdLoadTreeInfo), kEndSubmenu,
+                             Line(kCmdCloneDisk), kSeparator, Line(kCmdExit)});
 
 constexpr auto kToolsMenu = std::to_array<MenuLine>(
     {Line(kCmdFind), Line(kCmdFindNext), Line(kCmdSaveAll), Line(kCmdStop),

@@ -77,6 +77,7 @@ private:
 
     // Volumes, scans, and files of scans.
     void OpenFoundDrive();
+    void RunCloneWizard();
     void RunSheet(CWizardSheet& sheet);
     void BeginCopy(const WizardState& chosen);
     static void PassCopyPosition(std::uint32_t done, std::uint32_t total);

@@ -26,6 +26,9 @@ void CMainFrame::RunCommand(std::uint32_t command) {
     case kCmdWizard:
         RunWizard();
         break;
+    case kCmdCloneDisk:
+        RunCloneWizard();
+        break;
     case kCmdOpenFoundDrive:
         OpenFoundDrive();
         break;

@@ -4,9 +4,18 @@
 #include "engine/EngineState.h"
 #include "frame/MainFrame.h"
 #include "shell/DesktopState.h"
-#include "wizard/WizardState.h"
+#include "wizard/WizardSheet.h"
 
 namespace thntfs {
+
+// The wizard's first page doesn't offer it.
+void CMainFrame::RunCloneWizard() {
+    if (job_.MayStartWork()) {
+        CWizardSheet sheet(this, logicalDriveNumber_);
+        sheet.OpenOnClone();
+        RunSheet(sheet);
+    }
+}
 
 // The wizard has opened both media.
 void CMainFrame::BeginCopy(const WizardState& chosen) {

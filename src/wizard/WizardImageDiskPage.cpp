@@ -37,7 +37,7 @@ CWizardImageDiskPage::CWizardImageDiskPage(WizardState& state, WizardPageOwner& 
           new QLabel(QStringLiteral("This file is there already. If it is an unfinished image of this disk, "
                                     "Finish goes on with it. It is never written over."),
                      this))
-    , retry_(new QCheckBox(QStringLiteral("&Read bad sectors again at the end, passes:"), this))
+    , retry_(new QCheckBox(QStringLiteral("Read bad sectors &again at the end, passes:"), this))
     , passes_(new QSpinBox(this)) {
     oldImage_->setWordWrap(true);
     passes_->setRange(1, kMostPasses);

@@ -124,6 +124,11 @@ void CWizardSheet::OpenOnImage(const QString& path) {
     firstPage_ = kImageSelectionPage;
 }
 
+void CWizardSheet::OpenOnClone() {
+    state_.WizardTask = kTaskClone;
+    firstPage_ = kCloneDiskPage;
+}
+
 // Who opens an image from outside has not asked for disks.
 int CWizardSheet::Run() {
     if (firstPage_ != kImageSelectionPage) {

@@ -35,6 +35,9 @@ public:
     /// To be called before Run: the sheet opens on the image page with this file chosen.
     void OpenOnImage(const QString& path);
 
+    /// To be called before Run: the sheet opens on the page of clones.
+    void OpenOnClone();
+
     /// Tells by a box of each disk that can't be opened, and shows the sheet until it ends. Gives
     /// kWizardFinished or, cancelled, another number.
     int Run();

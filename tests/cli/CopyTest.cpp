@@ -301,6 +301,7 @@ TEST_F(FaultyCopyTest, BadSectorsAreZerosAndNamedAndMayComeBackLater) {
 
     Expect(0, {"image", disk_, copy_, "--resume", "--retry", "1"});
     EXPECT_TRUE(IsImage());
+    Expect(3, {"image", disk_, At("other.th2"), "--retry", "1"}, "", WithBad({701}));
 }
 
 TEST_F(FaultyCopyTest, AStoppedImageIsAValidShorterOneAndGoesOn) {

@@ -9,7 +9,6 @@
 #include "wizard/WizardSheet.h"
 
 #include <QDialog>
-#include <QToolButton>
 #include <QTreeWidget>
 #include <csignal>
 #include <filesystem>
@@ -109,15 +108,11 @@ TEST_F(CopyRoad, ACloneIsToldToTheSystem) {
     }
     Answers.Answer(QMessageBox::Yes);
     Answers.When<CWizardSheet>([&](CWizardSheet& sheet) {
-        auto* clone = sheet.ActivePage().findChildren<QToolButton*>().at(kTaskClone); // is hidden
-        clone->setEnabled(true);
-        clone->click();
-        Press(sheet, "Next >");
         ChooseDevice(sheet, Source->Path());
         ChooseDevice(sheet, target->Path(), 1);
         Press(sheet, "Finish");
     });
-    PressKey(Qt::Key_W, Qt::ControlModifier);
+    ChooseInMenu("File/Clone Disk");
     ASSERT_TRUE(WaitForEnd());
     EXPECT_EQ(Answers.Boxes.back().Text, QStringLiteral("Disk Cloning Completed"));
     EXPECT_EQ(LogRows(),

@@ -96,12 +96,12 @@ TEST_F(ScanJobs, ABasicScanFillsTheWindow) {
 // Between the stop and the worker's end the catalogue is being read, though no scan runs any more.
 TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
     Load("bigfolder.img");
-    const auto startsWork = {"Wizard",         "Open found Logical Drive", "Load Tree Info",
-                             "Save Tree Info", "Load Partition Info",      "Save Partition Info",
-                             "Turbo Scan"};
+    const auto startsWork = {
+        "Wizard",         "Clone Disk",          "Open found Logical Drive", "Load Tree Info",
+        "Save Tree Info", "Load Partition Info", "Save Partition Info",      "Turbo Scan"};
     const auto whileStopping = [&] {
         EXPECT_EQ(Greyed(),
-                  (Titles{"", "Wizard", "Find", "Find Next", "Save All", "Save Tree Info",
+                  (Titles{"", "Wizard", "Clone Disk", "Find", "Find Next", "Save All", "Save Tree Info",
                           "Stop Current Process", "Go to Parent Folder", "Turbo Scan", "Spoor Hound"}));
         EXPECT_EQ(Close(), Texts{"Information: Please wait..."});
         for (const char* title : startsWork) {
