@@ -247,7 +247,7 @@ TEST_F(CopyTest, CloneToADevice) {
     MakeDisk("disk", 3U << 20U);
     MakeDisk("target", 8U << 20U);
     const std::string source = Attach(disk_, "--read-only");
-    const std::string device = Attach(target_);
+    const std::string device = Attach(target_, "--partscan");
     if (source.empty() || device.empty()) {
         GTEST_SKIP() << kNoLoops;
     }
@@ -257,7 +257,8 @@ TEST_F(CopyTest, CloneToADevice) {
                   "disk " + device.substr(5) + ": " + target_ + ", 8.00 MB, serial number N/A");
     const std::string large = Attach(MakeDisk("large", 8U << 20U), "--sector-size 4096");
     ExpectRefused(2, {"clone", source, large}, "Mind that " + large + " has sectors of 4096 bytes");
-    Expect(0, {"clone", source, device, "--yes"});
+    Expect(0, {"clone", source, device, "--yes", "--log", At("log")});
+    EXPECT_FALSE(Contains(ReadWholeFile(At("log")), "has not read")) << "the system looks for partitions";
     EXPECT_EQ(ReadWholeFile(device).substr(0, 3U << 20U), ImageOf(ReadWholeFile(disk_)));
 
     if (MountNewFileSystem(device, mount_)) {
