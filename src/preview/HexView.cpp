@@ -158,7 +158,7 @@ QRect CHexView::CharsRect(std::uint32_t line, int first, int count) const {
             count * charWidth_, lineHeight_};
 }
 
-// The nearest one.
+// The nearest one; in the last line it may lie behind the end.
 std::uint64_t CHexView::ByteAt(const QPoint& at) const {
     const int x = at.x() + horizontalScrollBar()->value() - kOffsetChars * charWidth_ - kMargin;
     const int character = x / charWidth_;
@@ -173,9 +173,7 @@ std::uint64_t CHexView::ByteAt(const QPoint& at) const {
             --byte;
         }
     }
-    const std::uint64_t offset =
-        static_cast<std::uint64_t>(line) * kHexLineBytes + static_cast<unsigned>(byte);
-    return std::min(offset, Engine.PreviewLength - 1);
+    return static_cast<std::uint64_t>(line) * kHexLineBytes + static_cast<unsigned>(byte);
 }
 
 void CHexView::mousePressEvent(QMouseEvent* event) {

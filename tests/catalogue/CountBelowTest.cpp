@@ -51,13 +51,15 @@ TEST_F(CountBelowTest, IsWhatListsAddUpTo) {
         starts.push_back(folder->BlockOffset);
     }
     const FolderIndexNode& loop = catalogue.AddFolder(HandWritten::Top(), 99, u"loop");
-    AddChild(*Engine.Folders->FindOrAddFolder(99).Node, loop.EntryId);
+    FolderIndexNode& damaged = *Engine.Folders->FindOrAddFolder(99).Node;
+    AddChild(damaged, loop.EntryId);
+    AddChild(damaged, catalogue.AddFile(damaged, u"twice", 7));
     const std::uint32_t loopStart = loop.BlockOffset;
     catalogue.Finish();
     for (const std::uint32_t start : starts) {
         EXPECT_EQ(Counted(start), ListedBelow(start));
     }
-    EXPECT_EQ(Counted(loopStart), (Counts{0, 0, 1}));
+    EXPECT_EQ(Counted(loopStart), (Counts{7, 1, 1}));
     EXPECT_EQ(Counted(starts[0], 0), Counts{});
     const Counts part = Counted(starts[0], 1);
     EXPECT_TRUE(part[1] > 0 && part[1] < 20000) << part[1];
