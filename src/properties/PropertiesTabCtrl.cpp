@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
@@ -81,7 +82,8 @@ QWidget* ReadOnlyLines(const QString& text) {
     lines->setTabChangesFocus(true);
     lines->setLineWrapMode(QPlainTextEdit::NoWrap);
     const int shown = std::clamp(static_cast<int>(text.count(QLatin1Char('\n'))) + 1, 2, kMostLinesInView);
-    lines->setFixedHeight((shown + 1) * lines->fontMetrics().lineSpacing());
+    lines->setFixedHeight((shown + 1) * lines->fontMetrics().lineSpacing() +
+                          lines->horizontalScrollBar()->sizeHint().height());
     return lines;
 }
 
