@@ -46,11 +46,7 @@ protected:
 
 QImage SmallPicture() {
     QImage image(24, 16, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, qRgb(10 * x, 15 * y, (x * y) & 255));
-        }
-    }
+    QPainter(&image).fillRect(image.rect(), QGradient(QGradient::WarmFlame));
     return image;
 }
 
@@ -82,11 +78,6 @@ TEST_F(PictureFileTest, NamesOfPictures) {
     }
     EXPECT_EQ(PictureCopyName(u"../x/y.JPG").toStdString(), "picture.dat");
     EXPECT_EQ(PictureCopyName(u"y;rm.JPG").toStdString(), "picture.jpg");
-    const auto formats = QImageReader::supportedImageFormats();
-    for (const char* plugged : {"tiff", "webp", "tga", "svg"}) {
-        EXPECT_EQ(IsImageName(u"a." + QString::fromLatin1(plugged).toStdU16String()),
-                  formats.contains(plugged));
-    }
 }
 
 TEST_F(PictureFileTest, PicturesOfTheLibrarysOwnWriter) {
@@ -112,7 +103,6 @@ TEST_F(PictureFileTest, WhatIsNoPicture) {
         EXPECT_TRUE(Load({}, QLatin1String(name)).isNull()) << name;
         EXPECT_TRUE(Load("A letter to my aunt.\n", QLatin1String(name)).isNull()) << name;
     }
-    EXPECT_TRUE(LoadPicture(Folder.filePath(QStringLiteral("none.jpg"))).isNull());
 }
 
 TEST_F(PictureFileTest, DamagedPicturesDoNoHarm) {

@@ -14,6 +14,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 #include <filesystem>
@@ -88,11 +89,7 @@ private:
 ByteVector PictureBytes(const QColor& left, const QColor& right) {
     QImage image(40, 30, QImage::Format_RGB32);
     image.fill(left);
-    for (int x = 20; x < 40; ++x) {
-        for (int y = 0; y < 30; ++y) {
-            image.setPixelColor(x, y, right);
-        }
-    }
+    QPainter(&image).fillRect(20, 0, 20, 30, right);
     QBuffer buffer;
     EXPECT_TRUE(image.save(&buffer, "PNG"));
     return BytesOf(buffer.data().toStdString());
