@@ -140,7 +140,7 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         panes_.ShowTotals(WM_UPDATE_TOTALS.First(wParam));
         break;
     case WM_SAVE_REQUEST:
-        QTimer::singleShot(0, this, [this] { saves_.Begin(); }); // once the view's menu has gone
+        saves_.Begin();
         break;
     case WM_SAVE_NAME:
         saves_.AskName(WM_SAVE_NAME.First(wParam));

@@ -3,6 +3,7 @@
 #include "shell/WindowMessages.h"
 
 #include <QMenu>
+#include <QTimer>
 #include <utility>
 
 namespace thntfs {
@@ -22,6 +23,17 @@ const WindowMessage<std::uint32_t>& MessageOf(int command) {
     }
 }
 
+// A dialog may follow, in which the menu goes: it must have ended before.
+void Order(QWidget* owner, int command, std::uint32_t entryId, const std::function<void()>& save) {
+    QTimer::singleShot(0, owner, [command, entryId, save] {
+        if (command == kCommandSave) {
+            save();
+        } else {
+            MessageOf(command).Send(MainWindow(), entryId);
+        }
+    });
+}
+
 } // namespace
 
 void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice, std::uint32_t entryId,
@@ -39,13 +51,8 @@ void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& 
     menu->addSeparator();
     add(QStringLiteral("P&roperties"), kCommandProperties, choice.Properties);
     QObject::connect(menu, &QMenu::triggered, owner,
-                     [entryId, save = std::move(save)](const QAction* action) {
-                         const int command = action->data().toInt();
-                         if (command == kCommandSave) {
-                             save();
-                         } else {
-                             MessageOf(command).Send(MainWindow(), entryId);
-                         }
+                     [owner, entryId, save = std::move(save)](const QAction* action) {
+                         Order(owner, action->data().toInt(), entryId, save);
                      });
     QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     menu->popup(at);

@@ -3,6 +3,10 @@
 // image.
 
 #include "catalogue/EntryWalk.h"
+#include "dialogs/RenameFile.h"
+#include "dialogs/SaveChoice.h"
+#include "dialogs/SaveData.h"
+#include "dialogs/THNTFSFindFile.h"
 #include "dialogs/VarientCloneImageDialog.h"
 #include "disktools/ImageTarget.h"
 #include "frame/FrameFixture.h"
@@ -17,6 +21,7 @@
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
@@ -140,6 +145,40 @@ TEST_F(Screens, PreviewsAndProperties) {
         });
         WM_SHOW_PROPERTIES.Send(Frame.get(), entryId);
     }
+}
+
+TEST_F(Screens, SavingAndFinding) {
+    LoadByMenu(SavedScanOf(qEnvironmentVariable("THNTFS_SAMPLE").toStdString()));
+    for (const bool again : {false, true}) {
+        Answers.When<CSaveChoice>([](CSaveChoice& dialog) {
+            Shoot("save-choice");
+            Press(dialog, "OK");
+        });
+        Answers.When<CSaveData>([this](CSaveData& dialog) {
+            dialog.findChild<QLineEdit*>()->setText(QString::fromStdString(Folder / "back"));
+            Shoot("save-where");
+            Press(dialog, "OK");
+        });
+        if (again) {
+            Answers.When<CRenameFile>([](CRenameFile& dialog) {
+                Shoot("save-rename");
+                Press(dialog, "Skip All");
+            });
+        }
+        PressKey(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_TRUE(WaitForIdle());
+    }
+    Shoot("save-finished");
+    Answers.When<CTHNTFSFindFile>([](CTHNTFSFindFile& dialog) {
+        QTest::keyClicks(dialog.findChild<QLineEdit*>(), QStringLiteral("*.png"));
+        Press(dialog, "Options>>");
+        Press(dialog, "Show all hits in one list");
+        Shoot("find");
+        Press(dialog, "Search Now");
+    });
+    PressKey(Qt::Key_F, Qt::ControlModifier);
+    Shoot("find-hits");
+    EXPECT_TRUE(Answers.AllDone());
 }
 
 TEST_F(Screens, RunningScanAndStopQuestion) {

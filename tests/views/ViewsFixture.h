@@ -115,6 +115,7 @@ protected:
         });
         ASSERT_NE(found, actions.end()) << text;
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(*found).center());
+        RunEvents();
     }
     static void CloseMenu() {
         if (QWidget* menu = QApplication::activePopupWidget()) {
