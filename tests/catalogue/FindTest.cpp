@@ -10,34 +10,25 @@ namespace {
 
 TEST(Wildcard, AnswersForNamesAsPeopleWriteThem) {
     struct Case {
-        const char* Pattern;
-        const char* Name;
-        int Folded;
-        int Exact;
+        const char *Pattern, *Name;
+        int Folded, Exact;
     };
     constexpr Case kCases[] = {
-        {"*", "any", 1, 1},
-        {"*", "", 1, 1},
-        {"", "", 1, 1},
-        {"", "a", 0, 0},
-        {"?", "a", 1, 1},
-        {"?", "ab", 0, 0},
-        {"?", "", 0, 0},
-        {"*.doc", "a.docx", 1, 1},
         {"a.doc", "a.docx", 0, 0},
         {"A*.TXT", "ab.txt", 1, 0},
-        {"*.*", "ab", 0, 0},
         {"[x", "{X", 1, 0},
-        {"a**b", "ab", 1, 1},
         {"*aab", "aaab", 1, 1},
         {"?\xC3\xA4?", "x\xC3\xA4y", 1, 1},
-        {"?", "\xC3\xA4", 1, 1},
         {"??", "\xC3\xA4", 0, 0},
         {"\xC3\x84*", "\xC3\xA4rger", 1, 0},
         {"\xD0\xA0?", "\xD1\x80\xD0\xB0", 1, 0}, // small and capital Er differ in both bytes
         {"\xE4\xB8\x80", "\xE4\xB8\xA0", 0, 0},  // these two differ in bit 0x20 of a byte
         {"?", "\xF0\x9F\x98\x80", 1, 1},
         {"?", "\xFF", 1, 1},
+        {"??",
+         "\xC3"
+         "A",
+         1, 1},
         {"\xC3", "\xC3\xA4", 0, 0},
     };
     for (const Case& one : kCases) {
@@ -48,17 +39,16 @@ TEST(Wildcard, AnswersForNamesAsPeopleWriteThem) {
 }
 
 // The rule told plainly: with a star, a front part of the name that the pattern fits is enough.
-bool PlainMatch(const std::string& pattern, std::size_t p, const std::string& name, std::size_t n,
-                bool star) {
-    if (p == pattern.size()) {
-        return star || n == name.size();
+bool PlainMatch(std::string_view pattern, std::string_view name, bool star = false) {
+    if (pattern.empty()) {
+        return star || name.empty();
     }
-    if (pattern[p] == '*') {
-        return PlainMatch(pattern, p + 1, name, n, true) ||
-               (n < name.size() && PlainMatch(pattern, p, name, n + 1, true));
+    if (pattern[0] == '*') {
+        return PlainMatch(pattern.substr(1), name, true) ||
+               (!name.empty() && PlainMatch(pattern, name.substr(1), true));
     }
-    return n < name.size() && (pattern[p] == '?' || (pattern[p] | 0x20) == (name[n] | 0x20)) &&
-           PlainMatch(pattern, p + 1, name, n + 1, star);
+    return !name.empty() && (pattern[0] == '?' || (pattern[0] | 0x20) == (name[0] | 0x20)) &&
+           PlainMatch(pattern.substr(1), name.substr(1), star);
 }
 
 std::string RandomText(std::mt19937& random, const char* letters, std::size_t most) {
@@ -74,34 +64,46 @@ TEST(Wildcard, AgreesWithThePlainRule) {
     for (int i = 0; i < 50000; ++i) {
         const std::string pattern = RandomText(random, "aB.*?", 6);
         const std::string name = RandomText(random, "AaBb.", 8);
-        ASSERT_EQ(MatchWildcard(pattern, name, 0x20) != 0, PlainMatch(pattern, 0, name, 0, false))
+        ASSERT_EQ(MatchWildcard(pattern, name, 0x20) != 0, PlainMatch(pattern, name))
             << pattern << " " << name;
     }
 }
 
-class Find : public CatalogueFixture {};
-
-// As the order is told: from the start anew for each hit, past all that was met before.
-std::vector<std::uint32_t> PlainFind(const FindCriteria& criteria, std::uint32_t startId) {
-    FindMatcher matcher(criteria);
-    std::vector<std::uint32_t> hits;
-    std::deque<std::uint32_t> queue{startId};
-    for (; !queue.empty(); queue.pop_front()) {
-        std::uint64_t bytes = 0;
-        std::uint32_t files = 0;
-        std::uint32_t folders = 0;
-        for (const CatalogueItem& child :
-             ListFolder(LoadEntry(queue.front())->BlockOffset, bytes, files, folders, true)) {
-            if (child.IsFolder()) {
-                queue.push_back(child.EntryId);
-            }
-            if (matcher.Matches(child)) {
-                hits.push_back(child.EntryId);
+class Find : public CatalogueFixture {
+protected:
+    // As the order is told: folder by folder, each in the order of its list.
+    static std::vector<std::uint32_t> PlainFind(const FindCriteria& criteria, std::uint32_t startId) {
+        FindMatcher matcher(criteria);
+        std::vector<std::uint32_t> hits;
+        for (std::deque<std::uint32_t> queue{startId}; !queue.empty(); queue.pop_front()) {
+            std::uint64_t bytes = 0;
+            std::uint32_t files = 0;
+            const std::uint32_t block = LoadEntry(queue.front())->BlockOffset;
+            for (const CatalogueItem& child : ListFolder(block, bytes, files, files, true)) {
+                if (child.IsFolder()) {
+                    queue.push_back(child.EntryId);
+                }
+                if (matcher.Matches(child)) {
+                    hits.push_back(child.EntryId);
+                }
             }
         }
+        return hits;
     }
-    return hits;
-}
+    // Each second look is refused, and the walk goes on from there.
+    static std::vector<std::uint32_t> Found(const FindCriteria& criteria, std::uint32_t startId) {
+        std::vector<std::uint32_t> hits;
+        FindWalk walk(criteria, startId);
+        bool refuse = false;
+        while (!walk.Ended() && hits.size() < 1000) {
+            if (const auto hit = walk.Next([&refuse] { return refuse = !refuse; })) {
+                EXPECT_EQ(LoadEntry(hit->Entry)->ParentNumber, LoadEntry(hit->Folder)->RecordNumber);
+                hits.push_back(hit->Entry);
+            }
+        }
+        return hits;
+    }
+};
 
 TEST_F(Find, GivesTheHitsOfRandomTreesInTheOrderOfTheFoldersLists) {
     std::mt19937 random(3);
@@ -110,15 +112,16 @@ TEST_F(Find, GivesTheHitsOfRandomTreesInTheOrderOfTheFoldersLists) {
         std::vector<FolderIndexNode*> folders{&HandWritten::Root()};
         for (std::uint32_t i = 0; i < 400; ++i) {
             FolderIndexNode& parent = *folders[random() % folders.size()];
-            const std::string name = RandomText(random, "ab.", 4);
+            const std::string text = RandomText(random, "ab.", 4);
+            const std::u16string name(text.begin(), text.end());
             if (random() % 5 == 0) {
-                folders.push_back(&hand.AddFolder(parent, 100 + i, std::u16string(name.begin(), name.end())));
+                folders.push_back(&hand.AddFolder(parent, 100 + i, name));
             } else {
                 CatalogueEntry entry{.Size = random() % 3, .RecordNumber = 1000 + i};
                 entry.Flags = random() % 2 == 0 ? kFlagLive : 0;
                 entry.CreatedDate = static_cast<std::uint16_t>(random() % 3);
                 entry.AccessedDate = static_cast<std::uint16_t>(random() % 3);
-                hand.AddEntry(parent, entry, std::u16string(name.begin(), name.end()));
+                hand.AddEntry(parent, entry, name);
             }
         }
         const std::uint32_t start = tree % 2 == 0 ? kTopEntryId : folders.back()->EntryId;
@@ -130,17 +133,7 @@ TEST_F(Find, GivesTheHitsOfRandomTreesInTheOrderOfTheFoldersLists) {
         }
         criteria.Accessed = tree % 7 == 0 ? std::optional(DosDateRange{1, 2}) : std::nullopt;
         criteria.DeletedOnly = tree % 6 == 0;
-
-        std::vector<std::uint32_t> hits;
-        FindWalk walk(criteria, start);
-        bool refuse = false; // each second look is refused, and the walk goes on from there
-        while (!walk.Ended()) {
-            if (const auto hit = walk.Next([&refuse] { return refuse = !refuse; })) {
-                EXPECT_EQ(LoadEntry(hit->Entry)->ParentNumber, LoadEntry(hit->Folder)->RecordNumber);
-                hits.push_back(hit->Entry);
-            }
-        }
-        EXPECT_EQ(hits, PlainFind(criteria, start)) << tree;
+        EXPECT_EQ(Found(criteria, start), PlainFind(criteria, start)) << tree;
         CloseCatalogue();
     }
 }
@@ -153,14 +146,11 @@ TEST_F(Find, EndsInFoldersThatHoldThemselvesAndTellsNothingOfAFile) {
     const std::uint32_t file = hand.AddFile(folder, u"file");
     const std::uint32_t start = folder.EntryId;
     hand.Finish();
-    const auto goOn = [] { return true; };
     FindWalk walk({.Pattern = "*"}, start);
-    std::vector<std::uint32_t> hits;
-    while (const auto hit = walk.Next(goOn)) {
-        hits.push_back(hit->Entry);
-    }
-    EXPECT_EQ(std::count(hits.begin(), hits.end(), file), 1);
-    EXPECT_LE(hits.size(), 3U);
+    const auto goOn = [] { return true; };
+    EXPECT_EQ(walk.Next(goOn)->Entry, file);
+    EXPECT_TRUE(walk.Next(goOn) && walk.Next(goOn));
+    EXPECT_FALSE(walk.Next(goOn));
     EXPECT_FALSE(FindWalk({.Pattern = "*"}, file).Next(goOn));
     EXPECT_FALSE(FindWalk({.Pattern = "*"}, 12345).Next(goOn));
 }

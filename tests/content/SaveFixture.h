@@ -8,40 +8,37 @@
 #include "support/FailingFileStore.h"
 #include "support/ZipReader.h"
 
-#include <deque>
 #include <filesystem>
-#include <map>
+#include <optional>
+#include <sstream>
 
 namespace thntfs::test {
 
-/// A listener that answers questions from a list, with a number behind its end, and keeps what it is told.
+namespace fs = std::filesystem;
+
+/// A listener that answers questions from a list and keeps what it is told.
 struct ScriptedListener : SaveListener {
     void Renamed(const std::string&, const std::string&) override {}
     void Warned(const std::string&, const std::string&) override {}
-    void Failed(const std::string& path, const std::string&) override { FailedPaths.push_back(path); }
-    void Skipped(const std::string& path) override { SkippedPaths.push_back(path); }
+    void Failed(const std::string&, const std::string&) override { ++Failures; }
+    void Skipped(const std::string& path) override { Told += "-" + path + ", "; }
     void Concluded(const SavedFile& file) override {
-        Reasons[file.Path] = file.Reasons.empty() ? "" : file.Reasons.back();
+        Told += file.Reasons.empty() ? "" : file.Path + ": " + file.Reasons.back() + ", ";
     }
     NameAnswer NameTaken(const std::string& path, const std::string& name, NameTrouble why) override {
-        Asked.push_back(path + " " + name + (why == NameTrouble::Unfit ? "!" : ""));
-        if (Answers.empty()) {
+        Told += path + " " + name + (why == NameTrouble::Unfit ? "!, " : "?, ");
+        std::string word;
+        if (!(Answers >> word) || word == "#") {
             return {};
         }
-        NameAnswer answer = Answers.front();
-        Answers.pop_front();
-        return answer;
+        Engine.ScanRunFlag = word == "stop:" ? 0 : 1;
+        return {word == "-" ? NameAnswer::Kind::Skip : NameAnswer::Kind::Rename, word};
     }
 
-    std::deque<NameAnswer> Answers;
-    Lines Asked; ///< "path name", '!' behind one that the target can't take
-    Lines FailedPaths;
-    Lines SkippedPaths;
-    std::map<std::string, std::string> Reasons; ///< of all files by path
+    std::istringstream Answers; ///< names, '-' to skip, '#' for a number, as behind the end; "stop:" stops
+    std::string Told;           ///< "path name?" or "path name!" that is asked, "-path", "path: reason"
+    std::uint64_t Failures = 0;
 };
-
-inline NameAnswer Rename(const std::string& name) { return {NameAnswer::Kind::Rename, name}; }
-inline NameAnswer Skip() { return {NameAnswer::Kind::Skip, ""}; }
 
 /// A volume that is scanned, and a folder to save to.
 class SaveFixture : public ScanFixture {
@@ -50,11 +47,25 @@ protected:
         EXPECT_EQ(LocateMft(), 1);
         EXPECT_EQ(RunScan([] { return BasicScan(); }), 1);
     }
+    /// Saves everything. What is counted before is what is done, at each moment not more, and in the end all.
     SaveTotals SaveAllTo(std::unique_ptr<TargetFolder> target, const SaveOptions& options = {}) {
         Engine.ScanRunFlag = 1;
-        EntrySaver saver(std::move(target), Listener, options);
+        Listener.emplace().Answers.str(Answers);
+        Work = CountSaveWork(FindEntries(""), options);
+        EntrySaver saver(std::move(target), *Listener, options);
+        MostBetween = 0;
+        Reports.OnProgress = [&, calls = 0]() mutable {
+            const std::uint64_t bytes = saver.Done().Bytes;
+            EXPECT_TRUE(MostBetween <= bytes && bytes <= Work.Bytes);
+            MostBetween = bytes < Work.Bytes ? bytes : MostBetween;
+            Engine.ScanRunFlag = ++calls == StopAt ? 0U : Engine.ScanRunFlag.load();
+        };
         saver.Save(FindEntries(""));
-        return saver.Finish();
+        const SaveTotals totals = saver.Finish();
+        EXPECT_TRUE(totals.Stopped || saver.Done().Bytes == Work.Bytes);
+        EXPECT_TRUE(totals.Stopped || saver.Done().Files == Work.Files);
+        Reports.OnProgress = {};
+        return totals;
     }
     SaveTotals SaveLoose(const SaveOptions& options = {}) {
         std::unique_ptr<TargetFolder> target;
@@ -63,28 +74,30 @@ protected:
     }
     /// As ReadZip gives an archive.
     [[nodiscard]] ZipItems Saved() const {
-        namespace fs = std::filesystem;
         ZipItems items;
         for (const auto& entry : fs::recursive_directory_iterator(Target)) {
             const auto when = std::chrono::file_clock::to_sys(entry.last_write_time()).time_since_epoch();
-            const std::string path = entry.path().string();
-            const ByteVector bytes = entry.is_directory() ? ByteVector() : ReadFileBytes(path);
-            items[path.substr(Target.size() + 1) + (entry.is_directory() ? "/" : "")] = {
+            const bool folder = entry.is_directory();
+            const ByteVector bytes = folder ? ByteVector() : ReadFileBytes(entry.path());
+            items[entry.path().string().substr(Target.size() + 1) + (folder ? "/" : "")] = {
                 {bytes.begin(), bytes.end()}, std::chrono::floor<std::chrono::seconds>(when).count()};
         }
         return items;
     }
-    /// The paths alone.
-    static Lines PathsIn(const ZipItems& items) {
-        Lines paths;
+    /// The paths alone, a blank behind each.
+    static std::string PathsIn(const ZipItems& items) {
+        std::string paths;
         for (const auto& [path, item] : items) {
-            paths.push_back(path);
+            paths += path + " ";
         }
         return paths;
     }
 
-    ScriptedListener Listener;
-    FailingFileStore Store;
+    std::optional<ScriptedListener> Listener; ///< of the last save
+    std::string Answers;
+    int StopAt = 0; ///< the report of progress that stops a save; 0 for none
+    SaveWork Work;
+    std::uint64_t MostBetween = 0; ///< the last count of bytes before the end
     std::string Target = Engine.CatalogueFolder + "/target";
 };
 
