@@ -47,6 +47,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {"ntfsclonewindow.htm", "The clone page"},
     {"scans.htm", "Basic Scan and Turbo Scan"},
     {"browsing.htm", "Looking through the result"},
+    {"finding.htm", "Finding names"},
     {"saving.htm", "Getting files back"},
     {"whattosave.htm", "What to save"},
     {"scaninfo.htm", "Keeping a scan's result"},

@@ -126,13 +126,22 @@ bool SaveJob::OpenTarget(const QString& folder, bool compressed) {
 }
 
 void SaveJob::ShowProgress() {
+    ShowRows();
     if (run_.Saver != nullptr) {
         panes_.ShowWork(run_.Progress.Text(run_.Saver->Done()));
     }
 }
 
+// Each by itself would cost the worker a wait.
+void SaveJob::ShowRows() {
+    for (const ProcessLogEntry& row : std::exchange(run_.Rows, {})) {
+        WM_LOG_EVENT.Send(&frame_, row);
+    }
+}
+
 // Whoever tells the program to end is asked nothing.
 void SaveJob::AskName(SaveNameRequest& request) {
+    ShowRows();
     if (BoxesAreRefused()) {
         return;
     }

@@ -33,6 +33,7 @@ public:
     [[nodiscard]] QString EndText() const { return SaveEndText(run_.Totals); }
 
 private:
+    void ShowRows();
     bool Ask(SaveWishes& wishes);
     bool OpenTarget(const QString& folder, bool compressed);
 

@@ -1,6 +1,5 @@
 #include "frame/SaveNotes.h"
 
-#include "engine/Host.h"
 #include "shell/WindowMessages.h"
 
 namespace thntfs {
@@ -27,9 +26,10 @@ void SaveNotes::Skipped(const std::string& path) { AddRow(path, "skipped", kLogI
 
 void SaveNotes::AddRow(const std::string& path, const std::string& text, std::uint8_t status) {
     if (rows_ < kMaxRows) {
-        LogLine(path, text, status);
+        waitingRows_.push_back({path, text, "", status});
     } else if (rows_ == kMaxRows) {
-        LogLine("Further files aren't listed here", "The last line counts them", kLogFailed);
+        waitingRows_.push_back(
+            {"Further files aren't listed here", "The last line counts them", "", kLogFailed});
     } else {
         return;
     }

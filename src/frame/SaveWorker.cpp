@@ -40,9 +40,10 @@ void LogEnd(const SaveRun& run) {
 void SaveThread(MessageTarget& frame, SaveRun& run) {
     TheDesktopHost().SetManyWorks(true);
     LogLine("Saving data to " + run.Place, kSaveRule, kLogInProgress);
-    SaveNotes notes(frame);
+    SaveNotes notes(frame, run.Rows);
     const bool done = RunGuarded([&] { SaveAll(run, notes); });
     TheDesktopHost().SetManyWorks(false);
+    WM_JOB_PROGRESS.Send(&frame); // the log's last line comes behind all rows
     if (done) {
         LogEnd(run);
         WM_JOB_FINISHED.Send(&frame, FinishedJob::Save);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "content/SaveEntries.h"
+#include "engine/Host.h"
 #include "frame/SaveTexts.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -22,7 +22,8 @@ struct SaveRun {
     std::unique_ptr<TargetFolder> Target;
     SaveOptions Options;
 
-    EntrySaver* Saver = nullptr; ///< while it saves
+    EntrySaver* Saver = nullptr;       ///< while it saves
+    std::vector<ProcessLogEntry> Rows; ///< for the log, which are still to go there
     SaveProgress Progress;
     SaveTotals Totals;
 };
