@@ -3,6 +3,7 @@
 #include "platform/system/SizeText.h"
 
 #include <QStringList>
+#include <cmath>
 
 namespace thntfs {
 
@@ -24,7 +25,9 @@ double CostOf(const SaveWork& work) {
 }
 
 QString RoughTime(double seconds) {
-    const auto rounded = [seconds](double unit) { return static_cast<std::uint64_t>(seconds / unit + 0.5); };
+    const auto rounded = [seconds](double unit) {
+        return static_cast<std::uint64_t>(std::llround(seconds / unit));
+    };
     if (seconds < kMinute) {
         return QStringLiteral("less than a minute");
     }

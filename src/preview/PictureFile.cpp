@@ -16,7 +16,7 @@ constexpr qint64 kMaxPictureBytes = qint64{kMaxPictureMegabytes} << 20U;
 constexpr qint64 kPixelBytes = 4;
 
 // The library unpacks a compressed drawing whole before it looks at it, at up to a thousand times the size.
-constexpr qint64 kMaxPackedDrawing = 256 * 1024;
+constexpr qint64 kMaxPackedDrawing = qint64{256} << 10;
 constexpr const char* kPackedMark = "\x1F\x8B";
 
 // Suffixes in use that the library doesn't tell by itself, and what it calls the format.

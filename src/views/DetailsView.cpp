@@ -79,9 +79,10 @@ void CDetailsView::RememberShares() {
 // As wide as its title, where there is room for all. In a narrow view as wide as what stands in it, for a cut
 // title can still be guessed and a cut number can't, and the names get enough to be read.
 std::vector<int> CDetailsView::LeastWidths() const {
-    std::vector<int> widths;
+    std::vector<int> widths(FileListModel::kColumns);
     for (int column = 0; column < FileListModel::kColumns; ++column) {
-        widths.push_back(isColumnHidden(column) ? 0 : header()->sectionSizeHint(column));
+        widths[static_cast<std::size_t>(column)] =
+            isColumnHidden(column) ? 0 : header()->sectionSizeHint(column);
     }
     if (std::accumulate(widths.begin(), widths.end(), 0) > viewport()->width()) {
         for (int column = 0; column < FileListModel::kColumns; ++column) {

@@ -223,6 +223,30 @@ TEST_F(SaveJobs, FoldersThatWontDo) {
     EXPECT_TRUE(LastBox().starts_with("What the window shows belongs to another medium")) << LastBox();
 }
 
+TEST_F(SaveJobs, AMediumThatGoesAndATargetThatIsFullAreTold) {
+    Load("office.img");
+    AtRead(200, [this] { Plan->Rules = {{0, kForever, kErrorNotReady}}; });
+    SaveAll(Folder / "cut");
+    ExpectLogged("Aborted saving to ");
+    EXPECT_EQ(Answers.Boxes.front().Caption, QStringLiteral("Error"));
+    EXPECT_GT(FilesIn(Folder / "cut"), 0);
+
+    Plan->Rules.clear();
+    Plan->OnRead = nullptr;
+    FailingFileStore store;
+    SetFileStore(&store);
+    store.FailAt(200, kErrorDiskFull, true);
+    SaveAll(Folder / "full");
+    SetFileStore(nullptr);
+    EXPECT_NE(LogRows().back().find("could not be saved"), std::string::npos) << LogRows().back();
+    EXPECT_NE(LastBox().find("could not be saved"), std::string::npos) << LastBox();
+    EXPECT_GT(FilesIn(Folder / "full"), 0);
+
+    SaveAll(Target());
+    SaveByTerminal("office.img");
+    EXPECT_TRUE(SavedTheSame()) << "nothing of the failures stays";
+}
+
 TEST_F(SaveJobs, TheMediumAsTargetIsAskedAbout) {
     Load("basic.img");
     const std::string image = Folder / "ext.img";
