@@ -13,7 +13,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100, 200};
+constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100, 400};
 constexpr int kIconPixels = 16;
 constexpr int kNarrowNameRoom = 80; // beyond the title
 constexpr int kNarrowest = 40;
