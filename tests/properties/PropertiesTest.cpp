@@ -23,10 +23,22 @@ namespace {
 class PropertiesTest : public CatalogueFixture {
 protected:
     PropertiesTest() { OpenVolume(Volume); }
-    ~PropertiesTest() override { WorkerGate().Open(); }
+    ~PropertiesTest() override {
+        WorkerGate().Open();
+        Leave();
+    }
 
-    void Open(std::uint32_t entryId) {
+    /// As a user closes it, so that no worker is at it any more.
+    void Leave() {
+        if (Sheet == nullptr) {
+            return;
+        }
+        Sheet->close();
+        EXPECT_TRUE(WaitUntil([this] { return !Sheet->isVisible(); }));
         Sheet.reset();
+    }
+    void Open(std::uint32_t entryId) {
+        Leave();
         Sheet = std::make_unique<CPropertiesSheet>(nullptr, entryId);
         Sheet->open();
         RunEvents();
@@ -158,7 +170,7 @@ TEST_F(PropertiesTest, AFolderIsCounted) {
     EXPECT_TRUE(WaitForRow("Size: (0.000   KB) 0 bytes"));
     EXPECT_EQ(Rows()[2], "Contains: 0 Files, 0 Folders");
 
-    Sheet.reset();
+    Leave();
     WorkerGate().Close();
     Open(innerId);
     EXPECT_EQ(Checked(), Texts{"Deleted"});
