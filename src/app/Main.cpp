@@ -7,7 +7,6 @@
 #include "platform/system/Interrupt.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
-#include "shell/Settings.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -45,19 +44,14 @@ bool TakeInstance(InstanceLock& lock) {
     return false;
 }
 
-bool WantsWizard() { return OpenSettings().value(QStringLiteral("Wizard/StartUp"), 0).toInt() != 0; }
-
 int RunProgram(QApplication& application, const QString& file) {
     OnInterrupt(Engine.ScanRunFlag);
     PrepareBoxes();
     SetHost(&TheDesktopHost());
+    QApplication::setQuitOnLastWindowClosed(false); // the frame ends the program, and may be hidden
     CMainFrame frame;
     frame.showMaximized();
-    if (!file.isEmpty()) {
-        QTimer::singleShot(0, &frame, [&frame, &file] { frame.OpenFile(file); });
-    } else if (WantsWizard()) {
-        QTimer::singleShot(0, &frame, [&frame] { frame.RunWizard(); });
-    }
+    frame.Begin(file);
     const int status = application.exec();
     CloseCatalogue();
     SetHost(nullptr);

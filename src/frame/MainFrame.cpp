@@ -109,7 +109,7 @@ void CMainFrame::SaveSettings() const {
 std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) {
     switch (message) {
     case WM_SHOW_TIPS:
-        TellNotBuilt(PlainTitle(kCmdTips));
+        ShowTip();
         break;
     case WM_LOG_EVENT:
         return WM_LOG_ADD.Send(logList_, WM_LOG_EVENT.First(wParam));

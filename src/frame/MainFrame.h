@@ -8,6 +8,8 @@
 #include "frame/SaveJob.h"
 #include "frame/ScanInfoFiles.h"
 #include "frame/ScanJob.h"
+#include "frame/SiblingTool.h"
+#include "frame/StartUp.h"
 #include "frame/StatusPanes.h"
 #include "frame/Themes.h"
 #include "preview/Previews.h"
@@ -39,6 +41,9 @@ public:
     ~CMainFrame() override;
 
     std::intptr_t OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) override;
+
+    /// The first steps, once the window shows; the file is one of the command line, or empty.
+    void Begin(const QString& file) { startUp_.Begin(file); }
 
     /// Takes what the engine has opened as the volume in work and scans it: empties the views and starts the
     /// worker.
@@ -72,6 +77,8 @@ private:
     void UpdateCommands();
     [[nodiscard]] FrameState State() const;
     void SetViewMode(std::uint32_t command);
+    void StartProgram(std::uint32_t command);
+    void ShowTip();
     void TellNotBuilt(const QString& what);
     void SearchFrom(std::uint32_t entryId);
 
@@ -116,6 +123,8 @@ private:
     Previews previews_;
     ScanJob scans_;
     SaveJob saves_;
+    StartUp startUp_{*this};
+    SiblingTool sibling_{*this};
 
     std::uint8_t logicalDriveNumber_ = 4; ///< of the volume in work, for log lines
     std::uint32_t viewMode_ = kCmdDetails;

@@ -3,6 +3,7 @@
 #include "catalogue/CatalogueReader.h"
 #include "dialogs/AboutBox.h"
 #include "dialogs/HelpViewer.h"
+#include "dialogs/TipOfTheDay.h"
 #include "engine/EngineState.h"
 #include "frame/CommandIds.h"
 #include "frame/MainFrame.h"
@@ -13,6 +14,7 @@
 #include "views/THNTFSListView.h"
 #include "views/THNTFSTreeView.h"
 
+#include <QApplication>
 #include <QDockWidget>
 #include <QSplitter>
 
@@ -88,6 +90,10 @@ void CMainFrame::RunCommand(std::uint32_t command) {
     case kCmdEscape:
         find_.End();
         break;
+    case kCmdHound:
+    case kCmdUpdate:
+        StartProgram(command);
+        break;
     default:
         TellNotBuilt(PlainTitle(command));
         break;
@@ -118,6 +124,9 @@ bool CMainFrame::RunHelpCommand(std::uint32_t command) {
     switch (command) {
     case kCmdHelpContents:
         ShowHelp(QStringLiteral("contents.htm"));
+        return true;
+    case kCmdTips:
+        WM_SHOW_TIPS.Send(this);
         return true;
     case kCmdFeatures:
         ShowHelp(QStringLiteral("features.htm"));
@@ -169,6 +178,20 @@ FrameState CMainFrame::State() const {
 void CMainFrame::SetViewMode(std::uint32_t command) {
     viewMode_ = command >= kCmdLargeIcons && command <= kCmdDetails ? command : kCmdDetails;
     listView_->SetViewMode(viewMode_);
+}
+
+void CMainFrame::ShowTip() {
+    QWidget* modal = QApplication::activeModalWidget();
+    ShowTipOfTheDay(modal == nullptr ? this : modal);
+}
+
+void CMainFrame::StartProgram(std::uint32_t command) {
+    if (Desktop.WaitDialog == nullptr) {
+        const QString fault = command == kCmdHound ? sibling_.Start() : StartUpdate();
+        if (!fault.isEmpty()) {
+            panes_.ShowNotice(fault);
+        }
+    }
 }
 
 void CMainFrame::SearchFrom(std::uint32_t entryId) {

@@ -78,6 +78,7 @@ void CMainFrame::dropEvent(QDropEvent* event) {
 }
 
 void CMainFrame::OpenFile(const QString& file) {
+    startUp_.GiveWay();
     const QString path = QFileInfo(file).absoluteFilePath();
     const QString fault = FaultOf(QFileInfo(path));
     if (!fault.isEmpty()) {

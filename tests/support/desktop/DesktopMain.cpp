@@ -6,13 +6,15 @@
 #include <gtest/gtest.h>
 
 // The tests' windows have no screen, unless THNTFS_TEST_PLATFORM names another platform plugin, and their
-// settings are not those of whoever runs them.
+// settings and data are not those of whoever runs them.
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM",
             qEnvironmentVariable("THNTFS_TEST_PLATFORM", QStringLiteral("offscreen")).toUtf8());
     testing::InitGoogleTest(&argc, argv);
-    const QTemporaryDir settings;
-    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+    const QTemporaryDir home;
+    for (const char* place : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
+        qputenv(place, home.path().toUtf8());
+    }
     const QApplication application(argc, argv);
     thntfs::PrepareBoxes();
     thntfs::SetHost(&thntfs::TheDesktopHost());

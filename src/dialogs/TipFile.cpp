@@ -1,0 +1,66 @@
+#include "dialogs/TipFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <algorithm>
+
+namespace thntfs {
+
+namespace {
+
+constexpr const char* kOnlyTip = "Press Ctrl + W to run wizard.";
+constexpr qint64 kMostFileBytes = 256 * 1024;
+constexpr qsizetype kMostTipLetters = 500;
+
+bool IsTip(const QString& line) {
+    const QList<uint> letters = line.toUcs4();
+    return !letters.empty() && letters.size() <= kMostTipLetters && letters.front() != ';' &&
+           std::all_of(letters.begin(), letters.end(), [](uint letter) {
+               return letter != QChar::ReplacementCharacter && QChar::isPrint(letter);
+           });
+}
+
+// No more than what is bounded, and of nothing but an ordinary file: a pipe would hold the program.
+QByteArray BytesOf(const QString& path) {
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return file.read(kMostFileBytes);
+}
+
+} // namespace
+
+QString TipFilePath() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QStringLiteral("/th-ntfs/stips.txt");
+}
+
+void ProvideTipFile(const QString& path) {
+    const QFileInfo info(path);
+    if (info.exists() && !info.isDir()) {
+        return;
+    }
+    QDir().mkpath(info.path());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        file.write(kOnlyTip);
+        file.write("\n");
+    }
+}
+
+QStringList ReadTips(const QString& path) {
+    QStringList tips;
+    const QList<QByteArray> lines = BytesOf(path).split('\n');
+    for (const QByteArray& line : lines) {
+        const QString tip = QString::fromUtf8(line).simplified();
+        if (IsTip(tip)) {
+            tips.push_back(tip);
+        }
+    }
+    return tips.empty() ? QStringList{QLatin1String(kOnlyTip)} : tips;
+}
+
+} // namespace thntfs
