@@ -139,8 +139,4 @@ void CommandSet::SetToolbarPixelsBy(std::uint32_t command) {
 
 int CommandSet::ToolbarPixels() const { return toolbar_->iconSize().width(); }
 
-QString PlainTitle(std::uint32_t command) {
-    return MenuPart(TextOfCommand(command).Menu).remove(QLatin1Char('&')).trimmed();
-}
-
 } // namespace thntfs

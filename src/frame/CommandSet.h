@@ -46,7 +46,4 @@ private:
     QToolBar* toolbar_ = nullptr;
 };
 
-/// The text of a command's menu line without its key and mnemonic.
-QString PlainTitle(std::uint32_t command);
-
 } // namespace thntfs

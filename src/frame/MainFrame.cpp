@@ -169,10 +169,6 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
     return 0;
 }
 
-void CMainFrame::TellNotBuilt(const QString& what) {
-    panes_.ShowNotice(what + QStringLiteral(" is not built into the desktop program yet."));
-}
-
 // Prompts of commands go to pane 0 and leave the other panes and a running job's bar alone.
 bool CMainFrame::event(QEvent* event) {
     if (event->type() != QEvent::StatusTip) {

@@ -79,7 +79,6 @@ private:
     void SetViewMode(std::uint32_t command);
     void StartProgram(std::uint32_t command);
     void ShowTip();
-    void TellNotBuilt(const QString& what);
     void SearchFrom(std::uint32_t entryId);
 
     // Volumes, scans, and files of scans.

@@ -95,7 +95,6 @@ void CMainFrame::RunCommand(std::uint32_t command) {
         StartProgram(command);
         break;
     default:
-        TellNotBuilt(PlainTitle(command));
         break;
     }
     UpdateCommands();
