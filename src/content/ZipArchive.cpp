@@ -41,10 +41,7 @@ EntryPointer HeaderOf(const ZipEntry& entry) {
     return header;
 }
 
-void FreeWriter(archive* writer) {
-    (void)::archive_write_fail(writer); // or it would write what closes it
-    (void)::archive_write_free(writer);
-}
+void FreeWriter(archive* writer) { (void)::archive_write_free(writer); }
 
 } // namespace
 
@@ -62,7 +59,13 @@ ZipArchive::ZipArchive(File& file, RoomOf room)
     Note(::archive_write_open(writer_.get(), this, nullptr, take, nullptr) == ARCHIVE_OK);
 }
 
-ZipArchive::~ZipArchive() = default;
+// The library closes what is open still, which then goes nowhere. It would lose memory if it were told that
+// the archive has failed.
+ZipArchive::~ZipArchive() {
+    closing_ = false;
+    (void)Note(false);
+    writer_.reset();
+}
 
 // The library itself fails for want of memory alone.
 ErrorCode ZipArchive::Note(bool done) {

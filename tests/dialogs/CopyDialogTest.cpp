@@ -81,7 +81,7 @@ protected:
     void AtSector(std::uint64_t sector, const std::function<void()>& act, bool holding = true) {
         Plan->OnRead = [=, this](std::uint64_t /*index*/, const ReadRequest& request) {
             if (request.Offset == sector * 512) {
-                Plan->OnRead = nullptr;
+                const auto stays = std::exchange(Plan->OnRead, nullptr); // what runs here
                 QMetaObject::invokeMethod(Desktop.CopyDialog, act,
                                           holding ? Qt::BlockingQueuedConnection : Qt::QueuedConnection);
             }

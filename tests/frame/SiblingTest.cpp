@@ -71,6 +71,7 @@ TEST_F(Sibling, TheWindowComesBackWhenItIsCalledOrTheToolEnds) {
     Start();
     EXPECT_TRUE(WaitUntil([this] { return Frame->isVisible(); })) << "it died without a word";
     Frame.reset();
+    Frame = std::make_unique<CMainFrame>();
     ASSERT_TRUE(toolsOwn.waitForNewConnection(2000));
     QLocalSocket* const called = toolsOwn.nextPendingConnection();
     EXPECT_TRUE(called->canReadLine() || called->waitForReadyRead(2000));
