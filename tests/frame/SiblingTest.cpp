@@ -54,7 +54,8 @@ TEST_F(Sibling, TheWindowComesBackWhenItIsCalledOrTheToolEnds) {
     EXPECT_NE(Pane(0).find("isn't installed"), std::string::npos) << Pane(0);
     EXPECT_TRUE(Frame->isVisible());
 
-    Provide("echo \"$#:$1\" > " + (Folder / "words") + "; exec sleep 5");
+    const std::string words = Folder / "words";
+    Provide("echo \"$#:$1\" > " + words + "; sleep 1; echo ended >> " + words);
     Start();
     EXPECT_FALSE(Frame->isVisible());
     QLocalSocket tool;
@@ -65,7 +66,7 @@ TEST_F(Sibling, TheWindowComesBackWhenItIsCalledOrTheToolEnds) {
     tool.write("7 nothing\n10 SpoorTest\n20\n");
     EXPECT_TRUE(WaitUntil([this] { return Frame->isVisible(); }));
     EXPECT_TRUE(WaitUntil([&tool] { return tool.bytesAvailable() == 6; })) << "each is answered";
-    EXPECT_EQ(ReadWholeFile(Folder / "words"), "1:THNTFSMainFrame\n");
+    EXPECT_EQ(ReadWholeFile(words), "1:THNTFSMainFrame\n");
 
     Provide("exit 3");
     Start();
@@ -76,6 +77,8 @@ TEST_F(Sibling, TheWindowComesBackWhenItIsCalledOrTheToolEnds) {
     QLocalSocket* const called = toolsOwn.nextPendingConnection();
     EXPECT_TRUE(called->canReadLine() || called->waitForReadyRead(2000));
     EXPECT_EQ(called->readAll(), QByteArray("16\n"));
+    EXPECT_TRUE(WaitUntil([&words] { return ReadWholeFile(words).ends_with("ended\n"); }));
+    WaitUntil([] { return false; }, 300); // its end is handled
 }
 
 } // namespace
