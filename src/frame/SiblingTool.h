@@ -11,6 +11,7 @@ class QWidget;
 namespace thntfs {
 
 /// The name that the sibling tool gets to find the main window by: that of its socket.
+// NOLINTNEXTLINE(readability-identifier-naming): so both programs call it
 inline constexpr const char* FrameClassName = "THNTFSMainFrame";
 
 /// Starts the program for updates, beside this one, and leaves it alone. Gives what to tell the user where
@@ -37,6 +38,7 @@ private:
     void BringFrameBack();
 
     QWidget& frame_;
+    // NOLINTNEXTLINE(readability-identifier-naming)
     QString SiblingClassName; ///< what the tool listens under; empty until it has told so, then never again
     SiblingSocket socket_;
     QPointer<QProcess> latest_;
