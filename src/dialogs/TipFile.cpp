@@ -11,7 +11,7 @@ namespace thntfs {
 namespace {
 
 constexpr const char* kOnlyTip = "Press Ctrl + W to run wizard.";
-constexpr qint64 kMostFileBytes = 256 * 1024;
+constexpr qint64 kMostFileBytes = qint64{256} << 10;
 constexpr qsizetype kMostTipLetters = 500;
 
 bool IsTip(const QString& line) {
