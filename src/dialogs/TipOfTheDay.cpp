@@ -46,6 +46,7 @@ CTipOfTheDay::CTipOfTheDay(QWidget* owner, const QStringList& tips)
     layout->addLayout(UpperPart());
     layout->addWidget(text_, 1);
     layout->addLayout(LowerPart());
+    resize(minimumSizeHint()); // the text would like to be larger than tips are
     ShowNext();
 }
 

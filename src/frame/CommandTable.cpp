@@ -34,7 +34,7 @@ constexpr auto kCommands = std::to_array<CommandText>({
     {kCmdTurboScan, "Turbo Scan\tCtrl+T", "Searches for lost files/folders", "Turbo Scan", "turbo-scan"},
     {kCmdHound, "Spoor Hou&nd", "Performs search of known file types in physical media", "Spoor Hound ",
      "hound"},
-    {kCmdListNameless, "List &Nameless Records",
+    {kCmdListNameless, "List Nameless &Records",
      "Lists records without a usable name, too, from the next scan on", "List Nameless Records", ""},
     {kCmdClearLog, "Cl&ear Process  Log", "Deletes the contents of Process log window", "", "log-clear"},
     {kCmdSaveLog, "Sa&ve Process Log", "Saves the contents of process  log window to text file.", "",

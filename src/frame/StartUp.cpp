@@ -7,6 +7,8 @@
 #include "shell/Settings.h"
 #include "shell/WindowMessages.h"
 
+#include <QApplication>
+
 namespace thntfs {
 
 namespace {
@@ -18,8 +20,10 @@ bool WizardWanted() { return OpenSettings().value(QStringLiteral("Wizard/StartUp
 void StartUp::Begin(const QString& file) {
     if (file.isEmpty()) {
         splash_ = new CSplashWnd(frame_, [this] {
-            ShowNotice();
-            ShowTipAndWizard();
+            if (QApplication::activeModalWidget() == nullptr) { // the user may have been quicker
+                ShowNotice();
+                ShowTipAndWizard();
+            }
         });
         return;
     }
