@@ -73,7 +73,7 @@ void SiblingSocket::TakeLines(QLocalSocket& socket) {
 }
 
 void SiblingSocket::TakeLine(QLocalSocket& socket) {
-    const QByteArray line = socket.isReadable() ? socket.readLine(kMostLineBytes) : QByteArray();
+    const QByteArray line = socket.bytesAvailable() > 0 ? socket.readLine(kMostLineBytes) : QByteArray();
     if (!line.isEmpty()) {
         taker_(ParseSiblingRecord(line));
         socket.write(kAnswer);

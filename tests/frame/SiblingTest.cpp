@@ -55,7 +55,7 @@ TEST_F(Sibling, TheWindowComesBackWhenItIsCalledOrTheToolEnds) {
     EXPECT_TRUE(Frame->isVisible());
 
     const std::string words = Folder / "words";
-    Provide("echo \"$#:$1\" > " + words + "; sleep 1; echo ended >> " + words);
+    Provide("echo \"$#:$1\" > " + words + "; sleep 2; echo ended >> " + words);
     Start();
     EXPECT_FALSE(Frame->isVisible());
     QLocalSocket tool;
@@ -63,9 +63,12 @@ TEST_F(Sibling, TheWindowComesBackWhenItIsCalledOrTheToolEnds) {
     ASSERT_TRUE(tool.waitForConnected());
     QLocalServer toolsOwn;
     ASSERT_TRUE(toolsOwn.listen(SocketPathOf("SpoorTest")));
-    tool.write("7 nothing\n10 SpoorTest\n20\n");
-    EXPECT_TRUE(WaitUntil([this] { return Frame->isVisible(); }));
-    EXPECT_TRUE(WaitUntil([&tool] { return tool.bytesAvailable() == 6; })) << "each is answered";
+    tool.write("7 nothing\n10 SpoorTest\n");
+    EXPECT_TRUE(WaitUntil([&tool] { return tool.bytesAvailable() == 4; })) << "each is answered";
+    EXPECT_FALSE(Frame->isVisible());
+    tool.write("20"); // and no end of its line
+    tool.disconnectFromServer();
+    EXPECT_TRUE(WaitUntil([this] { return Frame->isVisible(); }, 1500));
     EXPECT_EQ(ReadWholeFile(words), "1:THNTFSMainFrame\n");
 
     Provide("exit 3");
