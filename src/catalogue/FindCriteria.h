@@ -32,7 +32,7 @@ class FindMatcher {
 public:
     explicit FindMatcher(const FindCriteria& criteria);
 
-    [[nodiscard]] bool Matches(const CatalogueItem& item);
+    [[nodiscard]] bool Matches(const CatalogueItem& item) const;
 
 private:
     FindCriteria criteria_;

@@ -79,7 +79,7 @@ char32_t Wildcard::Folded(char32_t letter) const {
     return letter <= kLastOneByte ? letter | kCaseBit : SmallLetter(letter);
 }
 
-bool Wildcard::Matches(std::u16string_view name) {
+bool Wildcard::Matches(std::u16string_view name) const {
     name_.clear();
     while (!name.empty()) {
         std::size_t units = 0;
@@ -89,7 +89,7 @@ bool Wildcard::Matches(std::u16string_view name) {
     return MatchesLetters();
 }
 
-bool Wildcard::MatchesNarrow(std::string_view name) {
+bool Wildcard::MatchesNarrow(std::string_view name) const {
     name_.clear();
     while (!name.empty()) {
         std::size_t bytes = 0;

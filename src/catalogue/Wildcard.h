@@ -17,10 +17,10 @@ class Wildcard {
 public:
     Wildcard(std::string_view pattern, bool matchCase);
 
-    [[nodiscard]] bool Matches(std::u16string_view name);
+    [[nodiscard]] bool Matches(std::u16string_view name) const;
 
     /// As MatchWildcard, of narrow text.
-    [[nodiscard]] bool MatchesNarrow(std::string_view name);
+    [[nodiscard]] bool MatchesNarrow(std::string_view name) const;
 
 private:
     [[nodiscard]] char32_t Folded(char32_t letter) const;
@@ -28,7 +28,7 @@ private:
 
     bool matchCase_;
     std::u32string pattern_; ///< letters folded, with marks of its own for the star and the question mark
-    std::u32string name_;    ///< of the name in hand
+    mutable std::u32string name_; ///< of the name in hand: keeps its memory, so a pattern is for one thread
 };
 
 /// 1 where a name matches a pattern, else 0; both are narrow text (UTF-8), in which '?' stands for a whole

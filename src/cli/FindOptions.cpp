@@ -3,10 +3,15 @@
 #include "platform/system/Dates.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 
 namespace thntfs {
 
 namespace {
+
+constexpr std::array kCriteria{"--name",     "--match-case", "--min-size",
+                               "--max-size", "--created",    "--accessed"};
 
 // One day, or two with a colon between them, of which one may be left out.
 std::string ReadDays(const std::string& text, std::optional<DosDateRange>& range) {
@@ -45,6 +50,19 @@ void AddFindCriteria(CLI::App& command, FindCriteria& criteria) {
     AddDays(command, "--created",
             "Made on one of these days; either may be left out, and one alone is one day", criteria.Created);
     AddDays(command, "--accessed", "Accessed last on one of these days", criteria.Accessed);
+}
+
+void AddNamePattern(CLI::App& command, FindCriteria& criteria) {
+    criteria.Pattern = "*";
+    command
+        .add_option("--name", criteria.Pattern,
+                    "Entries whose names match alone, such as '*.jpg', with the folders that they lie in; "
+                    "'*' stands for any letters, '?' for any one")
+        ->type_name("PATTERN");
+}
+
+bool HasFindCriteria(const CLI::App& command) {
+    return std::ranges::any_of(kCriteria, [&command](const char* name) { return command.count(name) != 0; });
 }
 
 } // namespace thntfs

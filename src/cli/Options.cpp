@@ -268,6 +268,8 @@ void AddSave(CLI::App& app, Options& options) {
     AddPartition(*command, options);
     CLI::Option* deleted = command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
     command->add_flag("--existing", options.Existing, "Entries that aren't deleted only")->excludes(deleted);
+    AddNamePattern(*command, options.Criteria);
+    AddFindCriteria(*command, options.Criteria);
     AddExclude(*command, options);
     AddCondition(*command, options);
     command->add_flag("--streams", options.Streams,
@@ -279,8 +281,9 @@ void AddSave(CLI::App& app, Options& options) {
             "FILE must not be there yet")
         ->type_name("FILE")
         ->check(FileName());
-    command->callback([&options] {
+    command->callback([command, &options] {
         options.Chosen = Command::Save;
+        options.ByCriteria = HasFindCriteria(*command);
         if (options.Streams && options.AsStored) {
             throw CLI::ExcludesError("--streams", "--as-stored");
         }

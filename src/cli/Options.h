@@ -36,7 +36,8 @@ struct Options {
     bool Recursive = false;            ///< list
     bool Deleted = false;              ///< list, save: deleted entries alone
     ConditionSet Conditions = 0;       ///< list, save: files in these conditions alone
-    FindCriteria Criteria;             ///< find
+    FindCriteria Criteria;             ///< find, save
+    bool ByCriteria = false;           ///< save: entries that meet the criteria alone
     bool Streams = false;              ///< save: named streams too
     std::optional<std::string> Report; ///< save: file that gets a line of JSON a file
     FileTypes Excluded;                ///< save: files of these types are left out

@@ -162,6 +162,22 @@ std::string TotalsText(const SaveTotals& totals, const Options& options) {
     return line + "\n";
 }
 
+SaveOptions WhatToSave(const Options& options) {
+    SaveOptions wanted;
+    wanted.Reach = options.Deleted    ? SaveReach::DeletedOnly
+                   : options.Existing ? SaveReach::ExistingOnly
+                                      : SaveReach::All;
+    if (options.ByCriteria) {
+        wanted.Names.emplace(options.Criteria);
+    }
+    wanted.Excluded = options.Excluded;
+    wanted.Conditions = options.Conditions;
+    wanted.AsStored = options.AsStored;
+    wanted.Streams = options.Streams;
+    wanted.Report = options.Report.has_value();
+    return wanted;
+}
+
 int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked) {
     if (Engine.ScanRunFlag == 0) {
         return kExitDoneInPart;
@@ -188,22 +204,16 @@ int RunSave(const Options& options) {
         return opened;
     }
     TerminalListener listener(report);
-    SaveOptions wanted;
-    wanted.Reach = options.Deleted    ? SaveReach::DeletedOnly
-                   : options.Existing ? SaveReach::ExistingOnly
-                                      : SaveReach::All;
-    wanted.Excluded = options.Excluded;
-    wanted.Conditions = options.Conditions;
-    wanted.AsStored = options.AsStored;
-    wanted.Streams = options.Streams;
-    wanted.Report = options.Report.has_value();
-    EntrySaver saver(std::move(target), listener, wanted);
+    EntrySaver saver(std::move(target), listener, WhatToSave(options));
     const std::vector<std::string> paths =
         options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
     session.Host.Bar.Begin("Saving", ProgressBar::Unit::Byte);
     const std::size_t missing = SaveWanted(paths, saver);
     const SaveTotals& totals = saver.Finish();
     session.Host.Bar.End();
+    if (options.ByCriteria && missing == 0 && totals.Files + totals.Folders + totals.Failed == 0) {
+        PrintMessage("Nothing there is what you asked for.");
+    }
     Output output;
     output.Put(options.Json ? TotalsJson(totals, options, session.Complete()) : TotalsText(totals, options));
     const int code = CloseReport(options, report, ExitCodeOf(totals, missing, options.Paths.size()));

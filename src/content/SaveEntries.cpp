@@ -155,7 +155,7 @@ void EntrySaver::SaveFile(const CatalogueItem& item, const std::string& path) {
         sizeInHand_ = 0;
         ++done_.Files;
         done_.Bytes += item.Size;
-    } else if (wish != SaveWish::OtherReach) {
+    } else if (wish != SaveWish::NotAsked) {
         files_.LeaveOut(item, path, wish);
     }
 }

@@ -16,8 +16,8 @@ bool InReach(SaveReach reach, const CatalogueItem& item) {
 } // namespace
 
 SaveWish WishFor(const SaveOptions& options, const CatalogueItem& item) {
-    if (!InReach(options.Reach, item)) {
-        return SaveWish::OtherReach;
+    if (!InReach(options.Reach, item) || (options.Names && !options.Names->Matches(item))) {
+        return SaveWish::NotAsked;
     }
     if (item.IsFolder()) {
         return SaveWish::Wanted;

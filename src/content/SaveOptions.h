@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Conditions.h"
+#include "catalogue/FindCriteria.h"
 #include "content/FileTypes.h"
 
 #include <optional>
@@ -15,8 +16,9 @@ enum class SaveReach { All, DeletedOnly, ExistingOnly };
 /// What a save is to take, and how.
 struct SaveOptions {
     SaveReach Reach = SaveReach::All;
-    ConditionSet Conditions = 0; ///< files in these conditions alone
-    FileTypes Excluded = {};     ///< files of these types are left out
+    std::optional<FindMatcher> Names = std::nullopt; ///< entries that match alone; folders as with the reach
+    ConditionSet Conditions = 0;                     ///< files in these conditions alone
+    FileTypes Excluded = {};                         ///< files of these types are left out
     /// What goes before a name that is taken or that the target can't take, UTF-8; then nothing is asked.
     std::optional<std::string> Prefix = std::nullopt;
     bool AsStored = false; ///< by ReadEntryContent: the file's own data alone, under one name, without dates
@@ -27,7 +29,7 @@ struct SaveOptions {
 /// Whether a save takes an entry.
 enum class SaveWish {
     Wanted,
-    OtherReach,    ///< nobody asked for such entries
+    NotAsked,      ///< nobody asked for such entries, or for entries of such names
     ExcludedType,  ///< a file that is left out for its type
     OtherCondition ///< a file that is left out for its condition
 };

@@ -226,6 +226,17 @@ TEST_F(SaveExactTest, WhatNobodyAskedForIsLeft) {
     EXPECT_EQ(totals["streamsLeft"], 3);
     EXPECT_EQ(totals["leftOut"], 1);
     fs::remove_all(target_);
+    for (const auto& [words, files] :
+         {std::pair{Words{"--name", "TWO*", "/B"}, Texts{{"B/two.txt", "two names"}}},
+          {Words{"--name", "TWO*", "--match-case"}, Texts{}},
+          {Words{"--min-size", "9", "--max-size", "9", "--existing"},
+           Texts{{"A/two.txt", "two names"}, {"B/two.txt", "two names"}}}}) {
+        const RunResult run = Save(0, words, files.empty() ? "Nothing there is what you asked for." : "");
+        EXPECT_EQ(FilesBelow(target_), files);
+        EXPECT_EQ(fs::exists(target_ + "/A"), files.size() == 2) << "made for what is in it alone";
+        EXPECT_FALSE(Contains(run.Out, "left out")) << run.Out;
+        fs::remove_all(target_);
+    }
     Save(0, {"/B", "/A"});
     EXPECT_EQ(FilesBelow(target_), (Texts{{"A/two.txt", "two names"}, {"B/two.txt", "two names"}}))
         << "another path names its folder";
