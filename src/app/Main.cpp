@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 
 namespace {
 
@@ -18,12 +19,14 @@ using namespace thntfs;
 // The file to open, empty for none.
 QString ReadCommandLine(const QApplication& application) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Gets files back from damaged NTFS volumes."));
+    parser.setApplicationDescription(
+        QCoreApplication::translate("Main", "Gets files back from damaged NTFS volumes."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("file"),
-                                 QStringLiteral("An image, or saved scan information, to open."),
-                                 QStringLiteral("[FILE]"));
+    parser.addPositionalArgument(
+        QCoreApplication::translate("Main", "file"),
+        QCoreApplication::translate("Main", "An image, or saved scan information, to open."),
+        QCoreApplication::translate("Main", "[FILE]"));
     parser.process(application);
     if (parser.positionalArguments().size() > 1) {
         parser.showHelp(2);
@@ -37,10 +40,11 @@ bool TakeInstance(InstanceLock& lock) {
     if (code == kErrorNone) {
         return true;
     }
-    ShowBox(code == kErrorAlreadyExists ? QStringLiteral("Tarnholt Volume salvage is already running.\n"
-                                                         "Please close the running instance first.")
-                                        : QStringLiteral("Failed to load Tarnholt Volume Salvage (NTFS)"),
-            QStringLiteral("Error"), BoxIcon::Stop);
+    ShowBox(code == kErrorAlreadyExists
+                ? QCoreApplication::translate("Main", "Tarnholt Volume salvage is already running.\n"
+                                                      "Please close the running instance first.")
+                : QCoreApplication::translate("Main", "Failed to load Tarnholt Volume Salvage (NTFS)"),
+            QCoreApplication::translate("Main", "Error"), BoxIcon::Stop);
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "dialogs/ProgramPicture.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QMouseEvent>
 #include <QPainter>
@@ -11,10 +12,12 @@ namespace thntfs {
 namespace {
 
 class CAboutBox : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CAboutBox)
+
 public:
     explicit CAboutBox(QWidget* owner)
         : QDialog(owner, Qt::Dialog | Qt::FramelessWindowHint) {
-        setWindowTitle(QStringLiteral("About"));
+        setWindowTitle(tr("About"));
         setFixedSize(kProgramPictureSize);
     }
 

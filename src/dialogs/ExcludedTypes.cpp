@@ -2,6 +2,7 @@
 
 #include "dialogs/NameRules.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -18,24 +19,26 @@ constexpr QSize kListSize{260, 200};
 
 QString FaultOfType(const QString& type, const QStringList& types) {
     if (type.isEmpty() || types.contains(type, Qt::CaseInsensitive)) {
-        return QStringLiteral("Text box is empty or entered file type already exists");
+        return QCoreApplication::translate("ExcludedTypes",
+                                           "Text box is empty or entered file type already exists");
     }
     if (type.size() > kMaxTypeLength) {
-        return QStringLiteral("Please enter file extension length less than or equals to 219 characters.");
+        return QCoreApplication::translate(
+            "ExcludedTypes", "Please enter file extension length less than or equals to 219 characters.");
     }
-    return MayBeTyped(type) ? QString() : QLatin1String(kNameRuleText);
+    return MayBeTyped(type) ? QString() : NameRuleText();
 }
 
 CExcludedTypes::CExcludedTypes(QWidget* owner, const QStringList& types)
     : QDialog(owner) {
-    setWindowTitle(QStringLiteral("Excluded File Types"));
+    setWindowTitle(tr("Excluded File Types"));
     auto* list = new QListWidget(this);
     list->setObjectName(QStringLiteral("1061"));
     list->addItems(types);
     list->setCurrentRow(0);
-    auto* label = new QLabel(QStringLiteral("&File types to exclude:"), this);
+    auto* label = new QLabel(tr("&File types to exclude:"), this);
     label->setBuddy(list);
-    auto* close = new QPushButton(QStringLiteral("&Close"), this);
+    auto* close = new QPushButton(tr("&Close"), this);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,8 @@ QString FaultOfType(const QString& type, const QStringList& types);
 
 /// Shows the list of excluded file types.
 class CExcludedTypes : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CExcludedTypes)
+
 public:
     CExcludedTypes(QWidget* owner, const QStringList& types);
 };

@@ -2,6 +2,7 @@
 
 #include "shell/Boxes.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFileInfo>
 
@@ -27,9 +28,10 @@ bool MayWrite(const QString& typed, const QString& extension) {
     if (typed.endsWith(extension) || !QFileInfo::exists(target)) {
         return true;
     }
-    return AskYesNo(QFileInfo(target).fileName() +
-                        QStringLiteral(" already exists.\nDo you want to replace it?"),
-                    QStringLiteral("Confirm"));
+    return AskYesNo(
+        QCoreApplication::translate("FileDialogs", "%1 already exists.\nDo you want to replace it?")
+            .arg(QFileInfo(target).fileName()),
+        QCoreApplication::translate("FileDialogs", "Confirm"));
 }
 
 } // namespace
@@ -55,7 +57,8 @@ QString ChooseImageToMake(QWidget* owner, const QString& title, const QString& s
 }
 
 QString ChooseTextFileToSave(QWidget* owner, const QString& title, const QString& suggestedName) {
-    QFileDialog dialog(owner, title, QString(), QStringLiteral("Text File (*.txt)"));
+    QFileDialog dialog(owner, title, QString(),
+                       QCoreApplication::translate("FileDialogs", "Text File (*.txt)"));
     dialog.setDefaultSuffix(QStringLiteral("txt"));
     return RunSaveDialog(dialog, suggestedName);
 }

@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -35,27 +36,27 @@ struct HelpTopic {
 
 // In the order of the list; the first is the contents page.
 constexpr auto kTopics = std::to_array<HelpTopic>({
-    {"contents.htm", "First of all"},
-    {"ntfswizardwin.htm", "The wizard"},
-    {"ntfsrecoverdata.htm", "Recovering from a disk"},
-    {"ntfsrecoverfromimage.htm", "Recovering from an image"},
-    {"ntfsselectanimagefileforproce.htm", "Selecting an image file"},
-    {"searching.htm", "Searching for lost partitions"},
-    {"ntfsdiskimaging.htm", "Making an image of a disk"},
-    {"ntfsdiskimaging2.htm", "The image page"},
-    {"ntfsclonedisk.htm", "Cloning a disk"},
-    {"ntfsclonewindow.htm", "The clone page"},
-    {"scans.htm", "Basic Scan and Turbo Scan"},
-    {"browsing.htm", "Looking through the result"},
-    {"finding.htm", "Finding names"},
-    {"saving.htm", "Getting files back"},
-    {"whattosave.htm", "What to save"},
-    {"scaninfo.htm", "Keeping a scan's result"},
-    {"processlog.htm", "The process log"},
-    {"features.htm", "What the program does"},
-    {"faq.htm", "Questions and answers"},
-    {"contact.htm", "Asking for help"},
-    {"keys.htm", "Keys"},
+    {"contents.htm", QT_TRANSLATE_NOOP("HelpViewer", "First of all")},
+    {"ntfswizardwin.htm", QT_TRANSLATE_NOOP("HelpViewer", "The wizard")},
+    {"ntfsrecoverdata.htm", QT_TRANSLATE_NOOP("HelpViewer", "Recovering from a disk")},
+    {"ntfsrecoverfromimage.htm", QT_TRANSLATE_NOOP("HelpViewer", "Recovering from an image")},
+    {"ntfsselectanimagefileforproce.htm", QT_TRANSLATE_NOOP("HelpViewer", "Selecting an image file")},
+    {"searching.htm", QT_TRANSLATE_NOOP("HelpViewer", "Searching for lost partitions")},
+    {"ntfsdiskimaging.htm", QT_TRANSLATE_NOOP("HelpViewer", "Making an image of a disk")},
+    {"ntfsdiskimaging2.htm", QT_TRANSLATE_NOOP("HelpViewer", "The image page")},
+    {"ntfsclonedisk.htm", QT_TRANSLATE_NOOP("HelpViewer", "Cloning a disk")},
+    {"ntfsclonewindow.htm", QT_TRANSLATE_NOOP("HelpViewer", "The clone page")},
+    {"scans.htm", QT_TRANSLATE_NOOP("HelpViewer", "Basic Scan and Turbo Scan")},
+    {"browsing.htm", QT_TRANSLATE_NOOP("HelpViewer", "Looking through the result")},
+    {"finding.htm", QT_TRANSLATE_NOOP("HelpViewer", "Finding names")},
+    {"saving.htm", QT_TRANSLATE_NOOP("HelpViewer", "Getting files back")},
+    {"whattosave.htm", QT_TRANSLATE_NOOP("HelpViewer", "What to save")},
+    {"scaninfo.htm", QT_TRANSLATE_NOOP("HelpViewer", "Keeping a scan's result")},
+    {"processlog.htm", QT_TRANSLATE_NOOP("HelpViewer", "The process log")},
+    {"features.htm", QT_TRANSLATE_NOOP("HelpViewer", "What the program does")},
+    {"faq.htm", QT_TRANSLATE_NOOP("HelpViewer", "Questions and answers")},
+    {"contact.htm", QT_TRANSLATE_NOOP("HelpViewer", "Asking for help")},
+    {"keys.htm", QT_TRANSLATE_NOOP("HelpViewer", "Keys")},
 });
 
 constexpr QSize kWindowSize{900, 640};
@@ -96,6 +97,8 @@ QWidget* HelpOwner() {
 }
 
 class CHelpWindow : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(CHelpWindow)
+
 public:
     CHelpWindow();
 
@@ -148,10 +151,10 @@ CHelpWindow::CHelpWindow()
 }
 
 void CHelpWindow::CreateList() {
-    list_->setAccessibleName(QStringLiteral("Topics"));
+    list_->setAccessibleName(tr("Topics"));
     list_->setSpacing(kListSpacing);
     for (const HelpTopic& topic : kTopics) {
-        auto* item = new QListWidgetItem(QLatin1String(topic.Title), list_);
+        auto* item = new QListWidgetItem(QCoreApplication::translate("HelpViewer", topic.Title), list_);
         item->setData(Qt::UserRole, QLatin1String(topic.File));
     }
     connect(list_, &QListWidget::currentItemChanged, this,
@@ -169,14 +172,13 @@ void CHelpWindow::CreatePage() {
 
 QLayout* CHelpWindow::CreateBar() {
     auto* bar = new QHBoxLayout;
-    auto* back = CreateButton(QStyle::SP_ArrowBack, QStringLiteral("Back"), QKeySequence::Back,
-                              &QTextBrowser::backward);
-    auto* forward = CreateButton(QStyle::SP_ArrowForward, QStringLiteral("Forward"), QKeySequence::Forward,
-                                 &QTextBrowser::forward);
+    auto* back = CreateButton(QStyle::SP_ArrowBack, tr("Back"), QKeySequence::Back, &QTextBrowser::backward);
+    auto* forward =
+        CreateButton(QStyle::SP_ArrowForward, tr("Forward"), QKeySequence::Forward, &QTextBrowser::forward);
     connect(page_, &QTextBrowser::backwardAvailable, back, &QWidget::setEnabled);
     connect(page_, &QTextBrowser::forwardAvailable, forward, &QWidget::setEnabled);
-    search_->setPlaceholderText(QStringLiteral("Search in this page"));
-    search_->setAccessibleName(QStringLiteral("Search in this page"));
+    search_->setPlaceholderText(tr("Search in this page"));
+    search_->setAccessibleName(tr("Search in this page"));
     search_->setClearButtonEnabled(true);
     search_->setFixedWidth(kSearchWidth);
     connect(search_, &QLineEdit::textChanged, this, [this] { FindTyped(); });
@@ -219,7 +221,7 @@ void CHelpWindow::Follow(const QUrl& link) {
 void CHelpWindow::PageOpened(const QUrl& page) {
     const int row = RowOf(page.fileName());
     list_->setCurrentRow(row);
-    setWindowTitle(list_->item(row)->text() + QStringLiteral(" - Help"));
+    setWindowTitle(tr("%1 - Help").arg(list_->item(row)->text()));
     searchResult_->clear();
 }
 
@@ -278,7 +280,7 @@ void CHelpWindow::FindFrom(QTextCursor cursor) {
         found = cursor;
     }
     page_->setTextCursor(found);
-    searchResult_->setText(text.isEmpty() || found.hasSelection() ? QString() : QStringLiteral("Not found"));
+    searchResult_->setText(text.isEmpty() || found.hasSelection() ? QString() : tr("Not found"));
 }
 
 } // namespace

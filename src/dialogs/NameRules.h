@@ -1,12 +1,16 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace thntfs {
 
 /// What a name that the user types may not hold.
-inline constexpr const char* kNameRuleText =
-    "A file/ folder cannot contain following special characters:\n\\/ : * ? \" < > |<space>";
+inline QString NameRuleText() {
+    return QCoreApplication::translate(
+        "NameRules",
+        "A file/ folder cannot contain following special characters:\n\\/ : * ? \" < > |<space>");
+}
 
 inline constexpr const char* kForbiddenInNames = "\\/:*?\"<>|";
 
@@ -21,7 +25,7 @@ inline bool HoldsAnyOf(const QString& text, const char* characters) {
     return false;
 }
 
-/// True for a name that may be typed, by the rule of kNameRuleText.
+/// True for a name that may be typed, by the rule of NameRuleText.
 inline bool MayBeTyped(const QString& name) {
     return !HoldsAnyOf(name, kForbiddenInNames) && !name.contains(QLatin1Char(' '));
 }

@@ -2,6 +2,7 @@
 
 #include "shell/Icons.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 
 namespace thntfs {
@@ -23,11 +24,12 @@ void PaintProgramPicture(QPainter& painter) {
     font.setBold(true);
     painter.setFont(font);
     painter.drawText(kNameArea, Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap,
-                     QStringLiteral("Tarnholt Volume Salvage (NTFS)"));
+                     QCoreApplication::translate("ProgramPicture", "Tarnholt Volume Salvage (NTFS)"));
     font.setPixelSize(kVersionPixels);
     font.setBold(false);
     painter.setFont(font);
-    painter.drawText(kVersionArea, Qt::AlignLeft | Qt::AlignTop, QStringLiteral("Version 2.0.1"));
+    painter.drawText(kVersionArea, Qt::AlignLeft | Qt::AlignTop,
+                     QCoreApplication::translate("ProgramPicture", "Version 2.0.1"));
 }
 
 } // namespace thntfs

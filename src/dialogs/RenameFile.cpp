@@ -4,6 +4,7 @@
 #include "shell/Boxes.h"
 #include "shell/TipText.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -18,10 +19,11 @@ constexpr int kNameLetters = 60; // of the name that show
 
 QString FaultOfName(const QString& name) {
     if (name.isEmpty()) {
-        return QStringLiteral("Please enter the new name.");
+        return QCoreApplication::translate("RenameFile", "Please enter the new name.");
     }
     return HoldsAnyOf(name, kForbiddenInNames)
-               ? QStringLiteral("A file/ folder cannot contain following special characters:\n%1")
+               ? QCoreApplication::translate(
+                     "RenameFile", "A file/ folder cannot contain following special characters:\n%1")
                      .arg(QLatin1String("\\/ : * ? \" < > |"))
                : QString();
 }
@@ -31,8 +33,8 @@ QString FaultOfName(const QString& name) {
 CRenameFile::CRenameFile(QWidget* owner, const QString& name, const QString& why, const QString& suggestion)
     : QDialog(owner)
     , newName_(new QLineEdit(suggestion, this)) {
-    setWindowTitle(QStringLiteral("Rename"));
-    auto* label = new QLabel(QStringLiteral("&New Name"), this);
+    setWindowTitle(tr("Rename"));
+    auto* label = new QLabel(tr("&New Name"), this);
     label->setBuddy(newName_);
     newName_->setObjectName(QStringLiteral("1094"));
     newName_->selectAll();
@@ -53,8 +55,7 @@ QLayout* CRenameFile::Texts(const QString& name, const QString& why) {
     nameLabel->setTextFormat(Qt::PlainText);
     nameLabel->setToolTip(TipText(name));
     nameLabel->setAccessibleName(name);
-    auto* whyLabel =
-        new QLabel(QStringLiteral("please provide new name ( ") + why + QStringLiteral(" )"), this);
+    auto* whyLabel = new QLabel(tr("please provide new name ( %1 )").arg(why), this);
     whyLabel->setObjectName(QStringLiteral("1132"));
     whyLabel->setMinimumWidth(width);
     auto* layout = new QVBoxLayout;
@@ -68,14 +69,14 @@ QLayout* CRenameFile::Buttons() {
     struct Choice {
         Answer What;
         int Id;
-        const char* Text;
+        QString Text;
     };
     auto* line = new QHBoxLayout;
     line->addStretch();
     for (const Choice& choice :
-         {Choice{Answer::Rename, 1, "&Rename"}, Choice{Answer::RenameAll, 1142, "R&ename All"},
-          Choice{Answer::Skip, 1138, "&Skip"}, Choice{Answer::SkipAll, 1139, "&Skip &All"}}) {
-        auto* button = new QPushButton(QLatin1String(choice.Text), this);
+         {Choice{Answer::Rename, 1, tr("&Rename")}, Choice{Answer::RenameAll, 1142, tr("R&ename All")},
+          Choice{Answer::Skip, 1138, tr("&Skip")}, Choice{Answer::SkipAll, 1139, tr("&Skip &All")}}) {
+        auto* button = new QPushButton(choice.Text, this);
         button->setObjectName(QString::number(choice.Id));
         button->setDefault(choice.What == Answer::Rename);
         if (choice.What == Answer::SkipAll) {
@@ -93,7 +94,7 @@ void CRenameFile::Choose(Answer answer) {
     const bool renames = answer == Answer::Rename || answer == Answer::RenameAll;
     const QString fault = renames ? FaultOfName(NewName()) : QString();
     if (!fault.isEmpty()) {
-        ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);
+        ShowBox(fault, tr("Warning"), BoxIcon::Warning);
         newName_->setFocus();
         return;
     }

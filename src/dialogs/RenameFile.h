@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QString>
 
@@ -9,6 +10,8 @@ namespace thntfs {
 
 /// Asks for another name for a file that can't be saved under its own. Closing it skips the file.
 class CRenameFile : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CRenameFile)
+
 public:
     enum class Answer { Rename, RenameAll, Skip, SkipAll };
 

@@ -25,11 +25,11 @@ void ShowChoiceHelp() { ShowHelp(QStringLiteral("whattosave.htm")); }
 CSaveChoice::CSaveChoice(QWidget* owner, SaveWishes& wishes)
     : QDialog(owner)
     , wishes_(wishes)
-    , exact_(new QRadioButton(QStringLiteral("&Exact files"), this))
-    , stored_(new QRadioButton(QStringLiteral("Data as &stored"), this))
-    , streams_(new QCheckBox(QStringLiteral("&Named streams beside their files"), this))
+    , exact_(new QRadioButton(tr("&Exact files"), this))
+    , stored_(new QRadioButton(tr("Data as &stored"), this))
+    , streams_(new QCheckBox(tr("&Named streams beside their files"), this))
     , reach_(new QComboBox(this)) {
-    setWindowTitle(QStringLiteral("What to save"));
+    setWindowTitle(tr("What to save"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(MakeReadings());
     layout->addLayout(MakeReach());
@@ -42,7 +42,7 @@ CSaveChoice::CSaveChoice(QWidget* owner, SaveWishes& wishes)
 
 // The plain road knows no streams.
 QWidget* CSaveChoice::MakeReadings() {
-    auto* group = new QGroupBox(QStringLiteral("How files are read"), this);
+    auto* group = new QGroupBox(tr("How files are read"), this);
     exact_->setObjectName(QStringLiteral("1080"));
     stored_->setObjectName(QStringLiteral("1078"));
     streams_->setChecked(wishes_.Streams);
@@ -59,11 +59,11 @@ QWidget* CSaveChoice::MakeReadings() {
 
 QLayout* CSaveChoice::MakeReach() {
     reach_->setObjectName(QStringLiteral("1086"));
-    reach_->addItem(LoadIcon("save-all"), QStringLiteral("All files"));
-    reach_->addItem(LoadIcon("file-deleted"), QStringLiteral("Deleted files only"));
-    reach_->addItem(LoadIcon("file-live"), QStringLiteral("Existing files only"));
+    reach_->addItem(LoadIcon("save-all"), tr("All files"));
+    reach_->addItem(LoadIcon("file-deleted"), tr("Deleted files only"));
+    reach_->addItem(LoadIcon("file-live"), tr("Existing files only"));
     reach_->setCurrentIndex(static_cast<int>(wishes_.Reach));
-    auto* label = new QLabel(QStringLiteral("&Files to save:"), this);
+    auto* label = new QLabel(tr("&Files to save:"), this);
     label->setBuddy(reach_);
     auto* layout = new QHBoxLayout;
     layout->addWidget(label);
@@ -72,7 +72,7 @@ QLayout* CSaveChoice::MakeReach() {
 }
 
 QLayout* CSaveChoice::MakeButtons() {
-    auto* help = new QPushButton(QStringLiteral("&Which one?"), this);
+    auto* help = new QPushButton(tr("&Which one?"), this);
     help->setObjectName(QStringLiteral("1083"));
     help->setAutoDefault(false);
     connect(help, &QPushButton::clicked, this, ShowChoiceHelp);

@@ -6,6 +6,7 @@
 #include "shell/Boxes.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QGroupBox>
@@ -24,7 +25,9 @@ namespace {
 constexpr int kPathLetters = 60; // of the folder's path that show
 constexpr int kMaxPrefix = 100;
 
-void Warn(const QString& text) { ShowBox(text, QStringLiteral("Warning"), BoxIcon::Warning); }
+void Warn(const QString& text) {
+    ShowBox(text, QCoreApplication::translate("SaveData", "Warning"), BoxIcon::Warning);
+}
 
 template <typename Widget>
 Widget* Named(Widget* widget, int id) {
@@ -39,7 +42,7 @@ CSaveData::CSaveData(QWidget* owner, SaveWishes& wishes, MaySave maySave)
     , wishes_(wishes)
     , maySave_(std::move(maySave))
     , types_(wishes.Types) {
-    setWindowTitle(QStringLiteral("Save data to local drive"));
+    setWindowTitle(tr("Save data to local drive"));
     MakeParts();
     LayOut();
     connect(browse_, &QPushButton::clicked, this, [this] { Browse(); });
@@ -63,21 +66,21 @@ void CSaveData::MakeParts() {
     folder_ = Named(new QLineEdit(wishes_.Folder, this), 1092);
     folder_->setMinimumWidth(kPathLetters * fontMetrics().averageCharWidth());
     browse_ = Named(new QPushButton(QStringLiteral("..."), this), 1093);
-    browse_->setAccessibleName(QStringLiteral("Browse"));
+    browse_->setAccessibleName(tr("Browse"));
     browse_->setFixedWidth(browse_->sizeHint().height() * 2);
-    ignores_ = Named(new QCheckBox(QStringLiteral("&Ignore these file types before saving"), this), 1052);
+    ignores_ = Named(new QCheckBox(tr("&Ignore these file types before saving"), this), 1052);
     ignores_->setChecked(wishes_.IgnoresTypes);
     type_ = Named(new QLineEdit(this), 1057);
-    add_ = Named(new QPushButton(QStringLiteral("&Add to list"), this), 1055);
-    view_ = Named(new QPushButton(QStringLiteral("&View List"), this), 1059);
-    clear_ = Named(new QPushButton(QStringLiteral("&Clear List"), this), 1063);
-    compresses_ = Named(new QCheckBox(QStringLiteral("&Compress Data"), this), 1031);
+    add_ = Named(new QPushButton(tr("&Add to list"), this), 1055);
+    view_ = Named(new QPushButton(tr("&View List"), this), 1059);
+    clear_ = Named(new QPushButton(tr("&Clear List"), this), 1063);
+    compresses_ = Named(new QCheckBox(tr("&Compress Data"), this), 1031);
     compresses_->setChecked(wishes_.Compresses);
-    usesPrefix_ = Named(new QCheckBox(QStringLiteral("Default prefix to rename files"), this), 1131);
+    usesPrefix_ = Named(new QCheckBox(tr("Default prefix to rename files"), this), 1131);
     usesPrefix_->setChecked(wishes_.UsesPrefix);
     prefix_ = Named(new QLineEdit(wishes_.Prefix, this), 1132);
     prefix_->setMaxLength(kMaxPrefix);
-    prefix_->setAccessibleName(QStringLiteral("Prefix"));
+    prefix_->setAccessibleName(tr("Prefix"));
     for (QPushButton* button : {browse_, add_, view_, clear_}) {
         button->setAutoDefault(false);
     }
@@ -97,7 +100,7 @@ void CSaveData::LayOut() {
 }
 
 QLayout* CSaveData::LocationLines() {
-    auto* label = Named(new QLabel(QStringLiteral("&Provide location to save data:"), this), 1032);
+    auto* label = Named(new QLabel(tr("&Provide location to save data:"), this), 1032);
     label->setBuddy(folder_);
     auto* line = new QHBoxLayout;
     line->addWidget(folder_, 1);
@@ -110,7 +113,7 @@ QLayout* CSaveData::LocationLines() {
 
 QWidget* CSaveData::TypeBox() {
     auto* box = new QGroupBox(this);
-    auto* label = Named(new QLabel(QStringLiteral("Enter extension e.g. doc"), this), 1085);
+    auto* label = Named(new QLabel(tr("Enter extension e.g. doc"), this), 1085);
     label->setBuddy(type_);
     auto* entry = new QHBoxLayout;
     entry->addWidget(type_, 1);
@@ -145,7 +148,7 @@ void CSaveData::keyPressEvent(QKeyEvent* event) {
 }
 
 void CSaveData::Browse() {
-    const QString folder = ChooseFolder(this, QStringLiteral("Save data to"), FolderTyped());
+    const QString folder = ChooseFolder(this, tr("Save data to"), FolderTyped());
     if (!folder.isEmpty()) {
         folder_->setText(folder);
     }
@@ -166,8 +169,7 @@ void CSaveData::AddType() {
 }
 
 void CSaveData::ShowTypes() {
-    view_->setToolTip(types_.isEmpty() ? QStringLiteral("The list is empty")
-                                       : QString::number(types_.size()) + QStringLiteral(" on the list"));
+    view_->setToolTip(types_.isEmpty() ? tr("The list is empty") : tr("%1 on the list").arg(types_.size()));
 }
 
 // As a shell would take it. Without a folder in front a name is one of the user's own folder.
@@ -185,15 +187,15 @@ QString CSaveData::PrefixFault() const {
         return {};
     }
     if (prefix_->text().isEmpty()) {
-        return QStringLiteral("Please enter the prefix.");
+        return tr("Please enter the prefix.");
     }
-    return MayBeTyped(prefix_->text()) ? QString() : QLatin1String(kNameRuleText);
+    return MayBeTyped(prefix_->text()) ? QString() : NameRuleText();
 }
 
 void CSaveData::accept() {
     const QString folder = FolderTyped();
     if (folder.isEmpty()) {
-        Warn(QStringLiteral("Please provide a location to save data."));
+        Warn(tr("Please provide a location to save data."));
         folder_->setFocus();
         return;
     }

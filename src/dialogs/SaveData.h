@@ -2,6 +2,7 @@
 
 #include "dialogs/SaveWishes.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <functional>
 
@@ -13,6 +14,8 @@ namespace thntfs {
 
 /// Asks where to save to, and for the file types to leave out, the compression and the prefix.
 class CSaveData : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CSaveData)
+
 public:
     /// Asked about the folder, an absolute path, and whether one compressed file is to be written there, when
     /// the user is done: false keeps the dialog open.

@@ -50,7 +50,7 @@ QComboBox* Choice(const QStringList& texts, const QString& name, QWidget* parent
 
 CTHNTFSFindFile::CTHNTFSFindFile(QWidget* owner)
     : QDialog(owner) {
-    setWindowTitle(QStringLiteral("Find files and folders"));
+    setWindowTitle(tr("Find files and folders"));
     MakeParts();
     LayOut();
     Connect();
@@ -62,34 +62,32 @@ CTHNTFSFindFile::CTHNTFSFindFile(QWidget* owner)
 
 void CTHNTFSFindFile::MakeParts() {
     pattern_ = new QLineEdit(this);
-    matchCase_ = new QCheckBox(QStringLiteral("&Match case"), this);
-    options_ = new QPushButton(QStringLiteral("&Options>>"), this);
+    matchCase_ = new QCheckBox(tr("&Match case"), this);
+    options_ = new QPushButton(tr("&Options>>"), this);
     options_->setAutoDefault(false);
-    search_ = new QPushButton(QStringLiteral("Search &Now"), this);
+    search_ = new QPushButton(tr("Search &Now"), this);
     search_->setDefault(true);
     search_->setEnabled(false);
-    cancel_ = new QPushButton(QStringLiteral("&Cancel"), this);
+    cancel_ = new QPushButton(tr("&Cancel"), this);
     cancel_->setAutoDefault(false);
 
     filters_ = new QWidget(this);
-    size_ = new QCheckBox(QStringLiteral("&Size"), filters_);
-    sizeMode_ =
-        Choice({QStringLiteral("At least"), QStringLiteral("At most")}, QStringLiteral("Size is"), filters_);
+    size_ = new QCheckBox(tr("&Size"), filters_);
+    sizeMode_ = Choice({tr("At least"), tr("At most")}, tr("Size is"), filters_);
     sizeNumber_ = new QLineEdit(QStringLiteral("0"), filters_);
-    sizeNumber_->setAccessibleName(QStringLiteral("Size"));
+    sizeNumber_->setAccessibleName(tr("Size"));
     sizeNumber_->setValidator(
         new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), sizeNumber_));
-    sizeUnit_ = Choice({}, QStringLiteral("Unit of the size"), filters_);
+    sizeUnit_ = Choice({}, tr("Unit of the size"), filters_);
     for (const SizeUnit& unit : kUnits) {
         sizeUnit_->addItem(QLatin1String(unit.Name));
     }
     sizeNumber_->setMaxLength(kUnits.front().Digits);
-    date_ = new QCheckBox(QStringLiteral("&Date"), filters_);
-    dateMode_ = Choice({QStringLiteral("Last access date"), QStringLiteral("Creation date")},
-                       QStringLiteral("Which date"), filters_);
-    from_ = DayEdit(QStringLiteral("First day"), filters_);
-    to_ = DayEdit(QStringLiteral("Last day"), filters_);
-    oneList_ = new QCheckBox(QStringLiteral("Show &all hits in one list"), filters_);
+    date_ = new QCheckBox(tr("&Date"), filters_);
+    dateMode_ = Choice({tr("Last access date"), tr("Creation date")}, tr("Which date"), filters_);
+    from_ = DayEdit(tr("First day"), filters_);
+    to_ = DayEdit(tr("Last day"), filters_);
+    oneList_ = new QCheckBox(tr("Show &all hits in one list"), filters_);
 }
 
 void CTHNTFSFindFile::LayOut() {
@@ -119,10 +117,9 @@ void CTHNTFSFindFile::LayOut() {
 }
 
 QLayout* CTHNTFSFindFile::PatternLine() {
-    auto* label = new QLabel(QStringLiteral("&Find What"), this);
+    auto* label = new QLabel(tr("&Find What"), this);
     label->setBuddy(pattern_);
-    auto* example =
-        new QLabel(QStringLiteral("e.g. filename*.* or *.ext\n\nPress F3 to repeat search."), this);
+    auto* example = new QLabel(tr("e.g. filename*.* or *.ext\n\nPress F3 to repeat search."), this);
     auto* lines = new QVBoxLayout;
     lines->addWidget(label);
     lines->addWidget(pattern_);
@@ -145,9 +142,9 @@ QLayout* CTHNTFSFindFile::DateLine() {
     auto* lines = new QGridLayout;
     lines->addWidget(date_, 0, 0);
     lines->addWidget(dateMode_, 0, 1, 1, 4);
-    lines->addWidget(new QLabel(QStringLiteral("from"), filters_), 1, 1);
+    lines->addWidget(new QLabel(tr("from"), filters_), 1, 1);
     lines->addWidget(from_, 1, 2);
-    lines->addWidget(new QLabel(QStringLiteral("to"), filters_), 1, 3);
+    lines->addWidget(new QLabel(tr("to"), filters_), 1, 3);
     lines->addWidget(to_, 1, 4);
     lines->setColumnStretch(2, 1);
     lines->setColumnStretch(4, 1);
@@ -175,7 +172,7 @@ void CTHNTFSFindFile::Connect() {
 void CTHNTFSFindFile::ToggleOptions() {
     const bool open = filters_->isHidden();
     filters_->setVisible(open);
-    options_->setText(open ? QStringLiteral("<<&Options") : QStringLiteral("&Options>>"));
+    options_->setText(open ? tr("<<&Options") : tr("&Options>>"));
 }
 
 void CTHNTFSFindFile::SwitchSize(bool on) {

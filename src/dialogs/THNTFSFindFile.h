@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <cstdint>
 #include <string>
@@ -15,6 +16,8 @@ namespace thntfs {
 
 /// Asks what is to be found. The filters stand in its lower half, which is closed at first.
 class CTHNTFSFindFile : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CTHNTFSFindFile)
+
 public:
     explicit CTHNTFSFindFile(QWidget* owner);
 

@@ -1,5 +1,6 @@
 #include "dialogs/TipFile.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -10,7 +11,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr const char* kOnlyTip = "Press Ctrl + W to run wizard.";
+QString OnlyTip() { return QCoreApplication::translate("TipFile", "Press Ctrl + W to run wizard."); }
 constexpr qint64 kMostFileBytes = qint64{256} << 10;
 constexpr qsizetype kMostTipLetters = 500;
 
@@ -46,7 +47,7 @@ void ProvideTipFile(const QString& path) {
     QDir().mkpath(info.path());
     QFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-        file.write(kOnlyTip);
+        file.write(OnlyTip().toUtf8());
         file.write("\n");
     }
 }
@@ -60,7 +61,7 @@ QStringList ReadTips(const QString& path) {
             tips.push_back(tip);
         }
     }
-    return tips.empty() ? QStringList{QLatin1String(kOnlyTip)} : tips;
+    return tips.empty() ? QStringList{OnlyTip()} : tips;
 }
 
 } // namespace thntfs

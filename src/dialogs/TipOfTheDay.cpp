@@ -5,6 +5,7 @@
 #include "shell/Settings.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -24,6 +25,8 @@ constexpr int kTipLetters = 52; // a line
 constexpr double kHeadingScale = 1.3;
 
 class CTipOfTheDay : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CTipOfTheDay)
+
 public:
     CTipOfTheDay(QWidget* owner, const QStringList& tips);
 

@@ -11,6 +11,7 @@
 #include "shell/PauseGate.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLocale>
 #include <QProgressBar>
@@ -44,7 +45,10 @@ QLabel* HeadingLabel(QWidget* parent) {
 }
 
 QLabel* HelpLink(QWidget* parent) {
-    auto* link = new QLabel(QStringLiteral("<a href=\"contact.htm\">Asking for help</a>"), parent);
+    auto* link =
+        new QLabel(QStringLiteral("<a href=\"contact.htm\">%1</a>")
+                       .arg(QCoreApplication::translate("VarientCloneImageDialog", "Asking for help")),
+                   parent);
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     QObject::connect(link, &QLabel::linkActivated, link, [](const QString& page) { ShowHelp(page); });
     return link;
@@ -68,7 +72,7 @@ CVarientCloneImageDialog::CVarientCloneImageDialog()
     , stop_(new QPushButton(this)) {
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowIcon(LoadIcon("task-image"));
-    bar_->setAccessibleName(QStringLiteral("Progress of the copy"));
+    bar_->setAccessibleName(tr("Progress of the copy"));
     bar_->setRange(0, 100);
     bar_->setValue(0);
     bar_->setTextVisible(false);
@@ -90,7 +94,7 @@ CVarientCloneImageDialog::~CVarientCloneImageDialog() {
 
 void CVarientCloneImageDialog::LayOut() {
     auto* progress = new QHBoxLayout;
-    progress->addWidget(new QLabel(QStringLiteral("Progress Completed..."), this));
+    progress->addWidget(new QLabel(tr("Progress Completed..."), this));
     progress->addWidget(percentText_);
     progress->addStretch();
     auto* bottom = new QHBoxLayout;
@@ -149,9 +153,9 @@ void CVarientCloneImageDialog::Start(CopyWork work, CopyJob& job) {
 }
 
 void CVarientCloneImageDialog::SetTexts() {
-    setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Disk ") + WorkText());
-    stop_->setText(QStringLiteral("&Stop ") + WorkText());
-    heading_->setText(QStringLiteral("Disk %1...").arg(WorkText()));
+    setWindowTitle(tr("Tarnholt Volume Salvage (NTFS) Disk %1").arg(WorkText()));
+    stop_->setText(tr("&Stop %1").arg(WorkText()));
+    heading_->setText(tr("Disk %1...").arg(WorkText()));
     animation_->SetTargetIcon(IsImaging() ? "task-image" : "disk");
     animation_->SetMoving(true);
     adjustSize();
@@ -167,21 +171,19 @@ void CVarientCloneImageDialog::StartThread() {
     try {
         copyThread_ = std::make_unique<JobThread>([this, work] { work(*job_, *host_, *this); });
     } catch (const std::system_error& failure) {
-        ShowBox(QString::fromLocal8Bit(failure.what()), QStringLiteral("Error"), BoxIcon::Stop);
+        ShowBox(QString::fromLocal8Bit(failure.what()), tr("Error"), BoxIcon::Stop);
         ResetEngineState();
         End(CopyEvent::Aborted);
     }
 }
 
-QString CVarientCloneImageDialog::WorkText() const {
-    return IsImaging() ? QStringLiteral("Imaging") : QStringLiteral("Cloning");
-}
+QString CVarientCloneImageDialog::WorkText() const { return IsImaging() ? tr("Imaging") : tr("Cloning"); }
 
 void CVarientCloneImageDialog::ShowProgress(std::uint64_t done, std::uint64_t total) {
     ShowPercent(static_cast<std::uint32_t>(PercentOf(done, total)));
     if (static_cast<std::int64_t>(done) != lastPosition_) {
         lastPosition_ = static_cast<std::int64_t>(done);
-        sectorLine_->setText(QStringLiteral("%1 sector %2 of %3").arg(WorkText()).arg(done).arg(total));
+        sectorLine_->setText(tr("%1 sector %2 of %3").arg(WorkText()).arg(done).arg(total));
     }
 }
 
@@ -196,13 +198,13 @@ void CVarientCloneImageDialog::ShowPercent(std::uint32_t percent) {
 void CVarientCloneImageDialog::ShowFigures(const CopyFigures& figures) {
     if (figures.Part == CopyPart::Retrying) {
         ShowPercent(static_cast<std::uint32_t>(PercentOf(figures.Done, figures.PartTotal)));
-        sectorLine_->setText(QStringLiteral("Reading bad sectors again: %1 of %2")
-                                 .arg(Grouped(figures.Done), Grouped(figures.PartTotal)));
+        sectorLine_->setText(
+            tr("Reading bad sectors again: %1 of %2").arg(Grouped(figures.Done), Grouped(figures.PartTotal)));
     } else if (IsBeyondWords(figures.Sums.Total) && figures.Position != 0) {
         ShowProgress(figures.Position, figures.Sums.Total);
     }
     ShowRate(figures);
-    account_->setText(QStringLiteral("Bad sectors: %1    Not yet tried: %2")
+    account_->setText(tr("Bad sectors: %1    Not yet tried: %2")
                           .arg(Grouped(figures.Sums.Bad), Grouped(figures.Sums.Unread)));
 }
 
@@ -214,10 +216,10 @@ void CVarientCloneImageDialog::ShowRate(const CopyFigures& figures) {
     const double perSecond = static_cast<double>(figures.Done) / figures.Seconds;
     const double left =
         static_cast<double>(figures.PartTotal - std::min(figures.Done, figures.PartTotal)) / perSecond;
+    const auto bytes = static_cast<std::uint64_t>(perSecond * Engine.SourceDisk.BytesPerSector);
     rate_->setText(
-        QString::fromStdString(
-            ByteText(static_cast<std::uint64_t>(perSecond * Engine.SourceDisk.BytesPerSector)) + "/s, ") +
-        QString::fromStdString(DurationText(left)) + QStringLiteral(" left"));
+        tr("%1/s, %2 left")
+            .arg(QString::fromStdString(ByteText(bytes)), QString::fromStdString(DurationText(left))));
 }
 
 // The worker may have told its end, or be about to: that is shown once the question is answered.
@@ -230,8 +232,7 @@ void CVarientCloneImageDialog::AskToStop() {
     {
         const WorkerPause pause;
         WM_COPY_EVENT.Post(MainWindow(), imagingMode_, CopyEvent::Paused);
-        if (AskYesNo(QStringLiteral("Do you want to stop process?"),
-                     QStringLiteral("Volume Salvage (NTFS)"))) {
+        if (AskYesNo(tr("Do you want to stop process?"), tr("Volume Salvage (NTFS)"))) {
             Engine.ScanRunFlag = 0;
         } else {
             WM_COPY_EVENT.Post(MainWindow(), imagingMode_, CopyEvent::Resumed);
@@ -251,9 +252,8 @@ void CVarientCloneImageDialog::End(CopyEvent event) {
     animation_->SetMoving(false);
     stop_->setEnabled(false);
     over_ = true;
-    ShowBox(QStringLiteral("Disk %1 %2")
-                .arg(WorkText(), completed ? QStringLiteral("Completed") : QStringLiteral("Aborted")),
-            QStringLiteral("Information"), completed ? BoxIcon::Information : BoxIcon::Stop);
+    ShowBox(tr("Disk %1 %2").arg(WorkText(), completed ? tr("Completed") : tr("Aborted")), tr("Information"),
+            completed ? BoxIcon::Information : BoxIcon::Stop);
     WM_COPY_EVENT.Send(MainWindow(), imagingMode_, event);
     if (Engine.ScanRunFlag == 0) {
         hide();

@@ -5,6 +5,7 @@
 #include "shell/MessageTarget.h"
 #include "shell/WindowMessages.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <memory>
 #include <optional>
@@ -21,6 +22,8 @@ class CCopyAnimation;
 /// painting. It has no parent. When the end of the copy has been told it deletes itself, and then
 /// Desktop.CopyDialog is null; the user can close it by the stop question alone.
 class CVarientCloneImageDialog : public QDialog, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CVarientCloneImageDialog)
+
 public:
     CVarientCloneImageDialog();
     ~CVarientCloneImageDialog() override;

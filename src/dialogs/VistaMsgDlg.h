@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDialog>
 
 namespace thntfs {
@@ -7,6 +8,8 @@ namespace thntfs {
 /// The notice that the setting "VistaMsg/StartUp" asks for at start, or takes away. The setting is written
 /// back when the dialog goes, whether it was shown or not.
 class CVistaMsgDlg : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CVistaMsgDlg)
+
 public:
     explicit CVistaMsgDlg(QWidget* owner);
     ~CVistaMsgDlg() override;

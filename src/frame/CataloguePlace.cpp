@@ -24,7 +24,7 @@ void CataloguePlace::KeepAwayFrom(const std::string& medium) {
     const WorkPlace place = TakeLastingWorkFolder(folder_, medium);
     if (place.Code != kErrorNone) {
         Engine.CatalogueFolder = kNoFolder;
-        ShowBox(QString::fromStdString(place.Told), QStringLiteral("Error"), BoxIcon::Stop);
+        ShowBox(QString::fromStdString(place.Told), tr("Error"), BoxIcon::Stop);
         return;
     }
     if (!place.Told.empty() && folder_.Path() != present) {

@@ -2,12 +2,15 @@
 
 #include "platform/files/WorkFolder.h"
 
+#include <QCoreApplication>
 #include <string>
 
 namespace thntfs {
 
 /// Where the catalogue of the desktop program lies.
 class CataloguePlace {
+    Q_DECLARE_TR_FUNCTIONS(CataloguePlace)
+
 public:
     /// Sees to it that the catalogue is kept away from a medium, before a scan of it or a load writes its
     /// files: takes the user's lasting folder as CatalogueFolder, unless one that was given otherwise will

@@ -5,6 +5,7 @@
 #include "shell/Icons.h"
 
 #include <QActionGroup>
+#include <QCoreApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -20,8 +21,15 @@ namespace {
 constexpr std::array<int, 4> kToolbarPixels{16, 24, 32, 48};
 constexpr int kUsualPixels = 32;
 
-// A text and its key, as a menu line has them.
-QString MenuPart(const char* text) { return QString::fromLatin1(text).section(QLatin1Char('\t'), 0, 0); }
+// A text of the command table in the user's language; many are empty.
+QString Translated(const char* text) {
+    return *text == '\0' ? QString() : QCoreApplication::translate("CommandTable", text);
+}
+
+// A text and its key, as a menu line has them. Keys are the same in all languages.
+QString MenuPart(const char* text) {
+    return *text == '\t' ? QString() : Translated(text).section(QLatin1Char('\t'), 0, 0);
+}
 QString KeyPart(const char* text) { return QString::fromLatin1(text).section(QLatin1Char('\t'), 1); }
 
 bool IsViewMode(std::uint32_t command) { return command >= kCmdLargeIcons && command <= kCmdDetails; }
@@ -45,8 +53,8 @@ void CommandSet::CreateActions(const Runner& run) {
     for (const CommandText& text : AllCommands()) {
         auto* action = new QAction(MenuPart(text.Menu), &window_);
         action->setShortcut(QKeySequence(KeyPart(text.Menu)));
-        action->setStatusTip(QLatin1String(text.Prompt));
-        action->setToolTip(QLatin1String(text.ToolTip));
+        action->setStatusTip(Translated(text.Prompt));
+        action->setToolTip(Translated(text.ToolTip));
         action->setCheckable(IsChecked(text.Id));
         action->setData(text.Id);
         if (*text.Icon != '\0') {
@@ -62,9 +70,9 @@ void CommandSet::CreateActions(const Runner& run) {
 }
 
 void CommandSet::CreateMenus() {
-    window_.menuBar()->setAccessibleName(QStringLiteral("Menu bar"));
+    window_.menuBar()->setAccessibleName(tr("Menu bar"));
     for (const MenuText& text : AllMenus()) {
-        QMenu* top = window_.menuBar()->addMenu(QLatin1String(text.Title));
+        QMenu* top = window_.menuBar()->addMenu(Translated(text.Title));
         QMenu* menu = top;
         for (const MenuLine& line : text.Lines) {
             switch (line.What) {
@@ -75,8 +83,8 @@ void CommandSet::CreateMenus() {
                 menu->addSeparator();
                 break;
             case MenuLine::Kind::Submenu:
-                menu = top->addMenu(QLatin1String(line.Title));
-                menu->menuAction()->setStatusTip(QLatin1String(line.Prompt));
+                menu = top->addMenu(Translated(line.Title));
+                menu->menuAction()->setStatusTip(Translated(line.Prompt));
                 break;
             case MenuLine::Kind::EndSubmenu:
                 menu = top;
@@ -87,9 +95,9 @@ void CommandSet::CreateMenus() {
 }
 
 void CommandSet::CreateToolbar() {
-    toolbar_ = window_.addToolBar(QStringLiteral("ToolBar"));
+    toolbar_ = window_.addToolBar(tr("ToolBar"));
     toolbar_->setObjectName(QStringLiteral("ToolBar"));
-    toolbar_->setAccessibleName(QStringLiteral("Toolbar"));
+    toolbar_->setAccessibleName(tr("Toolbar"));
     toolbar_->setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(toolbar_, &QToolBar::customContextMenuRequested, &window_,
                      [this](const QPoint& at) { OfferToolbarSizes(toolbar_->mapToGlobal(at)); });

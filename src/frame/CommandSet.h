@@ -2,6 +2,7 @@
 
 #include "frame/CommandRules.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <cstdint>
 #include <functional>
@@ -17,6 +18,8 @@ namespace thntfs {
 /// The commands as a window shows them: an action each with its key, the menus, the toolbar, and what of it
 /// is enabled and marked.
 class CommandSet {
+    Q_DECLARE_TR_FUNCTIONS(CommandSet)
+
 public:
     using Runner = std::function<void(std::uint32_t command)>;
 

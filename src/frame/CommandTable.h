@@ -6,7 +6,7 @@
 
 namespace thntfs {
 
-/// A command as the user meets it.
+/// A command as the user meets it. Its texts are keys of the context CommandTable for translators.
 struct CommandText {
     std::uint32_t Id;
     const char* Menu;    ///< text in the menu; what stands behind the tab is its key. Empty: in no menu

@@ -136,7 +136,7 @@ void FindSearch::ShowAllHits() try {
 void FindSearch::TellNothingFound() {
     SetFoundEntry(FindState().FoundEntry);
     walk_.reset();
-    ShowBox(QStringLiteral("Search Item not found."), QStringLiteral("Information"), BoxIcon::Information);
+    ShowBox(tr("Search Item not found."), tr("Information"), BoxIcon::Information);
 }
 
 void FindSearch::End() {

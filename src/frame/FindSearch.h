@@ -2,6 +2,7 @@
 
 #include "catalogue/FindWalk.h"
 
+#include <QCoreApplication>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -31,6 +32,8 @@ struct FindState {
 /// Find and Find Next: a line of searches through the catalogue, each hit of which is shown in its place. It
 /// holds the interface thread until it has a hit; Escape ends it early, and Find Next goes on from there.
 class FindSearch {
+    Q_DECLARE_TR_FUNCTIONS(FindSearch)
+
 public:
     /// Both views outlive it.
     FindSearch(CTHNTFSTreeView& tree, CTHNTFSListView& list);

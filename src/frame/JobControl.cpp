@@ -6,6 +6,7 @@
 #include "shell/DesktopState.h"
 #include "shell/PauseGate.h"
 
+#include <QCoreApplication>
 #include <exception>
 #include <system_error>
 
@@ -14,9 +15,10 @@ namespace thntfs {
 namespace {
 
 QString LittleFoundNote() {
-    return Engine.Yield.Little() ? QStringLiteral("\n\n%1.\nTurbo Scan may find more.")
-                                       .arg(QString::fromStdString(LittleFoundText(Engine.Yield)))
-                                 : QString();
+    return Engine.Yield.Little()
+               ? QCoreApplication::translate("JobControl", "\n\n%1.\nTurbo Scan may find more.")
+                     .arg(QString::fromStdString(LittleFoundText(Engine.Yield)))
+               : QString();
 }
 
 } // namespace
@@ -24,13 +26,14 @@ QString LittleFoundNote() {
 QString FinishedText(FinishedJob kind) {
     switch (kind) {
     case FinishedJob::FileTypes:
-        return QStringLiteral("Searching for file type(s) finished.");
+        return QCoreApplication::translate("JobControl", "Searching for file type(s) finished.");
     case FinishedJob::BasicScan:
-        return QStringLiteral("You have just completed Basic Scan of a logical drive.\n\n"
-                              "Please examine the tree created, if you find none of the\n"
-                              "files listed are the one you were looking for, then use\n"
-                              "more advanced disk scanning method i.e. Turbo Scan.\n\n"
-                              "Go to Tools->TurboScan") +
+        return QCoreApplication::translate("JobControl",
+                                           "You have just completed Basic Scan of a logical drive.\n\n"
+                                           "Please examine the tree created, if you find none of the\n"
+                                           "files listed are the one you were looking for, then use\n"
+                                           "more advanced disk scanning method i.e. Turbo Scan.\n\n"
+                                           "Go to Tools->TurboScan") +
                LittleFoundNote();
     default:
         return {};
@@ -65,7 +68,7 @@ bool JobControl::MayStartWork() const {
         return false;
     }
     if (JobBusy()) {
-        ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
+        ShowBox(tr("Please wait..."), tr("Information"), BoxIcon::Warning);
     }
     return !JobBusy();
 }
@@ -86,7 +89,7 @@ void JobControl::StartWorker(std::function<void()> work) {
     try {
         workerThread_ = std::make_unique<JobThread>(std::move(work));
     } catch (const std::system_error& failure) {
-        ShowBox(QString::fromLocal8Bit(failure.what()), QStringLiteral("Error"), BoxIcon::Stop);
+        ShowBox(QString::fromLocal8Bit(failure.what()), tr("Error"), BoxIcon::Stop);
         EndFailed();
     }
 }
@@ -99,8 +102,7 @@ void JobControl::Stop() {
     }
     const WorkerPause pause;
     WM_COPY_EVENT.Post(&frame_, CopyWork::Scan, CopyEvent::Paused);
-    if (Engine.ScanRunFlag != 0 &&
-        AskYesNo(QStringLiteral("Do you want to stop process?"), QStringLiteral("Confirm"))) {
+    if (Engine.ScanRunFlag != 0 && AskYesNo(tr("Do you want to stop process?"), tr("Confirm"))) {
         Engine.ScanRunFlag = 0;
         return;
     }
@@ -124,7 +126,7 @@ ProcessLogEntry JobControl::EntryOf(CopyWork work, CopyEvent event) {
 void JobControl::TellFinished(const QString& text) {
     panes_.EndProgress();
     if (!text.isEmpty()) {
-        ShowBox(text, QStringLiteral("Information"), BoxIcon::Information);
+        ShowBox(text, tr("Information"), BoxIcon::Information);
     }
 }
 

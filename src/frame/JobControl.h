@@ -4,6 +4,7 @@
 #include "shell/JobThread.h"
 #include "shell/WindowMessages.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <functional>
 #include <memory>
@@ -15,6 +16,8 @@ class StatusPanes;
 /// What all jobs on the open medium have in common, from a job's choice to the end of its handling: the
 /// flags, the worker, the user's stop. One job runs at a time.
 class JobControl {
+    Q_DECLARE_TR_FUNCTIONS(JobControl)
+
 public:
     /// The worker reports to the frame. Both are the caller's and live longer.
     JobControl(MessageTarget& frame, StatusPanes& panes);

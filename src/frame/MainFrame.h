@@ -15,6 +15,7 @@
 #include "preview/Previews.h"
 #include "shell/MessageTarget.h"
 
+#include <QCoreApplication>
 #include <QMainWindow>
 #include <QTimer>
 #include <cstdint>
@@ -36,6 +37,8 @@ struct WizardState;
 /// The program's one top-level window: its layout, the way from commands and messages to the parts that
 /// handle them, and its end. One exists at a time.
 class CMainFrame : public QMainWindow, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CMainFrame)
+
 public:
     CMainFrame();
     ~CMainFrame() override;

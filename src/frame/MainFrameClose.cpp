@@ -18,8 +18,8 @@ namespace thntfs {
 // A result that could not be saved stays on the screen: the log tells why, and the user may try another
 // place.
 bool CMainFrame::AskAboutScan() {
-    switch (ShowBox(QStringLiteral("Do you want to save scan information?"), QStringLiteral("Confirm"),
-                    BoxIcon::Information, BoxButtons::YesNoCancel)) {
+    switch (ShowBox(tr("Do you want to save scan information?"), tr("Confirm"), BoxIcon::Information,
+                    BoxButtons::YesNoCancel)) {
     case BoxAnswer::Yes:
         return SaveTree();
     case BoxAnswer::No:
@@ -44,11 +44,11 @@ bool CMainFrame::MayClose() {
         return false;
     }
     if (Engine.ScanRunFlag != 0) {
-        ShowBox(QStringLiteral("Please stop running process"), QStringLiteral("Warning"), BoxIcon::Warning);
+        ShowBox(tr("Please stop running process"), tr("Warning"), BoxIcon::Warning);
         return false;
     }
     if (job_.JobBusy()) {
-        ShowBox(QStringLiteral("Please wait..."), QStringLiteral("Information"), BoxIcon::Warning);
+        ShowBox(tr("Please wait..."), tr("Information"), BoxIcon::Warning);
         return false;
     }
     return scanInfo_.MayForgetCatalogue() || AskAboutScan();

@@ -8,6 +8,7 @@
 #include "views/THNTFSTreeView.h"
 #include "wizard/WizardSheet.h"
 
+#include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QMimeData>
@@ -25,10 +26,14 @@ QString DroppedFile(const QMimeData* data) {
 // Why a file can't be opened, empty where it can.
 QString FaultOf(const QFileInfo& file) {
     if (file.isDir()) {
-        return file.filePath() + QStringLiteral(" is a folder.\nPlease open a file: the image of a disk, or "
-                                                "saved scan information (.tht, .thd).");
+        return QCoreApplication::translate("MainFrameOpen",
+                                           "%1 is a folder.\nPlease open a file: the image of a disk, or "
+                                           "saved scan information (.tht, .thd).")
+            .arg(file.filePath());
     }
-    return file.exists() ? QString() : file.filePath() + QStringLiteral(" isn't there.");
+    return file.exists()
+               ? QString()
+               : QCoreApplication::translate("MainFrameOpen", "%1 isn't there.").arg(file.filePath());
 }
 
 } // namespace
@@ -82,7 +87,7 @@ void CMainFrame::OpenFile(const QString& file) {
     const QString path = QFileInfo(file).absoluteFilePath();
     const QString fault = FaultOf(QFileInfo(path));
     if (!fault.isEmpty()) {
-        ShowBox(fault, QStringLiteral("Warning"), BoxIcon::Warning);
+        ShowBox(fault, tr("Warning"), BoxIcon::Warning);
         return;
     }
     const ScanInfoKind kind = ProbeScanInfo(path.toStdString()).Kind;

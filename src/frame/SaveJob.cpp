@@ -12,6 +12,7 @@
 #include "frame/TargetQuestion.h"
 #include "shell/Boxes.h"
 
+#include <QCoreApplication>
 #include <QDate>
 #include <utility>
 
@@ -38,9 +39,10 @@ SaveOptions OptionsOf(const SaveWishes& wishes) {
 // Together they would bring back wrong bytes under right names.
 bool CatalogueFits() {
     if (!CatalogueIsOfVolumeInWork()) {
-        ShowBox(QStringLiteral("What the window shows belongs to another medium or partition than the one "
+        ShowBox(QCoreApplication::translate(
+                    "SaveJob", "What the window shows belongs to another medium or partition than the one "
                                "that is open now.\nPlease open and scan it again."),
-                QStringLiteral("Warning"), BoxIcon::Warning);
+                QCoreApplication::translate("SaveJob", "Warning"), BoxIcon::Warning);
     }
     return CatalogueIsOfVolumeInWork();
 }
@@ -62,9 +64,10 @@ QString SuggestedName(const SaveNameRequest& request) {
                                                                      : FitName(request.Name));
 }
 
-const char* ReasonFor(NameTrouble why) {
-    return why == NameTrouble::Exists ? "this one exists in the folder already"
-                                      : "the folder can't take this one";
+QString ReasonFor(NameTrouble why) {
+    return why == NameTrouble::Exists
+               ? QCoreApplication::translate("SaveJob", "this one exists in the folder already")
+               : QCoreApplication::translate("SaveJob", "the folder can't take this one");
 }
 
 } // namespace
@@ -86,7 +89,7 @@ void SaveJob::Begin() {
     run_.Totals = {};
     job_.SetRunning();
     panes_.BeginProgress(kBlankCaption);
-    panes_.SetPhase("Saving");
+    panes_.SetPhase(QT_TRANSLATE_NOOP("StatusPanes", "Saving"));
     job_.StartWorker([this] { SaveThread(frame_, run_); });
 }
 
@@ -117,10 +120,9 @@ bool SaveJob::OpenTarget(const QString& folder, bool compressed) {
         code = OpenArchive(run_);
     }
     if (code != kErrorNone) {
-        const QString why = code == kErrorDirectory ? QStringLiteral("It is a file, or lies below one.")
+        const QString why = code == kErrorDirectory ? tr("It is a file, or lies below one.")
                                                     : QString::fromStdString(SystemErrorText(code));
-        ShowBox(QStringLiteral("Data can't be saved to %1\n%2").arg(folder, why), QStringLiteral("Error"),
-                BoxIcon::Stop);
+        ShowBox(tr("Data can't be saved to %1\n%2").arg(folder, why), tr("Error"), BoxIcon::Stop);
     }
     return code == kErrorNone;
 }
@@ -145,7 +147,7 @@ void SaveJob::AskName(SaveNameRequest& request) {
     if (BoxesAreRefused()) {
         return;
     }
-    CRenameFile dialog(&owner_, QString::fromStdString(request.Name), QLatin1String(ReasonFor(request.Why)),
+    CRenameFile dialog(&owner_, QString::fromStdString(request.Name), ReasonFor(request.Why),
                        SuggestedName(request));
     dialog.exec();
     using Answer = CRenameFile::Answer;

@@ -2,6 +2,7 @@
 
 #include "frame/SaveWorker.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 class QWidget;
@@ -15,6 +16,8 @@ struct SaveWishes;
 
 /// The saving of what MarkedEntries name: its dialogs and its job.
 class SaveJob {
+    Q_DECLARE_TR_FUNCTIONS(SaveJob)
+
 public:
     /// The dialogs stand over the owner; the worker reports to the frame. All are the caller's and live
     /// longer.

@@ -2,6 +2,7 @@
 
 #include "platform/system/SizeText.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 #include <cmath>
 
@@ -14,8 +15,13 @@ constexpr double kFileCost = 16384; // a file costs about as much as that many b
 constexpr double kMinute = 60;
 constexpr double kHour = 3600;
 
-QString Counted(std::uint64_t count, const char* one, const char* many) {
-    return QString::number(count) + QLatin1Char(' ') + QLatin1String(count == 1 ? one : many);
+QString Counted(std::uint64_t count, const QString& one, const QString& many) {
+    return (count == 1 ? one : many).arg(count);
+}
+
+QString FilesText(std::uint64_t count) {
+    return Counted(count, QCoreApplication::translate("SaveTexts", "%1 file"),
+                   QCoreApplication::translate("SaveTexts", "%1 files"));
 }
 
 QString Size(std::uint64_t bytes) { return QString::fromStdString(ByteText(bytes)); }
@@ -29,25 +35,28 @@ QString RoughTime(double seconds) {
         return static_cast<std::uint64_t>(std::llround(seconds / unit));
     };
     if (seconds < kMinute) {
-        return QStringLiteral("less than a minute");
+        return QCoreApplication::translate("SaveTexts", "less than a minute");
     }
-    return seconds < 1.5 * kHour ? Counted(rounded(kMinute), "minute", "minutes")
-                                 : Counted(rounded(kHour), "hour", "hours");
+    return seconds < 1.5 * kHour
+               ? Counted(rounded(kMinute), QCoreApplication::translate("SaveTexts", "%1 minute"),
+                         QCoreApplication::translate("SaveTexts", "%1 minutes"))
+               : Counted(rounded(kHour), QCoreApplication::translate("SaveTexts", "%1 hour"),
+                         QCoreApplication::translate("SaveTexts", "%1 hours"));
 }
 
 /// What went wrong, or was left, a phrase each.
 QStringList Remainders(const SaveTotals& totals) {
     QStringList phrases;
-    const auto add = [&phrases](std::uint64_t count, const char* text) {
+    const auto add = [&phrases](std::uint64_t count, const QString& text) {
         if (count != 0) {
-            phrases.append(QString::number(count) + QLatin1String(text));
+            phrases.append(text.arg(count));
         }
     };
-    add(totals.Damaged, " damaged");
-    add(totals.Failed, " could not be saved");
-    add(totals.Skipped, " skipped");
-    add(totals.TypesLeftOut, " left out for their type");
-    add(totals.StreamsLeft, " named streams left");
+    add(totals.Damaged, QCoreApplication::translate("SaveTexts", "%1 damaged"));
+    add(totals.Failed, QCoreApplication::translate("SaveTexts", "%1 could not be saved"));
+    add(totals.Skipped, QCoreApplication::translate("SaveTexts", "%1 skipped"));
+    add(totals.TypesLeftOut, QCoreApplication::translate("SaveTexts", "%1 left out for their type"));
+    add(totals.StreamsLeft, QCoreApplication::translate("SaveTexts", "%1 named streams left"));
     return phrases;
 }
 
@@ -59,9 +68,9 @@ void SaveProgress::Begin(const SaveWork& wanted) {
 }
 
 QString SaveProgress::Text(const SaveWork& done) const {
-    return QStringLiteral("%1 of %2, %3 of %4%5")
+    return tr("%1 of %2, %3 of %4%5")
         .arg(done.Files)
-        .arg(Counted(wanted_.Files, "file", "files"), Size(done.Bytes), Size(wanted_.Bytes), TimeLeft(done));
+        .arg(FilesText(wanted_.Files), Size(done.Bytes), Size(wanted_.Bytes), TimeLeft(done));
 }
 
 QString SaveProgress::TimeLeft(const SaveWork& done) const {
@@ -71,25 +80,29 @@ QString SaveProgress::TimeLeft(const SaveWork& done) const {
     }
     constexpr double kSecond = 1000;
     const double left = elapsed / kSecond * (CostOf(wanted_) / CostOf(done) - 1);
-    return QStringLiteral(", ") + RoughTime(left) + QStringLiteral(" left");
+    return tr(", %1 left").arg(RoughTime(left));
 }
 
 QString SaveSummary(const SaveTotals& totals) {
     QStringList phrases = Remainders(totals);
-    phrases.prepend(QStringLiteral("Saved %1 (%2) in %3")
-                        .arg(Counted(totals.Files, "file", "files"), Size(totals.Bytes),
-                             Counted(totals.Folders, "folder", "folders")));
+    phrases.prepend(QCoreApplication::translate("SaveTexts", "Saved %1 (%2) in %3")
+                        .arg(FilesText(totals.Files), Size(totals.Bytes),
+                             Counted(totals.Folders, QCoreApplication::translate("SaveTexts", "%1 folder"),
+                                     QCoreApplication::translate("SaveTexts", "%1 folders"))));
     return phrases.join(QStringLiteral("; "));
 }
 
 QString SaveEndText(const SaveTotals& totals) {
     QString text =
         totals.Stopped
-            ? QStringLiteral("Saving data was stopped before its end.\n%1.").arg(SaveSummary(totals))
-            : QStringLiteral("Saving data completed.");
+            ? QCoreApplication::translate("SaveTexts", "Saving data was stopped before its end.\n%1.")
+                  .arg(SaveSummary(totals))
+            : QCoreApplication::translate("SaveTexts", "Saving data completed.");
     if (totals.Damaged + totals.Failed != 0) {
-        text += QStringLiteral("\n\n%1 damaged, %2 could not be saved.\nThe process log names them.")
-                    .arg(Counted(totals.Damaged, "file is", "files are"))
+        text += QCoreApplication::translate(
+                    "SaveTexts", "\n\n%1 damaged, %2 could not be saved.\nThe process log names them.")
+                    .arg(Counted(totals.Damaged, QCoreApplication::translate("SaveTexts", "%1 file is"),
+                                 QCoreApplication::translate("SaveTexts", "%1 files are")))
                     .arg(totals.Failed);
     }
     return text;

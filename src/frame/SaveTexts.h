@@ -2,6 +2,7 @@
 
 #include "content/SaveEntries.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QString>
 
@@ -9,6 +10,8 @@ namespace thntfs {
 
 /// How far a save is, as the status bar tells it.
 class SaveProgress {
+    Q_DECLARE_TR_FUNCTIONS(SaveProgress)
+
 public:
     /// The first file is about to be saved.
     void Begin(const SaveWork& wanted);

@@ -13,14 +13,15 @@
 #include "shell/Boxes.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <ctime>
 
 namespace thntfs {
 
 namespace {
 
-QString TreeFilter() { return QStringLiteral("Scan Info File (*.tht)"); }
-QString PartitionFilter() { return QStringLiteral("Scan Info File (*.thd)"); }
+QString TreeFilter() { return QCoreApplication::translate("ScanInfoFiles", "Scan Info File (*.tht)"); }
+QString PartitionFilter() { return QCoreApplication::translate("ScanInfoFiles", "Scan Info File (*.thd)"); }
 
 QString TextOf(std::string_view text) { return QString::fromLatin1(text.data(), qsizetype(text.size())); }
 
@@ -38,9 +39,10 @@ bool PathIsKept() {
     if (Engine.SourceDisk.Description.size() < kMaxDescriptionUnits || DescriptionFits(Engine.ImagePath)) {
         return true;
     }
-    ShowBox(QStringLiteral("Scan information can't be saved: the path of the medium is too long.\n"
-                           "Please open the medium by a link with a shorter path."),
-            QStringLiteral("Warning"), BoxIcon::Warning);
+    ShowBox(QCoreApplication::translate(
+                "ScanInfoFiles", "Scan information can't be saved: the path of the medium is too long.\n"
+                                 "Please open the medium by a link with a shorter path."),
+            QCoreApplication::translate("ScanInfoFiles", "Warning"), BoxIcon::Warning);
     return false;
 }
 
@@ -51,8 +53,9 @@ bool AcceptMedium(const MediumMatch& match) {
         LogLine(text, NarrowText(Engine.SourceDisk.Description), kLogFailed);
     }
     return !match.NeedsConsent() ||
-           AskYesNo(QString::fromStdString(text + "\n\nDo you want to go on with this scan?"),
-                    QStringLiteral("Warning"), BoxAnswer::No);
+           AskYesNo(QCoreApplication::translate("ScanInfoFiles", "%1\n\nDo you want to go on with this scan?")
+                        .arg(QString::fromStdString(text)),
+                    QCoreApplication::translate("ScanInfoFiles", "Warning"), BoxAnswer::No);
 }
 
 } // namespace
@@ -73,11 +76,11 @@ bool ScanInfoFiles::MayForgetCatalogue() const {
 }
 
 QString ScanInfoFiles::ChooseTreeInfo() const {
-    return ChooseFileToOpen(&owner_, QStringLiteral("Load Tree Info"), TreeFilter());
+    return ChooseFileToOpen(&owner_, tr("Load Tree Info"), TreeFilter());
 }
 
 QString ScanInfoFiles::ChoosePartitionInfo() const {
-    return ChooseFileToOpen(&owner_, QStringLiteral("Load Partition Info"), PartitionFilter());
+    return ChooseFileToOpen(&owner_, tr("Load Partition Info"), PartitionFilter());
 }
 
 bool ScanInfoFiles::LoadTree(const QString& path, const std::function<void()>& show) {
@@ -92,9 +95,9 @@ bool ScanInfoFiles::LoadTree(const QString& path, const std::function<void()>& s
 
 bool ScanInfoFiles::SaveTree() {
     QWidget* wizard = QApplication::activeModalWidget(); // it may lead here as well as the menu
-    const QString path = ChooseFileToSave(
-        wizard != nullptr ? wizard : &owner_, QStringLiteral("Save Tree Info"),
-        QString::fromStdString(SuggestedTreeInfoName(LocalNow())), TreeFilter(), TextOf(kTreeInfoExtension));
+    const QString path = ChooseFileToSave(wizard != nullptr ? wizard : &owner_, tr("Save Tree Info"),
+                                          QString::fromStdString(SuggestedTreeInfoName(LocalNow())),
+                                          TreeFilter(), TextOf(kTreeInfoExtension));
     if (path.isEmpty() || !MayWriteScanInfo(path, kTreeInfoExtension) || !PathIsKept()) {
         return false;
     }
@@ -105,7 +108,7 @@ bool ScanInfoFiles::SaveTree() {
 }
 
 void ScanInfoFiles::SavePartitions() const {
-    const QString path = ChooseFileToSave(&owner_, QStringLiteral("Save Partition Info"),
+    const QString path = ChooseFileToSave(&owner_, tr("Save Partition Info"),
                                           QString::fromStdString(SuggestedPartitionInfoName(LocalNow())),
                                           PartitionFilter(), TextOf(kPartitionInfoExtension));
     if (!path.isEmpty() && MayWriteScanInfo(path, kPartitionInfoExtension) && PathIsKept()) {
@@ -115,7 +118,8 @@ void ScanInfoFiles::SavePartitions() const {
 
 void SaveLog(QWidget& owner, const ProcessLog& log) {
     const QString path =
-        ChooseTextFileToSave(&owner, QStringLiteral("Save Process Log"), QLatin1String(kSuggestedLogName));
+        ChooseTextFileToSave(&owner, QCoreApplication::translate("ScanInfoFiles", "Save Process Log"),
+                             QLatin1String(kSuggestedLogName));
     if (path.isEmpty() || !MayWriteTo(path)) {
         return;
     }
@@ -124,7 +128,8 @@ void SaveLog(QWidget& owner, const ProcessLog& log) {
     code = code == kErrorNone ? WriteLogText(log, file.Handle()) : code;
     code = code == kErrorNone ? file.Commit() : code;
     if (code != kErrorNone) {
-        ShowBox(QStringLiteral("Error creating log file"), QStringLiteral("Error"), BoxIcon::Information);
+        ShowBox(QCoreApplication::translate("ScanInfoFiles", "Error creating log file"),
+                QCoreApplication::translate("ScanInfoFiles", "Error"), BoxIcon::Information);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <functional>
 
@@ -12,6 +13,8 @@ class ProcessLog;
 /// The files that the user loads and saves: scan information of both kinds. Knows whether the scan that the
 /// views show is in one.
 class ScanInfoFiles {
+    Q_DECLARE_TR_FUNCTIONS(ScanInfoFiles)
+
 public:
     /// The dialogs stand over the owner, or over the wizard where that is what leads to them.
     explicit ScanInfoFiles(QWidget& owner)

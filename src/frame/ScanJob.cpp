@@ -5,6 +5,8 @@
 #include "frame/StatusPanes.h"
 #include "shell/DesktopState.h"
 
+#include <QCoreApplication>
+
 namespace thntfs {
 
 ScanJob::ScanJob(JobControl& job, MessageTarget& frame, CTHNTFSTreeView& tree, StatusPanes& panes)
@@ -30,7 +32,7 @@ void ScanJob::StartBasicScan() {
 
 void ScanJob::StartTurboScan(std::uint8_t logicalDriveNumber) {
     Desktop.TurboScanUsed = true;
-    panes_.BeginProgress("Scanning");
+    panes_.BeginProgress(QT_TRANSLATE_NOOP("StatusPanes", "Scanning"));
     job_.StartWorker([this, logicalDriveNumber, reach = reach_] {
         TurboScanThread(frame_, tree_, logicalDriveNumber, reach);
     });

@@ -11,6 +11,7 @@
 #include "shell/WindowMessages.h"
 #include "views/THNTFSTreeView.h"
 
+#include <QCoreApplication>
 #include <functional>
 
 namespace thntfs {
@@ -34,7 +35,7 @@ bool RunBasicScan(MessageTarget& frame, CTHNTFSTreeView& tree, const ScanReach& 
     LogLosses();
     LogYield();
     CloseCatalogue();
-    WM_PROGRESS_CAPTION.Send(&frame, "Populating ");
+    WM_PROGRESS_CAPTION.Send(&frame, QT_TRANSLATE_NOOP("StatusPanes", "Populating "));
     LogTreeFillStarted();
     if (OpenCatalogue() == 0) {
         return false;
@@ -66,8 +67,9 @@ bool RunTurboScan(MessageTarget& frame, CTHNTFSTreeView& tree, std::uint8_t numb
     if (complete) {
         ShowFullProgress(frame);
     }
-    ShowBox(complete ? QStringLiteral("Turbo Scan Completed") : QStringLiteral("Turbo Scan aborted"),
-            QStringLiteral("Information"), BoxIcon::Information);
+    ShowBox(complete ? QCoreApplication::translate("ScanWorkers", "Turbo Scan Completed")
+                     : QCoreApplication::translate("ScanWorkers", "Turbo Scan aborted"),
+            QCoreApplication::translate("ScanWorkers", "Information"), BoxIcon::Information);
     CloseCatalogue();
     if (OpenCatalogue() == 0) {
         return false;

@@ -2,6 +2,7 @@
 
 #include "platform/system/PeerUser.h"
 
+#include <QCoreApplication>
 #include <QLocalSocket>
 #include <QStandardPaths>
 #include <utility>
@@ -43,7 +44,7 @@ QString SiblingSocket::Listen(const QString& name) {
     }
     const QString path = SocketPath(name);
     if (path.isEmpty()) {
-        return QObject::tr("there is no folder for a socket");
+        return QCoreApplication::translate("SiblingSocket", "there is no folder for a socket");
     }
     QLocalServer::removeServer(path);
     return server_.listen(path) ? QString() : server_.errorString();

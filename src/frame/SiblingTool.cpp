@@ -21,9 +21,11 @@ QString ProgramBeside(const char* name) {
 
 QString FailureText(const char* name, const QString& why) {
     if (!QFileInfo::exists(ProgramBeside(name))) {
-        return QObject::tr("%1 isn't installed beside this program.").arg(QLatin1String(name));
+        return QCoreApplication::translate("SiblingTool", "%1 isn't installed beside this program.")
+            .arg(QLatin1String(name));
     }
-    return QObject::tr("%1 can't be started: %2").arg(QLatin1String(name), why);
+    return QCoreApplication::translate("SiblingTool", "%1 can't be started: %2")
+        .arg(QLatin1String(name), why);
 }
 
 } // namespace

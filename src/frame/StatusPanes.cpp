@@ -5,14 +5,15 @@
 #include "shell/DesktopState.h"
 #include "shell/StatusPane.h"
 
+#include <QCoreApplication>
 #include <QStatusBar>
 
 namespace thntfs {
 
 namespace {
 
-constexpr const char* kIdleText = "Ready";
-constexpr const char* kNoTotalsText = "Total 0 KB in 0 Files in 0 Folders";
+constexpr const char* kIdleText = QT_TRANSLATE_NOOP("StatusPanes", "Ready");
+constexpr const char* kNoTotalsText = QT_TRANSLATE_NOOP("StatusPanes", "Total 0 KB in 0 Files in 0 Folders");
 constexpr int kNoticeMilliseconds = 6000;
 
 // Widths in blanks. The first pane stretches, and always has room for a job's text and bar.
@@ -23,21 +24,23 @@ struct PaneWidth {
 constexpr std::array<PaneWidth, 3> kPaneWidths{{{58, 58}, {92, 78}, {117, 62}}};
 
 QString TotalsText(std::uint64_t bytes, std::uint32_t files, std::uint32_t folders) {
-    return QString::fromStdString(SizeText(bytes)) +
-           QStringLiteral(" in %1 Files in %2 Folders").arg(files).arg(folders);
+    return QCoreApplication::translate("StatusPanes", "%1 in %2 Files in %3 Folders")
+        .arg(QString::fromStdString(SizeText(bytes)))
+        .arg(files)
+        .arg(folders);
 }
 
 } // namespace
 
 StatusPanes::StatusPanes(QStatusBar* bar) {
-    bar->setAccessibleName(QStringLiteral("Status bar"));
+    bar->setAccessibleName(tr("Status bar"));
     for (std::size_t i = 0; i < kPanes; ++i) {
         panes_[i] = new CStatusPane(kPaneWidths[i].Wanted, kPaneWidths[i].Least, bar);
         panes_[i]->setObjectName(QStringLiteral("StatusPane%1").arg(i));
         bar->addPermanentWidget(panes_[i], i == 0 ? 1 : 0);
     }
     panes_[0]->setMinimumWidth(panes_[0]->sizeHint().width());
-    panes_[0]->setText(QLatin1String(kIdleText));
+    panes_[0]->setText(QCoreApplication::translate("StatusPanes", kIdleText));
     ForgetTotals();
     noticeTimer_.setSingleShot(true);
     QObject::connect(&noticeTimer_, &QTimer::timeout, &noticeTimer_, [this] {
@@ -48,7 +51,8 @@ StatusPanes::StatusPanes(QStatusBar* bar) {
 
 void StatusPanes::ShowPrompt(const QString& prompt) {
     if (!progressBar_) {
-        const QString idle = notice_.isEmpty() ? QLatin1String(kIdleText) : notice_;
+        const QString idle =
+            notice_.isEmpty() ? QCoreApplication::translate("StatusPanes", kIdleText) : notice_;
         panes_[0]->setText(prompt.isEmpty() ? idle : prompt);
     }
 }
@@ -63,12 +67,14 @@ void StatusPanes::ShowTotals(Totals what) {
     if (what == Totals::All) {
         panes_[1]->setText(TotalsText(Desktop.TotalBytes, Desktop.TotalFiles, Desktop.TotalFolders));
     } else {
-        panes_[2]->setText(QStringLiteral("Marked ") +
-                           TotalsText(Desktop.MarkedBytes, Desktop.MarkedFiles, Desktop.MarkedFolders));
+        panes_[2]->setText(
+            tr("Marked %1").arg(TotalsText(Desktop.MarkedBytes, Desktop.MarkedFiles, Desktop.MarkedFolders)));
     }
 }
 
-void StatusPanes::ForgetTotals() { panes_[1]->setText(QLatin1String(kNoTotalsText)); }
+void StatusPanes::ForgetTotals() {
+    panes_[1]->setText(QCoreApplication::translate("StatusPanes", kNoTotalsText));
+}
 
 void StatusPanes::ClearMarked() { panes_[2]->clear(); }
 
@@ -78,13 +84,14 @@ void StatusPanes::BeginProgress(const char* caption) {
     constexpr int kWholePane = 100;
     constexpr int kMaximum = 100;
     progressBar_.reset();
-    progressBar_ = std::make_unique<CProgressBar>(panes_[0], QLatin1String(caption), kWholePane, kMaximum);
-    SetPhase("Scanning");
+    progressBar_ = std::make_unique<CProgressBar>(
+        panes_[0], QCoreApplication::translate("StatusPanes", caption), kWholePane, kMaximum);
+    SetPhase(QT_TRANSLATE_NOOP("StatusPanes", "Scanning"));
 }
 
 void StatusPanes::SetPhase(const char* phase) {
     if (progressBar_) {
-        progressBar_->Label = QLatin1String(phase);
+        progressBar_->Label = QCoreApplication::translate("StatusPanes", phase);
         TheDesktopHost().BeginProgress();
     }
 }

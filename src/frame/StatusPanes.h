@@ -3,6 +3,7 @@
 #include "shell/ProgressBar.h"
 #include "shell/WindowMessages.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QTimer>
 #include <array>
@@ -19,6 +20,8 @@ inline constexpr const char* kBlankCaption = "        ";
 /// The three panes of the status bar: a prompt, a notice or a job's progress; the totals of the tree; those
 /// of what is marked in it.
 class StatusPanes {
+    Q_DECLARE_TR_FUNCTIONS(StatusPanes)
+
 public:
     /// The panes are made within the bar and belong to it.
     explicit StatusPanes(QStatusBar* bar);

@@ -3,6 +3,8 @@
 #include "content/TargetRules.h"
 #include "shell/Boxes.h"
 
+#include <QCoreApplication>
+
 namespace thntfs {
 
 bool MayWriteTo(const QString& path) {
@@ -11,17 +13,19 @@ bool MayWriteTo(const QString& path) {
         return true;
     }
     if (verdict.Why != TargetRefusal::OnMedium) {
-        ShowBox(
-            QStringLiteral("%1 is the medium that is being read.\nPlease choose another place.").arg(path),
-            QStringLiteral("Warning"), BoxIcon::Warning);
+        ShowBox(QCoreApplication::translate(
+                    "TargetQuestion", "%1 is the medium that is being read.\nPlease choose another place.")
+                    .arg(path),
+                QCoreApplication::translate("TargetQuestion", "Warning"), BoxIcon::Warning);
         return false;
     }
-    return AskYesNo(QStringLiteral("Please ensure that you are not saving data to\n"
-                                   "the same location from where you are recovering. \n\n"
-                                   "Saving data to the same location would result in\n"
-                                   "permanent data loss.\n"
-                                   "Do you want to continue?"),
-                    QStringLiteral("Confirm"), BoxAnswer::No);
+    return AskYesNo(QCoreApplication::translate("TargetQuestion",
+                                                "Please ensure that you are not saving data to\n"
+                                                "the same location from where you are recovering. \n\n"
+                                                "Saving data to the same location would result in\n"
+                                                "permanent data loss.\n"
+                                                "Do you want to continue?"),
+                    QCoreApplication::translate("TargetQuestion", "Confirm"), BoxAnswer::No);
 }
 
 } // namespace thntfs

@@ -4,6 +4,7 @@
 #include "preview/HexText.h"
 
 #include <QAbstractScrollArea>
+#include <QCoreApplication>
 #include <cstdint>
 
 namespace thntfs {
@@ -11,6 +12,8 @@ namespace thntfs {
 /// Engine's PreviewBuffer as a dump: offsets, bytes and characters. One byte at least is selected, by mouse
 /// or keys. Only what shows is formatted, whenever it is painted.
 class CHexView : public QAbstractScrollArea {
+    Q_DECLARE_TR_FUNCTIONS(CHexView)
+
 public:
     explicit CHexView(QWidget* parent = nullptr);
 

@@ -2,6 +2,7 @@
 
 #include "platform/files/WorkFolder.h"
 
+#include <QCoreApplication>
 #include <QPixmap>
 #include <QWidget>
 #include <functional>
@@ -11,6 +12,8 @@ namespace thntfs {
 
 /// Shows a picture stretched over the whole window, and while there is none says why.
 class CImageViewWindow : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(CImageViewWindow)
+
 public:
     /// `closed` is called once, when the window has been closed; it may see to it that the window goes.
     CImageViewWindow(const QString& name, std::function<void()> closed);

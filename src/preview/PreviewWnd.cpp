@@ -61,7 +61,7 @@ CPreviewWnd::CPreviewWnd(const CatalogueItem& entry, std::function<void()> close
     , closed_(std::move(closed))
     , view_(LoadedView(entry, this)) {
     setObjectName(QStringLiteral("HexWindow"));
-    setWindowTitle(LiteralTitle(ShownName(entry.Name) + QStringLiteral(" hex view")));
+    setWindowTitle(LiteralTitle(tr("%1 hex view").arg(ShownName(entry.Name))));
     setWindowIcon(LoadIcon("app"));
     resize(kHexWindowSize);
     auto* layout = new QVBoxLayout(this);

@@ -2,6 +2,7 @@
 
 #include "preview/HexText.h"
 
+#include <QCoreApplication>
 #include <QWidget>
 #include <functional>
 
@@ -17,6 +18,8 @@ struct CatalogueItem;
 
 /// Shows the bytes of a file. Its PreviewBuffer lives as long as the window is open.
 class CPreviewWnd : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(CPreviewWnd)
+
 public:
     /// Loads the entry's bytes; where that fails the window says so. `closed` is called once, when the window
     /// has been closed; it may see to it that the window goes.

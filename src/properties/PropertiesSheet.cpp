@@ -24,7 +24,7 @@ CPropertiesSheet::CPropertiesSheet(QWidget* parent, std::uint32_t entryId)
     : QDialog(parent) {
     auto* layout = new QVBoxLayout(this);
     if (const auto entry = LoadEntry(entryId)) {
-        setWindowTitle(LiteralTitle(ShownName(entry->Name) + QStringLiteral(" Properties")));
+        setWindowTitle(LiteralTitle(tr("%1 Properties").arg(ShownName(entry->Name))));
         tab_ = new CPropertiesTabCtrl(*entry, *this, this);
         layout->addWidget(tab_, 1);
     }

@@ -2,6 +2,7 @@
 
 #include "shell/MessageTarget.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <cstdint>
 
@@ -11,6 +12,8 @@ class CPropertiesTabCtrl;
 
 /// The properties of one entry of the catalogue. It closes once nothing is being read for it any more.
 class CPropertiesSheet : public QDialog, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CPropertiesSheet)
+
 public:
     CPropertiesSheet(QWidget* parent, std::uint32_t entryId);
 

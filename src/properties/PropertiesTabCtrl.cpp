@@ -8,6 +8,7 @@
 #include "shell/WindowMessages.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
@@ -39,12 +40,12 @@ struct AttributeBox {
 };
 
 constexpr std::array<AttributeBox, 6> kAttributeBoxes{{
-    {"&Read Only", 0x1, false},
-    {"&Hidden", 0x2, false},
-    {"&System", 0x4, false},
-    {"&Deleted", kFlagLive, true},
-    {"&Archive", 0x20, false},
-    {"&Compressed", 0x800, false},
+    {QT_TRANSLATE_NOOP("PropertiesTabCtrl", "&Read Only"), 0x1, false},
+    {QT_TRANSLATE_NOOP("PropertiesTabCtrl", "&Hidden"), 0x2, false},
+    {QT_TRANSLATE_NOOP("PropertiesTabCtrl", "&System"), 0x4, false},
+    {QT_TRANSLATE_NOOP("PropertiesTabCtrl", "&Deleted"), kFlagLive, true},
+    {QT_TRANSLATE_NOOP("PropertiesTabCtrl", "&Archive"), 0x20, false},
+    {QT_TRANSLATE_NOOP("PropertiesTabCtrl", "&Compressed"), 0x800, false},
 }};
 
 const char* PictureOf(const CatalogueItem& entry) {
@@ -138,7 +139,7 @@ void CPropertiesTabCtrl::CreateAttributes() {
     auto* grid = new QGridLayout(boxes);
     grid->setContentsMargins({});
     for (int place = 0; const AttributeBox& attribute : kAttributeBoxes) {
-        auto* box = new QCheckBox(tr(attribute.Text));
+        auto* box = new QCheckBox(QCoreApplication::translate("PropertiesTabCtrl", attribute.Text));
         box->setChecked(((entry_.Flags & attribute.Flag) != 0) != attribute.WhenClear);
         box->setEnabled(false);
         box->setPalette(ReadableWhenDisabled(box->palette()));

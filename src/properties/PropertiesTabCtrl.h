@@ -5,6 +5,7 @@
 #include "shell/JobThread.h"
 #include "shell/MessageTarget.h"
 
+#include <QCoreApplication>
 #include <QTabWidget>
 #include <atomic>
 #include <memory>
@@ -19,6 +20,8 @@ struct EntryFacts;
 /// All that is known of one entry, as fields that can be read and copied. A worker counts what is below a
 /// folder, and then reads the entry's record.
 class CPropertiesTabCtrl : public QTabWidget, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CPropertiesTabCtrl)
+
 public:
     /// Begins the work. `sheet` gets WM_PROPS_CLOSE; it is the caller's and lives longer.
     CPropertiesTabCtrl(const CatalogueItem& entry, MessageTarget& sheet, QWidget* parent);

@@ -19,34 +19,35 @@ constexpr std::uint64_t kMegabyte = 1048576;
 constexpr std::uint64_t kGigabyte = 1073741824;
 
 constexpr std::array<std::pair<std::uint32_t, const char*>, 14> kAttributeNames{{
-    {0x1, "Read only"},
-    {0x2, "Hidden"},
-    {0x4, "System"},
-    {0x10, "Folder"},
-    {0x20, "Archive"},
-    {0x80, "Normal"},
-    {0x100, "Temporary"},
-    {0x200, "Sparse"},
-    {0x400, "Reparse point"},
-    {0x800, "Compressed"},
-    {0x1000, "Offline"},
-    {0x2000, "Not indexed"},
-    {0x4000, "Encrypted"},
-    {0x10000000, "Folder index"},
+    {0x1, QT_TRANSLATE_NOOP("PropertyTexts", "Read only")},
+    {0x2, QT_TRANSLATE_NOOP("PropertyTexts", "Hidden")},
+    {0x4, QT_TRANSLATE_NOOP("PropertyTexts", "System")},
+    {0x10, QT_TRANSLATE_NOOP("PropertyTexts", "Folder")},
+    {0x20, QT_TRANSLATE_NOOP("PropertyTexts", "Archive")},
+    {0x80, QT_TRANSLATE_NOOP("PropertyTexts", "Normal")},
+    {0x100, QT_TRANSLATE_NOOP("PropertyTexts", "Temporary")},
+    {0x200, QT_TRANSLATE_NOOP("PropertyTexts", "Sparse")},
+    {0x400, QT_TRANSLATE_NOOP("PropertyTexts", "Reparse point")},
+    {0x800, QT_TRANSLATE_NOOP("PropertyTexts", "Compressed")},
+    {0x1000, QT_TRANSLATE_NOOP("PropertyTexts", "Offline")},
+    {0x2000, QT_TRANSLATE_NOOP("PropertyTexts", "Not indexed")},
+    {0x4000, QT_TRANSLATE_NOOP("PropertyTexts", "Encrypted")},
+    {0x10000000, QT_TRANSLATE_NOOP("PropertyTexts", "Folder index")},
 }};
 
 constexpr std::size_t kMaxLines = 1000; // of a row
 
-QString Translated(const char* text) { return QCoreApplication::translate("Properties", text); }
-
 QString SizeIn(std::uint64_t bytes, double unit, const char* name, bool counting) {
-    return QString::asprintf("(%-7.3f %s)%s%llu bytes", static_cast<double>(bytes) / unit, name,
-                             counting ? "" : " ", static_cast<unsigned long long>(bytes));
+    return QString::asprintf("(%-7.3f %s)%s", static_cast<double>(bytes) / unit, name, counting ? "" : " ") +
+           QCoreApplication::translate("PropertyTexts", "%1 bytes").arg(bytes);
 }
 
 QString RecordText(const CatalogueItem& item, const EntryFacts& facts) {
     const QString number = QString::number(item.RecordNumber);
-    return facts.RecordRead ? number : number + Translated(", can't be read or is another's by now");
+    return facts.RecordRead
+               ? number
+               : QCoreApplication::translate("PropertyTexts", "%1, can't be read or is another's by now")
+                     .arg(number);
 }
 
 // None where the catalogue's own path is all.
@@ -62,19 +63,21 @@ QStringList NameLines(const EntryFacts& facts) {
 QStringList StreamLines(const EntryFacts& facts) {
     QStringList lines;
     for (const ExactStreamInfo& stream : facts.Streams) {
-        lines += Translated("%1: %2 bytes").arg(ShownName(stream.Name)).arg(stream.Size);
+        lines += QCoreApplication::translate("PropertyTexts", "%1: %2 bytes")
+                     .arg(ShownName(stream.Name))
+                     .arg(stream.Size);
     }
     return lines;
 }
 
 QString PlaceText(const ExactPlace& place) {
     if (place.InRecord) {
-        return Translated("In the record itself");
+        return QCoreApplication::translate("PropertyTexts", "In the record itself");
     }
     if (place.Runs == 0) {
-        return Translated("Nowhere: it has no clusters");
+        return QCoreApplication::translate("PropertyTexts", "Nowhere: it has no clusters");
     }
-    return Translated("In %1 run(s) of clusters, the first at cluster %2")
+    return QCoreApplication::translate("PropertyTexts", "In %1 run(s) of clusters, the first at cluster %2")
         .arg(place.Runs)
         .arg(place.FirstCluster);
 }
@@ -82,17 +85,19 @@ QString PlaceText(const ExactPlace& place) {
 QString LinesText(const QStringList& lines) {
     QStringList shown = lines.mid(0, kMaxLines);
     if (shown.size() < lines.size()) {
-        shown += Translated("and %1 more").arg(lines.size() - shown.size());
+        shown += QCoreApplication::translate("PropertyTexts", "and %1 more").arg(lines.size() - shown.size());
     }
     return shown.join(QLatin1Char('\n'));
 }
 
 void AddTimes(const ExactTimes& times, std::vector<PropertyRow>& rows) {
-    for (const auto& [caption, time] : {std::pair("Created at", times.Created),
-                                        {"Modified at", times.Modified},
-                                        {"Record changed at", times.Changed},
-                                        {"Accessed at", times.Accessed}}) {
-        rows.push_back({Translated(caption), time == 0 ? QString() : PropertyTime(time)});
+    for (const auto& [caption, time] :
+         {std::pair(QT_TRANSLATE_NOOP("PropertyTexts", "Created at"), times.Created),
+          {QT_TRANSLATE_NOOP("PropertyTexts", "Modified at"), times.Modified},
+          {QT_TRANSLATE_NOOP("PropertyTexts", "Record changed at"), times.Changed},
+          {QT_TRANSLATE_NOOP("PropertyTexts", "Accessed at"), times.Accessed}}) {
+        rows.push_back({QCoreApplication::translate("PropertyTexts", caption),
+                        time == 0 ? QString() : PropertyTime(time)});
     }
 }
 
@@ -107,13 +112,15 @@ QString PropertySize(std::uint64_t bytes, bool counting) {
 }
 
 QString PropertyContains(const BelowCounts& below) {
-    return QStringLiteral("%1 Files, %2 Folders").arg(below.Files).arg(below.Folders);
+    return QCoreApplication::translate("PropertyTexts", "%1 Files, %2 Folders")
+        .arg(below.Files)
+        .arg(below.Folders);
 }
 
 QString PropertyDate(std::uint16_t dosDate) {
     const QDate date(1980 + (dosDate >> 9U), (dosDate >> 5U) & 15, dosDate & 31);
     return dosDate == 0 || !date.isValid()
-               ? QStringLiteral("N\\A")
+               ? QCoreApplication::translate("PropertyTexts", "N\\A")
                : QLocale::c().toString(date, QStringLiteral("dddd, MMMM dd, yyyy"));
 }
 
@@ -132,28 +139,32 @@ QString PropertyAttributes(std::uint32_t bits) {
     QStringList names;
     for (const auto& [bit, name] : kAttributeNames) {
         if ((bits & bit) != 0) {
-            names += Translated(name);
+            names += QCoreApplication::translate("PropertyTexts", name);
         }
     }
     return names.join(QStringLiteral(", ")) + QString::asprintf(" (0x%08X)", bits);
 }
 
 std::vector<PropertyRow> FurtherProperties(const CatalogueItem& item, const EntryFacts& facts) {
-    std::vector<PropertyRow> rows{{Translated("Full path"), QString::fromStdString(facts.Path)}};
+    std::vector<PropertyRow> rows{
+        {QCoreApplication::translate("PropertyTexts", "Full path"), QString::fromStdString(facts.Path)}};
     if (item.RecordSector != 0) {
-        rows.push_back({Translated("Record number"), RecordText(item, facts)});
+        rows.push_back(
+            {QCoreApplication::translate("PropertyTexts", "Record number"), RecordText(item, facts)});
     }
     AddTimes(facts.Times, rows);
     if (facts.AttributeBits != 0) {
-        rows.push_back({Translated("NTFS attributes"), PropertyAttributes(facts.AttributeBits)});
+        rows.push_back({QCoreApplication::translate("PropertyTexts", "NTFS attributes"),
+                        PropertyAttributes(facts.AttributeBits)});
     }
-    rows.push_back({Translated("All names"), LinesText(NameLines(facts))});
-    rows.push_back({Translated("Named streams"), LinesText(StreamLines(facts))});
-    if (facts.Data) {
-        rows.push_back({Translated("Data"), PlaceText(*facts.Data)});
-    }
+    rows.push_back({QCoreApplication::translate("PropertyTexts", "All names"), LinesText(NameLines(facts))});
     rows.push_back(
-        {Translated("Condition"), QString::fromStdString(ConditionText(facts.Condition, item.IsLive()))});
+        {QCoreApplication::translate("PropertyTexts", "Named streams"), LinesText(StreamLines(facts))});
+    if (facts.Data) {
+        rows.push_back({QCoreApplication::translate("PropertyTexts", "Data"), PlaceText(*facts.Data)});
+    }
+    rows.push_back({QCoreApplication::translate("PropertyTexts", "Condition"),
+                    QString::fromStdString(ConditionText(facts.Condition, item.IsLive()))});
     std::erase_if(rows, [](const PropertyRow& row) { return row.Text.isEmpty(); });
     return rows;
 }

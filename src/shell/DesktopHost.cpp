@@ -41,7 +41,7 @@ void DesktopHost::ErrorBox(const std::string& text) {
     if (manyWorks_ && !failuresTold_.insert(text).second) {
         return;
     }
-    ShowBox(QString::fromStdString(text), QStringLiteral("Error"), BoxIcon::Stop);
+    ShowBox(QString::fromStdString(text), tr("Error"), BoxIcon::Stop);
 }
 
 void DesktopHost::MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) {

@@ -3,6 +3,7 @@
 #include "engine/Host.h"
 #include "shell/MessageTarget.h"
 
+#include <QCoreApplication>
 #include <atomic>
 #include <chrono>
 #include <set>
@@ -12,6 +13,8 @@ namespace thntfs {
 
 /// What the engine knows of the desktop program. Everything it says goes on as a sent message.
 class DesktopHost : public EngineHost {
+    Q_DECLARE_TR_FUNCTIONS(DesktopHost)
+
 public:
     void LogEvent(const ProcessLogEntry& entry) override;
     void JobProgress() override;

@@ -24,7 +24,7 @@ QFont WaitFont() {
 
 CDlgWait::CDlgWait(QWidget* owner)
     : QWidget(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint) {
-    setWindowTitle(QStringLiteral("Please wait..."));
+    setWindowTitle(tr("Please wait..."));
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFont(WaitFont());
     setFixedSize(kWindowSize);
@@ -53,7 +53,7 @@ void CDlgWait::Waiting() {
 void CDlgWait::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.drawText(rect(), int{Qt::AlignCenter} | int{Qt::TextSingleLine},
-                     QStringLiteral("Please wait, refreshing list..."));
+                     tr("Please wait, refreshing list..."));
 }
 
 } // namespace thntfs

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QWidget>
 
@@ -9,6 +10,8 @@ namespace thntfs {
 /// to its destruction, which tells views and commands that the program is busy. It comes to the screen when
 /// the fill takes long enough for somebody to wonder.
 class CDlgWait : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(CDlgWait)
+
 public:
     explicit CDlgWait(QWidget* owner);
     ~CDlgWait() override;

@@ -106,11 +106,11 @@ QVariant LogModel::headerData(int section, Qt::Orientation orientation, int role
     }
     switch (section) {
     case 0:
-        return QStringLiteral("Process Name");
+        return tr("Process Name");
     case 1:
-        return QStringLiteral("Description");
+        return tr("Description");
     default:
-        return QStringLiteral("Log Time");
+        return tr("Log Time");
     }
 }
 

@@ -3,6 +3,7 @@
 #include "scaninfo/ProcessLog.h"
 
 #include <QAbstractTableModel>
+#include <QCoreApplication>
 #include <QIcon>
 #include <QString>
 #include <QTimer>
@@ -13,6 +14,8 @@ namespace thntfs {
 /// The process log as a list's model. A row is in the log at once, while the list learns of the rows that
 /// have come in batches, so a long log costs it no more for each row than a short one.
 class LogModel : public QAbstractTableModel {
+    Q_DECLARE_TR_FUNCTIONS(LogModel)
+
 public:
     static constexpr int kOpensRole = Qt::UserRole; ///< folder that a row offers to open, empty for none
 

@@ -34,7 +34,7 @@ int TimeColumnWidth(int available, int timeText) {
 
 CProcessLogList::CProcessLogList(QWidget* parent)
     : QTreeView(parent) {
-    setAccessibleName(QStringLiteral("Process log"));
+    setAccessibleName(tr("Process log"));
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);
@@ -109,8 +109,7 @@ bool CProcessLogList::focusNextPrevChild(bool next) {
 void CProcessLogList::OpenFolderOf(const QModelIndex& row) const {
     const QString folder = row.data(LogModel::kOpensRole).toString();
     if (!folder.isEmpty() && !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
-        ShowBox(folder + QStringLiteral("\ncan't be opened from here."), QStringLiteral("Error"),
-                BoxIcon::Stop);
+        ShowBox(tr("%1\ncan't be opened from here.").arg(folder), tr("Error"), BoxIcon::Stop);
     }
 }
 

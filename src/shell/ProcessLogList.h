@@ -3,6 +3,7 @@
 #include "shell/LogModel.h"
 #include "shell/MessageTarget.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QTreeView>
 
@@ -11,6 +12,8 @@ namespace thntfs {
 /// The list of the process log. Takes WM_LOG_ADD; the last row is marked and scrolled into view. A row that
 /// offers a folder opens it by a double-click or Enter.
 class CProcessLogList : public QTreeView, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CProcessLogList)
+
 public:
     explicit CProcessLogList(QWidget* parent = nullptr);
 

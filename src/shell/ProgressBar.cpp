@@ -8,7 +8,7 @@ namespace thntfs {
 CProgressBar::CProgressBar(QLabel* pane, const QString& message, int percentOfPane, int maximum)
     : QProgressBar(pane)
     , percentOfPane_(percentOfPane) {
-    setAccessibleName(QStringLiteral("Progress"));
+    setAccessibleName(tr("Progress"));
     setRange(0, maximum);
     setValue(0);
     setTextVisible(false); // the percent stands in the pane
@@ -21,7 +21,7 @@ CProgressBar::CProgressBar(QLabel* pane, const QString& message, int percentOfPa
 CProgressBar::~CProgressBar() {
     if (QLabel* pane = Pane()) {
         hide();
-        pane->setText(QStringLiteral("Ready"));
+        pane->setText(tr("Ready"));
     }
 }
 

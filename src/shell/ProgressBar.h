@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QProgressBar>
 #include <QString>
@@ -9,6 +10,8 @@ namespace thntfs {
 /// A job's progress within a pane of the status bar: the pane shows a text, and the bar lies over the room
 /// right of it. Destroying the bar gives the pane its idle text back.
 class CProgressBar : public QProgressBar {
+    Q_DECLARE_TR_FUNCTIONS(CProgressBar)
+
 public:
     /// The bar becomes the pane's child and stands from 0 to `maximum`. It takes `percentOfPane` of the width
     /// that the text leaves.

@@ -2,6 +2,7 @@
 
 #include "shell/WindowMessages.h"
 
+#include <QCoreApplication>
 #include <QMenu>
 #include <QTimer>
 #include <utility>
@@ -45,11 +46,11 @@ void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& 
         action->setEnabled(enabled);
         return action;
     };
-    menu->setDefaultAction(add(QStringLiteral("&Save"), kCommandSave, true));
-    add(QStringLiteral("&Preview"), kCommandPreview, choice.Preview);
-    add(QStringLiteral("S&earch"), kCommandSearch, choice.Search);
+    menu->setDefaultAction(add(QCoreApplication::translate("ContextMenu", "&Save"), kCommandSave, true));
+    add(QCoreApplication::translate("ContextMenu", "&Preview"), kCommandPreview, choice.Preview);
+    add(QCoreApplication::translate("ContextMenu", "S&earch"), kCommandSearch, choice.Search);
     menu->addSeparator();
-    add(QStringLiteral("P&roperties"), kCommandProperties, choice.Properties);
+    add(QCoreApplication::translate("ContextMenu", "P&roperties"), kCommandProperties, choice.Properties);
     QObject::connect(menu, &QMenu::triggered, owner,
                      [owner, entryId, save = std::move(save)](const QAction* action) {
                          Order(owner, action->data().toInt(), entryId, save);

@@ -18,15 +18,15 @@ struct ColumnLook {
 };
 
 constexpr std::array<ColumnLook, FileListModel::kColumns> kLooks{{
-    {"File Name", Qt::AlignLeft},
-    {"Size in Bytes", Qt::AlignRight},
-    {"Type", Qt::AlignLeft},
-    {"Date Accessed", Qt::AlignRight},
-    {"Date Created", Qt::AlignRight},
-    {"File ID", Qt::AlignRight},
-    {"Parent ID", Qt::AlignRight},
-    {"Condition", Qt::AlignLeft},
-    {"In Folder", Qt::AlignLeft},
+    {QT_TRANSLATE_NOOP("FileListModel", "File Name"), Qt::AlignLeft},
+    {QT_TRANSLATE_NOOP("FileListModel", "Size in Bytes"), Qt::AlignRight},
+    {QT_TRANSLATE_NOOP("FileListModel", "Type"), Qt::AlignLeft},
+    {QT_TRANSLATE_NOOP("FileListModel", "Date Accessed"), Qt::AlignRight},
+    {QT_TRANSLATE_NOOP("FileListModel", "Date Created"), Qt::AlignRight},
+    {QT_TRANSLATE_NOOP("FileListModel", "File ID"), Qt::AlignRight},
+    {QT_TRANSLATE_NOOP("FileListModel", "Parent ID"), Qt::AlignRight},
+    {QT_TRANSLATE_NOOP("FileListModel", "Condition"), Qt::AlignLeft},
+    {QT_TRANSLATE_NOOP("FileListModel", "In Folder"), Qt::AlignLeft},
 }};
 
 int AlignmentOf(int column) {
@@ -164,7 +164,7 @@ QString FileListModel::CellText(std::size_t row, int column) const {
     case kName:
         return ShownName(rows_.Name(row));
     case kType:
-        return entry.Folder ? QStringLiteral("Folder") : QStringLiteral("File");
+        return entry.Folder ? tr("Folder") : tr("File");
     case kAccessed:
         return DateText(entry.AccessedDate);
     case kCreated:
@@ -183,7 +183,7 @@ QVariant FileListModel::SpokenText(const QModelIndex& index) const {
     if (index.column() != kName || Row(index.row()).Live) {
         return {};
     }
-    return CellText(static_cast<std::size_t>(index.row()), kName) + QStringLiteral(", deleted");
+    return tr("%1, deleted").arg(CellText(static_cast<std::size_t>(index.row()), kName));
 }
 
 QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -193,7 +193,8 @@ QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int
     switch (role) {
     case Qt::DisplayRole:
     case Qt::ToolTipRole: // for where it is cut
-        return QString::fromLatin1(kLooks.at(static_cast<std::size_t>(section)).Title);
+        return QCoreApplication::translate("FileListModel",
+                                           kLooks.at(static_cast<std::size_t>(section)).Title);
     case Qt::TextAlignmentRole:
         return AlignmentOf(section);
     default:

@@ -4,6 +4,7 @@
 #include "views/FolderListing.h"
 
 #include <QAbstractTableModel>
+#include <QCoreApplication>
 #include <QIcon>
 #include <array>
 #include <functional>
@@ -19,6 +20,8 @@ inline constexpr std::uint32_t kNoFoundEntry = 0xFFFFFFFF;
 
 /// The content of one folder, a row an entry.
 class FileListModel : public QAbstractTableModel {
+    Q_DECLARE_TR_FUNCTIONS(FileListModel)
+
 public:
     enum Column {
         kName,

@@ -234,8 +234,9 @@ QVariant FolderTreeModel::data(const QModelIndex& index, int role) const {
 
 // With what icon and mark tell, but for a full mark, which the view tells as a state.
 QString FolderTreeModel::SpokenText(std::uint32_t place) const {
-    return ShownName(folders_.Name(place)) + QLatin1String(folders_.Nodes[place].Live ? "" : ", deleted") +
-           QLatin1String(marks_[place] == FolderMark::Partly ? ", partly marked" : "");
+    const QString name = ShownName(folders_.Name(place));
+    const QString state = folders_.Nodes[place].Live ? name : tr("%1, deleted").arg(name);
+    return marks_[place] == FolderMark::Partly ? tr("%1, partly marked").arg(state) : state;
 }
 
 QVariant FolderTreeModel::Font(std::uint32_t place) const {

@@ -4,6 +4,7 @@
 #include "views/FolderNodes.h"
 
 #include <QAbstractItemModel>
+#include <QCoreApplication>
 #include <QIcon>
 #include <array>
 #include <optional>
@@ -17,6 +18,8 @@ enum class FolderMark : std::uint8_t { Unchecked = 1, Checked = 2, Partly = 3 };
 /// The folders of the catalogue as a tree with one item at its top. Folders are named by their places in
 /// FolderNodes. The children of a folder are sorted when somebody first looks at them.
 class FolderTreeModel : public QAbstractItemModel {
+    Q_DECLARE_TR_FUNCTIONS(FolderTreeModel)
+
 public:
     static constexpr std::uint32_t kTop = 0;
     static constexpr int kOpenIconRole = Qt::UserRole;    ///< the icon of a selected folder

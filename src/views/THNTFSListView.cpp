@@ -50,7 +50,7 @@ CTHNTFSListView::CTHNTFSListView(QWidget* parent)
     , icons_(new CIconView(*this, model_, this)) {
     icons_->setSelectionModel(details_->selectionModel());
     for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{details_, icons_}) {
-        view->setAccessibleName(QStringLiteral("Content of the folder"));
+        view->setAccessibleName(tr("Content of the folder"));
         addWidget(view);
     }
     SetViewMode(kDetails);

@@ -4,6 +4,7 @@
 #include "views/FileListModel.h"
 #include "views/RowView.h"
 
+#include <QCoreApplication>
 #include <QStackedWidget>
 #include <optional>
 #include <vector>
@@ -17,6 +18,8 @@ class CIconView;
 /// The content of one folder. Each fill reads the catalogue anew; orders from the user's menu go to the main
 /// frame.
 class CTHNTFSListView : public QStackedWidget, public MessageTarget, private RowActions {
+    Q_DECLARE_TR_FUNCTIONS(CTHNTFSListView)
+
 public:
     static constexpr std::uint32_t kLargeIcons = 60000;
     static constexpr std::uint32_t kSmallIcons = 60001;

@@ -34,7 +34,7 @@ CTHNTFSTreeView::CTHNTFSTreeView(QWidget* parent)
 }
 
 void CTHNTFSTreeView::SetUpLook() {
-    setAccessibleName(QStringLiteral("Folders"));
+    setAccessibleName(tr("Folders"));
     setHeaderHidden(true);
     setUniformRowHeights(true);
     setEditTriggers(NoEditTriggers);

@@ -3,6 +3,7 @@
 #include "shell/MessageTarget.h"
 #include "views/FolderNodes.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
 #include <QTreeView>
@@ -17,6 +18,8 @@ class FolderTreeModel;
 /// The folders of the catalogue. Its current folder is an idea of its own, which the selection alone doesn't
 /// move. Orders from the user's menu go to the main frame.
 class CTHNTFSTreeView : public QTreeView, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CTHNTFSTreeView)
+
 public:
     explicit CTHNTFSTreeView(QWidget* parent = nullptr);
 

@@ -5,6 +5,7 @@
 #include "shell/ColorLabel.h"
 #include "wizard/ScanArea.h"
 
+#include <QCoreApplication>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,9 +20,12 @@ namespace {
 constexpr QColor kNumberColour{0x4D, 0x7C, 0x99};
 constexpr int kBarHeight = 24;
 
-constexpr const char* kStartTooLarge = "Start sector should be less than total sectors";
-constexpr const char* kEndTooSmall = "End sector should be greater than start sector";
-constexpr const char* kEndTooLarge = "End sector should be less than total sectors";
+constexpr const char* kStartTooLarge =
+    QT_TRANSLATE_NOOP("ChooseSectorRange", "Start sector should be less than total sectors");
+constexpr const char* kEndTooSmall =
+    QT_TRANSLATE_NOOP("ChooseSectorRange", "End sector should be greater than start sector");
+constexpr const char* kEndTooLarge =
+    QT_TRANSLATE_NOOP("ChooseSectorRange", "End sector should be less than total sectors");
 
 // A number too large for 64 bits is above every total, and so the largest will do.
 std::uint64_t NumberIn(const QLineEdit& edit) {
@@ -60,7 +64,7 @@ QLineEdit* NumberEdit(std::uint64_t number, int digits, QWidget* parent) {
 CChooseSectorRange::CChooseSectorRange(QWidget* owner, std::uint64_t totalSectors)
     : QDialog(owner)
     , totalSectors_(totalSectors) {
-    setWindowTitle(QStringLiteral("Scan for logical drives"));
+    setWindowTitle(tr("Scan for logical drives"));
     MakeParts();
     LayOut();
     for (const QLineEdit* edit : {start_, end_}) {
@@ -76,25 +80,26 @@ void CChooseSectorRange::MakeParts() {
     start_ = NumberEdit(0, digits, this);
     end_ = NumberEdit(totalSectors_, digits, this);
     size_ = new QLabel(this);
-    size_->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1String(kEndTooSmall))); // the longest
+    size_->setMinimumWidth(fontMetrics().horizontalAdvance(
+        QCoreApplication::translate("ChooseSectorRange", kEndTooSmall))); // the longest
     bar_ = new CScanArea(this);
     bar_->setMinimumHeight(kBarHeight);
-    ok_ = new QPushButton(QStringLiteral("OK"), this);
+    ok_ = new QPushButton(tr("OK"), this);
     ok_->setDefault(true);
-    cancel_ = new QPushButton(QStringLiteral("Cancel"), this);
+    cancel_ = new QPushButton(tr("Cancel"), this);
 }
 
 void CChooseSectorRange::LayOut() {
     auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("St&arting Sector"), start_);
-    form->addRow(QStringLiteral("&Ending Sector"), end_);
-    form->addRow(QStringLiteral("Scan Area"), size_);
+    form->addRow(tr("St&arting Sector"), start_);
+    form->addRow(tr("&Ending Sector"), end_);
+    form->addRow(tr("Scan Area"), size_);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(ok_);
     buttons->addWidget(cancel_);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(BoldLabel(QStringLiteral("Please specify disk scan range"), this));
+    layout->addWidget(BoldLabel(tr("Please specify disk scan range"), this));
     layout->addLayout(DefaultRangeLine());
     layout->addSpacing(8);
     layout->addLayout(form);
@@ -106,12 +111,12 @@ void CChooseSectorRange::LayOut() {
 
 QLayout* CChooseSectorRange::DefaultRangeLine() {
     auto* line = new QHBoxLayout;
-    line->addWidget(BoldLabel(QStringLiteral("Default Range"), this));
+    line->addWidget(BoldLabel(tr("Default Range"), this));
     line->addSpacing(12);
     line->addWidget(NumberLabel(0, this));
-    line->addWidget(BoldLabel(QStringLiteral("to"), this));
+    line->addWidget(BoldLabel(tr("to"), this));
     line->addWidget(NumberLabel(totalSectors_, this));
-    line->addWidget(BoldLabel(QStringLiteral("sectors"), this));
+    line->addWidget(BoldLabel(tr("sectors"), this));
     line->addStretch();
     return line;
 }
@@ -123,10 +128,10 @@ QLayout* CChooseSectorRange::LegendLine() {
     excluded->SetRange(1, 0);
     auto* line = new QHBoxLayout;
     line->addWidget(scanned);
-    line->addWidget(new QLabel(QStringLiteral("Scan Area"), this));
+    line->addWidget(new QLabel(tr("Scan Area"), this));
     line->addSpacing(16);
     line->addWidget(excluded);
-    line->addWidget(new QLabel(QStringLiteral("Excluded Area"), this));
+    line->addWidget(new QLabel(tr("Excluded Area"), this));
     line->addStretch();
     return line;
 }
@@ -146,7 +151,7 @@ void CChooseSectorRange::Validate() {
 }
 
 void CChooseSectorRange::ShowFault(const char* text, QLineEdit* faulty) {
-    size_->setText(QString::fromLatin1(text));
+    size_->setText(QCoreApplication::translate("ChooseSectorRange", text));
     bar_->SetRange(1, 0);
     ok_->setEnabled(false);
     faulty->setFocus();

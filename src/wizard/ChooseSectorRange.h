@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <cstdint>
 
@@ -14,6 +15,8 @@ class CScanArea;
 /// Asks for the sectors that a thorough scan covers. The range is tested, and shown as a bar, with every
 /// change.
 class CChooseSectorRange : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CChooseSectorRange)
+
 public:
     CChooseSectorRange(QWidget* owner, std::uint64_t totalSectors);
 

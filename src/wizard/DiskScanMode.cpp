@@ -15,10 +15,10 @@ constexpr int kWidth = 40; // in letters
 
 CDiskScanMode::CDiskScanMode(QWidget* owner)
     : QDialog(owner) {
-    setWindowTitle(QStringLiteral("Disk Scan Mode"));
-    auto* group = new QGroupBox(QStringLiteral("&Select Search Method"), this);
-    auto* quick = new QRadioButton(QStringLiteral("&Quick Scan"), group);
-    auto* thorough = new QRadioButton(QStringLiteral("&Thorough Scan"), group);
+    setWindowTitle(tr("Disk Scan Mode"));
+    auto* group = new QGroupBox(tr("&Select Search Method"), this);
+    auto* quick = new QRadioButton(tr("&Quick Scan"), group);
+    auto* thorough = new QRadioButton(tr("&Thorough Scan"), group);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     auto* choices = new QVBoxLayout(group);
     choices->addWidget(quick);

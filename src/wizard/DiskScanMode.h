@@ -2,12 +2,15 @@
 
 #include "partitions/PartitionSearch.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 
 namespace thntfs {
 
 /// Asks for the method of a search.
 class CDiskScanMode : public QDialog {
+    Q_DECLARE_TR_FUNCTIONS(CDiskScanMode)
+
 public:
     explicit CDiskScanMode(QWidget* owner);
 

@@ -14,9 +14,9 @@ constexpr int kPositionRole = Qt::UserRole;
 CDiskTree::CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks,
                      bool (*looksUsb)(const DiskInfo& disk))
     : QTreeWidget(parent) {
-    setAccessibleName(QStringLiteral("Disks"));
+    setAccessibleName(tr("Disks"));
     setHeaderHidden(true);
-    auto* root = new QTreeWidgetItem(this, {QStringLiteral("My Computer")});
+    auto* root = new QTreeWidgetItem(this, {tr("My Computer")});
     root->setIcon(0, LoadIcon("computer"));
     root->setData(0, kPositionRole, kNoDisk);
     for (std::size_t position = 0; position < disks.size(); ++position) {

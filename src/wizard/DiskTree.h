@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QTreeWidget>
 #include <cstdint>
 #include <vector>
@@ -10,6 +11,8 @@ struct DiskInfo;
 
 /// The disks of this machine under "My Computer". Each row carries its disk's position in the list.
 class CDiskTree : public QTreeWidget {
+    Q_DECLARE_TR_FUNCTIONS(CDiskTree)
+
 public:
     /// `looksUsb` tells which disks get the icon of a USB disk.
     CDiskTree(QWidget* parent, const std::vector<DiskInfo>& disks, bool (*looksUsb)(const DiskInfo& disk));

@@ -2,6 +2,7 @@
 
 #include "shell/Icons.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 #include <QStyle>
 #include <QStyledItemDelegate>
@@ -98,7 +99,7 @@ QPalette RowPalette(QPalette palette, const QColor& textColour) {
 
 InfoRows RowsOf(const char* text) {
     InfoRows rows;
-    const QStringList lines = QString::fromLatin1(text).split(QLatin1Char('\n'));
+    const QStringList lines = QCoreApplication::translate("PageTexts", text).split(QLatin1Char('\n'));
     for (const QString& line : lines) {
         const bool bullet = line.startsWith(QLatin1String("* "));
         rows.push_back({bullet ? line.mid(2) : line, bullet});
@@ -108,7 +109,7 @@ InfoRows RowsOf(const char* text) {
 
 CInfoListBox::CInfoListBox(QWidget* parent, const QColor& textColour, const QSize& bulletSize)
     : QListWidget(parent) {
-    setAccessibleName(QStringLiteral("Explanation"));
+    setAccessibleName(tr("Explanation"));
     setFont(RowFont(font()));
     setPalette(RowPalette(palette(), textColour));
     setItemDelegate(new RowPainter(this, bulletSize));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QListWidget>
 #include <QString>
 #include <vector>
@@ -13,7 +14,7 @@ struct InfoRow {
 };
 using InfoRows = std::vector<InfoRow>;
 
-/// The rows of a text, one a line. "* " before a line gives it the bullet.
+/// The rows of a text of PageTexts, one a line. "* " before a line gives it the bullet.
 InfoRows RowsOf(const char* text);
 
 inline constexpr int kInfoRowHeight = 18;
@@ -23,6 +24,8 @@ inline constexpr QColor kInfoTextColour{0x14, 0x14, 0x14};
 /// The box beside the choices of a page that explains them, or tells what has been chosen. Its colours are
 /// its own, whatever those of the desktop.
 class CInfoListBox : public QListWidget {
+    Q_DECLARE_TR_FUNCTIONS(CInfoListBox)
+
 public:
     explicit CInfoListBox(QWidget* parent, const QColor& textColour = kInfoTextColour,
                           const QSize& bulletSize = kInfoBulletSize);

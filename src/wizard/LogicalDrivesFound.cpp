@@ -47,14 +47,14 @@ void RunSearch(const SearchRequest& request, MessageTarget* dialog) {
 CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& request)
     : QDialog(owner)
     , request_(request)
-    , partitions_(new CRowTable(this, {QStringLiteral("Name"), QStringLiteral("Starting Location")}))
+    , partitions_(new CRowTable(this, {tr("Name"), tr("Starting Location")}))
     , percent_(new QLabel(QStringLiteral("0%"), this))
     , position_(new QLabel(this))
     , bar_(new QProgressBar(this))
-    , abort_(new QPushButton(QStringLiteral("&Abort Process"), this)) {
-    setWindowTitle(MethodText() + QStringLiteral(" Scan"));
-    partitions_->setAccessibleName(QStringLiteral("Logical drives found"));
-    bar_->setAccessibleName(QStringLiteral("Progress of the search"));
+    , abort_(new QPushButton(tr("&Abort Process"), this)) {
+    setWindowTitle(tr("%1 Scan").arg(MethodText()));
+    partitions_->setAccessibleName(tr("Logical drives found"));
+    bar_->setAccessibleName(tr("Progress of the search"));
     bar_->setRange(0, 100);
     bar_->setValue(0);
     bar_->setTextVisible(false);
@@ -66,10 +66,10 @@ CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& re
 CLogicalDrivesFound::~CLogicalDrivesFound() = default;
 
 void CLogicalDrivesFound::LayOut() {
-    auto* heading = new CColorLabel(QStringLiteral("Locating Partitions..."), this);
+    auto* heading = new CColorLabel(tr("Locating Partitions..."), this);
     heading->SetBold(true);
     auto* progress = new QHBoxLayout;
-    progress->addWidget(new QLabel(QStringLiteral("Process Completed..."), this));
+    progress->addWidget(new QLabel(tr("Process Completed..."), this));
     progress->addWidget(percent_);
     progress->addWidget(position_);
     progress->addStretch();
@@ -83,7 +83,7 @@ void CLogicalDrivesFound::LayOut() {
 }
 
 void CLogicalDrivesFound::Run() {
-    SetFrameStatus(MethodText() + QStringLiteral(" scan in progress"));
+    SetFrameStatus(tr("%1 scan in progress").arg(MethodText()));
     StartSearch();
     exec();
     // Where the whole program was told to end meanwhile, the worker still wants its messages handled.
@@ -131,13 +131,12 @@ void CLogicalDrivesFound::ShowPosition(std::uint32_t position, std::uint32_t tot
         bar_->setValue(percent);
         percent_->setText(QStringLiteral("%1 %").arg(percent));
     }
-    position_->setText(QStringLiteral("Scanning sector %1 of %2").arg(position).arg(total));
+    position_->setText(tr("Scanning sector %1 of %2").arg(position).arg(total));
 }
 
 void CLogicalDrivesFound::AddPartition(std::uint32_t startSector) {
     ++foundCount_;
-    partitions_->AddRow(
-        {QStringLiteral("NTFS logical drive #%1").arg(foundCount_), QString::number(startSector)});
+    partitions_->AddRow({tr("NTFS logical drive #%1").arg(foundCount_), QString::number(startSector)});
     partitions_->scrollToBottom();
 }
 
@@ -146,7 +145,7 @@ void CLogicalDrivesFound::AskToAbort() {
     asking_ = true;
     {
         const WorkerPause pause;
-        if (AskYesNo(QStringLiteral("Do you want to abort scanning?"), QStringLiteral("Confirm"))) {
+        if (AskYesNo(tr("Do you want to abort scanning?"), tr("Confirm"))) {
             Engine.ScanRunFlag = 0;
         }
     }
@@ -162,26 +161,24 @@ void CLogicalDrivesFound::EndSearch() {
     if (*ranOut_) {
         ShowPosition(1, 1);
     }
-    ShowBox(EndText(), QStringLiteral("Information"), *ranOut_ ? BoxIcon::Information : BoxIcon::Stop);
+    ShowBox(EndText(), tr("Information"), *ranOut_ ? BoxIcon::Information : BoxIcon::Stop);
     over_ = true;
     TheDesktopHost().SetSearchDialog(nullptr);
     LogSearchEnded(*ranOut_);
     LogLosses();
-    SetFrameStatus(QStringLiteral("Ready"));
+    SetFrameStatus(tr("Ready"));
     done(Rejected);
 }
 
 QString CLogicalDrivesFound::EndText() const {
     if (!*ranOut_) {
-        return MethodText() + QStringLiteral(" scan of drives aborted.");
+        return tr("%1 scan of drives aborted.").arg(MethodText());
     }
     const bool advise = !IsThorough() && Engine.SourceDisk.Partitions.empty();
-    return MethodText() + QStringLiteral(" scan of drives completed.") +
-           (advise ? QStringLiteral("\nNo logical drive(s) found.\nPlease use thorough scan.") : QString());
+    return tr("%1 scan of drives completed.").arg(MethodText()) +
+           (advise ? tr("\nNo logical drive(s) found.\nPlease use thorough scan.") : QString());
 }
 
-QString CLogicalDrivesFound::MethodText() const {
-    return IsThorough() ? QStringLiteral("Thorough") : QStringLiteral("Quick");
-}
+QString CLogicalDrivesFound::MethodText() const { return IsThorough() ? tr("Thorough") : tr("Quick"); }
 
 } // namespace thntfs

@@ -4,6 +4,7 @@
 #include "shell/JobThread.h"
 #include "shell/MessageTarget.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <cstdint>
 #include <memory>
@@ -27,6 +28,8 @@ struct SearchRequest {
 /// Runs a search on a worker and shows how it comes along. Closes when the search has ended, and in no other
 /// way.
 class CLogicalDrivesFound : public QDialog, public MessageTarget {
+    Q_DECLARE_TR_FUNCTIONS(CLogicalDrivesFound)
+
 public:
     CLogicalDrivesFound(QWidget* owner, const SearchRequest& request);
     ~CLogicalDrivesFound() override;

@@ -8,7 +8,7 @@ namespace thntfs {
 
 struct DiskInfo;
 
-// What the info lists of the pages say; one line a row, as RowsOf takes it.
+// What the info lists of the pages say; one line a row, as RowsOf takes it. Translators leave "HDR" and "* ".
 extern const char* const kMainPageText;
 extern const std::array<const char*, 4> kTaskTexts; ///< by WizardTask
 extern const char* const kDiskPageSteps;

@@ -11,6 +11,8 @@
 #include "shell/WaitCursor.h"
 #include "wizard/SourceSteps.h"
 
+#include <QCoreApplication>
+#include <QStringList>
 #include <vector>
 
 namespace thntfs {
@@ -19,19 +21,21 @@ namespace {
 
 constexpr std::size_t kMostLines = 16; // of what will be lost
 
-void Refuse(const std::string& text) {
-    ShowBox(QString::fromStdString(text), QStringLiteral("Warning"), BoxIcon::Warning);
+QString Shown(const std::string& text) { return QString::fromStdString(text); }
+
+void Refuse(const QString& text) {
+    ShowBox(text, QCoreApplication::translate("PrepareCopy", "Warning"), BoxIcon::Warning);
 }
 
-bool Pass(const CopyVerdict& verdict, const std::string& source, const std::string& advice = {}) {
+bool Pass(const CopyVerdict& verdict, const std::string& source, const QString& advice = {}) {
     if (!verdict.Allowed()) {
-        Refuse(CopyRefusalText(verdict, source) + advice);
+        Refuse(Shown(CopyRefusalText(verdict, source)) + advice);
     }
     return verdict.Allowed();
 }
 
-bool AskUser(const std::string& text, BoxAnswer preset) {
-    return AskYesNo(QString::fromStdString(text), QStringLiteral("Confirm"), preset);
+bool AskUser(const QString& text, BoxAnswer preset) {
+    return AskYesNo(text, QCoreApplication::translate("PrepareCopy", "Confirm"), preset);
 }
 
 bool OpenCopySource(const std::string& path) {
@@ -43,17 +47,20 @@ bool OpenCopySource(const std::string& path) {
     if (code == kErrorNone) {
         return Pass(CheckSource(path), path);
     }
-    std::string text;
+    QStringList lines;
     for (const std::string& line : OpenFailureLines(path, code)) {
-        text += (text.empty() ? "" : "\n") + line;
+        lines += Shown(line);
     }
-    Refuse(text);
+    Refuse(lines.join(QLatin1Char('\n')));
     return false;
 }
 
 bool AcceptMounted(const std::string& source) {
     const std::string remark = MountedRemark(source);
-    return remark.empty() || AskUser(remark + "\n\nDo you want to go on?", BoxAnswer::Yes);
+    return remark.empty() ||
+           AskUser(
+               QCoreApplication::translate("PrepareCopy", "%1\n\nDo you want to go on?").arg(Shown(remark)),
+               BoxAnswer::Yes);
 }
 
 bool OpenImage(ImageTarget& target, const std::string& source) {
@@ -64,47 +71,63 @@ bool OpenImage(ImageTarget& target, const std::string& source) {
     }
     return Pass(verdict, source,
                 target.IsOld()
-                    ? "\n\nWhat is there is never written over. Choose another path for a new image."
-                    : "");
+                    ? QCoreApplication::translate(
+                          "PrepareCopy",
+                          "\n\nWhat is there is never written over. Choose another path for a new image.")
+                    : QString());
 }
 
-std::string StateText(const CopySums& sums) {
-    std::string text =
-        std::to_string(sums.Copied()) + " of " + CountText(sums.Total, "sector", "sectors") + " are in it";
-    text += sums.Bad == 0 ? "" : ", " + std::to_string(sums.Bad) + " could not be read";
-    return text + (sums.Unread == 0 ? "." : ", " + std::to_string(sums.Unread) + " have not been tried yet.");
+void AddRemark(const std::string& remark, QString& text) {
+    if (!remark.empty()) {
+        text += QStringLiteral("\n\n") + Shown(remark);
+    }
+}
+
+QString StateText(const CopySums& sums) {
+    QString text = QCoreApplication::translate("PrepareCopy", "%1 of %2 are in it")
+                       .arg(sums.Copied())
+                       .arg(Shown(CountText(sums.Total, "sector", "sectors")));
+    if (sums.Bad != 0) {
+        text += QCoreApplication::translate("PrepareCopy", ", %1 could not be read").arg(sums.Bad);
+    }
+    return text + (sums.Unread == 0
+                       ? QStringLiteral(".")
+                       : QCoreApplication::translate("PrepareCopy", ", %1 have not been tried yet.")
+                             .arg(sums.Unread));
 }
 
 bool AcceptOld(const ImageTarget& target, const std::string& image) {
     if (!target.IsOld()) {
         return true;
     }
-    std::string text = image + " is an image of this disk:\n" + StateText(SumsOf(target.Map()));
-    if (const std::string remark = target.OriginRemark(); !remark.empty()) {
-        text += "\n\n" + remark;
-    }
-    return AskUser(text + "\n\nDo you want to continue it?", BoxAnswer::Yes);
+    QString text = QCoreApplication::translate("PrepareCopy", "%1 is an image of this disk:\n%2")
+                       .arg(Shown(image), StateText(SumsOf(target.Map())));
+    AddRemark(target.OriginRemark(), text);
+    return AskUser(text + QCoreApplication::translate("PrepareCopy", "\n\nDo you want to continue it?"),
+                   BoxAnswer::Yes);
 }
 
-std::string CloneLossText(const CloneTarget& target, const std::vector<std::string>& contents) {
-    std::string text = "Cloning to " + target.Path() + " (" + ByteText(target.SizeBytes()) +
-                       ") destroys all that is on it:\n";
+QString CloneLossText(const CloneTarget& target, const std::vector<std::string>& contents) {
+    QString text =
+        QCoreApplication::translate("PrepareCopy", "Cloning to %1 (%2) destroys all that is on it:\n")
+            .arg(Shown(target.Path()), Shown(ByteText(target.SizeBytes())));
     for (std::size_t i = 0; i < contents.size() && i < kMostLines; ++i) {
-        text += "\n    " + contents[i];
+        text += QStringLiteral("\n    ") + Shown(contents[i]);
     }
     if (contents.size() > kMostLines) {
-        text += "\n    and " + std::to_string(contents.size() - kMostLines) + " more";
+        text +=
+            QCoreApplication::translate("PrepareCopy", "\n    and %1 more").arg(contents.size() - kMostLines);
     }
     return text;
 }
 
 bool AcceptLoss(const CloneTarget& target, const std::string& source,
                 const std::vector<std::string>& contents) {
-    std::string text = CloneLossText(target, contents);
-    if (const std::string remark = target.SectorRemark(); !remark.empty()) {
-        text += "\n\n" + remark;
-    }
-    return AskUser(text + "\n\nDo you want to clone " + source + " to " + target.Path() + "?", BoxAnswer::No);
+    QString text = CloneLossText(target, contents);
+    AddRemark(target.SectorRemark(), text);
+    return AskUser(text + QCoreApplication::translate("PrepareCopy", "\n\nDo you want to clone %1 to %2?")
+                              .arg(Shown(source), Shown(target.Path())),
+                   BoxAnswer::No);
 }
 
 bool OpenForClone(const std::string& source, CloneTarget& target) {

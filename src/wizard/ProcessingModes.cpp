@@ -10,8 +10,8 @@ namespace thntfs {
 CProcessingModes::CProcessingModes(QWidget* parent, WizardState& state, const QString& title)
     : QGroupBox(title, parent)
     , state_(state)
-    , fromTable_(new QRadioButton(QStringLiteral("&Display default partition(s)"), this))
-    , bySearch_(new QRadioButton(QStringLiteral("&Search for lost partition(s)"), this)) {
+    , fromTable_(new QRadioButton(tr("&Display default partition(s)"), this))
+    , bySearch_(new QRadioButton(tr("&Search for lost partition(s)"), this)) {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(fromTable_);
     layout->addWidget(bySearch_);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QGroupBox>
 #include <cstdint>
 
@@ -12,6 +13,8 @@ struct WizardState;
 /// The choice of a source page how to come by the partitions; kept in ProcessingMode.
 /// The focus goes to the mode that is checked.
 class CProcessingModes : public QGroupBox {
+    Q_DECLARE_TR_FUNCTIONS(CProcessingModes)
+
 public:
     CProcessingModes(QWidget* parent, WizardState& state, const QString& title);
 

@@ -9,6 +9,8 @@
 #include "shell/WindowMessages.h"
 #include "wizard/SearchForPartitions.h"
 
+#include <QCoreApplication>
+
 namespace thntfs {
 
 namespace {
@@ -26,8 +28,10 @@ void TellUnreadableMedium(const std::string& path) {
         answer = AskMedium();
     }
     if (!answer.Answers) {
-        ShowBox(QString::fromStdString(path + " can't be read: " + SystemErrorText(answer.FirstSector)),
-                QStringLiteral("Error"), BoxIcon::Stop);
+        ShowBox(QCoreApplication::translate("SourceSteps", "%1 can't be read: %2")
+                    .arg(QString::fromStdString(path),
+                         QString::fromStdString(SystemErrorText(answer.FirstSector))),
+                QCoreApplication::translate("SourceSteps", "Error"), BoxIcon::Stop);
     }
 }
 
@@ -35,18 +39,19 @@ void TellUnreadableMedium(const std::string& path) {
 QString NoPartitionsText(const ChosenSource& source) {
     for (const TableVolume& entry : Engine.TableVolumes) {
         if (entry.State == TableVolumeState::Encrypted) {
-            return QStringLiteral("Start sector %1: %2.")
+            return QCoreApplication::translate("SourceSteps", "Start sector %1: %2.")
                 .arg(entry.StartSector)
                 .arg(QString::fromStdString(ProblemText(entry.State)));
         }
     }
-    return QString::fromLatin1(source.NoPartitions);
+    return source.NoPartitions;
 }
 
 bool ReadTable(const ChosenSource& source) {
     if (!TableNamesVolumes()) {
         TellUnreadableMedium(source.Path);
-        ShowBox(NoPartitionsText(source), QStringLiteral("Volume Salvage (NTFS)"), BoxIcon::Stop);
+        ShowBox(NoPartitionsText(source), QCoreApplication::translate("SourceSteps", "Volume Salvage (NTFS)"),
+                BoxIcon::Stop);
         return false;
     }
     source.LogChosen(false);

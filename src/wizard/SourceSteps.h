@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -13,7 +14,7 @@ namespace thntfs {
 /// The disk or the image that has just been opened.
 struct ChosenSource {
     std::string Path;
-    const char* NoPartitions;                     ///< text of the box when the table names none
+    QString NoPartitions;                         ///< text of the box when the table names none
     std::function<void(bool searched)> LogChosen; ///< writes the log's line of it
 };
 

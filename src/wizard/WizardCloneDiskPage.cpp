@@ -29,10 +29,11 @@ QLabel* NameLabel(QWidget* parent) {
 } // namespace
 
 CWizardCloneDiskPage::CWizardCloneDiskPage(WizardState& state, WizardPageOwner& owner)
-    : CWizardPage(state, owner, "Select Source and Destination Disk(s)", "ntfsclonewindow.htm")
-    , source_{"Source Disk :", "Source Disk # ", new CDiskTree(this, state.Disks, LooksUsb), NameLabel(this)}
-    , target_{"Destination Disk :", "Destination Disk # ", new CDiskTree(this, state.Disks, LooksUsb),
+    : CWizardPage(state, owner, tr("Select Source and Destination Disk(s)"), "ntfsclonewindow.htm")
+    , source_{tr("Source Disk :"), tr("Source Disk # %1"), new CDiskTree(this, state.Disks, LooksUsb),
               NameLabel(this)}
+    , target_{tr("Destination Disk :"), tr("Destination Disk # %1"),
+              new CDiskTree(this, state.Disks, LooksUsb), NameLabel(this)}
     , info_(new CInfoListBox(this)) {
     LayOut();
     setFocusProxy(source_.Tree);
@@ -42,10 +43,10 @@ CWizardCloneDiskPage::CWizardCloneDiskPage(WizardState& state, WizardPageOwner& 
 
 void CWizardCloneDiskPage::LayOut() {
     auto* layout = new QGridLayout(this);
-    layout->addWidget(TreeTitle(QStringLiteral("S&ource Disk(s) :"), source_.Tree), 0, 0);
+    layout->addWidget(TreeTitle(tr("S&ource Disk(s) :"), source_.Tree), 0, 0);
     layout->addWidget(source_.Tree, 1, 0);
     layout->addWidget(source_.Name, 2, 0);
-    layout->addWidget(TreeTitle(QStringLiteral("Destination Disk(s)"), target_.Tree), 3, 0);
+    layout->addWidget(TreeTitle(tr("Destination Disk(s)"), target_.Tree), 3, 0);
     layout->addWidget(target_.Tree, 4, 0);
     layout->addWidget(target_.Name, 5, 0);
     layout->addWidget(info_, 0, 1, 6, 1);
@@ -78,9 +79,9 @@ void CWizardCloneDiskPage::UpdateButtons() {
 
 void CWizardCloneDiskPage::ShowCloneDetails(std::uint8_t index, const Side& side) {
     const DiskInfo* disk = State().DiskAt(index);
-    ShowCloneDisk(*info_, QString::fromLatin1(side.ListTitle), disk);
+    ShowCloneDisk(*info_, side.ListTitle, disk);
     const std::string name = disk != nullptr ? disk->Name : "";
-    side.Name->setText(QString::fromLatin1(side.NameTitle) + QString::fromStdString(name));
+    side.Name->setText(side.NameTitle.arg(QString::fromStdString(name)));
     side.Name->setEnabled(disk != nullptr);
 }
 

@@ -2,6 +2,7 @@
 
 #include "wizard/WizardPage.h"
 
+#include <QCoreApplication>
 #include <cstdint>
 
 class QLabel;
@@ -13,6 +14,8 @@ class CInfoListBox;
 
 /// The choice of the disk to clone and of the disk to write over.
 class CWizardCloneDiskPage : public CWizardPage {
+    Q_DECLARE_TR_FUNCTIONS(CWizardCloneDiskPage)
+
 public:
     CWizardCloneDiskPage(WizardState& state, WizardPageOwner& owner);
 
@@ -22,8 +25,8 @@ public:
 private:
     /// One of the two disks on the page.
     struct Side {
-        const char* ListTitle; ///< of the properties' header
-        const char* NameTitle;
+        QString ListTitle; ///< of the properties' header
+        QString NameTitle;
         CDiskTree* Tree;
         QLabel* Name;
     };

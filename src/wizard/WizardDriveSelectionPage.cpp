@@ -9,6 +9,7 @@
 #include "wizard/SourceSteps.h"
 #include "wizard/WizardState.h"
 
+#include <QCoreApplication>
 #include <QGridLayout>
 
 namespace thntfs {
@@ -18,7 +19,8 @@ namespace {
 bool NoneLooksUsb(const DiskInfo& /*disk*/) { return false; }
 
 QString WayToTheRight(const QString& path) {
-    return QStringLiteral(
+    return QCoreApplication::translate(
+               "WizardDriveSelectionPage",
                "This program may not read the disk %1.\n\n"
                "Reading a disk needs a right that an ordinary user doesn't have. Close the program and "
                "start it with\n\n"
@@ -30,18 +32,20 @@ QString WayToTheRight(const QString& path) {
 void TellOpeningFailed(const std::string& path, ErrorCode code) {
     const QString shown = QString::fromStdString(path);
     const QString reason = QString::fromStdString(OpenErrorText(code));
-    ShowBox(code == kErrorAccessDenied ? WayToTheRight(shown)
-                                       : QStringLiteral("The disk %1 can't be opened: %2").arg(shown, reason),
-            QStringLiteral("Error"), BoxIcon::Stop);
+    ShowBox(code == kErrorAccessDenied
+                ? WayToTheRight(shown)
+                : QCoreApplication::translate("WizardDriveSelectionPage", "The disk %1 can't be opened: %2")
+                      .arg(shown, reason),
+            QCoreApplication::translate("WizardDriveSelectionPage", "Error"), BoxIcon::Stop);
 }
 
 } // namespace
 
 CWizardDriveSelectionPage::CWizardDriveSelectionPage(WizardState& state, WizardPageOwner& owner)
-    : CWizardPage(state, owner, "Step 1: Select Hard Drive\nStep 2: Select Appropriate Option",
+    : CWizardPage(state, owner, tr("Step 1: Select Hard Drive\nStep 2: Select Appropriate Option"),
                   "ntfsrecoverdata.htm")
     , tree_(new CDiskTree(this, state.Disks, NoneLooksUsb))
-    , modes_(new CProcessingModes(this, state, QStringLiteral("Processing Modes")))
+    , modes_(new CProcessingModes(this, state, tr("Processing Modes")))
     , info_(new CInfoListBox(this)) {
     LayOut();
     setFocusProxy(tree_);
@@ -89,7 +93,7 @@ int CWizardDriveSelectionPage::OnWizardNext() {
         TellOpeningFailed(disk->Path, code);
         return kStay;
     }
-    const ChosenSource source{disk->Path, "Use search for lost partition(s) option.",
+    const ChosenSource source{disk->Path, tr("Use search for lost partition(s) option."),
                               [disk](bool searched) { LogDiskChosen(*disk, searched); }};
     return ListPartitions(source, State().ProcessingMode, window()) ? kPartitionListPage : kStay;
 }

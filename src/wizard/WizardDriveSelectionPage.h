@@ -2,6 +2,7 @@
 
 #include "wizard/WizardPage.h"
 
+#include <QCoreApplication>
 #include <cstdint>
 
 namespace thntfs {
@@ -12,6 +13,8 @@ class CProcessingModes;
 
 /// The choice of the disk to recover from.
 class CWizardDriveSelectionPage : public CWizardPage {
+    Q_DECLARE_TR_FUNCTIONS(CWizardDriveSelectionPage)
+
 public:
     CWizardDriveSelectionPage(WizardState& state, WizardPageOwner& owner);
 

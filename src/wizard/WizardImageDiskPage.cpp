@@ -27,22 +27,21 @@ bool AllButIdeLookUsb(const DiskInfo& disk) { return disk.InterfaceType != "IDE"
 } // namespace
 
 CWizardImageDiskPage::CWizardImageDiskPage(WizardState& state, WizardPageOwner& owner)
-    : CWizardPage(state, owner, "Step 1: Select source drive\nStep 2: Select destination path",
+    : CWizardPage(state, owner, tr("Step 1: Select source drive\nStep 2: Select destination path"),
                   "ntfsdiskimaging2.htm")
     , tree_(new CDiskTree(this, state.Disks, AllButIdeLookUsb))
-    , pick_(new QPushButton(QStringLiteral("Select &destination path"), this))
+    , pick_(new QPushButton(tr("Select &destination path"), this))
     , info_(new CInfoListBox(this))
-    , pathText_(new CElidedLabel(QStringLiteral("File Path :"), this))
-    , oldImage_(
-          new QLabel(QStringLiteral("This file is there already. If it is an unfinished image of this disk, "
-                                    "Finish goes on with it. It is never written over."),
-                     this))
-    , retry_(new QCheckBox(QStringLiteral("Read bad sectors &again at the end, passes:"), this))
+    , pathText_(new CElidedLabel(tr("File Path :"), this))
+    , oldImage_(new QLabel(tr("This file is there already. If it is an unfinished image of this disk, "
+                              "Finish goes on with it. It is never written over."),
+                           this))
+    , retry_(new QCheckBox(tr("Read bad sectors &again at the end, passes:"), this))
     , passes_(new QSpinBox(this)) {
     oldImage_->setWordWrap(true);
     passes_->setRange(1, kMostPasses);
     passes_->setValue(kMostPasses);
-    passes_->setAccessibleName(QStringLiteral("Passes over bad sectors"));
+    passes_->setAccessibleName(tr("Passes over bad sectors"));
     passes_->setEnabled(false);
     LayOut();
     setFocusProxy(tree_);
@@ -69,7 +68,7 @@ void CWizardImageDiskPage::LayOut() {
 
 void CWizardImageDiskPage::OnSetActive() {
     State().ImageDestination.clear();
-    pathText_->setText(QStringLiteral("File Path :"));
+    pathText_->setText(tr("File Path :"));
     pathText_->setToolTip({});
     pathText_->setEnabled(false);
     oldImage_->hide();
@@ -91,14 +90,14 @@ void CWizardImageDiskPage::UpdateButtons() {
 }
 
 void CWizardImageDiskPage::PickDestination() {
-    const QString path = ChooseImageToMake(
-        this, QStringLiteral("Select destination path"), ImageFileName(QDate::currentDate()),
-        QStringLiteral("Tarnholt Volume Salvage (NTFS) Image File (*.th2)"));
+    const QString path =
+        ChooseImageToMake(this, tr("Select destination path"), ImageFileName(QDate::currentDate()),
+                          tr("Tarnholt Volume Salvage (NTFS) Image File (*.th2)"));
     if (path.isEmpty()) {
         return;
     }
     State().ImageDestination = path.endsWith(kExtension) ? path : path + kExtension;
-    pathText_->setText(QStringLiteral("Destination path :") + State().ImageDestination);
+    pathText_->setText(tr("Destination path :%1").arg(State().ImageDestination));
     pathText_->setToolTip(State().ImageDestination);
     pathText_->setEnabled(true);
     oldImage_->setVisible(QFileInfo::exists(State().ImageDestination));

@@ -2,6 +2,7 @@
 
 #include "wizard/WizardPage.h"
 
+#include <QCoreApplication>
 #include <cstdint>
 
 class QCheckBox;
@@ -16,6 +17,8 @@ class CInfoListBox;
 
 /// The choice of a disk and of the image file to make of it.
 class CWizardImageDiskPage : public CWizardPage {
+    Q_DECLARE_TR_FUNCTIONS(CWizardImageDiskPage)
+
 public:
     CWizardImageDiskPage(WizardState& state, WizardPageOwner& owner);
 

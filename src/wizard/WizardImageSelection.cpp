@@ -24,12 +24,12 @@ constexpr QSize kPickIconSize{32, 32};
 } // namespace
 
 CwizardImageSelection::CwizardImageSelection(WizardState& state, WizardPageOwner& owner)
-    : CWizardPage(state, owner, "Select image to recover data", "ntfsselectanimagefileforproce.htm")
-    , pick_(new QPushButton(LoadIcon("select-image"), QStringLiteral("Select &Image File"), this))
-    , pathText_(new CElidedLabel(QStringLiteral("Selected File Path"), this))
-    , freeText_(new QLabel(QStringLiteral("Spcae available"), this))
+    : CWizardPage(state, owner, tr("Select image to recover data"), "ntfsselectanimagefileforproce.htm")
+    , pick_(new QPushButton(LoadIcon("select-image"), tr("Select &Image File"), this))
+    , pathText_(new CElidedLabel(tr("Selected File Path"), this))
+    , freeText_(new QLabel(tr("Spcae available"), this))
     , failure_(new QLabel(this))
-    , modes_(new CProcessingModes(this, state, QStringLiteral("Image Processing Mode")))
+    , modes_(new CProcessingModes(this, state, tr("Image Processing Mode")))
     , info_(new CInfoListBox(this)) {
     pick_->setIconSize(kPickIconSize);
     pathText_->setEnabled(false);
@@ -66,9 +66,8 @@ void CwizardImageSelection::OnSetActive() {
 }
 
 void CwizardImageSelection::PickImage() {
-    const QString path =
-        ChooseFileToOpen(this, QStringLiteral("Select Image File"),
-                         QStringLiteral("Volume Salvage (NTFS) Image File (*.th2);;All files (*)"));
+    const QString path = ChooseFileToOpen(this, tr("Select Image File"),
+                                          tr("Volume Salvage (NTFS) Image File (*.th2);;All files (*)"));
     if (!path.isEmpty()) {
         ChooseImage(path);
     }
@@ -76,7 +75,7 @@ void CwizardImageSelection::PickImage() {
 
 void CwizardImageSelection::ChooseImage(const QString& path) {
     imagePath_ = path.toStdString();
-    pathText_->setText(QStringLiteral("File Path :") + path);
+    pathText_->setText(tr("File Path :%1").arg(path));
     pathText_->setToolTip(path);
     pathText_->setEnabled(true);
     freeText_->setEnabled(true);
@@ -90,8 +89,8 @@ void CwizardImageSelection::ChooseImage(const QString& path) {
 
 void CwizardImageSelection::ShowFreeSpace() {
     const auto freeBytes = FreeBytesAt(imagePath_);
-    freeText_->setText(freeBytes ? QStringLiteral("Space Available : %1 bytes").arg(*freeBytes)
-                                 : QStringLiteral("Space Available : unknown"));
+    freeText_->setText(freeBytes ? tr("Space Available : %1 bytes").arg(*freeBytes)
+                                 : tr("Space Available : unknown"));
 }
 
 int CwizardImageSelection::OnWizardNext() {
@@ -104,14 +103,13 @@ int CwizardImageSelection::OnWizardNext() {
         TellOpeningFailed(code);
         return kStay;
     }
-    const ChosenSource image{Engine.ImagePath, "Please use search for lost partition(s).",
+    const ChosenSource image{Engine.ImagePath, tr("Please use search for lost partition(s)."),
                              [](bool searched) { LogImageChosen(Engine.ImagePath, searched); }};
     return ListPartitions(image, State().ProcessingMode, window()) ? kPartitionListPage : kStay;
 }
 
 void CwizardImageSelection::TellOpeningFailed(ErrorCode code) {
-    failure_->setText(QStringLiteral("The file can't be opened: ") +
-                      QString::fromStdString(SystemErrorText(code)));
+    failure_->setText(tr("The file can't be opened: %1").arg(QString::fromStdString(SystemErrorText(code))));
 }
 
 } // namespace thntfs

@@ -3,6 +3,7 @@
 #include "platform/system/ErrorCodes.h"
 #include "wizard/WizardPage.h"
 
+#include <QCoreApplication>
 #include <string>
 
 class QLabel;
@@ -15,6 +16,8 @@ class CProcessingModes;
 
 /// The choice of the image file to recover from. What was chosen is kept as long as the sheet lives.
 class CwizardImageSelection : public CWizardPage {
+    Q_DECLARE_TR_FUNCTIONS(CwizardImageSelection)
+
 public:
     CwizardImageSelection(WizardState& state, WizardPageOwner& owner);
 

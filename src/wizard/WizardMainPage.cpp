@@ -6,6 +6,7 @@
 #include "wizard/WizardState.h"
 
 #include <QButtonGroup>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QToolButton>
@@ -24,11 +25,14 @@ struct Task {
 };
 
 constexpr std::array<Task, 4> kTasks = {
-    {{"  Recover &your Data", "task-recover-disk", "ntfsrecoverdata.htm", kDriveSelectionPage, true},
-     {"  Recover your data from disk &image", "task-recover-image", "ntfsrecoverfromimage.htm",
-      kImageSelectionPage, true},
-     {"  &Clone disk", "task-clone", "ntfsclonedisk.htm", kCloneDiskPage, false},
-     {"  Create &disk Image", "task-image", "ntfsdiskimaging.htm", kImageDiskPage, true}}};
+    {{QT_TRANSLATE_NOOP("WizardMainPage", "  Recover &your Data"), "task-recover-disk", "ntfsrecoverdata.htm",
+      kDriveSelectionPage, true},
+     {QT_TRANSLATE_NOOP("WizardMainPage", "  Recover your data from disk &image"), "task-recover-image",
+      "ntfsrecoverfromimage.htm", kImageSelectionPage, true},
+     {QT_TRANSLATE_NOOP("WizardMainPage", "  &Clone disk"), "task-clone", "ntfsclonedisk.htm", kCloneDiskPage,
+      false},
+     {QT_TRANSLATE_NOOP("WizardMainPage", "  Create &disk Image"), "task-image", "ntfsdiskimaging.htm",
+      kImageDiskPage, true}}};
 
 // Flat, and with a chosen task that is seen under dark colours too.
 constexpr const char* kTaskLook =
@@ -45,7 +49,7 @@ constexpr int kRowHeight = 14;
 } // namespace
 
 CWizardMainPage::CWizardMainPage(WizardState& state, WizardPageOwner& owner)
-    : CWizardPage(state, owner, "Select appropriate Option", "ntfswizardwin.htm")
+    : CWizardPage(state, owner, tr("Select appropriate Option"), "ntfswizardwin.htm")
     , tasks_(new QButtonGroup(this)) {
     auto* layout = new QHBoxLayout(this);
     auto* buttons = new QVBoxLayout;
@@ -65,7 +69,7 @@ CWizardMainPage::CWizardMainPage(WizardState& state, WizardPageOwner& owner)
 void CWizardMainPage::AddTaskButton(int task) {
     const Task& told = kTasks[static_cast<std::size_t>(task)];
     auto* button = new QToolButton(this);
-    button->setText(QString::fromLatin1(told.Text));
+    button->setText(QCoreApplication::translate("WizardMainPage", told.Text));
     button->setIcon(LoadIcon(told.Icon));
     button->setIconSize(kTaskIconSize);
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);

@@ -2,6 +2,7 @@
 
 #include "wizard/WizardPage.h"
 
+#include <QCoreApplication>
 #include <cstdint>
 
 class QButtonGroup;
@@ -12,6 +13,8 @@ class CInfoListBox;
 
 /// The choice of the task.
 class CWizardMainPage : public CWizardPage {
+    Q_DECLARE_TR_FUNCTIONS(CWizardMainPage)
+
 public:
     CWizardMainPage(WizardState& state, WizardPageOwner& owner);
 

@@ -2,18 +2,19 @@
 
 #include "wizard/WizardState.h"
 
+#include <utility>
+
 namespace thntfs {
 
-CWizardPage::CWizardPage(WizardState& state, WizardPageOwner& owner, const char* heading,
-                         const char* helpTopic)
+CWizardPage::CWizardPage(WizardState& state, WizardPageOwner& owner, QString heading, const char* helpTopic)
     : state_(state)
     , owner_(owner)
-    , heading_(heading)
+    , heading_(std::move(heading))
     , helpTopic_(helpTopic) {}
 
-QString CWizardPage::Heading() const { return QString::fromLatin1(heading_); }
+QString CWizardPage::Heading() const { return heading_; }
 QString CWizardPage::HelpTopic() const { return QString::fromLatin1(helpTopic_); }
-QString CWizardPage::CloseCaption() const { return QStringLiteral("Confirm"); }
+QString CWizardPage::CloseCaption() const { return tr("Confirm"); }
 
 int CWizardPage::OnWizardBack() const { return kMainPage; }
 int CWizardPage::OnWizardNext() { return kStay; }

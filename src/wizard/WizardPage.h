@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QWidget>
 
@@ -36,10 +37,12 @@ protected:
 
 /// A page of the wizard's sheet.
 class CWizardPage : public QWidget {
+    Q_DECLARE_TR_FUNCTIONS(CWizardPage)
+
 public:
     /// State and owner outlive the page. A heading may have two lines. `helpTopic` is the name of a page of
     /// the help.
-    CWizardPage(WizardState& state, WizardPageOwner& owner, const char* heading, const char* helpTopic);
+    CWizardPage(WizardState& state, WizardPageOwner& owner, QString heading, const char* helpTopic);
 
     [[nodiscard]] QString Heading() const;
     [[nodiscard]] virtual QString HelpTopic() const;
@@ -67,7 +70,7 @@ protected:
 private:
     WizardState& state_;
     WizardPageOwner& owner_;
-    const char* heading_;
+    QString heading_;
     const char* helpTopic_;
 };
 

@@ -13,6 +13,7 @@
 #include "wizard/SourceSteps.h"
 #include "wizard/WizardState.h"
 
+#include <QCoreApplication>
 #include <QVBoxLayout>
 
 namespace thntfs {
@@ -29,7 +30,9 @@ QString LowSector(std::uint64_t sector) { return QString::number(static_cast<std
 
 QString StartText(const PartitionCandidate& volume) {
     const std::uint64_t before = SectorsBeforeMedium(volume);
-    return before == 0 ? LowSector(volume.StartSector) : QStringLiteral("%1 before the medium").arg(before);
+    return before == 0
+               ? LowSector(volume.StartSector)
+               : QCoreApplication::translate("WizardPartitionListPage", "%1 before the medium").arg(before);
 }
 
 /// A label may hold anything.
@@ -42,27 +45,33 @@ QString ShownLabel(const std::u16string& label) {
 }
 
 QStringList FactTexts(const VolumeFacts& facts) {
-    return {facts.Verified ? QStringLiteral("Yes") : QStringLiteral("No"),
+    return {facts.Verified ? QCoreApplication::translate("WizardPartitionListPage", "Yes")
+                           : QCoreApplication::translate("WizardPartitionListPage", "No"),
             QString::fromStdString(SourceText(facts.Source)), ShownLabel(facts.Label),
             facts.Verified ? QString::number(facts.Records) : QString()};
 }
 
 QStringList RowTexts(const ListedVolume& volume) {
     if (volume.Candidate != nullptr) {
-        return RowTexts(QStringLiteral("NTFS logical drive %1").arg(volume.Number),
+        return RowTexts(QCoreApplication::translate("WizardPartitionListPage", "NTFS logical drive %1")
+                            .arg(volume.Number),
                         StartText(*volume.Candidate),
                         volume.Candidate->TotalSectors * volume.Candidate->BytesPerSector) +
                FactTexts(volume.Facts);
     }
     const QString problem = QString::fromStdString(ProblemText(volume.Entry.State));
-    return RowTexts(QStringLiteral("Logical drive %1: %2").arg(volume.Number).arg(problem),
+    return RowTexts(QCoreApplication::translate("WizardPartitionListPage", "Logical drive %1: %2")
+                        .arg(volume.Number)
+                        .arg(problem),
                     LowSector(volume.Entry.StartSector),
                     volume.Entry.TotalSectors * Engine.SourceDisk.BytesPerSector) +
            QStringList{QString(), QString::fromStdString(SourceText(volume.Entry.Source)), QString(),
                        QString()};
 }
 
-void Warn(const QString& text) { ShowBox(text, QStringLiteral("Information"), BoxIcon::Warning); }
+void Warn(const QString& text) {
+    ShowBox(text, QCoreApplication::translate("WizardPartitionListPage", "Information"), BoxIcon::Warning);
+}
 
 bool LocateTableOfVolume() {
     const WaitCursor slow; // a failing disk takes its time
@@ -72,12 +81,16 @@ bool LocateTableOfVolume() {
 /// Whether the volume that has been taken into use can be. A box tells why not.
 bool CanBeScanned() {
     if (const std::string fault = ClusterFault(); !fault.empty()) {
-        Warn(QString::fromStdString(fault + "\n\nPlease use search for lost partition(s)."));
+        Warn(QCoreApplication::translate("WizardPartitionListPage",
+                                         "%1\n\nPlease use search for lost partition(s).")
+                 .arg(QString::fromStdString(fault)));
         return false;
     }
     if (!LocateTableOfVolume()) {
-        Warn(QStringLiteral("Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
-                            "Tools->Turbo Scan."));
+        Warn(QCoreApplication::translate(
+            "WizardPartitionListPage",
+            "Critical structures not found.\nPlease cancel wizard and use Turbo Scan\n\n"
+            "Tools->Turbo Scan."));
         Desktop.StructuresMissing = true;
         return false;
     }
@@ -87,12 +100,10 @@ bool CanBeScanned() {
 } // namespace
 
 CWizardPartitionListPage::CWizardPartitionListPage(WizardState& state, WizardPageOwner& owner)
-    : CWizardPage(state, owner, "Select the partition to recover", "ntfsrecoverdata.htm")
-    , list_(
-          new CRowTable(this, {QStringLiteral("Name"), QStringLiteral("Start Sector"), QStringLiteral("Size"),
-                               QStringLiteral("Verified"), QStringLiteral("Found by"),
-                               QStringLiteral("Label"), QStringLiteral("Records")})) {
-    list_->setAccessibleName(QStringLiteral("Logical drives"));
+    : CWizardPage(state, owner, tr("Select the partition to recover"), "ntfsrecoverdata.htm")
+    , list_(new CRowTable(this, {tr("Name"), tr("Start Sector"), tr("Size"), tr("Verified"), tr("Found by"),
+                                 tr("Label"), tr("Records")})) {
+    list_->setAccessibleName(tr("Logical drives"));
     list_->setMinimumWidth(kListWidth * fontMetrics().averageCharWidth());
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(list_);
@@ -103,7 +114,7 @@ CWizardPartitionListPage::CWizardPartitionListPage(WizardState& state, WizardPag
     connect(list_, &QTableWidget::cellDoubleClicked, this, [this] { Owner().PressFinish(); });
 }
 
-QString CWizardPartitionListPage::CloseCaption() const { return QStringLiteral("Volume Salvage (NTFS)"); }
+QString CWizardPartitionListPage::CloseCaption() const { return tr("Volume Salvage (NTFS)"); }
 
 void CWizardPartitionListPage::OnSetActive() {
     Desktop.ProcessingMode = State().ProcessingMode;
@@ -117,7 +128,7 @@ void CWizardPartitionListPage::Fill() {
     const bool any = !Engine.SourceDisk.Partitions.empty();
     list_->setEnabled(any);
     if (!any) {
-        list_->AddRow({QStringLiteral("No Logical Drives Found")});
+        list_->AddRow({tr("No Logical Drives Found")});
         for (const ListedVolume& volume : ListVolumes()) { // which tell why
             list_->AddRow(RowTexts(volume), LoadIcon("disk"), false);
         }

@@ -3,6 +3,7 @@
 #include "partitions/VolumeList.h"
 #include "wizard/WizardPage.h"
 
+#include <QCoreApplication>
 #include <vector>
 
 namespace thntfs {
@@ -11,6 +12,8 @@ class CRowTable;
 
 /// The choice of the partition among the candidates of SourceDisk. Its Finish takes the chosen one into use.
 class CWizardPartitionListPage : public CWizardPage {
+    Q_DECLARE_TR_FUNCTIONS(CWizardPartitionListPage)
+
 public:
     CWizardPartitionListPage(WizardState& state, WizardPageOwner& owner);
 

@@ -14,6 +14,7 @@
 #include "wizard/WizardPartitionListPage.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFrame>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -35,11 +36,11 @@ void TellUnreadable(const DiskInfo& disk) {
         return;
     }
     if (disk.OpenError != kErrorNone) {
-        ShowBox(QStringLiteral("Disk Opening Error #%1").arg(disk.OpenError), QStringLiteral("Information"),
-                BoxIcon::Information);
+        ShowBox(QCoreApplication::translate("WizardSheet", "Disk Opening Error #%1").arg(disk.OpenError),
+                QCoreApplication::translate("WizardSheet", "Information"), BoxIcon::Information);
     } else if (disk.AccessError != kErrorNone) {
-        ShowBox(QStringLiteral("Error accessing device %1").arg(disk.AccessError), QStringLiteral("Error"),
-                BoxIcon::Stop);
+        ShowBox(QCoreApplication::translate("WizardSheet", "Error accessing device %1").arg(disk.AccessError),
+                QCoreApplication::translate("WizardSheet", "Error"), BoxIcon::Stop);
     }
 }
 
@@ -51,17 +52,17 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber, std:
     state_.Disks.resize(std::min(state_.Disks.size(), kMaxDisks));
     state_.LogicalDriveNumber = logicalDriveNumber;
     state_.RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0;
-    setWindowTitle(QStringLiteral("Tarnholt Volume Salvage (NTFS) Wizard"));
+    setWindowTitle(tr("Tarnholt Volume Salvage (NTFS) Wizard"));
     setWindowIcon(LoadIcon("wizard"));
     header_ = new CWizardHeader(this);
     stack_ = new QStackedWidget(this);
-    runAtStartup_ = new QCheckBox(QStringLiteral("&Run wizard on startup"), this);
+    runAtStartup_ = new QCheckBox(tr("&Run wizard on startup"), this);
     runAtStartup_->setChecked(state_.RunAtStartup);
-    back_ = AddButton(QStringLiteral("< &Back"));
-    next_ = AddButton(QStringLiteral("&Next >"));
-    finish_ = AddButton(QStringLiteral("&Finish"));
-    cancel_ = AddButton(QStringLiteral("Cancel"));
-    help_ = AddButton(QStringLiteral("Help"));
+    back_ = AddButton(tr("< &Back"));
+    next_ = AddButton(tr("&Next >"));
+    finish_ = AddButton(tr("&Finish"));
+    cancel_ = AddButton(tr("Cancel"));
+    help_ = AddButton(tr("Help"));
     help_->setShortcut(QKeySequence::HelpContents);
     LayOut();
     MakePages();
@@ -173,7 +174,7 @@ void CWizardSheet::OnFinish() {
 void CWizardSheet::PressFinish() { finish_->click(); }
 
 void CWizardSheet::reject() {
-    if (AskYesNo(QStringLiteral("Do you want to close wizard?"), ActivePage().CloseCaption())) {
+    if (AskYesNo(tr("Do you want to close wizard?"), ActivePage().CloseCaption())) {
         QDialog::reject();
     }
 }

@@ -3,6 +3,7 @@
 #include "wizard/WizardPage.h"
 #include "wizard/WizardState.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <cstdint>
 #include <vector>
@@ -23,6 +24,8 @@ inline constexpr int kWizardFinished = 12325;
 /// behind its end, however it ends. RunAtStartup is read from the settings and written back by the
 /// destructor.
 class CWizardSheet : public QDialog, private WizardPageOwner {
+    Q_DECLARE_TR_FUNCTIONS(CWizardSheet)
+
 public:
     /// `logicalDriveNumber` is what LogicalDriveNumber begins with. `disks` is what the disk pages offer.
     CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber,

@@ -212,7 +212,7 @@ TEST_F(SourcePagesTest, ADeadMediumIsToldBeforeTheAdvice) {
     Engine.SourceDisk.BytesPerSector = 512;
     Engine.SourceDisk.MediaHandle =
         MakeFaultyMedium(MakeMemoryMedium(std::make_shared<ByteVector>(4096)), plan);
-    EXPECT_FALSE(ListPartitions({"/dev/sdx", "Advice", nullptr}, 0, nullptr));
+    EXPECT_FALSE(ListPartitions({"/dev/sdx", QStringLiteral("Advice"), nullptr}, 0, nullptr));
     EXPECT_EQ(Boxes(), (Texts{"Error: /dev/sdx can't be read: " + SystemErrorText(kErrorNotReady),
                               "Volume Salvage (NTFS): Advice"}));
 }
