@@ -38,6 +38,7 @@ CExcludedTypes::CExcludedTypes(QWidget* owner, const QStringList& types)
     list->setCurrentRow(0);
     auto* label = new QLabel(tr("&File types to exclude:"), this);
     label->setBuddy(list);
+    list->setAccessibleName(tr("File types to exclude"));
     auto* close = new QPushButton(tr("&Close"), this);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     auto* buttons = new QHBoxLayout;

@@ -163,6 +163,7 @@ void CHelpWindow::CreateList() {
 
 // Links are followed here and not by the browser, which would open anything.
 void CHelpWindow::CreatePage() {
+    page_->setAccessibleName(tr("Help page"));
     page_->setOpenLinks(false);
     page_->document()->setDefaultStyleSheet(QLatin1String(kPageStyle) + LinkStyle(page_->palette()));
     page_->document()->setDocumentMargin(kPageMargin);

@@ -109,8 +109,9 @@ void CTHNTFSFindFile::LayOut() {
     layout->addWidget(filters_);
     layout->setSizeConstraint(QLayout::SetFixedSize); // follows what is open
     setMinimumWidth(kFindWidth);
-    const std::array<QWidget*, 12> order{pattern_, matchCase_, size_, sizeMode_, sizeNumber_, sizeUnit_,
-                                         date_,    dateMode_,  from_, to_,       oneList_,    search_};
+    const std::array<QWidget*, 14> order{pattern_,  matchCase_, search_,     cancel_,   options_,
+                                         size_,     sizeMode_,  sizeNumber_, sizeUnit_, date_,
+                                         dateMode_, from_,      to_,         oneList_};
     for (std::size_t i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }

@@ -144,6 +144,7 @@ void CPropertiesTabCtrl::CreateAttributes() {
         box->setEnabled(false);
         box->setPalette(ReadableWhenDisabled(box->palette()));
         grid->addWidget(box, place / kBoxesARow, place % kBoxesARow);
+        last_ = box;
         ++place;
     }
     AddRow(tr("Attributes"), boxes);
@@ -163,6 +164,13 @@ void CPropertiesTabCtrl::AddRow(const QString& caption, QWidget* value) {
     const bool oneLine = dynamic_cast<QLineEdit*>(value) != nullptr;
     fields_->addWidget(label, row, 0, oneLine ? Qt::AlignVCenter : Qt::AlignTop);
     fields_->addWidget(value, row, 1);
+    if (value->focusPolicy() == Qt::NoFocus) {
+        return;
+    }
+    if (last_ != nullptr) {
+        setTabOrder(last_, value); // a row that comes late isn't behind the sheet's button
+    }
+    last_ = value;
 }
 
 QLineEdit* CPropertiesTabCtrl::AddLine(const QString& caption, const QString& text) {

@@ -52,6 +52,7 @@ private:
     QGridLayout* fields_;
     QLineEdit* size_ = nullptr;
     QLineEdit* contains_ = nullptr; ///< of a folder
+    QWidget* last_ = nullptr;       ///< the last part in the order of Tab
     std::atomic<bool> counting_{false};
     std::atomic<Work> work_{Work::Running};
     std::unique_ptr<JobThread> countThread_;

@@ -1,6 +1,7 @@
 #include "wizard/WizardImageDiskPage.h"
 
 #include "dialogs/FileDialogs.h"
+#include "shell/TipText.h"
 #include "wizard/DiskTree.h"
 #include "wizard/ElidedLabel.h"
 #include "wizard/ImageFileName.h"
@@ -98,7 +99,7 @@ void CWizardImageDiskPage::PickDestination() {
     }
     State().ImageDestination = path.endsWith(kExtension) ? path : path + kExtension;
     pathText_->setText(tr("Destination path :%1").arg(State().ImageDestination));
-    pathText_->setToolTip(State().ImageDestination);
+    pathText_->setToolTip(TipText(State().ImageDestination));
     pathText_->setEnabled(true);
     oldImage_->setVisible(QFileInfo::exists(State().ImageDestination));
     UpdateButtons();

@@ -6,6 +6,7 @@
 #include "platform/files/Paths.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Icons.h"
+#include "shell/TipText.h"
 #include "wizard/ElidedLabel.h"
 #include "wizard/PageTexts.h"
 #include "wizard/ProcessingModes.h"
@@ -76,7 +77,7 @@ void CwizardImageSelection::PickImage() {
 void CwizardImageSelection::ChooseImage(const QString& path) {
     imagePath_ = path.toStdString();
     pathText_->setText(tr("File Path :%1").arg(path));
-    pathText_->setToolTip(path);
+    pathText_->setToolTip(TipText(path));
     pathText_->setEnabled(true);
     freeText_->setEnabled(true);
     failure_->clear();

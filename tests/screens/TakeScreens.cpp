@@ -1,26 +1,37 @@
-// Takes the pictures of docs/images: drives the real windows on a real screen (scripts/take-screenshots gives
-// it one) and saves what stands on it. THNTFS_SCREENS names the folder for them, THNTFS_SAMPLE the sample's
-// image.
+// Brings up every window of the program and looks at it: on a small screen that isn't there by what a program
+// can see, and on a real one (scripts/take-screenshots gives it one) by pictures as well, where
+// THNTFS_SCREENS names a folder for them.
 
 #include "catalogue/EntryWalk.h"
+#include "dialogs/ExcludedTypes.h"
 #include "dialogs/RenameFile.h"
 #include "dialogs/SaveChoice.h"
 #include "dialogs/SaveData.h"
+#include "dialogs/SaveWishes.h"
+#include "dialogs/SplashWnd.h"
 #include "dialogs/THNTFSFindFile.h"
+#include "dialogs/TipFile.h"
+#include "dialogs/TipOfTheDay.h"
 #include "dialogs/VarientCloneImageDialog.h"
+#include "dialogs/VistaMsgDlg.h"
 #include "disktools/ImageTarget.h"
 #include "frame/FrameFixture.h"
 #include "partitions/OpenSource.h"
 #include "preview/HexView.h"
 #include "preview/PictureFile.h"
 #include "shell/DesktopState.h"
+#include "shell/DlgWait.h"
 #include "shell/WindowMessages.h"
 #include "support/desktop/Widgets.h"
+#include "support/desktop/WindowFaults.h"
 #include "wizard/ChooseSectorRange.h"
 #include "wizard/DiskScanMode.h"
+#include "wizard/RowTable.h"
 #include "wizard/WizardSheet.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QScreen>
 #include <QTableWidget>
@@ -47,9 +58,19 @@ protected:
     }
 
     static void Shoot(const std::string& name) {
-        QTest::qWait(kSettleMilliseconds);
         RunEvents();
-        const QString folder = qEnvironmentVariable("THNTFS_SCREENS", QStringLiteral("."));
+        for (const QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->windowType() != Qt::Popup &&
+                window->windowType() != Qt::ToolTip) {
+                const std::string faults = WindowFaults(*window);
+                EXPECT_TRUE(faults.empty()) << name << "\n" << faults;
+            }
+        }
+        const QString folder = qEnvironmentVariable("THNTFS_SCREENS");
+        if (folder.isEmpty()) {
+            return;
+        }
+        QTest::qWait(kSettleMilliseconds);
         const QPixmap picture = QGuiApplication::primaryScreen()->grabWindow(0);
         EXPECT_TRUE(picture.save(folder + QLatin1Char('/') + QString::fromStdString(name + ".png")));
     }
@@ -102,8 +123,7 @@ TEST_F(Screens, MainWindowAboutAndHelp) {
         QTest::mouseClick(QApplication::activeModalWidget(), Qt::LeftButton);
     });
     PressKey(Qt::Key_B, Qt::ControlModifier);
-    const QString sample = qEnvironmentVariable("THNTFS_SAMPLE", QString::fromStdString(Volume("basic.img")));
-    LoadByMenu(SavedScanOf(sample.toStdString()));
+    LoadByMenu(SavedScanOf(Volume("sample.img")));
     ChooseFolder({"Root", "Pictures", "Summer 2022"});
     Shoot("main-tree");
     ChooseInMenu("View/Large Icons");
@@ -113,8 +133,7 @@ TEST_F(Screens, MainWindowAboutAndHelp) {
 }
 
 TEST_F(Screens, PreviewsAndProperties) {
-    const std::string sample = qEnvironmentVariable("THNTFS_SAMPLE").toStdString();
-    LoadByMenu(SavedScanOf(sample.empty() ? Volume("basic.img") : sample));
+    LoadByMenu(SavedScanOf(Volume("sample.img")));
     std::uint32_t picture = 0;
     std::uint32_t other = 0;
     std::uint32_t folder = 0;
@@ -148,7 +167,7 @@ TEST_F(Screens, PreviewsAndProperties) {
 }
 
 TEST_F(Screens, SavingAndFinding) {
-    LoadByMenu(SavedScanOf(qEnvironmentVariable("THNTFS_SAMPLE").toStdString()));
+    LoadByMenu(SavedScanOf(Volume("sample.img")));
     for (const bool again : {false, true}) {
         Answers.When<CSaveChoice>([](CSaveChoice& dialog) {
             Shoot("save-choice");
@@ -170,6 +189,7 @@ TEST_F(Screens, SavingAndFinding) {
     }
     Shoot("save-finished");
     Answers.When<CTHNTFSFindFile>([](CTHNTFSFindFile& dialog) {
+        Shoot("find-closed");
         QTest::keyClicks(dialog.findChild<QLineEdit*>(), QStringLiteral("*.png"));
         Press(dialog, "Options>>");
         Press(dialog, "Show all hits in one list");
@@ -179,6 +199,67 @@ TEST_F(Screens, SavingAndFinding) {
     PressKey(Qt::Key_F, Qt::ControlModifier);
     Shoot("find-hits");
     EXPECT_TRUE(Answers.AllDone());
+}
+
+TEST_F(Screens, WindowsOfTheStart) {
+    const QPointer<CSplashWnd> splash(new CSplashWnd(*Frame, [] {}));
+    Shoot("splash");
+    splash->close();
+    QFile::copy(QStringLiteral(THNTFS_TIPS), TipFilePath());
+    Answers.When<QDialog>([](QDialog& tips) {
+        Shoot("tips");
+        tips.accept();
+    });
+    ShowTipOfTheDay(Frame.get());
+    CVistaMsgDlg notice(Frame.get());
+    notice.show();
+    Shoot("notice");
+    notice.close();
+    CDlgWait wait(Frame.get());
+    wait.show();
+    Shoot("wait");
+}
+
+TEST_F(Screens, VeryLongNames) {
+    const QString name(255, QLatin1Char('W'));
+    QString path = QString::fromStdString(Folder.Path());
+    while (path.size() < 3500) {
+        path += QLatin1Char('/') + name;
+    }
+    ASSERT_TRUE(QDir().mkpath(path));
+    LoadByMenu(SavedScanOf(Volume("names.img")));
+    ChooseFolder({"Root", "Long kept"});
+    Shoot("long-main");
+    CRenameFile rename(Frame.get(), path + QLatin1Char('/') + name, QStringLiteral("the name is too long"),
+                       name);
+    rename.show();
+    Shoot("long-rename");
+    rename.hide();
+    SaveWishes wishes;
+    wishes.Folder = path;
+    wishes.Prefix = name;
+    CSaveData where(Frame.get(), wishes, {});
+    where.show();
+    Shoot("long-save");
+    where.hide();
+    CExcludedTypes types(Frame.get(), {QStringLiteral("doc"), name});
+    types.show();
+    Shoot("save-types");
+    types.hide();
+    const std::string image = path.toStdString() + "/image.img";
+    std::filesystem::copy_file(Volume("logical.img"), image);
+    Answers.When<CWizardSheet>([&](CWizardSheet& sheet) {
+        ChooseImage(sheet, image);
+        Shoot("long-image");
+        Press(sheet, "Next >");
+        sheet.ActivePage().findChild<CRowTable*>()->AddRow(
+            {QStringLiteral("NTFS logical drive 9"), QStringLiteral("4294967295"),
+             QStringLiteral("16777216.00 TB"), QStringLiteral("Yes"), QStringLiteral("backup boot sector"),
+             name.left(32), QStringLiteral("4294967295")});
+        Shoot("long-label");
+        sheet.done(0);
+    });
+    RunWizard();
 }
 
 TEST_F(Screens, RunningScanAndStopQuestion) {
