@@ -5,6 +5,7 @@
 #include "frame/MainFrame.h"
 #include "platform/files/InstanceLock.h"
 #include "platform/system/Interrupt.h"
+#include "preview/PictureDecoder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 
@@ -65,6 +66,9 @@ int RunProgram(QApplication& application, const QString& file) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (IsDecoderCall(argc, argv)) {
+        RunDecoder(argv);
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
     const QString file = ReadCommandLine(application);

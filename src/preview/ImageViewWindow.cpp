@@ -1,21 +1,18 @@
 #include "preview/ImageViewWindow.h"
 
-#include "preview/PictureFile.h"
+#include "preview/PictureLoader.h"
 #include "shell/Icons.h"
-#include "shell/WaitCursor.h"
 #include "shell/WindowTitle.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QTimer>
 #include <utility>
 
 namespace thntfs {
 
 namespace {
 
-constexpr int kPaintMilliseconds = 100; // in which the window comes up and shows that it is loading
 constexpr int kNoticeHeight = 14;
 constexpr QSize kImageWindowSize{640, 480};
 
@@ -43,18 +40,19 @@ CImageViewWindow::CImageViewWindow(const QString& name, std::function<void()> cl
     SetNotice(tr("Please Wait. Loading Image file..."));
 }
 
-void CImageViewWindow::LoadSoon(std::unique_ptr<WorkFolder> folder, const QString& path) {
+CImageViewWindow::~CImageViewWindow() = default;
+
+void CImageViewWindow::Load(std::unique_ptr<WorkFolder> folder, const QString& path) {
     folder_ = std::move(folder);
-    QTimer::singleShot(kPaintMilliseconds, this, [this, path] { Load(path); });
+    setCursor(Qt::WaitCursor);
+    loader_ = std::make_unique<PictureLoader>([this](const QImage& picture) { TakePicture(picture); });
+    loader_->Start(path);
 }
 
-void CImageViewWindow::Load(const QString& path) {
-    if (folder_ == nullptr) {
-        return; // it has been closed
-    }
-    const WaitCursor hourglass;
-    picture_ = LoadPicture(path);
+void CImageViewWindow::TakePicture(const QImage& picture) {
+    picture_ = picture;
     folder_.reset();
+    unsetCursor();
     if (picture_.isNull()) {
         ShowFailure();
     } else {
@@ -108,6 +106,7 @@ void CImageViewWindow::keyPressEvent(QKeyEvent* event) {
 
 void CImageViewWindow::closeEvent(QCloseEvent* event) {
     event->accept();
+    loader_.reset();
     folder_.reset();
     if (const auto closed = std::exchange(closed_, nullptr)) {
         closed();

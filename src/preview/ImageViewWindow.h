@@ -10,6 +10,8 @@
 
 namespace thntfs {
 
+class PictureLoader;
+
 /// Shows a picture stretched over the whole window, and while there is none says why.
 class CImageViewWindow : public QWidget {
     Q_DECLARE_TR_FUNCTIONS(CImageViewWindow)
@@ -18,9 +20,11 @@ public:
     /// `closed` is called once, when the window has been closed; it may see to it that the window goes.
     CImageViewWindow(const QString& name, std::function<void()> closed);
 
-    /// Loads a picture a moment after the window has come up. The folder is that of the file alone, and goes
-    /// once the picture has been loaded.
-    void LoadSoon(std::unique_ptr<WorkFolder> folder, const QString& path);
+    /// Begins to load a picture. The folder is that of the file alone, and goes once the picture has been
+    /// loaded.
+    void Load(std::unique_ptr<WorkFolder> folder, const QString& path);
+
+    ~CImageViewWindow() override;
 
     /// Says that there is no picture to be had.
     void ShowFailure();
@@ -33,13 +37,14 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void Load(const QString& path);
+    void TakePicture(const QImage& picture);
     void SetNotice(const QString& notice);
     void PaintNotice(QPainter& painter) const;
     void PaintPicture(QPainter& painter);
 
     std::function<void()> closed_;
     std::unique_ptr<WorkFolder> folder_;
+    std::unique_ptr<PictureLoader> loader_;
     QString notice_;
     QImage picture_;
     QPixmap stretched_; ///< the picture in the window's size

@@ -1,5 +1,7 @@
 #include "preview/PictureFile.h"
 
+#include "preview/PictureStream.h"
+
 #include <QFile>
 #include <QImageReader>
 #include <QSet>
@@ -10,10 +12,6 @@
 namespace thntfs {
 
 namespace {
-
-constexpr int kMaxPictureMegabytes = 512;
-constexpr qint64 kMaxPictureBytes = qint64{kMaxPictureMegabytes} << 20U;
-constexpr qint64 kPixelBytes = 4;
 
 // The library unpacks a compressed drawing whole before it looks at it, at up to a thousand times the size.
 constexpr qint64 kMaxPackedDrawing = qint64{256} << 10;
@@ -48,13 +46,10 @@ QSet<QString> KnownSuffixes() {
 }
 
 bool IsTooLarge(const QSize& size) {
-    return !size.isEmpty() && qint64{size.width()} * size.height() > kMaxPictureBytes / kPixelBytes;
+    return !size.isEmpty() && qint64{size.width()} * size.height() > kMaxPicturePixels;
 }
 
-bool IsPackedDrawing(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.size() > kMaxPackedDrawing && file.peek(2) == kPackedMark;
-}
+bool IsPackedDrawing(QFile& file) { return file.size() > kMaxPackedDrawing && file.peek(2) == kPackedMark; }
 
 } // namespace
 
@@ -67,12 +62,12 @@ QString PictureCopyName(std::u16string_view name) {
     return QStringLiteral("picture.") + (IsImageName(name) ? SuffixOf(name) : QStringLiteral("dat"));
 }
 
-QImage LoadPicture(const QString& path) try {
+QImage LoadPicture(QFile& file) try {
     QImageReader::setAllocationLimit(kMaxPictureMegabytes);
-    if (IsPackedDrawing(path)) {
+    if (IsPackedDrawing(file)) {
         return {};
     }
-    QImageReader reader(path);
+    QImageReader reader(&file);
     reader.setAutoTransform(true);
     if (IsTooLarge(reader.size())) {
         return {};

@@ -121,7 +121,7 @@ void Previews::ShowImage(const CatalogueItem& entry) {
     imageWindow_ = std::make_unique<CImageViewWindow>(ShownName(entry.Name), Forgetter(imageWindow_));
     ShowLarge(*imageWindow_);
     if (copied) {
-        imageWindow_->LoadSoon(std::move(folder), QString::fromStdString(path));
+        imageWindow_->Load(std::move(folder), QString::fromStdString(path));
     } else {
         imageWindow_->ShowFailure();
     }

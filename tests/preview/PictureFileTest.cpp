@@ -1,8 +1,13 @@
 #include "preview/PictureFile.h"
 
+#include "preview/HangingDrawing.h"
+#include "preview/PictureLoader.h"
+#include "preview/PictureStream.h"
 #include "support/VolumeBuilderBytes.h"
+#include "support/desktop/BoxAnswers.h"
 
 #include <QBuffer>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QImageReader>
 #include <QImageWriter>
@@ -33,16 +38,45 @@ QByteArray Upright(QByteArray jpeg) {
 
 class PictureFileTest : public ::testing::Test {
 protected:
-    QImage Load(const QByteArray& bytes, const QString& name) {
+    QString Put(const QByteArray& bytes, const QString& name) {
         QFile file(Folder.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         EXPECT_EQ(file.write(bytes), bytes.size());
-        file.close();
-        return LoadPicture(file.fileName());
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return file.fileName();
+    }
+
+    /// Decoded by another process, as the window has it done.
+    QImage Load(const QByteArray& bytes, const QString& name, const DecoderRules& rules = {}) {
+        std::optional<QImage> loaded;
+        PictureLoader loader([&](const QImage& picture) {
+            EXPECT_FALSE(loaded.has_value());
+            loaded = picture;
+        });
+        loader.Start(Put(bytes, name), rules);
+        EXPECT_TRUE(WaitUntil([&] { return loaded.has_value(); }));
+        RunEvents();
+        return loaded.value_or(QImage());
+    }
+
+    /// What comes of a decoder that puts out these bytes and then does these words of the shell.
+    QImage FromDecoder(const QByteArray& output, const QByteArray& words) {
+        const QString script = Put("#!/bin/sh\ncat\n" + words + '\n', QStringLiteral("decoder"));
+        return Load(output, QStringLiteral("output"), {.Program = script});
+    }
+
+    QImage LoadHere(const QByteArray& bytes, const QString& name) {
+        QFile file(Put(bytes, name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return LoadPicture(file);
     }
 
     QTemporaryDir Folder;
 };
+
+QByteArray HeaderBytes(const PictureHeader& header) {
+    return {reinterpret_cast<const char*>(&header), sizeof header};
+}
 
 QImage SmallPicture() {
     QImage image(24, 16, QImage::Format_RGB32);
@@ -115,14 +149,40 @@ TEST_F(PictureFileTest, DamagedPicturesDoNoHarm) {
         }
         const QByteArray sound = Written(SmallPicture(), format);
         for (int i = 0; i < 500; ++i) {
-            const QImage picture =
-                Load(Mutated(sound, random), QStringLiteral("picture.") + QLatin1String(format));
+            const QByteArray damaged = Mutated(sound, random);
+            const QString name = QStringLiteral("picture.") + QLatin1String(format);
+            const QImage picture = i % 100 == 0 ? Load(damaged, name) : LoadHere(damaged, name);
             ++(picture.isNull() ? failed : drawn);
             EXPECT_LE(qint64{picture.width()} * picture.height(), qint64{128} << 20U);
         }
     }
     EXPECT_GT(drawn, 100);
     EXPECT_GT(failed, 100);
+}
+
+TEST_F(PictureFileTest, HostilePicturesEndTheirDecoderAlone) {
+    const QString name = QStringLiteral("picture.svg");
+    EXPECT_TRUE(Load(HangingDrawing(), name, {.Limit = std::chrono::milliseconds(300)}).isNull());
+    EXPECT_TRUE(Load("<svg/>", name, {.Program = Folder.filePath(QStringLiteral("none"))}).isNull());
+    const QByteArray small = HeaderBytes({.Width = 1, .Height = 1});
+    EXPECT_EQ(FromDecoder(small + "\x01\x02\x03\xFF", "").pixel(0, 0), 0xFF030201);
+    QElapsedTimer time;
+    time.start();
+    for (const auto& [output, words] : std::initializer_list<std::pair<QByteArray, const char*>>{
+             {{}, ""},
+             {small.left(15), ""},
+             {small + "123", ""},
+             {small + "1234", "exit 1"},
+             {small + "1234", "kill -SEGV $$"},
+             {small + "1234", "yes"},
+             {HeaderBytes({.Mark = 1, .Width = 1, .Height = 1}) + "1234", ""},
+             {HeaderBytes({.Width = 16384, .Height = 8193}), "exec sleep 60"},
+             {HeaderBytes({.Width = 1 << 30, .Height = 1 << 30}), "exec sleep 60"},
+             {HeaderBytes({.Width = -1, .Height = -1}) + "1234", "exec sleep 60"},
+         }) {
+        EXPECT_TRUE(FromDecoder(output, words).isNull()) << output.toHex().data() << words;
+    }
+    EXPECT_LT(time.elapsed(), 8000);
 }
 
 } // namespace thntfs::test

@@ -1,6 +1,7 @@
 #include "preview/Previews.h"
 
 #include "catalogue/CatalogueFixture.h"
+#include "preview/HangingDrawing.h"
 #include "preview/HexView.h"
 #include "preview/ImageViewWindow.h"
 #include "preview/PreviewWnd.h"
@@ -139,6 +140,14 @@ TEST_F(PreviewsTest, PicturesThatCannotBeDrawn) {
     EXPECT_TRUE(Shown.CloseOne()) << "while it loads";
     EXPECT_FALSE(CopyIsLeft());
     EXPECT_EQ(Reports.Boxes.size(), 0U);
+
+    QElapsedTimer time;
+    time.start();
+    Show(u"a.svg", BytesOf(HangingDrawing().toStdString()));
+    EXPECT_FALSE(WaitUntil([] { return Open<CImageViewWindow>()->cursor().shape() != Qt::WaitCursor; }, 500));
+    EXPECT_TRUE(Shown.CloseOne());
+    EXPECT_FALSE(CopyIsLeft());
+    EXPECT_LT(time.elapsed(), 5000) << "neither did the drawing hold up the window";
 
     Show(u"a.txt", ByteVector(1, 7));
     Plan->Rules = {{.FirstSector = 0, .SectorCount = kForever, .Code = 5}};

@@ -1,3 +1,4 @@
+#include "preview/PictureDecoder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
 
@@ -6,8 +7,12 @@
 #include <gtest/gtest.h>
 
 // The tests' windows have no screen, unless THNTFS_TEST_PLATFORM names another platform plugin, and their
-// settings and data are not those of whoever runs them.
+// settings and data are not those of whoever runs them. As the
+// program does, they decode pictures by calling themselves.
 int main(int argc, char** argv) {
+    if (thntfs::IsDecoderCall(argc, argv)) {
+        thntfs::RunDecoder(argv);
+    }
     qputenv("QT_QPA_PLATFORM",
             qEnvironmentVariable("THNTFS_TEST_PLATFORM", QStringLiteral("offscreen")).toUtf8());
     testing::InitGoogleTest(&argc, argv);
