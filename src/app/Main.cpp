@@ -8,10 +8,12 @@
 #include "preview/PictureDecoder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
+#include "shell/Translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QLocale>
 
 namespace {
 
@@ -70,6 +72,7 @@ int main(int argc, char** argv) {
         RunDecoder(argv);
     }
     QApplication application(argc, argv);
+    LoadTranslations(application, QLocale::system());
     QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
     const QString file = ReadCommandLine(application);
     InstanceLock lock;

@@ -52,7 +52,7 @@ void CommandSet::CreateActions(const Runner& run) {
     auto* viewModes = new QActionGroup(&window_);
     for (const CommandText& text : AllCommands()) {
         auto* action = new QAction(MenuPart(text.Menu), &window_);
-        action->setShortcut(QKeySequence(KeyPart(text.Menu)));
+        action->setShortcut(QKeySequence::fromString(KeyPart(text.Menu), QKeySequence::PortableText));
         action->setStatusTip(Translated(text.Prompt));
         action->setToolTip(Translated(text.ToolTip));
         action->setCheckable(IsChecked(text.Id));

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QTest>
 #include <algorithm>
 #include <filesystem>
@@ -20,8 +21,10 @@ namespace thntfs::test {
 
 namespace {
 
+// Without key, mnemonic, and the marks of a language that a test may have made.
 QString PlainTitle(const QAction& action) {
-    return action.text().section(QLatin1Char('\t'), 0, 0).remove(QLatin1Char('&')).trimmed();
+    static const QRegularExpression others(QStringLiteral("[&«»]"));
+    return action.text().section(QLatin1Char('\t'), 0, 0).remove(others).trimmed();
 }
 
 QAction& ActionTitled(const QList<QAction*>& actions, const QString& title) {
