@@ -11,6 +11,7 @@ namespace thntfs {
 
 namespace {
 
+const QString kTipPlace = QStringLiteral("/th-ntfs/stips.txt");
 QString OnlyTip() { return QCoreApplication::translate("TipFile", "Press Ctrl + W to run wizard."); }
 constexpr qint64 kMostFileBytes = qint64{256} << 10;
 constexpr qsizetype kMostTipLetters = 500;
@@ -35,8 +36,17 @@ QByteArray BytesOf(const QString& path) {
 } // namespace
 
 QString TipFilePath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-           QStringLiteral("/th-ntfs/stips.txt");
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + kTipPlace;
+}
+
+QString TipFileInUse() {
+    const QString own = TipFilePath();
+    QStringList files;
+    if (ReadTips(own) == QStringList{OnlyTip()}) {
+        files = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, kTipPlace.mid(1));
+        files.removeAll(own);
+    }
+    return files.value(0, own);
 }
 
 void ProvideTipFile(const QString& path) {

@@ -7,6 +7,10 @@ namespace thntfs {
 /// Path of the file of tips, "stips.txt" in the program's data folder of this user.
 QString TipFilePath();
 
+/// The file that tips are read from: that of this user, or where it holds no more than the one tip that a
+/// missing file gets, the file of an installation for all users, if there is one.
+QString TipFileInUse();
+
 /// Makes a file with one tip where none is, as far as that can be done.
 void ProvideTipFile(const QString& path);
 

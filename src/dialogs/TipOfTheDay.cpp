@@ -107,9 +107,8 @@ void CTipOfTheDay::ShowNext() {
 bool TipsWantedAtStart() { return OpenSettings().value(kTipsAtStartKey, 1).toInt() != 0; }
 
 void ShowTipOfTheDay(QWidget* owner) {
-    const QString path = TipFilePath();
-    ProvideTipFile(path);
-    CTipOfTheDay dialog(owner, ReadTips(path));
+    ProvideTipFile(TipFilePath());
+    CTipOfTheDay dialog(owner, ReadTips(TipFileInUse()));
     dialog.exec();
 }
 

@@ -131,9 +131,13 @@ constexpr auto kToolsMenu =
                              Line(kCmdParentFolder), kSeparator, Line(kCmdTurboScan), Line(kCmdHound),
                              Line(kCmdListNameless), kSeparator, Line(kCmdClearLog), Line(kCmdSaveLog)});
 
-constexpr auto kViewMenu =
-    std::to_array<MenuLine>({Line(kCmdViewToolbar), Line(kCmdViewStatusBar), kSeparator, Line(kCmdLargeIcons),
-                             Line(kCmdSmallIcons), Line(kCmdList), Line(kCmdDetails)});
+constexpr auto kViewMenu = std::to_array<MenuLine>(
+    {Line(kCmdViewToolbar), Line(kCmdViewStatusBar), kSeparator, Line(kCmdLargeIcons), Line(kCmdSmallIcons),
+     Line(kCmdList), Line(kCmdDetails), kSeparator,
+     Submenu(QT_TRANSLATE_NOOP("CommandTable", "Toolbar Si&ze"),
+             QT_TRANSLATE_NOOP("CommandTable", "Chooses the size of the toolbar's buttons")),
+     Line(kCmdToolbar16), Line(kCmdToolbar16 + 1), Line(kCmdToolbar16 + 2), Line(kCmdToolbar48),
+     kEndSubmenu}); // elsewhere only the mouse comes to them
 
 constexpr auto kHelpMenu = std::to_array<MenuLine>({Line(kCmdHelpContents), Line(kCmdTips), kSeparator,
                                                     Line(kCmdFeatures), Line(kCmdContact), Line(kCmdFaq),

@@ -7,6 +7,7 @@
 #include "shell/ShownName.h"
 #include "shell/WindowMessages.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QFrame>
@@ -115,6 +116,16 @@ CPropertiesTabCtrl::CPropertiesTabCtrl(const CatalogueItem& entry, MessageTarget
     }
 }
 
+// Where the sheet goes without having been closed, the worker still wants its messages handled.
+CPropertiesTabCtrl::~CPropertiesTabCtrl() {
+    leaving_ = true;
+    Stop();
+    while (work_ != Work::None) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    countThread_.reset();
+}
+
 void CPropertiesTabCtrl::CreateHead() {
     auto* picture = new QLabel;
     picture->setPixmap(LoadIcon(PictureOf(entry_)).pixmap(kPicturePixels));
@@ -189,8 +200,10 @@ std::intptr_t CPropertiesTabCtrl::OnMessage(std::uint32_t message, std::uintptr_
         ShowFacts(WM_PROPS_FACTS.First(wParam));
         break;
     case WM_PROPS_DONE:
-        countThread_.reset();
-        WM_PROPS_CLOSE.Send(&sheet_);
+        if (!leaving_) {
+            countThread_.reset();
+            WM_PROPS_CLOSE.Send(&sheet_);
+        }
         break;
     default:
         break;

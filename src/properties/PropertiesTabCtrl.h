@@ -26,6 +26,8 @@ public:
     /// Begins the work. `sheet` gets WM_PROPS_CLOSE; it is the caller's and lives longer.
     CPropertiesTabCtrl(const CatalogueItem& entry, MessageTarget& sheet, QWidget* parent);
 
+    ~CPropertiesTabCtrl() override;
+
     /// Asks the worker to end. False where none works, and the sheet may close; else it is told to by
     /// WM_PROPS_CLOSE once the worker is through.
     bool Stop();
@@ -53,6 +55,7 @@ private:
     QLineEdit* size_ = nullptr;
     QLineEdit* contains_ = nullptr; ///< of a folder
     QWidget* last_ = nullptr;       ///< the last part in the order of Tab
+    bool leaving_ = false;          ///< being destroyed, with the sheet
     std::atomic<bool> counting_{false};
     std::atomic<Work> work_{Work::Running};
     std::unique_ptr<JobThread> countThread_;

@@ -31,6 +31,7 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
     setAllColumnsShowFocus(true);
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
+    header()->setTextElideMode(Qt::ElideRight);
     header()->setSectionsClickable(true);
     header()->setSortIndicatorShown(true);
     header()->setContextMenuPolicy(Qt::PreventContextMenu);

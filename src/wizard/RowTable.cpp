@@ -1,5 +1,7 @@
 #include "wizard/RowTable.h"
 
+#include "shell/TipText.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <algorithm>
@@ -40,6 +42,9 @@ void CRowTable::AddRow(const QStringList& texts, const QIcon& icon, bool canBeCh
     insertRow(row);
     for (int column = 0; column < texts.size(); ++column) {
         auto* cell = new QTableWidgetItem(texts[column]);
+        if (fontMetrics().horizontalAdvance(texts[column]) > WidestColumn() - 2 * kIconSize.width()) {
+            cell->setToolTip(TipText(texts[column]));
+        }
         cell->setFlags(canBeChosen ? cell->flags() : Qt::NoItemFlags);
         setItem(row, column, cell);
         setRowHeight(row, std::max(rowHeight(row), TextHeight(texts[column]) + kRowMargin));

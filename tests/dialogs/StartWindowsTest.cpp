@@ -5,9 +5,11 @@
 #include "dialogs/TipOfTheDay.h"
 #include "dialogs/VistaMsgDlg.h"
 #include "shell/Settings.h"
+#include "support/RunProgram.h"
 #include "support/desktop/BoxAnswers.h"
 #include "support/desktop/Widgets.h"
 
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -36,6 +38,15 @@ TEST(StartWindows, TipsComeFromAFileThatMayBeAnything) {
     ProvideTipFile(path);
     EXPECT_EQ(ReadTips(path).size(), 2) << "what is there stays";
     EXPECT_EQ(ReadTips(folder.path()), QStringList{kFirstTip});
+    ProvideTipFile(TipFilePath());
+    EXPECT_EQ(TipFileInUse(), TipFilePath());
+    const EnvironmentVariable shared("XDG_DATA_DIRS", folder.path().toStdString());
+    ASSERT_TRUE(QDir(folder.path()).rename(QStringLiteral("data"), QStringLiteral("th-ntfs")));
+    EXPECT_EQ(ReadTips(TipFileInUse()).size(), 2) << "those of an installation";
+    QFile own(TipFilePath());
+    ASSERT_TRUE(own.open(QIODevice::Append) && own.write("mine\n") == 5);
+    own.close();
+    EXPECT_EQ(TipFileInUse(), TipFilePath());
     EXPECT_EQ(ReadTips(QStringLiteral(":/../src/none")), QStringList{kFirstTip});
 }
 

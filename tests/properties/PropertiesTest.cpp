@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <thread>
 
 namespace thntfs::test {
 
@@ -181,6 +182,14 @@ TEST_F(PropertiesTest, AFolderIsCounted) {
     WorkerGate().Open();
     EXPECT_TRUE(WaitUntil([this] { return !Sheet->isVisible(); }));
     EXPECT_EQ(Sheet->result(), -1);
+
+    WorkerGate().Close();
+    Open(outerId);
+    const std::jthread later([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        WorkerGate().Open();
+    });
+    Sheet.reset(); // not closed before, and its worker is about to send
 }
 
 } // namespace thntfs::test

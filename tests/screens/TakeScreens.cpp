@@ -205,6 +205,8 @@ TEST_F(Screens, WindowsOfTheStart) {
     const QPointer<CSplashWnd> splash(new CSplashWnd(*Frame, [] {}));
     Shoot("splash");
     splash->close();
+    ProvideTipFile(TipFilePath());
+    QFile::remove(TipFilePath());
     QFile::copy(QStringLiteral(THNTFS_TIPS), TipFilePath());
     Answers.When<QDialog>([](QDialog& tips) {
         Shoot("tips");
