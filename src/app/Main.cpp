@@ -8,12 +8,14 @@
 #include "preview/PictureDecoder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
+#include "shell/ReadablePalette.h"
 #include "shell/Translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QLocale>
+#include <QPalette>
 
 namespace {
 
@@ -72,6 +74,7 @@ int main(int argc, char** argv) {
         RunDecoder(argv);
     }
     QApplication application(argc, argv);
+    QApplication::setPalette(ReadablePalette(QApplication::palette()));
     LoadTranslations(application, QLocale::system());
     QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
     const QString file = ReadCommandLine(application);

@@ -65,9 +65,8 @@ constexpr int kListWidth = 230;
 constexpr int kListSpacing = 2;
 constexpr int kSearchWidth = 200;
 constexpr int kPageMargin = 14;
-constexpr int kDarkGround = 128; // lightness
 
-// Sizes and distances only: colours are those of the user's palette, but for links.
+// Sizes and distances only: colours are those of the user's palette.
 constexpr const char* kPageStyle = "h1 { font-size: x-large; margin-top: 0px; margin-bottom: 10px; }"
                                    "h2 { font-size: large; margin-top: 16px; margin-bottom: 6px; }"
                                    "p { margin-top: 6px; margin-bottom: 6px; }"
@@ -81,12 +80,6 @@ int RowOf(const QString& file) {
         }
     }
     return -1;
-}
-
-// The toolkit's own blue is hardly seen on a dark ground.
-QString LinkStyle(const QPalette& palette) {
-    const bool dark = palette.color(QPalette::Base).lightness() < kDarkGround;
-    return dark ? QStringLiteral("a { color: #8ab4f8; }") : QString();
 }
 
 QWidget* HelpOwner() {
@@ -165,7 +158,7 @@ void CHelpWindow::CreateList() {
 void CHelpWindow::CreatePage() {
     page_->setAccessibleName(tr("Help page"));
     page_->setOpenLinks(false);
-    page_->document()->setDefaultStyleSheet(QLatin1String(kPageStyle) + LinkStyle(page_->palette()));
+    page_->document()->setDefaultStyleSheet(QLatin1String(kPageStyle));
     page_->document()->setDocumentMargin(kPageMargin);
     connect(page_, &QTextBrowser::anchorClicked, this, [this](const QUrl& link) { Follow(link); });
     connect(page_, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) { PageOpened(page); });

@@ -63,9 +63,6 @@ QLayout* CVistaMsgDlg::Texts() {
     auto* link = new QLabel(QStringLiteral("<a href=\"faq.htm\">%1</a>").arg(tr("Questions and answers")));
     link->setTextInteractionFlags(Qt::TextBrowserInteraction);
     link->setFocusPolicy(Qt::StrongFocus);
-    QPalette readable = palette(); // many a dark one leaves the colour of links as it is
-    readable.setColor(QPalette::Link, readable.color(QPalette::WindowText));
-    link->setPalette(readable);
     connect(link, &QLabel::linkActivated, this, [](const QString& topic) { ShowHelp(topic); });
     texts->addWidget(link, 0, Qt::AlignLeft);
     return texts;

@@ -52,7 +52,6 @@ CProcessLogList::CProcessLogList(QWidget* parent)
 
 void CProcessLogList::SetUpHeader() {
     header()->setSectionsMovable(false);
-    header()->setTextElideMode(Qt::ElideRight);
     header()->setStretchLastSection(true);
     header()->resizeSection(0, kNameWidth);
     header()->resizeSection(1, kDescriptionWidth);

@@ -4,6 +4,8 @@
 #include "views/FileListModel.h"
 
 #include <QHeaderView>
+#include <QStyle>
+#include <QStyleOptionHeader>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,10 +20,30 @@ constexpr int kIconPixels = 16;
 constexpr int kNarrowNameRoom = 80; // beyond the title
 constexpr int kNarrowest = 40;
 
+// The toolkit cuts a title as it comes, one that stands at the right at its beginning.
+class CTitles : public QHeaderView {
+public:
+    explicit CTitles(QWidget* parent)
+        : QHeaderView(Qt::Horizontal, parent) {
+        setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+
+protected:
+    void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override {
+        QHeaderView::initStyleOptionForIndex(option, section);
+        const bool sorted = isSortIndicatorShown() && section == sortIndicatorSection();
+        const int mark = sorted ? style()->pixelMetric(QStyle::PM_HeaderMarkSize, option, this) : 0;
+        const int edges = 2 * style()->pixelMetric(QStyle::PM_HeaderMargin, option, this);
+        option->text =
+            fontMetrics().elidedText(option->text, Qt::ElideRight, sectionSize(section) - edges - mark);
+    }
+};
+
 } // namespace
 
 CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
     : CRowView(actions, parent) {
+    setHeader(new CTitles(this));
     setModel(model);
     setItemDelegate(new FileDelegate(FileDelegate::Look::Striped, this));
     setIconSize({kIconPixels, kIconPixels});
@@ -31,7 +53,6 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
     setAllColumnsShowFocus(true);
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
-    header()->setTextElideMode(Qt::ElideRight);
     header()->setSectionsClickable(true);
     header()->setSortIndicatorShown(true);
     header()->setContextMenuPolicy(Qt::PreventContextMenu);

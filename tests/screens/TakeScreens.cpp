@@ -21,6 +21,7 @@
 #include "preview/PictureFile.h"
 #include "shell/DesktopState.h"
 #include "shell/DlgWait.h"
+#include "shell/ReadablePalette.h"
 #include "shell/WindowMessages.h"
 #include "support/desktop/Widgets.h"
 #include "support/desktop/WindowFaults.h"
@@ -52,7 +53,7 @@ protected:
             QApplication::setStyle(QStringLiteral("Fusion"));
             QPalette dark(QColor(45, 45, 48));
             dark.setColor(QPalette::Base, QColor(30, 30, 32));
-            QApplication::setPalette(dark);
+            QApplication::setPalette(ReadablePalette(dark));
         }
         Frame->showMaximized();
     }
