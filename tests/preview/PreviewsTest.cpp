@@ -70,6 +70,7 @@ protected:
         CImageViewWindow* window = Open<CImageViewWindow>();
         EXPECT_TRUE(window != nullptr && window->isMaximized());
         EXPECT_TRUE(WaitUntil([&] { return !window->Notice().startsWith(QStringLiteral("Please Wait.")); }));
+        EXPECT_NE(window->cursor().shape(), Qt::WaitCursor);
         return window->Notice().toStdString();
     }
     [[nodiscard]] static bool CopyIsLeft() {
