@@ -49,7 +49,6 @@ bool LoadFirst(QApplication& application, const QString& name, const QList<QLoca
 void LoadTranslations(QApplication& application, const QLocale& locale) {
     const QList<QLocale> languages = LanguagesBeforeEnglish(locale);
     const QStringList qtFolder{QLibraryInfo::path(QLibraryInfo::TranslationsPath)};
-    LoadFirst(application, QStringLiteral("qt"), languages, qtFolder);
     LoadFirst(application, QStringLiteral("qtbase"), languages, qtFolder);
     if (!LoadFirst(application, QStringLiteral("th-ntfs"), languages, OwnFolders())) {
         QApplication::setLayoutDirection(

@@ -159,6 +159,8 @@ protected:
 };
 
 TEST_F(TranslationTest, TheFrameItsViewsAndWhatTheyOpen) {
+    ExpectMarked(*Frame);
+    EXPECT_EQ(Command("Wizard").shortcut(), QKeySequence(Qt::CTRL | Qt::Key_W)) << "in all languages";
     Frame->OpenFile(QString::fromStdString(SavedScanOf(Volume("basic.img"))));
     ExpectMarked(*Frame);
     EXPECT_TRUE(Pane(1).starts_with("«")) << Pane(1);
