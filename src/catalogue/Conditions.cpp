@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueReader.h"
 #include "engine/EngineState.h"
+#include "platform/system/CoreText.h"
 
 #include <algorithm>
 #include <new>
@@ -62,13 +63,13 @@ Condition ConditionOf(const CatalogueItem& item) {
 const char* ConditionWord(ConditionKind kind) {
     switch (kind) {
     case ConditionKind::Unknown:
-        return "unknown";
+        return CoreText("Core", "unknown");
     case ConditionKind::Whole:
-        return "whole";
+        return CoreText("Core", "whole");
     case ConditionKind::Partly:
         return "partly";
     case ConditionKind::Overwritten:
-        return "overwritten";
+        return CoreText("Core", "overwritten");
     case ConditionKind::None:
         break;
     }

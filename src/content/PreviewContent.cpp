@@ -5,6 +5,7 @@
 #include "engine/Host.h"
 #include "engine/RunList.h"
 #include "engine/SectorReader.h"
+#include "platform/system/CoreText.h"
 
 #include <algorithm>
 #include <new>
@@ -46,7 +47,8 @@ void TakeData(const CatalogueItem& entry, ConstBytes record, const Attribute& da
             CopyValue(data.Value());
         }
     } else if (data.Flags() == kFlagsCompressed) {
-        Host().MessageBox("Preview not available", "Compressed data", BoxIcon::Warning);
+        Host().MessageBox(CoreText("Core", "Preview not available"), CoreText("Core", "Compressed data"),
+                          BoxIcon::Warning);
     } else {
         std::vector<MftExtent> runs;
         DecodeRunList(record, data.RunListStart(), runs);

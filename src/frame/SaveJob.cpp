@@ -11,6 +11,7 @@
 #include "frame/StatusPanes.h"
 #include "frame/TargetQuestion.h"
 #include "shell/Boxes.h"
+#include "shell/CoreTexts.h"
 
 #include <QCoreApplication>
 #include <QDate>
@@ -121,7 +122,7 @@ bool SaveJob::OpenTarget(const QString& folder, bool compressed) {
     }
     if (code != kErrorNone) {
         const QString why = code == kErrorDirectory ? tr("It is a file, or lies below one.")
-                                                    : QString::fromStdString(SystemErrorText(code));
+                                                    : ShownCoreText(SystemErrorText(code));
         ShowBox(tr("Data can't be saved to %1\n%2").arg(folder, why), tr("Error"), BoxIcon::Stop);
     }
     return code == kErrorNone;

@@ -4,6 +4,7 @@
 #include "engine/SectorReader.h"
 #include "platform/files/Paths.h"
 #include "platform/media/Medium.h"
+#include "platform/system/CoreText.h"
 #include "platform/system/Text.h"
 
 #include <algorithm>
@@ -117,8 +118,8 @@ ErrorCode TakeSource(const std::string& path) {
 
 std::string OpenErrorText(ErrorCode code) {
     return code == kErrorSectorSize
-               ? "It states sectors of a size that can't be read: powers of two from 512 "
-                 "to 32768 bytes can."
+               ? CoreText("Core", "It states sectors of a size that can't be read: powers of two from 512 "
+                                  "to 32768 bytes can.")
                : SystemErrorText(code);
 }
 

@@ -2,6 +2,7 @@
 
 #include "partitions/CandidateIndex.h"
 #include "partitions/MftEvidence.h"
+#include "platform/system/CoreText.h"
 
 #include <algorithm>
 
@@ -65,30 +66,31 @@ std::uint64_t SectorsBeforeMedium(const PartitionCandidate& volume) {
 std::string SourceText(VolumeSource source) {
     switch (source) {
     case VolumeSource::Mbr:
-        return "MBR";
+        return CoreText("Core", "MBR");
     case VolumeSource::Gpt:
-        return "GPT";
+        return CoreText("Core", "GPT");
     case VolumeSource::GptBackup:
-        return "backup GPT";
+        return CoreText("Core", "backup GPT");
     case VolumeSource::WholeMedium:
-        return "whole medium";
+        return CoreText("Core", "whole medium");
     case VolumeSource::Search:
-        return "search";
+        return CoreText("Core", "search");
     default:
-        return "saved list";
+        return CoreText("Core", "saved list");
     }
 }
 
 std::string ProblemText(TableVolumeState state) {
     switch (state) {
     case TableVolumeState::NoBootSector:
-        return "no NTFS boot sector stands there";
+        return CoreText("Core", "no NTFS boot sector stands there");
     case TableVolumeState::Encrypted:
-        return "this volume is fully encrypted; unlock or decrypt it with its own system first";
+        return CoreText("Core",
+                        "this volume is fully encrypted; unlock or decrypt it with its own system first");
     case TableVolumeState::LostTable:
-        return "the table of the partitions from here on can't be read";
+        return CoreText("Core", "the table of the partitions from here on can't be read");
     default:
-        return "its boot sector can't be read";
+        return CoreText("Core", "its boot sector can't be read");
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "catalogue/CountBelow.h"
 #include "content/EntryFacts.h"
+#include "shell/CoreTexts.h"
 #include "shell/ShownName.h"
 
 #include <QCoreApplication>
@@ -164,7 +165,7 @@ std::vector<PropertyRow> FurtherProperties(const CatalogueItem& item, const Entr
         rows.push_back({QCoreApplication::translate("PropertyTexts", "Data"), PlaceText(*facts.Data)});
     }
     rows.push_back({QCoreApplication::translate("PropertyTexts", "Condition"),
-                    QString::fromStdString(ConditionText(facts.Condition, item.IsLive()))});
+                    ShownCoreText(ConditionText(facts.Condition, item.IsLive()))});
     std::erase_if(rows, [](const PropertyRow& row) { return row.Text.isEmpty(); });
     return rows;
 }

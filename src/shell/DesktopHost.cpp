@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "shell/Boxes.h"
+#include "shell/CoreTexts.h"
 #include "shell/PauseGate.h"
 #include "shell/WindowMessages.h"
 
@@ -41,11 +42,11 @@ void DesktopHost::ErrorBox(const std::string& text) {
     if (manyWorks_ && !failuresTold_.insert(text).second) {
         return;
     }
-    ShowBox(QString::fromStdString(text), tr("Error"), BoxIcon::Stop);
+    ShowBox(ShownCoreText(text), tr("Error"), BoxIcon::Stop);
 }
 
 void DesktopHost::MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) {
-    ShowBox(QString::fromStdString(text), QString::fromStdString(caption), icon);
+    ShowBox(ShownCoreText(text), ShownCoreText(caption), icon);
 }
 
 void DesktopHost::PassGate() {

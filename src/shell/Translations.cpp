@@ -30,13 +30,15 @@ QList<QLocale> LanguagesBeforeEnglish(const QLocale& locale) {
     return languages;
 }
 
-bool LoadFirst(QApplication& application, const QString& name, const QList<QLocale>& languages,
+bool LoadFirst(QApplication& application, const QStringList& names, const QList<QLocale>& languages,
                const QStringList& folders) {
     auto* translator = new QTranslator(&application);
     for (const QLocale& language : languages) {
         for (const QString& folder : folders) {
-            if (translator->load(language, name, QStringLiteral("_"), folder)) {
-                return QCoreApplication::installTranslator(translator);
+            for (const QString& name : names) {
+                if (translator->load(language, name, QStringLiteral("_"), folder)) {
+                    return QCoreApplication::installTranslator(translator);
+                }
             }
         }
     }
@@ -49,8 +51,9 @@ bool LoadFirst(QApplication& application, const QString& name, const QList<QLoca
 void LoadTranslations(QApplication& application, const QLocale& locale) {
     const QList<QLocale> languages = LanguagesBeforeEnglish(locale);
     const QStringList qtFolder{QLibraryInfo::path(QLibraryInfo::TranslationsPath)};
-    LoadFirst(application, QStringLiteral("qtbase"), languages, qtFolder);
-    if (!LoadFirst(application, QStringLiteral("th-ntfs"), languages, OwnFolders())) {
+    LoadFirst(application, {QStringLiteral("qtbase"), QStringLiteral("qt")}, languages,
+              qtFolder); // some have one file for all
+    if (!LoadFirst(application, {QStringLiteral("th-ntfs")}, languages, OwnFolders())) {
         QApplication::setLayoutDirection(
             Qt::LeftToRight); // Qt's translation alone would mirror English windows
     }

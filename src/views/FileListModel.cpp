@@ -1,5 +1,6 @@
 #include "views/FileListModel.h"
 
+#include "shell/CoreTexts.h"
 #include "shell/Icons.h"
 #include "shell/ShownName.h"
 #include "shell/TipText.h"
@@ -170,7 +171,7 @@ QString FileListModel::CellText(std::size_t row, int column) const {
     case kCreated:
         return DateText(entry.CreatedDate);
     case kCondition:
-        return QString::fromStdString(ConditionText(entry.State, entry.Live));
+        return ShownCoreText(ConditionText(entry.State, entry.Live));
     case kFolder:
         return folderText_ ? folderText_(entry.FolderId) : QString();
     default:

@@ -5,6 +5,7 @@
 #include "partitions/ReadVolumes.h"
 #include "partitions/VolumeList.h"
 #include "shell/Boxes.h"
+#include "shell/CoreTexts.h"
 #include "shell/WaitCursor.h"
 #include "shell/WindowMessages.h"
 #include "wizard/SearchForPartitions.h"
@@ -29,8 +30,7 @@ void TellUnreadableMedium(const std::string& path) {
     }
     if (!answer.Answers) {
         ShowBox(QCoreApplication::translate("SourceSteps", "%1 can't be read: %2")
-                    .arg(QString::fromStdString(path),
-                         QString::fromStdString(SystemErrorText(answer.FirstSector))),
+                    .arg(QString::fromStdString(path), ShownCoreText(SystemErrorText(answer.FirstSector))),
                 QCoreApplication::translate("SourceSteps", "Error"), BoxIcon::Stop);
     }
 }
@@ -41,7 +41,7 @@ QString NoPartitionsText(const ChosenSource& source) {
         if (entry.State == TableVolumeState::Encrypted) {
             return QCoreApplication::translate("SourceSteps", "Start sector %1: %2.")
                 .arg(entry.StartSector)
-                .arg(QString::fromStdString(ProblemText(entry.State)));
+                .arg(ShownCoreText(ProblemText(entry.State)));
         }
     }
     return source.NoPartitions;

@@ -3,6 +3,7 @@
 #include "partitions/OpenSource.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
+#include "shell/CoreTexts.h"
 #include "wizard/DiskTree.h"
 #include "wizard/PageTexts.h"
 #include "wizard/ProcessingModes.h"
@@ -31,7 +32,7 @@ QString WayToTheRight(const QString& path) {
 
 void TellOpeningFailed(const std::string& path, ErrorCode code) {
     const QString shown = QString::fromStdString(path);
-    const QString reason = QString::fromStdString(OpenErrorText(code));
+    const QString reason = ShownCoreText(OpenErrorText(code));
     ShowBox(code == kErrorAccessDenied
                 ? WayToTheRight(shown)
                 : QCoreApplication::translate("WizardDriveSelectionPage", "The disk %1 can't be opened: %2")

@@ -5,6 +5,7 @@
 #include "partitions/OpenSource.h"
 #include "platform/files/Paths.h"
 #include "scaninfo/JobLog.h"
+#include "shell/CoreTexts.h"
 #include "shell/Icons.h"
 #include "shell/TipText.h"
 #include "wizard/ElidedLabel.h"
@@ -110,7 +111,7 @@ int CwizardImageSelection::OnWizardNext() {
 }
 
 void CwizardImageSelection::TellOpeningFailed(ErrorCode code) {
-    failure_->setText(tr("The file can't be opened: %1").arg(QString::fromStdString(SystemErrorText(code))));
+    failure_->setText(tr("The file can't be opened: %1").arg(ShownCoreText(SystemErrorText(code))));
 }
 
 } // namespace thntfs

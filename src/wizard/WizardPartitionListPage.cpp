@@ -6,6 +6,7 @@
 #include "platform/system/SizeText.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
+#include "shell/CoreTexts.h"
 #include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "shell/WaitCursor.h"
@@ -47,7 +48,7 @@ QString ShownLabel(const std::u16string& label) {
 QStringList FactTexts(const VolumeFacts& facts) {
     return {facts.Verified ? QCoreApplication::translate("WizardPartitionListPage", "Yes")
                            : QCoreApplication::translate("WizardPartitionListPage", "No"),
-            QString::fromStdString(SourceText(facts.Source)), ShownLabel(facts.Label),
+            ShownCoreText(SourceText(facts.Source)), ShownLabel(facts.Label),
             facts.Verified ? QString::number(facts.Records) : QString()};
 }
 
@@ -59,14 +60,13 @@ QStringList RowTexts(const ListedVolume& volume) {
                         volume.Candidate->TotalSectors * volume.Candidate->BytesPerSector) +
                FactTexts(volume.Facts);
     }
-    const QString problem = QString::fromStdString(ProblemText(volume.Entry.State));
+    const QString problem = ShownCoreText(ProblemText(volume.Entry.State));
     return RowTexts(QCoreApplication::translate("WizardPartitionListPage", "Logical drive %1: %2")
                         .arg(volume.Number)
                         .arg(problem),
                     LowSector(volume.Entry.StartSector),
                     volume.Entry.TotalSectors * Engine.SourceDisk.BytesPerSector) +
-           QStringList{QString(), QString::fromStdString(SourceText(volume.Entry.Source)), QString(),
-                       QString()};
+           QStringList{QString(), ShownCoreText(SourceText(volume.Entry.Source)), QString(), QString()};
 }
 
 void Warn(const QString& text) {

@@ -9,6 +9,7 @@
 #include "dialogs/THNTFSFindFile.h"
 #include "dialogs/VarientCloneImageDialog.h"
 #include "dialogs/VistaMsgDlg.h"
+#include "engine/Host.h"
 #include "frame/CommandIds.h"
 #include "shell/DlgWait.h"
 #include "shell/WindowMessages.h"
@@ -206,6 +207,9 @@ TEST_F(TranslationTest, DialogsThatWorkBringsUp) {
     ExpectMarked(CVarientCloneImageDialog());
     ExpectMarked(CVistaMsgDlg(Frame.get()));
     ExpectMarked(CDlgWait(Frame.get()));
+    Host().ErrorBox(SystemErrorText(kErrorAccessDenied));
+    ASSERT_EQ(Answers.Boxes.size(), 1U);
+    ExpectMarkedText(Answers.Boxes[0].Text, *Frame);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "platform/system/ErrorCodes.h"
 
+#include "platform/system/CoreText.h"
+
 #include <algorithm>
 #include <iterator>
 #include <string_view>
@@ -14,31 +16,34 @@ struct CodeText {
 };
 
 constexpr CodeText kTexts[] = {
-    {kErrorNone, "The operation completed successfully."},
-    {kErrorFileNotFound, "The system cannot find the file specified."},
-    {kErrorPathNotFound, "The system cannot find the path specified."},
-    {kErrorTooManyOpenFiles, "The system cannot open the file."},
-    {kErrorAccessDenied, "Access is denied."},
-    {kErrorInvalidHandle, "The handle is invalid."},
-    {kErrorNotEnoughMemory, "Not enough memory resources are available to process this command."},
-    {kErrorWriteProtect, "The media is write protected."},
-    {kErrorNotReady, "The device is not ready."},
-    {kErrorCrc, "Data error (cyclic redundancy check)."},
-    {kErrorSectorNotFound, "The drive cannot find the sector requested."},
-    {kErrorGeneralFailure, "A device attached to the system is not functioning."},
+    {kErrorNone, CoreText("Core", "The operation completed successfully.")},
+    {kErrorFileNotFound, CoreText("Core", "The system cannot find the file specified.")},
+    {kErrorPathNotFound, CoreText("Core", "The system cannot find the path specified.")},
+    {kErrorTooManyOpenFiles, CoreText("Core", "The system cannot open the file.")},
+    {kErrorAccessDenied, CoreText("Core", "Access is denied.")},
+    {kErrorInvalidHandle, CoreText("Core", "The handle is invalid.")},
+    {kErrorNotEnoughMemory,
+     CoreText("Core", "Not enough memory resources are available to process this command.")},
+    {kErrorWriteProtect, CoreText("Core", "The media is write protected.")},
+    {kErrorNotReady, CoreText("Core", "The device is not ready.")},
+    {kErrorCrc, CoreText("Core", "Data error (cyclic redundancy check).")},
+    {kErrorSectorNotFound, CoreText("Core", "The drive cannot find the sector requested.")},
+    {kErrorGeneralFailure, CoreText("Core", "A device attached to the system is not functioning.")},
     {kErrorSharingViolation,
-     "The process cannot access the file because it is being used by another process."},
-    {kErrorFileExists, "The file exists."},
-    {kErrorInvalidParameter, "The parameter is incorrect."},
-    {kErrorBrokenPipe, "The pipe has been ended."},
-    {kErrorDiskFull, "There is not enough space on the disk."},
-    {kErrorInvalidName, "The filename, directory name, or volume label syntax is incorrect."},
-    {kErrorFilenameTooLong, "The filename or extension is too long."},
-    {kErrorFileTooLarge, "The file size exceeds the limit allowed and cannot be saved."},
-    {kErrorDirectory, "The directory name is invalid."},
-    {kErrorIoDevice, "The request could not be performed because of an I/O device error."},
-    {kErrorCancelled, "The operation was canceled by the user."},
-    {kErrorInvalidUserBuffer, "The supplied user buffer is not valid for the requested operation."},
+     CoreText("Core", "The process cannot access the file because it is being used by another process.")},
+    {kErrorFileExists, CoreText("Core", "The file exists.")},
+    {kErrorInvalidParameter, CoreText("Core", "The parameter is incorrect.")},
+    {kErrorBrokenPipe, CoreText("Core", "The pipe has been ended.")},
+    {kErrorDiskFull, CoreText("Core", "There is not enough space on the disk.")},
+    {kErrorInvalidName,
+     CoreText("Core", "The filename, directory name, or volume label syntax is incorrect.")},
+    {kErrorFilenameTooLong, CoreText("Core", "The filename or extension is too long.")},
+    {kErrorFileTooLarge, CoreText("Core", "The file size exceeds the limit allowed and cannot be saved.")},
+    {kErrorDirectory, CoreText("Core", "The directory name is invalid.")},
+    {kErrorIoDevice, CoreText("Core", "The request could not be performed because of an I/O device error.")},
+    {kErrorCancelled, CoreText("Core", "The operation was canceled by the user.")},
+    {kErrorInvalidUserBuffer,
+     CoreText("Core", "The supplied user buffer is not valid for the requested operation.")},
 };
 
 } // namespace
