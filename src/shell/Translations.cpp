@@ -5,6 +5,7 @@
 #include <QLocale>
 #include <QStandardPaths>
 #include <QTranslator>
+#include <memory>
 
 namespace thntfs {
 
@@ -32,17 +33,17 @@ QList<QLocale> LanguagesBeforeEnglish(const QLocale& locale) {
 
 bool LoadFirst(QApplication& application, const QStringList& names, const QList<QLocale>& languages,
                const QStringList& folders) {
-    auto* translator = new QTranslator(&application);
+    auto translator = std::make_unique<QTranslator>();
     for (const QLocale& language : languages) {
         for (const QString& folder : folders) {
             for (const QString& name : names) {
                 if (translator->load(language, name, QStringLiteral("_"), folder)) {
-                    return QCoreApplication::installTranslator(translator);
+                    translator->setParent(&application);
+                    return QCoreApplication::installTranslator(translator.release());
                 }
             }
         }
     }
-    delete translator;
     return false;
 }
 
@@ -51,11 +52,11 @@ bool LoadFirst(QApplication& application, const QStringList& names, const QList<
 void LoadTranslations(QApplication& application, const QLocale& locale) {
     const QList<QLocale> languages = LanguagesBeforeEnglish(locale);
     const QStringList qtFolder{QLibraryInfo::path(QLibraryInfo::TranslationsPath)};
-    LoadFirst(application, {QStringLiteral("qtbase"), QStringLiteral("qt")}, languages,
-              qtFolder); // some have one file for all
+    // Qt has one file for all its parts in some languages.
+    LoadFirst(application, {QStringLiteral("qtbase"), QStringLiteral("qt")}, languages, qtFolder);
     if (!LoadFirst(application, {QStringLiteral("th-ntfs")}, languages, OwnFolders())) {
-        QApplication::setLayoutDirection(
-            Qt::LeftToRight); // Qt's translation alone would mirror English windows
+        // Qt's translation alone would mirror English windows.
+        QApplication::setLayoutDirection(Qt::LeftToRight);
     }
 }
 
