@@ -255,10 +255,11 @@ TEST_F(Screens, VeryLongNames) {
         ChooseImage(sheet, image);
         Shoot("long-image");
         Press(sheet, "Next >");
-        sheet.ActivePage().findChild<CRowTable*>()->AddRow(
-            {QStringLiteral("NTFS logical drive 9"), QStringLiteral("4294967295"),
-             QStringLiteral("16777216.00 TB"), QStringLiteral("Yes"), QStringLiteral("backup boot sector"),
-             name.left(32), QStringLiteral("4294967295")});
+        auto* table = sheet.ActivePage().findChild<CRowTable*>();
+        table->AddRow({QStringLiteral("NTFS logical drive 9"), QStringLiteral("4294967295"),
+                       QStringLiteral("16777216.00 TB"), QStringLiteral("Yes"),
+                       QStringLiteral("backup boot sector"), name.left(32), QStringLiteral("4294967295")});
+        EXPECT_FALSE(table->item(table->rowCount() - 1, 5)->toolTip().isEmpty());
         Shoot("long-label");
         sheet.done(0);
     });

@@ -2,6 +2,7 @@
 #include "shell/DesktopState.h"
 #include "shell/DlgWait.h"
 #include "shell/ProgressBar.h"
+#include "shell/ReadablePalette.h"
 #include "shell/ShellFixture.h"
 #include "shell/TipText.h"
 
@@ -91,6 +92,18 @@ TEST(ColorLabelTest, TakesColoursAndFonts) {
         << "no markup";
     EXPECT_EQ(label.grab().toImage().pixelColor(0, 0), QColor(Qt::yellow));
     EXPECT_EQ(label.palette().color(label.foregroundRole()), QColor(Qt::red));
+}
+
+TEST(ReadablePaletteTest, MendsWhatDarkGroundsSwallowAndNothingElse) {
+    const QPalette light(QColor(239, 239, 239));
+    EXPECT_EQ(ReadablePalette(light), light);
+    const QColor ground(45, 45, 48);
+    const QPalette mended = ReadablePalette(QPalette(ground));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        const int lightness = mended.color(QPalette::Disabled, role).lightness();
+        EXPECT_TRUE(lightness > 100 && lightness < 200) << role;
+    }
+    EXPECT_GT(mended.color(QPalette::Link).lightness(), 150);
 }
 
 TEST(TipTextTest, IsPlainAndInShortLines) {
