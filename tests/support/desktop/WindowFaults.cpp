@@ -12,7 +12,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QRadioButton>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QToolBar>
@@ -23,7 +23,7 @@ namespace thntfs::test {
 
 namespace {
 
-constexpr QSize kSmallScreen{800, 570}; // without the window's title
+constexpr QSize kTitle{0, 30}; // of a window, above it
 
 class FaultList {
 public:
@@ -210,7 +210,7 @@ void FaultList::LookAtButton(const QAbstractButton& button) {
 void FaultList::LookAtSize() {
     const QSize size = window_.isMaximized() ? QSize() : window_.size();
     const QSize least = window_.minimumSizeHint().expandedTo(window_.minimumSize()).expandedTo(size);
-    if (least.boundedTo(kSmallScreen) != least) {
+    if (least.boundedTo(window_.screen()->availableSize() - kTitle) != least) {
         Add(window_, QStringLiteral("is %1 x %2").arg(least.width()).arg(least.height()));
     }
 }
