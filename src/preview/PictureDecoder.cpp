@@ -9,7 +9,6 @@
 #include <QImage>
 #include <cstdlib>
 #include <string_view>
-#include <utility>
 
 namespace thntfs {
 
