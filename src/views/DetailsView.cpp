@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 180, 60, 60, 100, 400};
 constexpr int kIconPixels = 16;
-constexpr int kNarrowNameRoom = 80; // beyond the title
+constexpr int kNameRoom = 64; // beyond the title
 constexpr int kNarrowest = 40;
 
 // The toolkit cuts a title as it comes, one that stands at the right at its beginning.
@@ -106,12 +106,12 @@ std::vector<int> CDetailsView::LeastWidths() const {
         widths[static_cast<std::size_t>(column)] =
             isColumnHidden(column) ? 0 : header()->sectionSizeHint(column);
     }
+    widths[FileListModel::kName] += kNameRoom;
     if (std::accumulate(widths.begin(), widths.end(), 0) > viewport()->width()) {
-        for (int column = 0; column < FileListModel::kColumns; ++column) {
+        for (int column = FileListModel::kName + 1; column < FileListModel::kColumns; ++column) {
             int& width = widths[static_cast<std::size_t>(column)];
             width = std::min(width, std::max(kNarrowest, sizeHintForColumn(column)));
         }
-        widths[FileListModel::kName] = header()->sectionSizeHint(FileListModel::kName) + kNarrowNameRoom;
     }
     return widths;
 }
