@@ -17,16 +17,12 @@
 #include "wizard/DiskScanMode.h"
 #include "wizard/WizardSheet.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QRegularExpression>
-#include <QTest>
 #include <QToolButton>
 #include <QTranslator>
 #include <QTreeWidget>
@@ -104,57 +100,52 @@ protected:
             << of.objectName().toStdString();
     }
 
-    static void ExpectMarkedModel(const QAbstractItemModel& model, const QObject& of) {
-        for (int column = 0; column < model.columnCount(); ++column) {
-            ExpectMarkedText(model.headerData(column, Qt::Horizontal).toString(), of);
+    /// What a control shows, but for what it shows of a medium.
+    static QStringList TextsOf(const QWidget& widget) {
+        QStringList texts;
+        for (const char* property :
+             {"windowTitle", "toolTip", "accessibleName", "placeholderText", "title"}) {
+            texts += widget.property(property).toString();
         }
-    }
-
-    /// The texts of a control by the properties that show one.
-    static void ExpectMarkedControl(const QWidget& widget) {
-        for (const char* property : {"windowTitle", "toolTip", "statusTip", "whatsThis", "accessibleName",
-                                     "accessibleDescription", "placeholderText", "title"}) {
-            ExpectMarkedText(widget.property(property).toString(), widget);
-        }
-        if (qobject_cast<const QLabel*>(&widget) != nullptr ||
-            qobject_cast<const QAbstractButton*>(&widget) != nullptr) {
-            ExpectMarkedText(widget.property("text").toString(), widget);
-        }
-        if (const auto* box = qobject_cast<const QComboBox*>(&widget)) {
-            for (int i = 0; i < box->count(); ++i) {
-                ExpectMarkedText(box->itemText(i), widget);
+        if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
+            texts += label->text();
+        } else if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
+            texts += button->text();
+        } else if (const auto* tabs = qobject_cast<const QTabWidget*>(&widget)) {
+            texts += tabs->tabText(0);
+        } else if (const auto* tree = qobject_cast<const QTreeWidget*>(&widget)) {
+            texts += tree->model()->index(0, 0).data().toString();
+        } else if (const auto* header = qobject_cast<const QHeaderView*>(&widget)) {
+            for (int column = 0; column < header->count(); ++column) {
+                texts += header->model()->headerData(column, Qt::Horizontal).toString();
             }
-        }
-        if (const auto* tabs = qobject_cast<const QTabWidget*>(&widget)) {
-            ExpectMarkedText(tabs->tabText(0), widget);
-        }
-        if (const auto* list = qobject_cast<const QListWidget*>(&widget)) {
-            QStringList lines;
-            for (int row = 0; row < list->count(); ++row) {
-                lines += list->item(row)->text();
-            }
-            ExpectMarkedText(lines.join(QLatin1Char('\n')), widget);
-        }
-        if (const auto* tree = qobject_cast<const QTreeWidget*>(&widget); tree != nullptr) {
-            ExpectMarkedText(tree->topLevelItemCount() == 0 ? QString() : tree->topLevelItem(0)->text(0),
-                             widget);
-        }
-        if (const auto* header = qobject_cast<const QHeaderView*>(&widget); header != nullptr) {
-            ExpectMarkedModel(*header->model(), widget);
+        } else if (const auto* box = qobject_cast<const QComboBox*>(&widget)) {
+            texts += RowsOf(*box->model()).join(QLatin1Char('\n'));
+        } else if (const auto* list = qobject_cast<const QListWidget*>(&widget)) {
+            texts += RowsOf(*list->model()).join(QLatin1Char('\n')); // a text may have many rows
         }
         const auto actions = widget.actions();
         for (const QAction* action : actions) {
-            ExpectMarkedText(action->text(), widget);
-            ExpectMarkedText(action->toolTip(), widget);
-            ExpectMarkedText(action->statusTip(), widget);
+            texts += {action->text(), action->toolTip(), action->statusTip()};
         }
+        return texts;
+    }
+
+    static QStringList RowsOf(const QAbstractItemModel& model) {
+        QStringList rows;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            rows += model.index(row, 0).data().toString();
+        }
+        return rows;
     }
 
     static void ExpectMarked(const QWidget& window) {
-        ExpectMarkedControl(window);
-        const auto controls = window.findChildren<QWidget*>();
+        auto controls = window.findChildren<const QWidget*>();
+        controls += &window;
         for (const QWidget* control : controls) {
-            ExpectMarkedControl(*control);
+            for (const QString& text : TextsOf(*control)) {
+                ExpectMarkedText(text, *control);
+            }
         }
     }
 };
