@@ -5,6 +5,7 @@
 #include "cli/ExitCode.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
+#include "content/EntryLists.h"
 #include "content/FurtherEntries.h"
 #include "engine/EngineState.h"
 
@@ -47,16 +48,25 @@ private:
         if ((options_.Deleted && item.IsLive()) || !ConditionWanted(options_.Conditions, item)) {
             return;
         }
-        if (options_.Json) {
-            AppendEntryJson(output_.Buffer(), item, path);
-        } else {
-            AppendEntryLine(output_.Buffer(), item, path);
-        }
+        Append(output_.Buffer(), item, path);
         output_.Check();
+    }
+
+    void Append(std::string& out, const CatalogueItem& item, const std::string& path) {
+        if (options_.Json) {
+            AppendEntryJson(out, item, path);
+        } else if (options_.Csv) {
+            AppendEntryCsv(out, item, path);
+        } else if (options_.BodyFile) {
+            bodyFile_.Append(out, item, path);
+        } else {
+            AppendEntryLine(out, item, path);
+        }
     }
 
     const Options& options_;
     Output& output_;
+    BodyFileLines bodyFile_;
 };
 
 int ListWanted(const Options& options, Output& output) {
@@ -84,6 +94,7 @@ int RunList(const Options& options) {
         return code;
     }
     Output output;
+    output.Put(options.Csv ? kEntryCsvHeader : std::string_view());
     int code = kExitFailed;
     try {
         code = ListWanted(options, output);

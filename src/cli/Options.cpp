@@ -187,6 +187,12 @@ void AddList(CLI::App& app, Options& options) {
         ->expected(0, 1);
     AddPartition(*command, options);
     command->add_flag("-r,--recursive", options.Recursive, "List all that is below, too");
+    CLI::Option* csv =
+        command->add_flag("--csv", options.Csv, "Print comma-separated values, for spreadsheets");
+    CLI::Option* body = command->add_flag(
+        "--bodyfile", options.BodyFile, "Print a body file for mactime, with the four times of each record");
+    csv->excludes(body)->excludes("--json");
+    body->excludes("--json");
     command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
     AddCondition(*command, options);
     command->callback([&options] { options.Chosen = Command::List; });

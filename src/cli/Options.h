@@ -34,6 +34,8 @@ struct Options {
 
     bool Files = false;                ///< scan: files in the tree too
     bool Recursive = false;            ///< list
+    bool Csv = false;                  ///< list: comma-separated values
+    bool BodyFile = false;             ///< list: lines of a body file
     bool Deleted = false;              ///< list, save: deleted entries alone
     ConditionSet Conditions = 0;       ///< list, save: files in these conditions alone
     FindCriteria Criteria;             ///< find, save

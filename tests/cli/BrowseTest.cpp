@@ -58,6 +58,22 @@ TEST_F(BrowseTest, ListGivesFoldersAndWhatIsBelow) {
                                              "D             16  2024-02-29  whole        /Letters/one.txt\n");
 }
 
+TEST_F(BrowseTest, ListsForOtherProgramsAreSound) {
+    FileSpec odd = TextFile(60, u"=a|\"b\",c", "odd", 40, false);
+    odd.Times = {.Created = 116444736000000000 + 10'000'000, .Modified = 116444736029999999, .Accessed = 1};
+    volume_.AddFile(odd);
+    volume_.WriteTo(image_);
+    EXPECT_EQ(Run({"list", "/Letters/=a|\"b\",c"}, {"--csv"}).Out,
+              "Path,Folder,Deleted,Size,Created,Accessed,Condition,Share,Record,Parent\r\n"
+              "\"/Letters/=a|\"\"b\"\",c\",0,1,3,,,whole,,60,40\r\n");
+    EXPECT_EQ(Run({"list", "/Letters/=a|\"b\",c"}, {"--bodyfile"}).Out,
+              "0|/Letters/=a^\"b\",c (deleted)|60|-/rrwxrwxrwx|0|0|3|0|2|0|1\n");
+    const std::string lines = Run({"list", "-r"}, {"--bodyfile"}).Out;
+    EXPECT_TRUE(Contains(lines, "0|#1234 (deleted)|1234|-/drwxrwxrwx|0|0|0|0|0|0|0\n")) << lines;
+    EXPECT_EQ(std::ranges::count(lines, '\n'), std::ssize(PathsOf({"list", "-r"})));
+    ExpectRefused(2, {"list", image_, "--csv", "--bodyfile"}, "excludes");
+}
+
 TEST_F(BrowseTest, FindListsWhatMatchesWhereverItIs) {
     EXPECT_EQ(PathsOf({"find", "ONE.*"}), (Paths{"/Letters/one.txt", "/Letters/one.txt"}));
     EXPECT_EQ(PathsOf({"find", "*.txt", "--deleted", "--min-size", "14"}), (Paths{"/Letters/one.txt"}));

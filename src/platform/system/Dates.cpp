@@ -41,6 +41,12 @@ void PutTwoDigits(std::string& text, std::size_t place, unsigned number) {
 
 } // namespace
 
+std::uint64_t UnixSecondsOfFileTime(std::uint64_t fileTime) {
+    constexpr std::uint64_t kTicksOfSecond = 10'000'000;
+    constexpr std::uint64_t kSecondsBefore1970 = 24ULL * 60 * 60 * DaysBeforeYear(1970);
+    return std::max(fileTime / kTicksOfSecond, kSecondsBefore1970) - kSecondsBefore1970;
+}
+
 std::uint16_t DosDateOfFileTime(std::uint64_t fileTime) {
     const std::uint64_t days = fileTime / kTicksOfDay;
     if (days < kFirstDay || days >= kEndDay) {

@@ -11,6 +11,9 @@ namespace thntfs {
 /// 1980 in bits 9-15. A time outside 1980 to 2107 gives 0, which means no date.
 std::uint16_t DosDateOfFileTime(std::uint64_t fileTime);
 
+/// Seconds since 1970-01-01 UTC of a file time, a fraction dropped; 0 for times before.
+std::uint64_t UnixSecondsOfFileTime(std::uint64_t fileTime);
+
 /// When the content of a file or folder was changed and last read, each in 100 ns units since 1601-01-01 UTC;
 /// 0 where it isn't known.
 struct FileDates {
