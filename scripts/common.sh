@@ -59,6 +59,19 @@ install_packages() {
     rm -f "$log"
 }
 
+# What the terminal program needs, what its optional parts need, what the desktop program needs beside it, and what the
+# tests need. The optional parts are found by CMake; without one, the program says what it was built without.
+core_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libssl-dev zlib1g-dev libarchive-dev libwim-dev xz-utils)
+optional_packages=(libewf-dev libvhdi-dev libvmdk-dev libqcow-dev libfuse3-dev)
+desktop_packages=(qt6-base-dev qt6-svg-dev qt6-image-formats-plugins libqt6svg6 qt6-translations-l10n)
+test_packages=(libgtest-dev qemu-utils ewf-tools)
+
+# install_needed PACKAGE... installs the compiler, core_packages and what is named.
+install_needed() {
+    # shellcheck disable=SC2046 # one word or none
+    install_packages $(compiler_package) "${core_packages[@]}" "$@" || exit 1
+}
+
 # compiler_package prints the package of a C++ compiler where there is none.
 compiler_package() { command -v c++ >/dev/null || command -v g++ >/dev/null || echo g++; }
 
