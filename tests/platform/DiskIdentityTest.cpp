@@ -89,7 +89,7 @@ TEST_F(DiskIdentityTest, RootFileSystemSharesItsDisk) {
     EXPECT_TRUE(SharesMedium("/", source) && IsMounted(source));
     const dev_t whole = DiskOfPartition(disk->Device).value_or(disk->Device);
     const std::string name = std::to_string(major(whole)) + ":" + std::to_string(minor(whole));
-    EXPECT_EQ(SameMedium(source, "/dev/block/" + name), fs::exists("/dev/block"));
+    EXPECT_EQ(SameMedium(source, "/dev/block/" + name), fs::exists("/dev/block/" + name));
 }
 
 TEST(MountTableTest, ReadsAnyLine) {
