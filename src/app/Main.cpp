@@ -5,6 +5,7 @@
 #include "frame/MainFrame.h"
 #include "platform/files/InstanceLock.h"
 #include "platform/system/Interrupt.h"
+#include "platform/system/Libraries.h"
 #include "preview/PictureDecoder.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopHost.h"
@@ -16,6 +17,8 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QPalette>
+#include <iostream>
+#include <string_view>
 
 namespace {
 
@@ -37,6 +40,11 @@ QString ReadCommandLine(const QApplication& application) {
         parser.showHelp(2);
     }
     return parser.positionalArguments().value(0);
+}
+
+// Told before anything else, since it needs no screen.
+bool IsVersionCall(int argc, const char* const* argv) {
+    return argc == 2 && (std::string_view(argv[1]) == "--version" || std::string_view(argv[1]) == "-v");
 }
 
 // False where the program runs already, or can't tell.
@@ -73,10 +81,14 @@ int main(int argc, char** argv) {
     if (IsDecoderCall(argc, argv)) {
         RunDecoder(argv);
     }
+    if (IsVersionCall(argc, argv)) {
+        std::cout << VersionText({{"Qt", QT_VERSION_STR}}) << '\n';
+        return 0;
+    }
     QApplication application(argc, argv);
     QApplication::setPalette(ReadablePalette(QApplication::palette()));
     LoadTranslations(application, QLocale::system());
-    QApplication::setApplicationVersion(QStringLiteral("2.0.1"));
+    QApplication::setApplicationVersion(QString::fromStdString(ProductVersion()));
     const QString file = ReadCommandLine(application);
     InstanceLock lock;
     return TakeInstance(lock) ? RunProgram(application, file) : 1;

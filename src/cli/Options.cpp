@@ -3,27 +3,32 @@
 #include "cli/ExitCode.h"
 #include "cli/FindOptions.h"
 #include "cli/Output.h"
+#include "platform/system/Libraries.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <map>
+#include <nlohmann/json.hpp>
 
 namespace thntfs {
 
 namespace {
 
-constexpr const char* kVersion = "Tarnholt Volume Salvage (NTFS) 2.0.1";
+constexpr const char* kDescription =
+    "Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors of a disk or image.\n"
+    "It never writes to the medium.";
 
+// Paragraphs, each behind the word that a manual page has as its heading.
 constexpr const char* kFooter =
-    "Paths use '/'. What stands under the volume's root is /folder/file; a file whose folder is lost stands "
-    "under\n"
-    "a folder named after the folder's record number, such as #1234/file.\n\n"
-    "Exit status: 0 done, 1 failed, 2 wrong words, 3 done in part (each entry that failed is named).\n"
-    "Data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan, a save or a "
-    "copy;\n"
-    "what was found so far is shown, and an image goes on with --resume. A disk or image that is read is "
-    "opened for\n"
-    "reading only; the target of clone is the one disk that is ever written.";
+    "Paths: they use '/'. What stands under the volume's root is /folder/file; a file whose folder is lost "
+    "stands\n"
+    "under a folder named after the folder's record number, such as #1234/file.\n\n"
+    "Exit status: 0 done, 1 failed, 2 wrong words, 3 done in part (each entry that failed is named).\n\n"
+    "Notes: data goes to standard output, messages and progress to standard error. Ctrl+C stops a scan, a "
+    "save or\n"
+    "a copy; what was found so far is shown, and an image goes on with --resume. A disk or image that is "
+    "read is\n"
+    "opened for reading only; the target of clone is the one disk that is ever written.";
 
 // A whole number from a lowest one up to what an unsigned can hold.
 CLI::Validator WholeNumber(std::uint64_t lowest) {
@@ -334,6 +339,13 @@ void AddClone(CLI::App& app, Options& options) {
     command->callback([&options] { options.Chosen = Command::Clone; });
 }
 
+std::string Version() {
+    const std::string json = std::to_string(NLOHMANN_JSON_VERSION_MAJOR) + "." +
+                             std::to_string(NLOHMANN_JSON_VERSION_MINOR) + "." +
+                             std::to_string(NLOHMANN_JSON_VERSION_PATCH);
+    return VersionText({{"CLI11", CLI11_VERSION}, {"nlohmann_json", json}});
+}
+
 void TellMissingCommand(int argc, const char* const* argv) {
     PrintMessage(argc > 1 ? "'" + std::string(argv[1]) + "' is no command of this program."
                           : "Tell what is to be done with which disk or image.");
@@ -343,13 +355,10 @@ void TellMissingCommand(int argc, const char* const* argv) {
 
 } // namespace
 
-std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode) {
-    Options options;
-    CLI::App app(
-        "Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors of a disk or image.\n"
-        "It never writes to the medium.",
-        "th-ntfs-cli");
-    app.set_version_flag("--version", kVersion);
+void DescribeProgram(CLI::App& app, Options& options) {
+    app.name("th-ntfs-cli");
+    app.description(kDescription);
+    app.set_version_flag("--version", Version);
     app.footer(kFooter);
     app.require_subcommand(1);
     app.get_formatter()->label("TEXT", "");
@@ -371,6 +380,12 @@ std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitC
     for (CLI::App* command : app.get_subcommands({})) {
         command->group("Commands");
     }
+}
+
+std::optional<Options> ReadOptions(int argc, const char* const* argv, int& exitCode) {
+    Options options;
+    CLI::App app;
+    DescribeProgram(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& shown) {

@@ -10,6 +10,10 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+} // namespace CLI
+
 namespace thntfs {
 
 enum class Command { None, Partitions, Scan, List, Find, Cat, Save, Disks, Image, Clone };
@@ -53,6 +57,10 @@ struct Options {
     unsigned Retries = 0; ///< image: how often the bad sectors are read again
     bool Yes = false;     ///< clone: the target may be written over
 };
+
+/// Gives the program its description, its commands and their options. `options` outlives the program; it gets
+/// what the words say once they are parsed.
+void DescribeProgram(CLI::App& app, Options& options);
 
 /// Reads the words. Gives the options, or nothing where the program ends here: help was shown, or the words
 /// are wrong and standard error says how; `exitCode` is then set.

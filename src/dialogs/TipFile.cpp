@@ -1,17 +1,18 @@
 #include "dialogs/TipFile.h"
 
+#include "shell/DataFolders.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
 #include <algorithm>
 
 namespace thntfs {
 
 namespace {
 
-const QString kTipPlace = QStringLiteral("/th-ntfs/stips.txt");
+const QString kTipName = QStringLiteral("/stips.txt");
 QString OnlyTip() { return QCoreApplication::translate("TipFile", "Press Ctrl + W to run wizard."); }
 constexpr qint64 kMostFileBytes = qint64{256} << 10;
 constexpr qsizetype kMostTipLetters = 500;
@@ -35,18 +36,20 @@ QByteArray BytesOf(const QString& path) {
 
 } // namespace
 
-QString TipFilePath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + kTipPlace;
-}
+QString TipFilePath() { return DataFolders().front() + kTipName; }
 
 QString TipFileInUse() {
     const QString own = TipFilePath();
     QStringList files;
     if (ReadTips(own) == QStringList{OnlyTip()}) {
-        files = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, kTipPlace.mid(1));
+        for (const QString& folder : DataFolders()) {
+            files += folder + kTipName;
+        }
         files.removeAll(own);
     }
-    return files.value(0, own);
+    const auto found =
+        std::ranges::find_if(files, [](const QString& file) { return QFileInfo(file).isFile(); });
+    return found != files.end() ? *found : own;
 }
 
 void ProvideTipFile(const QString& path) {

@@ -1,9 +1,10 @@
 #include "shell/Translations.h"
 
+#include "shell/DataFolders.h"
+
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QStandardPaths>
 #include <QTranslator>
 #include <memory>
 
@@ -12,9 +13,11 @@ namespace thntfs {
 namespace {
 
 QStringList OwnFolders() {
-    return {QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                QStringLiteral("/th-ntfs/translations"),
-            QCoreApplication::applicationDirPath() + QStringLiteral("/../share/th-ntfs/translations")};
+    QStringList folders = DataFolders();
+    for (QString& folder : folders) {
+        folder += QStringLiteral("/translations");
+    }
+    return folders;
 }
 
 // What stands behind English in the user's list isn't wanted: the program's own texts are English.
