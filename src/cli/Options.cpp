@@ -161,7 +161,7 @@ void AddCondition(CLI::App& command, Options& options) {
             "--condition", [](const std::string&) {},
             "Files in this condition only: a deleted file is whole, partly there, overwritten or unknown. "
             "Several with commas between them")
-        ->type_name("WORD")
+        ->type_name("whole|partly|overwritten|unknown")
         ->check(CLI::Validator([&options](const std::string& text) { return ReadConditions(text, options); },
                                ""));
 }

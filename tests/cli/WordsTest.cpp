@@ -1,4 +1,5 @@
 #include "CliFixture.h"
+#include "support/BuildPaths.h"
 
 namespace thntfs::test {
 
@@ -50,7 +51,57 @@ TEST_F(WordsTest, WrongWordsAreToldAndGiveTwo) {
     }
     EXPECT_TRUE(Contains(Expect(0, {"--help"}).Out, "Exit status: 0 done"));
     EXPECT_TRUE(Contains(Expect(0, {"partitions", "--help"}).Out, "--range FIRST:END"));
-    EXPECT_TRUE(Contains(Expect(0, {"--version"}).Out, "2.0.1"));
+}
+
+// What stands in a text from a word on, up to the next end.
+std::string Stretch(const std::string& text, const std::string& from, const std::string& end) {
+    const std::size_t at = text.find(from);
+    return at == std::string::npos ? std::string() : text.substr(at, text.find(end, at + from.size()) - at);
+}
+
+// Long options of a help text, without their hyphens.
+std::vector<std::string> OptionsOf(const std::string& help) {
+    std::vector<std::string> options;
+    for (const std::string& line : LinesOf(help)) {
+        if (const std::size_t at = line.find("--"); line.starts_with("  -") && at != std::string::npos) {
+            options.push_back(line.substr(at + 2, line.find_first_of(" ,", at) - at - 2));
+        }
+    }
+    return options;
+}
+
+TEST_F(WordsTest, ManualPageAndCompletionsHaveAllThatHelpHas) {
+    const fs::path pages = fs::path(CliPath()).parent_path() / "pages" / "th-ntfs-cli";
+    const auto page = [&pages](const char* ending) { return ReadWholeFile(pages.string() + ending); };
+    const std::string bash = page(".bash"), zsh = page(".zsh"), fish = page(".fish");
+    std::string manual = page(".1");
+    std::erase(manual, '\\'); // in front of hyphens
+    for (const std::string& line : LinesOf(Stretch(RunCli({"--help"}).Out, "Commands:\n  ", "\n\n"))) {
+        const std::string command = line.substr(2, line.find(' ', 2) - 2);
+        if (!line.starts_with("  ")) {
+            continue;
+        }
+        const std::string help = RunCli({command, "--help"}).Out;
+        EXPECT_GE(OptionsOf(help).size(), 3) << command;
+        const std::string entries = Stretch(manual, ".SS " + command + "\n", "\n.S");
+        const std::string words = Stretch(bash, "        " + command + ") COMPREPLY", "\n");
+        const std::string specs = Stretch(zsh, "  " + command + ")\n", ";;");
+        for (const std::string& option : OptionsOf(help)) {
+            const std::string told = "--" + option;
+            EXPECT_TRUE(option == "help" || Contains(entries, "--" + option)) << command << told;
+            EXPECT_TRUE(Contains(words, told + " ") || Contains(words, told + "'")) << command << told;
+            EXPECT_TRUE(Contains(specs, told + "'[") || Contains(specs, told + "=") ||
+                        Contains(specs, told + ","))
+                << command << told;
+            EXPECT_TRUE(
+                Contains(fish, "'__th_ntfs_cli_command " + command + "' --long-option " + option + " "))
+                << command << told;
+        }
+    }
+    EXPECT_TRUE(Contains(bash, "scan:--search | ") && Contains(bash, "'quick thorough'"));
+    EXPECT_TRUE(Contains(bash, "image:1) _filedir ;;"));
+    EXPECT_TRUE(Contains(manual, ".SH EXIT STATUS\n0 done, "));
+    EXPECT_TRUE(Contains(Expect(0, {"--version"}).Out, "2.0.1\nBuilt with OpenSSL "));
 }
 
 } // namespace

@@ -7,6 +7,26 @@
 #ifdef THNTFS_WIMLIB
 #include <wimlib.h>
 #endif
+#ifdef THNTFS_LIBEWF
+#include <libewf.h>
+#else
+#define LIBEWF_VERSION_STRING ""
+#endif
+#ifdef THNTFS_LIBVHDI
+#include <libvhdi.h>
+#else
+#define LIBVHDI_VERSION_STRING ""
+#endif
+#ifdef THNTFS_LIBVMDK
+#include <libvmdk.h>
+#else
+#define LIBVMDK_VERSION_STRING ""
+#endif
+#ifdef THNTFS_LIBQCOW
+#include <libqcow.h>
+#else
+#define LIBQCOW_VERSION_STRING ""
+#endif
 
 namespace thntfs {
 
@@ -36,6 +56,11 @@ std::vector<Library> CoreLibraries() {
 #else
         {"wimlib", ""},
 #endif
+        {"libewf", LIBEWF_VERSION_STRING},
+        {"libvhdi", LIBVHDI_VERSION_STRING},
+        {"libvmdk", LIBVMDK_VERSION_STRING},
+        {"libqcow", LIBQCOW_VERSION_STRING},
+        {"libfuse", THNTFS_FUSE_VERSION},
     };
 }
 
