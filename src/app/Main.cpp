@@ -88,6 +88,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setPalette(ReadablePalette(QApplication::palette()));
     LoadTranslations(application, QLocale::system());
+    QApplication::setDesktopFileName(QStringLiteral("net.tarnholt.th_ntfs"));
     QApplication::setApplicationVersion(QString::fromStdString(ProductVersion()));
     const QString file = ReadCommandLine(application);
     InstanceLock lock;
