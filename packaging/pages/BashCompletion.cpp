@@ -8,7 +8,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr const char* kHead = R"sh(# Completion of th-ntfs-cli for bash.
+constexpr const char* kBashHead = R"sh(# Completion of th-ntfs-cli for bash.
 
 _th_ntfs_cli_media() {
     if [[ $cur == /dev/* ]]; then
@@ -26,13 +26,13 @@ _th_ntfs_cli() {
     case $command:$prev in
 )sh";
 
-constexpr const char* kCount = R"sh(    esac
+constexpr const char* kBashCount = R"sh(    esac
     $split && return
     for ((at = 2; at < cword; at++)); do
         case $command:${words[at]} in
         )sh";
 
-constexpr const char* kCountEnd = R"sh() ((at++)) ;;
+constexpr const char* kBashCountEnd = R"sh() ((at++)) ;;
         *:-?*) ;;
         *) ((place++)) ;;
         esac
@@ -41,7 +41,7 @@ constexpr const char* kCountEnd = R"sh() ((at++)) ;;
         case $command in
 )sh";
 
-constexpr const char* kOptionsEnd = R"sh(        esac
+constexpr const char* kBashOptionsEnd = R"sh(        esac
         return
     fi
     case $command:$place in
@@ -56,7 +56,7 @@ std::string WordList(const std::vector<std::string>& words) {
     return "COMPREPLY=($(compgen -W '" + Joined(words, " ") + "' -- \"$cur\"))";
 }
 
-std::string ActionFor(Offer offered) {
+std::string BashAction(Offer offered) {
     return offered == Offer::Media     ? "_th_ntfs_cli_media"
            : offered == Offer::Folders ? "_filedir -d"
                                        : "_filedir";
@@ -102,7 +102,7 @@ std::string ValueBranches(const ProgramWords& program) {
     for (const Offer offered : {Offer::Files, Offer::Folders}) {
         text += Branch(
             ValuePatterns(program, [offered](const auto& option) { return option.Offered() == offered; }),
-            ActionFor(offered) + "; return");
+            BashAction(offered) + "; return");
     }
     return text + Branch(ValuePatterns(program,
                                        [](const auto& option) { return option.Offered() == Offer::Nothing; }),
@@ -120,7 +120,7 @@ std::string PlaceBranches(const ProgramWords& program) {
                 }
             }
         }
-        text += Branch(patterns, ActionFor(offered));
+        text += Branch(patterns, BashAction(offered));
     }
     return text;
 }
@@ -135,9 +135,9 @@ std::string BashCompletion(const ProgramWords& program) {
         options += "        " + command.Name + ") " + WordList(NamesOf(command.Options)) + " ;;\n";
     }
     const std::vector<std::string> valued = ValuePatterns(program, [](const auto&) { return true; });
-    return kHead + ValueBranches(program) + kCount + Joined(valued, " | \\\n        ") + kCountEnd + options +
-           kOptionsEnd + Branch({":0"}, WordList(commands)) + PlaceBranches(program) +
-           "    esac\n} &&\n    complete -F _th_ntfs_cli " + program.Name + "\n";
+    return kBashHead + ValueBranches(program) + kBashCount + Joined(valued, " | \\\n        ") +
+           kBashCountEnd + options + kBashOptionsEnd + Branch({":0"}, WordList(commands)) +
+           PlaceBranches(program) + "    esac\n} &&\n    complete -F _th_ntfs_cli " + program.Name + "\n";
 }
 
 } // namespace thntfs

@@ -5,7 +5,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr const char* kHead = R"sh(# Completion of th-ntfs-cli for fish.
+constexpr const char* kFishHead = R"sh(# Completion of th-ntfs-cli for fish.
 
 function __th_ntfs_cli_command --argument-names name
     set --local words (commandline --tokenize --current-process --cut-at-cursor)
@@ -42,7 +42,7 @@ std::string Quoted(const std::string& text) {
     return "'" + Replaced(Replaced(Replaced(text, "\\", "\\\\"), "'", "\\'"), "\n", " ") + "'";
 }
 
-std::string ActionFor(Offer offered) {
+std::string FishAction(Offer offered) {
     switch (offered) {
     case Offer::Media:
         return " --force-files --arguments '(__th_ntfs_cli_disks)'";
@@ -64,7 +64,7 @@ std::string OptionLine(const std::string& condition, const OptionWords& option) 
             name.starts_with("--") ? " --long-option " + name.substr(2) : " --short-option " + name.substr(1);
     }
     if (!option.Value.empty()) {
-        line += " --require-parameter" + ActionFor(option.Offered());
+        line += " --require-parameter" + FishAction(option.Offered());
     }
     if (option.Offered() == Offer::Words) {
         line += " --arguments " + Quoted(Joined(option.Choices(), " "));
@@ -92,7 +92,7 @@ std::string CommandLines(const CommandWords& command) {
     for (std::size_t place = 0; place < command.Places.size(); ++place) {
         if (const Offer offered = command.Places[place].Offered(); offered != Offer::Nothing) {
             text += "complete --command th-ntfs-cli --condition \"__th_ntfs_cli_at " + command.Name + " " +
-                    std::to_string(place + 1) + " '" + ValuedNames(command) + "'\"" + ActionFor(offered) +
+                    std::to_string(place + 1) + " '" + ValuedNames(command) + "'\"" + FishAction(offered) +
                     "\n";
         }
     }
@@ -102,7 +102,7 @@ std::string CommandLines(const CommandWords& command) {
 } // namespace
 
 std::string FishCompletion(const ProgramWords& program) {
-    std::string text = kHead;
+    std::string text = kFishHead;
     for (const OptionWords& option : program.Options) {
         text += OptionLine("__fish_use_subcommand", option);
     }

@@ -5,7 +5,7 @@ namespace thntfs {
 
 namespace {
 
-constexpr const char* kHead = R"sh(#compdef th-ntfs-cli
+constexpr const char* kZshHead = R"sh(#compdef th-ntfs-cli
 
 _th_ntfs_cli_media() {
   local -a disks=(${(f)"$(lsblk --noheadings --paths --list --output NAME 2>/dev/null)"})
@@ -18,20 +18,20 @@ _th_ntfs_cli() {
   local -a commands=(
 )sh";
 
-constexpr const char* kMiddle = R"sh(    '*:: :->words' && return
+constexpr const char* kZshMiddle = R"sh(    '*:: :->words' && return
   [[ $state == commands ]] && _describe command commands && return
   curcontext=${curcontext%:*}-$line[1]:
   case $line[1] in
 )sh";
 
-constexpr const char* kTail = R"sh(  esac
+constexpr const char* kZshTail = R"sh(  esac
 }
 
 _th_ntfs_cli "$@"
 )sh";
 
 // Within apostrophes, in a description between brackets or behind a colon.
-std::string Escaped(const std::string& text) {
+std::string ZshText(const std::string& text) {
     std::string escaped = Replaced(text, "\n", " ");
     for (const char* letter : {"\\", "[", "]", ":"}) {
         escaped = Replaced(escaped, letter, std::string("\\") + letter);
@@ -39,7 +39,7 @@ std::string Escaped(const std::string& text) {
     return Replaced(escaped, "'", "'\\''");
 }
 
-std::string ActionFor(Offer offered) {
+std::string ZshAction(Offer offered) {
     switch (offered) {
     case Offer::Media:
         return "_th_ntfs_cli_media";
@@ -64,18 +64,18 @@ std::string OptionSpec(const OptionWords& option) {
     }
     std::string spec = "'(" + Joined(option.Names, " ") + ")'";
     spec += names.size() == 1 ? names.front() : "{" + Joined(names, ",") + "}";
-    spec += "'[" + Escaped(option.Text) + "]";
+    spec += "'[" + ZshText(option.Text) + "]";
     if (option.Offered() == Offer::Words) {
         spec += ":word:(" + Joined(option.Choices(), " ") + ")";
     } else if (!option.Value.empty()) {
-        spec += ":" + Escaped(option.Value) + ":" + ActionFor(option.Offered());
+        spec += ":" + ZshText(option.Value) + ":" + ZshAction(option.Offered());
     }
     return spec + "'";
 }
 
 std::string PlaceSpec(const PlaceWords& place, std::size_t number) {
-    return "'" + (place.Repeated ? "*" : std::to_string(number)) + ":" + Escaped(place.Name) + ":" +
-           ActionFor(place.Offered()) + "'";
+    return "'" + (place.Repeated ? "*" : std::to_string(number)) + ":" + ZshText(place.Name) + ":" +
+           ZshAction(place.Offered()) + "'";
 }
 
 std::string CommandBranch(const CommandWords& command) {
@@ -92,17 +92,17 @@ std::string CommandBranch(const CommandWords& command) {
 } // namespace
 
 std::string ZshCompletion(const ProgramWords& program) {
-    std::string text = kHead;
+    std::string text = kZshHead;
     std::string branches;
     for (const CommandWords& command : program.Commands) {
-        text += "    '" + command.Name + ":" + Escaped(command.Text) + "'\n";
+        text += "    '" + command.Name + ":" + ZshText(command.Text) + "'\n";
         branches += CommandBranch(command);
     }
     text += "  )\n  _arguments -C \\\n";
     for (const OptionWords& option : program.Options) {
         text += "    " + OptionSpec(option) + " \\\n";
     }
-    return text + "    '1: :->commands' \\\n" + kMiddle + branches + kTail;
+    return text + "    '1: :->commands' \\\n" + kZshMiddle + branches + kZshTail;
 }
 
 } // namespace thntfs

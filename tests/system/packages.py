@@ -122,7 +122,8 @@ def parts():
                     open(os.path.join(folder, 'debs', 'sample.img'), 'wb') as image:
                 shutil.copyfileobj(packed, image)
             if shutil.which('lintian'):
-                step(part, 'lintian', 'lintian', '--fail-on', 'error,warning', *packages)
+                step(part, 'lintian', 'lintian', '--fail-on', 'error,warning',
+                     '--suppress-tags', 'initial-upload-closes-no-bugs', *packages)
             trial(part, Bare(folder), packages)
         yield part
     finally:
