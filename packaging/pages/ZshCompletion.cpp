@@ -54,7 +54,7 @@ std::string ZshAction(Offer offered) {
     return " ";
 }
 
-// One specification for all names, so that one of them leaves out the others.
+// One rule for all names, so that one of them leaves out the others.
 std::string OptionSpec(const OptionWords& option) {
     std::vector<std::string> names = option.Names;
     if (!option.Value.empty()) {
