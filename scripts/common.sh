@@ -1,5 +1,5 @@
 # Parts that ./run and ./test share. Sourced by them, with `root` set to the project's folder.
-# shellcheck shell=bash disable=SC2154
+# shellcheck shell=bash disable=SC2154,SC2034
 
 say() { printf '%s\n' "$*" >&2; }
 
