@@ -15,5 +15,6 @@ int RunSave(const Options& options);
 int RunDisks(const Options& options);
 int RunImage(const Options& options);
 int RunClone(const Options& options);
+int RunMount(const Options& options);
 
 } // namespace thntfs

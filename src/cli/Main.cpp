@@ -27,6 +27,8 @@ int RunCommand(const thntfs::Options& options) {
         return thntfs::RunImage(options);
     case thntfs::Command::Clone:
         return thntfs::RunClone(options);
+    case thntfs::Command::Mount:
+        return thntfs::RunMount(options);
     case thntfs::Command::None:
         break;
     }

@@ -346,11 +346,23 @@ std::string Version() {
     return VersionText({{"CLI11", CLI11_VERSION}, {"nlohmann_json", json}});
 }
 
+void AddMount(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand(
+        "mount", "Show the files in a folder, for other programs to read, until Ctrl+C or an unmount");
+    AddMedium(*command, options);
+    command->add_option("DIR", options.Target, "Empty folder to mount at; nothing is written to it")
+        ->required();
+    AddPartition(*command, options);
+    command->add_flag("-d,--deleted", options.Deleted, "Deleted entries only");
+    AddCondition(*command, options);
+    command->callback([&options] { options.Chosen = Command::Mount; });
+}
+
 void TellMissingCommand(int argc, const char* const* argv) {
     PrintMessage(argc > 1 ? "'" + std::string(argv[1]) + "' is no command of this program."
                           : "Tell what is to be done with which disk or image.");
-    PrintMessage("The commands are disks, partitions, scan, list, find, cat, save, image and clone; --help "
-                 "explains them.");
+    PrintMessage("The commands are disks, partitions, scan, list, find, cat, save, image, clone and mount; "
+                 "--help explains them.");
 }
 
 } // namespace
@@ -374,6 +386,7 @@ void DescribeProgram(CLI::App& app, Options& options) {
     AddSave(app, options);
     AddImage(app, options);
     AddClone(app, options);
+    AddMount(app, options);
     for (CLI::App* command : app.get_subcommands({})) {
         AddLog(*command, options);
     }

@@ -16,7 +16,7 @@ class App;
 
 namespace thntfs {
 
-enum class Command { None, Partitions, Scan, List, Find, Cat, Save, Disks, Image, Clone };
+enum class Command { None, Partitions, Scan, List, Find, Cat, Save, Disks, Image, Clone, Mount };
 
 /// The words of one call of the terminal program.
 struct Options {
@@ -40,8 +40,8 @@ struct Options {
     bool Recursive = false;            ///< list
     bool Csv = false;                  ///< list: comma-separated values
     bool BodyFile = false;             ///< list: lines of a body file
-    bool Deleted = false;              ///< list, save: deleted entries alone
-    ConditionSet Conditions = 0;       ///< list, save: files in these conditions alone
+    bool Deleted = false;              ///< list, save, mount: deleted entries alone
+    ConditionSet Conditions = 0;       ///< list, save, mount: files in these conditions alone
     FindCriteria Criteria;             ///< find, save
     bool ByCriteria = false;           ///< save: entries that meet the criteria alone
     bool Streams = false;              ///< save: named streams too
@@ -49,7 +49,8 @@ struct Options {
     FileTypes Excluded;                ///< save: files of these types are left out
     bool Existing = false;             ///< save: live entries alone
     bool Zip = false;                  ///< save: the target is one ZIP file
-    std::string Target; ///< save: the folder or ZIP file to save to; image, clone: where the copy goes
+    std::string Target; ///< save: the folder or ZIP file to save to; image, clone: where the copy goes;
+                        ///< mount: the folder to mount at
     std::vector<std::string> Paths;
     std::optional<std::uint32_t> Record; ///< cat: a record number in place of a path
 

@@ -42,6 +42,10 @@ public:
     /// Bytes of the medium that its data takes; compressed data takes fewer than it gives.
     [[nodiscard]] virtual std::uint64_t AllocatedBytes() const { return Size(); }
 
+    /// Bytes that are decompressed together, so that they can be had together alone; 0 where each sector
+    /// stands for itself. Units lie one behind the other from the stream's begin.
+    [[nodiscard]] virtual std::uint64_t UnitBytes() const { return 0; }
+
     /// What is doubtful by what has been read so far; some of it is known from the start.
     [[nodiscard]] const Doubts& StreamDoubts() const { return Doubtful; }
 

@@ -57,6 +57,7 @@ public:
 
     [[nodiscard]] std::uint64_t NextData(std::uint64_t offset) const override;
     [[nodiscard]] std::uint64_t NextHole(std::uint64_t offset) const override;
+    [[nodiscard]] std::uint64_t UnitBytes() const override;
 
 private:
     void FillInitialised(std::uint64_t offset, Bytes buffer, std::size_t wanted,
@@ -72,7 +73,6 @@ private:
     std::vector<StoredPart> ReadStored(std::uint64_t vcn, std::uint64_t clusters);
     void LoadUnit(std::uint64_t unit, std::uint64_t clusters, MissingData& missing);
     [[nodiscard]] std::uint64_t ClustersOfUnit(std::uint64_t unit) const;
-    [[nodiscard]] std::uint64_t UnitBytes() const;
 
     std::uint64_t unit_ = ~std::uint64_t{0}; ///< that plain_ holds
     std::vector<std::uint8_t> plain_;

@@ -25,6 +25,12 @@ bool HolesExceed(const ExactStream& stream, std::uint64_t bytes) {
     return stream.Size() > bytes && stream.Size() - DataBytes(stream, stream.Size()) > bytes;
 }
 
+// A size beyond the medium's that other things of the file are wrong with too is hardly its size: such a file
+// ends with its data.
+bool SizeIsTrue(const ExactStream& stream) {
+    return stream.Size() <= MediumBytes() || (stream.StreamDoubts().None() && stream.BytesBehindEnd() == 0);
+}
+
 } // namespace
 
 ContentOutcome StreamWriter::Write(ExactStream& stream, File& output, ContentDigest* digest) {
@@ -50,12 +56,6 @@ ContentOutcome StreamWriter::Write(ExactStream& stream, File& output, ContentDig
 }
 
 bool StreamWriter::MayGoOn() const { return outcome_.End == ContentEnd::Reached && !ContentStopped(); }
-
-// A size beyond the medium's that other things of the file are wrong with too is hardly its size: such a file
-// ends with its data.
-bool StreamWriter::SizeIsTrue(const ExactStream& stream) {
-    return stream.Size() <= MediumBytes() || (stream.StreamDoubts().None() && stream.BytesBehindEnd() == 0);
-}
 
 void StreamWriter::Copy(ExactStream& stream, File& output) {
     std::uint64_t end = 0; // of what was written
@@ -106,6 +106,17 @@ void StreamWriter::Skip(std::uint64_t to) {
         digest_->AddHole(to - outcome_.Written);
     }
     outcome_.Written = to;
+}
+
+std::uint64_t WrittenSize(const ExactStream& stream) {
+    if (SizeIsTrue(stream)) {
+        return stream.Size();
+    }
+    std::uint64_t end = 0;
+    for (std::uint64_t at = stream.NextData(0); at < stream.Size(); at = stream.NextData(end)) {
+        end = std::clamp(stream.NextHole(at), at + 1, stream.Size());
+    }
+    return end;
 }
 
 std::uint64_t DataBytes(const ExactStream& stream, std::uint64_t enough) {

@@ -18,7 +18,6 @@ public:
     ContentOutcome Write(ExactStream& stream, File& output, ContentDigest* digest);
 
 private:
-    static bool SizeIsTrue(const ExactStream& stream);
     void Copy(ExactStream& stream, File& output);
     void CopyData(ExactStream& stream, File& output, std::uint64_t end);
     void Skip(std::uint64_t to);
@@ -29,6 +28,9 @@ private:
     ContentOutcome outcome_;  ///< of the stream in hand; its Written is the offset reached
     std::uint64_t begun_ = 0; ///< up to here the bytes are on their way to the device
 };
+
+/// Where a stream ends once it is written: its size, or the end of its data where that size can't be true.
+std::uint64_t WrittenSize(const ExactStream& stream);
 
 /// Bytes of a stream that data stands for: the room that it needs where holes take none. At most `enough` and
 /// a little more.

@@ -26,6 +26,7 @@ public:
 
     [[nodiscard]] std::uint64_t BytesBehindEnd() const override { return stored_->BytesBehindEnd(); }
     [[nodiscard]] std::uint64_t AllocatedBytes() const override { return stored_->AllocatedBytes(); }
+    [[nodiscard]] std::uint64_t UnitBytes() const override { return chunkBytes_; }
 
 protected:
     void Fill(std::uint64_t offset, Bytes buffer, std::size_t wanted, MissingData& missing) override;

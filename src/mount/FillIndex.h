@@ -1,0 +1,14 @@
+#pragma once
+
+namespace thntfs {
+
+class MountIndex;
+struct SaveOptions;
+
+/// Hangs what a save of the whole catalogue by these options would make into an empty index: the same
+/// folders, under the same names, in the same order, further names among them. Nothing of a file is read for
+/// that but the records of those that have further names. A job: ScanRunFlag must be set; gives false where
+/// it was cleared meanwhile. Passes CUserException on.
+bool FillIndex(MountIndex& index, const SaveOptions& options);
+
+} // namespace thntfs

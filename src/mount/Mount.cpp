@@ -1,0 +1,24 @@
+#include "mount/Mount.h"
+
+#include "catalogue/CatalogueReader.h"
+#include "engine/EngineState.h"
+#include "mount/FillIndex.h"
+#include "mount/MountHost.h"
+#include "mount/MountedVolume.h"
+#include "mount/ServeMount.h"
+
+namespace thntfs {
+
+std::string MountCatalogue(const MountWishes& wishes, const std::function<void()>& begun) try {
+    MountHost host;
+    MountIndex index(static_cast<std::size_t>(CatalogueEntryCount()));
+    if (!FillIndex(index, wishes.What)) {
+        return "It was stopped before anything was mounted.";
+    }
+    MountedVolume volume(index);
+    return ServeMount({wishes.Folder, wishes.Source}, index, volume, begun);
+} catch (const CUserException& failure) {
+    return "The catalogue can't be read: " + SystemErrorText(failure.Code);
+}
+
+} // namespace thntfs

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace thntfs {
+
+/// The tree that a mount shows: names, and which entry of the catalogue each stands for. It answers without a
+/// look at the catalogue or the medium, from many threads once it is complete. A name takes 40 bytes and its
+/// letters.
+class MountIndex {
+public:
+    /// A name of the tree. The root is 0, so that 0 stands for "none" among children.
+    using Node = std::uint32_t;
+    static constexpr Node kRoot = 0;
+
+    /// `names`: about how many there will be.
+    explicit MountIndex(std::size_t names);
+
+    /// Hangs a name of 1 to 255 bytes into a folder, behind those that it has. Gives none where it is taken.
+    std::optional<Node> AddFolder(Node folder, std::string_view name, std::uint32_t entryId);
+    std::optional<Node> AddFile(Node folder, std::string_view name, std::uint32_t entryId);
+    /// A further name of a file.
+    std::optional<Node> AddLink(Node folder, std::string_view name, Node file);
+
+    /// The name in a folder; none where it isn't there.
+    [[nodiscard]] std::optional<Node> Find(Node folder, std::string_view name) const;
+
+    [[nodiscard]] std::size_t Count() const { return places_.size(); }
+    [[nodiscard]] std::string_view NameOf(Node node) const;
+    [[nodiscard]] Node ParentOf(Node node) const { return places_[node].Parent; }
+    [[nodiscard]] bool IsFolder(Node node) const { return places_[node].What == Kind::Folder; }
+    /// What the name stands for: a further name's file, else the node itself.
+    [[nodiscard]] Node TargetOf(Node node) const;
+    [[nodiscard]] std::uint32_t EntryOf(Node node) const { return places_[TargetOf(node)].Value; }
+    /// How many names a file has.
+    [[nodiscard]] unsigned NamesOf(Node file) const;
+
+    /// A folder's names in the order in which they were added; 0 behind the last.
+    [[nodiscard]] Node FirstIn(Node folder) const;
+    [[nodiscard]] Node NextOf(Node node) const;
+
+private:
+    enum class Kind : std::uint8_t { Folder, File, Link };
+
+    struct Place {
+        std::uint64_t NameAt = 0;
+        std::uint32_t Value = 0; ///< EntryId, of a further name its file's node
+        Node Parent = kRoot;
+        Node Next = 0; ///< in the ring of a folder's names
+        Node Last = 0; ///< of a folder: the name added last, whose Next is the first
+        std::uint8_t NameBytes = 0;
+        Kind What = Kind::Folder;
+    };
+
+    std::optional<Node> Add(Node folder, std::string_view name, std::uint32_t value, Kind what);
+    [[nodiscard]] std::size_t SlotOf(Node folder, std::string_view name) const;
+    void GrowSlots();
+
+    std::vector<Place> places_;
+    std::string names_;
+    std::vector<Node> slots_;                         ///< open hashing by folder and name; 0 for a free slot
+    std::unordered_map<Node, unsigned> furtherNames_; ///< of a file, where it has any
+};
+
+} // namespace thntfs

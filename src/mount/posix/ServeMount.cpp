@@ -1,0 +1,164 @@
+#include "mount/ServeMount.h"
+
+#include "mount/Mount.h"
+#include "mount/posix/FuseAnswers.h"
+#include "platform/system/Interrupt.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fuse3/fuse_log.h>
+#include <memory>
+#include <mutex>
+#include <poll.h>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace thntfs {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned kThreads =
+    12; // more than reads that may wait for their turn, so that one is left for the tree
+
+std::string libraryLine; ///< what the library said last
+
+void KeepLine(fuse_log_level /*level*/, const char* format, va_list words) {
+    std::array<char, 512> line{};
+    (void)std::vsnprintf(line.data(), line.size(), format, words);
+    libraryLine = line.data();
+    while (libraryLine.ends_with('\n')) {
+        libraryLine.pop_back();
+    }
+}
+
+// In the library's options a comma begins the next one.
+std::string OptionValue(std::string_view text) {
+    std::string escaped;
+    for (const char letter : text) {
+        escaped += letter == ',' || letter == '\\' ? "\\" : "";
+        escaped += letter;
+    }
+    return escaped;
+}
+
+std::string OptionsFor(const MountPlace& place, bool endsAlone) {
+    return "ro,nosuid,nodev,noexec,default_permissions,subtype=th-ntfs,fsname=" + OptionValue(place.Source) +
+           (endsAlone ? ",auto_unmount" : "");
+}
+
+struct EndSession {
+    void operator()(fuse_session* session) const { fuse_session_destroy(session); }
+};
+using Session = std::unique_ptr<fuse_session, EndSession>;
+
+Session NewSession(const std::string& options, FuseTree& tree) {
+    std::string program = "th-ntfs";
+    std::string word = "-o" + options;
+    std::array<char*, 3> words{program.data(), word.data(), nullptr};
+    fuse_args arguments = FUSE_ARGS_INIT(2, words.data());
+    Session session(fuse_session_new(&arguments, &FuseAnswers(), sizeof(fuse_lowlevel_ops), &tree));
+    fuse_opt_free_args(&arguments);
+    return session;
+}
+
+/// A mount, and the threads that answer. One at a time waits for the next question; it then lets the next
+/// wait and answers by itself.
+class Server {
+public:
+    explicit Server(fuse_session* session)
+        : session_(session) {
+        const int descriptor = fuse_session_fd(session_);
+        ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+    }
+
+    void Run() {
+        std::vector<std::jthread> threads;
+        for (unsigned i = 0; i < kThreads; ++i) {
+            threads.emplace_back([this] { Work(); });
+        }
+    }
+
+private:
+    void Work() {
+        fuse_buf question{};
+        while (Take(question)) {
+            fuse_session_process_buf(session_, &question);
+        }
+        std::free(question.mem); // NOLINT: the library allocates it so
+    }
+
+    bool Take(fuse_buf& question) {
+        const std::scoped_lock lock(turn_);
+        while (fuse_session_exited(session_) == 0 && !WasInterrupted()) {
+            std::array<pollfd, 2> waits{
+                {{fuse_session_fd(session_), POLLIN, 0}, {InterruptDescriptor(), POLLIN, 0}}};
+            if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
+                return false;
+            }
+            if (waits[0].revents == 0) {
+                continue;
+            }
+            const int got = fuse_session_receive_buf(session_, &question);
+            if (got > 0) {
+                return true;
+            }
+            if (got == 0 || (got != -EINTR && got != -EAGAIN)) {
+                fuse_session_exit(session_);
+            }
+        }
+        return false;
+    }
+
+    fuse_session* session_;
+    std::mutex turn_;
+};
+
+} // namespace
+
+bool CanMount() { return true; }
+
+std::string MountObstacle(const std::string& folder) {
+    std::error_code error;
+    if (!fs::is_directory(folder, error)) {
+        return folder + " is no folder. Give an empty one.";
+    }
+    if (!fs::is_empty(folder, error)) {
+        return folder +
+               (error ? " can't be looked into: " + error.message() : " is not empty. Give an empty folder.");
+    }
+    return {};
+}
+
+std::string ServeMount(const MountPlace& place, const MountIndex& index, MountedVolume& volume,
+                       const std::function<void()>& begun) {
+    FuseTree tree{index, volume, ::getuid(), ::getgid()};
+    fuse_set_log_func(KeepLine);
+    // By the mount helper the mount ends with this process, however that ends. Without the helper, root
+    // mounts.
+    for (const bool endsAlone : {true, false}) {
+        const Session session = NewSession(OptionsFor(place, endsAlone), tree);
+        if (session != nullptr && fuse_session_mount(session.get(), place.Folder.c_str()) == 0) {
+            begun();
+            Server(session.get()).Run();
+            fuse_session_unmount(session.get());
+            return {};
+        }
+        if (::geteuid() != 0) {
+            break;
+        }
+    }
+    return place.Folder + " can't be mounted at: " +
+           (libraryLine.empty() ? "the system has no file systems of programs (fuse3)" : libraryLine);
+}
+
+} // namespace thntfs
