@@ -60,13 +60,14 @@ install_packages() {
 }
 
 # What the terminal program needs, what its optional parts need, what the desktop program needs beside it, what the
-# tests need, and what making packages needs. The optional parts are found by CMake; without one, the program says what
-# it was built without.
+# tests need, what making packages needs, and what the trials of tests/system need. The optional parts are found by
+# CMake; without one, the program says what it was built without.
 core_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libssl-dev zlib1g-dev libarchive-dev libwim-dev xz-utils)
 optional_packages=(libewf-dev libvhdi-dev libvmdk-dev libqcow-dev libfuse3-dev fuse3)
 desktop_packages=(qt6-base-dev qt6-svg-dev qt6-image-formats-plugins libqt6svg6 qt6-translations-l10n)
 test_packages=(libgtest-dev qemu-utils ewf-tools)
 package_packages=(dpkg-dev file pandoc librsvg2-bin)
+trial_packages=(python3 debootstrap lintian)
 
 # install_needed PACKAGE... installs the compiler, core_packages and what is named.
 install_needed() {

@@ -63,7 +63,7 @@ std::string Stretch(const std::string& text, const std::string& from, const std:
 std::vector<std::string> OptionsOf(const std::string& help) {
     std::vector<std::string> options;
     for (const std::string& line : LinesOf(help)) {
-        if (const std::size_t at = line.find("--"); line.starts_with("  -") && at != std::string::npos) {
+        if (const std::size_t at = line.find("--"); at < 8 && line[line.find_first_not_of(' ')] == '-') {
             options.push_back(line.substr(at + 2, line.find_first_of(" ,", at) - at - 2));
         }
     }
