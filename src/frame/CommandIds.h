@@ -33,6 +33,17 @@ inline constexpr std::uint32_t kCmdSaveTreeInfo = 32833;
 inline constexpr std::uint32_t kCmdSavePartitionInfo = 32834;
 inline constexpr std::uint32_t kCmdListNameless = 32900;
 inline constexpr std::uint32_t kCmdCloneDisk = 32901;
+inline constexpr std::uint32_t kCmdCopyNames = 32910;
+inline constexpr std::uint32_t kCmdCopyPaths = 32911;
+inline constexpr std::uint32_t kCmdSaveList = 32912;
+inline constexpr std::uint32_t kCmdFilter = 32913;
+inline constexpr std::uint32_t kCmdPathLine = 32914;
+inline constexpr std::uint32_t kCmdSizesInBytes = 32915;
+inline constexpr std::uint32_t kCmdSizesInUnits = 32916;
+inline constexpr std::uint32_t kCmdClearRecent = 32917;
+/// The first of those that open what was opened before, newest first.
+inline constexpr std::uint32_t kCmdRecent = 32920;
+inline constexpr std::uint32_t kRecentCommands = 8;
 inline constexpr std::uint32_t kCmdToolbar16 = 32708;
 inline constexpr std::uint32_t kCmdToolbar48 = 32711;
 inline constexpr std::uint32_t kCmdAbout = 57664;

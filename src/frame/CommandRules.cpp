@@ -15,6 +15,9 @@ bool TurboScanEnabled(const FrameState& state, bool idle) {
 bool CommandEnabled(std::uint32_t command, const FrameState& state) {
     const bool noRun = !state.ScanRunning;
     const bool idle = noRun && !state.JobBusy;
+    if (command >= kCmdRecent && command < kCmdRecent + kRecentCommands) {
+        return idle;
+    }
     switch (command) {
     case kCmdWizard:
     case kCmdCloneDisk:
@@ -41,6 +44,15 @@ bool CommandEnabled(std::uint32_t command, const FrameState& state) {
         return TurboScanEnabled(state, idle);
     case kCmdHound:
         return idle && !state.StructuresMissing;
+    case kCmdCopyNames:
+    case kCmdCopyPaths:
+        return state.HasSelection;
+    case kCmdSaveList:
+        return idle && state.HasTree && (state.HasRows || state.HasPath);
+    case kCmdPathLine:
+        return state.HasPath;
+    case kCmdClearRecent:
+        return state.HasRecent;
     case kCmdClearLog:
     case kCmdSaveLog:
         return state.HasLog;

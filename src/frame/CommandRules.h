@@ -19,6 +19,11 @@ struct FrameState {
     bool BasicScanDone = false;
     bool TurboScanUsed = false;
     bool ListsNameless = false; ///< the next scan is to
+    bool HasRows = false;       ///< the list shows at least one
+    bool HasSelection = false;  ///< in the list
+    bool HasPath = false;       ///< the line above the list tells where one is
+    bool HasRecent = false;     ///< something has been opened before
+    bool SizesInUnits = false;  ///< the list shows sizes in KB, MB and GB
 };
 
 /// The rule of a command. Commands without one are always enabled.

@@ -34,9 +34,20 @@ QString KeyPart(const char* text) { return QString::fromLatin1(text).section(QLa
 
 bool IsViewMode(std::uint32_t command) { return command >= kCmdLargeIcons && command <= kCmdDetails; }
 
+bool IsSizeForm(std::uint32_t command) { return command == kCmdSizesInBytes || command == kCmdSizesInUnits; }
+
 bool IsChecked(std::uint32_t command) {
     return command == kCmdViewToolbar || command == kCmdViewStatusBar || command == kCmdListNameless ||
-           IsViewMode(command);
+           IsViewMode(command) || IsSizeForm(command);
+}
+
+// The number is the line's key; a path may have the sign of one in it.
+QString RecentText(std::size_t number, QString path) {
+    constexpr qsizetype kMostLetters = 60;
+    if (path.size() > kMostLetters) {
+        path = path.left(kMostLetters / 3) + QStringLiteral("…") + path.right(kMostLetters * 2 / 3);
+    }
+    return QStringLiteral("&%1 ").arg(number + 1) + path.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace
@@ -50,6 +61,7 @@ CommandSet::CommandSet(QMainWindow& window, const Runner& run)
 
 void CommandSet::CreateActions(const Runner& run) {
     auto* viewModes = new QActionGroup(&window_);
+    auto* sizeForms = new QActionGroup(&window_);
     for (const CommandText& text : AllCommands()) {
         auto* action = new QAction(MenuPart(text.Menu), &window_);
         action->setShortcut(QKeySequence::fromString(KeyPart(text.Menu), QKeySequence::PortableText));
@@ -62,6 +74,8 @@ void CommandSet::CreateActions(const Runner& run) {
         }
         if (IsViewMode(text.Id)) {
             viewModes->addAction(action);
+        } else if (IsSizeForm(text.Id)) {
+            sizeForms->addAction(action);
         }
         QObject::connect(action, &QAction::triggered, &window_, [run, id = text.Id] { run(id); });
         window_.addAction(action); // its key works though it may stand in no menu
@@ -127,7 +141,18 @@ void CommandSet::Update(const FrameState& state, std::uint32_t viewMode) {
     actions_.at(kCmdViewToolbar)->setChecked(!toolbar_->isHidden());
     actions_.at(kCmdViewStatusBar)->setChecked(!window_.statusBar()->isHidden());
     actions_.at(kCmdListNameless)->setChecked(state.ListsNameless);
+    actions_.at(state.SizesInUnits ? kCmdSizesInUnits : kCmdSizesInBytes)->setChecked(true);
     actions_.at(viewMode)->setChecked(true);
+}
+
+void CommandSet::ShowRecent(const QStringList& paths) {
+    for (std::uint32_t i = 0; i < kRecentCommands; ++i) {
+        QAction* action = actions_.at(kCmdRecent + i);
+        const QString path = paths.value(i);
+        action->setText(path.isEmpty() ? QString() : RecentText(i, path));
+        action->setStatusTip(path);
+        action->setVisible(!path.isEmpty());
+    }
 }
 
 void CommandSet::ToggleToolbar() { toolbar_->setVisible(toolbar_->isHidden()); }

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -29,6 +30,9 @@ public:
 
     /// Enables what the state allows; `viewMode` is the list's command that is marked.
     void Update(const FrameState& state, std::uint32_t viewMode);
+
+    /// Offers what was opened before, newest first.
+    void ShowRecent(const QStringList& paths);
 
     void ToggleToolbar();
     void ToggleStatusBar();

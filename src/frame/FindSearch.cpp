@@ -128,7 +128,7 @@ void FindSearch::ShowAllHits() try {
         return;
     }
     End();
-    list_.ShowHits(std::move(rows));
+    list_.ShowHits(std::move(rows), tr("Results of %1").arg(QString::fromStdString(state_.FindPattern)));
 } catch (const CUserException&) { // its box has been seen
     End();
 }

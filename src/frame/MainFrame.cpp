@@ -10,6 +10,7 @@
 #include "shell/ProcessLogList.h"
 #include "shell/Settings.h"
 #include "views/ContextMenu.h"
+#include "views/ListPane.h"
 #include "views/THNTFSListView.h"
 #include "views/THNTFSTreeView.h"
 
@@ -34,17 +35,19 @@ constexpr int kSplitterWidth = 4;
 CMainFrame::CMainFrame()
     : splitter_(new QSplitter(Qt::Horizontal, this))
     , treeView_(new CTHNTFSTreeView(splitter_))
-    , listView_(new CTHNTFSListView(splitter_))
+    , listPane_(new CListPane(splitter_, *treeView_))
+    , listView_(listPane_->List())
     , logList_(new CProcessLogList(this))
     , logPane_(new QDockWidget(tr("Process Log"), this))
     , commands_(*this, [this](std::uint32_t command) { RunCommand(command); })
     , panes_(statusBar())
     , find_(*treeView_, *listView_)
-    , scanInfo_(*this)
+    , scanInfo_(*this, recent_)
     , job_(*this, panes_)
     , previews_([this] { SetPreviewWindowOpen(previews_.AnyOpen()); })
     , scans_(job_, *this, *treeView_, panes_)
-    , saves_(job_, *this, panes_, *this) {
+    , saves_(job_, *this, panes_, *this)
+    , lists_(job_, *this, panes_, *this) {
     SetMainWindow(this);
     setWindowTitle(QLatin1String(kProgramName));
     setWindowIcon(LoadIcon("app"));
@@ -95,6 +98,7 @@ void CMainFrame::RestoreSettings() {
     splitter_->restoreState(settings.value(QStringLiteral("Window/Splitter")).toByteArray());
     commands_.SetToolbarPixels(settings.value(QStringLiteral("Window/ToolbarIcons")).toInt());
     SetViewMode(settings.value(QStringLiteral("Window/ViewMode"), kCmdDetails).toUInt());
+    listView_->SetSizesInUnits(settings.value(QStringLiteral("Window/SizesInUnits")).toBool());
 }
 
 void CMainFrame::SaveSettings() const {
@@ -104,6 +108,7 @@ void CMainFrame::SaveSettings() const {
     settings.setValue(QStringLiteral("Window/Splitter"), splitter_->saveState());
     settings.setValue(QStringLiteral("Window/ToolbarIcons"), commands_.ToolbarPixels());
     settings.setValue(QStringLiteral("Window/ViewMode"), viewMode_);
+    settings.setValue(QStringLiteral("Window/SizesInUnits"), listView_->SizesInUnits());
 }
 
 std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::uintptr_t lParam) {
@@ -137,7 +142,7 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         panes_.SetPhase(WM_PROGRESS_CAPTION.First(wParam));
         break;
     case WM_UPDATE_TOTALS:
-        panes_.ShowTotals(WM_UPDATE_TOTALS.First(wParam));
+        TakeTotals(WM_UPDATE_TOTALS.First(wParam));
         break;
     case WM_SAVE_REQUEST:
         saves_.Begin();
@@ -194,6 +199,14 @@ void CMainFrame::ClearViews() {
     panes_.ClearMarked(); // the marks went with the folders
 }
 
+// Those of all come with the folders of another volume.
+void CMainFrame::TakeTotals(Totals what) {
+    panes_.ShowTotals(what);
+    if (what == Totals::All) {
+        listPane_->TakeVolume();
+    }
+}
+
 void CMainFrame::BeginBasicScan() {
     ClearViews();
     panes_.ShowTotals(Totals::All);
@@ -228,6 +241,9 @@ void CMainFrame::SaveEntries(std::vector<std::uint32_t> entryIds) {
 
 void CMainFrame::FinishJob(FinishedJob kind) {
     job_.TellFinished(kind == FinishedJob::Save ? saves_.EndText() : FinishedText(kind));
+    if (kind == FinishedJob::List) {
+        panes_.ShowNotice(lists_.EndText());
+    }
     if (!ending_) {
         showMaximized();
     }

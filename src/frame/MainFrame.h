@@ -5,6 +5,8 @@
 #include "frame/CommandSet.h"
 #include "frame/FindSearch.h"
 #include "frame/JobControl.h"
+#include "frame/ListJob.h"
+#include "frame/RecentFiles.h"
 #include "frame/SaveJob.h"
 #include "frame/ScanInfoFiles.h"
 #include "frame/ScanJob.h"
@@ -28,6 +30,7 @@ class QSplitter;
 
 namespace thntfs {
 
+class CListPane;
 class CProcessLogList;
 class CTHNTFSListView;
 class CTHNTFSTreeView;
@@ -76,6 +79,8 @@ private:
     // Commands.
     void RunCommand(std::uint32_t command);
     bool RunViewCommand(std::uint32_t command);
+    bool RunListCommand(std::uint32_t command);
+    bool RunRecentCommand(std::uint32_t command);
     bool RunHelpCommand(std::uint32_t command);
     void UpdateCommands();
     [[nodiscard]] FrameState State() const;
@@ -94,7 +99,9 @@ private:
     void StartTurboScan();
     void SaveEntries(std::vector<std::uint32_t> entryIds);
     void FinishJob(FinishedJob kind);
+    void TakeTotals(Totals what);
     void ClearViews();
+    void OpenRecent(const QString& file);
     void LoadTreeInfoByDialog();
     void LoadPartitionInfoByDialog();
     void LoadTreeInfoFrom(const QString& path);
@@ -111,7 +118,8 @@ private:
     // Widgets, which the window owns.
     QSplitter* splitter_;
     CTHNTFSTreeView* treeView_;
-    CTHNTFSListView* listView_;
+    CListPane* listPane_;
+    CTHNTFSListView* listView_; ///< in the pane
     CProcessLogList* logList_;
     QDockWidget* logPane_;
 
@@ -119,12 +127,14 @@ private:
     CommandSet commands_;
     StatusPanes panes_;
     FindSearch find_;
+    RecentFiles recent_;
     ScanInfoFiles scanInfo_;
     CataloguePlace cataloguePlace_;
     JobControl job_;
     Previews previews_;
     ScanJob scans_;
     SaveJob saves_;
+    ListJob lists_;
     StartUp startUp_{*this};
     SiblingTool sibling_{*this};
 

@@ -11,6 +11,8 @@
 #include "shell/DesktopHost.h"
 #include "shell/DesktopState.h"
 #include "shell/ProcessLogList.h"
+#include "views/FilterBar.h"
+#include "views/ListPane.h"
 #include "views/THNTFSListView.h"
 #include "views/THNTFSTreeView.h"
 
@@ -21,7 +23,9 @@
 namespace thntfs {
 
 void CMainFrame::RunCommand(std::uint32_t command) {
-    if (RunViewCommand(command) || RunHelpCommand(command)) {
+    if (RunViewCommand(command) || RunHelpCommand(command) || RunListCommand(command) ||
+        RunRecentCommand(command)) {
+        UpdateCommands();
         return;
     }
     switch (command) {
@@ -112,10 +116,46 @@ bool CMainFrame::RunViewCommand(std::uint32_t command) {
         commands_.ToggleToolbar();
     } else if (command == kCmdViewStatusBar) {
         commands_.ToggleStatusBar();
+    } else if (command == kCmdSizesInBytes || command == kCmdSizesInUnits) {
+        listView_->SetSizesInUnits(command == kCmdSizesInUnits);
     } else {
         return false;
     }
-    UpdateCommands();
+    return true;
+}
+
+bool CMainFrame::RunListCommand(std::uint32_t command) {
+    switch (command) {
+    case kCmdCopyNames:
+        listView_->CopyNames();
+        return true;
+    case kCmdCopyPaths:
+        listView_->CopyPaths();
+        return true;
+    case kCmdSaveList:
+        lists_.Begin(*listView_,
+                     listView_->ShownFolder() ? treeView_->PathOf(*listView_->ShownFolder()) : QString());
+        return true;
+    case kCmdFilter:
+        listPane_->Filter().TakeFocus();
+        return true;
+    case kCmdPathLine:
+        listPane_->Path().TakeFocus();
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool CMainFrame::RunRecentCommand(std::uint32_t command) {
+    if (command == kCmdClearRecent) {
+        recent_.Clear();
+        return true;
+    }
+    if (command < kCmdRecent || command >= kCmdRecent + kRecentCommands) {
+        return false;
+    }
+    OpenRecent(recent_.Paths().value(command - kCmdRecent));
     return true;
 }
 
@@ -145,7 +185,9 @@ bool CMainFrame::RunHelpCommand(std::uint32_t command) {
 }
 
 void CMainFrame::UpdateCommands() {
+    commands_.ShowRecent(recent_.Paths());
     commands_.Update(State(), viewMode_);
+    listView_->UpdateEmptyText();
     const Qt::CursorShape shape = Engine.ScanRunFlag != 0 ? Qt::WaitCursor : Qt::ArrowCursor;
     if (splitter_->cursor().shape() != shape) {
         splitter_->setCursor(shape);
@@ -171,6 +213,11 @@ FrameState CMainFrame::State() const {
     state.BasicScanDone = scans_.BasicScanDone();
     state.TurboScanUsed = Desktop.TurboScanUsed;
     state.ListsNameless = scans_.ListsNameless();
+    state.HasRows = !listView_->IsEmpty();
+    state.HasSelection = listView_->HasSelection();
+    state.HasPath = listView_->ShowsHits() || listView_->ShownFolder().has_value();
+    state.HasRecent = !recent_.Paths().isEmpty();
+    state.SizesInUnits = listView_->SizesInUnits();
     return state;
 }
 

@@ -1,5 +1,6 @@
 // What the main window opens: volumes by the wizard; images and saved scan information by menu and drop.
 
+#include "content/TargetRules.h"
 #include "frame/MainFrame.h"
 #include "scaninfo/PartitionInfoFile.h"
 #include "scaninfo/ScanInfo.h"
@@ -65,6 +66,7 @@ void CMainFrame::RunSheet(CWizardSheet& sheet) {
     if (finished && sheet.State().Copy != nullptr) {
         BeginCopy(sheet.State());
     } else if (finished) {
+        recent_.Note(QString::fromStdString(SourceMediumPath()));
         scans_.TakeVolume(sheet.State().WizardLogEntry);
         BeginBasicScan();
     }
@@ -98,6 +100,15 @@ void CMainFrame::OpenFile(const QString& file) {
     }
 }
 
+void CMainFrame::OpenRecent(const QString& file) {
+    if (QFileInfo::exists(file)) {
+        OpenFile(file);
+    } else if (AskYesNo(tr("%1 isn't there.\n\nDo you want to take it off the list?").arg(file),
+                        tr("Confirm"))) {
+        recent_.Remove(file);
+    }
+}
+
 void CMainFrame::LoadTreeInfoByDialog() {
     if (!job_.MayStartWork()) {
         return;
@@ -118,7 +129,9 @@ void CMainFrame::LoadTreeInfoFrom(const QString& path) {
         treeView_->FillTree();
     });
     panes_.EndProgress();
-    if (!loaded) {
+    if (loaded) {
+        recent_.Note(path);
+    } else {
         ClearViews();
     }
     UpdateCommands();
@@ -138,7 +151,10 @@ void CMainFrame::LoadPartitionInfoFrom(const QString& path) {
     if (!GiveUpScan()) {
         return;
     }
-    LoadPartitionInfo(path.toStdString(), [this] { OpenFoundDrive(); });
+    LoadPartitionInfo(path.toStdString(), [this, path] {
+        recent_.Note(path);
+        OpenFoundDrive();
+    });
     UpdateCommands();
 }
 

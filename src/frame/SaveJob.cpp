@@ -37,17 +37,6 @@ SaveOptions OptionsOf(const SaveWishes& wishes) {
     return options;
 }
 
-// Together they would bring back wrong bytes under right names.
-bool CatalogueFits() {
-    if (!CatalogueIsOfVolumeInWork()) {
-        ShowBox(QCoreApplication::translate(
-                    "SaveJob", "What the window shows belongs to another medium or partition than the one "
-                               "that is open now.\nPlease open and scan it again."),
-                QCoreApplication::translate("SaveJob", "Warning"), BoxIcon::Warning);
-    }
-    return CatalogueIsOfVolumeInWork();
-}
-
 // Under a name of its own, as nothing is written over.
 ErrorCode OpenArchive(SaveRun& run) {
     const std::string name =

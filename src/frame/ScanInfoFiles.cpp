@@ -3,6 +3,7 @@
 #include "dialogs/FileDialogs.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
+#include "frame/RecentFiles.h"
 #include "frame/TargetQuestion.h"
 #include "platform/files/ReplacementFile.h"
 #include "platform/system/Text.h"
@@ -30,8 +31,12 @@ std::tm LocalNow() {
     return *std::localtime(&now);
 }
 
+QString TargetOf(const QString& path, std::string_view extension) {
+    return QString::fromStdString(ScanInfoPlaceOf(path.toStdString(), extension).Target);
+}
+
 bool MayWriteScanInfo(const QString& path, std::string_view extension) {
-    return MayWriteTo(QString::fromStdString(ScanInfoPlaceOf(path.toStdString(), extension).Target));
+    return MayWriteTo(TargetOf(path, extension));
 }
 
 // Scan information holds the medium's path, by which it is opened again.
@@ -104,6 +109,9 @@ bool ScanInfoFiles::SaveTree() {
     const bool done = SaveTreeInfo(path.toStdString()).Done;
     scanInfoDirty_ = false;
     scanUnsaved_ = scanUnsaved_ && !done;
+    if (done) {
+        recent_.Note(TargetOf(path, kTreeInfoExtension));
+    }
     return done;
 }
 
@@ -111,8 +119,9 @@ void ScanInfoFiles::SavePartitions() const {
     const QString path = ChooseFileToSave(&owner_, tr("Save Partition Info"),
                                           QString::fromStdString(SuggestedPartitionInfoName(LocalNow())),
                                           PartitionFilter(), TextOf(kPartitionInfoExtension));
-    if (!path.isEmpty() && MayWriteScanInfo(path, kPartitionInfoExtension) && PathIsKept()) {
-        SavePartitionInfo(path.toStdString());
+    if (!path.isEmpty() && MayWriteScanInfo(path, kPartitionInfoExtension) && PathIsKept() &&
+        SavePartitionInfo(path.toStdString()).Done) {
+        recent_.Note(TargetOf(path, kPartitionInfoExtension));
     }
 }
 

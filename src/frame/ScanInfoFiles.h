@@ -9,6 +9,7 @@ class QWidget;
 namespace thntfs {
 
 class ProcessLog;
+class RecentFiles;
 
 /// The files that the user loads and saves: scan information of both kinds. Knows whether the scan that the
 /// views show is in one.
@@ -17,8 +18,10 @@ class ScanInfoFiles {
 
 public:
     /// The dialogs stand over the owner, or over the wizard where that is what leads to them.
-    explicit ScanInfoFiles(QWidget& owner)
-        : owner_(owner) {}
+    /// What is saved goes into the list of recent files.
+    ScanInfoFiles(QWidget& owner, RecentFiles& recent)
+        : owner_(owner)
+        , recent_(recent) {}
 
     /// What the views will show is about to be scanned.
     void NoteBasicScan();
@@ -43,6 +46,7 @@ public:
 
 private:
     QWidget& owner_;
+    RecentFiles& recent_;
     bool scanInfoDirty_ = false; ///< a scan's result is in no file
     bool noScanYet_ = true;      ///< until the first Basic Scan or load
     bool scanUnsaved_ = false;   ///< what the views show was scanned here and is in no file

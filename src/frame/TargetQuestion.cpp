@@ -1,6 +1,7 @@
 #include "frame/TargetQuestion.h"
 
 #include "content/TargetRules.h"
+#include "engine/EngineState.h"
 #include "shell/Boxes.h"
 
 #include <QCoreApplication>
@@ -26,6 +27,16 @@ bool MayWriteTo(const QString& path) {
                                                 "permanent data loss.\n"
                                                 "Do you want to continue?"),
                     QCoreApplication::translate("TargetQuestion", "Confirm"), BoxAnswer::No);
+}
+
+bool CatalogueFits() {
+    if (!CatalogueIsOfVolumeInWork()) {
+        ShowBox(QCoreApplication::translate(
+                    "TargetQuestion", "What the window shows belongs to another medium or partition than the "
+                                      "one that is open now.\nPlease open and scan it again."),
+                QCoreApplication::translate("TargetQuestion", "Warning"), BoxIcon::Warning);
+    }
+    return CatalogueIsOfVolumeInWork();
 }
 
 } // namespace thntfs

@@ -110,6 +110,22 @@ void ExamineVolumes(const std::function<bool()>& mayGoOn) try {
 } catch (const std::bad_alloc&) {
 }
 
+std::u16string LabelOfVolumeInWork() {
+    const std::vector<PartitionCandidate>& candidates = Engine.SourceDisk.Partitions;
+    const PartitionCandidate volume = VolumeInWork();
+    const auto same =
+        std::find_if(candidates.begin(), candidates.end(), [&volume](const PartitionCandidate& candidate) {
+            return candidate.StartSector == volume.StartSector && candidate.MftCluster == volume.MftCluster;
+        });
+    const auto place = static_cast<std::size_t>(same - candidates.begin());
+    if (same != candidates.end() && place < Engine.VolumeFacts.size() && Engine.VolumeFacts[place].Examined) {
+        return Engine.VolumeFacts[place].Label;
+    }
+    VolumeFacts facts;
+    Examine(volume, facts);
+    return facts.Label;
+}
+
 bool LocateTable() try {
     NoteOverlay();
     if (LocateMft()) {

@@ -3,9 +3,11 @@
 #include "shell/WindowMessages.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QLabel>
 #include <QMessageBox>
 #include <QScreen>
+#include <QShortcut>
 #include <memory>
 
 namespace thntfs {
@@ -86,6 +88,13 @@ void KeepLines(QMessageBox& box) {
     }
 }
 
+// What is selected of the text, else all of it.
+void CopyTextOf(const QMessageBox& box) {
+    const auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    const bool part = label != nullptr && label->hasSelectedText();
+    QApplication::clipboard()->setText(part ? label->selectedText() : box.text());
+}
+
 BoxAnswer RunBox(const BoxRequest& request) {
     if (boxesRefused) {
         return AnswerUnasked(request.Buttons);
@@ -97,6 +106,9 @@ BoxAnswer RunBox(const BoxRequest& request) {
     box.setText(request.Text);
     box.setStandardButtons(ButtonsOf(request.Buttons));
     KeepLines(box);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    QObject::connect(new QShortcut(QKeySequence::Copy, &box), &QShortcut::activated, &box,
+                     [&box] { CopyTextOf(box); });
     if (request.Preset == BoxAnswer::No) {
         box.setDefaultButton(QMessageBox::No);
     }

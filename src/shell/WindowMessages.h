@@ -76,7 +76,7 @@ enum class CopyWork : std::uint8_t { Clone = 0, Image = 1, Scan = 2 };
 enum class CopyEvent : std::uint8_t { Completed = 1, Aborted = 2, Paused = 3, Resumed = 4 };
 
 /// Kinds of WM_JOB_FINISHED.
-enum class FinishedJob : std::uint8_t { TurboScan = 0, Save = 1, FileTypes = 2, BasicScan = 3 };
+enum class FinishedJob : std::uint8_t { TurboScan = 0, Save = 1, FileTypes = 2, BasicScan = 3, List = 4 };
 
 /// Kinds of WM_UPDATE_TOTALS; with All goes 0, with Marked 1.
 enum class Totals : std::uint8_t { All = 1, Marked = 2 };

@@ -38,7 +38,7 @@ void Order(QWidget* owner, int command, std::uint32_t entryId, const std::functi
 } // namespace
 
 void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice, std::uint32_t entryId,
-                     std::function<void()> save) {
+                     std::function<void()> save, const std::vector<ContextMenuLine>& more) {
     auto* menu = new QMenu(owner);
     const auto add = [menu](const QString& text, int command, bool enabled) {
         QAction* action = menu->addAction(text);
@@ -53,8 +53,16 @@ void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& 
     add(QCoreApplication::translate("ContextMenu", "P&roperties"), kCommandProperties, choice.Properties);
     QObject::connect(menu, &QMenu::triggered, owner,
                      [owner, entryId, save = std::move(save)](const QAction* action) {
-                         Order(owner, action->data().toInt(), entryId, save);
+                         if (action->data().isValid()) {
+                             Order(owner, action->data().toInt(), entryId, save);
+                         }
                      });
+    if (!more.empty()) {
+        menu->addSeparator();
+    }
+    for (const ContextMenuLine& line : more) {
+        QObject::connect(menu->addAction(line.Text), &QAction::triggered, owner, line.Act);
+    }
     QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
     menu->popup(at);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QPoint>
+#include <QString>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 class QWidget;
 
@@ -20,10 +22,16 @@ struct ContextMenuChoice {
     bool Properties = true;
 };
 
+/// A line below those that every menu has.
+struct ContextMenuLine {
+    QString Text;
+    std::function<void()> Act;
+};
+
 /// Opens the context menu of an entry at a place of the screen and returns. What is chosen later goes to the
 /// main frame, but for "Save", which calls `save`. The menu belongs to `owner` and goes when it closes.
 void OpenContextMenu(QWidget* owner, const QPoint& at, const ContextMenuChoice& choice, std::uint32_t entryId,
-                     std::function<void()> save);
+                     std::function<void()> save, const std::vector<ContextMenuLine>& more = {});
 
 /// True while a window shows the content of a file; one at a time is enough.
 bool PreviewWindowOpen();

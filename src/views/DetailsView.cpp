@@ -68,11 +68,13 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
             dividedByUser_ = true;
         }
     });
-    connect(model, &QAbstractItemModel::modelReset, this, [this] {
+    const auto fit = [this] {
         if (!dividedByUser_) {
             FitColumns();
         }
-    });
+    };
+    connect(model, &QAbstractItemModel::modelReset, this, fit);
+    connect(model, &QAbstractItemModel::headerDataChanged, this, fit);
 }
 
 void CDetailsView::ShowFolders(bool show) {

@@ -6,6 +6,7 @@
 #include "shell/TipText.h"
 #include "views/TextOrder.h"
 
+#include <QLocale>
 #include <algorithm>
 #include <utility>
 
@@ -64,6 +65,19 @@ std::uint64_t CellNumber(const FileRow& row, int column) {
     }
 }
 
+/// A size in the largest unit that it fills, with the user's own marks in the number.
+QString SizeInUnits(std::uint64_t bytes) {
+    constexpr std::array<const char*, 5> kUnits{"", "KB", "MB", "GB", "TB"};
+    std::size_t unit = 0;
+    auto number = static_cast<double>(bytes);
+    for (; number >= 1024 && unit + 1 < kUnits.size(); ++unit) {
+        number /= 1024;
+    }
+    const QString text = QLocale().toString(number, 'f', unit == 0 ? 0 : 1);
+    return unit == 0 ? QCoreApplication::translate("FileListModel", "%1 bytes").arg(text)
+                     : text + QLatin1Char(' ') + QLatin1String(kUnits[unit]);
+}
+
 std::size_t IconOf(const FileRow& row) { return (row.Live ? 0U : 2U) + (row.Folder ? 0U : 1U); }
 
 } // namespace
@@ -76,14 +90,44 @@ FileListModel::FileListModel(QObject* parent)
 void FileListModel::SetRows(FileRows rows) {
     beginResetModel();
     rows_ = std::move(rows);
+    places_ = FittingPlaces(rows_, filter_);
     index_.Forget();
     endResetModel();
 }
 
+void FileListModel::SetFilter(RowFilter filter) {
+    beginResetModel();
+    filter_ = std::move(filter);
+    places_ = FittingPlaces(rows_, filter_);
+    endResetModel();
+}
+
+void FileListModel::SetSizesInUnits(bool inUnits) {
+    sizesInUnits_ = inUnits;
+    if (Count() > 0) {
+        Q_EMIT dataChanged(index(0, kSize), index(Count() - 1, kSize), {Qt::DisplayRole});
+    }
+    Q_EMIT headerDataChanged(Qt::Horizontal, kSize, kSize);
+}
+
+std::optional<std::uint32_t> FileListModel::PlaceOf(std::uint32_t entryId) const {
+    return index_.PlaceOf(entryId, rows_.Rows.size(),
+                          [this](std::uint32_t place) { return rows_.Rows[place].EntryId; });
+}
+
+int FileListModel::RowAt(std::size_t place) const {
+    const auto found = std::lower_bound(places_.begin(), places_.end(), place);
+    return found != places_.end() && *found == place ? static_cast<int>(found - places_.begin()) : -1;
+}
+
 int FileListModel::RowOf(std::uint32_t entryId) const {
-    const auto place = index_.PlaceOf(entryId, rows_.Rows.size(),
-                                      [this](std::uint32_t row) { return rows_.Rows[row].EntryId; });
-    return place ? static_cast<int>(*place) : -1;
+    const auto place = PlaceOf(entryId);
+    return place ? RowAt(*place) : -1;
+}
+
+bool FileListModel::Hides(std::uint32_t entryId) const {
+    const auto place = PlaceOf(entryId);
+    return place && RowAt(*place) < 0;
 }
 
 void FileListModel::Sort(int column, bool ascending, SortKind kind) {
@@ -94,8 +138,8 @@ std::vector<std::uint32_t> FileListModel::PlacesByText(int column, bool ascendin
     const TextOrder order;
     std::vector<TextOrder::Key> keys;
     keys.reserve(rows_.Rows.size());
-    for (std::size_t row = 0; row < rows_.Rows.size(); ++row) {
-        keys.push_back(order.KeyOf(CellText(row, column)));
+    for (std::size_t place = 0; place < rows_.Rows.size(); ++place) {
+        keys.push_back(order.KeyOf(CellText(place, column)));
     }
     return SortedPlaces(keys, ascending);
 }
@@ -112,24 +156,43 @@ std::vector<std::uint32_t> FileListModel::PlacesByNumber(int column, bool ascend
 
 void FileListModel::Reorder(const std::vector<std::uint32_t>& places) {
     Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+    const QModelIndexList before = persistentIndexList();
     std::vector<FileRow> rows;
-    std::vector<int> newRows(places.size());
+    std::vector<std::uint32_t> newPlaces(places.size());
     rows.reserve(places.size());
     for (const std::uint32_t place : places) {
-        newRows[place] = static_cast<int>(rows.size());
+        newPlaces[place] = static_cast<std::uint32_t>(rows.size());
         rows.push_back(rows_.Rows[place]);
+    }
+    std::vector<std::size_t> placesBefore;
+    for (const QModelIndex& index : before) {
+        placesBefore.push_back(newPlaces[PlaceAt(index.row())]);
     }
     rows_.Rows = std::move(rows);
     index_.Forget();
+    MoveShown(newPlaces);
 
-    const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     after.reserve(before.size());
-    for (const QModelIndex& index : before) {
-        after.push_back(createIndex(newRows[static_cast<std::size_t>(index.row())], index.column()));
+    for (qsizetype i = 0; i < before.size(); ++i) {
+        after.push_back(createIndex(RowAt(placesBefore[static_cast<std::size_t>(i)]), before[i].column()));
     }
     changePersistentIndexList(before, after);
     Q_EMIT layoutChanged({}, VerticalSortHint);
+}
+
+// What is shown stays shown, at its new places.
+void FileListModel::MoveShown(const std::vector<std::uint32_t>& newPlaces) {
+    std::vector<bool> shown(newPlaces.size());
+    for (const std::uint32_t place : places_) {
+        shown[newPlaces[place]] = true;
+    }
+    places_.clear();
+    for (std::uint32_t place = 0; place < shown.size(); ++place) {
+        if (shown[place]) {
+            places_.push_back(place);
+        }
+    }
 }
 
 int FileListModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : Count(); }
@@ -142,12 +205,11 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const {
     }
     switch (role) {
     case Qt::DisplayRole:
-        return CellText(static_cast<std::size_t>(index.row()), index.column());
+        return CellText(PlaceAt(index.row()), index.column());
     case Qt::DecorationRole:
         return index.column() == kName ? icons_.at(IconOf(Row(index.row()))) : QVariant();
     case Qt::ToolTipRole:
-        return index.column() == kName ? TipText(CellText(static_cast<std::size_t>(index.row()), kName))
-                                       : QVariant();
+        return index.column() == kName ? TipText(CellText(PlaceAt(index.row()), kName)) : QVariant();
     case Qt::AccessibleTextRole:
         return SpokenText(index);
     case Qt::TextAlignmentRole:
@@ -159,11 +221,13 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const {
     }
 }
 
-QString FileListModel::CellText(std::size_t row, int column) const {
-    const FileRow& entry = rows_.Rows[row];
+QString FileListModel::CellText(std::size_t place, int column) const {
+    const FileRow& entry = rows_.Rows[place];
     switch (column) {
     case kName:
-        return ShownName(rows_.Name(row));
+        return ShownName(rows_.Name(place));
+    case kSize:
+        return ShownSizeText(entry);
     case kType:
         return entry.Folder ? tr("Folder") : tr("File");
     case kAccessed:
@@ -179,12 +243,19 @@ QString FileListModel::CellText(std::size_t row, int column) const {
     }
 }
 
+QString FileListModel::ShownSizeText(const FileRow& row) const {
+    if (!sizesInUnits_) {
+        return QString::number(ShownSize(row));
+    }
+    return row.Folder ? QString() : SizeInUnits(row.Size);
+}
+
 // What the icon tells. Other cells are read as they stand.
 QVariant FileListModel::SpokenText(const QModelIndex& index) const {
     if (index.column() != kName || Row(index.row()).Live) {
         return {};
     }
-    return tr("%1, deleted").arg(CellText(static_cast<std::size_t>(index.row()), kName));
+    return tr("%1, deleted").arg(CellText(PlaceAt(index.row()), kName));
 }
 
 QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -194,6 +265,9 @@ QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int
     switch (role) {
     case Qt::DisplayRole:
     case Qt::ToolTipRole: // for where it is cut
+        if (section == kSize && sizesInUnits_) {
+            return tr("Size");
+        }
         return QCoreApplication::translate("FileListModel",
                                            kLooks.at(static_cast<std::size_t>(section)).Title);
     case Qt::TextAlignmentRole:

@@ -90,16 +90,32 @@ std::optional<std::uint32_t> FolderTreeModel::PlaceOfEntry(std::uint32_t entryId
                           [this](std::uint32_t place) { return folders_.Nodes[place].EntryId; });
 }
 
-QString FolderTreeModel::PathOf(std::uint32_t place) const {
-    QString path;
+std::vector<std::uint32_t> FolderTreeModel::WayTo(std::uint32_t place) const {
+    std::vector<std::uint32_t> way;
     for (; place != kTop && Node(place).EntryId != kRootEntryId; place = Node(place).Parent) {
-        path.prepend(ShownName(folders_.Name(place)));
-        path.prepend(QLatin1Char('/'));
+        way.push_back(place);
     }
+    std::reverse(way.begin(), way.end());
+    return way;
+}
+
+// What has lost its folder stands beside the root, not in it.
+std::u16string FolderTreeModel::PathBefore(std::uint32_t place) const {
     if (place == kTop) {
-        return path.mid(1); // what has lost its folder stands beside the root, not in it
+        return {};
     }
-    return path.isEmpty() ? QStringLiteral("/") : path;
+    const std::vector<std::uint32_t> way = WayTo(place);
+    const bool lost = !way.empty() && Node(way.front()).Parent == kTop;
+    std::u16string path(lost ? u"" : u"/");
+    for (const std::uint32_t step : way) {
+        (path += folders_.Name(step)) += u'/';
+    }
+    return path;
+}
+
+QString FolderTreeModel::PathOf(std::uint32_t place) const {
+    const QString path = ShownName(PathBefore(place));
+    return path.size() > 1 ? path.chopped(1) : path;
 }
 
 std::uint32_t FolderTreeModel::PlaceOf(const QModelIndex& index) const {

@@ -35,6 +35,13 @@ public:
     /// The folder with an EntryId; nothing where there is none.
     [[nodiscard]] std::optional<std::uint32_t> PlaceOfEntry(std::uint32_t entryId) const;
 
+    /// The folders on the way to a folder, the outermost first and the folder itself last; neither the top
+    /// nor the root is named.
+    [[nodiscard]] std::vector<std::uint32_t> WayTo(std::uint32_t place) const;
+    [[nodiscard]] std::u16string_view Name(std::uint32_t place) const { return folders_.Name(place); }
+    /// What stands before a name in its path, for the names in a folder.
+    [[nodiscard]] std::u16string PathBefore(std::uint32_t place) const;
+
     /// Path of a folder, as the terminal program tells it; "/" for the root.
     [[nodiscard]] QString PathOf(std::uint32_t place) const;
 

@@ -4,6 +4,8 @@
 
 #include <QAbstractItemView>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QString>
 
 namespace thntfs {
 
@@ -15,8 +17,12 @@ public:
     virtual void RightClicked(const QModelIndex& index, const QPoint& at) = 0;
     /// True when the key was meant for it.
     virtual bool KeyPressed(int key) = 0;
-    /// False when there is nowhere to go with the Tab key.
-    virtual bool LeaveByTab() = 0;
+    /// The user wants what is selected on the clipboard.
+    virtual void CopySelected() = 0;
+    /// Tab, or with `next` false Shift+Tab. False when there is nowhere to go.
+    virtual bool LeaveByTab(bool next) = 0;
+    /// What stands where the rows would be; empty for nothing.
+    [[nodiscard]] virtual QString EmptyText() const = 0;
 
 protected:
     ~RowActions() = default;
@@ -63,13 +69,23 @@ protected:
     }
 
     void keyPressEvent(QKeyEvent* event) override {
-        if (!actions_.KeyPressed(event->key())) {
+        if (event->matches(QKeySequence::Copy)) {
+            actions_.CopySelected();
+        } else if (!actions_.KeyPressed(event->key())) {
             View::keyPressEvent(event);
         }
     }
 
     bool focusNextPrevChild(bool next) override {
-        return actions_.LeaveByTab() || View::focusNextPrevChild(next);
+        return actions_.LeaveByTab(next) || View::focusNextPrevChild(next);
+    }
+
+    void paintEvent(QPaintEvent* event) override {
+        constexpr int kMargin = 12;
+        View::paintEvent(event);
+        const QRect room = this->viewport()->rect().adjusted(kMargin, kMargin, -kMargin, -kMargin);
+        QPainter(this->viewport())
+            .drawText(room, int{Qt::AlignCenter} | int{Qt::TextWordWrap}, actions_.EmptyText());
     }
 
 private:

@@ -1,16 +1,21 @@
 #include "views/THNTFSListView.h"
 
 #include "catalogue/CatalogueReader.h"
+#include "platform/system/Text.h"
 #include "shell/DlgWait.h"
+#include "shell/ShownName.h"
 #include "shell/WindowMessages.h"
 #include "views/ContextMenu.h"
 #include "views/DetailsView.h"
 #include "views/IconView.h"
 #include "views/THNTFSTreeView.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <algorithm>
+#include <map>
 
 namespace thntfs {
 
@@ -62,22 +67,67 @@ CTHNTFSListView::CTHNTFSListView(QWidget* parent)
 void CTHNTFSListView::SetTreeView(CTHNTFSTreeView* treeView) {
     treeView_ = treeView;
     model_->SetFolderText([treeView](std::uint32_t folderId) { return treeView->PathOf(folderId); });
+    UpdateEmptyText();
 }
 
 QAbstractItemView* CTHNTFSListView::View() const { return static_cast<QAbstractItemView*>(currentWidget()); }
 
-void CTHNTFSListView::Clear() { SetRows({}, false); }
-
-void CTHNTFSListView::ShowHits(FileRows rows) {
-    SetRows(std::move(rows), true);
-    GoToTop();
+void CTHNTFSListView::Clear() {
+    SetRows({});
+    TellChanged();
 }
 
-void CTHNTFSListView::SetRows(FileRows rows, bool hits) {
+void CTHNTFSListView::ShowHits(FileRows rows, const QString& title) {
+    SetRows(std::move(rows), title);
+    GoToTop();
+    TellChanged();
+}
+
+void CTHNTFSListView::SetRows(FileRows rows, const QString& hitsTitle) {
     filledFolder_.reset();
-    showsHits_ = hits;
+    shownFolder_.reset();
+    hitsTitle_ = hitsTitle;
     model_->SetRows(std::move(rows));
-    details_->ShowFolders(hits);
+    details_->ShowFolders(ShowsHits());
+}
+
+void CTHNTFSListView::TellChanged() {
+    UpdateEmptyText();
+    if (changed_) {
+        changed_();
+    }
+}
+
+void CTHNTFSListView::Narrow(RowFilter filter) {
+    const QModelIndex current = details_->selectionModel()->currentIndex();
+    const auto place = current.isValid() ? std::optional(model_->PlaceAt(current.row())) : std::nullopt;
+    model_->SetFilter(std::move(filter));
+    const int row = place ? model_->RowAt(*place) : -1;
+    if (row >= 0) {
+        View()->setCurrentIndex(model_->index(row, 0));
+    }
+    TellChanged();
+}
+
+void CTHNTFSListView::UpdateEmptyText() {
+    const QString text = TextForNoRows();
+    if (text != emptyText_) {
+        emptyText_ = text;
+        details_->setAccessibleDescription(text);
+        icons_->setAccessibleDescription(text);
+        View()->viewport()->update();
+    }
+}
+
+QString CTHNTFSListView::TextForNoRows() const {
+    if (!IsEmpty() || ViewsBusy() || treeView_ == nullptr) {
+        return {};
+    }
+    if (CountOfAll() > 0) {
+        return tr("Nothing here fits the filter.");
+    }
+    return treeView_->IsEmpty() ? tr("Press Ctrl+W to choose a disk or an image, or drop an image file here.")
+                                : QString();
 }
 
 void CTHNTFSListView::GoToTop() {
@@ -121,6 +171,9 @@ void CTHNTFSListView::SetViewMode(std::uint32_t commandId) {
 
 void CTHNTFSListView::SetFoundEntry(std::uint32_t entryId) {
     model_->SetFoundEntry(entryId);
+    if (model_->Hides(entryId)) {
+        Narrow({}); // what was looked for is to be seen
+    }
     const int row = model_->RowOf(entryId);
     if (row >= 0) {
         View()->scrollTo(model_->index(row, 0));
@@ -137,12 +190,13 @@ std::intptr_t CTHNTFSListView::OnMessage(std::uint32_t message, std::uintptr_t w
 }
 
 void CTHNTFSListView::ShowFolder(std::uint32_t entryId) {
-    Clear();
+    SetRows({});
     try {
         ReadRows(entryId);
     } catch (const CUserException&) {
         // The box has told why; the list stays empty.
     }
+    TellChanged();
 }
 
 void CTHNTFSListView::ReadRows(std::uint32_t entryId) {
@@ -151,13 +205,14 @@ void CTHNTFSListView::ReadRows(std::uint32_t entryId) {
         return;
     }
     CDlgWait wait(this);
-    SetRows(ListRows(folder->BlockOffset, [&wait] { wait.Waiting(); }), false);
+    SetRows(ListRows(folder->BlockOffset, [&wait] { wait.Waiting(); }));
     GoToTop();
     filledFolder_ = entryId;
+    shownFolder_ = entryId;
 }
 
 void CTHNTFSListView::GoDown(std::uint32_t entryId) {
-    const bool fromHits = showsHits_;
+    const bool fromHits = ShowsHits();
     ShowFolder(entryId);
     if (fromHits) {
         WM_TREE_SELECT_FOLDER.Send(treeView_, entryId);
@@ -197,7 +252,11 @@ bool CTHNTFSListView::KeyPressed(int key) {
     return true;
 }
 
-bool CTHNTFSListView::LeaveByTab() {
+bool CTHNTFSListView::LeaveByTab(bool next) {
+    if (!next && !backTabTarget_.isNull()) {
+        backTabTarget_->setFocus(Qt::BacktabFocusReason);
+        return true;
+    }
     if (treeView_ == nullptr) {
         return false;
     }
@@ -224,7 +283,55 @@ void CTHNTFSListView::OpenMenu(int row, const QPoint& at) {
     choice.Preview = one && !hit.Folder && !PreviewWindowOpen();
     choice.Search = one && hit.Folder;
     choice.Properties = one;
-    OpenContextMenu(this, at, choice, hit.EntryId, [this] { SaveSelected(); });
+    OpenContextMenu(this, at, choice, hit.EntryId, [this] { SaveSelected(); },
+                    {{tr("&Copy Names") + QStringLiteral("\tCtrl+C"), [this] { CopyNames(); }},
+                     {tr("C&opy Paths") + QStringLiteral("\tCtrl+Shift+C"), [this] { CopyPaths(); }}});
+}
+
+bool CTHNTFSListView::HasSelection() const { return details_->selectionModel()->hasSelection(); }
+
+void CTHNTFSListView::CopyNames() const {
+    CopyRows([this](int row) { return ShownName(model_->Name(row)); });
+}
+
+void CTHNTFSListView::CopyPaths() const {
+    CopyRows([this](int row) { return PathOfRow(row); });
+}
+
+QString CTHNTFSListView::PathOfRow(int row) const {
+    const FileRow& entry = model_->Row(row);
+    if (entry.EntryId == kRootEntryId) {
+        return QStringLiteral("/");
+    }
+    std::u16string path = treeView_->PathBefore(shownFolder_.value_or(entry.FolderId));
+    return ShownName(path += model_->Name(row));
+}
+
+void CTHNTFSListView::CopyRows(const std::function<QString(int row)>& text) const {
+    QString lines;
+    for (const int row : SelectedRows()) {
+        (lines += text(row)) += QLatin1Char('\n');
+    }
+    if (!lines.isEmpty()) {
+        QApplication::clipboard()->setText(lines.chopped(1));
+    }
+}
+
+CTHNTFSListView::ShownRows CTHNTFSListView::RowsShown() const {
+    ShownRows shown;
+    std::map<std::uint32_t, std::uint32_t> placeOf;
+    for (int row = 0; row < RowCount(); ++row) {
+        const FileRow& entry = model_->Row(row);
+        const std::uint32_t folder = shownFolder_.value_or(entry.FolderId);
+        const auto [known, fresh] =
+            placeOf.try_emplace(folder, static_cast<std::uint32_t>(shown.FolderPaths.size()));
+        if (fresh) {
+            shown.FolderPaths.push_back(NarrowText(treeView_->PathBefore(folder)));
+        }
+        shown.EntryIds.push_back(entry.EntryId);
+        shown.FolderOf.push_back(known->second);
+    }
+    return shown;
 }
 
 void CTHNTFSListView::SaveSelected() const {

@@ -2,6 +2,7 @@
 
 #include "engine/EngineState.h"
 #include "shell/DesktopState.h"
+#include "shell/ShownName.h"
 #include "shell/WindowMessages.h"
 #include "views/ContextMenu.h"
 #include "views/FolderDelegate.h"
@@ -91,6 +92,29 @@ void CTHNTFSTreeView::GoToParent() {
     ShowInList(parent);
     model_->SetCurrent(parent);
     Select(parent);
+}
+
+std::vector<CTHNTFSTreeView::Step> CTHNTFSTreeView::WayTo(std::uint32_t entryId) const {
+    std::vector<Step> steps;
+    if (const auto place = model_->PlaceOfEntry(entryId)) {
+        for (const std::uint32_t step : model_->WayTo(*place)) {
+            steps.push_back({model_->Node(step).EntryId, ShownName(model_->Name(step))});
+        }
+    }
+    return steps;
+}
+
+std::u16string CTHNTFSTreeView::PathBefore(std::uint32_t entryId) const {
+    const auto place = model_->PlaceOfEntry(entryId);
+    return place ? model_->PathBefore(*place) : std::u16string();
+}
+
+void CTHNTFSTreeView::GoToFolder(std::uint32_t entryId) {
+    const auto place = model_->PlaceOfEntry(entryId);
+    if (place && !ViewsBusy()) {
+        ShowInList(*place);
+        GoTo(*place);
+    }
 }
 
 QString CTHNTFSTreeView::PathOf(std::uint32_t entryId) const {

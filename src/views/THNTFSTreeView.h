@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <QTreeView>
+#include <string>
 #include <vector>
 
 namespace thntfs {
@@ -52,6 +53,21 @@ public:
     /// Makes the parent of the current folder current and shows it in the list. Without one, or during a
     /// list's fill, nothing happens.
     void GoToParent();
+
+    /// A folder on the way to another one.
+    struct Step {
+        std::uint32_t EntryId;
+        QString Name;
+    };
+    /// The folders on the way to a folder and itself, the outermost first, without the top and the root;
+    /// empty where it isn't here.
+    [[nodiscard]] std::vector<Step> WayTo(std::uint32_t entryId) const;
+
+    /// Makes a folder current and shows it in the list. During a job or a list's fill nothing happens.
+    void GoToFolder(std::uint32_t entryId);
+
+    /// What stands before a name in its path, for the names in a folder: "/" in the root, nothing in the top.
+    [[nodiscard]] std::u16string PathBefore(std::uint32_t entryId) const;
 
     /// The names of a folder and of those above it, with slashes between; empty where it isn't here.
     [[nodiscard]] QString PathOf(std::uint32_t entryId) const;

@@ -148,7 +148,7 @@ std::set<std::string> FrameFixture::Greyed() const {
     RunEvents();
     std::set<std::string> titles;
     for (const QAction* action : Frame->actions()) {
-        if (!action->isEnabled()) {
+        if (action->isVisible() && !action->isEnabled()) {
             titles.insert(PlainTitle(*action).toStdString());
         }
     }

@@ -41,7 +41,8 @@ TEST_F(FrameLook, AtTheStartNothingIsThereToWorkWith) {
     EXPECT_EQ(Greyed(), (std::set<std::string>{"", "Open found Logical Drive", "Find", "Find Next",
                                                "Save All", "Stop Current Process", "Save Partition Info",
                                                "Save Tree Info", "Go to Parent Folder", "Turbo Scan",
-                                               "Clear Process  Log", "Save Process Log"}));
+                                               "Clear Process  Log", "Save Process Log", "Copy Names",
+                                               "Copy Paths", "Save List As...", "Path Line", "Clear List"}));
     for (const QAction* action : Toolbar().actions()) {
         EXPECT_TRUE(action->isSeparator() || !action->icon().pixmap(32, 32).isNull());
     }

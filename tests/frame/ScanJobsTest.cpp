@@ -62,7 +62,7 @@ TEST_F(ScanJobs, ABasicScanFillsTheWindow) {
     const std::string saved = TreeText();
     const std::string totals = Pane(1);
     EXPECT_EQ(Greyed(), (Titles{"", "Find Next", "Go to Parent Folder", "Stop Current Process", "Turbo Scan",
-                                "Clear Process  Log", "Save Process Log"}));
+                                "Clear Process  Log", "Save Process Log", "Copy Names", "Copy Paths"}));
     AtRead(1, [this] {
         EXPECT_TRUE(TreeIsEmpty());
         EXPECT_EQ(Pane(1), "  0.000 KB in 0 Files in 0 Folders");
@@ -102,7 +102,8 @@ TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
     const auto whileStopping = [&] {
         EXPECT_EQ(Greyed(),
                   (Titles{"", "Wizard", "Clone Disk", "Find", "Find Next", "Save All", "Save Tree Info",
-                          "Stop Current Process", "Go to Parent Folder", "Turbo Scan", "Spoor Hound"}));
+                          "Stop Current Process", "Go to Parent Folder", "Turbo Scan", "Spoor Hound",
+                          "Copy Names", "Copy Paths", "Save List As...", "Path Line"}));
         EXPECT_EQ(Close(), Texts{"Information: Please wait..."});
         for (const char* title : startsWork) {
             EXPECT_EQ(Insist(title), Texts{"Information: Please wait..."}) << title;
@@ -117,8 +118,8 @@ TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
             EXPECT_EQ(greyed.erase(title), 1U) << title;
             EXPECT_EQ(Insist(title), Texts{}) << title;
         }
-        EXPECT_EQ(greyed,
-                  (Titles{"", "Find", "Find Next", "Save All", "Go to Parent Folder", "Spoor Hound"}));
+        EXPECT_EQ(greyed, (Titles{"", "Find", "Find Next", "Save All", "Go to Parent Folder", "Spoor Hound",
+                                  "Copy Names", "Copy Paths", "Save List As...", "Path Line"}));
         EXPECT_EQ(Close(), Texts{"Warning: Please stop running process"});
         Desktop.CopyDialog = reinterpret_cast<CVarientCloneImageDialog*>(Frame.get());
         EXPECT_FALSE(IsOffered("Stop Current Process")) << "a copy has its own";

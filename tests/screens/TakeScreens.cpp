@@ -7,6 +7,7 @@
 #include "dialogs/RenameFile.h"
 #include "dialogs/SaveChoice.h"
 #include "dialogs/SaveData.h"
+#include "dialogs/SaveListChoice.h"
 #include "dialogs/SaveWishes.h"
 #include "dialogs/SplashWnd.h"
 #include "dialogs/THNTFSFindFile.h"
@@ -127,6 +128,15 @@ TEST_F(Screens, MainWindowAboutAndHelp) {
     LoadByMenu(SavedScanOf(Volume("sample.img")));
     ChooseFolder({"Root", "Pictures", "Summer 2022"});
     Shoot("main-tree");
+    Find<QWidget>("ListView").parentWidget()->findChild<QLineEdit*>()->setText(QStringLiteral("a"));
+    ChooseInMenu("View/Sizes in KB, MB, GB");
+    Shoot("main-filtered");
+    Answers.When<CSaveListChoice>([](CSaveListChoice& dialog) {
+        Shoot("save-list");
+        Press(dialog, "Cancel");
+    });
+    ChooseInMenu("Tools/Save List As...");
+    ChooseInMenu("View/Sizes in Bytes");
     ChooseInMenu("View/Large Icons");
     Shoot("main-icons");
     PressKey(Qt::Key_F1);
