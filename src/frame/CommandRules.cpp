@@ -51,8 +51,6 @@ bool CommandEnabled(std::uint32_t command, const FrameState& state) {
         return idle && state.HasTree && (state.HasRows || state.HasPath);
     case kCmdPathLine:
         return state.HasPath;
-    case kCmdClearRecent:
-        return state.HasRecent;
     case kCmdClearLog:
     case kCmdSaveLog:
         return state.HasLog;

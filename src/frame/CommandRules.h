@@ -22,7 +22,6 @@ struct FrameState {
     bool HasRows = false;       ///< the list shows at least one
     bool HasSelection = false;  ///< in the list
     bool HasPath = false;       ///< the line above the list tells where one is
-    bool HasRecent = false;     ///< something has been opened before
     bool SizesInUnits = false;  ///< the list shows sizes in KB, MB and GB
 };
 

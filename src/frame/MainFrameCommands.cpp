@@ -216,7 +216,6 @@ FrameState CMainFrame::State() const {
     state.HasRows = !listView_->IsEmpty();
     state.HasSelection = listView_->HasSelection();
     state.HasPath = listView_->ShowsHits() || listView_->ShownFolder().has_value();
-    state.HasRecent = !recent_.Paths().isEmpty();
     state.SizesInUnits = listView_->SizesInUnits();
     return state;
 }

@@ -42,7 +42,7 @@ TEST_F(FrameLook, AtTheStartNothingIsThereToWorkWith) {
                                                "Save All", "Stop Current Process", "Save Partition Info",
                                                "Save Tree Info", "Go to Parent Folder", "Turbo Scan",
                                                "Clear Process  Log", "Save Process Log", "Copy Names",
-                                               "Copy Paths", "Save List As...", "Path Line", "Clear List"}));
+                                               "Copy Paths", "Save List As...", "Path Line"}));
     for (const QAction* action : Toolbar().actions()) {
         EXPECT_TRUE(action->isSeparator() || !action->icon().pixmap(32, 32).isNull());
     }
