@@ -32,6 +32,7 @@ void ProgressBar::Begin(const std::string& label, Unit unit, std::uint32_t secto
     label_ = label;
     unit_ = unit;
     sectorBytes_ = sectorBytes;
+    remaining_ = {};
     started_ = SecondsNow();
     drawn_ = started_;
 }
@@ -41,6 +42,7 @@ void ProgressBar::Update(std::uint64_t done, std::uint64_t total) {
         return;
     }
     const double now = SecondsNow();
+    remaining_.Look(now, static_cast<double>(done), static_cast<double>(total));
     if (now - started_ >= kSilentSeconds && now - drawn_ >= kDrawSeconds) {
         Draw(done, total, now);
     }
@@ -61,16 +63,12 @@ void ProgressBar::Wipe() {
 
 void ProgressBar::Draw(std::uint64_t done, std::uint64_t total, double now) {
     drawn_ = now;
-    const double seconds = now - started_;
     const double share =
         total == 0 ? 0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
-    const double perSecond = static_cast<double>(done) / seconds;
+    const double sinceStart = static_cast<double>(done) / (now - started_);
     std::string line = label_ + " ";
-    std::string tail =
-        " " + std::to_string(static_cast<unsigned>(share * 100)) + " %  " + RateText(perSecond);
-    if (share > 0) {
-        tail += "  " + DurationText(seconds / share - seconds) + " left";
-    }
+    const std::string tail = " " + std::to_string(static_cast<unsigned>(share * 100)) + " %  " +
+                             RateText(remaining_.Pace(now).value_or(sinceStart)) + "  " + TimeText(now);
     const std::size_t width = TerminalColumns() - 1;
     const std::size_t taken = line.size() + tail.size() + 2;
     if (taken + 4 <= width) {
@@ -80,6 +78,11 @@ void ProgressBar::Draw(std::uint64_t done, std::uint64_t total, double now) {
     std::fprintf(stderr, "\r%s\x1b[K", line.c_str());
     std::fflush(stderr);
     shown = true;
+}
+
+std::string ProgressBar::TimeText(double now) const {
+    const auto left = remaining_.Left(now);
+    return DurationText(now - started_) + (left ? ", about " + RoughTimeText(*left) + " left" : "");
 }
 
 std::string ProgressBar::RateText(double perSecond) const {

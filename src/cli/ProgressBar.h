@@ -1,12 +1,14 @@
 #pragma once
 
+#include "platform/system/RemainingTime.h"
+
 #include <cstdint>
 #include <string>
 
 namespace thntfs {
 
-/// The bar on standard error: label, bar, percent, rate and time left. It shows itself only on a terminal,
-/// and only once the work has taken a second; it is drawn anew at most ten times a second.
+/// The bar on standard error: label, bar, percent, rate, time passed and time left. It shows itself only on a
+/// terminal, and only once the work has taken a second; it is drawn anew at most ten times a second.
 class ProgressBar {
 public:
     /// What is counted, for the rate.
@@ -24,12 +26,14 @@ public:
 
 private:
     void Draw(std::uint64_t done, std::uint64_t total, double now);
+    [[nodiscard]] std::string TimeText(double now) const;
     [[nodiscard]] std::string RateText(double perSecond) const;
 
     bool onTerminal_;
     std::string label_;
     Unit unit_ = Unit::Record;
     std::uint32_t sectorBytes_ = 0;
+    RemainingTime remaining_;
     double started_ = 0;
     double drawn_ = 0;
 };

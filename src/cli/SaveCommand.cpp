@@ -8,6 +8,7 @@
 #include "content/SaveReport.h"
 #include "content/ZipFolder.h"
 #include "engine/EngineState.h"
+#include "platform/system/Terminal.h"
 
 #include <nlohmann/json.hpp>
 
@@ -106,12 +107,37 @@ FoundEntries FindAllWanted(const std::vector<std::string>& paths) {
     return wanted;
 }
 
-std::size_t SaveWanted(const std::vector<std::string>& paths, EntrySaver& saver) try {
+SaveOptions WhatToSave(const Options& options) {
+    SaveOptions wanted;
+    wanted.Reach = options.Deleted    ? SaveReach::DeletedOnly
+                   : options.Existing ? SaveReach::ExistingOnly
+                                      : SaveReach::All;
+    if (options.ByCriteria) {
+        wanted.Names.emplace(options.Criteria);
+    }
+    wanted.Excluded = options.Excluded;
+    wanted.Conditions = options.Conditions;
+    wanted.AsStored = options.AsStored;
+    wanted.Streams = options.Streams;
+    wanted.Report = options.Report.has_value();
+    return wanted;
+}
+
+void ShowWholeSave(TerminalHost& host, EntrySaver& saver, std::uint64_t bytes) {
+    host.ShowWork = [&host, &saver, bytes] { host.Bar.Update(saver.Done().Bytes, bytes); };
+}
+
+std::size_t SaveWanted(const Options& options, EntrySaver& saver, TerminalHost& host) try {
+    const std::vector<std::string> paths =
+        options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
     const FoundEntries wanted = FindAllWanted(paths);
+    if (IsTerminal(StandardStream::Error)) { // counting takes a walk through the catalogue
+        ShowWholeSave(host, saver, CountSaveWork(wanted.Entries, WhatToSave(options)).Bytes);
+    }
     saver.Save(wanted.Entries);
     return wanted.PathsMissing;
 } catch (const CUserException&) {
-    return paths.size();
+    return options.Paths.empty() ? 1 : options.Paths.size();
 }
 
 std::string TotalsJson(const SaveTotals& totals, const Options& options, bool scannedAll) {
@@ -125,7 +151,8 @@ std::string TotalsJson(const SaveTotals& totals, const Options& options, bool sc
                                            {"links", totals.Links},
                                            {"streams", totals.Streams},
                                            {"streamsLeft", totals.StreamsLeft},
-                                           {"leftOut", totals.LeftOut + totals.TypesLeftOut}};
+                                           {"leftOut", totals.LeftOut + totals.TypesLeftOut},
+                                           {"typesLeftOut", totals.TypesLeftOut}};
     return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
@@ -162,22 +189,6 @@ std::string TotalsText(const SaveTotals& totals, const Options& options) {
     return line + "\n";
 }
 
-SaveOptions WhatToSave(const Options& options) {
-    SaveOptions wanted;
-    wanted.Reach = options.Deleted    ? SaveReach::DeletedOnly
-                   : options.Existing ? SaveReach::ExistingOnly
-                                      : SaveReach::All;
-    if (options.ByCriteria) {
-        wanted.Names.emplace(options.Criteria);
-    }
-    wanted.Excluded = options.Excluded;
-    wanted.Conditions = options.Conditions;
-    wanted.AsStored = options.AsStored;
-    wanted.Streams = options.Streams;
-    wanted.Report = options.Report.has_value();
-    return wanted;
-}
-
 int ExitCodeOf(const SaveTotals& totals, std::size_t missing, std::size_t asked) {
     if (Engine.ScanRunFlag == 0) {
         return kExitDoneInPart;
@@ -205,11 +216,10 @@ int RunSave(const Options& options) {
     }
     TerminalListener listener(report);
     EntrySaver saver(std::move(target), listener, WhatToSave(options));
-    const std::vector<std::string> paths =
-        options.Paths.empty() ? std::vector<std::string>{""} : options.Paths;
     session.Host.Bar.Begin("Saving", ProgressBar::Unit::Byte);
-    const std::size_t missing = SaveWanted(paths, saver);
+    const std::size_t missing = SaveWanted(options, saver, session.Host);
     const SaveTotals& totals = saver.Finish();
+    session.Host.ShowWork = nullptr;
     session.Host.Bar.End();
     if (options.ByCriteria && missing == 0 && totals.Files + totals.Folders + totals.Failed == 0) {
         PrintMessage("Nothing there is what you asked for.");

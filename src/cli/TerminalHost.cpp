@@ -27,7 +27,9 @@ void TerminalHost::LogEvent(const ProcessLogEntry& entry) {
     }
 }
 
-void TerminalHost::JobProgress() { Bar.Update(Engine.ProgressDone, Engine.ProgressTotal); }
+void TerminalHost::JobProgress() {
+    ShowWork ? ShowWork() : Bar.Update(Engine.ProgressDone, Engine.ProgressTotal);
+}
 
 void TerminalHost::SearchPosition(std::uint64_t sector, std::uint64_t endSector) {
     Bar.Update(sector - searchFirst_, endSector - searchFirst_);

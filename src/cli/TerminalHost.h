@@ -4,6 +4,7 @@
 #include "engine/Host.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace thntfs {
@@ -36,6 +37,10 @@ public:
     [[nodiscard]] bool ReaderGone() const;
 
     ProgressBar Bar;
+
+    /// Where a job has many small works: brings the bar up to date in place of the progress pair, which
+    /// counts in one of them.
+    std::function<void()> ShowWork;
 
 private:
     std::uint64_t readErrors_ = 0;

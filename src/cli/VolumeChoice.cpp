@@ -8,6 +8,7 @@
 #include "partitions/OpenSource.h"
 #include "partitions/VolumeList.h"
 #include "partitions/VolumeText.h"
+#include "partitions/WhyNoVolumes.h"
 #include "platform/system/Interrupt.h"
 #include "scaninfo/JobLog.h"
 
@@ -109,7 +110,8 @@ int TellNoVolumeInTable(const Options& options) {
         PrintMessage("The partition table of " + options.Medium +
                      " can't be read: " + SystemErrorText(answer.FirstSector));
     } else if (std::none_of(volumes.begin(), volumes.end(), isEncrypted)) {
-        PrintMessage("No NTFS volume stands in the partition table of " + options.Medium + ".");
+        PrintMessage("No NTFS volume stands in the partition table of " + options.Medium + "." +
+                     (volumes.empty() ? " " + WhyNoVolumes() : ""));
     }
     TellUnusableVolumes();
     if (!volumes.empty() && std::all_of(volumes.begin(), volumes.end(), isEncrypted)) {

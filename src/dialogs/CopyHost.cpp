@@ -15,7 +15,8 @@ constexpr double kReportSeconds = 0.1;
 CopyHost::CopyHost(MessageTarget& dialog, const CopyJob& job)
     : before_(Host())
     , dialog_(dialog)
-    , job_(job) {
+    , job_(job)
+    , began_(SecondsNow()) {
     SetHost(this);
 }
 
@@ -23,8 +24,6 @@ CopyHost::~CopyHost() { SetHost(&before_); }
 
 void CopyHost::BeginPart(CopyPart part) {
     part_ = part;
-    began_ = SecondsNow();
-    waited_ = 0;
     Engine.ProgressDone = 0;
     Engine.ProgressTotal = 0;
 }

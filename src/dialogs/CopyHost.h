@@ -12,7 +12,7 @@ struct CopyFigures {
     std::uint64_t Position = 0; ///< of the source, behind what was copied last
     std::uint64_t Done = 0;     ///< in this part of this run
     std::uint64_t PartTotal = 0;
-    double Seconds = 0; ///< that this part has been at work, the user's pauses left out
+    double Seconds = 0; ///< that the copy has been at work, the user's pauses left out
     CopySums Sums;
 };
 
@@ -49,7 +49,7 @@ private:
     CopyPart part_ = CopyPart::Copying;
     std::uint64_t position_ = 0;
     int percent_ = -1;
-    double began_ = 0;
+    double began_;
     double waited_ = 0; ///< seconds in the gate and on the way
     double reported_ = 0;
 };

@@ -9,6 +9,7 @@
 #include "shell/DesktopState.h"
 #include "shell/Icons.h"
 #include "shell/PauseGate.h"
+#include "shell/WorkTime.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -18,7 +19,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QWindow>
-#include <algorithm>
 #include <limits>
 #include <system_error>
 
@@ -52,6 +52,11 @@ QLabel* HelpLink(QWidget* parent) {
     link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     QObject::connect(link, &QLabel::linkActivated, link, [](const QString& page) { ShowHelp(page); });
     return link;
+}
+
+QString RateText(double sectorsPerSecond) {
+    const double bytes = sectorsPerSecond * Engine.SourceDisk.BytesPerSector;
+    return QString::fromStdString(ByteText(static_cast<std::uint64_t>(bytes)));
 }
 
 QString Grouped(std::uint64_t number) { return QLocale(QLocale::English).toString(qulonglong{number}); }
@@ -209,17 +214,11 @@ void CVarientCloneImageDialog::ShowFigures(const CopyFigures& figures) {
 }
 
 void CVarientCloneImageDialog::ShowRate(const CopyFigures& figures) {
-    constexpr double kFirstGuessSeconds = 1;
-    if (figures.Seconds < kFirstGuessSeconds || figures.Done == 0) {
-        return;
-    }
-    const double perSecond = static_cast<double>(figures.Done) / figures.Seconds;
-    const double left =
-        static_cast<double>(figures.PartTotal - std::min(figures.Done, figures.PartTotal)) / perSecond;
-    const auto bytes = static_cast<std::uint64_t>(perSecond * Engine.SourceDisk.BytesPerSector);
-    rate_->setText(
-        tr("%1/s, %2 left")
-            .arg(QString::fromStdString(ByteText(bytes)), QString::fromStdString(DurationText(left))));
+    remaining_.Look(figures.Seconds, static_cast<double>(figures.Done),
+                    static_cast<double>(figures.PartTotal));
+    const QString time = TimeText(figures.Seconds, remaining_.Left(figures.Seconds));
+    const auto pace = remaining_.Pace(figures.Seconds);
+    rate_->setText(pace ? tr("%1/s, %2").arg(RateText(*pace), time) : time);
 }
 
 // The worker may have told its end, or be about to: that is shown once the question is answered.

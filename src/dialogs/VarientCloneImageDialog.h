@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dialogs/CopyHost.h"
+#include "platform/system/RemainingTime.h"
 #include "shell/JobThread.h"
 #include "shell/MessageTarget.h"
 #include "shell/WindowMessages.h"
@@ -57,6 +58,7 @@ private:
     QPushButton* stop_;
 
     CopyWork imagingMode_ = CopyWork::Clone;
+    RemainingTime remaining_;
     std::uint32_t lastPercent_ = 0;
     std::int64_t lastPosition_ = -1;
     bool asking_ = false;               ///< the stop question stands

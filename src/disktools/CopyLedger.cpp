@@ -1,6 +1,8 @@
 #include "disktools/CopyLedger.h"
 
 #include "disktools/CopyMapFile.h"
+#include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "engine/SectorReader.h"
 #include "platform/files/File.h"
 #include "platform/system/Terminal.h"
@@ -42,6 +44,7 @@ void CopyLedger::Close(File& target, const CopyPlace& place) {
     if (targetLost_) {
         return;
     }
+    CheckTarget(target);
     // After a failure the system may forget what it could not write, and report success the next time.
     const ErrorCode error = target.Sync();
     if (error != kErrorNone) {
@@ -49,6 +52,17 @@ void CopyLedger::Close(File& target, const CopyPlace& place) {
         RaiseFatal(error);
     }
     (void)WriteMap(place);
+}
+
+// An image goes on growing on a disk that was unmounted under it, where nobody can get at it, while its map
+// would be written to what stands at the path now.
+void CopyLedger::CheckTarget(File& target) {
+    if (!targetPath_.empty() && !target.StandsAt(targetPath_)) {
+        targetLost_ = true;
+        Host().ErrorBox(targetPath_ + " isn't the file any more that is being written: its disk has been "
+                                      "unmounted, or it has been moved or deleted. The copy ends here.");
+        throw CUserException{kErrorFileInvalid};
+    }
 }
 
 ErrorCode CopyLedger::WriteMap(const CopyPlace& place) {

@@ -4,6 +4,7 @@
 #include "platform/system/ErrorCodes.h"
 
 #include <string>
+#include <utility>
 
 namespace thntfs {
 
@@ -20,6 +21,9 @@ public:
     /// goes into it. `comment` stands in its head.
     CopyLedger(CopyMap map, std::string mapPath, std::string comment, double seconds = 5);
 
+    /// From now on the target must stand at this path whenever the map file is written: beside it, that is.
+    void WatchTarget(std::string path) { targetPath_ = std::move(path); }
+
     [[nodiscard]] const CopyMap& Map() const { return map_; }
 
     /// Notes what has been handed to the target, in bytes.
@@ -30,7 +34,8 @@ public:
     ErrorCode Begin(const CopyPlace& place);
 
     /// To be called now and then: brings the map file up to date if it is time. Throws CUserException, after
-    /// a box, where the target's device did not take what was written.
+    /// a box, where the target's device did not take what was written, and where the target doesn't stand at
+    /// its path any more.
     void Pass(File& target, const CopyPlace& place);
 
     /// Brings target and map file up to date at the end of a copy. Throws as Pass does.
@@ -45,9 +50,11 @@ public:
     [[nodiscard]] ErrorCode MapFailure() const { return mapFailure_; }
 
 private:
+    void CheckTarget(File& target);
     ErrorCode WriteMap(const CopyPlace& place);
 
     CopyMap map_;
+    std::string targetPath_; ///< empty where it isn't watched
     std::string mapPath_;
     std::string comment_;
     double seconds_ = 0;

@@ -167,6 +167,7 @@ CopyVerdict ImageTarget::Failed(CopyRefusal why, const std::string& path, ErrorC
 
 void ImageTarget::MakeLedger(CopyMap map) {
     ledger_.emplace(std::move(map), mapPath_, MapComment(AbsolutePath(source_), serial_));
+    ledger_->WatchTarget(AbsolutePath(image_));
 }
 
 std::string ImageTarget::OriginRemark() const {

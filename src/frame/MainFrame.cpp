@@ -132,10 +132,13 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
         break;
     case WM_JOB_FAILED:
         job_.EndFailed();
+        scans_.NoteEnd();
+        panes_.ClearMarked(); // the job's time stood there
         UpdateCommands();
         break;
     case WM_JOB_PROGRESS:
         panes_.ShowProgress();
+        scans_.ShowProgress();
         saves_.ShowProgress();
         break;
     case WM_PROGRESS_CAPTION:
@@ -248,6 +251,7 @@ void CMainFrame::FinishJob(FinishedJob kind) {
         showMaximized();
     }
     job_.ReturnToIdle();
+    scans_.NoteEnd();
     UpdateCommands();
     panes_.ClearMarked();
 }

@@ -15,6 +15,7 @@
 #include "frame/StatusPanes.h"
 #include "frame/Themes.h"
 #include "preview/Previews.h"
+#include "shell/Boxes.h"
 #include "shell/MessageTarget.h"
 
 #include <QCoreApplication>
@@ -111,7 +112,9 @@ private:
     // The end.
     bool MayClose();
     bool GiveUpScan();
+    bool AskToSave(const QString& question, BoxButtons buttons);
     bool AskAboutScan();
+    bool MayOverwriteScan();
     void WatchForEnd();
     void EndIfAsked();
 

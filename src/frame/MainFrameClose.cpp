@@ -17,9 +17,8 @@ namespace thntfs {
 
 // A result that could not be saved stays on the screen: the log tells why, and the user may try another
 // place.
-bool CMainFrame::AskAboutScan() {
-    switch (ShowBox(tr("Do you want to save scan information?"), tr("Confirm"), BoxIcon::Information,
-                    BoxButtons::YesNoCancel)) {
+bool CMainFrame::AskToSave(const QString& question, BoxButtons buttons) {
+    switch (ShowBox(question, tr("Confirm"), BoxIcon::Information, buttons)) {
     case BoxAnswer::Yes:
         return SaveTree();
     case BoxAnswer::No:
@@ -27,6 +26,10 @@ bool CMainFrame::AskAboutScan() {
     default:
         return false;
     }
+}
+
+bool CMainFrame::AskAboutScan() {
+    return AskToSave(tr("Do you want to save scan information?"), BoxButtons::YesNoCancel);
 }
 
 // To be called before another medium or volume takes the place of what the views show. False where the user
@@ -37,6 +40,12 @@ bool CMainFrame::GiveUpScan() {
     }
     ClearViews();
     return true;
+}
+
+// Turbo Scan takes the place of the Basic Scan before it.
+bool CMainFrame::MayOverwriteScan() {
+    return !scanInfo_.HasUnsavedScan() || treeView_->IsEmpty() ||
+           AskToSave(tr("Save the result of the Basic Scan first?"), BoxButtons::SaveCancel);
 }
 
 bool CMainFrame::MayClose() {

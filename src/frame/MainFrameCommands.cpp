@@ -67,7 +67,7 @@ void CMainFrame::RunCommand(std::uint32_t command) {
         job_.Stop();
         break;
     case kCmdTurboScan:
-        if (job_.MayStartWork()) {
+        if (job_.MayStartWork() && MayOverwriteScan()) {
             StartTurboScan();
         }
         break;

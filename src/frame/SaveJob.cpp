@@ -120,7 +120,7 @@ bool SaveJob::OpenTarget(const QString& folder, bool compressed) {
 void SaveJob::ShowProgress() {
     ShowRows();
     if (run_.Saver != nullptr) {
-        panes_.ShowWork(run_.Progress.Text(run_.Saver->Done()));
+        panes_.ShowWork(run_.Progress.Of(run_.Saver->Done()));
     }
 }
 

@@ -4,16 +4,12 @@
 
 #include <QCoreApplication>
 #include <QStringList>
-#include <cmath>
 
 namespace thntfs {
 
 namespace {
 
-constexpr double kMillisecondsToJudge = 2000;
 constexpr double kFileCost = 16384; // a file costs about as much as that many bytes of it
-constexpr double kMinute = 60;
-constexpr double kHour = 3600;
 
 QString Counted(std::uint64_t count, const QString& one, const QString& many) {
     return (count == 1 ? one : many).arg(count);
@@ -28,20 +24,6 @@ QString Size(std::uint64_t bytes) { return QString::fromStdString(ByteText(bytes
 
 double CostOf(const SaveWork& work) {
     return static_cast<double>(work.Bytes) + static_cast<double>(work.Files) * kFileCost;
-}
-
-QString RoughTime(double seconds) {
-    const auto rounded = [seconds](double unit) {
-        return static_cast<std::uint64_t>(std::llround(seconds / unit));
-    };
-    if (seconds < kMinute) {
-        return QCoreApplication::translate("SaveTexts", "less than a minute");
-    }
-    return seconds < 1.5 * kHour
-               ? Counted(rounded(kMinute), QCoreApplication::translate("SaveTexts", "%1 minute"),
-                         QCoreApplication::translate("SaveTexts", "%1 minutes"))
-               : Counted(rounded(kHour), QCoreApplication::translate("SaveTexts", "%1 hour"),
-                         QCoreApplication::translate("SaveTexts", "%1 hours"));
 }
 
 /// What went wrong, or was left, a phrase each.
@@ -62,25 +44,11 @@ QStringList Remainders(const SaveTotals& totals) {
 
 } // namespace
 
-void SaveProgress::Begin(const SaveWork& wanted) {
-    wanted_ = wanted;
-    since_.start();
-}
-
-QString SaveProgress::Text(const SaveWork& done) const {
-    return tr("%1 of %2, %3 of %4%5")
-        .arg(done.Files)
-        .arg(FilesText(wanted_.Files), Size(done.Bytes), Size(wanted_.Bytes), TimeLeft(done));
-}
-
-QString SaveProgress::TimeLeft(const SaveWork& done) const {
-    const auto elapsed = static_cast<double>(since_.elapsed());
-    if (elapsed < kMillisecondsToJudge || CostOf(done) <= 0) {
-        return {};
-    }
-    constexpr double kSecond = 1000;
-    const double left = elapsed / kSecond * (CostOf(wanted_) / CostOf(done) - 1);
-    return tr(", %1 left").arg(RoughTime(left));
+WorkDone SaveProgress::Of(const SaveWork& done) const {
+    return {CostOf(done), CostOf(wanted_),
+            tr("%1 of %2, %3 of %4")
+                .arg(done.Files)
+                .arg(FilesText(wanted_.Files), Size(done.Bytes), Size(wanted_.Bytes))};
 }
 
 QString SaveSummary(const SaveTotals& totals) {

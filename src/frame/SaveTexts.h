@@ -1,9 +1,9 @@
 #pragma once
 
 #include "content/SaveEntries.h"
+#include "frame/StatusPanes.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QString>
 
 namespace thntfs {
@@ -14,16 +14,13 @@ class SaveProgress {
 
 public:
     /// The first file is about to be saved.
-    void Begin(const SaveWork& wanted);
+    void Begin(const SaveWork& wanted) { wanted_ = wanted; }
 
-    /// "12 of 345 files, 1.2 MB of 3.4 GB, 5 minutes left"; the time once it can be judged.
-    [[nodiscard]] QString Text(const SaveWork& done) const;
+    /// "12 of 345 files, 1.2 MB of 3.4 GB", with what they cost.
+    [[nodiscard]] WorkDone Of(const SaveWork& done) const;
 
 private:
-    [[nodiscard]] QString TimeLeft(const SaveWork& done) const;
-
     SaveWork wanted_;
-    QElapsedTimer since_;
 };
 
 /// "Saved 12 files (3.4 MB) in 2 folders; 1 damaged; 2 could not be saved", with all there is to tell.

@@ -81,11 +81,11 @@ bool ScanInfoFiles::MayForgetCatalogue() const {
 }
 
 QString ScanInfoFiles::ChooseTreeInfo() const {
-    return ChooseFileToOpen(&owner_, tr("Load Tree Info"), TreeFilter());
+    return ChooseFileToOpen(&owner_, tr("Load Tree Info"), TreeFilter(), FileKind::Scan);
 }
 
 QString ScanInfoFiles::ChoosePartitionInfo() const {
-    return ChooseFileToOpen(&owner_, tr("Load Partition Info"), PartitionFilter());
+    return ChooseFileToOpen(&owner_, tr("Load Partition Info"), PartitionFilter(), FileKind::Scan);
 }
 
 bool ScanInfoFiles::LoadTree(const QString& path, const std::function<void()>& show) {
@@ -102,7 +102,7 @@ bool ScanInfoFiles::SaveTree() {
     QWidget* wizard = QApplication::activeModalWidget(); // it may lead here as well as the menu
     const QString path = ChooseFileToSave(wizard != nullptr ? wizard : &owner_, tr("Save Tree Info"),
                                           QString::fromStdString(SuggestedTreeInfoName(LocalNow())),
-                                          TreeFilter(), TextOf(kTreeInfoExtension));
+                                          TreeFilter(), TextOf(kTreeInfoExtension), FileKind::Scan);
     if (path.isEmpty() || !MayWriteScanInfo(path, kTreeInfoExtension) || !PathIsKept()) {
         return false;
     }
@@ -118,7 +118,7 @@ bool ScanInfoFiles::SaveTree() {
 void ScanInfoFiles::SavePartitions() const {
     const QString path = ChooseFileToSave(&owner_, tr("Save Partition Info"),
                                           QString::fromStdString(SuggestedPartitionInfoName(LocalNow())),
-                                          PartitionFilter(), TextOf(kPartitionInfoExtension));
+                                          PartitionFilter(), TextOf(kPartitionInfoExtension), FileKind::Scan);
     if (!path.isEmpty() && MayWriteScanInfo(path, kPartitionInfoExtension) && PathIsKept() &&
         SavePartitionInfo(path.toStdString()).Done) {
         recent_.Note(TargetOf(path, kPartitionInfoExtension));

@@ -33,12 +33,18 @@ public:
     void StartBasicScan();
     void StartTurboScan(std::uint8_t logicalDriveNumber);
 
+    /// Shows how far a scan that runs is; for handling WM_JOB_PROGRESS, while the worker waits.
+    void ShowProgress();
+    /// To be called when a job has ended.
+    void NoteEnd() { runs_ = false; }
+
 private:
     JobControl& job_;
     MessageTarget& frame_;
     CTHNTFSTreeView& tree_;
     StatusPanes& panes_;
     ScanReach reach_{.Exact = true};
+    bool runs_ = false;
     std::atomic<bool> basicScanDone_{false}; ///< written by the worker
 };
 

@@ -15,6 +15,7 @@ namespace {
 constexpr const char* kIdleText = QT_TRANSLATE_NOOP("StatusPanes", "Ready");
 constexpr const char* kNoTotalsText = QT_TRANSLATE_NOOP("StatusPanes", "Total 0 KB in 0 Files in 0 Folders");
 constexpr int kNoticeMilliseconds = 6000;
+constexpr int kTimeMilliseconds = 1000;
 
 // Widths in blanks. The first pane stretches, and always has room for a job's text and bar.
 struct PaneWidth {
@@ -47,6 +48,7 @@ StatusPanes::StatusPanes(QStatusBar* bar) {
         notice_.clear();
         ShowPrompt({});
     });
+    QObject::connect(&timeTimer_, &QTimer::timeout, &timeTimer_, [this] { ShowTime(); });
 }
 
 void StatusPanes::ShowPrompt(const QString& prompt) {
@@ -78,12 +80,30 @@ void StatusPanes::ForgetTotals() {
 
 void StatusPanes::ClearMarked() { panes_[2]->clear(); }
 
-void StatusPanes::ShowWork(const QString& text) { panes_[2]->setText(text); }
+void StatusPanes::ShowWork(const WorkDone& work) {
+    time_.Look(work.Done, work.Total);
+    workText_ = work.Text;
+    if (!timeTimer_.isActive()) {
+        timeTimer_.start(kTimeMilliseconds);
+        ShowTime();
+    }
+}
+
+void StatusPanes::ShowTime() {
+    const QString time = time_.Text();
+    panes_[2]->setText(time.isEmpty() ? workText_ : tr("%1, %2").arg(time, workText_));
+}
+
+void StatusPanes::EndProgress() {
+    progressBar_.reset();
+    timeTimer_.stop();
+}
 
 void StatusPanes::BeginProgress(const char* caption) {
     constexpr int kWholePane = 100;
     constexpr int kMaximum = 100;
-    progressBar_.reset();
+    EndProgress();
+    time_.Begin();
     progressBar_ = std::make_unique<CProgressBar>(
         panes_[0], QCoreApplication::translate("StatusPanes", caption), kWholePane, kMaximum);
     SetPhase(QT_TRANSLATE_NOOP("StatusPanes", "Scanning"));

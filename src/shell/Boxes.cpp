@@ -6,6 +6,7 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
 #include <memory>
@@ -20,6 +21,7 @@ struct BoxRequest {
     BoxIcon Icon;
     BoxButtons Buttons;
     BoxAnswer Preset;
+    const QString& More;
 };
 
 bool boxesRefused = false;
@@ -44,6 +46,8 @@ QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
         return QMessageBox::Yes | QMessageBox::No;
     case BoxButtons::YesNoCancel:
         return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case BoxButtons::SaveCancel:
+        return QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel;
     default:
         return QMessageBox::Ok;
     }
@@ -54,6 +58,7 @@ BoxAnswer AnswerUnasked(BoxButtons buttons) {
     case BoxButtons::YesNo:
         return BoxAnswer::No;
     case BoxButtons::YesNoCancel:
+    case BoxButtons::SaveCancel:
         return BoxAnswer::Cancel;
     default:
         return BoxAnswer::Ok;
@@ -70,8 +75,10 @@ QWidget* Owner() {
 BoxAnswer AnswerOf(int button, BoxButtons buttons) {
     switch (button) {
     case QMessageBox::Yes:
+    case QMessageBox::Save:
         return BoxAnswer::Yes;
     case QMessageBox::No:
+    case QMessageBox::Discard:
         return BoxAnswer::No;
     default:
         return AnswerUnasked(buttons);
@@ -104,7 +111,11 @@ BoxAnswer RunBox(const BoxRequest& request) {
     box.setWindowTitle(request.Caption);
     box.setTextFormat(Qt::PlainText);
     box.setText(request.Text);
+    box.setInformativeText(request.More);
     box.setStandardButtons(ButtonsOf(request.Buttons));
+    if (request.Buttons == BoxButtons::SaveCancel) { // desktops word it differently
+        box.button(QMessageBox::Discard)->setText(QCoreApplication::translate("Boxes", "Don't save"));
+    }
     KeepLines(box);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     QObject::connect(new QShortcut(QKeySequence::Copy, &box), &QShortcut::activated, &box,
@@ -131,8 +142,8 @@ std::unique_ptr<BoxService> boxService;
 } // namespace
 
 BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon, BoxButtons buttons,
-                  BoxAnswer preset) {
-    const BoxRequest request{text, caption, icon, buttons, preset};
+                  BoxAnswer preset, const QString& more) {
+    const BoxRequest request{text, caption, icon, buttons, preset, more};
     if (OnInterfaceThread()) {
         return RunBox(request);
     }

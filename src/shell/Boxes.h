@@ -8,14 +8,16 @@ class QWidget;
 
 namespace thntfs {
 
-enum class BoxButtons { Ok, YesNo, YesNoCancel };
+enum class BoxButtons { Ok, YesNo, YesNoCancel, SaveCancel };
 enum class BoxAnswer { Ok, Yes, No, Cancel };
 
 /// Shows a box and waits for the answer, from any thread. It stands over the window that is active, the main
 /// frame in the end. The text is shown as it is, never as markup. A question has its own icon, whatever
-/// `icon` says. Closing a box means OK, No or Cancel. Enter gives the preset answer of a question.
+/// `icon` says. Closing a box means OK, No or Cancel. SaveCancel is YesNoCancel in the words "Save", "Don't
+/// save" and "Cancel". Enter gives the preset answer of a question. `more` stands below the text.
 BoxAnswer ShowBox(const QString& text, const QString& caption, BoxIcon icon,
-                  BoxButtons buttons = BoxButtons::Ok, BoxAnswer preset = BoxAnswer::Yes);
+                  BoxButtons buttons = BoxButtons::Ok, BoxAnswer preset = BoxAnswer::Yes,
+                  const QString& more = {});
 
 /// A question with Yes and No; true for Yes.
 bool AskYesNo(const QString& text, const QString& caption, BoxAnswer preset = BoxAnswer::Yes);

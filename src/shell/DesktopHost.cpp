@@ -8,29 +8,28 @@
 
 namespace thntfs {
 
+namespace {
+
+constexpr std::chrono::milliseconds kManyWorksPace{100};
+constexpr std::chrono::milliseconds kTimePace{1000};
+
+} // namespace
+
 void DesktopHost::LogEvent(const ProcessLogEntry& entry) { WM_LOG_EVENT.Send(MainWindow(), entry); }
 
-// The bar shows whole percents, so a look that would not change it is spared the way to the other thread.
+// The bar shows whole percents and the time whole seconds, so a look that would change neither is spared the
+// way to the other thread.
 void DesktopHost::JobProgress() {
-    if (manyWorks_) {
-        PassOnNowAndThen();
-        return;
-    }
     const int percent = ProgressPercent();
-    if (percent == sentPercent_) {
-        return;
-    }
-    sentPercent_ = percent;
-    WM_JOB_PROGRESS.Send(MainWindow());
-}
-
-void DesktopHost::PassOnNowAndThen() {
-    constexpr std::chrono::milliseconds kPace{100};
-    const auto now = std::chrono::steady_clock::now();
-    if (now - passedOn_ >= kPace) {
+    if (manyWorks_ ? IsDue(kManyWorksPace) : percent != sentPercent_ || IsDue(kTimePace)) {
+        sentPercent_ = percent;
         WM_JOB_PROGRESS.Send(MainWindow());
         passedOn_ = std::chrono::steady_clock::now();
     }
+}
+
+bool DesktopHost::IsDue(std::chrono::milliseconds pace) const {
+    return std::chrono::steady_clock::now() - passedOn_ >= pace;
 }
 
 void DesktopHost::SetManyWorks(bool many) {
@@ -65,9 +64,11 @@ void DesktopHost::SearchPosition(std::uint64_t sector, std::uint64_t endSector) 
     const auto position = static_cast<std::uint32_t>(sector);
     const auto end = static_cast<std::uint32_t>(endSector);
     const int percent = PercentOf(position, end);
-    if (percent != sentSearchPercent_) {
+    if (percent != sentSearchPercent_ || IsDue(kTimePace)) {
         sentSearchPercent_ = percent;
+        searchedTo_ = {sector, endSector};
         WM_SEARCH_POSITION.Send(searchDialog_, position, end);
+        passedOn_ = std::chrono::steady_clock::now();
     }
 }
 

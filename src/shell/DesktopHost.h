@@ -11,6 +11,12 @@
 
 namespace thntfs {
 
+/// How far a search is, in sectors.
+struct SearchPlace {
+    std::uint64_t Sector = 0;
+    std::uint64_t EndSector = 0;
+};
+
 /// What the engine knows of the desktop program. Everything it says goes on as a sent message.
 class DesktopHost : public EngineHost {
     Q_DECLARE_TR_FUNCTIONS(DesktopHost)
@@ -29,6 +35,8 @@ public:
     void SetSearchDialog(MessageTarget* dialog);
     /// From a search's start until its worker adds no candidate any more, also after it was told to stop.
     [[nodiscard]] bool IsSearching() const { return searchDialog_ != nullptr; }
+    /// The whole of what WM_SEARCH_POSITION tells in 32 bits; for whoever handles that.
+    [[nodiscard]] const SearchPlace& SearchedTo() const { return searchedTo_; }
 
     /// To be called when a new progress bar stands, or the phase has changed that its text names: the next
     /// look at the progress is passed on whatever it says.
@@ -40,12 +48,13 @@ public:
     void SetManyWorks(bool many);
 
 private:
-    void PassOnNowAndThen();
+    [[nodiscard]] bool IsDue(std::chrono::milliseconds pace) const;
 
     static constexpr int kNothingSent = -1;
 
     MessageTarget* searchDialog_ = nullptr;
     int sentSearchPercent_ = kNothingSent; ///< written by the search's thread while one runs
+    SearchPlace searchedTo_;               ///< as well
     std::atomic<int> sentPercent_{kNothingSent};
 
     // The worker's.

@@ -21,6 +21,7 @@ namespace thntfs {
 namespace {
 
 constexpr int kFoundWidth = 64; // in letters
+constexpr int kTimeMilliseconds = 1000;
 
 void SetFrameStatus(const QString& text) {
     if (auto* frame = dynamic_cast<QWidget*>(MainWindow())) {
@@ -50,6 +51,7 @@ CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& re
     , partitions_(new CRowTable(this, {tr("Name"), tr("Starting Location")}))
     , percent_(new QLabel(QStringLiteral("0%"), this))
     , position_(new QLabel(this))
+    , time_(new QLabel(this))
     , bar_(new QProgressBar(this))
     , abort_(new QPushButton(tr("&Abort Process"), this)) {
     setWindowTitle(tr("%1 Scan").arg(MethodText()));
@@ -60,6 +62,7 @@ CLogicalDrivesFound::CLogicalDrivesFound(QWidget* owner, const SearchRequest& re
     bar_->setTextVisible(false);
     position_->hide();
     LayOut();
+    connect(&timeTimer_, &QTimer::timeout, this, [this] { time_->setText(workTime_.Text()); });
     connect(abort_, &QPushButton::clicked, this, [this] { AskToAbort(); });
 }
 
@@ -73,6 +76,7 @@ void CLogicalDrivesFound::LayOut() {
     progress->addWidget(percent_);
     progress->addWidget(position_);
     progress->addStretch();
+    progress->addWidget(time_);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(heading);
     layout->addWidget(partitions_);
@@ -117,6 +121,8 @@ std::intptr_t CLogicalDrivesFound::OnMessage(std::uint32_t message, std::uintptr
 
 void CLogicalDrivesFound::StartSearch() {
     Engine.ScanRunFlag = 1;
+    workTime_.Begin();
+    timeTimer_.start(kTimeMilliseconds);
     TheDesktopHost().SetSearchDialog(this);
     searchThread_ = std::make_unique<JobThread>([this] { RunSearch(request_, this); });
 }
@@ -131,6 +137,8 @@ void CLogicalDrivesFound::ShowPosition(std::uint32_t position, std::uint32_t tot
         bar_->setValue(percent);
         percent_->setText(QStringLiteral("%1 %").arg(percent));
     }
+    const SearchPlace& place = TheDesktopHost().SearchedTo();
+    workTime_.Look(static_cast<double>(place.Sector), static_cast<double>(place.EndSector));
     position_->setText(tr("Scanning sector %1 of %2").arg(position).arg(total));
 }
 
@@ -158,6 +166,7 @@ void CLogicalDrivesFound::AskToAbort() {
 // The worker waits in its send, or before the gate, so it is joined later.
 void CLogicalDrivesFound::EndSearch() {
     Engine.ScanRunFlag = 0;
+    timeTimer_.stop();
     if (*ranOut_) {
         ShowPosition(1, 1);
     }

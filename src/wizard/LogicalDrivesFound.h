@@ -3,9 +3,11 @@
 #include "partitions/PartitionSearch.h"
 #include "shell/JobThread.h"
 #include "shell/MessageTarget.h"
+#include "shell/WorkTime.h"
 
 #include <QCoreApplication>
 #include <QDialog>
+#include <QTimer>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -57,10 +59,13 @@ private:
     CRowTable* partitions_;
     QLabel* percent_;
     QLabel* position_;
+    QLabel* time_;
     QProgressBar* bar_;
     QPushButton* abort_;
     int lastPercent_ = 0;
     std::uint8_t foundCount_ = 0;
+    WorkTime workTime_;
+    QTimer timeTimer_;
     bool asking_ = false;        ///< the abort question stands
     bool over_ = false;          ///< the search has ended and the user knows
     std::optional<bool> ranOut_; ///< once the search has ended: false where it was stopped

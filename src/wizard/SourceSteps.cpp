@@ -4,6 +4,7 @@
 #include "partitions/OpenSource.h"
 #include "partitions/ReadVolumes.h"
 #include "partitions/VolumeList.h"
+#include "partitions/WhyNoVolumes.h"
 #include "shell/Boxes.h"
 #include "shell/CoreTexts.h"
 #include "shell/WaitCursor.h"
@@ -21,8 +22,9 @@ bool TableNamesVolumes() {
     return ReadVolumes();
 }
 
-// A medium that gives nothing at all has no missing table: the reason comes first.
-void TellUnreadableMedium(const std::string& path) {
+// A medium that gives nothing at all has no missing table: that is told first, and there is no further
+// reason.
+bool TellUnreadableMedium(const std::string& path) {
     MediumAnswer answer;
     {
         const WaitCursor slow;
@@ -33,6 +35,12 @@ void TellUnreadableMedium(const std::string& path) {
                     .arg(QString::fromStdString(path), ShownCoreText(SystemErrorText(answer.FirstSector))),
                 QCoreApplication::translate("SourceSteps", "Error"), BoxIcon::Stop);
     }
+    return !answer.Answers;
+}
+
+QString Reason() {
+    const WaitCursor slow;
+    return ShownCoreText(WhyNoVolumes());
 }
 
 /// A sentence on encrypted volumes, if there is one; else the advice to search.
@@ -49,9 +57,9 @@ QString NoPartitionsText(const ChosenSource& source) {
 
 bool ReadTable(const ChosenSource& source) {
     if (!TableNamesVolumes()) {
-        TellUnreadableMedium(source.Path);
+        const QString reason = TellUnreadableMedium(source.Path) ? QString() : Reason();
         ShowBox(NoPartitionsText(source), QCoreApplication::translate("SourceSteps", "Volume Salvage (NTFS)"),
-                BoxIcon::Stop);
+                BoxIcon::Stop, BoxButtons::Ok, BoxAnswer::Ok, reason);
         return false;
     }
     source.LogChosen(false);

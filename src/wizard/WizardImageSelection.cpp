@@ -23,6 +23,14 @@ namespace {
 
 constexpr QSize kPickIconSize{32, 32};
 
+/// What files with a disk in them are named, in small letters and in capitals.
+QString ImagePatterns() {
+    const QString small =
+        QStringLiteral("*.dd *.raw *.img *.bin *.001 *.e01 *.ex01 *.s01 *.vhd *.vhdx *.vmdk "
+                       "*.qcow2 *.th2");
+    return small + QLatin1Char(' ') + small.toUpper().remove(QStringLiteral(" *.001"));
+}
+
 } // namespace
 
 CwizardImageSelection::CwizardImageSelection(WizardState& state, WizardPageOwner& owner)
@@ -68,8 +76,11 @@ void CwizardImageSelection::OnSetActive() {
 }
 
 void CwizardImageSelection::PickImage() {
-    const QString path = ChooseFileToOpen(this, tr("Select Image File"),
-                                          tr("Volume Salvage (NTFS) Image File (*.th2);;All files (*)"));
+    const QString path =
+        ChooseFileToOpen(this, tr("Select Image File"),
+                         tr("Volume Salvage (NTFS) Image File (*.th2);;All files (*)") +
+                             QStringLiteral(";;%1 (%2)").arg(tr("All disk images"), ImagePatterns()),
+                         FileKind::Image);
     if (!path.isEmpty()) {
         ChooseImage(path);
     }
@@ -97,7 +108,12 @@ void CwizardImageSelection::ShowFreeSpace() {
 
 int CwizardImageSelection::OnWizardNext() {
     failure_->clear();
-    if (imagePath_.empty() || !CloseOldMedium()) {
+    if (imagePath_.empty()) {
+        failure_->setText(tr("Choose an image file first, by the button above."));
+        setFocus();
+        return kStay;
+    }
+    if (!CloseOldMedium()) {
         return kStay;
     }
     const ErrorCode code = OpenImageFile(imagePath_);

@@ -32,7 +32,7 @@ TEST_F(BadMediumTest, WhatHoldsNoVolumeIsToldByEveryCommand) {
         {Make("short", ByteVector(100, 0x55)), ""},
         {Make("text", BytesOf(std::string(3000, 'x'))), "No NTFS volume"},
         {Make("noise", PatternBytes(1U << 20U)), "No NTFS volume"},
-        {Make("zeros", ByteVector(1U << 20U)), "No NTFS volume"},
+        {Make("zeros", ByteVector(1U << 20U)), "nothing but zeros"},
         {MakeWithTable("astray", {{0x07, 500, 16384}}), "No NTFS volume"},
         {MakeWithTable("circle", {{0x05, 0, 100}}), "No NTFS volume"},
         {MakeWithTable("behind", {{0x07, 0xFFFFFFF0, 16384}}), "No NTFS volume"},

@@ -174,7 +174,8 @@ TEST_F(BrowseTest, JsonIsThatOfTheContract) {
     const Json save = Json::parse(Run({"save"}, {"--json", "--to", target_}).Out);
     EXPECT_EQ(save, Json::parse(R"({"files":10,"folders":3,"bytes":87,"damaged":0,"failed":0,
                                     "complete":true,"target":")" +
-                                target_ + R"(","links":0,"streams":0,"streamsLeft":0,"leftOut":0})"));
+                                target_ +
+                                R"(","links":0,"streams":0,"streamsLeft":0,"leftOut":0,"typesLeftOut":0})"));
 }
 
 } // namespace

@@ -54,6 +54,9 @@ TEST_F(SaveTest, OneZipFileHoldsAllThatIsWanted) {
     const RunResult run = Expect(0, zip);
     EXPECT_TRUE(Contains(run.Out, "Saved 1 file (5 bytes) in 1 folder")) << run.Out;
     EXPECT_TRUE(Contains(run.Out, "; 1 file of excluded types left out")) << run.Out;
+    const Words asJson = {"save", image_, "--zip", target_ + "2", "--exclude", "bak", "--json", "/Letters"};
+    const Json totals = Json::parse(Expect(0, asJson).Out);
+    EXPECT_EQ(totals["leftOut"].dump() + totals["typesLeftOut"].dump(), "11");
     ZipItems items = ReadZip(target_);
     EXPECT_EQ(items.size(), 2U);
     EXPECT_EQ(items["Letters/to whom.txt"].Bytes, "first");

@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QTest>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace thntfs::test {
@@ -215,6 +216,21 @@ TEST_F(CopyDialogTest, AFatalFailureIsToldAsAborted) {
     EXPECT_TRUE(ReadWholeFile(Image).starts_with(Expected({}, 1024 * 512)));
 }
 
+// As where its disk is unmounted under it.
+TEST_F(CopyDialogTest, AnImageThatIsNotAtItsPathAnyMoreEndsTheCopy) {
+    AtSector(1024, [this] { std::filesystem::rename(Image, Folder / "away.th2"); });
+    CopyJob job = ImageJob();
+    const std::string map = ReadWholeFile(Image + ".map");
+    Run(std::move(job));
+    EXPECT_EQ(Boxes().at(0).find("Error: " + Image + " isn't the file any more"), 0U) << Boxes().at(0);
+    EXPECT_EQ(Boxes().at(1), "Information: Disk Imaging Aborted");
+    EXPECT_EQ(ReadWholeFile(Image + ".map"), map) << "it says nothing of the file that is away";
+    std::filesystem::rename(Folder / "away.th2", Image);
+    ASSERT_EQ(OpenSource(Disk), kErrorNone);
+    Run(ImageJob());
+    EXPECT_TRUE(ReadWholeFile(Image) == Expected());
+}
+
 TEST_F(CopyDialogTest, AClone) {
     const std::string rest(512, 'x');
     WriteFileBytes(Folder / "target", ByteVector(kSectors * 512 + 512, 'x'));
@@ -245,9 +261,13 @@ TEST_F(CopyDialogTest, WhatIsShownOfAMediumThatWordsCannotCount) {
     figures.Seconds = 1024;
     figures.Sums = {kMany, 12, kMany - kMany / 4};
     WM_COPY_FIGURES.Send(&dialog, figures);
+    EXPECT_EQ(Text("Rate"), "17:04 passed");
+    figures.Seconds += 10;
+    figures.Done += 52428800;
+    WM_COPY_FIGURES.Send(&dialog, figures);
     WM_COPY_PROGRESS.Send(&dialog, 0, 0x80000000);
     EXPECT_EQ(Text("Percent") + Text("SectorLine"), "25 %Cloning sector 10737418240 of 42949672960");
-    EXPECT_EQ(Text("Rate"), "2.5 GB/s, 1:59:28 left");
+    EXPECT_EQ(Text("Rate"), "2.5 GB/s, 17:14 passed, about 2 h left");
     EXPECT_EQ(Text("Account"), "Bad sectors: 12    Not yet tried: 32,212,254,720");
     Engine.SourceDisk.TotalSectors = kSectors;
 }

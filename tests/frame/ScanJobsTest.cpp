@@ -72,6 +72,7 @@ TEST_F(ScanJobs, ABasicScanFillsTheWindow) {
             WM_JOB_PROGRESS.Send(Frame.get());
             EXPECT_EQ(Pane(0), "Scanning :" + std::to_string(Engine.ProgressDone * 25) + "%");
         }
+        EXPECT_TRUE(Pane(2).ends_with(" files and folders found")) << Pane(2);
         WM_PROGRESS_CAPTION.Send(Frame.get(), "Populating ");
         WM_JOB_PROGRESS.Send(Frame.get());
         Command("Save All").showStatusText(Frame.get());
@@ -142,7 +143,7 @@ TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
 TEST_F(ScanJobs, TheStopQuestionHoldsTheWorker) {
     Load();
     Answers.MayAnswer = [](const QMessageBox& box) {
-        EXPECT_EQ(box.icon() == QMessageBox::Question, WorkerGate().IsClosed());
+        EXPECT_EQ(box.text().startsWith(QStringLiteral("Do you")), WorkerGate().IsClosed());
         return true;
     };
     Answers.Answer(QMessageBox::No);
@@ -155,11 +156,12 @@ TEST_F(ScanJobs, TheStopQuestionHoldsTheWorker) {
 
     Desktop.StructuresMissing = true;
     Answers.Boxes.clear();
+    Answers.Answer(QMessageBox::Discard);
     Answers.Answer(QMessageBox::Yes);
     AtRead(Plan->Log.size() + 1, [this] { PressKey(Qt::Key_F4); });
     PressKey(Qt::Key_T, Qt::ControlModifier);
     ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(BoxTexts().at(1), "Information: Turbo Scan aborted");
+    EXPECT_EQ(BoxTexts().at(2), "Information: Turbo Scan aborted");
     EXPECT_EQ(LogRows().back(), "Aborted turbo scan of logical drive 4" + kRule + " | 1");
     EXPECT_FALSE(Desktop.StructuresMissing);
 }

@@ -86,10 +86,15 @@ TEST_F(WholeRoad, AnImageBothScansAndTheNextVolume) {
     lines.insert(lines.end(), kBasicScanLines.begin(), kBasicScanLines.end());
     EXPECT_EQ(LogRows(), lines);
     EXPECT_NE(TreeText().find("    Reused\n"), std::string::npos) << TreeText();
-    EXPECT_EQ(DesktopScan("basic.tht"), ReadWholeFile(SavedScanOf(Image)));
-
     ASSERT_TRUE(WaitUntil([this] { return IsOffered("Turbo Scan"); }));
     const std::string tree = TreeText();
+    PressKey(Qt::Key_T, Qt::ControlModifier); // Cancel
+    Answers.Answer(QMessageBox::Save);        // and no file
+    PressKey(Qt::Key_T, Qt::ControlModifier);
+    EXPECT_TRUE(Answers.Boxes.back().Text.startsWith(QStringLiteral("Save the result of the Basic Scan")));
+    EXPECT_EQ(Answers.Boxes.size(), 3U);
+    EXPECT_EQ(LogRows(), lines) << "the scan stays";
+    EXPECT_EQ(DesktopScan("basic.tht"), ReadWholeFile(SavedScanOf(Image)));
     WatchMedium();
     AtRead(0, [this] {
         EXPECT_TRUE(TreeIsEmpty());

@@ -1,6 +1,7 @@
 #include "partitions/ReadVolumes.h"
 
 #include "partitions/VolumeList.h"
+#include "partitions/WhyNoVolumes.h"
 #include "support/EngineFixture.h"
 
 #include <zlib.h>
@@ -97,6 +98,42 @@ protected:
     std::shared_ptr<ByteVector> Image = std::make_shared<ByteVector>(4097 * 512);
     const GptSpec Three = {{{100, 199}, {300, 350, 1}, {400, 499}, {0, 0, 0}, {900, 999}, {999999, 9999999}}};
 };
+
+TEST_F(ReadVolumesTest, WhyThereIsNone) {
+    const auto expect = [](const char* part) {
+        ReadVolumes();
+        EXPECT_NE(WhyNoVolumes().find(part), std::string::npos) << WhyNoVolumes();
+    };
+    expect("nothing but zeros");
+    (*Image)[0] = 1;
+    expect("lacks the mark");
+    Put(0, EncodePartitionTable({}));
+    expect("table is empty");
+    Put(0, EncodePartitionTable({{0, 0, 0}, {0x83, 1, 99}}));
+    expect("lacks its first entry");
+    Put(0, EncodePartitionTable({{0x83, 1, 99}}));
+    expect("is of the type for NTFS");
+    (*Image)[446 + 48] = 0x47;
+    expect("another file system begins");
+    Put(0, EncodePartitionTable({}));
+    PutNumber<std::uint16_t>(*Image, 11, 1024);
+    expect("another file system begins");
+    Put(0, EncodePartitionTable({{0x07, 9, 99}}));
+    expect("no NTFS boot sector stands");
+    Plan->Rules = {{.FirstSector = 9}};
+    expect("its boot sector can't be read");
+    Plan->Rules = {{.FirstSector = 0}};
+    expect("sector of the partition table can't be read");
+    Plan->Rules = {};
+    Put(0, EncodePartitionTable({{0xEE, 1, 4096}}));
+    expect("This was a GPT disk, but");
+    PutBackup({});
+    expect("disk (GPT) is empty");
+    PutFirst({{{100, 199, 1}}});
+    expect("None of the partitions in the GUID");
+    Put(0, EncodePartitionTable({{0x83, 1, 99}}));
+    expect("This was a GPT disk before");
+}
 
 TEST_F(ReadVolumesTest, EitherGuidTableGivesTheVolumes) {
     const std::string first = "1 100+100 GPT\n2 400+100 GPT\n3 900+100 GPT b\n";

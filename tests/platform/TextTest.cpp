@@ -2,6 +2,7 @@
 
 #include "platform/system/Dates.h"
 #include "platform/system/ErrorCodes.h"
+#include "platform/system/RemainingTime.h"
 #include "platform/system/SizeText.h"
 #include "platform/system/posix/ErrnoMap.h"
 
@@ -43,6 +44,55 @@ TEST(SizeTextTest, UnitsBeginWhereTheyAreTold) {
     EXPECT_EQ(DiskSizeText((1U << 30U) - 1048576) + DiskSizeText(1U << 30U), "1023.00 MB1.00 GB");
     EXPECT_EQ(StretchSizeText(1024) + StretchSizeText(1152), "1024 bytes1.13 KB");
     EXPECT_EQ(StretchSizeText(1048576) + StretchSizeText(1073741824), "1024.00 KB1024.00 MB");
+}
+
+TEST(SizeTextTest, GuessesOfTimeAreRoundedUp) {
+    for (const auto& [seconds, text] : {std::pair{0.0, "5 s"},
+                                        {51, "55 s"},
+                                        {56, "1 min"},
+                                        {61, "2 min"},
+                                        {3541, "1 h"},
+                                        {3601, "1 h 10 min"},
+                                        {7000, "2 h"},
+                                        {35400, "9 h 50 min"},
+                                        {35401, "10 h"},
+                                        {36001, "11 h"},
+                                        {1e30, "100000 h"}}) {
+        EXPECT_EQ(RoughTimeText(seconds), text) << seconds;
+    }
+}
+
+TEST(RemainingTimeTest, ThePaceOfLateCounts) {
+    RemainingTime remaining;
+    std::string left; // at each second, "?" where it isn't known
+    const auto look = [&](double now, double done, double total) {
+        remaining.Look(now, done, total);
+        const auto seconds = remaining.Left(now);
+        left += (seconds ? std::to_string(static_cast<int>(*seconds)) : "?") + " ";
+    };
+    for (const double now : {100.0, 101.0, 102.0, 103.0, 103.9, 104.0}) {
+        look(now, (now - 100) * 10, 1000);
+    }
+    EXPECT_EQ(left, "? ? ? 97 97 96 ");
+    left.clear();
+    for (int second = 1; second <= 31; ++second) { // a bad stretch
+        look(104 + second, 40 + second, 1000);
+    }
+    EXPECT_TRUE(left.starts_with("116 ") && left.ends_with(" 930 929 ")) << left;
+    EXPECT_EQ(remaining.Pace(135), 1);
+    EXPECT_FALSE(remaining.Left(166)) << "nobody has looked for long";
+    left.clear();
+    for (int second = 136; second <= 166; ++second) {
+        look(second, 71, 1000); // nothing moves
+    }
+    EXPECT_TRUE(left.ends_with(" ? ")) << left;
+    EXPECT_EQ(remaining.Pace(166), 0);
+    left.clear();
+    look(167, 0, 500); // the next part
+    look(169, 2, 500);
+    look(170, 3, 500);
+    look(171, 2, 500); // less than before
+    EXPECT_EQ(left, "? ? 497 ? ");
 }
 
 TEST(DatesTest, AgreesWithTheCalendarOnEveryDay) {

@@ -41,6 +41,7 @@
 #include <QThread>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <fstream>
 
 namespace thntfs::test {
 namespace {
@@ -113,6 +114,9 @@ protected:
     void ChooseImage(const CWizardSheet& sheet, const std::string& path) {
         Press(sheet, "Recover your data from disk image");
         Press(sheet, "Next >");
+        PickImage(sheet, path);
+    }
+    void PickImage(const CWizardSheet& sheet, const std::string& path) {
         Answers.AnswerFile(QString::fromStdString(path));
         Press(sheet, "Select Image File");
     }
@@ -283,9 +287,11 @@ TEST_F(Screens, RunningScanAndStopQuestion) {
         Shoot("main-scanning");
         PressKey(Qt::Key_F4);
     });
-    ShootBoxes({"main-stop", "main-finished"});
+    ShootBoxes({"main-stop", "main-finished", "main-save-first"});
     Frame->BeginBasicScan();
     EXPECT_TRUE(WaitForIdle());
+    ASSERT_TRUE(WaitUntil([this] { return IsOffered("Turbo Scan"); }));
+    PressKey(Qt::Key_T, Qt::ControlModifier);
 }
 
 TEST_F(Screens, WizardPages) {
@@ -309,6 +315,14 @@ TEST_F(Screens, WizardPages) {
         Press(sheet, "Next >");
         Shoot("wizard-clone");
         Press(sheet, "< Back");
+        Press(sheet, "Recover your data from disk image");
+        Press(sheet, "Next >");
+        Press(sheet, "Next >");
+        Shoot("wizard-no-image");
+        std::ofstream(Folder / "zeros.img") << std::string(70000, '\0');
+        PickImage(sheet, Folder / "zeros.img");
+        Press(sheet, "Next >");
+        Press(sheet, "< Back");
         ChooseImage(sheet, Volume("logical.img"));
         Shoot("wizard-image");
         Press(sheet, "Next >");
@@ -318,6 +332,7 @@ TEST_F(Screens, WizardPages) {
         Shoot("wizard-partitions");
         sheet.done(0);
     });
+    ShootBoxes({"wizard-no-volumes"});
     RunWizard();
 }
 

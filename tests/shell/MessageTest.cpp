@@ -158,6 +158,7 @@ TEST(DesktopHostTest, ReportsGoToTheirReceivers) {
         dialog.Messages,
         (SeenMessages{{WM_SEARCH_POSITION, 3, 4}, {WM_SEARCH_POSITION, 3, 4}, {WM_PARTITION_FOUND, 5}}));
     EXPECT_EQ(frame.Messages, (SeenMessages{{WM_COPY_POSITION, 6, 7}}));
+    EXPECT_EQ(host.SearchedTo().Sector, 0x100000003U);
 }
 
 } // namespace

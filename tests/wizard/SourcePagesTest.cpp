@@ -83,9 +83,10 @@ TEST_F(SourcePagesTest, ImageWithAPartitionTableToTheVolume) {
     EXPECT_EQ(Engine.VolumeParams.StartSector, 12414U);
     EXPECT_FALSE(Engine.VolumeParams.MftExtents.empty());
     EXPECT_TRUE(Answers.Boxes.empty());
-    EXPECT_EQ(Answers.FileFilters.at(0),
+    EXPECT_EQ(Answers.FileFilters.at(0).mid(0, 2),
               (QStringList{QStringLiteral("Volume Salvage (NTFS) Image File (*.th2)"),
                            QStringLiteral("All files (*)")}));
+    EXPECT_TRUE(Answers.FileFilters.at(0).at(2).startsWith(QStringLiteral("All disk images (*.dd ")));
 }
 
 TEST_F(SourcePagesTest, DroppedImageOpensOnItsPageAndIsKept) {
@@ -142,6 +143,8 @@ TEST_F(SourcePagesTest, SourceThatCannotBeOpenedKeepsThePage) {
         EXPECT_EQ(Heading(), "Select image to recover data");
         EXPECT_EQ(Engine.SourceDisk.TotalSectors, 7U);
         EXPECT_TRUE(Arrived.empty());
+        EXPECT_EQ(Labels().at(2), "Choose an image file first, by the button above.");
+        EXPECT_EQ(QApplication::focusWidget(), test::ButtonOf(*Sheet, "Select Image File"));
         Answers.AnswerFile(path);
         Press("Select Image File");
         std::filesystem::remove(path.toStdString());
@@ -155,6 +158,7 @@ TEST_F(SourcePagesTest, SourceThatCannotBeOpenedKeepsThePage) {
         Answers.AnswerFile(VolumePath("logical"));
         Press("Select Image File");
         EXPECT_EQ(Labels().at(2), "");
+        EXPECT_EQ(Answers.FileFolders.at(1).toStdString(), Scratch.Path()) << "where the file before was";
         Press("< Back");
         GoToDisk(2);
         EXPECT_EQ(Buttons(), "< Back Next >");
@@ -200,6 +204,8 @@ TEST_F(SourcePagesTest, WhatCannotBeScannedIsRefused) {
                "Tools->Turbo Scan.",
                "Volume Salvage (NTFS): Do you want to close wizard?"}));
     EXPECT_EQ(Answers.Boxes[0].Icon, QMessageBox::Critical);
+    EXPECT_TRUE(Answers.Boxes[0].More.startsWith(QStringLiteral("There is no partition table:")));
+    EXPECT_EQ(Answers.Boxes[1].More, QString());
     EXPECT_EQ(Answers.Boxes[2].Icon, QMessageBox::Warning);
     EXPECT_EQ(Engine.VolumeParams.StartSector, 2048U) << "for Turbo Scan";
     EXPECT_EQ(Sheet->State().LogicalDriveNumber, 0) << "as the click has left it";
@@ -215,6 +221,7 @@ TEST_F(SourcePagesTest, ADeadMediumIsToldBeforeTheAdvice) {
     EXPECT_FALSE(ListPartitions({"/dev/sdx", QStringLiteral("Advice"), nullptr}, 0, nullptr));
     EXPECT_EQ(Boxes(), (Texts{"Error: /dev/sdx can't be read: " + SystemErrorText(kErrorNotReady),
                               "Volume Salvage (NTFS): Advice"}));
+    EXPECT_EQ(Answers.Boxes[1].More, QString());
 }
 
 TEST_F(SourcePagesTest, ListAloneOffersNoWayBack) {

@@ -38,6 +38,10 @@ public:
     /// file system has holes. Not every file has it: fails with kErrorInvalidParameter by default.
     virtual ErrorCode SetSize(std::uint64_t bytes);
 
+    /// False where a path leads to nothing or to something else than this file, as when the file system that
+    /// it is on has been unmounted. Where that can't be told it is true, as by default.
+    [[nodiscard]] virtual bool StandsAt(const std::string& path) const;
+
     /// Waits until what was written has reached the device.
     virtual ErrorCode Sync() = 0;
 

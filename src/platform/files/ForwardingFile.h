@@ -20,6 +20,7 @@ public:
         return inner_.ReadAt(offset, buffer, got);
     }
     ErrorCode Size(std::uint64_t& bytes) override { return inner_.Size(bytes); }
+    [[nodiscard]] bool StandsAt(const std::string& path) const override { return inner_.StandsAt(path); }
     ErrorCode Sync() override { return inner_.Sync(); }
     void StartSync(std::uint64_t offset, std::uint64_t bytes) override { inner_.StartSync(offset, bytes); }
 

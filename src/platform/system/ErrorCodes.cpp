@@ -40,6 +40,8 @@ constexpr CodeText kTexts[] = {
     {kErrorFilenameTooLong, CoreText("Core", "The filename or extension is too long.")},
     {kErrorFileTooLarge, CoreText("Core", "The file size exceeds the limit allowed and cannot be saved.")},
     {kErrorDirectory, CoreText("Core", "The directory name is invalid.")},
+    {kErrorFileInvalid, CoreText("Core", "The volume for a file has been externally altered so that the "
+                                         "opened file is no longer valid.")},
     {kErrorIoDevice, CoreText("Core", "The request could not be performed because of an I/O device error.")},
     {kErrorCancelled, CoreText("Core", "The operation was canceled by the user.")},
     {kErrorInvalidUserBuffer,

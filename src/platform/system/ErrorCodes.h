@@ -31,6 +31,7 @@ inline constexpr ErrorCode kErrorAlreadyExists = 183;
 inline constexpr ErrorCode kErrorFilenameTooLong = 206;
 inline constexpr ErrorCode kErrorFileTooLarge = 223;
 inline constexpr ErrorCode kErrorDirectory = 267;
+inline constexpr ErrorCode kErrorFileInvalid = 1006;
 inline constexpr ErrorCode kErrorIoDevice = 1117;
 inline constexpr ErrorCode kErrorCancelled = 1223;
 inline constexpr ErrorCode kErrorInvalidUserBuffer = 1784;

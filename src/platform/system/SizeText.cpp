@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace thntfs {
 
@@ -81,6 +82,25 @@ std::string DurationText(double seconds) {
         std::snprintf(text.data(), text.size(), "%u:%02u", whole / 60, whole % 60);
     }
     return text.data();
+}
+
+std::string RoughTimeText(double seconds) {
+    const auto inUnits = [seconds = std::min(seconds, 359999999.0)](unsigned unit) { // at least one
+        return static_cast<unsigned>(std::max(1.0, std::ceil(seconds / unit)));
+    };
+    const unsigned minutes = inUnits(60);
+    const unsigned tenMinutes = inUnits(600);
+    if (inUnits(5) < 12) {
+        return std::to_string(5 * inUnits(5)) + " s";
+    }
+    if (minutes < 60) {
+        return std::to_string(minutes) + " min";
+    }
+    if (tenMinutes >= 60) {
+        return std::to_string(inUnits(3600)) + " h";
+    }
+    const std::string hours = std::to_string(tenMinutes / 6) + " h";
+    return tenMinutes % 6 == 0 ? hours : hours + " " + std::to_string(tenMinutes % 6) + "0 min";
 }
 
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more) {

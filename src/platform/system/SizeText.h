@@ -23,6 +23,9 @@ std::string StretchSizeText(std::uint64_t bytes);
 /// A stretch of time: "0:07", "1:02:03"; 99:59:59 at most.
 std::string DurationText(double seconds);
 
+/// The same for guesses, rounded up: "5 s", "12 min", "1 h 20 min", "31 h".
+std::string RoughTimeText(double seconds);
+
 /// A number of things for people: "1 file", "2 files".
 std::string CountText(std::uint64_t count, const std::string& one, const std::string& more);
 

@@ -47,7 +47,8 @@ void BoxAnswers::AnswerBox(QMessageBox& box) {
     }
     if (recorded_ != &box) {
         recorded_ = &box;
-        Boxes.push_back({box.text(), box.windowTitle(), box.icon(), box.standardButtons()});
+        Boxes.push_back(
+            {box.text(), box.windowTitle(), box.icon(), box.standardButtons(), box.informativeText()});
     }
     if (MayAnswer && !MayAnswer(box)) {
         return;
@@ -69,6 +70,7 @@ void BoxAnswers::AnswerFileDialog(QFileDialog& dialog) {
     auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     SuggestedFiles.push_back(edit->text());
     FileFilters.push_back(dialog.nameFilters());
+    FileFolders.push_back(dialog.directory().absolutePath());
     if (files_.empty()) {
         dialog.reject();
         return;

@@ -19,6 +19,7 @@ struct SeenBox {
     QString Caption;
     QMessageBox::Icon Icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons Buttons;
+    QString More; ///< below the text
 };
 
 /// Stands in for the user wherever the program waits for one: answers message boxes and file dialogs as they
@@ -47,6 +48,7 @@ public:
     std::vector<SeenBox> Boxes;
     std::vector<QString> SuggestedFiles; ///< what stood in the file dialogs
     std::vector<QStringList> FileFilters;
+    std::vector<QString> FileFolders; ///< where they began
 
     /// Boxes that begin so are closed at once and not remembered.
     QString Passed;

@@ -102,6 +102,18 @@ public:
                                                                               : FileErrorOfErrno(errno);
     }
 
+    [[nodiscard]] bool StandsAt(const std::string& path) const override {
+        struct stat own {};
+        struct stat there {};
+        if (::fstat(descriptor_.Get(), &own) != 0) {
+            return true;
+        }
+        if (::stat(path.c_str(), &there) != 0) {
+            return errno != ENOENT && errno != ENOTDIR;
+        }
+        return own.st_dev == there.st_dev && own.st_ino == there.st_ino;
+    }
+
     void SetDates(const FileDates& dates) override { SetDatesOf(descriptor_.Get(), dates); }
 
     ErrorCode Sync() override {
@@ -221,6 +233,7 @@ std::unique_ptr<File> MakePosixFile(FileDescriptor descriptor, AtClose atClose) 
 }
 
 ErrorCode File::SetSize(std::uint64_t /*bytes*/) { return kErrorInvalidParameter; }
+bool File::StandsAt(const std::string& /*path*/) const { return true; }
 void File::SetDates(const FileDates& /*dates*/) {}
 void File::Expect(std::uint64_t /*bytes*/, const FileDates& /*dates*/) {}
 ErrorCode File::Close() { return kErrorNone; }
