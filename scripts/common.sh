@@ -65,9 +65,9 @@ install_packages() {
 core_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libssl-dev zlib1g-dev libarchive-dev libwim-dev xz-utils)
 optional_packages=(libewf-dev libvhdi-dev libvmdk-dev libqcow-dev libfuse3-dev fuse3)
 desktop_packages=(qt6-base-dev qt6-svg-dev qt6-image-formats-plugins libqt6svg6 qt6-translations-l10n)
-test_packages=(libgtest-dev qemu-utils ewf-tools)
+test_packages=(libgtest-dev dbus-daemon qemu-utils ewf-tools)
 package_packages=(dpkg-dev file pandoc librsvg2-bin)
-trial_packages=(python3 debootstrap lintian)
+trial_packages=(python3 debootstrap lintian udisks2 polkitd udev libglib2.0-bin)
 
 # install_needed PACKAGE... installs the compiler, core_packages and what is named.
 install_needed() {

@@ -5,6 +5,7 @@
 #include "disktools/CloneTarget.h"
 #include "engine/EngineState.h"
 #include "partitions/DiskContents.h"
+#include "platform/media/Medium.h"
 
 #include <vector>
 
@@ -25,7 +26,7 @@ int RefuseCopy(const CopyVerdict& verdict, const Options& options) {
 int LookAtTarget(TargetInView& target, const Options& options) {
     const int code = RefuseCopy(target.Disk.Look(), options);
     if (code == kExitDone) {
-        target.Contents = DiskContents(options.Target);
+        target.Contents = DiskContents(options.Target, target.Disk.OpenContents());
     }
     return code;
 }

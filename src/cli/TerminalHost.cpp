@@ -3,6 +3,7 @@
 #include "cli/LogFile.h"
 #include "cli/Output.h"
 #include "engine/EngineState.h"
+#include "platform/media/DiskHelper.h"
 #include "platform/system/ErrorCodes.h"
 
 namespace thntfs {
@@ -25,6 +26,10 @@ void TerminalHost::LogEvent(const ProcessLogEntry& entry) {
     if (IsReadError(entry) && ++readErrors_ <= kShownReadErrors) {
         PrintMessage(entry.Name + ": " + entry.Description);
     }
+}
+
+DiskAnswer TerminalHost::AskForDisk(const std::string& devicePath, DiskUse use) {
+    return AskDiskHelper(devicePath, use);
 }
 
 void TerminalHost::JobProgress() {

@@ -17,6 +17,7 @@ public:
     ~TerminalHost() override;
 
     void LogEvent(const ProcessLogEntry& entry) override;
+    DiskAnswer AskForDisk(const std::string& devicePath, DiskUse use) override;
     void JobProgress() override;
     void ErrorBox(const std::string& text) override;
     void SearchPosition(std::uint64_t sector, std::uint64_t endSector) override;

@@ -1,32 +1,41 @@
 #include "disktools/CloneTarget.h"
 
+#include "engine/AskForDisk.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
 #include "platform/files/File.h"
 #include "platform/media/Medium.h"
 #include "platform/media/TargetDisk.h"
 
+#include <utility>
+
 namespace thntfs {
 
-namespace {
-
-CopyVerdict NotOpened(CopyRefusal why, const std::string& path, ErrorCode code) {
+CopyVerdict CloneTarget::NotOpened(CopyRefusal why, ErrorCode code) const {
     CopyVerdict verdict;
     verdict.Why = code == kErrorNone ? CopyRefusal::None : why;
-    verdict.Path = path;
+    verdict.Path = path_;
     verdict.Code = code;
     return verdict;
 }
 
-} // namespace
-
 CopyVerdict CloneTarget::Look() {
-    const MediumResult medium = OpenMedium(path_);
+    MediumResult medium = OpenMedium(path_);
+    if (medium.Error != kErrorNone) {
+        DiskAnswer answer = AskIfRefused(medium.Error, path_, DiskUse::WritingOver);
+        lent_ = std::move(answer.Disk);
+        medium = answer.Code == kErrorNone ? OpenMediumOn(DuplicateOf(lent_.Get()), path_)
+                                           : MediumResult{nullptr, answer.Code};
+    }
     if (medium.Handle != nullptr) {
         bytes_ = medium.Handle->SizeBytes();
         sectorBytes_ = medium.Handle->DeviceSectorBytes();
     }
-    return NotOpened(CopyRefusal::CannotOpen, path_, medium.Error);
+    return NotOpened(CopyRefusal::CannotOpen, medium.Error);
+}
+
+std::unique_ptr<Medium> CloneTarget::OpenContents() const {
+    return (lent_.IsOpen() ? OpenMediumOn(DuplicateOf(lent_.Get()), path_) : OpenMedium(path_)).Handle;
 }
 
 std::string CloneTarget::SectorRemark() const {
@@ -38,16 +47,31 @@ std::string CloneTarget::SectorRemark() const {
            ": the copy's partitions will not show there.";
 }
 
-CopyVerdict CloneTarget::Open() const {
-    const ErrorCode code = OpenTargetDisk(path_, Engine.TargetDisk.WriteHandle);
+// Some may read a disk and not write to it, so it may have to be asked for here too.
+CopyVerdict CloneTarget::Open() {
+    std::unique_ptr<File>& handle = Engine.TargetDisk.WriteHandle;
+    ErrorCode code = kErrorNone;
+    if (!lent_.IsOpen()) {
+        code = OpenTargetDisk(path_, handle);
+    }
+    if (code == kErrorAccessDenied) {
+        DiskAnswer answer = AskIfRefused(code, path_, DiskUse::WritingOver);
+        code = answer.Code;
+        lent_ = std::move(answer.Disk);
+    }
+    if (lent_.IsOpen()) {
+        code = OpenTargetDiskOn(std::move(lent_), path_, handle);
+    }
     return NotOpened(code == kErrorSharingViolation ? CopyRefusal::TargetHeld : CopyRefusal::CannotWrite,
-                     path_, code);
+                     code);
 }
 
 void CloseClone(const std::string& targetPath) {
     Engine.TargetDisk.WriteHandle.reset(); // the system refuses as long as somebody has the disk to himself
     const ErrorCode code = RereadPartitions(targetPath);
-    if (code != kErrorNone) {
+    // Who was lent the disk may not ask for it; the system has them read by itself when a disk that was
+    // written to is closed.
+    if (code != kErrorNone && code != kErrorAccessDenied) {
         LogLine("The system has not read the new partitions of " + targetPath, SystemErrorText(code),
                 kLogInProgress);
     }

@@ -1,5 +1,6 @@
 #include "disktools/CopyMapFile.h"
 #include "disktools/CopyRules.h"
+#include "engine/AskForDisk.h"
 
 namespace thntfs {
 
@@ -7,6 +8,11 @@ namespace {
 
 std::string CannotGoOn(const CopyVerdict& verdict, const std::string& why) {
     return "Cannot go on with " + verdict.Path + ": " + why;
+}
+
+std::string WithAdvice(ErrorCode code) {
+    const std::string advice = code == kErrorAccessDenied ? std::string() : RightsAdvice(code);
+    return SystemErrorText(code) + (advice.empty() ? "" : " ") + advice;
 }
 
 std::string PlaceText(const CopyVerdict& verdict, const std::string& source) {
@@ -45,13 +51,13 @@ std::string ImageText(const CopyVerdict& verdict) {
     case CopyRefusal::CannotRead:
         return "Cannot read " + verdict.Path + ": " + SystemErrorText(verdict.Code);
     case CopyRefusal::CannotWrite:
-        return "Cannot open " + verdict.Path + " for writing: " + SystemErrorText(verdict.Code);
+        return "Cannot open " + verdict.Path + " for writing: " + WithAdvice(verdict.Code);
     case CopyRefusal::TargetHeld:
         return verdict.Path + " is in use by the system.";
     case CopyRefusal::SourceEmpty:
         return verdict.Path + " is empty: there is not one sector to copy.";
     default:
-        return "Cannot open " + verdict.Path + ": " + SystemErrorText(verdict.Code);
+        return "Cannot open " + verdict.Path + ": " + WithAdvice(verdict.Code);
     }
 }
 

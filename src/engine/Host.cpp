@@ -1,5 +1,7 @@
 #include "engine/Host.h"
 
+#include "platform/media/LentDisk.h"
+
 #include <chrono>
 #include <thread>
 
@@ -20,6 +22,7 @@ void EngineHost::LogEvent(const ProcessLogEntry& /*entry*/) {}
 void EngineHost::JobProgress() {}
 void EngineHost::ErrorBox(const std::string& /*text*/) {}
 void EngineHost::MessageBox(const std::string& /*text*/, const std::string& /*caption*/, BoxIcon /*icon*/) {}
+DiskAnswer EngineHost::AskForDisk(const std::string& /*devicePath*/, DiskUse /*use*/) { return {}; }
 void EngineHost::PauseOneSecond() { std::this_thread::sleep_for(std::chrono::seconds(1)); }
 void EngineHost::PassGate() {}
 void EngineHost::SearchPosition(std::uint64_t /*sector*/, std::uint64_t /*endSector*/) {}

@@ -5,6 +5,9 @@
 
 namespace thntfs {
 
+struct DiskAnswer;
+enum class DiskUse : std::uint8_t;
+
 /// One record of the process log.
 struct ProcessLogEntry {
     std::string Name;        ///< first column, narrow text
@@ -42,6 +45,10 @@ public:
 
     /// A blocking box with one button.
     virtual void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon);
+
+    /// Asks whoever may, on the user's word, for a disk that this user may not open. Without anybody to ask
+    /// the answer is kErrorAccessDenied.
+    virtual DiskAnswer AskForDisk(const std::string& devicePath, DiskUse use);
 
     /// One second's pause before a failed transport is tried again.
     virtual void PauseOneSecond();

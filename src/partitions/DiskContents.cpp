@@ -1,11 +1,15 @@
 #include "partitions/DiskContents.h"
 
+#include "engine/EngineState.h"
 #include "partitions/DiskEnumeration.h"
 #include "partitions/OpenSource.h"
 #include "partitions/ReadVolumes.h"
 #include "partitions/VolumeText.h"
 #include "platform/media/DiskIdentity.h"
+#include "platform/media/Medium.h"
 #include "platform/system/SizeText.h"
+
+#include <utility>
 
 namespace thntfs {
 
@@ -25,8 +29,10 @@ void AddDisk(ContentLines& lines, const DiskProperties& disk) {
     }
 }
 
-void AddVolumes(ContentLines& lines, const std::string& path) {
-    if (OpenSource(path) == kErrorNone) {
+void AddVolumes(ContentLines& lines, const std::string& path, std::unique_ptr<Medium> medium) {
+    ResetEngineState();
+    Engine.SourceDisk.MediaHandle = std::move(medium);
+    if (Engine.SourceDisk.MediaHandle != nullptr && TakeSource(path) == kErrorNone) {
         ReadVolumes();
         for (const ListedVolume& volume : ListVolumes()) {
             if (volume.Candidate != nullptr) {
@@ -39,14 +45,14 @@ void AddVolumes(ContentLines& lines, const std::string& path) {
 
 } // namespace
 
-std::vector<std::string> DiskContents(const std::string& path) {
+std::vector<std::string> DiskContents(const std::string& path, std::unique_ptr<Medium> medium) {
     ContentLines lines;
     for (const DiskProperties& disk : ListDisks()) {
         if (SameMedium(disk.Path, path)) {
             AddDisk(lines, disk);
         }
     }
-    AddVolumes(lines, path);
+    AddVolumes(lines, path, std::move(medium));
     return lines;
 }
 

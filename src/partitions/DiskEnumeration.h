@@ -25,6 +25,8 @@ struct DiskInfo {
     std::string BytesPerSector;         ///< decimal
     ErrorCode OpenError = kErrorNone;   ///< why the disk could not be opened
     ErrorCode AccessError = kErrorNone; ///< why the opened disk did not tell its size
+
+    bool operator==(const DiskInfo&) const = default;
 };
 
 /// The disks of this machine, in the order of the system's list. Opens each for a moment to ask for its size.

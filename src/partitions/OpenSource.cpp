@@ -1,5 +1,6 @@
 #include "partitions/OpenSource.h"
 
+#include "engine/AskForDisk.h"
 #include "engine/EngineState.h"
 #include "engine/SectorReader.h"
 #include "platform/files/Paths.h"
@@ -59,7 +60,7 @@ void TakeImage(const std::string& path) {
 
 ErrorCode OpenHandle(const std::string& path) {
     ResetEngineState();
-    MediumResult medium = OpenMedium(path);
+    MediumResult medium = AskIfRefused(OpenMedium(path), path);
     Engine.SourceDisk.MediaHandle = std::move(medium.Handle);
     return medium.Error;
 }
@@ -128,9 +129,8 @@ std::vector<std::string> OpenFailureLines(const std::string& path, ErrorCode cod
         return {path + " is a folder. Give a disk, or a file that holds the image of one."};
     }
     std::vector<std::string> lines = {"Cannot open " + path + ": " + OpenErrorText(code)};
-    if (code == kErrorAccessDenied) {
-        lines.emplace_back(
-            "Reading a disk needs the right to do so: run the program as root, for instance with sudo.");
+    if (std::string advice = RightsAdvice(code); !advice.empty()) {
+        lines.push_back(std::move(advice));
     }
     return lines;
 }

@@ -1,5 +1,6 @@
 #include "scaninfo/ScanInfoJob.h"
 
+#include "engine/AskForDisk.h"
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
@@ -113,7 +114,7 @@ void TakeMediumAndCandidates(ScanInfoReader& reader, std::uint32_t magic) {
 
 void OpenDescribedMedium() {
     const std::string path = NarrowText(Engine.SourceDisk.Description);
-    MediumResult medium = OpenMedium(path);
+    MediumResult medium = AskIfRefused(OpenMedium(path), path);
     if (medium.Error != kErrorNone) {
         throw ScanInfoFault{medium.Error, {}, path};
     }

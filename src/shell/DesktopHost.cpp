@@ -1,8 +1,11 @@
 #include "shell/DesktopHost.h"
 
+#include "diskservice/DiskService.h"
 #include "engine/EngineState.h"
+#include "platform/system/Interrupt.h"
 #include "shell/Boxes.h"
 #include "shell/CoreTexts.h"
+#include "shell/EscapeWatch.h"
 #include "shell/PauseGate.h"
 #include "shell/WindowMessages.h"
 
@@ -16,6 +19,15 @@ constexpr std::chrono::milliseconds kTimePace{1000};
 } // namespace
 
 void DesktopHost::LogEvent(const ProcessLogEntry& entry) { WM_LOG_EVENT.Send(MainWindow(), entry); }
+
+// The question for a password is a window of the desktop session, not one of ours.
+DiskAnswer DesktopHost::AskForDisk(const std::string& devicePath, DiskUse use) {
+    if (!OnInterfaceThread()) {
+        return OpenByDiskService(devicePath, use, [] { return !WasInterrupted(); });
+    }
+    EscapeWatch watch;
+    return OpenByDiskService(devicePath, use, [&watch] { return watch.MayGoOn(); });
+}
 
 // The bar shows whole percents and the time whole seconds, so a look that would change neither is spared the
 // way to the other thread.

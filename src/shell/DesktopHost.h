@@ -23,6 +23,7 @@ class DesktopHost : public EngineHost {
 
 public:
     void LogEvent(const ProcessLogEntry& entry) override;
+    DiskAnswer AskForDisk(const std::string& devicePath, DiskUse use) override;
     void JobProgress() override;
     void ErrorBox(const std::string& text) override;
     void MessageBox(const std::string& text, const std::string& caption, BoxIcon icon) override;

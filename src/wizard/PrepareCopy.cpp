@@ -6,6 +6,7 @@
 #include "engine/EngineState.h"
 #include "partitions/DiskContents.h"
 #include "partitions/OpenSource.h"
+#include "platform/media/Medium.h"
 #include "platform/system/SizeText.h"
 #include "shell/Boxes.h"
 #include "shell/WaitCursor.h"
@@ -51,7 +52,7 @@ bool OpenCopySource(const std::string& path) {
     for (const std::string& line : OpenFailureLines(path, code)) {
         lines += Shown(line);
     }
-    Refuse(lines.join(QLatin1Char('\n')));
+    Refuse(code == kErrorAccessDenied ? WayToTheRight(path) : lines.join(QLatin1Char('\n')));
     return false;
 }
 
@@ -134,7 +135,7 @@ bool OpenForClone(const std::string& source, CloneTarget& target) {
     std::vector<std::string> contents;
     {
         const WaitCursor slow;
-        contents = DiskContents(target.Path());
+        contents = DiskContents(target.Path(), target.OpenContents());
     }
     return OpenCopySource(source) && Pass(CheckTargetSize(target.Path(), target.SizeBytes()), source) &&
            AcceptLoss(target, source, contents) && Pass(target.Open(), source);

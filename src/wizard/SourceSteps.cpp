@@ -73,6 +73,19 @@ bool Search(const ChosenSource& source, QWidget* owner) {
 
 } // namespace
 
+QString WayToTheRight(const std::string& path) {
+    return QCoreApplication::translate(
+               "SourceSteps",
+               "This program may not read the disk %1.\n\n"
+               "Reading a disk needs a right that an ordinary user doesn't have, and there is no disk "
+               "service "
+               "here (UDisks2, in the package udisks2) that could be asked for it. In a terminal an "
+               "administrator can make an image of the disk, which this program then opens:\n\n"
+               "    sudo ./run image %1 /media/usb/disk.th2\n\n"
+               "or add you to the group \"disk\"; then log in again.")
+        .arg(QString::fromStdString(path));
+}
+
 bool GiveUpOldScan() { return WM_GIVE_UP_SCAN.Send(MainWindow()) == 0; }
 
 bool CloseOldMedium() {

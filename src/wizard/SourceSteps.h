@@ -18,6 +18,9 @@ struct ChosenSource {
     std::function<void(bool searched)> LogChosen; ///< writes the log's line of it
 };
 
+/// What is told of a disk that this user may not read, where nobody could be asked for it.
+QString WayToTheRight(const std::string& path);
+
 /// Has the frame empty its views. It asks before about a scan that is in no file; false where the user keeps
 /// that.
 bool GiveUpOldScan();

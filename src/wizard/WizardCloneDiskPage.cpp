@@ -60,6 +60,15 @@ void CWizardCloneDiskPage::OnSetActive() {
     OnTargetChanged();
 }
 
+void CWizardCloneDiskPage::OnDisksChanged() {
+    source_.Tree->Refill();
+    target_.Tree->Refill();
+    if (isVisible()) {
+        OnSourceChanged();
+        OnTargetChanged();
+    }
+}
+
 void CWizardCloneDiskPage::OnSourceChanged() {
     State().SourceDiskIndex = source_.Tree->ChosenDisk();
     ShowCloneDetails(State().SourceDiskIndex, source_);

@@ -20,6 +20,7 @@ public:
     CWizardCloneDiskPage(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
+    void OnDisksChanged() override;
     bool OnWizardFinish() override;
 
 private:

@@ -1,5 +1,6 @@
 #include "wizard/WizardDriveSelectionPage.h"
 
+#include "engine/AskForDisk.h"
 #include "partitions/OpenSource.h"
 #include "scaninfo/JobLog.h"
 #include "shell/Boxes.h"
@@ -19,24 +20,14 @@ namespace {
 
 bool NoneLooksUsb(const DiskInfo& /*disk*/) { return false; }
 
-QString WayToTheRight(const QString& path) {
-    return QCoreApplication::translate(
-               "WizardDriveSelectionPage",
-               "This program may not read the disk %1.\n\n"
-               "Reading a disk needs a right that an ordinary user doesn't have. Close the program and "
-               "start it with\n\n"
-               "    sudo ./run desktop\n\n"
-               "or let an administrator add you to the group \"disk\", then log in again.")
-        .arg(path);
-}
-
 void TellOpeningFailed(const std::string& path, ErrorCode code) {
-    const QString shown = QString::fromStdString(path);
-    const QString reason = ShownCoreText(OpenErrorText(code));
-    ShowBox(code == kErrorAccessDenied
-                ? WayToTheRight(shown)
-                : QCoreApplication::translate("WizardDriveSelectionPage", "The disk %1 can't be opened: %2")
-                      .arg(shown, reason),
+    const QString advice = ShownCoreText(RightsAdvice(code));
+    QString text = QCoreApplication::translate("WizardDriveSelectionPage", "The disk %1 can't be opened: %2")
+                       .arg(QString::fromStdString(path), ShownCoreText(OpenErrorText(code)));
+    if (!advice.isEmpty()) {
+        text += QStringLiteral("\n\n") + advice;
+    }
+    ShowBox(code == kErrorAccessDenied ? WayToTheRight(path) : text,
             QCoreApplication::translate("WizardDriveSelectionPage", "Error"), BoxIcon::Stop);
 }
 
@@ -64,10 +55,18 @@ void CWizardDriveSelectionPage::LayOut() {
 
 void CWizardDriveSelectionPage::OnSetActive() {
     State().ListPageOnly = false;
-    OfferNext(true);
     if (State().PagesFresh) {
         Clear();
         State().PagesFresh = false;
+    } else {
+        ShowDiskDetails(tree_->ChosenDisk());
+    }
+}
+
+void CWizardDriveSelectionPage::OnDisksChanged() {
+    tree_->Refill();
+    if (isVisible()) {
+        ShowDiskDetails(tree_->ChosenDisk());
     }
 }
 

@@ -19,6 +19,7 @@ public:
     CWizardDriveSelectionPage(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
+    void OnDisksChanged() override;
     int OnWizardNext() override;
 
 private:

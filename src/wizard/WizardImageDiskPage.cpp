@@ -78,6 +78,13 @@ void CWizardImageDiskPage::OnSetActive() {
     ShowImageDetails(kNoDisk);
 }
 
+void CWizardImageDiskPage::OnDisksChanged() {
+    tree_->Refill();
+    if (isVisible()) {
+        ShowImageDetails(tree_->ChosenDisk());
+    }
+}
+
 void CWizardImageDiskPage::ShowImageDetails(std::uint8_t index) {
     const DiskInfo* disk = State().DiskAt(index);
     State().SourceDiskIndex = index;

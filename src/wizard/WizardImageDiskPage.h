@@ -23,6 +23,7 @@ public:
     CWizardImageDiskPage(WizardState& state, WizardPageOwner& owner);
 
     void OnSetActive() override;
+    void OnDisksChanged() override;
     bool OnWizardFinish() override;
 
 private:

@@ -16,6 +16,7 @@ QString CWizardPage::Heading() const { return heading_; }
 QString CWizardPage::HelpTopic() const { return QString::fromLatin1(helpTopic_); }
 QString CWizardPage::CloseCaption() const { return tr("Confirm"); }
 
+void CWizardPage::OnDisksChanged() {}
 int CWizardPage::OnWizardBack() const { return kMainPage; }
 int CWizardPage::OnWizardNext() { return kStay; }
 bool CWizardPage::OnWizardFinish() { return false; }

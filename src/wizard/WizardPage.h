@@ -52,6 +52,9 @@ public:
     /// The page is about to show.
     virtual void OnSetActive() = 0;
 
+    /// The disks of the state are others than before.
+    virtual void OnDisksChanged();
+
     /// The page that Back leads to.
     [[nodiscard]] virtual int OnWizardBack() const;
     /// Does the page's work and gives the page to go to, or kStay.

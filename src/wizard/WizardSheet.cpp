@@ -1,6 +1,7 @@
 #include "wizard/WizardSheet.h"
 
 #include "dialogs/HelpViewer.h"
+#include "diskservice/DiskService.h"
 #include "shell/Boxes.h"
 #include "shell/DesktopState.h"
 #include "shell/Icons.h"
@@ -13,10 +14,13 @@
 #include "wizard/WizardMainPage.h"
 #include "wizard/WizardPartitionListPage.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QFrame>
 #include <QPushButton>
+#include <QScopedValueRollback>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -29,10 +33,16 @@ namespace {
 const QString kStartUpKey = QStringLiteral("Wizard/StartUp");
 constexpr std::size_t kMaxDisks = kNoDisk; // positions are bytes, and this one means none
 constexpr int kSheetMargin = 10;
+constexpr int kFollowMilliseconds = 300;
+
+/// A disk that this user may not open is no news where the disk service can be asked for it.
+bool IsToBeAskedFor(const DiskInfo& disk) {
+    return disk.OpenError == kErrorAccessDenied && DiskServiceStands();
+}
 
 // The system's figures stand in the list all the same. A loop device is no disk that could be broken.
 void TellUnreadable(const DiskInfo& disk) {
-    if (disk.InterfaceType == "Loop") {
+    if (disk.InterfaceType == "Loop" || IsToBeAskedFor(disk)) {
         return;
     }
     if (disk.OpenError != kErrorNone) {
@@ -46,10 +56,11 @@ void TellUnreadable(const DiskInfo& disk) {
 
 } // namespace
 
-CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber, std::vector<DiskInfo> disks)
-    : QDialog(owner) {
-    state_.Disks = std::move(disks);
-    state_.Disks.resize(std::min(state_.Disks.size(), kMaxDisks));
+CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber, DiskLister disks)
+    : QDialog(owner)
+    , lister_(std::move(disks))
+    , watch_([this] { FollowDisks(); }) {
+    TakeDisks();
     state_.LogicalDriveNumber = logicalDriveNumber;
     state_.RunAtStartup = OpenSettings().value(kStartUpKey, 0).toInt() != 0;
     setWindowTitle(tr("Tarnholt Volume Salvage (NTFS) Wizard"));
@@ -66,6 +77,11 @@ CWizardSheet::CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber, std:
     help_->setShortcut(QKeySequence::HelpContents);
     LayOut();
     MakePages();
+    followLater_.setSingleShot(true);
+    followLater_.setInterval(kFollowMilliseconds);
+    connect(&followLater_, &QTimer::timeout, this, [this] { FollowDisks(); });
+    connect(new QShortcut(QKeySequence(Qt::Key_F5), this), &QShortcut::activated, this,
+            [this] { FollowDisks(); });
     connect(runAtStartup_, &QCheckBox::toggled, this,
             [this](bool checked) { state_.RunAtStartup = checked; });
     connect(back_, &QPushButton::clicked, this, [this] { ShowPage(ActivePage().OnWizardBack()); });
@@ -158,7 +174,32 @@ void CWizardSheet::SetWizardButtons(unsigned buttons) {
     (finishing ? finish_ : next_)->setDefault(true);
 }
 
+/// True where they are others than before.
+bool CWizardSheet::TakeDisks() {
+    std::vector<DiskInfo> disks = lister_();
+    disks.resize(std::min(disks.size(), kMaxDisks));
+    const bool changed = disks != state_.Disks;
+    state_.Disks = std::move(disks);
+    return changed;
+}
+
+// Not under the hands of a user who has a box or a menu open, nor of a page that works on one of the disks.
+void CWizardSheet::FollowDisks() {
+    if (atWork_ || QApplication::activeModalWidget() != this ||
+        QApplication::activePopupWidget() != nullptr) {
+        followLater_.start();
+        return;
+    }
+    if (!TakeDisks()) {
+        return;
+    }
+    for (int page = 0; page < stack_->count(); ++page) {
+        static_cast<CWizardPage*>(stack_->widget(page))->OnDisksChanged();
+    }
+}
+
 void CWizardSheet::OnNext() {
+    const QScopedValueRollback working(atWork_, true);
     const int page = ActivePage().OnWizardNext();
     if (page != kStay) {
         ShowPage(page);
@@ -166,6 +207,7 @@ void CWizardSheet::OnNext() {
 }
 
 void CWizardSheet::OnFinish() {
+    const QScopedValueRollback working(atWork_, true);
     if (ActivePage().OnWizardFinish()) {
         done(kWizardFinished);
     }

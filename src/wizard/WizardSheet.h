@@ -1,11 +1,14 @@
 #pragma once
 
+#include "diskservice/DiskWatch.h"
 #include "wizard/WizardPage.h"
 #include "wizard/WizardState.h"
 
 #include <QCoreApplication>
 #include <QDialog>
+#include <QTimer>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 class QCheckBox;
@@ -20,16 +23,18 @@ class CwizardImageSelection;
 /// What the sheet's run gives when the user has pressed Finish.
 inline constexpr int kWizardFinished = 12325;
 
+/// Gives the disks that the disk pages offer.
+using DiskLister = std::function<std::vector<DiskInfo>()>;
+
 /// The wizard: a modal sheet of six pages that leads to a job. The medium that a page has opened stays open
 /// behind its end, however it ends. RunAtStartup is read from the settings and written back by the
-/// destructor.
+/// destructor. Its disks follow what the disk service tells of those that come and go, and F5.
 class CWizardSheet : public QDialog, private WizardPageOwner {
     Q_DECLARE_TR_FUNCTIONS(CWizardSheet)
 
 public:
-    /// `logicalDriveNumber` is what LogicalDriveNumber begins with. `disks` is what the disk pages offer.
-    CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber,
-                 std::vector<DiskInfo> disks = EnumerateDisks());
+    /// `logicalDriveNumber` is what LogicalDriveNumber begins with.
+    CWizardSheet(QWidget* owner, std::uint8_t logicalDriveNumber, DiskLister disks = EnumerateDisks);
     ~CWizardSheet() override;
 
     /// To be called before Run: the sheet opens on the list of partitions and offers nothing else.
@@ -60,6 +65,8 @@ private:
     void ShowPage(int page);
     void OnNext();
     void OnFinish();
+    bool TakeDisks();
+    void FollowDisks();
 
     WizardState state_;
     CWizardHeader* header_;
@@ -72,6 +79,10 @@ private:
     QPushButton* cancel_;
     QPushButton* help_;
     int firstPage_ = kMainPage;
+    DiskLister lister_;
+    bool atWork_ = false; ///< in what Next or Finish does, which may ask and wait
+    QTimer followLater_;
+    DiskWatch watch_;
 };
 
 } // namespace thntfs

@@ -1,9 +1,9 @@
-#include "platform/media/Medium.h"
-
+#include "platform/media/LentDisk.h"
 #include "support/LoopDevice.h"
 #include "support/RunProgram.h"
 #include "support/VolumeBuilderMedium.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace thntfs::test {
@@ -68,13 +68,15 @@ TEST_F(MediumTest, OnlyDisksAndImagesAreMedia) {
 }
 
 TEST_F(MediumTest, LoopDeviceReadsBySectorAndInBulkUntilItIsGone) {
-    for (const std::uint32_t sector : {512U, 4096U}) {
+    for (const auto& [sector, lent] : {std::pair{512U, false}, {512U, true}, {4096U, false}, {4096U, true}}) {
         MakeImage(1U << 20U);
         const auto loop = LoopDevice::Attach(image_, "--read-only --sector-size " + std::to_string(sector));
         if (loop == nullptr) {
             GTEST_SKIP() << "no loop device here";
         }
-        const MediumResult result = OpenMedium(loop->Path());
+        const MediumResult result =
+            lent ? OpenMediumOn(OpenDescriptor(loop->Path().c_str(), O_RDONLY), loop->Path())
+                 : OpenMedium(loop->Path());
         ASSERT_EQ(result.Error, kErrorNone);
         EXPECT_EQ(result.Handle->SizeBytes(), pattern_.size());
         EXPECT_EQ(result.Handle->DeviceSectorBytes(), sector);
@@ -83,6 +85,12 @@ TEST_F(MediumTest, LoopDeviceReadsBySectorAndInBulkUntilItIsGone) {
                 ExpectPattern(*result.Handle, offset, size);
             }
         }
+        for (const auto& [path, mode] : {std::pair{loop->Path(), O_WRONLY}, {"/dev/zero", O_RDONLY}}) {
+            EXPECT_EQ(OpenMediumOn(OpenDescriptor(path.c_str(), mode), loop->Path()).Error,
+                      kErrorInvalidHandle)
+                << path;
+        }
+        EXPECT_EQ(OpenMediumOn(FileDescriptor(), loop->Path()).Error, kErrorInvalidHandle);
         fs::resize_file(image_, 0);
         OutputOf("PATH=$PATH:/sbin:/usr/sbin losetup --set-capacity " + loop->Path() + " && echo");
         ByteVector bytes(4096);

@@ -101,6 +101,7 @@ TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
         return order;
     };
     RunWith([&] {
+        Sheet->activateWindow(); // which a box was before
         EXPECT_TRUE(QTest::qWaitForWindowActive(Sheet.get()));
         EXPECT_EQ(tabs(), "Recover &your Data|view|&Run wizard on startup|Cancel|Help|");
         key(Qt::Key_Return); // chooses
@@ -117,6 +118,34 @@ TEST_F(PagesTest, KeysLeadPastUnreadableDisksThroughThePages) {
         key(Qt::Key_Return);
         key(Qt::Key_Down);
         EXPECT_EQ(Buttons(), "< Back Finish");
+    });
+}
+
+TEST_F(PagesTest, DisksFollowWhatComesAndGoes) {
+    const std::vector<DiskInfo> all = MadeUpDisks();
+    const auto shownAfter = [this](const std::vector<DiskInfo>& disks) {
+        Disks = disks;
+        QTest::keyClick(Sheet.get(), Qt::Key_F5);
+        const auto& tree = OnPage<QTreeWidget>();
+        return tree.currentItem()->text(0).toStdString() + " of " +
+               std::to_string(tree.topLevelItem(0)->childCount()) + Buttons();
+    };
+    RunWith([&] {
+        Press("Create disk Image"); // its page follows unseen
+        Press("Recover your Data");
+        Press("Next >");
+        EXPECT_TRUE(QTest::qWaitForWindowActive(Sheet.get()));
+        ChooseDisk(1);
+        EXPECT_EQ(shownAfter({all[2], all[0], all[1]}), "sdy of 3< Back Next >");
+        EXPECT_EQ(Info().at(0), "HDRInformation: sdy") << "at its new place";
+        Answers.Answer(QMessageBox::No);
+        Answers.MayAnswer = [&](const QMessageBox&) {
+            EXPECT_EQ(shownAfter({all[0]}), "sdy of 3< Back Next >") << "not behind a box";
+            return true;
+        };
+        Press("Cancel");
+        EXPECT_TRUE(WaitUntil([&] { return Sheet->State().Disks.size() == 1; }));
+        EXPECT_EQ(shownAfter({all[0]}), "My Computer of 1< Back (Next >)");
     });
 }
 

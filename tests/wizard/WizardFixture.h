@@ -72,7 +72,8 @@ protected:
 
     /// Makes a new sheet.
     void MakeSheet(std::vector<DiskInfo> disks = MadeUpDisks()) {
-        Sheet = std::make_unique<CWizardSheet>(nullptr, 4, std::move(disks));
+        Disks = std::move(disks);
+        Sheet = std::make_unique<CWizardSheet>(nullptr, 4, [this] { return Disks; });
     }
 
     /// A step at the sheet itself.
@@ -155,6 +156,7 @@ protected:
         Press("Select Image File");
     }
 
+    std::vector<DiskInfo> Disks; ///< what the sheet takes for this machine's
     Texts Arrived; ///< at the frame, in order: "clear views", and "STATUS first | second" of a log line
     bool KeepsOldScan = false; ///< what the frame says when it is to give up a scan
     BoxAnswers Answers;

@@ -42,8 +42,10 @@ constexpr CodeText kTexts[] = {
     {kErrorDirectory, CoreText("Core", "The directory name is invalid.")},
     {kErrorFileInvalid, CoreText("Core", "The volume for a file has been externally altered so that the "
                                          "opened file is no longer valid.")},
+    {kErrorServiceNotActive, CoreText("Core", "The service has not been started.")},
     {kErrorIoDevice, CoreText("Core", "The request could not be performed because of an I/O device error.")},
     {kErrorCancelled, CoreText("Core", "The operation was canceled by the user.")},
+    {kErrorPrivilegeNotHeld, CoreText("Core", "A required privilege is not held by the client.")},
     {kErrorInvalidUserBuffer,
      CoreText("Core", "The supplied user buffer is not valid for the requested operation.")},
 };

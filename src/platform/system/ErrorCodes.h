@@ -32,8 +32,10 @@ inline constexpr ErrorCode kErrorFilenameTooLong = 206;
 inline constexpr ErrorCode kErrorFileTooLarge = 223;
 inline constexpr ErrorCode kErrorDirectory = 267;
 inline constexpr ErrorCode kErrorFileInvalid = 1006;
+inline constexpr ErrorCode kErrorServiceNotActive = 1062;
 inline constexpr ErrorCode kErrorIoDevice = 1117;
 inline constexpr ErrorCode kErrorCancelled = 1223;
+inline constexpr ErrorCode kErrorPrivilegeNotHeld = 1314;
 inline constexpr ErrorCode kErrorInvalidUserBuffer = 1784;
 
 /// The system's text for a code, one sentence without a line end. A code without a text of its own gives

@@ -20,6 +20,9 @@ int main(int argc, char** argv) {
     for (const char* place : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
         qputenv(place, home.path().toUtf8());
     }
+    if (!qEnvironmentVariableIsSet("DBUS_SYSTEM_BUS_ADDRESS")) { // this machine's disk service isn't asked
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+    }
     const QApplication application(argc, argv);
     thntfs::PrepareBoxes();
     thntfs::SetHost(&thntfs::TheDesktopHost());

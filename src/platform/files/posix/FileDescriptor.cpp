@@ -23,6 +23,8 @@ void FileDescriptor::Close() {
     }
 }
 
+FileDescriptor DuplicateOf(int number) { return FileDescriptor(::fcntl(number, F_DUPFD_CLOEXEC, 0)); }
+
 FileDescriptor OpenDescriptor(const char* path, int flags, unsigned mode) {
     return OpenDescriptorAt(AT_FDCWD, path, flags, mode);
 }

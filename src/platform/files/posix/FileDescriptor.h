@@ -27,6 +27,9 @@ private:
     int number_ = -1;
 };
 
+/// A further descriptor of the same open file, with O_CLOEXEC. Not open where `number` isn't.
+FileDescriptor DuplicateOf(int number);
+
 /// open(2) with O_CLOEXEC, tried again when a signal interrupts it. Where the result is not open, errno tells
 /// why.
 FileDescriptor OpenDescriptor(const char* path, int flags, unsigned mode = 0);

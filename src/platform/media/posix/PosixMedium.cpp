@@ -1,7 +1,9 @@
 #include "platform/files/posix/FileDescriptor.h"
 #include "platform/media/DiskListing.h"
+#include "platform/media/LentDisk.h"
 #include "platform/media/Medium.h"
 #include "platform/media/posix/HoleFinder.h"
+#include "platform/media/posix/LentDescriptor.h"
 #include "platform/system/posix/ErrnoMap.h"
 
 #include <algorithm>
@@ -43,7 +45,31 @@ int ReadFully(int descriptor, std::uint64_t offset, Bytes buffer, std::size_t& g
     return 0;
 }
 
-/// The road past the kernel's page cache, a sector at a time. Opened at its first use.
+/// Has an open file go past the page cache from here to the end of the block.
+class DirectSpell {
+public:
+    explicit DirectSpell(int descriptor)
+        : descriptor_(descriptor)
+        , flags_(::fcntl(descriptor, F_GETFL))
+        , stands_(flags_ >= 0 && ::fcntl(descriptor, F_SETFL, flags_ | O_DIRECT) == 0) {}
+    ~DirectSpell() {
+        if (stands_) {
+            ::fcntl(descriptor_, F_SETFL, flags_);
+        }
+    }
+    DirectSpell(const DirectSpell&) = delete;
+    DirectSpell& operator=(const DirectSpell&) = delete;
+
+    [[nodiscard]] bool Stands() const { return stands_; }
+
+private:
+    int descriptor_;
+    int flags_;
+    bool stands_;
+};
+
+/// The road past the kernel's page cache, a sector at a time. Opened at its first use. Without a path, which
+/// is for a disk that can't be opened again, it is the open file's own.
 class DirectReader {
 public:
     DirectReader(std::string path, std::uint32_t sectorBytes)
@@ -54,15 +80,21 @@ public:
     /// this road does not exist here. `got` is short only at the end of the medium.
     int Read(const FileDescriptor& buffered, std::uint64_t offset, Bytes buffer, std::size_t& got) {
         got = 0;
-        if (!Open(buffered)) {
-            return EINVAL;
+        if (path_.empty()) {
+            const DirectSpell spell(buffered.Get());
+            return spell.Stands() ? ReadSectorwise(buffered.Get(), offset, buffer, got) : EINVAL;
         }
+        return Open(buffered) ? ReadSectorwise(descriptor_.Get(), offset, buffer, got) : EINVAL;
+    }
+
+private:
+    int ReadSectorwise(int descriptor, std::uint64_t offset, Bytes buffer, std::size_t& got) {
         while (got < buffer.size()) {
             const std::uint64_t position = offset + got;
             const auto skipped = static_cast<std::size_t>(position % sectorBytes_);
             std::size_t sectorGot = 0;
             const Bytes sector(bounce_.data(), sectorBytes_);
-            const int error = ReadFully(descriptor_.Get(), position - skipped, sector, sectorGot);
+            const int error = ReadFully(descriptor, position - skipped, sector, sectorGot);
             if (error != 0) {
                 return error;
             }
@@ -76,7 +108,6 @@ public:
         return 0;
     }
 
-private:
     bool Open(const FileDescriptor& buffered) {
         if (!tried_) {
             tried_ = true;
@@ -242,6 +273,19 @@ ErrorCode OpenForReading(const std::string& path, FileDescriptor& descriptor) {
     return descriptor.IsOpen() ? kErrorNone : MediumErrorOfErrno(errno);
 }
 
+/// `directPath` is what DirectReader takes.
+MediumResult MediumOf(FileDescriptor descriptor, const std::string& directPath) {
+    MediumShape shape;
+    if (const ErrorCode error = ShapeOf(descriptor.Get(), shape); error != kErrorNone) {
+        return {nullptr, error};
+    }
+    ::posix_fadvise(descriptor.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    shape.SizeBytes = std::min(shape.SizeBytes, kMaxBytes);
+    return {
+        std::make_unique<PosixMedium>(std::move(descriptor), directPath, shape.SizeBytes, shape.SectorBytes),
+        kErrorNone};
+}
+
 } // namespace
 
 DiskSize QueryDiskBytes(const std::string& devicePath) {
@@ -258,18 +302,13 @@ DiskSize QueryDiskBytes(const std::string& devicePath) {
 
 MediumResult OpenMedium(const std::string& path) {
     FileDescriptor descriptor;
-    MediumShape shape;
-    ErrorCode error = OpenForReading(path, descriptor);
-    if (error == kErrorNone) {
-        error = ShapeOf(descriptor.Get(), shape);
-    }
-    if (error != kErrorNone) {
-        return {nullptr, error};
-    }
-    ::posix_fadvise(descriptor.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-    shape.SizeBytes = std::min(shape.SizeBytes, kMaxBytes);
-    return {std::make_unique<PosixMedium>(std::move(descriptor), path, shape.SizeBytes, shape.SectorBytes),
-            kErrorNone};
+    const ErrorCode error = OpenForReading(path, descriptor);
+    return error == kErrorNone ? MediumOf(std::move(descriptor), path) : MediumResult{nullptr, error};
+}
+
+MediumResult OpenMediumOn(FileDescriptor disk, const std::string& path) {
+    return IsDiskAt(disk.Get(), path, O_RDONLY) ? MediumOf(std::move(disk), {})
+                                                : MediumResult{nullptr, kErrorInvalidHandle};
 }
 
 } // namespace thntfs

@@ -1,7 +1,9 @@
 #include "platform/files/File.h"
 #include "platform/files/posix/FileDescriptor.h"
 #include "platform/files/posix/PosixFile.h"
+#include "platform/media/LentDisk.h"
 #include "platform/media/TargetDisk.h"
+#include "platform/media/posix/LentDescriptor.h"
 #include "platform/system/posix/ErrnoMap.h"
 
 #include <cerrno>
@@ -49,6 +51,15 @@ ErrorCode OpenTargetDisk(const std::string& path, std::unique_ptr<File>& file) {
         return kErrorInvalidParameter;
     }
     file = MakePosixFile(std::move(descriptor));
+    return Files().Admit(file);
+}
+
+ErrorCode OpenTargetDiskOn(FileDescriptor disk, const std::string& path, std::unique_ptr<File>& file) {
+    file.reset();
+    if (!IsDiskAt(disk.Get(), path, O_RDWR)) {
+        return kErrorInvalidHandle;
+    }
+    file = MakePosixFile(std::move(disk));
     return Files().Admit(file);
 }
 
