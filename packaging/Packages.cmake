@@ -22,6 +22,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The first line is the synopsis.
 set(CPACK_DEBIAN_CLI_PACKAGE_NAME th-ntfs-cli)
 set(CPACK_DEBIAN_CLI_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_CLI_PACKAGE_RECOMMENDS "fuse3")
 set(CPACK_DEBIAN_CLI_PACKAGE_SUGGESTS "th-ntfs")
 set(CPACK_DEBIAN_CLI_DESCRIPTION "get files back from damaged NTFS volumes (terminal program)
 Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors

@@ -95,9 +95,10 @@ std::string ValueBranches(const ProgramWords& program) {
         return false;
     });
     std::string text;
-    for (const auto& [value, words] : choices) {
-        text += Branch(ValuePatterns(program, [&value](const auto& option) { return option.Value == value; }),
-                       WordList(words) + "; return");
+    for (const auto& choice : choices) {
+        text += Branch(
+            ValuePatterns(program, [&choice](const auto& option) { return option.Value == choice.first; }),
+            WordList(choice.second) + "; return");
     }
     for (const Offer offered : {Offer::Files, Offer::Folders}) {
         text += Branch(
