@@ -28,6 +28,11 @@
 #define LIBQCOW_VERSION_STRING ""
 #endif
 
+#ifdef THNTFS_FUSE
+#define FUSE_USE_VERSION 31
+#include <fuse3/fuse_lowlevel.h>
+#endif
+
 namespace thntfs {
 
 namespace {
@@ -60,7 +65,11 @@ std::vector<Library> CoreLibraries() {
         {"libvhdi", LIBVHDI_VERSION_STRING},
         {"libvmdk", LIBVMDK_VERSION_STRING},
         {"libqcow", LIBQCOW_VERSION_STRING},
-        {"libfuse", THNTFS_FUSE_VERSION},
+#ifdef THNTFS_FUSE
+        {"libfuse", std::to_string(FUSE_MAJOR_VERSION) + "." + std::to_string(FUSE_MINOR_VERSION)},
+#else
+        {"libfuse", ""},
+#endif
     };
 }
 
