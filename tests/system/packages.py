@@ -107,6 +107,7 @@ def parts():
         trials.say(f'packages: skipped, since {" and ".join(missing) or "root"} is missing')
         return
     folder = tempfile.mkdtemp(prefix='th-ntfs-bare-', dir='/var/tmp')
+    os.chmod(folder, 0o755)  # it is a root folder, also for who isn't root
     try:
         made = subprocess.run(['debootstrap', '--variant=minbase', SUITE, folder], capture_output=True)
         if made.returncode != 0:
