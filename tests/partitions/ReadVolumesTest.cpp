@@ -112,6 +112,8 @@ TEST_F(ReadVolumesTest, WhyThereIsNone) {
     Put(0, EncodePartitionTable({{0, 0, 0}, {0x83, 1, 99}}));
     expect("lacks its first entry");
     Put(0, EncodePartitionTable({{0x83, 1, 99}}));
+    (*Image)[446] = 0x80; // the one to start from
+    PutNumber<std::uint16_t>(*Image, 11, 512);
     expect("is of the type for NTFS");
     (*Image)[446 + 48] = 0x47;
     expect("another file system begins");
