@@ -79,13 +79,17 @@ char32_t Wildcard::Folded(char32_t letter) const {
     return letter <= kLastOneByte ? letter | kCaseBit : SmallLetter(letter);
 }
 
+// Millions of names are looked at one after the other.
 bool Wildcard::Matches(std::u16string_view name) const {
-    name_.clear();
-    while (!name.empty()) {
-        std::size_t units = 0;
-        name_ += Folded(WideLetter(name, units));
-        name.remove_prefix(units);
+    name_.resize(name.size());
+    std::size_t letters = 0;
+    const char32_t caseBit = matchCase_ ? 0 : kCaseBit;
+    for (std::size_t at = 0, units = 1; at < name.size(); at += units) {
+        const char32_t unit = name[at];
+        units = 1;
+        name_[letters++] = unit <= kLastOneByte ? unit | caseBit : Folded(WideLetter(name.substr(at), units));
     }
+    name_.resize(letters);
     return MatchesLetters();
 }
 
@@ -97,6 +101,11 @@ bool Wildcard::MatchesNarrow(std::string_view name) const {
         name.remove_prefix(bytes);
     }
     return MatchesLetters();
+}
+
+// Where the name may go on with a letter of the pattern, its end where it can't.
+std::size_t Wildcard::NextPlaceOf(char32_t letter, std::size_t from) const {
+    return letter >= kAnyLetter ? from : std::min(name_.find(letter, from), name_.size());
 }
 
 bool Wildcard::MatchesLetters() const {
@@ -116,7 +125,8 @@ bool Wildcard::MatchesLetters() const {
             ++at;
         } else if (resumePlace != 0) {
             place = resumePlace;
-            at = resumeAt++;
+            at = NextPlaceOf(pattern_[place], resumeAt);
+            resumeAt = at + 1;
         } else {
             return false;
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,6 +26,7 @@ public:
 private:
     [[nodiscard]] char32_t Folded(char32_t letter) const;
     [[nodiscard]] bool MatchesLetters() const;
+    [[nodiscard]] std::size_t NextPlaceOf(char32_t letter, std::size_t from) const;
 
     bool matchCase_;
     std::u32string pattern_; ///< letters folded, with marks of its own for the star and the question mark

@@ -109,6 +109,8 @@ std::vector<int> CDetailsView::LeastWidths() const {
             isColumnHidden(column) ? 0 : header()->sectionSizeHint(column);
     }
     widths[FileListModel::kName] += kNameRoom;
+    widths[FileListModel::kSize] = std::max(widths[FileListModel::kSize],
+                                            sizeHintForColumn(FileListModel::kSize)); // a title may be short
     if (std::accumulate(widths.begin(), widths.end(), 0) > viewport()->width()) {
         for (int column = FileListModel::kName + 1; column < FileListModel::kColumns; ++column) {
             int& width = widths[static_cast<std::size_t>(column)];

@@ -2,6 +2,7 @@
 #include "shell/Boxes.h"
 #include "shell/ShellFixture.h"
 
+#include <QClipboard>
 #include <QTest>
 
 namespace thntfs::test {
@@ -76,7 +77,12 @@ TEST(BoxTest, ClosingABoxMeansNoAndEnterThePresetAnswer) {
         EXPECT_FALSE(AskYesNo(kText, kCaption));
         EXPECT_EQ(ShowBox(kText, kCaption, BoxIcon::Stop, BoxButtons::YesNoCancel), BoxAnswer::Cancel);
     }
-    const BoxTimer user([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
+    const BoxTimer user([](QWidget& box) {
+        EXPECT_TRUE(static_cast<QMessageBox&>(box).textInteractionFlags() & Qt::TextSelectableByMouse);
+        QTest::keyClick(&box, Qt::Key_C, Qt::ControlModifier);
+        EXPECT_EQ(QApplication::clipboard()->text(), kText);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
     EXPECT_TRUE(AskYesNo(kText, kCaption));
     EXPECT_FALSE(AskYesNo(kText, kCaption, BoxAnswer::No));
 }
