@@ -9,8 +9,11 @@
 #include "frame/TargetQuestion.h"
 #include "platform/files/ReplacementFile.h"
 #include "platform/system/SizeText.h"
+#include "shell/Boxes.h"
+#include "shell/CoreTexts.h"
 #include "shell/WindowMessages.h"
 #include "views/THNTFSListView.h"
+#include "views/THNTFSTreeView.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -21,6 +24,13 @@ namespace thntfs {
 namespace {
 
 constexpr const char* kListRule = "-----------------------------------";
+
+// Hits stand in no one folder.
+QString FolderText(const CTHNTFSListView& list, const CTHNTFSTreeView& tree) {
+    const auto folder = list.ShownFolder();
+    const QString path = folder ? tree.PathOf(*folder) : QString();
+    return folder && path.isEmpty() ? QStringLiteral("#") : path;
+}
 
 // The file takes its name once it is complete.
 ErrorCode WriteFile(ListRun& run) {
@@ -43,8 +53,9 @@ void ListThread(MessageTarget& frame, ListRun& run) {
         return;
     }
     if (run.Outcome.Code != kErrorNone) {
-        Host().ErrorBox("The list can't be written to " + run.Path + "\n" +
-                        SystemErrorText(run.Outcome.Code));
+        ShowBox(QCoreApplication::translate("ListJob", "The list can't be written to %1\n%2")
+                    .arg(QString::fromStdString(run.Path), ShownCoreText(SystemErrorText(run.Outcome.Code))),
+                QCoreApplication::translate("ListJob", "Error"), BoxIcon::Stop);
     }
     LogLine("Aborted writing " + run.Path,
             run.Outcome.Stopped ? "Stopped; no file was made" : "No file was made", kLogFailed);
@@ -59,8 +70,8 @@ ListJob::ListJob(JobControl& job, MessageTarget& frame, StatusPanes& panes, QWid
     , panes_(panes)
     , owner_(owner) {}
 
-void ListJob::Begin(const CTHNTFSListView& list, const QString& folder) {
-    if (!job_.MayStartWork() || !Ask(list, folder)) {
+void ListJob::Begin(const CTHNTFSListView& list, const CTHNTFSTreeView& tree) {
+    if (!job_.MayStartWork() || !Ask(list, FolderText(list, tree))) {
         return;
     }
     job_.SetRunning();
@@ -96,7 +107,8 @@ bool ListJob::AskPlace(const QString& folder) {
     const QString suffix = QLatin1String(run_.Wish.BodyFile ? ".body" : ".csv");
     const QString filter = run_.Wish.BodyFile ? tr("Body file (*.body)") : tr("Table (*.csv)");
     const QString typed = ChooseFileToSave(
-        &owner_, tr("Save list"), (name.isEmpty() ? tr("List of files") : name) + suffix, filter, suffix);
+        &owner_, tr("Save list"),
+        (name.isEmpty() || name == QLatin1String("#") ? tr("List of files") : name) + suffix, filter, suffix);
     const QString path = typed.endsWith(suffix) ? typed : typed + suffix;
     run_.Path = path.toStdString();
     return !typed.isEmpty() && MayWriteTo(path);

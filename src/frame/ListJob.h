@@ -11,6 +11,7 @@ class QWidget;
 namespace thntfs {
 
 class CTHNTFSListView;
+class CTHNTFSTreeView;
 class JobControl;
 class MessageTarget;
 class StatusPanes;
@@ -32,7 +33,7 @@ public:
     ListJob(JobControl& job, MessageTarget& frame, StatusPanes& panes, QWidget& owner);
 
     /// Asks what to write and where to, and starts the job.
-    void Begin(const CTHNTFSListView& list, const QString& folder);
+    void Begin(const CTHNTFSListView& list, const CTHNTFSTreeView& tree);
 
     /// What is told at the end.
     [[nodiscard]] QString EndText() const;

@@ -133,8 +133,7 @@ bool CMainFrame::RunListCommand(std::uint32_t command) {
         listView_->CopyPaths();
         return true;
     case kCmdSaveList:
-        lists_.Begin(*listView_,
-                     listView_->ShownFolder() ? treeView_->PathOf(*listView_->ShownFolder()) : QString());
+        lists_.Begin(*listView_, *treeView_);
         return true;
     case kCmdFilter:
         listPane_->Filter().TakeFocus();

@@ -73,7 +73,9 @@ void CListPane::ShowPath() {
         }
         last = tree_.PathOf(*list_->ShownFolder());
     }
-    path_->Show(parts, medium_.Tip + QStringLiteral(" › ") + volume_.Text + QStringLiteral(" › ") + last);
+    QStringList whole{medium_.Tip, volume_.Text, last};
+    whole.removeAll(QString()); // the top has no path
+    path_->Show(parts, whole.join(QStringLiteral(" › ")));
 }
 
 } // namespace thntfs

@@ -83,6 +83,10 @@ TEST_F(ListPaneTest, AFilterNarrowsWhatIsShownInEveryFolder) {
     ShowFolders({u"one", u"two"});
     EXPECT_EQ(Names(), "one|Der ÄRGER.txt|Zorn & Ärger.TXT");
     EXPECT_EQ(Count(), "");
+    ClickRow(0);
+    TypeName("zorn");
+    EXPECT_FALSE(List->HasSelection()) << "what was selected is hidden";
+    TypeName("");
     ClickRow(2);
     TypeName("ärger");
     EXPECT_EQ(Names(), "Der ÄRGER.txt|Zorn & Ärger.TXT");
