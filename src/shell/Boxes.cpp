@@ -99,7 +99,9 @@ void KeepLines(QMessageBox& box) {
 void CopyTextOf(const QMessageBox& box) {
     const auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
     const bool part = label != nullptr && label->hasSelectedText();
-    QApplication::clipboard()->setText(part ? label->selectedText() : box.text());
+    QStringList texts{box.text(), box.informativeText()};
+    texts.removeAll(QString());
+    QApplication::clipboard()->setText(part ? label->selectedText() : texts.join(QLatin1String("\n\n")));
 }
 
 BoxAnswer RunBox(const BoxRequest& request) {
