@@ -35,7 +35,7 @@ disks are cloned. The medium that is read is never written to.")
 
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME th-ntfs)
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS "udisks2, polkitd, qt6-image-formats-plugins, qt6-translations-l10n, qt6-wayland")
+set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS "fuse3, udisks2, polkitd, qt6-image-formats-plugins, qt6-translations-l10n, qt6-wayland")
 set(CPACK_DEBIAN_DESKTOP_PACKAGE_SUGGESTS "th-ntfs-cli")
 set(CPACK_DEBIAN_DESKTOP_DESCRIPTION "get files back from damaged NTFS volumes (desktop program)
 Finds deleted, damaged and lost files on NTFS volumes, from the raw sectors

@@ -3,6 +3,7 @@
 #include "catalogue/Catalogue.h"
 #include "engine/EngineState.h"
 #include "frame/MainFrame.h"
+#include "frame/MountCall.h"
 #include "platform/files/InstanceLock.h"
 #include "platform/system/Interrupt.h"
 #include "platform/system/Libraries.h"
@@ -84,6 +85,9 @@ int main(int argc, char** argv) {
     if (IsVersionCall(argc, argv)) {
         std::cout << VersionText({{"Qt", QT_VERSION_STR}}) << '\n';
         return 0;
+    }
+    if (IsMountCall(argc, argv)) {
+        RunMountCall(argv);
     }
     QApplication application(argc, argv);
     QApplication::setPalette(ReadablePalette(QApplication::palette()));

@@ -29,11 +29,14 @@ int RunMount(const Options& options) {
     if (opened != kExitDone) {
         return opened;
     }
-    const std::string problem =
-        MountCatalogue({options.Target, session.MediumPath(), WhatToShow(options)}, [&options] {
-            PrintMessage("Mounted at " + options.Target + "; Ctrl+C or 'fusermount3 -u " + options.Target +
-                         "' ends it.");
-        });
+    const MountWishes wishes{.Folder = options.Target,
+                             .Source = session.MediumPath(),
+                             .What = WhatToShow(options),
+                             .Loaded = ProbeScanInfo(options.Medium).Kind == ScanInfoKind::Tree};
+    const std::string problem = MountCatalogue(wishes, [&options] {
+        PrintMessage("Mounted at " + options.Target + "; Ctrl+C or 'fusermount3 -u " + options.Target +
+                     "' ends it.");
+    });
     if (!problem.empty()) {
         return Refuse(problem);
     }

@@ -44,6 +44,7 @@ inline constexpr std::uint32_t kCmdClearRecent = 32917;
 /// The first of those that open what was opened before, newest first.
 inline constexpr std::uint32_t kCmdRecent = 32920;
 inline constexpr std::uint32_t kRecentCommands = 8;
+inline constexpr std::uint32_t kCmdOpenAsFolder = 32930;
 inline constexpr std::uint32_t kCmdToolbar16 = 32708;
 inline constexpr std::uint32_t kCmdToolbar48 = 32711;
 inline constexpr std::uint32_t kCmdAbout = 57664;

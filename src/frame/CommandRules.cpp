@@ -31,6 +31,7 @@ bool CommandEnabled(std::uint32_t command, const FrameState& state) {
     case kCmdFind:
     case kCmdSaveAll:
     case kCmdSaveTreeInfo:
+    case kCmdOpenAsFolder:
         return state.HasTree && idle;
     case kCmdSaveChecked:
         return state.HasTree && idle && state.HasMarks;

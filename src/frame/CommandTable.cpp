@@ -139,6 +139,9 @@ constexpr auto kCommands = std::to_array<CommandText>({
     {kCmdClearRecent, QT_TRANSLATE_NOOP("CommandTable", "&Clear List"),
      QT_TRANSLATE_NOOP("CommandTable", "Forgets what was opened before"),
      QT_TRANSLATE_NOOP("CommandTable", "Clear List"), ""},
+    {kCmdOpenAsFolder, QT_TRANSLATE_NOOP("CommandTable", "&Open as Folder"),
+     QT_TRANSLATE_NOOP("CommandTable", "Shows the found files in a folder that other programs can read"),
+     QT_TRANSLATE_NOOP("CommandTable", "Open as Folder"), ""},
 });
 
 constexpr MenuLine Line(std::uint32_t command) { return {MenuLine::Kind::Command, command, "", ""}; }
@@ -193,7 +196,8 @@ constexpr auto kToolsMenu =
                              kSeparator,
                              Line(kCmdCopyNames),
                              Line(kCmdCopyPaths),
-                             Line(kCmdSaveList)});
+                             Line(kCmdSaveList),
+                             Line(kCmdOpenAsFolder)});
 
 constexpr auto kViewMenu = std::to_array<MenuLine>(
     {Line(kCmdViewToolbar),

@@ -192,6 +192,7 @@ void CMainFrame::focusInEvent(QFocusEvent* event) {
 }
 
 void CMainFrame::ClearViews() {
+    folder_.End(); // it shows the catalogue that goes
     find_.Forget();
     treeView_->Clear();
     listView_->Clear();

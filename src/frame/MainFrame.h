@@ -4,6 +4,7 @@
 #include "frame/CommandIds.h"
 #include "frame/CommandSet.h"
 #include "frame/FindSearch.h"
+#include "frame/FolderMount.h"
 #include "frame/JobControl.h"
 #include "frame/ListJob.h"
 #include "frame/RecentFiles.h"
@@ -138,6 +139,7 @@ private:
     ScanJob scans_;
     SaveJob saves_;
     ListJob lists_;
+    FolderMount folder_;
     StartUp startUp_{*this};
     SiblingTool sibling_{*this};
 

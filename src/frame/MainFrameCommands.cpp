@@ -52,6 +52,11 @@ void CMainFrame::RunCommand(std::uint32_t command) {
     case kCmdSaveTreeInfo:
         SaveTree();
         break;
+    case kCmdOpenAsFolder:
+        if (job_.MayStartWork()) {
+            folder_.Open();
+        }
+        break;
     case kCmdExit:
         close();
         break;

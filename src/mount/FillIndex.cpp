@@ -31,6 +31,17 @@ public:
         }
     }
 
+    // In the order of the catalogue, which mostly is that of the records on the medium.
+    void LookForFurtherNames() {
+        CatalogueItem item;
+        for (std::uint32_t id = kRootEntryId + 1; id < nodes_.size() && Engine.ScanRunFlag != 0; ++id) {
+            if (LoadEntryInto(id, item) != 0 && !item.IsFolder() && item.RecordSector != 0 &&
+                reader_.Open(item) && reader_.Names().size() > 1) {
+                further_.insert(id);
+            }
+        }
+    }
+
     bool Fill() {
         EntryWalk walk(WalkStart{}, WalkReach::Whole);
         while (walk.Next()) {
@@ -130,6 +141,12 @@ private:
 
 } // namespace
 
-bool FillIndex(MountIndex& index, const SaveOptions& options) { return IndexFiller(index, options).Fill(); }
+bool FillIndex(MountIndex& index, const SaveOptions& options, FurtherNamesBy by) {
+    IndexFiller filler(index, options);
+    if (by == FurtherNamesBy::Records) {
+        filler.LookForFurtherNames();
+    }
+    return filler.Fill();
+}
 
 } // namespace thntfs

@@ -12,7 +12,7 @@ namespace thntfs {
 std::string MountCatalogue(const MountWishes& wishes, const std::function<void()>& begun) try {
     MountHost host;
     MountIndex index(static_cast<std::size_t>(CatalogueEntryCount()));
-    if (!FillIndex(index, wishes.What)) {
+    if (!FillIndex(index, wishes.What, wishes.Loaded ? FurtherNamesBy::Records : FurtherNamesBy::Scan)) {
         return "It was stopped before anything was mounted.";
     }
     MountedVolume volume(index);

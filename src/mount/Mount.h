@@ -12,6 +12,7 @@ struct MountWishes {
     std::string Folder;    ///< an empty folder; nothing is written to it
     std::string Source;    ///< what the system's list of mounts names as the mounted device
     SaveOptions What = {}; ///< which entries are shown
+    bool Loaded = false;   ///< the catalogue is that of a saved scan
 };
 
 /// Whether this build can mount.

@@ -13,9 +13,12 @@ using Node = MountIndex::Node;
 /// A scanned volume, and its tree as it would be mounted.
 class MountTest : public SaveFixture {
 protected:
-    void Show(const SaveOptions& options = {}) {
+    void Show(const SaveOptions& options = {}, FurtherNamesBy by = FurtherNamesBy::Scan) {
         Scan();
-        EXPECT_TRUE(FillIndex(Index.emplace(0), options));
+        if (by == FurtherNamesBy::Records) {
+            Engine.FurtherParents = {};
+        }
+        EXPECT_TRUE(FillIndex(Index.emplace(0), options, by));
         Mounted.emplace(*Index);
     }
 
@@ -108,12 +111,14 @@ TEST_F(MountTest, TheTreeIsWhatASaveMakes) {
         fs::remove_all(Target);
         (void)SaveLoose(options);
         EXPECT_EQ(Paths(), PathsIn(Saved()));
+        Show(options, FurtherNamesBy::Records);
+        EXPECT_EQ(Paths(), PathsIn(Saved()));
         EXPECT_EQ(Paths().find("#900/lost") != std::string::npos, reach != SaveReach::ExistingOnly);
     }
     EXPECT_EQ(Index->NamesOf(Index->TargetOf(NodeAt("y"))), 2U);
     Engine.ScanRunFlag = 0;
     MountIndex stopped(0);
-    EXPECT_FALSE(FillIndex(stopped, {}));
+    EXPECT_FALSE(FillIndex(stopped, {}, FurtherNamesBy::Records));
 }
 
 TEST_F(MountTest, WhatAFileIsToldOf) {

@@ -2,6 +2,7 @@
 
 #include "mount/Mount.h"
 #include "mount/posix/FuseAnswers.h"
+#include "mount/posix/MountWatch.h"
 #include "platform/system/Interrupt.h"
 
 #include <array>
@@ -51,9 +52,8 @@ std::string OptionValue(std::string_view text) {
     return escaped;
 }
 
-std::string OptionsFor(const MountPlace& place, bool endsAlone) {
-    return "ro,nosuid,nodev,noexec,default_permissions,subtype=th-ntfs,fsname=" + OptionValue(place.Source) +
-           (endsAlone ? ",auto_unmount" : "");
+std::string OptionsFor(const MountPlace& place) {
+    return "ro,nosuid,nodev,noexec,default_permissions,subtype=th-ntfs,fsname=" + OptionValue(place.Source);
 }
 
 struct EndSession {
@@ -143,19 +143,14 @@ std::string ServeMount(const MountPlace& place, const MountIndex& index, Mounted
                        const std::function<void()>& begun) {
     FuseTree tree{index, volume, ::getuid(), ::getgid()};
     fuse_set_log_func(KeepLine);
-    // By the mount helper the mount ends with this process, however that ends. Without the helper, root
-    // mounts.
-    for (const bool endsAlone : {true, false}) {
-        const Session session = NewSession(OptionsFor(place, endsAlone), tree);
-        if (session != nullptr && fuse_session_mount(session.get(), place.Folder.c_str()) == 0) {
-            begun();
-            Server(session.get()).Run();
-            fuse_session_unmount(session.get());
-            return {};
-        }
-        if (::geteuid() != 0) {
-            break;
-        }
+    const Session session = NewSession(OptionsFor(place), tree);
+    if (session != nullptr && fuse_session_mount(session.get(), place.Folder.c_str()) == 0) {
+        MountWatch watch(place.Folder);
+        begun();
+        Server(session.get()).Run();
+        fuse_session_unmount(session.get());
+        watch.Dismiss();
+        return {};
     }
     return place.Folder + " can't be mounted at: " +
            (libraryLine.empty() ? "the system has no file systems of programs (fuse3)" : libraryLine);
