@@ -36,7 +36,7 @@ std::string MountScan(const std::string& file, const std::string& folder) {
     Engine.CatalogueFolder = work.Path();
     const ScanInfoResult loaded = LoadTreeInfo(file);
     if (!loaded.Done) {
-        return medium + " can't be opened for a second time: " +
+        return "What was scanned can't be opened for a second time: " +
                (loaded.Code == kErrorNone ? loaded.Text : SystemErrorText(loaded.Code));
     }
     SetUnlessInterrupted(Engine.ScanRunFlag);

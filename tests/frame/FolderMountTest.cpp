@@ -1,0 +1,79 @@
+// The scan as a folder: another program mounts it, here one that only says so.
+
+#include "frame/FolderMount.h"
+
+#include "FrameFixture.h"
+#include "frame/MountCall.h"
+
+#include <QTest>
+#include <filesystem>
+#include <fstream>
+
+namespace thntfs::test {
+namespace {
+
+class FolderMountTest : public FrameFixture {
+protected:
+    FolderMountTest() {
+        Frame->showMaximized();
+        LoadByMenu(SavedScanOf(Volume("basic.img")));
+    }
+
+    QString Program(const std::string& script) {
+        const std::string path = Folder / "program";
+        std::ofstream(path) << "#!/bin/sh\n" << script << "\n";
+        fs::permissions(path, fs::perms::owner_all);
+        return QString::fromStdString(path);
+    }
+
+    std::vector<std::string> Shown;
+    FolderMount Mount{[this](const QString& folder) { Shown.push_back(folder.toStdString()); }};
+};
+
+TEST_F(FolderMountTest, ShowsTheFolderAndEndsTheOtherProgram) {
+    const std::string words = Folder / "words";
+    const QString program = Program("echo \"$1 $3\" > " + words + "; wc -c < \"$2\" >> " + words +
+                                    "; echo mounted; exec cat > /dev/null");
+    Mount.Open(program);
+    EXPECT_EQ(Mount.Folder(), QString()) << "not before it is told";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !Shown.empty(); }));
+    Mount.Open(program);
+    ASSERT_EQ(Shown, std::vector<std::string>(2, Shown[0]));
+    EXPECT_EQ(fs::path(Shown[0]).filename(), "basic");
+    EXPECT_EQ(fs::status(fs::path(Shown[0]).parent_path()).permissions(), fs::perms::owner_all);
+    std::ifstream told(words);
+    std::string word;
+    std::string folder;
+    std::size_t bytes = 0;
+    told >> word >> folder >> bytes;
+    EXPECT_EQ(word, kMountWord);
+    EXPECT_EQ(folder, Shown[0]);
+    EXPECT_GT(bytes, 1000U);
+    for (const auto& entry : fs::directory_iterator(Engine.CatalogueFolder)) {
+        EXPECT_EQ(entry.path().filename().string().find("mount-"), std::string::npos) << "the copy has gone";
+    }
+    Mount.End();
+    EXPECT_FALSE(fs::exists(Shown[0]));
+    EXPECT_EQ(Mount.Folder(), QString());
+
+    Mount.Open(program);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Shown.size() == 3; })) << "and once more";
+    EXPECT_TRUE(Answers.Boxes.empty());
+}
+
+TEST_F(FolderMountTest, TellsWhyThereIsNone) {
+    Mount.Open(Program("echo 'no such luck' >&2; exit 1"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !Answers.Boxes.empty(); }));
+    EXPECT_TRUE(Answers.Boxes[0].Text.endsWith(QLatin1String("no such luck")))
+        << Answers.Boxes[0].Text.toStdString();
+    Mount.Open(QStringLiteral("/dev/null/nothing"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Answers.Boxes.size() == 2; }));
+    Mount.Open(Program("echo mounted; exit 0"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Shown.size() == 1 && Mount.Folder().isEmpty(); }));
+    EXPECT_FALSE(fs::exists(Shown[0]));
+    EXPECT_EQ(Answers.Boxes.size(), 2U) << "unmounted by others";
+    EXPECT_TRUE(IsOffered("Open as Folder"));
+}
+
+} // namespace
+} // namespace thntfs::test
