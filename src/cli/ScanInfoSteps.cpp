@@ -4,6 +4,7 @@
 #include "cli/Output.h"
 #include "cli/SameDisk.h"
 #include "engine/EngineState.h"
+#include "partitions/OpenSource.h"
 #include "platform/files/Paths.h"
 #include "platform/files/ReplacementFile.h"
 #include "platform/media/Medium.h"
@@ -104,7 +105,7 @@ int TellLoadFailure(const std::string& path, const ScanInfoResult& result) {
     PrintMessage(path + ": " + result.Text);
     if (!result.Medium.empty()) {
         PrintMessage("The medium from which it was made, " + result.Medium +
-                     ", can't be opened: " + SystemErrorText(result.Code));
+                     ", can't be opened: " + OpenErrorText(result.Code));
     } else if (result.Code != kErrorNone) {
         PrintMessage(SystemErrorText(result.Code));
     }

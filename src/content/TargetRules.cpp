@@ -1,6 +1,7 @@
 #include "content/TargetRules.h"
 
 #include "engine/EngineState.h"
+#include "images/AnyMedium.h"
 #include "platform/files/Paths.h"
 #include "platform/media/DiskIdentity.h"
 #include "platform/system/Text.h"
@@ -20,11 +21,13 @@ bool Meets(const std::string& path, const std::string& target) {
 } // namespace
 
 TargetVerdict CheckTarget(const std::string& path, const RunPlaces& run) {
-    if (SameMedium(path, run.Medium)) {
-        return {TargetRefusal::IsMedium, run.Medium};
-    }
-    if (!run.SameDiskKnown && SharesMedium(path, run.Medium)) {
-        return {TargetRefusal::OnMedium, run.Medium};
+    for (const std::string& file : FilesOfMedium(run.Medium)) {
+        if (SameMedium(path, file)) {
+            return {TargetRefusal::IsMedium, file};
+        }
+        if (!run.SameDiskKnown && SharesMedium(path, file)) {
+            return {TargetRefusal::OnMedium, file};
+        }
     }
     if (Meets(path, run.SavedScan)) {
         return {TargetRefusal::IsSavedScan, run.SavedScan};

@@ -2,6 +2,7 @@
 
 #include "disktools/CopyDisk.h"
 #include "engine/EngineState.h"
+#include "images/AnyMedium.h"
 #include "platform/files/Paths.h"
 #include "platform/media/DiskIdentity.h"
 
@@ -31,14 +32,16 @@ CopyVerdict RefusedForSize(CopyRefusal why, const std::string& path, std::uint64
 } // namespace
 
 CopyVerdict CheckCopyPlaces(const std::string& source, const std::string& target) {
-    if (SameMedium(target, source)) {
-        return Refused(CopyRefusal::OneMedium, target);
-    }
-    if (SharesMedium(target, source)) {
-        return Refused(CopyRefusal::TargetOnSource, target);
-    }
-    if (SharesMedium(source, target)) {
-        return Refused(CopyRefusal::SourceOnTarget, target);
+    for (const std::string& file : FilesOfMedium(source)) {
+        if (SameMedium(target, file)) {
+            return Refused(CopyRefusal::OneMedium, target);
+        }
+        if (SharesMedium(target, file)) {
+            return Refused(CopyRefusal::TargetOnSource, target);
+        }
+        if (SharesMedium(file, target)) {
+            return Refused(CopyRefusal::SourceOnTarget, target);
+        }
     }
     return IsMounted(target) ? Refused(CopyRefusal::TargetInUse, target) : CopyVerdict{};
 }

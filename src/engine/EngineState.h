@@ -72,6 +72,7 @@ struct EngineState {
     // The selected image.
     std::string ImagePath;
     std::string ImageFolder;
+    std::string OpenFault; ///< why the medium that was opened last can't be, where its code doesn't tell
 
     // Content of one file on its way out.
     std::uint64_t BytesWritten = 0; ///< bytes of the current file put out so far

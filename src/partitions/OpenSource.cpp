@@ -3,6 +3,7 @@
 #include "engine/AskForDisk.h"
 #include "engine/EngineState.h"
 #include "engine/SectorReader.h"
+#include "images/AnyMedium.h"
 #include "platform/files/Paths.h"
 #include "platform/media/Medium.h"
 #include "platform/system/CoreText.h"
@@ -48,7 +49,10 @@ ErrorCode TakeDevice(const std::string& path) {
 // volume: what is no sector size isn't meant as one.
 void TakeImage(const std::string& path) {
     DiskRecord& disk = Engine.SourceDisk;
-    ProbeImageSectorSize();
+    disk.BytesPerSector = static_cast<std::uint16_t>(disk.MediaHandle->ImageSectorBytes());
+    if (!IsMediumSectorSize(disk.MediaHandle->ImageSectorBytes())) {
+        ProbeImageSectorSize();
+    }
     if (!IsMediumSectorSize(disk.BytesPerSector)) {
         disk.BytesPerSector = kSmallestSectorBytes;
     }
@@ -60,7 +64,8 @@ void TakeImage(const std::string& path) {
 
 ErrorCode OpenHandle(const std::string& path) {
     ResetEngineState();
-    MediumResult medium = AskIfRefused(OpenMedium(path), path);
+    MediumResult medium = AskIfRefused(OpenAnyMedium(path), path);
+    Engine.OpenFault = std::move(medium.Why);
     Engine.SourceDisk.MediaHandle = std::move(medium.Handle);
     return medium.Error;
 }
@@ -118,6 +123,9 @@ ErrorCode TakeSource(const std::string& path) {
 }
 
 std::string OpenErrorText(ErrorCode code) {
+    if (code == kErrorImage && !Engine.OpenFault.empty()) {
+        return Engine.OpenFault;
+    }
     return code == kErrorSectorSize
                ? CoreText("Core", "It states sectors of a size that can't be read: powers of two from 512 "
                                   "to 32768 bytes can.")

@@ -4,6 +4,7 @@
 #include "engine/ClusterSize.h"
 #include "engine/EngineState.h"
 #include "engine/Host.h"
+#include "images/AnyMedium.h"
 #include "platform/files/ReplacementFile.h"
 #include "platform/media/Medium.h"
 #include "platform/system/Text.h"
@@ -114,7 +115,8 @@ void TakeMediumAndCandidates(ScanInfoReader& reader, std::uint32_t magic) {
 
 void OpenDescribedMedium() {
     const std::string path = NarrowText(Engine.SourceDisk.Description);
-    MediumResult medium = AskIfRefused(OpenMedium(path), path);
+    MediumResult medium = AskIfRefused(OpenAnyMedium(path), path);
+    Engine.OpenFault = std::move(medium.Why);
     if (medium.Error != kErrorNone) {
         throw ScanInfoFault{medium.Error, {}, path};
     }

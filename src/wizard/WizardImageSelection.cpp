@@ -127,7 +127,7 @@ int CwizardImageSelection::OnWizardNext() {
 }
 
 void CwizardImageSelection::TellOpeningFailed(ErrorCode code) {
-    failure_->setText(tr("The file can't be opened: %1").arg(ShownCoreText(SystemErrorText(code))));
+    failure_->setText(tr("The file can't be opened: %1").arg(ShownCoreText(OpenErrorText(code))));
 }
 
 } // namespace thntfs

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace thntfs {
 
@@ -37,11 +38,18 @@ public:
 
     /// Bytes per logical sector that the device itself states, 0 for an image file.
     [[nodiscard]] virtual std::uint32_t DeviceSectorBytes() const = 0;
+
+    /// Bytes per logical sector that the format of an image file states, 0 where it states none.
+    [[nodiscard]] virtual std::uint32_t ImageSectorBytes() const { return 0; }
+
+    /// Paths of the files that it is read from, beside the one that it was opened by.
+    [[nodiscard]] virtual std::vector<std::string> FurtherFiles() const { return {}; }
 };
 
 struct MediumResult {
     std::unique_ptr<Medium> Handle; ///< null on failure
     ErrorCode Error = kErrorNone;
+    std::string Why = {}; ///< a sentence, where the code alone doesn't tell
 };
 
 /// Opens a block device or a regular file for reading only. Anything else (a folder, a pipe) fails with

@@ -24,6 +24,7 @@ constexpr CodeText kTexts[] = {
     {kErrorInvalidHandle, CoreText("Core", "The handle is invalid.")},
     {kErrorNotEnoughMemory,
      CoreText("Core", "Not enough memory resources are available to process this command.")},
+    {kErrorImage, CoreText("Core", "The image is damaged, not whole, or of a kind that can't be read.")},
     {kErrorWriteProtect, CoreText("Core", "The media is write protected.")},
     {kErrorNotReady, CoreText("Core", "The device is not ready.")},
     {kErrorCrc, CoreText("Core", "Data error (cyclic redundancy check).")},

@@ -16,6 +16,7 @@ inline constexpr ErrorCode kErrorTooManyOpenFiles = 4;
 inline constexpr ErrorCode kErrorAccessDenied = 5;
 inline constexpr ErrorCode kErrorInvalidHandle = 6;
 inline constexpr ErrorCode kErrorNotEnoughMemory = 8;
+inline constexpr ErrorCode kErrorImage = 11;
 inline constexpr ErrorCode kErrorWriteProtect = 19;
 inline constexpr ErrorCode kErrorNotReady = 21;
 inline constexpr ErrorCode kErrorCrc = 23;

@@ -1,0 +1,321 @@
+#include "images/AnyMedium.h"
+
+#include "support/LoopDevice.h"
+#include "support/RunProgram.h"
+
+#include <cstring>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace thntfs::test {
+
+namespace {
+
+constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
+constexpr std::size_t kDiskBytes = 6 * kMegabyte;
+
+bool HasProgram(const std::string& name) { return !OutputOf("command -v " + name).empty(); }
+
+/// What an image that could be opened gives, read in odd pieces; "" where it can't be, with the reason.
+struct WholeImage {
+    std::string Bytes;
+    std::string Why;
+    std::vector<std::string> Further;
+    std::uint32_t SectorBytes = 0;
+};
+
+WholeImage ReadImage(const std::string& path) {
+    const MediumResult result = OpenAnyMedium(path);
+    WholeImage whole;
+    whole.Why =
+        result.Error == kErrorNone || !result.Why.empty() ? result.Why : SystemErrorText(result.Error);
+    if (result.Handle == nullptr) {
+        EXPECT_FALSE(whole.Why.empty());
+        return whole;
+    }
+    whole.Further = result.Handle->FurtherFiles();
+    whole.SectorBytes = result.Handle->ImageSectorBytes();
+    whole.Bytes.assign(result.Handle->SizeBytes(), '?');
+    constexpr std::size_t kPiece = 200001;
+    for (std::size_t at = 0; at < whole.Bytes.size(); at += kPiece) {
+        const Bytes piece(reinterpret_cast<std::uint8_t*>(whole.Bytes.data()) + at,
+                          std::min(kPiece, whole.Bytes.size() - at));
+        if (const ErrorCode code = result.Handle->ReadAt(at, piece); code != kErrorNone) {
+            whole.Why = std::to_string(code);
+        }
+    }
+    return whole;
+}
+
+class AnyMediumTest : public testing::Test {
+protected:
+    /// Noise, but for a hole in it.
+    AnyMediumTest() {
+        std::mt19937 random(7);
+        for (std::size_t i = 0; i < disk_.size(); ++i) {
+            disk_[i] = i / kMegabyte == 2 ? '\0' : static_cast<char>(random());
+        }
+        Write("raw", disk_);
+    }
+
+    void Write(const std::string& name, std::string_view bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+    }
+
+    void Change(const std::string& name, std::uint64_t offset, std::string_view bytes) const {
+        std::fstream file(folder_ / name, std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(static_cast<std::streamoff>(offset)).write(bytes.data(), std::ssize(bytes));
+    }
+
+    /// Runs a shell's commands in the folder.
+    void Run(const std::string& command) const {
+        EXPECT_EQ(OutputOf("cd " + folder_.Path() + " && { " + command + "; } >log 2>&1 || cat log"), "")
+            << command;
+    }
+
+    /// It reads as the disk, whatever a format adds behind it.
+    void ExpectDisk(const std::string& name, const std::string& wanted) const {
+        const WholeImage whole = ReadImage(folder_ / name);
+        EXPECT_EQ(whole.Why, "") << name;
+        EXPECT_GE(whole.Bytes.size(), wanted.size()) << name;
+        EXPECT_TRUE(whole.Bytes.compare(0, wanted.size(), wanted) == 0) << name;
+        EXPECT_EQ(whole.Bytes.find_first_not_of('\0', wanted.size()), std::string::npos) << name;
+    }
+
+    void ExpectRefused(const std::string& name, const std::string& word) const {
+        const MediumResult result = OpenAnyMedium(folder_ / name);
+        EXPECT_EQ(result.Handle, nullptr) << name;
+        EXPECT_EQ(result.Error, kErrorImage) << name;
+        EXPECT_NE(result.Why.find(word), std::string::npos) << name << ": " << result.Why;
+    }
+
+    /// What the tools that made an image make of it.
+    [[nodiscard]] std::string Converted(const std::string& name) const {
+        Run("qemu-img convert -O raw " + name + " converted");
+        return ReadWholeFile(folder_ / "converted");
+    }
+
+    ScratchFolder folder_;
+    std::string disk_ = std::string(kDiskBytes, '\0');
+};
+
+class QemuImageTest : public AnyMediumTest {
+protected:
+    void SetUp() override {
+        if (!HasProgram("qemu-img") || !HasProgram("qemu-io")) {
+            GTEST_SKIP() << "qemu-utils isn't installed";
+        }
+    }
+
+    /// Makes two VHDs into one that holds what differs from the other.
+    void MakeDifferences(const std::string& child, const std::string& parent) const {
+        const std::string uuid = ReadWholeFile(folder_ / parent).substr(68, 16);
+        std::string bytes = ReadWholeFile(folder_ / child);
+        const auto putSum = [&](std::size_t start, std::size_t length, std::size_t place) {
+            std::uint32_t sum = 0;
+            bytes.replace(start + place, 4, 4, '\0');
+            for (std::size_t i = start; i < start + length; ++i) {
+                sum += static_cast<std::uint8_t>(bytes[i]);
+            }
+            for (std::size_t i = 0; i < 4; ++i) {
+                bytes[start + place + i] = static_cast<char>(~sum >> (24 - 8 * i));
+            }
+        };
+        bytes.replace(512 + 40, 16, uuid);
+        for (std::size_t i = 0; i < parent.size(); ++i) {
+            bytes[512 + 64 + 2 * i + 1] = parent[i];
+        }
+        putSum(512, 1024, 36);
+        for (const std::size_t footer : {std::size_t{0}, bytes.size() - 512}) {
+            bytes[footer + 63] = 4;
+            putSum(footer, 512, 64);
+        }
+        Write(child, bytes);
+    }
+};
+
+} // namespace
+
+TEST_F(AnyMediumTest, PiecesOfARawImageAreOneDisk) {
+    const auto part = [&](std::size_t from, std::size_t count) {
+        return std::string_view(disk_).substr(from, count);
+    };
+    Write("a.001", part(0, 1000000));
+    ExpectDisk("a.001", disk_.substr(0, 1000000));
+    EXPECT_EQ(FilesOfMedium(folder_ / "a.001"), std::vector{folder_ / "a.001"}) << "one piece is a raw image";
+    Write("a.003", part(1000001, kDiskBytes));
+    ExpectRefused("a.001", "a.002 is missing");
+    Write("a.002", part(1000000, 1));
+    Write("a.004", "");
+    ExpectDisk("a.001", disk_);
+    EXPECT_EQ(FilesOfMedium(folder_ / "a.001").size(), 4U);
+    ExpectDisk("a.003", disk_.substr(1000001));
+    fs::rename(folder_ / "a.003", folder_ / "a.005");
+    fs::create_directory(folder_ / "a.003");
+    ExpectRefused("a.001", "a.003");
+    fs::remove(folder_ / "a.003");
+    fs::create_symlink("/dev/zero", folder_ / "a.003");
+    ExpectRefused("a.001", "is no file");
+
+    for (unsigned i = 0; i < 100; ++i) {
+        Write("many." + std::string(i < 10 ? "00" : "0") + std::to_string(i), part(i * 60000, 60000));
+    }
+    const std::string begun = disk_.substr(0, 6000000);
+    ExpectDisk("many.000", begun);
+    ExpectRefused("many.001", "many.000");
+    const MediumResult many = OpenAnyMedium(folder_ / "many.000");
+    std::vector<std::uint8_t> sectors(120);
+    ASSERT_EQ(many.Handle->ReadAt(6000000 - 60, sectors), kErrorNone);
+    Write("many.002", "shorter now");
+    EXPECT_EQ(many.Handle->ReadAt(120000, sectors), kErrorNotReady);
+    EXPECT_EQ(many.Handle->ReadAt(59940, sectors), kErrorNone);
+    EXPECT_EQ(std::string(sectors.begin(), sectors.end()), disk_.substr(59940, 120));
+}
+
+TEST_F(AnyMediumTest, WhatOnlyLooksLikeAnImageStaysRaw) {
+    const char* const tails[] = {"vhdxfile", "conectix", "QFI\xfb", "KDMV", "# Disk DescriptorFile"};
+    for (const char* const word : tails) {
+        std::string raw = disk_;
+        raw.replace(512, strlen(word), word);
+        raw.replace(raw.size() - 512, strlen(word), word);
+        Write("raw", raw);
+        ExpectDisk("raw", raw);
+    }
+    for (const char* const word : {"vhdxfile", "conectix", "QFI\xfb", "KDMV", "# Disk DescriptorFile\n",
+                                   "EVF\x09\x0d\x0a\xff", "EVF2\x0d\x0a\x81", "COWD"}) {
+        Write("cut", std::string(word) + '\0');
+        EXPECT_EQ(OpenAnyMedium(folder_ / "cut").Error, kErrorImage) << word;
+        Write("cut", std::string(word) + '\0' + std::string(3000, '\xEE'));
+        EXPECT_EQ(OpenAnyMedium(folder_ / "cut").Error, kErrorImage) << word;
+    }
+    EXPECT_EQ(OpenAnyMedium(folder_.Path()).Error, kErrorDirectory);
+    EXPECT_EQ(OpenAnyMedium(folder_ / "none").Error, kErrorFileNotFound);
+    Write("empty", "");
+    ExpectDisk("empty", "");
+}
+
+TEST_F(QemuImageTest, EveryFormatGivesTheDisk) {
+    for (const char* const form :
+         {"qcow2", "qcow2 -o compat=0.10", "qcow2 -c", "qcow2 -o cluster_size=512",
+          "qcow2 -o preallocation=metadata", "vpc", "vpc -o subformat=fixed", "vhdx",
+          "vhdx -o subformat=fixed", "vhdx -o block_state_zero=off", "vmdk -o subformat=monolithicSparse",
+          "vmdk -o subformat=monolithicFlat", "vmdk -o subformat=streamOptimized",
+          "vmdk -o subformat=twoGbMaxExtentSparse", "vmdk -o subformat=twoGbMaxExtentFlat"}) {
+        SCOPED_TRACE(form);
+        Run(std::string("qemu-img convert raw image -O ") + form);
+        ExpectDisk("image", disk_);
+    }
+    EXPECT_EQ(FilesOfMedium(folder_ / "image"), (std::vector{folder_ / "image", folder_ / "image-f001"}))
+        << "a text without a dot in its name";
+    Run("qemu-img convert raw fixed -O vpc -o subformat=fixed,force_size=on");
+    EXPECT_EQ(ReadImage(folder_ / "fixed").Bytes.size(), kDiskBytes) << "without the footer";
+    Change("fixed", kDiskBytes + 100, "x");
+    EXPECT_EQ(ReadImage(folder_ / "fixed").Bytes.size(), kDiskBytes + 512) << "its sum is wrong";
+    Run("qemu-img convert raw image.vhdx -O vhdx");
+    EXPECT_EQ(ReadImage(folder_ / "image.vhdx").SectorBytes, 512U);
+}
+
+TEST_F(QemuImageTest, ZerosThatTablesTellOf) {
+    Run("qemu-img convert raw q -O qcow2 && qemu-io -c 'write -z 1M 300k' -c 'discard 4M 64k' q");
+    ExpectDisk("q", Converted("q"));
+    Run("qemu-img convert raw v -O vmdk -o zeroed_grain=on && qemu-io -c 'write -z 1M 320k' v");
+    ExpectDisk("v", Converted("v"));
+    Run("qemu-img create -f vmdk -b v -F vmdk -o zeroed_grain=on w && qemu-io -c 'write -z 3M 128k' w");
+    ExpectDisk("w", Converted("w"));
+}
+
+TEST_F(QemuImageTest, AnImageIsReadWithWhatItBuildsOn) {
+    Run("mkdir sub && qemu-img create -f qcow2 -b ../raw -F raw sub/low 8M && qemu-img create -f qcow2 -b "
+        "sub/low "
+        "-F qcow2 top && qemu-io -c 'write -P 7 1M 100k' sub/low && qemu-io -c 'write -z 1M 64k' -c 'write "
+        "-P 9 5M 1k' "
+        "top");
+    ExpectDisk("top", Converted("top"));
+    EXPECT_EQ(FilesOfMedium(folder_ / "top"),
+              (std::vector{folder_ / "top", folder_ / "raw", folder_ / "sub/low"}));
+    Run("qemu-img convert raw base -O vmdk && qemu-img create -f vmdk -b base -F vmdk delta && qemu-io -c "
+        "'write -P 7 "
+        "1M 100k' delta");
+    ExpectDisk("delta", Converted("delta"));
+    Run("qemu-io -c 'write -P 8 0 1k' base");
+    ExpectRefused("delta", "has changed since");
+    fs::remove(folder_ / "raw");
+    ExpectRefused("top", "/raw, can't be opened");
+    Run("mkfifo raw");
+    ExpectRefused("top", "is no file");
+    Run("rm raw && ln -s top raw");
+    ExpectRefused("top", "in a circle");
+    Run("qemu-img rebase -u -b nbd://there/x -F raw top");
+    ExpectRefused("top", "is no file");
+    Run("qemu-img create -f vmdk -o subformat=monolithicFlat evil 1M && sed -i 's|evil-f.*\"|/dev/zero\"|' "
+        "evil");
+    ExpectRefused("evil", "is no file");
+}
+
+TEST_F(QemuImageTest, DifferencesOfAVhd) {
+    Run("qemu-img convert raw parent -O vpc -o force_size=on && qemu-img create -f vpc -o force_size=on "
+        "child 6M && "
+        "qemu-io -f vpc -c 'write -P 5 2M 100k' child");
+    MakeDifferences("child", "parent");
+    const WholeImage whole = ReadImage(folder_ / "child");
+    EXPECT_EQ(whole.Why, "");
+    EXPECT_EQ(whole.Further, std::vector{folder_ / "parent"});
+    EXPECT_TRUE(whole.Bytes.compare(0, 2 * kMegabyte, disk_, 0, 2 * kMegabyte) == 0);
+    EXPECT_TRUE(whole.Bytes.compare(2 * kMegabyte, 102400, std::string(102400, '\5')) == 0);
+    EXPECT_TRUE(whole.Bytes.compare(4 * kMegabyte, 2 * kMegabyte, disk_, 4 * kMegabyte, 2 * kMegabyte) == 0);
+    Run("cp parent other && qemu-img convert raw parent -O vpc -o force_size=on");
+    ExpectRefused("child", "another one");
+    fs::remove(folder_ / "parent");
+    ExpectRefused("child", "parent, can't be opened");
+}
+
+TEST_F(QemuImageTest, WhatCantBeReadIsRefused) {
+    Run("qemu-img create -f qcow2 --object secret,id=s,data=abc -o encrypt.format=luks,encrypt.key-secret=s "
+        "q 1M");
+    ExpectRefused("q", "encrypted");
+    Run("qemu-img create -f qcow2 -o data_file=d q 1M");
+    ExpectRefused("q", "in another file");
+    Run("qemu-img convert raw q -O qcow2 -c -o compression_type=zstd");
+    ExpectRefused("q", "features");
+    Run("qemu-img convert raw q -O qcow2 && truncate -s 4M q");
+    EXPECT_EQ(ReadImage(folder_ / "q").Why, "23") << "what is cut off isn't zeros";
+    Change("q", 39, std::string_view("\0", 1));
+    ExpectRefused("q", "damaged");
+    Run("qemu-img convert raw v -O vmdk -o subformat=twoGbMaxExtentSparse");
+    ExpectRefused("v-s001", "VMDK");
+    fs::remove(folder_ / "v-s001");
+    ExpectRefused("v", "v-s001, can't be opened");
+    Run("qemu-img convert raw x -O vhdx && truncate -s 100K x");
+    ExpectRefused("x", "VHDX");
+}
+
+TEST_F(AnyMediumTest, EvidenceFiles) {
+    if (!HasProgram("ewfacquire")) {
+        GTEST_SKIP() << "ewf-tools isn't installed";
+    }
+    Run("cp raw disk.raw && ewfacquire -u -q -f encase6 -c none -S 2097152 -t e disk.raw && ewfacquire -u -q "
+        "-f smart "
+        "-c best -t s disk.raw && ewfacquire -u -q -f encase6 -P 4096 -t k disk.raw");
+    ExpectDisk("s.s01", disk_);
+    EXPECT_EQ(ReadImage(folder_ / "k.E01").SectorBytes, 4096U);
+    EXPECT_EQ(FilesOfMedium(folder_ / "e.E01").size(), 4U);
+    ExpectDisk("e.E01", disk_);
+    Change("e.E02", 500000, "wrong");
+    const MediumResult result = OpenAnyMedium(folder_ / "e.E01");
+    ASSERT_NE(result.Handle, nullptr);
+    std::vector<std::uint8_t> sector(512);
+    std::size_t bad = 0;
+    for (unsigned round = 0; round < 2; ++round) {
+        for (std::size_t at = 0; at < kDiskBytes; at += sector.size()) {
+            bad += result.Handle->ReadAt(at, sector) == kErrorCrc ? 1U : 0U;
+        }
+    }
+    EXPECT_EQ(bad, 2U * 64U) << "one chunk, each time that it is read";
+    for (const char* const gone : {"e.E04", "e.E02"}) {
+        fs::remove(folder_ / gone);
+        ExpectRefused("e.E01", "segments");
+    }
+}
+
+} // namespace thntfs::test
