@@ -63,7 +63,7 @@ install_packages() {
 # tests need, what making packages needs, and what the trials of tests/system need. The optional parts are found by
 # CMake; without one, the program says what it was built without.
 core_packages=(cmake ninja-build libcli11-dev nlohmann-json3-dev libssl-dev zlib1g-dev libarchive-dev libwim-dev xz-utils)
-optional_packages=(libewf-dev libvhdi-dev libvmdk-dev libqcow-dev libfuse3-dev fuse3)
+optional_packages=(libbfio-dev libewf-dev libvhdi-dev libvmdk-dev libqcow-dev libfuse3-dev fuse3)
 desktop_packages=(qt6-base-dev qt6-svg-dev qt6-image-formats-plugins libqt6svg6 qt6-translations-l10n)
 test_packages=(libgtest-dev dbus-daemon qemu-utils ewf-tools)
 package_packages=(dpkg-dev file pandoc librsvg2-bin)

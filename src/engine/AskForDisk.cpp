@@ -22,7 +22,7 @@ DiskAnswer AskIfRefused(ErrorCode refusal, const std::string& path, DiskUse use)
 }
 
 MediumResult AskIfRefused(MediumResult opened, const std::string& path) {
-    if (opened.Error == kErrorNone) {
+    if (opened.Error != kErrorAccessDenied) {
         return opened;
     }
     DiskAnswer answer = AskIfRefused(opened.Error, path, DiskUse::Reading);

@@ -157,6 +157,21 @@ TEST_F(CopyTest, ImageRefusesBeforeAnythingIsWritten) {
     EXPECT_FALSE(fs::exists(copy_) || fs::exists(map_));
 }
 
+TEST_F(CopyTest, AnImageInPiecesIsOneMediumAndNoPieceIsWrittenTo) {
+    const std::string disk = ReadWholeFile(MakeDisk("disk", 1U << 20U));
+    std::ofstream(At("d.001")) << disk.substr(0, 700000);
+    std::ofstream(At("d.002")) << disk.substr(700000);
+    Expect(0, {"image", At("d.001"), copy_});
+    EXPECT_TRUE(IsImage());
+    ExpectRefused(1, {"clone", At("d.001"), At("d.002"), "--yes"}, "are one disk");
+    ExpectRefused(1, {"scan", At("d.001"), "--log", At("d.002")}, "The log can't go to");
+    EXPECT_TRUE(ReadWholeFile(At("d.002")) == disk.substr(700000));
+    Expect(0, {"scan", At("d.001"), "--save-info", At("d.tht")});
+    EXPECT_EQ(RunCli({"list", At("d.tht"), "-r"}).Out, RunCli({"list", disk_, "-r"}).Out);
+    fs::rename(At("d.002"), At("d.003"));
+    Expect(1, {"list", At("d.tht"), "-r"}, "d.002 is missing");
+}
+
 TEST_F(CopyTest, ResumeRefusesAnImageOfAnotherDisk) {
     MakeDisk("disk", 1U << 20U);
     Expect(0, {"image", disk_, copy_});
