@@ -15,8 +15,9 @@ inline constexpr ErrorCode kErrorSectorSize = 1106;
 ErrorCode OpenPhysicalDisk(const std::string& devicePath);
 
 /// Opens an image file as SourceDisk, in any of the formats that OpenAnyMedium knows. The sector size is the
-/// one that the format states, or stamped at byte 444, or 512; the size in sectors is the file's length / the sector size, a rest dropped. Sets ImagePath and ImageFolder. Gives 0 or
-/// the failure's code, with SourceDisk left empty.
+/// one that the format states, or stamped at byte 444, or 512; the size in sectors is the file's length / the
+/// sector size, a rest dropped. Sets ImagePath and ImageFolder. Gives 0 or the failure's code, with
+/// SourceDisk left empty.
 ErrorCode OpenImageFile(const std::string& imagePath);
 
 /// Opens either, by what stands under the path.
