@@ -33,7 +33,7 @@ QString RunDialog(QFileDialog& dialog) {
 }
 
 QString RunFileDialog(QFileDialog& dialog, FileKind kind) {
-    const QString path = RunDialog(dialog);
+    QString path = RunDialog(dialog);
     if (!path.isEmpty()) {
         OpenSettings().setValue(KeyOf(kind), QFileInfo(path).absolutePath());
     }

@@ -15,10 +15,8 @@ public:
     /// `tell` is called once for what comes in a burst, on the thread of the watch.
     explicit DiskWatch(const std::function<void()>& tell);
 
-private Q_SLOTS:
-    void NoteChange();
-
 private:
+    Q_SLOT void NoteChange();
     void Listen(const QString& path, const char* interface, const char* signal);
 
     QTimer burst_;

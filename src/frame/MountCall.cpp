@@ -40,7 +40,7 @@ std::string MountScan(const std::string& file, const std::string& folder) {
                (loaded.Code == kErrorNone ? loaded.Text : SystemErrorText(loaded.Code));
     }
     SetUnlessInterrupted(Engine.ScanRunFlag);
-    const std::string problem = MountCatalogue({.Folder = folder, .Source = medium, .Loaded = true}, [] {
+    std::string problem = MountCatalogue({.Folder = folder, .Source = medium, .Loaded = true}, [] {
         (void)std::fputs(kMountedLine, stdout);
         (void)std::fflush(stdout);
     });

@@ -65,15 +65,15 @@ private:
         }
         for (const std::string& path : paths) {
             segments_.push_back(
-                std::make_unique<LibraryFile>([path] { return OpenImageFilePart(path, "segment"); }, reads_));
+                std::make_unique<LibraryFile>([path] { return OpenImageFilePart(path, "segment"); }, Reads));
             AppendToPool(pool_, *segments_.back());
         }
-        furtherFiles_.assign(paths.begin() + 1, paths.end());
+        Further.assign(paths.begin() + 1, paths.end());
     }
 
     void Open(const ImageSource& source) {
         const bool open = libewf_handle_open_file_io_pool(handle_, pool_, LIBEWF_OPEN_READ, nullptr) == 1 &&
-                          libewf_handle_get_media_size(handle_, &bytes_, nullptr) == 1;
+                          libewf_handle_get_media_size(handle_, &MediaBytes, nullptr) == 1;
         if (!open) {
             throw ImageFault{std::string("It is an image in the format ") + NameOfKind(source.Kind) +
                              " that can't be opened: it is damaged or encrypted, or one of its segments is "
@@ -84,8 +84,8 @@ private:
             throw ImageFault{"It is not whole: its segments (" + std::to_string(segments_.size()) +
                              " found) don't end where the image ends. Put all of them into one folder."};
         }
-        if (libewf_handle_get_bytes_per_sector(handle_, &sectorBytes_, nullptr) != 1) {
-            sectorBytes_ = 0;
+        if (libewf_handle_get_bytes_per_sector(handle_, &SectorBytes, nullptr) != 1) {
+            SectorBytes = 0;
         }
         NoteAcquiryErrors();
     }
@@ -115,11 +115,11 @@ private:
     }
 
     [[nodiscard]] bool IsBad(std::uint64_t offset, std::uint64_t count) const {
-        if (bad_.empty() || sectorBytes_ == 0) {
+        if (bad_.empty() || SectorBytes == 0) {
             return false;
         }
-        const std::uint64_t first = offset / sectorBytes_;
-        const std::uint64_t last = (offset + count - 1) / sectorBytes_;
+        const std::uint64_t first = offset / SectorBytes;
+        const std::uint64_t last = (offset + count - 1) / SectorBytes;
         return std::any_of(bad_.begin(), bad_.end(), [&](const SectorRange& range) {
             return first < range.First + range.Count && last >= range.First;
         });

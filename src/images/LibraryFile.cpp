@@ -133,13 +133,13 @@ void AppendToPool(libbfio_pool_t* pool, LibraryFile& file) {
 }
 
 ErrorCode LibraryMedium::ReadAt(std::uint64_t offset, Bytes buffer) {
-    const std::uint64_t left = bytes_ - std::min(offset, bytes_);
+    const std::uint64_t left = MediaBytes - std::min(offset, MediaBytes);
     buffer = buffer.first(static_cast<std::size_t>(std::min<std::uint64_t>(left, buffer.size())));
     while (!buffer.empty()) {
-        reads_.Code = kErrorNone;
+        Reads.Code = kErrorNone;
         const ssize_t got = Read(offset, buffer);
         if (got <= 0 || static_cast<std::size_t>(got) > buffer.size()) {
-            return reads_.Code == kErrorNone ? kErrorCrc : reads_.Code;
+            return Reads.Code == kErrorNone ? kErrorCrc : Reads.Code;
         }
         offset += static_cast<std::size_t>(got);
         buffer = buffer.subspan(static_cast<std::size_t>(got));

@@ -66,20 +66,20 @@ void AppendToPool(libbfio_pool_t* pool, LibraryFile& file);
 class LibraryMedium : public Medium {
 public:
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override;
-    [[nodiscard]] std::uint64_t SizeBytes() const override { return bytes_; }
+    [[nodiscard]] std::uint64_t SizeBytes() const override { return MediaBytes; }
     [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return 0; }
-    [[nodiscard]] std::uint32_t ImageSectorBytes() const override { return sectorBytes_; }
-    [[nodiscard]] std::vector<std::string> FurtherFiles() const override { return furtherFiles_; }
+    [[nodiscard]] std::uint32_t ImageSectorBytes() const override { return SectorBytes; }
+    [[nodiscard]] std::vector<std::string> FurtherFiles() const override { return Further; }
 
 protected:
     /// Bytes read into the buffer from its beginning on, all of which lies within the medium; 0 or less where
     /// that failed.
     virtual ssize_t Read(std::uint64_t offset, Bytes buffer) = 0;
 
-    std::uint64_t bytes_ = 0;
-    std::uint32_t sectorBytes_ = 0;
-    std::vector<std::string> furtherFiles_;
-    LibraryReads reads_;
+    std::uint64_t MediaBytes = 0;
+    std::uint32_t SectorBytes = 0;
+    std::vector<std::string> Further;
+    LibraryReads Reads;
 };
 
 } // namespace thntfs

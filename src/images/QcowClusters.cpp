@@ -92,9 +92,24 @@ ClusterStretch QcowClusters::PlaceOf(std::uint64_t offset) {
     stretch.Error = LoadTable(tableOffset, table);
     if (stretch.Error == kErrorNone) {
         const auto at = static_cast<std::size_t>(cluster % entriesInTable * kTableEntryBytes);
-        stretch.Place = PlaceOfEntry(BigNumberAt<std::uint64_t>(*table, at), header_.Version);
+        const auto entry = BigNumberAt<std::uint64_t>(*table, at);
+        stretch.Place = PlaceOfEntry(entry, header_.Version);
+        if (stretch.Place == ClusterPlace::Here && !IsInFile(entry)) {
+            stretch.Place = ClusterPlace::Unknown;
+            stretch.Error = kErrorCrc; // the file is cut
+        }
     }
     return stretch;
+}
+
+// A compressed cluster counts its length in whole sectors, the last of which may lie behind the file's end.
+bool QcowClusters::IsInFile(std::uint64_t entry) const {
+    if ((entry & kCompressedFlag) != 0) {
+        const unsigned placeBits = 62 - (header_.ClusterBits - 8);
+        return (entry & ((std::uint64_t{1} << placeBits) - 1)) < file_.SizeBytes();
+    }
+    const std::uint64_t offset = entry & kOffsetMask;
+    return offset < file_.SizeBytes() && ClusterBytes() <= file_.SizeBytes() - offset;
 }
 
 ErrorCode QcowClusters::LoadTable(std::uint64_t offset, const Table*& table) {

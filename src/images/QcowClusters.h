@@ -58,6 +58,7 @@ private:
     };
 
     ClusterStretch PlaceOf(std::uint64_t offset);
+    [[nodiscard]] bool IsInFile(std::uint64_t entry) const;
     ErrorCode LoadTable(std::uint64_t offset, const Table*& table);
     [[nodiscard]] std::uint64_t ClusterBytes() const { return std::uint64_t{1} << header_.ClusterBits; }
 

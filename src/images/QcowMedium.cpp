@@ -26,18 +26,27 @@ constexpr std::uint64_t kStateFeatures = 3;
 constexpr std::uint64_t kDataElsewhere = 4;
 
 // The image as the library is to see it: one that builds on nothing and was closed as it should be. What lies
-// below is read here.
+// below is read here. Behind the file's end are zeros for some clusters more: the library takes for whole
+// what it has read in part.
 class LoneImage final : public Medium {
 public:
     LoneImage(Medium& file, const QcowHeader& header)
         : file_(file)
-        , isThree_(header.Version >= 3) {}
+        , isThree_(header.Version >= 3)
+        , clusterBytes_(std::uint64_t{1} << header.ClusterBits) {}
 
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
         constexpr std::uint64_t kNamePlace = 8;
         constexpr std::uint64_t kNamePlaceEnd = 20;
         constexpr std::uint64_t kStateByte = 79;
-        const ErrorCode code = file_.ReadAt(offset, buffer);
+        ErrorCode code = kErrorNone;
+        const std::uint64_t left = file_.SizeBytes() - std::min(offset, file_.SizeBytes());
+        if (left < buffer.size()) {
+            std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+        }
+        if (left != 0) {
+            code = file_.ReadAt(offset, buffer);
+        }
         for (std::uint64_t place = offset;
              place < std::min<std::uint64_t>(kStateByte + 1, offset + buffer.size()); ++place) {
             std::uint8_t& byte = buffer[static_cast<std::size_t>(place - offset)];
@@ -50,12 +59,15 @@ public:
         return code;
     }
 
-    [[nodiscard]] std::uint64_t SizeBytes() const override { return file_.SizeBytes(); }
+    [[nodiscard]] std::uint64_t SizeBytes() const override {
+        return (file_.SizeBytes() / clusterBytes_ + 4) * clusterBytes_;
+    }
     [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return 0; }
 
 private:
     Medium& file_;
     bool isThree_;
+    std::uint64_t clusterBytes_;
 };
 
 class QcowMedium final : public LibraryMedium {
@@ -63,11 +75,12 @@ public:
     QcowMedium(ImageSource source, const QcowHeader& header)
         : source_(std::move(source))
         , clusters_(*source_.File, header)
-        , file_(std::make_unique<LoneImage>(*source_.File, header), reads_) {
+        , file_(std::make_unique<LoneImage>(*source_.File, header), Reads) {
         OpenBelow(header);
         if (libqcow_file_initialize(&handle_, nullptr) != 1 ||
             libqcow_file_open_file_io_handle(handle_, file_.Handle(), LIBQCOW_OPEN_READ, nullptr) != 1 ||
-            libqcow_file_get_media_size(handle_, &bytes_, nullptr) != 1 || !clusters_.Covers(bytes_)) {
+            libqcow_file_get_media_size(handle_, &MediaBytes, nullptr) != 1 ||
+            !clusters_.Covers(MediaBytes)) {
             libqcow_file_free(&handle_, nullptr);
             throw DamagedImage(source_.Kind);
         }
@@ -89,7 +102,7 @@ protected:
             std::fill(part.begin(), part.end(), std::uint8_t{0});
             return static_cast<ssize_t>(part.size());
         default:
-            reads_.Code = stretch.Error;
+            Reads.Code = stretch.Error;
             return -1;
         }
     }
@@ -101,8 +114,8 @@ private:
         const std::uint64_t left = end - std::min(offset, end);
         const Bytes there = part.first(static_cast<std::size_t>(std::min<std::uint64_t>(left, part.size())));
         std::fill(part.begin() + static_cast<std::ptrdiff_t>(there.size()), part.end(), std::uint8_t{0});
-        reads_.Code = there.empty() ? kErrorNone : below_->ReadAt(offset, there);
-        return reads_.Code == kErrorNone ? static_cast<ssize_t>(part.size()) : -1;
+        Reads.Code = there.empty() ? kErrorNone : below_->ReadAt(offset, there);
+        return Reads.Code == kErrorNone ? static_cast<ssize_t>(part.size()) : -1;
     }
 
     void OpenBelow(const QcowHeader& header) {
@@ -119,8 +132,8 @@ private:
         }
         const std::string path = PathNamedBy(source_, name.substr(0, name.find('\0')));
         below_ = OpenLayerBelow(path, source_.Layer + 1);
-        furtherFiles_ = below_->FurtherFiles();
-        furtherFiles_.push_back(path);
+        Further = below_->FurtherFiles();
+        Further.push_back(path);
     }
 
     ImageSource source_;

@@ -22,7 +22,7 @@ using Guid = std::array<std::uint8_t, kGuidBytes>;
 class VhdMedium final : public LibraryMedium {
 public:
     explicit VhdMedium(ImageSource source)
-        : file_(std::move(source.File), reads_) {
+        : file_(std::move(source.File), Reads) {
         if (libvhdi_file_initialize(&handle_, nullptr) != 1) {
             throw ImageFault{"There isn't enough memory to open it."};
         }
@@ -46,14 +46,14 @@ private:
     void Open(const ImageSource& source) {
         std::uint32_t type = 0;
         if (libvhdi_file_open_file_io_handle(handle_, file_.Handle(), LIBVHDI_OPEN_READ, nullptr) != 1 ||
-            libvhdi_file_get_media_size(handle_, &bytes_, nullptr) != 1 ||
+            libvhdi_file_get_media_size(handle_, &MediaBytes, nullptr) != 1 ||
             libvhdi_file_get_disk_type(handle_, &type, nullptr) != 1) {
             throw DamagedImage(source.Kind);
         }
         // A VHD tells no sectors, and the library 512.
         if (source.Kind == ImageKind::Vhdx &&
-            libvhdi_file_get_bytes_per_sector(handle_, &sectorBytes_, nullptr) != 1) {
-            sectorBytes_ = 0;
+            libvhdi_file_get_bytes_per_sector(handle_, &SectorBytes, nullptr) != 1) {
+            SectorBytes = 0;
         }
         if (type == LIBVHDI_DISK_TYPE_DIFFERENTIAL) {
             OpenParent(source);
@@ -79,8 +79,8 @@ private:
             throw ImageFault{"The image that it builds on, " + path +
                              ", is another one than it was made from."};
         }
-        furtherFiles_ = parent_->FurtherFiles();
-        furtherFiles_.push_back(path);
+        Further = parent_->FurtherFiles();
+        Further.push_back(path);
     }
 
     std::string ParentName(const ImageSource& source) {

@@ -43,7 +43,7 @@ std::string VmdkText(Object* object, SizeCall sizeCall, TextCall textCall) {
 class VmdkMedium final : public LibraryMedium {
 public:
     explicit VmdkMedium(ImageSource source)
-        : file_(std::move(source.File), reads_) {
+        : file_(std::move(source.File), Reads) {
         try {
             Open(source);
         } catch (...) {
@@ -76,7 +76,7 @@ private:
         }
         AddExtents(source);
         if (libvmdk_handle_open_extent_data_files_file_io_pool(handle_, pool_, nullptr) != 1 ||
-            libvmdk_handle_get_media_size(handle_, &bytes_, nullptr) != 1) {
+            libvmdk_handle_get_media_size(handle_, &MediaBytes, nullptr) != 1) {
             throw DamagedImage(source.Kind);
         }
     }
@@ -91,7 +91,7 @@ private:
         for (int i = 0; i < count; ++i) {
             const std::string path = source.Kind == ImageKind::Vmdk ? source.Path : ExtentPath(source, i);
             if (source.Kind != ImageKind::Vmdk) {
-                furtherFiles_.push_back(path);
+                Further.push_back(path);
             }
             AddExtent(path);
         }
@@ -118,7 +118,7 @@ private:
 
     void AddExtent(const std::string& path) {
         extents_.push_back(std::make_unique<LibraryFile>(
-            [path] { return ShowZeroGrains(OpenImageFilePart(path, "file with its data")); }, reads_));
+            [path] { return ShowZeroGrains(OpenImageFilePart(path, "file with its data")); }, Reads));
         AppendToPool(pool_, *extents_.back());
     }
 
@@ -141,8 +141,8 @@ private:
             throw ImageFault{"The image that it builds on, " + path +
                              ", has changed since, or is another one than it was made from."};
         }
-        furtherFiles_ = parent_->FurtherFiles();
-        furtherFiles_.push_back(path);
+        Further = parent_->FurtherFiles();
+        Further.push_back(path);
     }
 
     void Free() {

@@ -209,8 +209,8 @@ void ReadFolderPlus(fuse_req_t request, fuse_ino_t number, std::size_t size, off
 }
 
 MountedFile* FileOf(const fuse_file_info* file) {
-    return reinterpret_cast<MountedFile*>(
-        file->fh); // NOLINT(performance-no-int-to-ptr): the library keeps numbers
+    // The library keeps numbers. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    return reinterpret_cast<MountedFile*>(file->fh);
 }
 
 void OpenFile(fuse_req_t request, fuse_ino_t number, fuse_file_info* file) {

@@ -30,6 +30,7 @@ public:
     /// `handed` becomes the child's descriptor kHelperSocket. A name without a slash is looked for in PATH.
     ChildProgram(std::vector<std::string> words, int handed) {
         std::vector<char*> arguments;
+        arguments.reserve(words.size() + 1);
         for (std::string& word : words) {
             arguments.push_back(word.data());
         }
