@@ -1,7 +1,6 @@
 #include "wizard/WizardImageSelection.h"
 
 #include "dialogs/FileDialogs.h"
-#include "engine/EngineState.h"
 #include "partitions/OpenSource.h"
 #include "platform/files/Paths.h"
 #include "scaninfo/JobLog.h"
@@ -116,13 +115,14 @@ int CwizardImageSelection::OnWizardNext() {
     if (!CloseOldMedium()) {
         return kStay;
     }
-    const ErrorCode code = OpenImageFile(imagePath_);
+    const ErrorCode code = OpenSource(imagePath_); // the command line may have named a disk
     if (code != kErrorNone) {
         TellOpeningFailed(code);
         return kStay;
     }
-    const ChosenSource image{Engine.ImagePath, tr("Please use search for lost partition(s)."),
-                             [](bool searched) { LogImageChosen(Engine.ImagePath, searched); }};
+    const std::string path = AbsolutePath(imagePath_);
+    const ChosenSource image{path, tr("Please use search for lost partition(s)."),
+                             [path](bool searched) { LogImageChosen(path, searched); }};
     return ListPartitions(image, State().ProcessingMode, window()) ? kPartitionListPage : kStay;
 }
 
