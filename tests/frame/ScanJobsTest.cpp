@@ -104,7 +104,7 @@ TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
         EXPECT_EQ(Greyed(),
                   (Titles{"", "Wizard", "Clone Disk", "Find", "Find Next", "Save All", "Save Tree Info",
                           "Stop Current Process", "Go to Parent Folder", "Turbo Scan", "Spoor Hound",
-                          "Copy Names", "Copy Paths", "Save List As...", "Path Line"}));
+                          "Copy Names", "Copy Paths", "Save List As...", "Path Line", "Open as Folder"}));
         EXPECT_EQ(Close(), Texts{"Information: Please wait..."});
         for (const char* title : startsWork) {
             EXPECT_EQ(Insist(title), Texts{"Information: Please wait..."}) << title;
@@ -119,8 +119,9 @@ TEST_F(ScanJobs, WhatMayBeDoneMeanwhile) {
             EXPECT_EQ(greyed.erase(title), 1U) << title;
             EXPECT_EQ(Insist(title), Texts{}) << title;
         }
-        EXPECT_EQ(greyed, (Titles{"", "Find", "Find Next", "Save All", "Go to Parent Folder", "Spoor Hound",
-                                  "Copy Names", "Copy Paths", "Save List As...", "Path Line"}));
+        EXPECT_EQ(greyed,
+                  (Titles{"", "Find", "Find Next", "Save All", "Go to Parent Folder", "Spoor Hound",
+                          "Copy Names", "Copy Paths", "Save List As...", "Path Line", "Open as Folder"}));
         EXPECT_EQ(Close(), Texts{"Warning: Please stop running process"});
         Desktop.CopyDialog = reinterpret_cast<CVarientCloneImageDialog*>(Frame.get());
         EXPECT_FALSE(IsOffered("Stop Current Process")) << "a copy has its own";
