@@ -144,6 +144,7 @@ TEST_F(PagesTest, DisksFollowWhatComesAndGoes) {
             return true;
         };
         Press("Cancel");
+        Sheet->activateWindow(); // which a box was before
         EXPECT_TRUE(QTest::qWaitForWindowActive(Sheet.get()));
         EXPECT_EQ(shownAfter({all[0]}), "My Computer of 1< Back (Next >)");
     });
