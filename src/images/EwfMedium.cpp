@@ -126,6 +126,7 @@ private:
     }
 
     void Free() {
+        libewf_handle_close(handle_, nullptr); // frees what an open that has failed leaves
         libewf_handle_free(&handle_, nullptr);
         libbfio_pool_free(&pool_, nullptr);
     }
