@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (IsMountCall(argc, argv)) {
-        RunMountCall(argv);
+        RunMountCall(argc, argv);
     }
     QApplication application(argc, argv);
     QApplication::setPalette(ReadablePalette(QApplication::palette()));

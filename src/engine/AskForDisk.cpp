@@ -26,7 +26,7 @@ MediumResult AskIfRefused(MediumResult opened, const std::string& path) {
         return opened;
     }
     DiskAnswer answer = AskIfRefused(opened.Error, path, DiskUse::Reading);
-    return answer.Code == kErrorNone ? OpenMediumOn(std::move(answer.Disk), path)
+    return answer.Code == kErrorNone ? OpenMediumOn(std::move(answer.Disk), path, std::move(answer.Turns))
                                      : MediumResult{nullptr, answer.Code};
 }
 
@@ -34,7 +34,8 @@ std::string RightsAdvice(ErrorCode code) {
     switch (code) {
     case kErrorAccessDenied:
         return CoreText("Core", "Reading a disk needs the right to do so: run the program as root, for "
-                                "instance with sudo.");
+                                "instance with sudo. Without root the system's disk service asks for it, "
+                                "where the desktop program is installed and UDisks is 2.7.3 or newer.");
     case kErrorCancelled:
         return CoreText("Core", "The system's disk service opens the disk once its question has been "
                                 "answered. Try again.");

@@ -5,6 +5,9 @@
 #include "engine/EngineState.h"
 #include "frame/MountCall.h"
 #include "mount/Mount.h"
+#include "partitions/ExamineVolumes.h"
+#include "platform/media/LentDisk.h"
+#include "platform/media/Medium.h"
 #include "scaninfo/TreeInfoFile.h"
 #include "shell/Boxes.h"
 
@@ -34,9 +37,10 @@ QString PlaceOfFolders() {
                : QString();
 }
 
-QString NameOfMedium() {
-    const QString name = QFileInfo(QString::fromStdString(SourceMediumPath())).completeBaseName();
-    return QString::fromStdString(FitName(name.toStdString()));
+QString NameOfVolume() {
+    const QString label = QString::fromStdU16String(LabelOfVolumeInWork()).trimmed();
+    const QString medium = QFileInfo(QString::fromStdString(SourceMediumPath())).completeBaseName();
+    return QString::fromStdString(TargetName((label.isEmpty() ? medium : label).toStdU16String()));
 }
 
 } // namespace
@@ -76,13 +80,27 @@ void FolderMount::Start(const QString& program) {
         TellFailure(tr("The scan's result couldn't be written to a temporary file."));
         return;
     }
-    process_.start(program.isEmpty() ? QCoreApplication::applicationFilePath() : program,
-                   {QLatin1String(kMountWord), scan_->filePath(QStringLiteral("scan.tht")), folder_});
+    Run(program.isEmpty() ? QCoreApplication::applicationFilePath() : program);
+}
+
+void FolderMount::Run(const QString& program) {
+    QStringList words{QLatin1String(kMountWord), scan_->filePath(QStringLiteral("scan.tht")), folder_};
+    const Medium* medium = Engine.SourceDisk.MediaHandle.get();
+    const LentDisk* disk = medium != nullptr ? medium->Lent() : nullptr;
+    if (disk != nullptr) {
+        words.append(QString::fromStdString(WordForLent(*disk)));
+    }
+    process_.setChildProcessModifier([disk] {
+        if (disk != nullptr) {
+            KeepForProgram(*disk);
+        }
+    });
+    process_.start(program, words);
 }
 
 bool FolderMount::MakeFolder() {
     const QString place = PlaceOfFolders();
-    const QString name = NameOfMedium();
+    const QString name = NameOfVolume();
     folder_ = place + QLatin1Char('/') + name;
     for (int number = 2; !place.isEmpty() && number <= kMaxFolders; ++number) {
         if (QDir().mkdir(folder_)) {

@@ -38,6 +38,7 @@ private:
     void Start(const QString& program);
     bool MakeFolder();
     bool KeepScan();
+    void Run(const QString& program);
     void TakeOutput();
     void TakeEnd();
     void RemoveFolder();

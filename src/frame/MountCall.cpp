@@ -3,7 +3,9 @@
 #include "catalogue/Catalogue.h"
 #include "content/WorkPlace.h"
 #include "engine/EngineState.h"
+#include "engine/Host.h"
 #include "mount/Mount.h"
+#include "platform/media/LentDisk.h"
 #include "platform/system/Interrupt.h"
 #include "scaninfo/TreeInfoFile.h"
 
@@ -12,10 +14,28 @@
 #include <cstdlib>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace thntfs {
 
 namespace {
+
+/// Whoever has started this process has had the disk opened already.
+class HeirOfDisk : public EngineHost {
+public:
+    explicit HeirOfDisk(LentDisk disk)
+        : disk_(std::move(disk)) {}
+
+    DiskAnswer AskForDisk(const std::string& /*devicePath*/, DiskUse /*use*/) override {
+        if (!disk_.Disk.IsOpen()) {
+            return {};
+        }
+        return {DuplicateOf(disk_.Disk.Get()), kErrorNone, {}, DuplicateOf(disk_.Turns.Get())};
+    }
+
+private:
+    LentDisk disk_;
+};
 
 // Nothing is sent: the end of standard input is the end of whoever has started this.
 void WatchForEnd() {
@@ -40,10 +60,11 @@ std::string MountScan(const std::string& file, const std::string& folder) {
                (loaded.Code == kErrorNone ? loaded.Text : SystemErrorText(loaded.Code));
     }
     SetUnlessInterrupted(Engine.ScanRunFlag);
-    std::string problem = MountCatalogue({.Folder = folder, .Source = medium, .Loaded = true}, [] {
-        (void)std::fputs(kMountedLine, stdout);
-        (void)std::fflush(stdout);
-    });
+    std::string problem =
+        MountCatalogue({.Folder = folder, .Source = medium, .Loaded = true, .OwnFolder = true}, [] {
+            (void)std::fputs(kMountedLine, stdout);
+            (void)std::fflush(stdout);
+        });
     CloseCatalogue();
     ResetEngineState();
     return problem;
@@ -51,9 +72,13 @@ std::string MountScan(const std::string& file, const std::string& folder) {
 
 } // namespace
 
-bool IsMountCall(int argc, char** argv) { return argc == 4 && std::string_view(argv[1]) == kMountWord; }
+bool IsMountCall(int argc, char** argv) {
+    return (argc == 4 || argc == 5) && std::string_view(argv[1]) == kMountWord;
+}
 
-void RunMountCall(char** argv) {
+void RunMountCall(int argc, char** argv) {
+    HeirOfDisk host(argc == 5 ? LentDiskOf(argv[4]) : LentDisk{});
+    SetHost(&host);
     OnInterrupt(Engine.ScanRunFlag);
     WatchForEnd();
     const std::string problem = MountScan(argv[2], argv[3]);

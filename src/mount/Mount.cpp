@@ -16,7 +16,7 @@ std::string MountCatalogue(const MountWishes& wishes, const std::function<void()
         return "It was stopped before anything was mounted.";
     }
     MountedVolume volume(index);
-    return ServeMount({wishes.Folder, wishes.Source}, index, volume, begun);
+    return ServeMount({wishes.Folder, wishes.Source, wishes.OwnFolder}, index, volume, begun);
 } catch (const CUserException& failure) {
     return "The catalogue can't be read: " + SystemErrorText(failure.Code);
 }

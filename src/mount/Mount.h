@@ -9,10 +9,11 @@ namespace thntfs {
 
 /// What is mounted where.
 struct MountWishes {
-    std::string Folder;    ///< an empty folder; nothing is written to it
-    std::string Source;    ///< what the system's list of mounts names as the mounted device
-    SaveOptions What = {}; ///< which entries are shown
-    bool Loaded = false;   ///< the catalogue is that of a saved scan
+    std::string Folder;     ///< an empty folder; nothing is written to it
+    std::string Source;     ///< what the system's list of mounts names as the mounted device
+    SaveOptions What = {};  ///< which entries are shown
+    bool Loaded = false;    ///< the catalogue is that of a saved scan
+    bool OwnFolder = false; ///< the folder has been made for this and goes once it is unmounted
 };
 
 /// Whether this build can mount.

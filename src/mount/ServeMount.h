@@ -12,6 +12,7 @@ class MountIndex;
 struct MountPlace {
     const std::string& Folder;
     const std::string& Source;
+    bool OwnFolder; ///< it goes once it is unmounted
 };
 
 /// Answers the system's questions about a mount until its end; see MountCatalogue. The one place that knows

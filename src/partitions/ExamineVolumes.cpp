@@ -59,6 +59,7 @@ PartitionCandidate VolumeInWork() {
     const VolumeParams& volume = Engine.VolumeParams;
     PartitionCandidate candidate;
     candidate.StartSector = volume.StartSector;
+    candidate.TotalSectors = volume.TotalSectors;
     candidate.MftCluster = volume.MftCluster;
     candidate.MftMirrCluster = volume.MftMirrCluster;
     candidate.ClusterBytes = volume.ClusterBytes;

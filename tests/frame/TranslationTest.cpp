@@ -89,8 +89,9 @@ protected:
     static void ExpectMarkedText(QString text, const QObject& of) {
         static const QRegularExpression markup(QStringLiteral("<[a-z/][^>]*>"));
         static const QRegularExpression marked(QStringLiteral("«[^«»]*(»|$)"));
-        static const QRegularExpression ofNobody(QStringLiteral(
-            "Tarnholt Volume Salvage \\(NTFS\\)|\\b[KMGT]B\\b|^[0-9]+ bytes$|[^ ]*basic\\.img"));
+        static const QRegularExpression ofNobody(
+            QStringLiteral("Tarnholt Volume Salvage \\(NTFS\\)|\\b[KMGT]B\\b|^[0-9]+ bytes$|Basic(?=\\W+24)|"
+                           "[^ ]*basic\\.img"));
         text.remove(ofNobody).remove(markup);
         for (qsizetype length = -1; length != text.size();) {
             length = text.size();

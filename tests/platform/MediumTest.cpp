@@ -5,6 +5,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace thntfs::test {
 
@@ -98,6 +100,43 @@ TEST_F(MediumTest, LoopDeviceReadsBySectorAndInBulkUntilItIsGone) {
         EXPECT_EQ(result.Handle->ReadAt(0, bytes), kErrorNotReady);
         EXPECT_EQ(OpenMedium(loop->Path()).Error, kErrorNotReady);
     }
+}
+
+// Without turns one's unaligned reads would fail while the other is past the page cache.
+TEST_F(MediumTest, ALentDiskIsReadByTwoProcesses) {
+    MakeImage(1U << 20U);
+    const auto loop = LoopDevice::Attach(image_, "--read-only");
+    if (loop == nullptr) {
+        GTEST_SKIP() << "no loop device here";
+    }
+    EXPECT_EQ(OpenMedium(loop->Path()).Handle->Lent(), nullptr);
+    const MediumResult result = OpenMediumOn(OpenDescriptor(loop->Path().c_str(), O_RDONLY), loop->Path());
+    const std::string word = WordForLent(*result.Handle->Lent());
+    for (const std::string& other : {word + "0", word.substr(0, word.find(',')), std::string("x,1")}) {
+        EXPECT_FALSE(LentDiskOf(other).Disk.IsOpen()) << other;
+    }
+    const auto readOn = [this](Medium& medium) {
+        for (int i = 0; i < 3000; ++i) {
+            ExpectPattern(medium, 700, 512);
+            ExpectPattern(medium, 777, 9000);
+        }
+    };
+    const pid_t child = ::fork();
+    if (child == 0) {
+        KeepForProgram(*result.Handle->Lent());
+        const bool kept = ::fcntl(result.Handle->Lent()->Disk.Get(), F_GETFD) == 0;
+        LentDisk lent = LentDiskOf(word);
+        const bool ours = ::fcntl(lent.Turns.Get(), F_GETFD) == FD_CLOEXEC;
+        const MediumResult same = OpenMediumOn(std::move(lent.Disk), loop->Path(), std::move(lent.Turns));
+        readOn(*same.Handle);
+        ::_exit(kept && ours && !HasFailure() ? 0 : 1);
+    }
+    readOn(*result.Handle);
+    int status = 1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    ::fcntl(result.Handle->Lent()->Disk.Get(), F_SETFL, O_DIRECT); // as one that is killed leaves it
+    ExpectPattern(*result.Handle, 777, 9000);
 }
 
 } // namespace

@@ -14,16 +14,18 @@ namespace thntfs {
 namespace {
 
 // A line means that all is done. The end of input without one is the end of whoever should have sent it.
-constexpr const char* kWatch = "read -r line || fusermount3 -u -z -q -- \"$1\" || umount -l -- \"$1\"";
+constexpr const char* kWatch = "read -r line || fusermount3 -u -z -q -- \"$1\" || umount -l -- \"$1\"; "
+                               "$2 -- \"$1\"";
 
 // In a session of its own, so that what ends the program by its terminal doesn't end it too.
-int StartWatch(int input, const std::string& folder) {
+int StartWatch(int input, const std::string& folder, bool remove) {
     std::string shell = "sh";
     std::string option = "-c";
     std::string script = kWatch;
     std::string path = std::filesystem::absolute(folder);
-    std::array<char*, 6> words{shell.data(), option.data(), script.data(),
-                               shell.data(), path.data(),   nullptr};
+    std::string last = remove ? "rmdir" : "true";
+    std::array<char*, 7> words{shell.data(), option.data(), script.data(), shell.data(),
+                               path.data(),  last.data(),   nullptr};
     posix_spawn_file_actions_t files{};
     posix_spawnattr_t attributes{};
     posix_spawn_file_actions_init(&files);
@@ -41,10 +43,10 @@ int StartWatch(int input, const std::string& folder) {
 
 } // namespace
 
-MountWatch::MountWatch(const std::string& folder) {
+MountWatch::MountWatch(const std::string& folder, bool remove) {
     std::array<int, 2> pipe{};
     if (::pipe2(pipe.data(), O_CLOEXEC) == 0) {
-        process_ = StartWatch(pipe[0], folder);
+        process_ = StartWatch(pipe[0], folder, remove);
         ::close(pipe[0]);
         end_ = pipe[1];
     }

@@ -9,8 +9,9 @@ namespace thntfs {
 /// it.
 class MountWatch {
 public:
-    /// Begins to watch. Where no process can be started nothing watches.
-    explicit MountWatch(const std::string& folder);
+    /// Begins to watch. Where no process can be started nothing watches. `remove`: once the folder has
+    /// been unmounted, by whomever, it is removed.
+    MountWatch(const std::string& folder, bool remove);
     /// Ends it, if nobody has dismissed it, by the folder's unmount.
     ~MountWatch();
     MountWatch(const MountWatch&) = delete;

@@ -145,7 +145,7 @@ std::string ServeMount(const MountPlace& place, const MountIndex& index, Mounted
     fuse_set_log_func(KeepLine);
     const Session session = NewSession(OptionsFor(place), tree);
     if (session != nullptr && fuse_session_mount(session.get(), place.Folder.c_str()) == 0) {
-        MountWatch watch(place.Folder);
+        MountWatch watch(place.Folder, place.OwnFolder);
         begun();
         Server(session.get()).Run();
         fuse_session_unmount(session.get());

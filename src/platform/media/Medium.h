@@ -10,6 +10,8 @@
 
 namespace thntfs {
 
+struct LentDisk;
+
 /// An open medium: anything that yields bytes at an offset and has a size. A disk, an image file, and in
 /// tests a medium that fails where it is told to. It can be read and nothing else.
 class Medium {
@@ -44,6 +46,9 @@ public:
 
     /// Paths of the files that it is read from, beside the one that it was opened by.
     [[nodiscard]] virtual std::vector<std::string> FurtherFiles() const { return {}; }
+
+    /// What it reads where the disk was lent (platform/media/LentDisk.h), null where it wasn't.
+    [[nodiscard]] virtual const LentDisk* Lent() const { return nullptr; }
 };
 
 struct MediumResult {

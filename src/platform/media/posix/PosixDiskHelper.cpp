@@ -107,12 +107,19 @@ public:
         if (agent_) { // one that was interrupted leaves the terminal without an echo
             agent_.reset();
             ::tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+            EndPrompt();
         }
     }
     TerminalAgent(const TerminalAgent&) = delete;
     TerminalAgent& operator=(const TerminalAgent&) = delete;
 
 private:
+    static void EndPrompt() {
+        if (WasInterrupted() && ::isatty(STDERR_FILENO) != 0) {
+            [[maybe_unused]] const auto written = ::write(STDERR_FILENO, "\n", 1);
+        }
+    }
+
     termios before_{};
     std::optional<ChildProgram> agent_;
 };

@@ -1,6 +1,7 @@
 #include "platform/media/LentDisk.h"
 #include "platform/media/posix/LentDescriptor.h"
 
+#include <charconv>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -21,6 +22,28 @@ bool IsDiskAt(int descriptor, const std::string& path, int accessMode) {
     const int mode = flags & O_ACCMODE;
     return S_ISBLK(opened.st_mode) && S_ISBLK(named.st_mode) && opened.st_rdev == named.st_rdev &&
            (mode == O_RDWR || mode == accessMode);
+}
+
+void KeepForProgram(const LentDisk& disk) {
+    ::fcntl(disk.Disk.Get(), F_SETFD, 0);
+    ::fcntl(disk.Turns.Get(), F_SETFD, 0);
+}
+
+std::string WordForLent(const LentDisk& disk) {
+    return std::to_string(disk.Disk.Get()) + "," + std::to_string(disk.Turns.Get());
+}
+
+// No program that this one starts is to have them.
+LentDisk LentDiskOf(const std::string& word) {
+    int disk = -1;
+    int turns = -1;
+    const char* end = word.data() + word.size();
+    const char* comma = std::from_chars(word.data(), end, disk).ptr;
+    if (comma == end || *comma != ',' || std::from_chars(comma + 1, end, turns).ptr != end ||
+        ::fcntl(disk, F_SETFD, FD_CLOEXEC) != 0 || ::fcntl(turns, F_SETFD, FD_CLOEXEC) != 0) {
+        return {};
+    }
+    return {FileDescriptor(disk), FileDescriptor(turns)};
 }
 
 // Who writes a disk over wants it for himself, as OpenTargetDisk does.

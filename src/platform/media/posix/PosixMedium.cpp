@@ -2,6 +2,7 @@
 #include "platform/media/DiskListing.h"
 #include "platform/media/LentDisk.h"
 #include "platform/media/Medium.h"
+#include "platform/media/posix/DiskTurn.h"
 #include "platform/media/posix/HoleFinder.h"
 #include "platform/media/posix/LentDescriptor.h"
 #include "platform/system/posix/ErrnoMap.h"
@@ -13,6 +14,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <linux/fs.h>
+#include <optional>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -45,31 +47,8 @@ int ReadFully(int descriptor, std::uint64_t offset, Bytes buffer, std::size_t& g
     return 0;
 }
 
-/// Has an open file go past the page cache from here to the end of the block.
-class DirectSpell {
-public:
-    explicit DirectSpell(int descriptor)
-        : descriptor_(descriptor)
-        , flags_(::fcntl(descriptor, F_GETFL))
-        , stands_(flags_ >= 0 && ::fcntl(descriptor, F_SETFL, flags_ | O_DIRECT) == 0) {}
-    ~DirectSpell() {
-        if (stands_) {
-            ::fcntl(descriptor_, F_SETFL, flags_);
-        }
-    }
-    DirectSpell(const DirectSpell&) = delete;
-    DirectSpell& operator=(const DirectSpell&) = delete;
-
-    [[nodiscard]] bool Stands() const { return stands_; }
-
-private:
-    int descriptor_;
-    int flags_;
-    bool stands_;
-};
-
-/// The road past the kernel's page cache, a sector at a time. Opened at its first use. Without a path, which
-/// is for a disk that can't be opened again, it is the open file's own.
+/// The road past the kernel's page cache, a sector at a time. Opened at its first use, but for a lent disk,
+/// which can't be opened again.
 class DirectReader {
 public:
     DirectReader(std::string path, std::uint32_t sectorBytes)
@@ -78,13 +57,13 @@ public:
 
     /// Reads the sectors that the request touches, each by itself. Gives an errno value; EINVAL means that
     /// this road does not exist here. `got` is short only at the end of the medium.
-    int Read(const FileDescriptor& buffered, std::uint64_t offset, Bytes buffer, std::size_t& got) {
+    int Read(const LentDisk& medium, std::uint64_t offset, Bytes buffer, std::size_t& got) {
         got = 0;
-        if (path_.empty()) {
-            const DirectSpell spell(buffered.Get());
-            return spell.Stands() ? ReadSectorwise(buffered.Get(), offset, buffer, got) : EINVAL;
+        if (medium.Turns.IsOpen()) {
+            const DiskTurn turn(medium, DiskRoad::PastCache);
+            return turn.Stands() ? ReadSectorwise(medium.Disk.Get(), offset, buffer, got) : EINVAL;
         }
-        return Open(buffered) ? ReadSectorwise(descriptor_.Get(), offset, buffer, got) : EINVAL;
+        return Open(medium.Disk) ? ReadSectorwise(descriptor_.Get(), offset, buffer, got) : EINVAL;
     }
 
 private:
@@ -138,10 +117,9 @@ private:
 
 class PosixMedium final : public Medium {
 public:
-    PosixMedium(FileDescriptor descriptor, const std::string& path, std::uint64_t sizeBytes,
-                std::uint32_t sectorBytes)
-        : descriptor_(std::move(descriptor))
-        , holes_(descriptor_.Get())
+    PosixMedium(LentDisk medium, const std::string& path, std::uint64_t sizeBytes, std::uint32_t sectorBytes)
+        : medium_(std::move(medium))
+        , holes_(medium_.Disk.Get())
         , sizeBytes_(sizeBytes)
         , sectorBytes_(sectorBytes)
         , direct_(path, sectorBytes != 0 ? sectorBytes : kImageSectorBytes) {}
@@ -159,11 +137,14 @@ public:
     }
 
     void ExpectScatteredReads(bool scattered) override {
-        ::posix_fadvise(descriptor_.Get(), 0, 0, scattered ? POSIX_FADV_RANDOM : POSIX_FADV_SEQUENTIAL);
+        ::posix_fadvise(medium_.Disk.Get(), 0, 0, scattered ? POSIX_FADV_RANDOM : POSIX_FADV_SEQUENTIAL);
     }
 
     [[nodiscard]] std::uint64_t SizeBytes() const override { return sizeBytes_; }
     [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return sectorBytes_; }
+    [[nodiscard]] const LentDisk* Lent() const override {
+        return medium_.Turns.IsOpen() ? &medium_ : nullptr;
+    }
 
 private:
     [[nodiscard]] bool IsDevice() const { return sectorBytes_ != 0; }
@@ -172,12 +153,16 @@ private:
     /// one sector wants that one, bad neighbours or not.
     int ReadDevice(std::uint64_t offset, Bytes buffer, std::size_t& got) {
         if (buffer.size() <= sectorBytes_ && sectorBytes_ <= kBounceBytes) {
-            const int error = direct_.Read(descriptor_, offset, buffer, got);
+            const int error = direct_.Read(medium_, offset, buffer, got);
             if (error != EINVAL) {
                 return error;
             }
         }
-        return ReadFully(descriptor_.Get(), offset, buffer, got);
+        std::optional<DiskTurn> turn;
+        if (Lent() != nullptr) {
+            turn.emplace(medium_, DiskRoad::ByCache);
+        }
+        return ReadFully(medium_.Disk.Get(), offset, buffer, got);
     }
 
     /// An image may lie on a failing disk itself. Its good sectors are mostly cached, so the direct road is
@@ -188,11 +173,11 @@ private:
             got = buffer.size();
             return 0;
         }
-        const int error = ReadFully(descriptor_.Get(), offset, buffer, got);
+        const int error = ReadFully(medium_.Disk.Get(), offset, buffer, got);
         if (error == 0 || buffer.size() > kBounceBytes) {
             return error;
         }
-        const int directError = direct_.Read(descriptor_, offset, buffer, got);
+        const int directError = direct_.Read(medium_, offset, buffer, got);
         return directError == EINVAL ? error : directError;
     }
 
@@ -207,10 +192,10 @@ private:
     /// An unplugged disk answers reads with EIO or with an end at 0, like a bad sector or a short disk.
     [[nodiscard]] bool IsGone() const {
         std::uint64_t size = 0;
-        return ::ioctl(descriptor_.Get(), BLKGETSIZE64, &size) != 0 || size == 0;
+        return ::ioctl(medium_.Disk.Get(), BLKGETSIZE64, &size) != 0 || size == 0;
     }
 
-    FileDescriptor descriptor_;
+    LentDisk medium_; ///< its turns are open where it was lent
     HoleFinder holes_;
     std::uint64_t sizeBytes_;
     std::uint32_t sectorBytes_;
@@ -273,17 +258,16 @@ ErrorCode OpenForReading(const std::string& path, FileDescriptor& descriptor) {
     return descriptor.IsOpen() ? kErrorNone : MediumErrorOfErrno(errno);
 }
 
-/// `directPath` is what DirectReader takes.
-MediumResult MediumOf(FileDescriptor descriptor, const std::string& directPath) {
+/// Turns aren't open where the path can be opened again.
+MediumResult MediumOf(LentDisk medium, const std::string& path) {
     MediumShape shape;
-    if (const ErrorCode error = ShapeOf(descriptor.Get(), shape); error != kErrorNone) {
+    if (const ErrorCode error = ShapeOf(medium.Disk.Get(), shape); error != kErrorNone) {
         return {nullptr, error};
     }
-    ::posix_fadvise(descriptor.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    ::posix_fadvise(medium.Disk.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
     shape.SizeBytes = std::min(shape.SizeBytes, kMaxBytes);
-    return {
-        std::make_unique<PosixMedium>(std::move(descriptor), directPath, shape.SizeBytes, shape.SectorBytes),
-        kErrorNone};
+    return {std::make_unique<PosixMedium>(std::move(medium), path, shape.SizeBytes, shape.SectorBytes),
+            kErrorNone};
 }
 
 } // namespace
@@ -303,12 +287,16 @@ DiskSize QueryDiskBytes(const std::string& devicePath) {
 MediumResult OpenMedium(const std::string& path) {
     FileDescriptor descriptor;
     const ErrorCode error = OpenForReading(path, descriptor);
-    return error == kErrorNone ? MediumOf(std::move(descriptor), path) : MediumResult{nullptr, error};
+    return error == kErrorNone ? MediumOf({std::move(descriptor), {}}, path) : MediumResult{nullptr, error};
 }
 
-MediumResult OpenMediumOn(FileDescriptor disk, const std::string& path) {
-    return IsDiskAt(disk.Get(), path, O_RDONLY) ? MediumOf(std::move(disk), {})
-                                                : MediumResult{nullptr, kErrorInvalidHandle};
+MediumResult OpenMediumOn(FileDescriptor disk, const std::string& path, FileDescriptor turns) {
+    if (!IsDiskAt(disk.Get(), path, O_RDONLY)) {
+        return {nullptr, kErrorInvalidHandle};
+    }
+    LentDisk lent{std::move(disk), turns.IsOpen() ? std::move(turns) : NewTurns()};
+    return lent.Turns.IsOpen() ? MediumOf(std::move(lent), path)
+                               : MediumResult{nullptr, MediumErrorOfErrno(errno)};
 }
 
 } // namespace thntfs
