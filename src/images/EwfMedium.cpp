@@ -41,7 +41,6 @@ protected:
     ssize_t Read(std::uint64_t offset, Bytes buffer) override {
         const ssize_t got = libewf_handle_read_random(handle_, buffer.data(), buffer.size(),
                                                       static_cast<off64_t>(offset), nullptr);
-        NoteWrongChunks();
         return got > 0 && IsBad(offset, static_cast<std::uint64_t>(got)) ? -1 : got;
     }
 
@@ -96,33 +95,44 @@ private:
         for (std::uint32_t i = 0; i < count; ++i) {
             SectorRange range;
             if (libewf_handle_get_acquiry_error(handle_, i, &range.First, &range.Count, nullptr) == 1) {
-                bad_.push_back(range);
+                unread_.push_back(range);
             }
         }
     }
 
-    // The library tells of a chunk once; it may stay in its cache.
-    void NoteWrongChunks() {
-        std::uint32_t count = 0;
-        libewf_handle_get_number_of_checksum_errors(handle_, &count, nullptr);
-        for (; wrongChunks_ < count; ++wrongChunks_) {
-            SectorRange range;
-            if (libewf_handle_get_checksum_error(handle_, wrongChunks_, &range.First, &range.Count,
-                                                 nullptr) == 1) {
-                bad_.push_back(range);
-            }
-        }
-    }
-
-    [[nodiscard]] bool IsBad(std::uint64_t offset, std::uint64_t count) const {
-        if (bad_.empty() || SectorBytes == 0) {
+    [[nodiscard]] bool IsBad(std::uint64_t offset, std::uint64_t count) {
+        if (SectorBytes == 0) {
             return false;
         }
         const std::uint64_t first = offset / SectorBytes;
         const std::uint64_t last = (offset + count - 1) / SectorBytes;
-        return std::any_of(bad_.begin(), bad_.end(), [&](const SectorRange& range) {
-            return first < range.First + range.Count && last >= range.First;
-        });
+        return HasWrongChunk(first, last) ||
+               std::any_of(unread_.begin(), unread_.end(), [&](const SectorRange& range) {
+                   return first < range.First + range.Count && last >= range.First;
+               });
+    }
+
+    // The library keeps the chunks whose sum was wrong as ranges in rising order: one more may be a new range
+    // in the middle, or make a known one longer.
+    [[nodiscard]] bool HasWrongChunk(std::uint64_t first, std::uint64_t last) {
+        std::uint32_t low = 0;
+        std::uint32_t high = 0;
+        libewf_handle_get_number_of_checksum_errors(handle_, &high, nullptr);
+        while (low < high) {
+            const std::uint32_t middle = low + (high - low) / 2;
+            SectorRange range;
+            if (libewf_handle_get_checksum_error(handle_, middle, &range.First, &range.Count, nullptr) != 1) {
+                return true;
+            }
+            if (range.First > last) {
+                high = middle;
+            } else if (range.First + range.Count <= first) {
+                low = middle + 1;
+            } else {
+                return true;
+            }
+        }
+        return false;
     }
 
     void Free() {
@@ -134,8 +144,7 @@ private:
     std::vector<std::unique_ptr<LibraryFile>> segments_;
     libbfio_pool_t* pool_ = nullptr;
     libewf_handle_t* handle_ = nullptr;
-    std::vector<SectorRange> bad_;
-    std::uint32_t wrongChunks_ = 0;
+    std::vector<SectorRange> unread_; ///< when the image was made
 };
 
 } // namespace

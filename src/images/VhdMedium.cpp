@@ -4,9 +4,12 @@
 #ifdef THNTFS_LIBVHDI
 #include "images/LibraryFile.h"
 #include "images/RawImage.h"
+#include "images/VhdBlocks.h"
+#include "images/VhdxLog.h"
 
 #include <array>
 #include <libvhdi.h>
+#include <optional>
 #include <utility>
 #endif
 
@@ -19,10 +22,21 @@ namespace {
 constexpr std::size_t kGuidBytes = 16;
 using Guid = std::array<std::uint8_t, kGuidBytes>;
 
+std::unique_ptr<Medium> WithoutLog(ImageSource& source) {
+    if (source.Kind == ImageKind::Vhdx && HasVhdxLogPending(*source.File)) {
+        throw ImageFault{
+            "It is a VHDX image that wasn't closed as it should be: its last changes stand in its log "
+            "alone. Open it once in the system that made it, or let \"qemu-img check -r all\" "
+            "repair a copy of it."};
+    }
+    return std::move(source.File);
+}
+
 class VhdMedium final : public LibraryMedium {
 public:
     explicit VhdMedium(ImageSource source)
-        : file_(std::move(source.File), Reads) {
+        : blocks_(source.Kind == ImageKind::Vhd ? std::make_optional<VhdBlocks>(*source.File) : std::nullopt)
+        , file_(WithoutLog(source), Reads) {
         if (libvhdi_file_initialize(&handle_, nullptr) != 1) {
             throw ImageFault{"There isn't enough memory to open it."};
         }
@@ -38,6 +52,9 @@ public:
 
 protected:
     ssize_t Read(std::uint64_t offset, Bytes buffer) override {
+        if (blocks_) {
+            buffer = buffer.first(static_cast<std::size_t>(blocks_->SoundBytes(offset, buffer.size())));
+        }
         return libvhdi_file_read_buffer_at_offset(handle_, buffer.data(), buffer.size(),
                                                   static_cast<off64_t>(offset), nullptr);
     }
@@ -98,6 +115,7 @@ private:
 
     void Free() { libvhdi_file_free(&handle_, nullptr); }
 
+    std::optional<VhdBlocks> blocks_; ///< of a dynamic VHD
     LibraryFile file_;
     std::unique_ptr<VhdMedium> parent_;
     libvhdi_file_t* handle_ = nullptr;

@@ -112,8 +112,23 @@ private:
             throw ImageFault{
                 "It stands for a device, or for something else that is no file: open that itself."};
         }
+        RefuseLaterStart(source, opened, type);
         return PathNamedBy(source, VmdkText(opened, libvmdk_extent_descriptor_get_utf8_filename_size,
                                             libvmdk_extent_descriptor_get_utf8_filename));
+    }
+
+    // The library takes the sector at which an extent begins in its file for a byte.
+    static void RefuseLaterStart(const ImageSource& source, libvmdk_extent_descriptor_t* extent, int type) {
+        off64_t start = 0;
+        size64_t bytes = 0;
+        if (libvmdk_extent_descriptor_get_range(extent, &start, &bytes, nullptr) != 1) {
+            throw DamagedImage(source.Kind);
+        }
+        if (start != 0 && (type == LIBVMDK_EXTENT_TYPE_FLAT || type == LIBVMDK_EXTENT_TYPE_VMFS_FLAT)) {
+            throw ImageFault{
+                "It is a VMDK image with a piece that begins in the middle of a file, which can't be "
+                "read. That file can be opened by itself if it is a raw one."};
+        }
     }
 
     void AddExtent(const std::string& path) {

@@ -24,7 +24,7 @@ public:
     ExtentWithZeroes(std::unique_ptr<Medium> file, const VmdkHeader& header)
         : file_(std::move(file))
         , header_(header)
-        , zeroSector_((file_->SizeBytes() + kVmdkSectorBytes - 1) / kVmdkSectorBytes) {
+        , zeroSector_((file_->SizeBytes() + kVmdkSectorBytes - 1) / kVmdkSectorBytes + header.GrainSectors) {
         AddTables(header.DirectorySector);
         if ((header.Flags & kVmdkCopyOfTables) != 0) {
             AddTables(header.CopySector);
@@ -32,15 +32,19 @@ public:
         std::sort(tables_.begin(), tables_.end());
     }
 
+    // Between the file's end and the zeros is a gap, so that a grain that is cut off doesn't run into them.
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
+        if (offset >= zeroSector_ * kVmdkSectorBytes) {
+            std::fill(buffer.begin(), buffer.end(), std::uint8_t{0});
+            return kErrorNone;
+        }
         const std::uint64_t fileBytes = file_->SizeBytes();
-        const std::uint64_t left = fileBytes - std::min(offset, fileBytes);
-        const Bytes stored =
-            buffer.first(static_cast<std::size_t>(std::min<std::uint64_t>(left, buffer.size())));
-        const ErrorCode code = file_->ReadAt(offset, stored);
-        std::fill(buffer.begin() + static_cast<std::ptrdiff_t>(stored.size()), buffer.end(), std::uint8_t{0});
+        if (buffer.size() > fileBytes - std::min(offset, fileBytes)) {
+            return kErrorCrc;
+        }
+        const ErrorCode code = file_->ReadAt(offset, buffer);
         if (code == kErrorNone) {
-            Translate(offset, stored);
+            Translate(offset, buffer);
         }
         return code;
     }
@@ -106,7 +110,7 @@ bool CanBeFollowed(const VmdkHeader& header, std::uint64_t fileBytes) {
     return header.GrainSectors != 0 && header.GrainSectors <= kMostGrainSectors && header.TableEntries != 0 &&
            header.TableEntries <= kMostTableEntries && header.DirectorySector != kVmdkDirectoryAtEnd &&
            header.DirectorySector < fileBytes && header.CopySector < fileBytes &&
-           fileBytes / kVmdkSectorBytes < ~GrainEntry{0};
+           fileBytes / kVmdkSectorBytes < ~GrainEntry{0} - kMostGrainSectors;
 }
 
 } // namespace

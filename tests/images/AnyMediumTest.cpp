@@ -1,5 +1,6 @@
 #include "images/AnyMedium.h"
 
+#include "support/BuildPaths.h"
 #include "support/LoopDevice.h"
 #include "support/RunProgram.h"
 
@@ -36,15 +37,17 @@ WholeImage ReadImage(const std::string& path) {
     }
     whole.Further = result.Handle->FurtherFiles();
     whole.SectorBytes = result.Handle->ImageSectorBytes();
-    whole.Bytes.assign(result.Handle->SizeBytes(), '?');
+    const std::size_t size = result.Handle->SizeBytes();
     constexpr std::size_t kPiece = 200001;
-    for (std::size_t at = 0; at < whole.Bytes.size(); at += kPiece) {
-        const Bytes piece(reinterpret_cast<std::uint8_t*>(whole.Bytes.data()) + at,
-                          std::min(kPiece, whole.Bytes.size() - at));
+    whole.Bytes.assign(size + kPiece, '?');
+    for (std::size_t at = 0; at < size; at += kPiece) {
+        const Bytes piece(reinterpret_cast<std::uint8_t*>(whole.Bytes.data()) + at, kPiece);
         if (const ErrorCode code = result.Handle->ReadAt(at, piece); code != kErrorNone) {
             whole.Why = std::to_string(code);
         }
     }
+    EXPECT_EQ(whole.Bytes.find_first_not_of('?', size), std::string::npos) << "written behind the end";
+    whole.Bytes.resize(size);
     return whole;
 }
 
@@ -90,6 +93,11 @@ protected:
         EXPECT_NE(result.Why.find(word), std::string::npos) << name << ": " << result.Why;
     }
 
+    static void ExpectFewFilesOpen() {
+        const fs::directory_iterator open("/proc/self/fd");
+        EXPECT_LT(std::distance(begin(open), end(open)), 90);
+    }
+
     /// What the tools that made an image make of it.
     [[nodiscard]] std::string Converted(const std::string& name) const {
         Run("qemu-img convert -O raw " + name + " converted");
@@ -109,7 +117,8 @@ protected:
     }
 
     /// Makes two VHDs into one that holds what differs from the other.
-    void MakeDifferences(const std::string& child, const std::string& parent) const {
+    void MakeDifferences(const std::string& child, const std::string& parent,
+                         const std::string& named) const {
         const std::string uuid = ReadWholeFile(folder_ / parent).substr(68, 16);
         std::string bytes = ReadWholeFile(folder_ / child);
         const auto putSum = [&](std::size_t start, std::size_t length, std::size_t place) {
@@ -123,8 +132,8 @@ protected:
             }
         };
         bytes.replace(512 + 40, 16, uuid);
-        for (std::size_t i = 0; i < parent.size(); ++i) {
-            bytes[512 + 64 + 2 * i + 1] = parent[i];
+        for (std::size_t i = 0; i < named.size(); ++i) {
+            bytes[512 + 64 + 2 * i + 1] = named[i];
         }
         putSum(512, 1024, 36);
         for (const std::size_t footer : {std::size_t{0}, bytes.size() - 512}) {
@@ -151,6 +160,7 @@ TEST_F(AnyMediumTest, PiecesOfARawImageAreOneDisk) {
     ExpectDisk("a.001", disk_);
     EXPECT_EQ(FilesOfMedium(folder_ / "a.001").size(), 4U);
     ExpectDisk("a.003", disk_.substr(1000001));
+    EXPECT_EQ(FilesOfMedium(folder_ / "a.003").size(), 1U);
     fs::rename(folder_ / "a.003", folder_ / "a.005");
     fs::create_directory(folder_ / "a.003");
     ExpectRefused("a.001", "a.003");
@@ -166,7 +176,10 @@ TEST_F(AnyMediumTest, PiecesOfARawImageAreOneDisk) {
     ExpectRefused("many.001", "many.000");
     const MediumResult many = OpenAnyMedium(folder_ / "many.000");
     std::vector<std::uint8_t> sectors(120);
-    ASSERT_EQ(many.Handle->ReadAt(6000000 - 60, sectors), kErrorNone);
+    for (std::size_t i = 1; i <= 100; ++i) {
+        ASSERT_EQ(many.Handle->ReadAt(i * 60000 - 60, sectors), kErrorNone);
+    }
+    ExpectFewFilesOpen();
     Write("many.002", "shorter now");
     EXPECT_EQ(many.Handle->ReadAt(120000, sectors), kErrorNotReady);
     EXPECT_EQ(many.Handle->ReadAt(59940, sectors), kErrorNone);
@@ -193,6 +206,9 @@ TEST_F(AnyMediumTest, WhatOnlyLooksLikeAnImageStaysRaw) {
     EXPECT_EQ(OpenAnyMedium(folder_ / "none").Error, kErrorFileNotFound);
     Write("empty", "");
     ExpectDisk("empty", "");
+    if (const auto device = LoopDevice::Attach(folder_ / "cut")) {
+        EXPECT_EQ(OpenAnyMedium(device->Path()).Error, kErrorNone) << "a disk is a disk";
+    }
 }
 
 TEST_F(QemuImageTest, EveryFormatGivesTheDisk) {
@@ -210,10 +226,45 @@ TEST_F(QemuImageTest, EveryFormatGivesTheDisk) {
         << "a text without a dot in its name";
     Run("qemu-img convert raw fixed -O vpc -o subformat=fixed,force_size=on");
     EXPECT_EQ(ReadImage(folder_ / "fixed").Bytes.size(), kDiskBytes) << "without the footer";
+    Run("split -b 4M -d -a 3 fixed fixed. && (cat fixed fixed) >twice && (cat raw; qemu-img create -q -f vpc "
+        "e 1M; "
+        "tail -c 512 e) >behind");
+    ExpectDisk("fixed.000", disk_);
+    EXPECT_EQ(FilesOfMedium(folder_ / "fixed.000").size(), 2U);
+    EXPECT_EQ(ReadImage(folder_ / "twice").Bytes.size(), 2 * kDiskBytes + 1024)
+        << "the footer of a smaller one";
+    EXPECT_EQ(ReadImage(folder_ / "behind").Bytes.size(), kDiskBytes + 512) << "a footer of another file";
     Change("fixed", kDiskBytes + 100, "x");
     EXPECT_EQ(ReadImage(folder_ / "fixed").Bytes.size(), kDiskBytes + 512) << "its sum is wrong";
+    Run("qemu-img convert raw q -O qcow2");
+    Change("q", 79, "\3");
+    ExpectDisk("q", disk_);
+    Run("qemu-img convert raw image -O vmdk && mv image moved && qemu-img convert raw f -O vmdk -o "
+        "subformat=monolithicFlat && sed -i 's/FLAT/VMFS/;s/monolithicFlat/vmfs/' f");
+    ExpectDisk("moved", disk_);
+    ExpectDisk("f", disk_);
     Run("qemu-img convert raw image.vhdx -O vhdx");
     EXPECT_EQ(ReadImage(folder_ / "image.vhdx").SectorBytes, 512U);
+}
+
+TEST_F(AnyMediumTest, AVmdkInMorePiecesThanFilesCanBeOpen) {
+    std::string text = "# Disk DescriptorFile\nversion=1\nCID=fffffffe\nparentCID=ffffffff\n"
+                       "createType=\"twoGbMaxExtentFlat\"\n\n# Extent description\n";
+    for (unsigned i = 0; i < 96; ++i) {
+        Write("piece" + std::to_string(i), std::string_view(disk_).substr(i * 65536, 65536));
+        text += "RW 128 FLAT \"piece" + std::to_string(i) + "\" 0\n";
+    }
+    Write("text", text + "\n# The Disk Data Base\n#DDB\n\nddb.adapterType = \"ide\"\n");
+    ExpectDisk("text", disk_);
+    const MediumResult opened = OpenAnyMedium(folder_ / "text");
+    ASSERT_NE(opened.Handle, nullptr);
+    std::vector<std::uint8_t> all(kDiskBytes);
+    ASSERT_EQ(opened.Handle->ReadAt(0, all), kErrorNone);
+    ExpectFewFilesOpen();
+    Write("piece0", "shorter now");
+    EXPECT_EQ(opened.Handle->ReadAt(0, all), kErrorNotReady);
+    Run("sed -i 's/\"piece1\" 0/\"piece1\" 1/' text");
+    ExpectRefused("text", "in the middle of a file");
 }
 
 TEST_F(QemuImageTest, ZerosThatTablesTellOf) {
@@ -223,6 +274,14 @@ TEST_F(QemuImageTest, ZerosThatTablesTellOf) {
     ExpectDisk("v", Converted("v"));
     Run("qemu-img create -f vmdk -b v -F vmdk -o zeroed_grain=on w && qemu-io -c 'write -z 3M 128k' w");
     ExpectDisk("w", Converted("w"));
+    Run("truncate -s -100 v");
+    EXPECT_EQ(ReadImage(folder_ / "v").Why, "23") << "what is cut off isn't zeros";
+    const std::pair<std::uint64_t, char> hostile[] = {{17, '\1'}, {22, '\1'}, {45, '\0'}, {61, '\1'}};
+    for (const auto& [field, byte] : hostile) {
+        Run("cp v x");
+        Change("x", field, {&byte, 1});
+        ExpectRefused("x", "damaged");
+    }
 }
 
 TEST_F(QemuImageTest, AnImageIsReadWithWhatItBuildsOn) {
@@ -240,6 +299,8 @@ TEST_F(QemuImageTest, AnImageIsReadWithWhatItBuildsOn) {
     ExpectDisk("delta", Converted("delta"));
     Run("qemu-io -c 'write -P 8 0 1k' base");
     ExpectRefused("delta", "has changed since");
+    Run("ln -sf delta base");
+    ExpectRefused("delta", "in a circle");
     fs::remove(folder_ / "raw");
     ExpectRefused("top", "/raw, can't be opened");
     Run("mkfifo raw");
@@ -257,17 +318,68 @@ TEST_F(QemuImageTest, DifferencesOfAVhd) {
     Run("qemu-img convert raw parent -O vpc -o force_size=on && qemu-img create -f vpc -o force_size=on "
         "child 6M && "
         "qemu-io -f vpc -c 'write -P 5 2M 100k' child");
-    MakeDifferences("child", "parent");
+    Run("cp child young");
+    MakeDifferences("young", "child", ".\\child");
+    MakeDifferences("child", "parent", "D:\\disks\\parent");
     const WholeImage whole = ReadImage(folder_ / "child");
     EXPECT_EQ(whole.Why, "");
     EXPECT_EQ(whole.Further, std::vector{folder_ / "parent"});
     EXPECT_TRUE(whole.Bytes.compare(0, 2 * kMegabyte, disk_, 0, 2 * kMegabyte) == 0);
     EXPECT_TRUE(whole.Bytes.compare(2 * kMegabyte, 102400, std::string(102400, '\5')) == 0);
     EXPECT_TRUE(whole.Bytes.compare(4 * kMegabyte, 2 * kMegabyte, disk_, 4 * kMegabyte, 2 * kMegabyte) == 0);
+    EXPECT_EQ(ReadImage(folder_ / "young").Further, (std::vector{folder_ / "parent", folder_ / "child"}));
     Run("cp parent other && qemu-img convert raw parent -O vpc -o force_size=on");
     ExpectRefused("child", "another one");
+    Run("ln -sf child parent");
+    ExpectRefused("child", "in a circle");
+    Run("ln -sf raw parent");
+    ExpectRefused("child", "is no VHD");
     fs::remove(folder_ / "parent");
     ExpectRefused("child", "parent, can't be opened");
+}
+
+TEST_F(QemuImageTest, BlocksOfAVhdInImpossiblePlaces) {
+    constexpr std::size_t kBlock = 2 * kMegabyte;
+    constexpr std::size_t kTable = 1536;
+    Run("qemu-img convert raw whole -O vpc -o force_size=on && cp whole v && qemu-img convert raw x -O vhdx");
+    const std::string vhd = ReadWholeFile(folder_ / "whole");
+    const auto expect = [&](std::string_view second, const std::vector<ErrorCode>& wanted) {
+        Change("v", kTable + 4, second);
+        const MediumResult opened = OpenAnyMedium(folder_ / "v");
+        ASSERT_NE(opened.Handle, nullptr);
+        std::vector<std::uint8_t> got(kBlock);
+        for (std::size_t i = 0; i < wanted.size(); ++i) {
+            EXPECT_EQ(opened.Handle->ReadAt(i * kBlock, got), wanted[i]) << i;
+            EXPECT_TRUE(
+                wanted[i] != kErrorNone ||
+                std::equal(got.begin(), got.end(), disk_.begin() + i * kBlock,
+                           [](std::uint8_t byte, char c) { return byte == static_cast<std::uint8_t>(c); }));
+        }
+    };
+    expect(vhd.substr(kTable + 4, 4), {0, 0, 0});
+    expect(vhd.substr(kTable, 4), {kErrorCrc, kErrorCrc, 0});
+    expect({"\0\0\0\2", 4}, {kErrorCrc, kErrorCrc, 0});
+    expect({"\0\0\7\0", 4}, {kErrorCrc, kErrorCrc, 0});
+    expect({"\1\0\0\0", 4}, {0, kErrorCrc, 0});
+    Change("v", 512 + 28, "\x7f");
+    ExpectRefused("v", "damaged");
+
+    // A header that says it is the newer one, with a log, and an entry in that log.
+    const std::string guid(16, 'g');
+    std::string header(4096, '\0');
+    header.replace(0, 8, "head\x1b\xcf\x90\xa7");
+    header.replace(8, 8, "\xff\xff\xff\xff\xff\xff\xff\x7f");
+    header.replace(48, 16, guid)
+        .replace(66, 7, std::string_view("\1\0\0\0\x10\0\0", 7))
+        .replace(74, 1, "\x10");
+    Change("x", 0x20000, header);
+    Change("x", 0x100000, std::string(0x100000, '\0'));
+    ExpectDisk("x", disk_);
+    Change("x", 0x1FF000, "loge");
+    Change("x", 0x1FF000 + 32, guid);
+    ExpectRefused("x", "its log");
+    Change("x", 0x20000 + 100, "?");
+    ExpectDisk("x", disk_);
 }
 
 TEST_F(QemuImageTest, WhatCantBeReadIsRefused) {
@@ -278,10 +390,19 @@ TEST_F(QemuImageTest, WhatCantBeReadIsRefused) {
     ExpectRefused("q", "in another file");
     Run("qemu-img convert raw q -O qcow2 -c -o compression_type=zstd");
     ExpectRefused("q", "features");
-    Run("qemu-img convert raw q -O qcow2 && truncate -s 4M q");
-    EXPECT_EQ(ReadImage(folder_ / "q").Why, "23") << "what is cut off isn't zeros";
+    for (const char* const end : {"4M", "-100"}) {
+        Run(std::string("qemu-img convert raw q -O qcow2 && truncate -s ") + end + " q");
+        EXPECT_EQ(ReadImage(folder_ / "q").Why, "23") << "what is cut off isn't zeros";
+    }
     Change("q", 39, std::string_view("\0", 1));
     ExpectRefused("q", "damaged");
+    Change("q", 7, "\1");
+    ExpectRefused("q", "damaged");
+    Run("qemu-img convert raw q -O qcow2 -o cluster_size=512");
+    const auto end = fs::file_size(folder_ / "q") - 512;
+    Change("q", 45,
+           std::string{static_cast<char>(end >> 16U), static_cast<char>(end >> 8U), static_cast<char>(end)});
+    ExpectRefused("q", "damaged"); // the first table goes over the end
     Run("qemu-img convert raw v -O vmdk -o subformat=twoGbMaxExtentSparse");
     ExpectRefused("v-s001", "VMDK");
     fs::remove(folder_ / "v-s001");
@@ -301,17 +422,23 @@ TEST_F(AnyMediumTest, EvidenceFiles) {
     EXPECT_EQ(ReadImage(folder_ / "k.E01").SectorBytes, 4096U);
     EXPECT_EQ(FilesOfMedium(folder_ / "e.E01").size(), 4U);
     ExpectDisk("e.E01", disk_);
-    Change("e.E02", 500000, "wrong");
+    Change("e.E02", 500000, std::string(33000, 'x'));
     const MediumResult result = OpenAnyMedium(folder_ / "e.E01");
     ASSERT_NE(result.Handle, nullptr);
     std::vector<std::uint8_t> sector(512);
     std::size_t bad = 0;
-    for (unsigned round = 0; round < 2; ++round) {
-        for (std::size_t at = 0; at < kDiskBytes; at += sector.size()) {
-            bad += result.Handle->ReadAt(at, sector) == kErrorCrc ? 1U : 0U;
-        }
+    for (std::size_t at = 0; at < kDiskBytes; at += sector.size()) {
+        bad += result.Handle->ReadAt(at, sector) == kErrorCrc ? 1U : 0U;
     }
-    EXPECT_EQ(bad, 2U * 64U) << "one chunk, each time that it is read";
+    for (std::size_t at = kDiskBytes; at > 0; at -= sector.size()) {
+        bad += result.Handle->ReadAt(at - sector.size(), sector) == kErrorCrc ? 1U : 0U;
+    }
+    EXPECT_EQ(bad, 2U * 2U * 64U) << "two chunks side by side, each time that they are read";
+    if (const auto disk = LoopDevice::Attach(folder_ / "raw")) {
+        Run("FAULT_UNDER=" + disk->Path() + " FAULT_CALLS=read FAULT_BAD='1048576 512' LD_PRELOAD=" +
+            FaultyCallsPath() + " ewfacquire -u -q -f encase6 -t a " + disk->Path());
+        EXPECT_EQ(ReadImage(folder_ / "a.E01").Why, "23") << "it couldn't be read when the image was made";
+    }
     for (const char* const gone : {"e.E04", "e.E02"}) {
         fs::remove(folder_ / gone);
         ExpectRefused("e.E01", "segments");
