@@ -383,7 +383,8 @@ TEST_F(QemuImageTest, BlocksOfAVhdInImpossiblePlaces) {
 }
 
 TEST_F(QemuImageTest, WhatCantBeReadIsRefused) {
-    Run("qemu-img create -f qcow2 --object secret,id=s,data=abc -o encrypt.format=luks,encrypt.key-secret=s "
+    Run("qemu-img create -f qcow2 --object secret,id=s,data=abc -o "
+        "encrypt.format=luks,encrypt.key-secret=s,encrypt.iter-time=10 "
         "q 1M");
     ExpectRefused("q", "encrypted");
     Run("qemu-img create -f qcow2 -o data_file=d q 1M");
