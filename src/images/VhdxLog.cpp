@@ -14,12 +14,12 @@ namespace {
 
 constexpr std::size_t kVhdxHeaderBytes = 4096;
 constexpr std::uint64_t kVhdxHeaderOffsets[] = {0x10000, 0x20000};
-constexpr std::size_t kSumOffset = 4;
-constexpr std::size_t kGuidBytes = 16;
+constexpr std::size_t kHeaderSumOffset = 4;
+constexpr std::size_t kLogGuidBytes = 16;
 constexpr std::uint64_t kLogStep = 4096; // an entry begins at a multiple of it
 constexpr std::uint64_t kMostLogBytes = std::uint64_t{256} << 20U;
 
-using LogGuid = std::array<std::uint8_t, kGuidBytes>;
+using LogGuid = std::array<std::uint8_t, kLogGuidBytes>;
 using VhdxSector = std::array<std::uint8_t, kVhdxHeaderBytes>;
 
 struct VhdxHeader {
@@ -34,7 +34,7 @@ std::uint32_t SumOf(const VhdxSector& header) {
     constexpr std::uint32_t kPolynomial = 0x82F63B78;
     std::uint32_t sum = ~0U;
     for (std::size_t i = 0; i < header.size(); ++i) {
-        sum ^= i >= kSumOffset && i < kSumOffset + sizeof(sum) ? 0U : header[i];
+        sum ^= i >= kHeaderSumOffset && i < kHeaderSumOffset + sizeof(sum) ? 0U : header[i];
         for (unsigned bit = 0; bit < 8; ++bit) {
             sum = (sum >> 1U) ^ ((sum & 1U) != 0 ? kPolynomial : 0U);
         }
@@ -51,12 +51,12 @@ std::optional<VhdxHeader> HeaderAt(Medium& file, std::uint64_t offset) {
     constexpr std::size_t kLogGuidOffset = 48;
     VhdxSector bytes{};
     if (file.ReadAt(offset, bytes) != kErrorNone || !BeginsWith(bytes, "head") ||
-        LittleNumberAt<std::uint32_t>(bytes, kSumOffset) != SumOf(bytes)) {
+        LittleNumberAt<std::uint32_t>(bytes, kHeaderSumOffset) != SumOf(bytes)) {
         return std::nullopt;
     }
     VhdxHeader header;
     header.Sequence = LittleNumberAt<std::uint64_t>(bytes, 8);
-    std::copy_n(bytes.begin() + kLogGuidOffset, kGuidBytes, header.Log.begin());
+    std::copy_n(bytes.begin() + kLogGuidOffset, kLogGuidBytes, header.Log.begin());
     header.LogBytes = LittleNumberAt<std::uint32_t>(bytes, 68);
     header.LogOffset = LittleNumberAt<std::uint64_t>(bytes, 72);
     return header;
@@ -77,7 +77,7 @@ std::optional<VhdxHeader> ActiveHeader(Medium& file) {
 bool HasEntry(Medium& file, const VhdxHeader& header) {
     constexpr std::size_t kEntryGuidOffset = 32;
     for (std::uint64_t at = 0; at < header.LogBytes; at += kLogStep) {
-        std::array<std::uint8_t, kEntryGuidOffset + kGuidBytes> entry{};
+        std::array<std::uint8_t, kEntryGuidOffset + kLogGuidBytes> entry{};
         if (file.ReadAt(header.LogOffset + at, entry) != kErrorNone) {
             return true;
         }
