@@ -78,5 +78,22 @@ TEST_F(FolderMountTest, TellsWhyThereIsNone) {
     EXPECT_TRUE(IsOffered("Open as Folder"));
 }
 
+class LentDiskTrial : public FrameFixture {};
+
+TEST_F(LentDiskTrial, IsAFolderWithoutAnotherQuestion) {
+    if (!qEnvironmentVariableIsSet("THNTFS_TRIAL_SCAN")) {
+        GTEST_SKIP() << "this is for tests/system";
+    }
+    Frame->OpenFile(qEnvironmentVariable("THNTFS_TRIAL_SCAN"));
+    ASSERT_TRUE(WaitForIdle());
+    std::string shown;
+    FolderMount mount([&shown](const QString& folder) { shown = folder.toStdString(); });
+    mount.Open(qEnvironmentVariable("THNTFS_TRIAL_PROGRAM"));
+    ASSERT_TRUE(QTest::qWaitFor([&shown] { return !shown.empty(); }, 30000));
+    EXPECT_EQ(QProcess::execute(QStringLiteral("cp"), {QStringLiteral("-r"), QString::fromStdString(shown),
+                                                       qEnvironmentVariable("THNTFS_TRIAL_COPY")}),
+              0);
+}
+
 } // namespace
 } // namespace thntfs::test

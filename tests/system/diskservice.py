@@ -18,8 +18,9 @@ DAEMONS = (['/lib/systemd/systemd-udevd'], ['dbus-daemon', '--system', '--nofork
            ['/usr/lib/polkit-1/polkitd', '--no-debug'], ['/usr/libexec/udisks2/udisksd'])
 HELPER = 'th-ntfs-open-disk'
 SERVICE = 'org.freedesktop.UDisks2'
+BUS = 'unix:path=/run/dbus/system_bus_socket'
 NOBODY = ['setpriv', '--reuid', '65534', '--regid', '65534', '--clear-groups']
-NODES = ['null', 'zero', 'full', 'random', 'urandom', 'tty', 'loop-control']
+NODES = ['null', 'zero', 'full', 'random', 'urandom', 'tty', 'loop-control', 'fuse']
 WAIT = 20  # seconds, for what a service does
 loops, daemons = [], []
 
@@ -35,7 +36,7 @@ def parts():
         return
     folder = trials.scratch()
     os.chmod(folder, 0o755)
-    for name in ('th-ntfs-cli', HELPER, 'tests/test_wizard'):
+    for name in ('th-ntfs-cli', 'th-ntfs', HELPER, 'tests/test_wizard', 'tests/test_frame'):
         shutil.copy(os.path.join(trials.BUILD, name), folder)
     done = subprocess.run(['unshare', '-m', '-n', '--propagation', 'private', sys.executable, __file__, folder],
                           stdout=subprocess.PIPE, text=True)
@@ -135,11 +136,18 @@ def main(folder):
             lambda got, _: got == status and trials.tree(out) == trials.tree(plain))
     attempt(folder, ['th-ntfs-cli', 'clone', image, other, '--yes'],
             lambda got, _: got == 0 and trials.bytes_of(other) == trials.bytes_of(cloned))
+    scan, copy = os.path.join(folder, 'scan.tht'), os.path.join(out, 'copy')
+    subprocess.run([program, 'scan', loop, '-p', '1', '--save-info', scan], capture_output=True, check=True)
+    os.chmod(scan, 0o644)
+    attempt(folder, ['test_frame', '--gtest_filter=LentDiskTrial.*'],
+            lambda got, told: got == 0 and '[  PASSED  ] 1 test' in told and trials.tree(copy) == trials.tree(plain),
+            THNTFS_TRIAL_SCAN=scan, THNTFS_TRIAL_PROGRAM=os.path.join(folder, 'th-ntfs'), THNTFS_TRIAL_COPY=copy,
+            DBUS_SYSTEM_BUS_ADDRESS=BUS)
     late = threading.Timer(3, attach, (image, '--read-only'))
     late.start()
     attempt(folder, ['test_wizard', '--gtest_filter=DiskServiceTrial.*'],
             lambda got, told: got == 0 and '[  PASSED  ] 1 test' in told, THNTFS_TRIAL_DISK=loop,
-            DBUS_SYSTEM_BUS_ADDRESS='unix:path=/run/dbus/system_bus_socket')
+            DBUS_SYSTEM_BUS_ADDRESS=BUS)
     late.join()
     for change, text in ((lambda: rule('NO'), "doesn't let this user"),
                          (lambda: rule('AUTH_ADMIN'), "doesn't let this user"),  # nobody asks for a password here

@@ -167,7 +167,7 @@ def is_mounted(root):
         return any(f' {root} ' in line for line in lines)
 
 
-def gone_reasons(run, seconds=5):
+def gone_reasons(run, seconds=20):
     end = time.monotonic() + seconds
     while is_mounted(run.root) and time.monotonic() < end:
         time.sleep(0.02)
