@@ -20,6 +20,8 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTimer>
 #include <QTreeView>
@@ -140,6 +142,34 @@ void MeasureSave(CMainFrame& frame, const char* folder) {
           }));
 }
 
+// Each key in the filter until the rows that it leaves stand there, of all that the catalogue has in one
+// list: letters that narrow it step by step, and back; once more with all rows selected.
+void MeasureNarrowing(CTHNTFSTreeView& tree, CTHNTFSListView& list) {
+    FindSearch find(tree, list);
+    FindState state;
+    state.FindPattern = "*";
+    Print("find_all_in_one_list", MillisecondsOf([&] { find.Begin(state, true); }));
+    std::printf("narrow_rows=%d\n", list.RowCount());
+    auto* field = list.parentWidget()->findChild<QLineEdit*>();
+    auto* details = list.findChild<QTreeView*>();
+    for (const char* name : {"narrow_slowest_key", "narrow_slowest_key_all_selected"}) {
+        double slowest = 0;
+        for (const int key :
+             {Qt::Key_E, Qt::Key_A, Qt::Key_T, Qt::Key_Backspace, Qt::Key_Backspace, Qt::Key_Backspace}) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier,
+                            key == Qt::Key_Backspace ? QString() : QString(QChar(key)).toLower());
+            const double last = MillisecondsOf([&] {
+                QCoreApplication::sendEvent(field, &press);
+                details->viewport()->repaint();
+            });
+            slowest = std::max(slowest, last);
+        }
+        Print(name, slowest);
+        details->selectAll();
+    }
+    list.GoToTop();
+}
+
 void MeasureLog(CMainFrame& frame) {
     const auto send = [] {
         ProcessLogEntry entry{"Drive access error @ sector =12345 (Code =23)", "Data error.", "", kLogFailed};
@@ -197,6 +227,7 @@ int main(int argc, char** argv) {
                 Desktop.TotalFolders);
     Print("tree_fill", MillisecondsOf([&] { tree.FillTree(); }));
     MeasureFind(tree, Find<CTHNTFSListView>(frame, "ListView"));
+    MeasureNarrowing(tree, Find<CTHNTFSListView>(frame, "ListView"));
     MeasureScan(frame);
     MeasureList(Find<CTHNTFSListView>(frame, "ListView"));
     MeasureLog(frame);

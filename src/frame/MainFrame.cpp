@@ -133,7 +133,6 @@ std::intptr_t CMainFrame::OnMessage(std::uint32_t message, std::uintptr_t wParam
     case WM_JOB_FAILED:
         job_.EndFailed();
         scans_.NoteEnd();
-        panes_.ClearMarked(); // the job's time stood there
         UpdateCommands();
         break;
     case WM_JOB_PROGRESS:

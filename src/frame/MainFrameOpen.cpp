@@ -62,6 +62,7 @@ void CMainFrame::OpenFoundDrive() {
 // A click in the list of partitions counts though the wizard is cancelled.
 void CMainFrame::RunSheet(CWizardSheet& sheet) {
     const bool finished = sheet.Run() == kWizardFinished;
+    activateWindow(); // a box of the sheet's that went with it leaves some desktops without an active window
     logicalDriveNumber_ = sheet.State().LogicalDriveNumber;
     if (finished && sheet.State().Copy != nullptr) {
         BeginCopy(sheet.State());

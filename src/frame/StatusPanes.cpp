@@ -85,6 +85,8 @@ void StatusPanes::ShowWork(const WorkDone& work) {
     workText_ = work.Text;
     if (!timeTimer_.isActive()) {
         timeTimer_.start(kTimeMilliseconds);
+    }
+    if (time_.Text().isEmpty()) { // a short work is over before the timer comes
         ShowTime();
     }
 }
@@ -96,7 +98,10 @@ void StatusPanes::ShowTime() {
 
 void StatusPanes::EndProgress() {
     progressBar_.reset();
-    timeTimer_.stop();
+    if (timeTimer_.isActive()) {
+        timeTimer_.stop();
+        ClearMarked(); // what was told last may be less than all
+    }
 }
 
 void StatusPanes::BeginProgress(const char* caption) {

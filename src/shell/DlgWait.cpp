@@ -32,6 +32,7 @@ CDlgWait::CDlgWait(QWidget* owner)
         move(owner->window()->frameGeometry().center() - rect().center());
     }
     Desktop.WaitDialog = this;
+    time_.Begin();
     since_.start();
 }
 
@@ -40,7 +41,10 @@ CDlgWait::~CDlgWait() { Desktop.WaitDialog = nullptr; }
 // No events are run here, as a fill must not meet what another message or the user would do to the list. So
 // the window system's word that the window is on the screen doesn't arrive either, without which nothing is
 // painted: it is taken as given, and as that may be too early, the window is painted again from time to time.
-void CDlgWait::Waiting() {
+void CDlgWait::Waiting(std::size_t done, std::size_t total) {
+    if (total != 0) {
+        time_.Look(static_cast<double>(done), static_cast<double>(total));
+    }
     if (since_.elapsed() < kPatienceMilliseconds) {
         return;
     }
@@ -51,9 +55,11 @@ void CDlgWait::Waiting() {
 }
 
 void CDlgWait::paintEvent(QPaintEvent* /*event*/) {
+    const QString time = time_.Text();
     QPainter painter(this);
-    painter.drawText(rect(), int{Qt::AlignCenter} | int{Qt::TextSingleLine},
-                     tr("Please wait, refreshing list..."));
+    painter.drawText(rect(), Qt::AlignCenter,
+                     tr("Please wait, refreshing list...") +
+                         (time.isEmpty() ? time : QLatin1Char('\n') + time));
 }
 
 } // namespace thntfs

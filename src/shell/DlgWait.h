@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/WorkTime.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QWidget>
@@ -16,14 +18,15 @@ public:
     explicit CDlgWait(QWidget* owner);
     ~CDlgWait() override;
 
-    /// To be called now and then during the fill.
-    void Waiting();
+    /// To be called now and then during the fill: how far it is, in any unit; no end where that isn't known.
+    void Waiting(std::size_t done, std::size_t total);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     QElapsedTimer since_;
+    WorkTime time_;
 };
 
 } // namespace thntfs

@@ -19,6 +19,7 @@ constexpr std::array<int, FileListModel::kColumns> kWidths{200, 100, 60, 220, 18
 constexpr int kIconPixels = 16;
 constexpr int kNameRoom = 64; // beyond the title
 constexpr int kNarrowest = 40;
+constexpr int kMeasuredRows = 100; // for how wide a column is to be, at each change of the rows
 
 // The toolkit cuts a title as it comes, one that stands at the right at its beginning.
 class CTitles : public QHeaderView {
@@ -55,6 +56,7 @@ CDetailsView::CDetailsView(RowActions& actions, QAbstractItemModel* model, QWidg
     header()->setSectionsMovable(false);
     header()->setSectionsClickable(true);
     header()->setSortIndicatorShown(true);
+    header()->setResizeContentsPrecision(kMeasuredRows);
     header()->setContextMenuPolicy(Qt::PreventContextMenu);
     for (int column = 0; column < FileListModel::kColumns; ++column) {
         header()->resizeSection(column, kWidths.at(static_cast<std::size_t>(column)));

@@ -120,6 +120,20 @@ int FileListModel::RowAt(std::size_t place) const {
     return found != places_.end() && *found == place ? static_cast<int>(found - places_.begin()) : -1;
 }
 
+std::vector<int> FileListModel::RowsAt(const std::vector<std::uint32_t>& places) const {
+    std::vector<int> rows;
+    auto place = places.begin();
+    for (int row = 0; row < Count() && place != places.end(); ++row) {
+        while (place != places.end() && *place < PlaceAt(row)) {
+            ++place;
+        }
+        if (place != places.end() && *place == PlaceAt(row)) {
+            rows.push_back(row);
+        }
+    }
+    return rows;
+}
+
 int FileListModel::RowOf(std::uint32_t entryId) const {
     const auto place = PlaceOf(entryId);
     return place ? RowAt(*place) : -1;

@@ -71,6 +71,8 @@ public:
     [[nodiscard]] std::size_t PlaceAt(int row) const { return places_[static_cast<std::size_t>(row)]; }
     /// -1 where it isn't shown.
     [[nodiscard]] int RowAt(std::size_t place) const;
+    /// Of rising places, those that are shown.
+    [[nodiscard]] std::vector<int> RowsAt(const std::vector<std::uint32_t>& places) const;
 
     /// Sorts all rows; those whose cells are equal keep their order. Selected rows stay selected.
     void Sort(int column, bool ascending, SortKind kind);

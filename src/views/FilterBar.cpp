@@ -14,6 +14,7 @@ namespace thntfs {
 namespace {
 
 constexpr int kLongestPart = 255; // of a name
+constexpr int kEdge = 4;
 
 } // namespace
 
@@ -37,6 +38,7 @@ CFilterBar::CFilterBar(QWidget* parent, std::function<void(const RowFilter&)> na
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(reach_);
     layout->addWidget(namePart_, 1);
+    count_->setContentsMargins(0, 0, kEdge, 0);
     layout->addWidget(count_);
     connect(reach_, &QComboBox::currentIndexChanged, this, [this] { Changed(); });
     connect(namePart_, &QLineEdit::textChanged, this, [this] { Changed(); });

@@ -13,7 +13,9 @@ namespace {
 
 constexpr std::size_t kEntriesAtATime = 4096;
 
-std::vector<std::uint32_t> ChildrenOf(std::uint32_t blockOffset, const std::function<void()>& waiting) {
+using Waiting = std::function<void(std::size_t done, std::size_t total)>;
+
+std::vector<std::uint32_t> ChildrenOf(std::uint32_t blockOffset, const Waiting& waiting) {
     std::vector<bool> seen(static_cast<std::size_t>(CatalogueEntryCount()));
     std::vector<std::uint32_t> ids;
     ChildWalk children(blockOffset);
@@ -22,7 +24,7 @@ std::vector<std::uint32_t> ChildrenOf(std::uint32_t blockOffset, const std::func
             seen[child] = true;
             ids.push_back(child);
             if (ids.size() % kEntriesAtATime == 0) {
-                waiting();
+                waiting(0, 0);
             }
         }
     }
@@ -51,7 +53,7 @@ void AppendRow(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows)
     rows.Rows.push_back(row);
 }
 
-FileRows ListRows(std::uint32_t blockOffset, const std::function<void()>& waiting) {
+FileRows ListRows(std::uint32_t blockOffset, const Waiting& waiting) {
     const std::vector<std::uint32_t> ids = ChildrenOf(blockOffset, waiting);
     FileRows rows;
     EntryBatch batch;
@@ -65,7 +67,7 @@ FileRows ListRows(std::uint32_t blockOffset, const std::function<void()>& waitin
                 AppendRow(item, part[place], rows);
             }
         }
-        waiting();
+        waiting(from + count, ids.size());
     }
     std::stable_partition(rows.Rows.begin(), rows.Rows.end(), [](const FileRow& row) { return row.Folder; });
     return rows;

@@ -40,7 +40,9 @@ void AppendRow(const CatalogueItem& item, std::uint32_t entryId, FileRows& rows)
 
 /// Lists a folder: its folders, then its files, each in the order of the catalogue. An entry that can't be
 /// read has shown its box and is missing; none comes twice. `blockOffset`: byte offset in TreeFile of the
-/// folder's first block. `waiting` is called now and then. Throws CUserException where a block can't be read.
-FileRows ListRows(std::uint32_t blockOffset, const std::function<void()>& waiting);
+/// folder's first block. `waiting` is called now and then with how many rows there are, and how many there
+/// will be, 0 as long as that isn't known. Throws CUserException where a block can't be read.
+FileRows ListRows(std::uint32_t blockOffset,
+                  const std::function<void(std::size_t done, std::size_t total)>& waiting);
 
 } // namespace thntfs

@@ -15,13 +15,31 @@ constexpr int kMargin = 6;
 
 } // namespace
 
-CIconView::CIconView(RowActions& actions, QAbstractItemModel* model, QWidget* parent)
+CIconView::CIconView(RowActions& actions, QWidget* parent)
     : CRowView(actions, parent)
     , delegate_(new FileDelegate(FileDelegate::Look::Plain, this)) {
-    setModel(model);
     setItemDelegate(delegate_);
     setResizeMode(Adjust);
     setUniformItemSizes(true);
+}
+
+// The toolkit makes a selection for each model that it is given, and leaves it behind.
+void CIconView::Follow(const QAbstractItemView* other) {
+    QAbstractItemModel* rows = other == nullptr ? nullptr : other->model();
+    if (rows != nullptr && rows == model()) {
+        return;
+    }
+    const auto change = [this](const auto& apply) {
+        QItemSelectionModel* before = selectionModel();
+        apply();
+        if (before != nullptr && before->parent() == this) {
+            delete before;
+        }
+    };
+    change([&] { setModel(rows); });
+    if (other != nullptr) {
+        change([&] { setSelectionModel(other->selectionModel()); });
+    }
 }
 
 // Cells of one size for all spare the view a look at each name. What it takes for that size is the hint of

@@ -51,6 +51,7 @@ void CListPane::TakeVolume() {
     const QString path = QString::fromStdString(SourceMediumPath());
     medium_ = {path.section(QLatin1Char('/'), -1), path, kRootEntryId};
     volume_ = {VolumeInWorkText(), {}, kRootEntryId};
+    list_->Narrow({}); // what was looked for on another one hides even the first row of this one
 }
 
 void CListPane::ShowState() {

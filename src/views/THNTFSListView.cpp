@@ -52,8 +52,7 @@ CTHNTFSListView::CTHNTFSListView(QWidget* parent)
     : QStackedWidget(parent)
     , model_(new FileListModel(this))
     , details_(new CDetailsView(*this, model_, this))
-    , icons_(new CIconView(*this, model_, this)) {
-    icons_->setSelectionModel(details_->selectionModel());
+    , icons_(new CIconView(*this, this)) {
     for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{details_, icons_}) {
         view->setAccessibleName(tr("Content of the folder"));
         addWidget(view);
@@ -99,14 +98,39 @@ void CTHNTFSListView::TellChanged() {
 }
 
 void CTHNTFSListView::Narrow(RowFilter filter) {
-    const QModelIndex current = details_->selectionModel()->currentIndex();
-    const auto place = current.isValid() ? std::optional(model_->PlaceAt(current.row())) : std::nullopt;
+    QItemSelectionModel& selection = *details_->selectionModel();
+    const QModelIndex current = selection.currentIndex();
+    const std::size_t place = current.isValid() ? model_->PlaceAt(current.row()) : ~std::size_t{0};
+    std::vector<std::uint32_t> selected;
+    for (const int row : SelectedRows()) {
+        selected.push_back(static_cast<std::uint32_t>(model_->PlaceAt(row)));
+    }
     model_->SetFilter(std::move(filter));
-    const int row = place ? model_->RowAt(*place) : -1;
+    selection.select(SelectionOf(model_->RowsAt(selected)), QItemSelectionModel::Select);
+    const int row = model_->RowAt(place);
     if (row >= 0) {
-        View()->setCurrentIndex(model_->index(row, 0));
+        selection.setCurrentIndex(model_->index(row, 0), QItemSelectionModel::NoUpdate);
+        View()->scrollTo(model_->index(row, 0));
     }
     TellChanged();
+}
+
+// Of rising rows. A selection that would fall into very many pieces is given up: the view looks at each piece
+// for every cell that it paints.
+QItemSelection CTHNTFSListView::SelectionOf(const std::vector<int>& rows) const {
+    constexpr qsizetype kMostPieces = 5000;
+    QItemSelection pieces;
+    for (std::size_t first = 0, next = 1; first < rows.size(); first = next++) {
+        while (next < rows.size() && rows[next] == rows[next - 1] + 1) {
+            ++next;
+        }
+        if (pieces.size() == kMostPieces) {
+            return {};
+        }
+        pieces.append(
+            {model_->index(rows[first], 0), model_->index(rows[next - 1], FileListModel::kColumns - 1)});
+    }
+    return pieces;
 }
 
 void CTHNTFSListView::UpdateEmptyText() {
@@ -162,6 +186,7 @@ void CTHNTFSListView::SetViewMode(std::uint32_t commandId) {
     if (icons) {
         icons_->SetLook(LookOf(commandId));
     }
+    icons_->Follow(icons ? details_ : nullptr);
     setCurrentWidget(icons ? static_cast<QWidget*>(icons_) : details_);
     setFocusProxy(View());
     if (hadFocus) {
@@ -205,7 +230,8 @@ void CTHNTFSListView::ReadRows(std::uint32_t entryId) {
         return;
     }
     CDlgWait wait(this);
-    SetRows(ListRows(folder->BlockOffset, [&wait] { wait.Waiting(); }));
+    SetRows(ListRows(folder->BlockOffset,
+                     [&wait](std::size_t done, std::size_t total) { wait.Waiting(done, total); }));
     GoToTop();
     filledFolder_ = entryId;
     shownFolder_ = entryId;

@@ -5,6 +5,7 @@
 #include "views/RowView.h"
 
 #include <QCoreApplication>
+#include <QItemSelection>
 #include <QPointer>
 #include <QStackedWidget>
 #include <functional>
@@ -46,7 +47,8 @@ public:
     /// The folder whose rows are here; nothing while there is none, and for hits.
     [[nodiscard]] std::optional<std::uint32_t> ShownFolder() const { return shownFolder_; }
 
-    /// Narrows what is shown, of other folders from now on, too. The current row stays so where it is shown.
+    /// Narrows what is shown, of other folders from now on, too. Rows that stay keep being selected or
+    /// current.
     void Narrow(RowFilter filter);
     [[nodiscard]] const RowFilter& Filter() const { return model_->Filter(); }
     [[nodiscard]] int CountOfAll() const { return model_->CountOfAll(); }
@@ -107,6 +109,7 @@ private:
 
     [[nodiscard]] QAbstractItemView* View() const;
     [[nodiscard]] std::vector<int> SelectedRows() const;
+    [[nodiscard]] QItemSelection SelectionOf(const std::vector<int>& rows) const;
     void ShowFolder(std::uint32_t entryId);
     void ReadRows(std::uint32_t entryId);
     void SetRows(FileRows rows, const QString& hitsTitle = {});

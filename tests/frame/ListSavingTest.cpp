@@ -64,6 +64,8 @@ TEST_F(ListSaving, ListsAreThoseOfTheTerminalProgram) {
     EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 1 + Details().model()->rowCount());
     EXPECT_NE(shown.find("\r\n/Pictures,1,0,"), std::string::npos) << shown;
 
+    EXPECT_EQ(Answers.FileFolders.back().toStdString(), Folder.Path()) << "where the list before was put";
+
     std::filesystem::remove_all(Folder / "none");
     SaveList({kTable}, Folder / "none/list.csv");
     EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Critical);

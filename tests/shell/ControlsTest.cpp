@@ -58,7 +58,7 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
     {
         CDlgWait wait(&owner);
         EXPECT_EQ(Desktop.WaitDialog, &wait);
-        wait.Waiting();
+        wait.Waiting(0, 0);
         EXPECT_FALSE(wait.isVisible());
         PostWindowMessage(&target, WM_APP + 1);
         TestWorker worker([&] { SendWindowMessage(&target, WM_APP + 2); });
@@ -66,7 +66,7 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
         QElapsedTimer since;
         since.start();
         while (since.elapsed() < 300) {
-            wait.Waiting();
+            wait.Waiting(0, 0);
         }
         EXPECT_TRUE(wait.isVisible());
         EXPECT_FALSE(wait.isModal());
