@@ -40,7 +40,11 @@ std::unique_ptr<Medium> OpenFile(const std::string& path, std::unique_ptr<Medium
         file = JoinPieces(pieces);
     }
     const ImageKind kind = KindOfImage(*file);
-    return OpenByKind({path, kind, std::move(file), layer});
+    auto medium = OpenByKind({path, kind, std::move(file), layer});
+    if (kind != ImageKind::Raw && medium->SizeBytes() == 0) {
+        throw DamagedImage(kind);
+    }
+    return medium;
 }
 
 } // namespace

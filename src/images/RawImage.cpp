@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    // The last one that begins at or before the offset: an empty piece never comes last of these.
+    // The last one that begins at or before the offset.
     Piece& PieceAt(std::uint64_t offset) {
         const auto behind =
             std::upper_bound(pieces_.begin(), pieces_.end(), offset,
@@ -152,6 +152,20 @@ void RefuseGap(const std::string& stem, unsigned missing) {
     }
 }
 
+// What splits a disk gives all pieces but the last one size. Behind a cut one everything would be moved.
+void RefuseCutPieces(const std::vector<Piece>& pieces) {
+    const std::uint64_t usual = pieces.front().Bytes;
+    for (const Piece& piece : pieces) {
+        const bool isLast = &piece == &pieces.back();
+        if (piece.Bytes > usual || (piece.Bytes < usual && !isLast)) {
+            throw ImageFault{
+                "Its piece " + piece.Path + " has " + std::to_string(piece.Bytes) + " bytes and " +
+                pieces.front().Path + " has " + std::to_string(usual) +
+                ": one of them is cut off. If they are meant to be so, join them into one file."};
+        }
+    }
+}
+
 } // namespace
 
 std::unique_ptr<Medium> OpenImageFilePart(const std::string& path, const std::string& role) {
@@ -201,6 +215,7 @@ std::unique_ptr<Medium> JoinPieces(const std::vector<std::string>& paths) {
         pieces.push_back({path, end, bytes});
         end += bytes;
     }
+    RefuseCutPieces(pieces);
     return std::make_unique<JoinedMedium>(std::move(pieces));
 }
 

@@ -18,7 +18,8 @@ std::unique_ptr<Medium> OpenImageFilePart(const std::string& path, const std::st
 /// follow. One path where it isn't one of several. Throws ImageFault where a number is left out.
 std::vector<std::string> PiecesOfImage(const std::string& path);
 
-/// A raw image in pieces, one behind the other, each as long as it is now. Throws ImageFault.
+/// A raw image in pieces, one behind the other, each as long as it is now. Throws ImageFault, also where
+/// pieces before the last have other sizes than the first.
 std::unique_ptr<Medium> JoinPieces(const std::vector<std::string>& paths);
 
 /// The first `bytes` of a medium.
