@@ -14,9 +14,9 @@
 #include <filesystem>
 #include <fuse3/fuse_log.h>
 #include <memory>
-#include <mutex>
-#include <poll.h>
 #include <string_view>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -56,6 +56,19 @@ std::string OptionsFor(const MountPlace& place) {
     return "ro,nosuid,nodev,noexec,default_permissions,subtype=th-ntfs,fsname=" + OptionValue(place.Source);
 }
 
+class Descriptor {
+public:
+    explicit Descriptor(int number)
+        : number_(number) {}
+    ~Descriptor() { ::close(number_); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    [[nodiscard]] int Number() const { return number_; }
+
+private:
+    int number_;
+};
+
 struct EndSession {
     void operator()(fuse_session* session) const { fuse_session_destroy(session); }
 };
@@ -71,14 +84,17 @@ Session NewSession(const std::string& options, FuseTree& tree) {
     return session;
 }
 
-/// A mount, and the threads that answer. One at a time waits for the next question; it then lets the next
-/// wait and answers by itself.
+/// A mount, and the threads that answer. A question wakes one of those that wait; none wakes another, which
+/// would cost more than most answers do.
 class Server {
 public:
     explicit Server(fuse_session* session)
         : session_(session) {
-        const int descriptor = fuse_session_fd(session_);
-        ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+        const int questions = fuse_session_fd(session_);
+        ::fcntl(questions, F_SETFL, ::fcntl(questions, F_GETFL) | O_NONBLOCK);
+        Await(EPOLL_CTL_ADD, questions, EPOLLIN | EPOLLONESHOT);
+        Await(EPOLL_CTL_ADD, InterruptDescriptor(), EPOLLIN);
+        Await(EPOLL_CTL_ADD, end_.Number(), EPOLLIN);
     }
 
     void Run() {
@@ -89,30 +105,38 @@ public:
     }
 
 private:
+    void Await(int how, int descriptor, std::uint32_t events) const {
+        epoll_event event{.events = events, .data = {}};
+        ::epoll_ctl(waits_.Number(), how, descriptor, &event);
+    }
+
     void Work() {
         fuse_buf question{};
         while (Take(question)) {
             fuse_session_process_buf(session_, &question);
         }
         std::free(question.mem); // NOLINT: the library allocates it so
+        constexpr std::uint64_t kEnded = 1;
+        [[maybe_unused]] const auto written = ::write(end_.Number(), &kEnded, sizeof kEnded);
     }
 
+    // One thread is told of questions at a time. Only when it has taken one is the next told, if there are
+    // more.
     bool Take(fuse_buf& question) {
-        const std::scoped_lock lock(turn_);
+        bool told = false;
         while (fuse_session_exited(session_) == 0 && !WasInterrupted()) {
-            std::array<pollfd, 2> waits{
-                {{fuse_session_fd(session_), POLLIN, 0}, {InterruptDescriptor(), POLLIN, 0}}};
-            if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) {
-                return false;
-            }
-            if (waits[0].revents == 0) {
-                continue;
-            }
             const int got = fuse_session_receive_buf(session_, &question);
+            if (told) {
+                Await(EPOLL_CTL_MOD, fuse_session_fd(session_), EPOLLIN | EPOLLONESHOT);
+            }
             if (got > 0) {
                 return true;
             }
-            if (got == 0 || (got != -EINTR && got != -EAGAIN)) {
+            told = got == -EAGAIN;
+            if (told) {
+                epoll_event event{};
+                ::epoll_wait(waits_.Number(), &event, 1, -1);
+            } else if (got != -EINTR) {
                 fuse_session_exit(session_);
             }
         }
@@ -120,7 +144,8 @@ private:
     }
 
     fuse_session* session_;
-    std::mutex turn_;
+    Descriptor waits_{::epoll_create1(EPOLL_CLOEXEC)};
+    Descriptor end_{::eventfd(0, EFD_CLOEXEC)}; ///< readable when one thread has ended, so that all do
 };
 
 } // namespace
