@@ -17,13 +17,23 @@ constexpr std::size_t kMaxExtensionBytes = 32;
 constexpr std::array<std::string_view, 4> kDeviceNames = {"CON", "PRN", "AUX", "NUL"};
 constexpr std::array<std::string_view, 2> kNumberedDeviceNames = {"COM", "LPT"};
 
-bool IsForbidden(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7F || std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos;
-}
+// By byte, as each byte of each name of a volume is looked at.
+constexpr auto kForbidden = [] {
+    std::array<bool, 256> forbidden{};
+    std::fill_n(forbidden.begin(), 0x20, true);
+    for (const char c : std::string_view("/\\:*?\"<>|\x7F")) {
+        forbidden.at(static_cast<unsigned char>(c)) = true;
+    }
+    return forbidden;
+}();
+
+bool IsForbidden(char c) { return kForbidden[static_cast<unsigned char>(c)]; }
 
 bool IsDeviceName(const std::string& name) {
     std::string stem = name.substr(0, name.find('.'));
+    if (stem.size() != 3 && stem.size() != 4) {
+        return false;
+    }
     std::transform(stem.begin(), stem.end(), stem.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     if (std::find(kDeviceNames.begin(), kDeviceNames.end(), stem) != kDeviceNames.end()) {
@@ -75,7 +85,7 @@ std::string FitName(std::string safe) {
     if (IsDeviceName(safe) || IsPartName(safe)) {
         safe.insert(0, "_");
     }
-    return JoinWithin(SplitName(safe), "");
+    return safe.size() <= kMaxTargetNameBytes ? safe : JoinWithin(SplitName(safe), "");
 }
 
 std::string NumberedName(const std::string& name, unsigned number) {

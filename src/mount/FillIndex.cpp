@@ -1,6 +1,7 @@
 #include "mount/FillIndex.h"
 
 #include "catalogue/EntryWalk.h"
+#include "catalogue/FolderOffsets.h"
 #include "content/ExactFile.h"
 #include "content/FolderChains.h"
 #include "content/FreeName.h"
@@ -8,6 +9,7 @@
 #include "content/SaveOptions.h"
 #include "engine/AttributeList.h"
 #include "engine/EngineState.h"
+#include "mount/EntryNames.h"
 #include "mount/MountIndex.h"
 
 #include <optional>
@@ -24,8 +26,8 @@ class IndexFiller {
 public:
     IndexFiller(MountIndex& index, const SaveOptions& options)
         : index_(index)
-        , options_(options)
-        , nodes_(static_cast<std::size_t>(CatalogueEntryCount())) {
+        , names_(options)
+        , nodes_(names_.Count()) {
         for (const FurtherParent& noted : Engine.FurtherParents) {
             further_.insert(noted.EntryId);
         }
@@ -35,70 +37,74 @@ public:
     void LookForFurtherNames() {
         CatalogueItem item;
         for (std::uint32_t id = kRootEntryId + 1; id < nodes_.size() && Engine.ScanRunFlag != 0; ++id) {
-            if (LoadEntryInto(id, item) != 0 && !item.IsFolder() && item.RecordSector != 0 &&
-                reader_.Open(item) && reader_.Names().size() > 1) {
+            if (!names_.IsFolder(id) && Open(id, item) && reader_.Names().size() > 1) {
                 further_.insert(id);
             }
         }
     }
 
     bool Fill() {
-        EntryWalk walk(WalkStart{}, WalkReach::Whole);
-        while (walk.Next()) {
+        const FolderOffsets offsets;
+        Descent descent(WalkStart{}.BlockOffset);
+        for (std::uint32_t id = descent.Next(); id != 0; id = descent.Next()) {
             if (Engine.ScanRunFlag == 0) {
                 return false;
             }
-            way_.resize(walk.Depth());
-            Take(walk.Item());
+            way_.resize(descent.Depth());
+            if (names_.IsIn(id)) {
+                Take(id);
+                if (const auto blockOffset = offsets.BlockOffset(id)) {
+                    descent.Enter(*blockOffset);
+                }
+            }
         }
-        return true;
+        return Engine.ScanRunFlag != 0;
     }
 
 private:
-    void Take(const CatalogueItem& item) {
-        const bool wanted = WishFor(options_, item) == SaveWish::Wanted;
-        if (!item.IsFolder()) {
-            if (wanted) {
-                TakeFile(item);
+    void Take(std::uint32_t id) {
+        if (!names_.IsFolder(id)) {
+            if (names_.IsWanted(id)) {
+                TakeFile(id);
             }
             return;
         }
-        way_.push_back(item);
-        if (wanted && item.EntryId != kRootEntryId) {
+        way_.push_back(id);
+        if (names_.IsWanted(id) && id != kRootEntryId) {
             FolderAt(way_);
         }
     }
 
-    // The folder that a chain leads to, made where it isn't there. What is in " Root" stands in the root.
-    Node FolderAt(const std::vector<CatalogueItem>& chain) {
+    // The folder that a chain of EntryIds leads to, made where it isn't there. What is in " Root" stands in
+    // the root.
+    Node FolderAt(const std::vector<std::uint32_t>& chain) {
         Node folder = MountIndex::kRoot;
-        for (const CatalogueItem& item : chain) {
-            if (item.EntryId == kRootEntryId) {
+        for (const std::uint32_t id : chain) {
+            if (id == kRootEntryId) {
                 continue;
             }
-            Node& made = nodes_[item.EntryId];
+            Node& made = nodes_[id];
             if (made == 0) {
-                made = AddFree(folder, item.Name, [&](const std::string& name) {
-                    return index_.AddFolder(folder, name, item.EntryId);
-                });
+                made = AddFree(folder, names_.NameOf(id),
+                               [&](std::string_view name) { return index_.AddFolder(folder, name, id); });
             }
             folder = made;
         }
         return folder;
     }
 
-    void TakeFile(const CatalogueItem& item) {
-        const Node folder = FolderAt(way_);
-        const Node file = AddFree(folder, item.Name, [&](const std::string& name) {
-            return index_.AddFile(folder, name, item.EntryId);
-        });
-        if (file != 0 && further_.contains(item.EntryId)) {
-            AddFurtherNames(item, file);
+    void TakeFile(std::uint32_t id) {
+        const Node folder = way_.empty() ? MountIndex::kRoot : FolderAt(way_);
+        const Node file = AddFree(folder, names_.NameOf(id),
+                                  [&](std::string_view name) { return index_.AddFile(folder, name, id); });
+        if (file != 0 && further_.contains(id)) {
+            AddFurtherNames(id, file);
         }
     }
 
-    void AddFurtherNames(const CatalogueItem& item, Node file) {
-        if (!reader_.Open(item)) {
+    void AddFurtherNames(std::uint32_t id, Node file) {
+        CatalogueItem item;
+        if (!Open(id, item)) {
             return;
         }
         for (const ExactName& name : reader_.Names()) {
@@ -107,31 +113,44 @@ private:
             }
             const std::vector<CatalogueItem>& chain = chains_.ChainTo(name.Parent);
             if (!chain.empty() && chains_.IsFolderOf(chain.back(), SequenceOf(name.Parent))) {
-                const Node folder = FolderAt(chain);
-                AddFree(folder, name.Name,
-                        [&](const std::string& free) { return index_.AddLink(folder, free, file); });
+                const Node folder = FolderAt(IdsOf(chain));
+                AddFree(folder, TargetName(name.Name),
+                        [&](std::string_view free) { return index_.AddLink(folder, free, file); });
             }
         }
     }
 
+    bool Open(std::uint32_t id, CatalogueItem& item) {
+        const bool loaded = LoadEntryInto(id, item) != 0;
+        item.EntryId = id;
+        return loaded && item.RecordSector != 0 && reader_.Open(item);
+    }
+
+    static std::vector<std::uint32_t> IdsOf(const std::vector<CatalogueItem>& chain) {
+        std::vector<std::uint32_t> ids;
+        for (const CatalogueItem& item : chain) {
+            ids.push_back(item.EntryId);
+        }
+        return ids;
+    }
+
     // Adds by the first name that is free; 0 where a stop came before it was found.
     template <typename AddName>
-    Node AddFree(Node folder, const std::u16string& wanted, AddName add) {
-        std::optional<Node> added;
-        std::string name = TargetName(wanted);
-        const auto take = [&](const std::string& free) {
-            added = add(free);
-            return added ? kErrorNone : kErrorFileExists;
-        };
-        if (take(name) != kErrorNone) {
-            TakeFreeName(numbers_[folder], name, take);
+    Node AddFree(Node folder, std::string_view wanted, AddName add) {
+        std::optional<Node> added = add(wanted);
+        if (!added) {
+            std::string name(wanted);
+            TakeFreeName(numbers_[folder], name, [&](const std::string& free) {
+                added = add(free);
+                return added ? kErrorNone : kErrorFileExists;
+            });
         }
         return added.value_or(0);
     }
 
     MountIndex& index_;
-    const SaveOptions& options_;
-    std::vector<CatalogueItem> way_;            ///< folders down to the entry in hand
+    EntryNames names_;
+    std::vector<std::uint32_t> way_;            ///< EntryIds of the folders down to the entry in hand
     std::vector<Node> nodes_;                   ///< of folders that have been made, by EntryId
     std::unordered_set<std::uint32_t> further_; ///< EntryIds of files that are noted to have further names
     std::unordered_map<Node, NextNumbers> numbers_; ///< of folders where a name was taken

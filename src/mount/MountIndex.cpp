@@ -1,22 +1,22 @@
 #include "mount/MountIndex.h"
 
 #include <algorithm>
-#include <bit>
 #include <functional>
 
 namespace thntfs {
 
 namespace {
 
-constexpr std::size_t kLeastSlots = 64;
-constexpr std::size_t kUsualNameBytes = 24;
+constexpr std::uint32_t kLeastSlots = 4;
+constexpr std::size_t kUsualSlots = 3;
 
 } // namespace
 
 MountIndex::MountIndex(std::size_t names)
     : places_(1)
-    , slots_(std::bit_ceil(std::max(kLeastSlots, 2 * names))) {
+    , tables_(1) {
     places_.reserve(names + 1);
+    slots_.reserve(names * kUsualSlots);
     names_.reserve(names * kUsualNameBytes);
 }
 
@@ -40,13 +40,12 @@ std::optional<MountIndex::Node> MountIndex::AddLink(Node folder, std::string_vie
 
 std::optional<MountIndex::Node> MountIndex::Add(Node folder, std::string_view name, std::uint32_t value,
                                                 Kind what) {
-    if (places_.size() * 2 > slots_.size()) {
-        GrowSlots();
-    }
-    const std::size_t slot = SlotOf(folder, name);
+    Table& table = RoomIn(folder);
+    const std::size_t slot = SlotOf(table, name);
     if (slots_[slot] != 0) {
         return std::nullopt;
     }
+    ++table.Names;
     const auto node = static_cast<Node>(places_.size());
     const Node last = places_[folder].Last;
     places_.push_back({.NameAt = names_.size(),
@@ -64,26 +63,38 @@ std::optional<MountIndex::Node> MountIndex::Add(Node folder, std::string_view na
     return node;
 }
 
-// The place of a name, or the free one where it belongs.
-std::size_t MountIndex::SlotOf(Node folder, std::string_view name) const {
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t slot =
-        (std::hash<std::string_view>()(name) + folder * std::size_t{0x9E3779B97F4A7C15}) & mask;
-    while (slots_[slot] != 0 && (places_[slots_[slot]].Parent != folder || NameOf(slots_[slot]) != name)) {
-        slot = (slot + 1) & mask;
+// The folder's table with a slot to spare. A larger one is made of its names behind all others; the room of
+// the small one is lost, which all in all is less than the tables take.
+MountIndex::Table& MountIndex::RoomIn(Node folder) {
+    if (places_[folder].Table == 0) {
+        places_[folder].Table = static_cast<std::uint32_t>(tables_.size());
+        tables_.emplace_back();
     }
-    return slot;
+    Table& table = tables_[places_[folder].Table];
+    if (table.Names * std::size_t{4} >= table.Slots * std::size_t{3}) {
+        table.FirstSlot = slots_.size();
+        table.Slots = std::max(kLeastSlots, table.Slots * 2);
+        slots_.resize(slots_.size() + table.Slots);
+        for (Node node = FirstIn(folder); node != 0; node = NextOf(node)) {
+            slots_[SlotOf(table, NameOf(node))] = node;
+        }
+    }
+    return table;
 }
 
-void MountIndex::GrowSlots() {
-    slots_.assign(slots_.size() * 2, 0);
-    for (Node node = 1; node < places_.size(); ++node) {
-        slots_[SlotOf(places_[node].Parent, NameOf(node))] = node;
+// The place of a name, or the free one where it belongs.
+std::size_t MountIndex::SlotOf(const Table& table, std::string_view name) const {
+    const std::size_t mask = table.Slots - 1;
+    std::size_t slot = std::hash<std::string_view>()(name) & mask;
+    while (slots_[table.FirstSlot + slot] != 0 && NameOf(slots_[table.FirstSlot + slot]) != name) {
+        slot = (slot + 1) & mask;
     }
+    return table.FirstSlot + slot;
 }
 
 std::optional<MountIndex::Node> MountIndex::Find(Node folder, std::string_view name) const {
-    const Node found = slots_[SlotOf(folder, name)];
+    const Table& table = tables_[places_[folder].Table];
+    const Node found = table.Slots == 0 ? 0 : slots_[SlotOf(table, name)];
     return found != 0 ? std::optional(found) : std::nullopt;
 }
 

@@ -11,13 +11,15 @@
 namespace thntfs {
 
 /// The tree that a mount shows: names, and which entry of the catalogue each stands for. It answers without a
-/// look at the catalogue or the medium, from many threads once it is complete. A name takes 40 bytes and its
-/// letters.
+/// look at the catalogue or the medium, from many threads once it is complete. A name takes 40 to 50 bytes
+/// and its letters.
 class MountIndex {
 public:
     /// A name of the tree. The root is 0, so that 0 stands for "none" among children.
     using Node = std::uint32_t;
     static constexpr Node kRoot = 0;
+    /// What room is made for.
+    static constexpr std::size_t kUsualNameBytes = 24;
 
     /// `names`: about how many there will be.
     explicit MountIndex(std::size_t names);
@@ -52,19 +54,28 @@ private:
         std::uint64_t NameAt = 0;
         std::uint32_t Value = 0; ///< EntryId, of a further name its file's node
         Node Parent = kRoot;
-        Node Next = 0; ///< in the ring of a folder's names
-        Node Last = 0; ///< of a folder: the name added last, whose Next is the first
+        Node Next = 0;           ///< in the ring of a folder's names
+        Node Last = 0;           ///< of a folder: the name added last, whose Next is the first
+        std::uint32_t Table = 0; ///< of a folder: its place in tables_, 0 while it is empty
         std::uint8_t NameBytes = 0;
         Kind What = Kind::Folder;
     };
 
+    /// The names of one folder, by open hashing: they lie side by side, as they are asked for.
+    struct Table {
+        std::size_t FirstSlot = 0;
+        std::uint32_t Slots = 0; ///< a power of two
+        std::uint32_t Names = 0;
+    };
+
     std::optional<Node> Add(Node folder, std::string_view name, std::uint32_t value, Kind what);
-    [[nodiscard]] std::size_t SlotOf(Node folder, std::string_view name) const;
-    void GrowSlots();
+    Table& RoomIn(Node folder);
+    [[nodiscard]] std::size_t SlotOf(const Table& table, std::string_view name) const;
 
     std::vector<Place> places_;
     std::string names_;
-    std::vector<Node> slots_;                         ///< open hashing by folder and name; 0 for a free slot
+    std::vector<Table> tables_;                       ///< of folders with names; the first is none's
+    std::vector<Node> slots_;                         ///< of all tables; 0 for a free slot
     std::unordered_map<Node, unsigned> furtherNames_; ///< of a file, where it has any
 };
 
