@@ -29,11 +29,12 @@ constexpr auto kForbidden = [] {
 
 bool IsForbidden(char c) { return kForbidden[static_cast<unsigned char>(c)]; }
 
-bool IsDeviceName(const std::string& name) {
-    std::string stem = name.substr(0, name.find('.'));
-    if (stem.size() != 3 && stem.size() != 4) {
+bool IsDeviceName(std::string_view name) {
+    const std::size_t stemBytes = std::min(name.find('.'), name.size());
+    if (stemBytes != 3 && stemBytes != 4) {
         return false;
     }
+    std::string stem(name.substr(0, stemBytes));
     std::transform(stem.begin(), stem.end(), stem.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     if (std::find(kDeviceNames.begin(), kDeviceNames.end(), stem) != kDeviceNames.end()) {
@@ -42,6 +43,14 @@ bool IsDeviceName(const std::string& name) {
     return stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' &&
            std::find(kNumberedDeviceNames.begin(), kNumberedDeviceNames.end(), stem.substr(0, 3)) !=
                kNumberedDeviceNames.end();
+}
+
+bool MeansNoName(std::string_view name) { return name.find_first_not_of('.') == std::string_view::npos; }
+
+// Most names do, and are looked at where they stand.
+bool Fits(std::string_view name) {
+    return name.size() <= kMaxTargetNameBytes && !MeansNoName(name) &&
+           std::none_of(name.begin(), name.end(), IsForbidden) && !IsDeviceName(name) && !IsPartName(name);
 }
 
 // Cuts text to a number of bytes without leaving a part of a character behind.
@@ -77,15 +86,27 @@ std::string JoinWithin(const NameParts& parts, const std::string& between) {
 
 std::string TargetName(std::u16string_view name) { return FitName(NarrowText(name)); }
 
+void AppendTargetName(std::string& out, std::u16string_view name) {
+    const std::size_t start = out.size();
+    AppendNarrowText(out, name);
+    if (!Fits(std::string_view(out).substr(start))) {
+        const std::string fitting = FitName(out.substr(start));
+        out.replace(start, std::string::npos, fitting);
+    }
+}
+
 std::string FitName(std::string safe) {
+    if (Fits(safe)) {
+        return safe;
+    }
     std::replace_if(safe.begin(), safe.end(), IsForbidden, '_');
-    if (safe.find_first_not_of('.') == std::string::npos) {
+    if (MeansNoName(safe)) {
         safe.assign(std::max<std::size_t>(safe.size(), 1), '_'); // "", "." and ".." among them
     }
     if (IsDeviceName(safe) || IsPartName(safe)) {
         safe.insert(0, "_");
     }
-    return safe.size() <= kMaxTargetNameBytes ? safe : JoinWithin(SplitName(safe), "");
+    return JoinWithin(SplitName(safe), "");
 }
 
 std::string NumberedName(const std::string& name, unsigned number) {

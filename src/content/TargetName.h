@@ -15,6 +15,8 @@ inline constexpr std::size_t kMaxTargetNameBytes = 255;
 /// "_", so do names that mean a folder, those of devices and of part files get one in front, and a name that
 /// is too long is cut before its extension.
 std::string TargetName(std::u16string_view name);
+/// The same, behind what a text holds.
+void AppendTargetName(std::string& out, std::u16string_view name);
 
 /// The same of a name in UTF-8. A name that the target can take comes out as it is.
 std::string FitName(std::string name);

@@ -2,8 +2,6 @@
 
 #include "catalogue/EntryPass.h"
 #include "content/SaveOptions.h"
-#include "content/TargetName.h"
-#include "mount/MountIndex.h"
 
 namespace thntfs {
 
@@ -16,30 +14,28 @@ bool IsBlank(const CatalogueEntry& entry) {
 
 } // namespace
 
-EntryNames::EntryNames(const SaveOptions& options) {
+EntryNames::EntryNames(const SaveOptions& options, MountIndex& index) {
     const auto count = static_cast<std::size_t>(CatalogueEntryCount());
-    facts_.reserve(count);
-    names_.reserve(count * MountIndex::kUsualNameBytes);
+    index.Reserve(static_cast<std::size_t>(Engine.NameFile->Size() / sizeof(char16_t)));
     CatalogueItem item;
     PassEntries([&](std::uint32_t id, const CatalogueEntry& entry) {
         FillItem(entry, item);
         item.EntryId = id;
         item.Name.clear();
         AppendName(entry, item.Name);
-        const std::string name = TargetName(item.Name);
-        facts_.push_back({.NameAt = names_.size(),
-                          .NameBytes = static_cast<std::uint8_t>(name.size()),
-                          .Readable = !IsBlank(entry),
-                          .Folder = item.IsFolder(),
-                          .Wanted = WishFor(options, item) == SaveWish::Wanted});
-        names_ += name;
+        Facts& facts = facts_.Add();
+        facts.BlockOffset = entry.BlockOffset;
+        facts.Readable = !IsBlank(entry);
+        facts.Folder = item.IsFolder();
+        facts.Wanted = WishFor(options, item) == SaveWish::Wanted;
+        if (facts.Folder || facts.Wanted) {
+            facts.Name = index.KeepTargetName(item.Name);
+        }
         return Engine.ScanRunFlag != 0;
     });
-    facts_.resize(count);
-}
-
-std::string_view EntryNames::NameOf(std::uint32_t entryId) const {
-    return std::string_view(names_).substr(facts_[entryId].NameAt, facts_[entryId].NameBytes);
+    while (facts_.Count() < count) {
+        facts_.Add();
+    }
 }
 
 } // namespace thntfs

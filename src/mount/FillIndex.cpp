@@ -1,7 +1,6 @@
 #include "mount/FillIndex.h"
 
 #include "catalogue/EntryWalk.h"
-#include "catalogue/FolderOffsets.h"
 #include "content/ExactFile.h"
 #include "content/FolderChains.h"
 #include "content/FreeName.h"
@@ -26,7 +25,7 @@ class IndexFiller {
 public:
     IndexFiller(MountIndex& index, const SaveOptions& options)
         : index_(index)
-        , names_(options)
+        , names_(options, index)
         , nodes_(names_.Count()) {
         for (const FurtherParent& noted : Engine.FurtherParents) {
             further_.insert(noted.EntryId);
@@ -44,7 +43,6 @@ public:
     }
 
     bool Fill() {
-        const FolderOffsets offsets;
         Descent descent(WalkStart{}.BlockOffset);
         for (std::uint32_t id = descent.Next(); id != 0; id = descent.Next()) {
             if (Engine.ScanRunFlag == 0) {
@@ -53,8 +51,8 @@ public:
             way_.resize(descent.Depth());
             if (names_.IsIn(id)) {
                 Take(id);
-                if (const auto blockOffset = offsets.BlockOffset(id)) {
-                    descent.Enter(*blockOffset);
+                if (names_.IsFolder(id)) {
+                    descent.Enter(names_.BlockOffsetOf(id));
                 }
             }
         }
@@ -86,7 +84,7 @@ private:
             Node& made = nodes_[id];
             if (made == 0) {
                 made = AddFree(folder, names_.NameOf(id),
-                               [&](std::string_view name) { return index_.AddFolder(folder, name, id); });
+                               [&](MountIndex::KeptName name) { return index_.AddFolder(folder, name, id); });
             }
             folder = made;
         }
@@ -95,8 +93,9 @@ private:
 
     void TakeFile(std::uint32_t id) {
         const Node folder = way_.empty() ? MountIndex::kRoot : FolderAt(way_);
-        const Node file = AddFree(folder, names_.NameOf(id),
-                                  [&](std::string_view name) { return index_.AddFile(folder, name, id); });
+        const Node file = AddFree(folder, names_.NameOf(id), [&](MountIndex::KeptName name) {
+            return index_.AddFile(folder, name, id);
+        });
         if (file != 0 && further_.contains(id)) {
             AddFurtherNames(id, file);
         }
@@ -114,8 +113,8 @@ private:
             const std::vector<CatalogueItem>& chain = chains_.ChainTo(name.Parent);
             if (!chain.empty() && chains_.IsFolderOf(chain.back(), SequenceOf(name.Parent))) {
                 const Node folder = FolderAt(IdsOf(chain));
-                AddFree(folder, TargetName(name.Name),
-                        [&](std::string_view free) { return index_.AddLink(folder, free, file); });
+                AddFree(folder, index_.KeepTargetName(name.Name),
+                        [&](MountIndex::KeptName free) { return index_.AddLink(folder, free, file); });
             }
         }
     }
@@ -136,12 +135,12 @@ private:
 
     // Adds by the first name that is free; 0 where a stop came before it was found.
     template <typename AddName>
-    Node AddFree(Node folder, std::string_view wanted, AddName add) {
+    Node AddFree(Node folder, MountIndex::KeptName wanted, AddName add) {
         std::optional<Node> added = add(wanted);
         if (!added) {
-            std::string name(wanted);
+            std::string name(index_.TextOf(wanted));
             TakeFreeName(numbers_[folder], name, [&](const std::string& free) {
-                added = add(free);
+                added = add(index_.Keep(free));
                 return added ? kErrorNone : kErrorFileExists;
             });
         }

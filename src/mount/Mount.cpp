@@ -11,7 +11,7 @@ namespace thntfs {
 
 std::string MountCatalogue(const MountWishes& wishes, const std::function<void()>& begun) try {
     MountHost host;
-    MountIndex index(static_cast<std::size_t>(CatalogueEntryCount()));
+    MountIndex index;
     if (!FillIndex(index, wishes.What, wishes.Loaded ? FurtherNamesBy::Records : FurtherNamesBy::Scan)) {
         return "It was stopped before anything was mounted.";
     }

@@ -1,36 +1,57 @@
 #include "mount/MountIndex.h"
 
+#include "content/TargetName.h"
+
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace thntfs {
 
 namespace {
 
-constexpr std::uint32_t kLeastSlots = 4;
-constexpr std::size_t kUsualSlots = 3;
+constexpr std::uint32_t kLeastSlots = 16;
+constexpr std::uint64_t kMaxNameAt = (std::uint64_t{1} << 56U) - 1;
 
 } // namespace
 
-MountIndex::MountIndex(std::size_t names)
-    : places_(1)
-    , tables_(1) {
-    places_.reserve(names + 1);
-    slots_.reserve(names * kUsualSlots);
-    names_.reserve(names * kUsualNameBytes);
+MountIndex::MountIndex()
+    : tables_(1) {
+    places_.Add();
 }
 
-std::optional<MountIndex::Node> MountIndex::AddFolder(Node folder, std::string_view name,
-                                                      std::uint32_t entryId) {
+MountIndex::KeptName MountIndex::Keep(std::string_view name) {
+    const std::size_t at = names_.size();
+    names_ += name;
+    return KeptFrom(at);
+}
+
+MountIndex::KeptName MountIndex::KeepTargetName(std::u16string_view name) {
+    const std::size_t at = names_.size();
+    AppendTargetName(names_, name);
+    return KeptFrom(at);
+}
+
+MountIndex::KeptName MountIndex::KeptFrom(std::size_t start) const {
+    KeptName kept;
+    kept.At = start & kMaxNameAt;
+    kept.Bytes = (names_.size() - start) & 0xFFU;
+    return kept;
+}
+
+std::string_view MountIndex::TextOf(KeptName name) const {
+    return std::string_view(names_).substr(name.At, name.Bytes);
+}
+
+std::optional<MountIndex::Node> MountIndex::AddFolder(Node folder, KeptName name, std::uint32_t entryId) {
     return Add(folder, name, entryId, Kind::Folder);
 }
 
-std::optional<MountIndex::Node> MountIndex::AddFile(Node folder, std::string_view name,
-                                                    std::uint32_t entryId) {
+std::optional<MountIndex::Node> MountIndex::AddFile(Node folder, KeptName name, std::uint32_t entryId) {
     return Add(folder, name, entryId, Kind::File);
 }
 
-std::optional<MountIndex::Node> MountIndex::AddLink(Node folder, std::string_view name, Node file) {
+std::optional<MountIndex::Node> MountIndex::AddLink(Node folder, KeptName name, Node file) {
     const auto added = Add(folder, name, file, Kind::Link);
     if (added) {
         ++furtherNames_[file];
@@ -38,39 +59,33 @@ std::optional<MountIndex::Node> MountIndex::AddLink(Node folder, std::string_vie
     return added;
 }
 
-std::optional<MountIndex::Node> MountIndex::Add(Node folder, std::string_view name, std::uint32_t value,
-                                                Kind what) {
+std::optional<MountIndex::Node> MountIndex::Add(Node folder, KeptName name, std::uint32_t value, Kind what) {
     Table& table = RoomIn(folder);
-    const std::size_t slot = SlotOf(table, name);
+    const std::size_t slot = SlotOf(table, TextOf(name));
     if (slots_[slot] != 0) {
         return std::nullopt;
     }
     ++table.Names;
-    const auto node = static_cast<Node>(places_.size());
-    const Node last = places_[folder].Last;
-    places_.push_back({.NameAt = names_.size(),
-                       .Value = value,
-                       .Parent = folder,
-                       .Next = last == 0 ? node : places_[last].Next,
-                       .NameBytes = static_cast<std::uint8_t>(name.size()),
-                       .What = what});
-    names_ += name;
+    const auto node = static_cast<Node>(places_.Count());
+    Place& place = places_.Add();
+    Place& above = places_.At(folder);
+    place = {.Name = name, .Value = value, .Parent = folder, .Next = node, .What = what};
     slots_[slot] = node;
-    if (last != 0) {
-        places_[last].Next = node;
+    if (above.Last != 0) {
+        place.Next = std::exchange(places_.At(above.Last).Next, node);
     }
-    places_[folder].Last = node;
+    above.Last = node;
     return node;
 }
 
 // The folder's table with a slot to spare. A larger one is made of its names behind all others; the room of
 // the small one is lost, which all in all is less than the tables take.
 MountIndex::Table& MountIndex::RoomIn(Node folder) {
-    if (places_[folder].Table == 0) {
-        places_[folder].Table = static_cast<std::uint32_t>(tables_.size());
+    if (places_.At(folder).Table == 0) {
+        places_.At(folder).Table = static_cast<std::uint32_t>(tables_.size());
         tables_.emplace_back();
     }
-    Table& table = tables_[places_[folder].Table];
+    Table& table = tables_[places_.At(folder).Table];
     if (table.Names * std::size_t{4} >= table.Slots * std::size_t{3}) {
         table.FirstSlot = slots_.size();
         table.Slots = std::max(kLeastSlots, table.Slots * 2);
@@ -93,17 +108,13 @@ std::size_t MountIndex::SlotOf(const Table& table, std::string_view name) const 
 }
 
 std::optional<MountIndex::Node> MountIndex::Find(Node folder, std::string_view name) const {
-    const Table& table = tables_[places_[folder].Table];
+    const Table& table = tables_[places_.At(folder).Table];
     const Node found = table.Slots == 0 ? 0 : slots_[SlotOf(table, name)];
     return found != 0 ? std::optional(found) : std::nullopt;
 }
 
-std::string_view MountIndex::NameOf(Node node) const {
-    return std::string_view(names_).substr(places_[node].NameAt, places_[node].NameBytes);
-}
-
 MountIndex::Node MountIndex::TargetOf(Node node) const {
-    return places_[node].What == Kind::Link ? places_[node].Value : node;
+    return places_.At(node).What == Kind::Link ? places_.At(node).Value : node;
 }
 
 unsigned MountIndex::NamesOf(Node file) const {
@@ -112,12 +123,12 @@ unsigned MountIndex::NamesOf(Node file) const {
 }
 
 MountIndex::Node MountIndex::FirstIn(Node folder) const {
-    const Node last = places_[folder].Last;
-    return last == 0 ? 0 : places_[last].Next;
+    const Node last = places_.At(folder).Last;
+    return last == 0 ? 0 : places_.At(last).Next;
 }
 
 MountIndex::Node MountIndex::NextOf(Node node) const {
-    return places_[places_[node].Parent].Last == node ? 0 : places_[node].Next;
+    return places_.At(places_.At(node).Parent).Last == node ? 0 : places_.At(node).Next;
 }
 
 } // namespace thntfs

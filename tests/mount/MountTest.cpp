@@ -18,7 +18,7 @@ protected:
         if (by == FurtherNamesBy::Records) {
             Engine.FurtherParents = {};
         }
-        EXPECT_TRUE(FillIndex(Index.emplace(0), options, by));
+        EXPECT_TRUE(FillIndex(Index.emplace(), options, by));
         Mounted.emplace(*Index);
     }
 
@@ -70,12 +70,12 @@ protected:
 } // namespace
 
 TEST(MountIndexTest, ManyNamesInFewFolders) {
-    MountIndex index(0);
-    const Node folder = *index.AddFolder(MountIndex::kRoot, "folder", 10);
+    MountIndex index;
+    const Node folder = *index.AddFolder(MountIndex::kRoot, index.Keep("folder"), 10);
     for (std::uint32_t i = 0; i < 1000; ++i) {
         const std::string name = "n" + std::to_string(i);
-        ASSERT_TRUE(index.AddFile(i % 2 == 0 ? folder : 0, name, 100 + i));
-        EXPECT_FALSE(index.AddFolder(i % 2 == 0 ? folder : 0, name, 5));
+        ASSERT_TRUE(index.AddFile(i % 2 == 0 ? folder : 0, index.Keep(name), 100 + i));
+        EXPECT_FALSE(index.AddFolder(i % 2 == 0 ? folder : 0, index.Keep(name), 5));
     }
     std::uint32_t wanted = 0;
     for (Node node = index.FirstIn(folder); node != 0; node = index.NextOf(node), wanted += 2) {
@@ -86,11 +86,11 @@ TEST(MountIndexTest, ManyNamesInFewFolders) {
     }
     EXPECT_EQ(wanted, 1000U);
     const Node file = *index.Find(0, "n7");
-    const Node link = *index.AddLink(folder, "link", file);
+    const Node link = *index.AddLink(folder, index.Keep("link"), file);
     EXPECT_EQ(index.TargetOf(link), file);
     EXPECT_EQ(index.EntryOf(link), 107U);
     EXPECT_EQ(index.NamesOf(file), 2U);
-    EXPECT_EQ(index.FirstIn(*index.AddFolder(link, "empty", 1)), 0U);
+    EXPECT_EQ(index.FirstIn(*index.AddFolder(link, index.Keep("empty"), 1)), 0U);
 }
 
 // Two of one name, one that no file system takes, further names before and behind their folders, lost
@@ -117,7 +117,7 @@ TEST_F(MountTest, TheTreeIsWhatASaveMakes) {
     }
     EXPECT_EQ(Index->NamesOf(Index->TargetOf(NodeAt("y"))), 2U);
     Engine.ScanRunFlag = 0;
-    MountIndex stopped(0);
+    MountIndex stopped;
     EXPECT_FALSE(FillIndex(stopped, {}, FurtherNamesBy::Records));
 }
 
