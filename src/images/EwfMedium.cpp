@@ -60,7 +60,7 @@ private:
     void AddSegments(const std::vector<std::string>& paths) {
         if (libewf_handle_initialize(&handle_, nullptr) != 1 ||
             libbfio_pool_initialize(&pool_, 0, LIBBFIO_POOL_UNLIMITED_NUMBER_OF_OPEN_HANDLES, nullptr) != 1) {
-            throw ImageFault{"There isn't enough memory to open it."};
+            throw NoMemoryForImage();
         }
         for (const std::string& path : paths) {
             segments_.push_back(

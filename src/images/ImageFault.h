@@ -16,5 +16,6 @@ struct ImageFault {
 ImageFault MissingLibrary(ImageKind kind, const std::string& library);
 ImageFault DamagedImage(ImageKind kind);
 ImageFault TooManyLayers();
+ImageFault NoMemoryForImage();
 
 } // namespace thntfs

@@ -2,6 +2,7 @@
 
 #include "images/ImageFault.h"
 #include "platform/files/Paths.h"
+#include "platform/system/CoreText.h"
 
 #include <algorithm>
 
@@ -35,5 +36,7 @@ ImageFault TooManyLayers() {
     return {"It builds on an image that builds on another one, and so on for more than " +
             std::to_string(kMostLayers) + " images, or in a circle."};
 }
+
+ImageFault NoMemoryForImage() { return {CoreText("Core", "There isn't enough memory to open it.")}; }
 
 } // namespace thntfs

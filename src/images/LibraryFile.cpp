@@ -70,7 +70,7 @@ void LibraryFile::MakeHandle() {
     if (libbfio_handle_initialize(&handle_, reinterpret_cast<intptr_t*>(this), nullptr, nullptr, OpenCall,
                                   CloseCall, ReadCall, nullptr, SeekCall, ExistsCall, IsOpenCall, SizeCall,
                                   LIBBFIO_FLAG_IO_HANDLE_NON_MANAGED, nullptr) != 1) {
-        throw ImageFault{"There isn't enough memory to open it."};
+        throw NoMemoryForImage();
     }
 }
 
@@ -127,7 +127,7 @@ std::int64_t LibraryFile::Seek(std::int64_t offset, int whence) {
 void AppendToPool(libbfio_pool_t* pool, LibraryFile& file) {
     int entry = 0;
     if (libbfio_pool_append_handle(pool, &entry, file.Handle(), LIBBFIO_OPEN_READ, nullptr) != 1) {
-        throw ImageFault{"There isn't enough memory to open it."};
+        throw NoMemoryForImage();
     }
     file.GiveHandle();
 }

@@ -1,5 +1,6 @@
 #include "images/ImageFault.h"
 #include "images/ImageLibrary.h"
+#include "platform/system/CoreText.h"
 
 #ifdef THNTFS_LIBQCOW
 #include "images/LibraryFile.h"
@@ -149,16 +150,18 @@ void RefuseUnknown(const QcowHeader& header) {
         throw DamagedImage(ImageKind::Qcow);
     }
     if (header.Encryption != 0) {
-        throw ImageFault{"It is an encrypted QCOW2 image. Decrypt it by the program that has made it."};
+        throw ImageFault{
+            CoreText("Core", "It is an encrypted QCOW2 image. Decrypt it by the program that has made it.")};
     }
     if ((header.Features & kDataElsewhere) != 0) {
-        throw ImageFault{
-            "It is a QCOW2 image that keeps its data in another file, which can't be read. That file "
-            "can be opened by itself if it is a raw one."};
+        throw ImageFault{CoreText(
+            "Core", "It is a QCOW2 image that keeps its data in another file, which can't be read. That file "
+                    "can be opened by itself if it is a raw one.")};
     }
     if ((header.Features & ~kStateFeatures) != 0) {
-        throw ImageFault{"It is a QCOW2 image with features that this program doesn't know, such as a newer "
-                         "compression. Convert it to a raw image first."};
+        throw ImageFault{CoreText(
+            "Core", "It is a QCOW2 image with features that this program doesn't know, such as a newer "
+                    "compression. Convert it to a raw image first.")};
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "images/ImageFault.h"
 #include "platform/files/Paths.h"
+#include "platform/system/CoreText.h"
 
 #include <algorithm>
 #include <deque>
@@ -161,7 +162,8 @@ void RefuseCutPieces(const std::vector<Piece>& pieces) {
             throw ImageFault{
                 "Its piece " + piece.Path + " has " + std::to_string(piece.Bytes) + " bytes and " +
                 pieces.front().Path + " has " + std::to_string(usual) +
-                ": one of them is cut off. If they are meant to be so, join them into one file."};
+                ": one of them is cut off, or they don't belong together. A file under another name is "
+                "opened alone."};
         }
     }
 }
@@ -210,7 +212,7 @@ std::unique_ptr<Medium> JoinPieces(const std::vector<std::string>& paths) {
     for (const std::string& path : paths) {
         const std::uint64_t bytes = OpenImageFilePart(path, "piece")->SizeBytes();
         if (bytes > kMostBytes - end) {
-            throw ImageFault{"Its pieces are larger than a disk can be."};
+            throw ImageFault{CoreText("Core", "Its pieces are larger than a disk can be.")};
         }
         pieces.push_back({path, end, bytes});
         end += bytes;

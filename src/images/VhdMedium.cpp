@@ -1,5 +1,6 @@
 #include "images/ImageFault.h"
 #include "images/ImageLibrary.h"
+#include "platform/system/CoreText.h"
 
 #ifdef THNTFS_LIBVHDI
 #include "images/LibraryFile.h"
@@ -24,10 +25,11 @@ using Guid = std::array<std::uint8_t, kGuidBytes>;
 
 std::unique_ptr<Medium> WithoutLog(ImageSource& source) {
     if (source.Kind == ImageKind::Vhdx && HasVhdxLogPending(*source.File)) {
-        throw ImageFault{
+        throw ImageFault{CoreText(
+            "Core",
             "It is a VHDX image that wasn't closed as it should be: its last changes stand in its log "
             "alone. Open it once in the system that made it, or let \"qemu-img check -r all\" "
-            "repair a copy of it."};
+            "repair a copy of it.")};
     }
     return std::move(source.File);
 }
@@ -38,7 +40,7 @@ public:
         : blocks_(source.Kind == ImageKind::Vhd ? std::make_optional<VhdBlocks>(*source.File) : std::nullopt)
         , file_(WithoutLog(source), Reads) {
         if (libvhdi_file_initialize(&handle_, nullptr) != 1) {
-            throw ImageFault{"There isn't enough memory to open it."};
+            throw NoMemoryForImage();
         }
         try {
             Open(source);

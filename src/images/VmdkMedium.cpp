@@ -1,5 +1,6 @@
 #include "images/ImageFault.h"
 #include "images/ImageLibrary.h"
+#include "platform/system/CoreText.h"
 
 #ifdef THNTFS_LIBVMDK
 #include "images/LibraryFile.h"
@@ -64,7 +65,7 @@ private:
     void Open(const ImageSource& source) {
         if (libvmdk_handle_initialize(&handle_, nullptr) != 1 ||
             libbfio_pool_initialize(&pool_, 0, LIBBFIO_POOL_UNLIMITED_NUMBER_OF_OPEN_HANDLES, nullptr) != 1) {
-            throw ImageFault{"There isn't enough memory to open it."};
+            throw NoMemoryForImage();
         }
         if (libvmdk_handle_open_file_io_handle(handle_, file_.Handle(), LIBVMDK_OPEN_READ, nullptr) != 1) {
             throw DamagedImage(source.Kind);
@@ -109,8 +110,8 @@ private:
         }
         if (type != LIBVMDK_EXTENT_TYPE_FLAT && type != LIBVMDK_EXTENT_TYPE_SPARSE &&
             type != LIBVMDK_EXTENT_TYPE_VMFS_FLAT && type != LIBVMDK_EXTENT_TYPE_VMFS_SPARSE) {
-            throw ImageFault{
-                "It stands for a device, or for something else that is no file: open that itself."};
+            throw ImageFault{CoreText(
+                "Core", "It stands for a device, or for something else that is no file: open that itself.")};
         }
         RefuseLaterStart(source, opened, type);
         return PathNamedBy(source, VmdkText(opened, libvmdk_extent_descriptor_get_utf8_filename_size,
@@ -125,9 +126,9 @@ private:
             throw DamagedImage(source.Kind);
         }
         if (start != 0 && (type == LIBVMDK_EXTENT_TYPE_FLAT || type == LIBVMDK_EXTENT_TYPE_VMFS_FLAT)) {
-            throw ImageFault{
-                "It is a VMDK image with a piece that begins in the middle of a file, which can't be "
-                "read. That file can be opened by itself if it is a raw one."};
+            throw ImageFault{CoreText(
+                "Core", "It is a VMDK image with a piece that begins in the middle of a file, which can't be "
+                        "read. That file can be opened by itself if it is a raw one.")};
         }
     }
 
@@ -176,7 +177,8 @@ private:
 
 std::unique_ptr<Medium> OpenVmdk(ImageSource source) {
     if (source.Kind == ImageKind::Vmdk && ReadVmdkHeader(*source.File).DescriptorSector == 0) {
-        throw ImageFault{"It is one piece of a VMDK image. Open the small file that names all of them."};
+        throw ImageFault{
+            CoreText("Core", "It is one piece of a VMDK image. Open the small file that names all of them.")};
     }
     return std::make_unique<VmdkMedium>(std::move(source));
 }
