@@ -73,7 +73,14 @@ TEST_F(ListSaving, ListsAreThoseOfTheTerminalProgram) {
     std::filesystem::create_symlink(Disk, List + ".link.csv");
     Answers.Answer(QMessageBox::Yes); // replace it
     SaveList({kTable}, List + ".link.csv");
-    EXPECT_EQ(Answers.Boxes.back().Icon, QMessageBox::Warning) << "is the medium";
+    EXPECT_NE(Answers.Boxes.back().Text.indexOf(QStringLiteral(" is the medium ")), -1);
+    ++Engine.VolumeInWork; // whose records have other times
+    Answers.When<CSaveListChoice>([](CSaveListChoice& dialog) {
+        Press(dialog, kBody);
+        Press(dialog, "OK");
+    });
+    ChooseInMenu("Tools/Save List As...");
+    EXPECT_TRUE(Answers.Boxes.back().Text.startsWith(QStringLiteral("What the window shows belongs to")));
 }
 
 TEST_F(ListSaving, AStopLeavesNoFile) {
@@ -118,9 +125,12 @@ TEST_F(ListSaving, WhatWasOpenedIsOfferedAgain) {
     for (int i = 0; i < 10; ++i) {
         recent.Note(QStringLiteral("/some/file %1").arg(i % 9));
     }
+    recent.Note(QStringLiteral("/some/file 8"));
+    recent.Note(QDir::tempPath() + QStringLiteral("/found.thd"));
     EXPECT_EQ(RecentFiles().Paths().size(), 8);
+    EXPECT_EQ(RecentFiles().Paths().last(), QStringLiteral("/some/file 2"));
     EXPECT_EQ(RecentFiles().Paths().mid(0, 2),
-              (QStringList{QStringLiteral("/some/file 0"), QStringLiteral("/some/file 8")}));
+              (QStringList{QStringLiteral("/some/file 8"), QStringLiteral("/some/file 0")}));
     recent.Clear();
     temp.isEmpty() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", temp);
 }

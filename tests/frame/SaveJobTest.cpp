@@ -89,6 +89,7 @@ TEST_F(SaveJobs, SaveAllGivesWhatTheTerminalProgramGives) {
     std::string duringWork;
     AtRead(200, [&] {
         EXPECT_TRUE(IsOffered("Stop Current Process") && !IsOffered("Wizard"));
+        EXPECT_FALSE(IsOffered("Save List As..."));
         WM_JOB_PROGRESS.Send(Frame.get());
         duringWork = Pane(0) + " | " + Pane(2);
     });

@@ -72,7 +72,7 @@ TEST_F(ScanJobs, ABasicScanFillsTheWindow) {
             WM_JOB_PROGRESS.Send(Frame.get());
             EXPECT_EQ(Pane(0), "Scanning :" + std::to_string(Engine.ProgressDone * 25) + "%");
         }
-        EXPECT_TRUE(Pane(2).ends_with(" files and folders found")) << Pane(2);
+        EXPECT_TRUE((", " + Pane(2)).ends_with(", 0 files and folders found")) << Pane(2);
         WM_PROGRESS_CAPTION.Send(Frame.get(), "Populating ");
         WM_JOB_PROGRESS.Send(Frame.get());
         Command("Save All").showStatusText(Frame.get());

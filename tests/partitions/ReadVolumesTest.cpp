@@ -129,10 +129,12 @@ TEST_F(ReadVolumesTest, WhyThereIsNone) {
     Plan->Rules = {};
     Put(0, EncodePartitionTable({{0xEE, 1, 4096}}));
     expect("This was a GPT disk, but");
-    PutBackup({});
-    expect("disk (GPT) is empty");
-    PutFirst({{{100, 199, 1}}});
+    PutBackup({{{100, 199, 1}}});
     expect("None of the partitions in the GUID");
+    PutFirst({});
+    expect("disk (GPT) is empty");
+    (*Image)[511] = 0;
+    expect("This was a GPT disk before");
     Put(0, EncodePartitionTable({{0x83, 1, 99}}));
     expect("This was a GPT disk before");
 }

@@ -60,6 +60,9 @@ TEST(WaitWindowTest, ComesWhenTheFillTakesLongAndLetsNothingElseHappen) {
         EXPECT_EQ(Desktop.WaitDialog, &wait);
         wait.Waiting(0, 0);
         EXPECT_FALSE(wait.isVisible());
+        WorkTime time;
+        time.Begin();
+        EXPECT_EQ(time.Text(), QString()) << "a second's work";
         PostWindowMessage(&target, WM_APP + 1);
         TestWorker worker([&] { SendWindowMessage(&target, WM_APP + 2); });
         worker.AwaitSleep();

@@ -42,7 +42,7 @@ protected:
             parent = &catalogue.AddFolder(*parent, 100 + i, names[i]);
             lastId = parent->EntryId;
         }
-        catalogue.AddFile(HandWritten::Root(), u"Der ÄRGER.txt", 2048);
+        catalogue.AddFile(HandWritten::Root(), u"Der ÄRGER.txt", 1024);
         goneId = catalogue.AddEntry(HandWritten::Root(), {.Size = 1024ULL * 1024 * 1536, .RecordNumber = 7},
                                     u"Zorn & Ärger.TXT");
         catalogue.AddFile(*parent, u"last.doc", 12);
@@ -173,8 +173,19 @@ TEST_F(ListPaneTest, TheLineTellsWhereOneIsAndGoesThere) {
     Rows()->selectAll();
     List->CopyPaths();
     EXPECT_EQ(Copied(), "/\n#900");
-    List->ShowHits({}, QStringLiteral("Results of *"));
+    FileRows hits{.Rows = {}, .Names = u"last.doc"};
+    for (const std::uint32_t folder : {lastId, kRootId}) {
+        hits.Rows.push_back({.EntryId = lastId + 3, .FolderId = folder, .NameUnits = 8, .State = {}});
+    }
+    List->ShowHits(hits, QStringLiteral("Results of *"));
     EXPECT_EQ(Path(), "disk.img|NTFS (2.0 MB)|Results of *");
+    Rows()->selectAll();
+    List->CopyPaths();
+    EXPECT_EQ(Copied(), "/one/A & B/three/last.doc\n/last.doc");
+    EXPECT_EQ(List->RowsShown().FolderOf, (std::vector<std::uint32_t>{0, 1}));
+    EXPECT_EQ(List->RowsShown().FolderPaths.at(0), "/one/A & B/three/");
+    Parts().back()->click();
+    EXPECT_EQ(Path(), "disk.img|NTFS (2.0 MB)|#900");
     List->Clear();
     EXPECT_EQ(Path(), "");
 }
@@ -187,7 +198,7 @@ TEST_F(ListPaneTest, ALineThatIsTooLongLeavesOutItsMiddle) {
     ShowFolders(names);
     Tree->GoToFolder(lastId);
     std::uint32_t behindDots = 0;
-    for (const int width : {900, 700, 450}) {
+    for (int width = 900; width >= 450; width -= 15) {
         Window.resize(width + 300, 500);
         Window.setSizes({300, width});
         RunEvents();
@@ -205,7 +216,7 @@ TEST_F(ListPaneTest, ALineThatIsTooLongLeavesOutItsMiddle) {
         const int end = parts.back()->geometry().right();
         EXPECT_LT(end, Pane->Path().width()) << width;
         const int next = parts[4]->width(); // of the same kind as that next above those that show
-        EXPECT_GT(end + gap + next, Pane->Path().width() - 1) << "there is room for one more";
+        EXPECT_GT(end + 2 * gap + next, Pane->Path().width() - 1) << "there is room for one more";
     }
     for (QToolButton* part : Parts()) {
         if (part->text() == QStringLiteral("…")) {
@@ -216,6 +227,9 @@ TEST_F(ListPaneTest, ALineThatIsTooLongLeavesOutItsMiddle) {
     EXPECT_EQ(lines.size(), 30);
     lines.back()->trigger();
     EXPECT_EQ(Tree->CurrentEntry(), lastId - behindDots) << "the folder next above those that show";
+    const QList<QToolButton*> above = Parts();
+    above[3]->click();
+    EXPECT_EQ(Tree->CurrentEntry(), lastId - behindDots + 4 - static_cast<std::uint32_t>(above.size()));
 }
 
 TEST_F(ListPaneTest, SizesStandInTheUnitThatFitsAndSortByValue) {
@@ -223,7 +237,7 @@ TEST_F(ListPaneTest, SizesStandInTheUnitThatFitsAndSortByValue) {
     List->SetSizesInUnits(true);
     const QLocale locale;
     EXPECT_EQ(Cell(0, 1), QString());
-    EXPECT_EQ(Cell(1, 1), locale.toString(2.0, 'f', 1) + QStringLiteral(" KB"));
+    EXPECT_EQ(Cell(1, 1), locale.toString(1.0, 'f', 1) + QStringLiteral(" KB"));
     EXPECT_EQ(Cell(2, 1), locale.toString(1.5, 'f', 1) + QStringLiteral(" GB"));
     EXPECT_EQ(Rows()->model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Size"));
     List->SortList(1, false, SortKind::WholeNumber);
