@@ -51,6 +51,7 @@ constexpr auto kTopics = std::to_array<HelpTopic>({
     {"finding.htm", QT_TRANSLATE_NOOP("HelpViewer", "Finding names")},
     {"saving.htm", QT_TRANSLATE_NOOP("HelpViewer", "Getting files back")},
     {"whattosave.htm", QT_TRANSLATE_NOOP("HelpViewer", "What to save")},
+    {"openasfolder.htm", QT_TRANSLATE_NOOP("HelpViewer", "Opening the result as a folder")},
     {"scaninfo.htm", QT_TRANSLATE_NOOP("HelpViewer", "Keeping a scan's result")},
     {"processlog.htm", QT_TRANSLATE_NOOP("HelpViewer", "The process log")},
     {"features.htm", QT_TRANSLATE_NOOP("HelpViewer", "What the program does")},
