@@ -6,6 +6,7 @@
 #include "images/LibraryFile.h"
 #include "images/RawImage.h"
 #include "images/VhdBlocks.h"
+#include "images/VhdSize.h"
 #include "images/VhdxLog.h"
 
 #include <array>
@@ -23,7 +24,7 @@ namespace {
 constexpr std::size_t kGuidBytes = 16;
 using Guid = std::array<std::uint8_t, kGuidBytes>;
 
-std::unique_ptr<Medium> WithoutLog(ImageSource& source) {
+std::unique_ptr<Medium> FileForLibrary(ImageSource& source) {
     if (source.Kind == ImageKind::Vhdx && HasVhdxLogPending(*source.File)) {
         throw ImageFault{CoreText(
             "Core",
@@ -31,14 +32,15 @@ std::unique_ptr<Medium> WithoutLog(ImageSource& source) {
             "alone. Open it once in the system that made it, or let \"qemu-img check -r all\" "
             "repair a copy of it.")};
     }
-    return std::move(source.File);
+    return source.Kind == ImageKind::Vhdx ? std::move(source.File)
+                                          : ShowPresentVhdSize(std::move(source.File));
 }
 
 class VhdMedium final : public LibraryMedium {
 public:
     explicit VhdMedium(ImageSource source)
         : blocks_(source.Kind == ImageKind::Vhd ? std::make_optional<VhdBlocks>(*source.File) : std::nullopt)
-        , file_(WithoutLog(source), Reads) {
+        , file_(FileForLibrary(source), Reads) {
         if (libvhdi_file_initialize(&handle_, nullptr) != 1) {
             throw NoMemoryForImage();
         }

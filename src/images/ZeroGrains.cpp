@@ -15,6 +15,7 @@ namespace thntfs {
 namespace {
 
 constexpr std::uint32_t kMostTableEntries = 1U << 16U;
+constexpr std::uint64_t kMostGrainSectors = 1U << 16U;
 constexpr std::uint64_t kMostTables = 1U << 24U;
 constexpr std::uint32_t kZeroGrain = 1;
 using GrainEntry = std::uint32_t;
@@ -105,12 +106,14 @@ private:
     std::vector<std::uint64_t> tables_; ///< byte offsets, rising
 };
 
-bool CanBeFollowed(const VmdkHeader& header, std::uint64_t fileBytes) {
-    constexpr std::uint64_t kMostGrainSectors = 1U << 16U;
+bool HasLikelySizes(const VmdkHeader& header) {
     return header.GrainSectors != 0 && header.GrainSectors <= kMostGrainSectors && header.TableEntries != 0 &&
-           header.TableEntries <= kMostTableEntries && header.DirectorySector != kVmdkDirectoryAtEnd &&
-           header.DirectorySector < fileBytes && header.CopySector < fileBytes &&
-           fileBytes / kVmdkSectorBytes < ~GrainEntry{0} - kMostGrainSectors;
+           header.TableEntries <= kMostTableEntries;
+}
+
+bool CanBeFollowed(const VmdkHeader& header, std::uint64_t fileBytes) {
+    return header.DirectorySector != kVmdkDirectoryAtEnd && header.DirectorySector < fileBytes &&
+           header.CopySector < fileBytes && fileBytes / kVmdkSectorBytes < ~GrainEntry{0} - kMostGrainSectors;
 }
 
 } // namespace
@@ -134,11 +137,15 @@ VmdkHeader ReadVmdkHeader(Medium& extent) {
 
 std::unique_ptr<Medium> ShowZeroGrains(std::unique_ptr<Medium> extent) {
     const VmdkHeader header = ReadVmdkHeader(*extent);
-    if (!header.IsSparse || (header.Flags & kVmdkZeroGrains) == 0) {
+    if (!header.IsSparse) {
         return extent;
     }
-    if (!CanBeFollowed(header, extent->SizeBytes())) {
+    const bool hasZeroGrains = (header.Flags & kVmdkZeroGrains) != 0;
+    if (!HasLikelySizes(header) || (hasZeroGrains && !CanBeFollowed(header, extent->SizeBytes()))) {
         throw DamagedImage(ImageKind::Vmdk);
+    }
+    if (!hasZeroGrains) {
+        return extent;
     }
     return std::make_unique<ExtentWithZeroes>(std::move(extent), header);
 }

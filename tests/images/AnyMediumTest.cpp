@@ -295,6 +295,9 @@ TEST_F(QemuImageTest, ZerosThatTablesTellOf) {
     ExpectDisk("v", Converted("v"));
     Run("qemu-img create -f vmdk -b v -F vmdk -o zeroed_grain=on w && qemu-io -c 'write -z 3M 128k' w");
     ExpectDisk("w", Converted("w"));
+    Run("qemu-img convert raw x -O vmdk");
+    Change("x", 24, "\1");
+    ExpectRefused("x", "damaged");
     Run("truncate -s -1024 v");
     EXPECT_EQ(ReadImage(folder_ / "v").Why, "23") << "what is cut off isn't zeros";
     const std::pair<std::uint64_t, char> hostile[] = {{17, '\1'}, {22, '\1'}, {45, '\0'}, {61, '\1'}};
@@ -382,10 +385,21 @@ TEST_F(QemuImageTest, BlocksOfAVhdInImpossiblePlaces) {
     expect(vhd.substr(kTable + 4, 4), {0, 0, 0});
     expect(vhd.substr(kTable, 4), {kErrorCrc, kErrorCrc, 0});
     expect({"\0\0\0\2", 4}, {kErrorCrc, kErrorCrc, 0});
-    expect({"\0\0\7\0", 4}, {kErrorCrc, kErrorCrc, 0});
+    expect(vhd.substr(kTable + 8, 4), {0, kErrorCrc, kErrorCrc});
     expect({"\1\0\0\0", 4}, {0, kErrorCrc, 0});
     Change("v", 512 + 28, "\x7f");
     ExpectRefused("v", "damaged");
+    const auto changeSize = [&](std::size_t place, char now, char rest) { // the sum stays as it was
+        for (const std::size_t footer : {std::size_t{0}, vhd.size() - 512}) {
+            Change("whole", footer + place, {&now, 1});
+            Change("whole", footer + 100, {&rest, 1});
+        }
+    };
+    changeSize(45, '\x40', '\x20');
+    ExpectDisk("whole", disk_); // it was smaller when it was made
+    changeSize(45, '\x60', '\0');
+    changeSize(53, '\0', '\x60');
+    ExpectRefused("whole", "damaged");
 
     // A header that says it is the newer one, with a log, and an entry in that log.
     const std::string guid(16, 'g');
@@ -410,8 +424,6 @@ TEST_F(QemuImageTest, WhatCantBeReadIsRefused) {
         "encrypt.format=luks,encrypt.key-secret=s,encrypt.iter-time=10 "
         "q 1M");
     ExpectRefused("q", "encrypted");
-    Run("qemu-img create -f qcow2 q 0");
-    ExpectRefused("q", "damaged");
     Run("qemu-img create -f qcow2 -o data_file=d q 1M");
     ExpectRefused("q", "in another file");
     Run("qemu-img convert raw q -O qcow2 -c -o compression_type=zstd");
