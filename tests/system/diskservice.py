@@ -5,9 +5,11 @@ device manager's rules that are nobody else's. Nothing of the machine's own is t
 """
 import json
 import os
+import pty
 import shutil
 import subprocess
 import sys
+import termios
 import threading
 import time
 
@@ -72,6 +74,9 @@ def start_services(folder):
     shell('cp', '-a', *(f'/dev/{name}' for name in NODES + disks), dev)
     for number in range(64):
         shell('mknod', '-m', '660', f'{dev}/loop{number}', 'b', '7', str(number))
+    os.makedirs(f'{dev}/pts')
+    shell('mount', '-t', 'devpts', '-o', 'newinstance,ptmxmode=666', 'trial', f'{dev}/pts')
+    os.symlink('pts/ptmx', f'{dev}/ptmx')
     os.makedirs(f'{dev}/shm')
     shell('mount', '--rbind', '/dev/shm', f'{dev}/shm')
     shell('mount', '--move', dev, '/dev')
@@ -118,6 +123,22 @@ def attempt(folder, words, holds, **environment):
     print(json.dumps([' '.join(words), done.returncode, told, not holds(done.returncode, told)]), flush=True)
 
 
+def interrupt(folder, loop):
+    """Ctrl+C at the question for a password: what is typed then shows again."""
+    terminal, own = pty.openpty()
+    os.fchmod(own, 0o666)
+    run = subprocess.Popen(['setsid', '-c', *NOBODY, os.path.join(folder, 'th-ntfs-cli'), 'partitions', loop], stdin=own, stdout=own,
+                           stderr=own, env=dict(os.environ, TMPDIR='/tmp'))
+    shows, end = lambda: termios.tcgetattr(own)[3] & termios.ECHO, time.monotonic() + WAIT
+    while shows() and time.monotonic() < end:
+        time.sleep(0.05)
+    asked = not shows()
+    os.write(terminal, b'\x03')
+    status = run.wait(timeout=WAIT)
+    told = os.read(terminal, 1 << 16).decode(errors='replace')
+    print(json.dumps(['Ctrl+C', status, told, not (asked and shows() and status == 1 and 'canceled' in told)]), flush=True)
+
+
 def main(folder):
     image, target, cloned, plain, out = (os.path.join(folder, name) for name in ('disk', 'target', 'cloned', 'plain', 'out'))
     shutil.copy(trials.volume('basic'), image)
@@ -149,6 +170,8 @@ def main(folder):
             lambda got, told: got == 0 and '[  PASSED  ] 1 test' in told, THNTFS_TRIAL_DISK=loop,
             DBUS_SYSTEM_BUS_ADDRESS=BUS)
     late.join()
+    rule('AUTH_ADMIN')
+    interrupt(folder, loop)
     for change, text in ((lambda: rule('NO'), "doesn't let this user"),
                          (lambda: rule('AUTH_ADMIN'), "doesn't let this user"),  # nobody asks for a password here
                          (stop_services, 'with sudo'), (lambda: os.remove(os.path.join(folder, HELPER)), 'with sudo')):

@@ -186,7 +186,8 @@ ENDS = {'term': lambda run: run.terminate(), 'interrupt': lambda run: run.send_s
 
 def ends():
     part = trials.Part('mount: ends')
-    image = trials.volume('bigfolder')
+    image = os.path.join(trials.scratch(), 'comma, \\and so on.img')
+    shutil.copy(trials.volume('bigfolder'), image)
     for how, end in ENDS.items():
         folder = tempfile.mkdtemp(dir=trials.scratch())
         with mounted([image, '-p', '1'], folder, {'FAULT_UNDER': image, 'FAULT_CALLS': 'read', 'FAULT_SLOW': '2000'}) as run:
@@ -211,6 +212,31 @@ def ends():
     return part
 
 
+def own_folders():
+    """As the desktop program mounts: the folder goes with the mount, and that with whoever wanted it."""
+    part = trials.Part('mount: own folders')
+    for how, end in {**ENDS, 'lone': lambda run: run.stdin.close()}.items():
+        folder = tempfile.mkdtemp(dir=trials.scratch())
+        scan, root = os.path.join(folder, 'scan.tht'), os.path.join(folder, 'mnt')
+        trials.run(['scan', trials.volume('basic'), '-p', '1', '--save-info', scan], folder)
+        os.mkdir(root)
+        run = subprocess.Popen([os.path.join(trials.BUILD, 'th-ntfs'), '--mount-scan', scan, root], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                               env=dict(os.environ, TMPDIR=trials.work_folder(folder)))
+        run.root, reasons = root, []
+        if run.stdout.readline() != b'mounted\n':
+            reasons.append('not mounted')
+        reader = subprocess.Popen(['sleep', '60'], cwd=root)
+        end(run)
+        reasons += [reason for reason in gone_reasons(run) if 'lost' not in reason]
+        reader.kill()
+        run.wait(timeout=20)
+        limit = time.monotonic() + 5
+        while os.path.exists(root) and time.monotonic() < limit:
+            time.sleep(0.02)
+        part.judge(trials.Outcome(['mount-scan', how], {}, 0, b'', ''), reasons + ['the folder stays'] * os.path.exists(root))
+    return part
+
+
 def parts():
     missing = [word for word in ('fusermount3', 'cp') if not shutil.which(word)]
     if missing or not os.access('/dev/fuse', os.R_OK | os.W_OK):
@@ -219,3 +245,5 @@ def parts():
     yield same_as_save()
     yield failing()
     yield ends()
+    if os.path.exists(os.path.join(trials.BUILD, 'th-ntfs')):
+        yield own_folders()
