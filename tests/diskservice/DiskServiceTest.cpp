@@ -55,9 +55,12 @@ protected:
         if (Error == "silence") {
             return true;
         }
+        if (Error == "nothing") {
+            return bus.send(message.createReply());
+        }
         return bus.send(Error.isEmpty()
                             ? message.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(Descriptor)))
-                            : message.createErrorReply(QLatin1String(Error), QStringLiteral("Its words")));
+                            : message.createErrorReply(QLatin1String(Error), Words));
     }
 
     DiskAnswer Open(
@@ -72,6 +75,7 @@ protected:
     QString Known = QStringLiteral("/dev/known");
     QDBusMessage Asked;
     QByteArray Error;
+    QString Words = QStringLiteral("Its words");
     int Descriptor = 0;
 };
 
@@ -109,6 +113,7 @@ TEST_F(DiskServiceTest, DisksAreToldOnceABurstAndComeOpenOrRefused) {
         {"UDisks2.Error.NotAuthorizedCanObtain", kErrorPrivilegeNotHeld},
         {"UDisks2.Error.NotAuthorizedDismissed", kErrorCancelled},
         {"UDisks2.Error.DeviceBusy", kErrorSharingViolation},
+        {"DBus.Error.UnknownMethod", kErrorAccessDenied},
         {"UDisks2.Error.Failed", kErrorGeneralFailure}};
     for (const auto& [error, code] : cases) {
         Error = QByteArray("org.freedesktop.") + error;
@@ -116,6 +121,10 @@ TEST_F(DiskServiceTest, DisksAreToldOnceABurstAndComeOpenOrRefused) {
         EXPECT_EQ(answer.Code, code) << error;
         EXPECT_EQ(answer.Reason, "Its words");
     }
+    Words = QStringLiteral("Error opening it: Device or resource busy");
+    EXPECT_EQ(Open().Code, kErrorSharingViolation);
+    Error = "nothing";
+    EXPECT_EQ(Open().Code, kErrorGeneralFailure);
     Error = "silence";
     EXPECT_EQ(Open(DiskUse::Reading, [] { return false; }).Code, kErrorCancelled)
         << "the user has had enough";

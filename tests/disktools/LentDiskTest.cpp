@@ -29,12 +29,15 @@ public:
         EXPECT_EQ(::seteuid(0), 0);
         FileDescriptor disk = OpenDescriptor(path.c_str(), (reads ? O_RDONLY : O_RDWR) | OpenFlagsOf(use));
         EXPECT_EQ(::seteuid(65534), 0);
-        return {std::move(disk), kErrorNone};
+        FileDescriptor turns = DuplicateOf(disk.Get());
+        Turns = turns.Get();
+        return {std::move(disk), kErrorNone, {}, std::move(turns)};
     }
     void LogEvent(const ProcessLogEntry& entry) override { Told += entry.Description + " "; }
 
     ErrorCode Refusal = kErrorNone;
     std::string Told;
+    int Turns = -1;
 };
 
 TEST(LentDiskTest, AHostIsAskedForDisksAndOnceForATarget) {
@@ -54,6 +57,7 @@ TEST(LentDiskTest, AHostIsAskedForDisksAndOnceForATarget) {
     EXPECT_EQ(OpenSource(loop->Path()), kErrorNone);
     EXPECT_EQ(Engine.SourceDisk.MediaHandle->ReadAt(0, bytes), kErrorNone);
     EXPECT_EQ(bytes, pattern);
+    EXPECT_EQ(Engine.SourceDisk.MediaHandle->Lent()->Turns.Get(), host.Turns);
     CloneTarget target(loop->Path());
     EXPECT_TRUE(target.Look().Allowed());
     EXPECT_EQ(target.SizeBytes(), pattern.size());

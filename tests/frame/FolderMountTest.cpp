@@ -4,6 +4,7 @@
 
 #include "FrameFixture.h"
 #include "frame/MountCall.h"
+#include "platform/media/Medium.h"
 
 #include <QTest>
 #include <filesystem>
@@ -90,9 +91,14 @@ TEST_F(LentDiskTrial, IsAFolderWithoutAnotherQuestion) {
     FolderMount mount([&shown](const QString& folder) { shown = folder.toStdString(); });
     mount.Open(qEnvironmentVariable("THNTFS_TRIAL_PROGRAM"));
     ASSERT_TRUE(QTest::qWaitFor([&shown] { return !shown.empty(); }, 30000));
-    EXPECT_EQ(QProcess::execute(QStringLiteral("cp"), {QStringLiteral("-r"), QString::fromStdString(shown),
-                                                       qEnvironmentVariable("THNTFS_TRIAL_COPY")}),
-              0);
+    QProcess copy;
+    copy.start(QStringLiteral("cp"), {QStringLiteral("-r"), QString::fromStdString(shown),
+                                      qEnvironmentVariable("THNTFS_TRIAL_COPY")});
+    std::vector<std::uint8_t> sector(512);
+    while (!copy.waitForFinished(0) && copy.state() != QProcess::NotRunning) {
+        EXPECT_EQ(Engine.SourceDisk.MediaHandle->ReadAt(0, sector), kErrorNone) << "both processes read";
+    }
+    EXPECT_EQ(copy.exitCode(), 0);
 }
 
 } // namespace

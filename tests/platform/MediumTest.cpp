@@ -124,7 +124,8 @@ TEST_F(MediumTest, ALentDiskIsReadByTwoProcesses) {
     const pid_t child = ::fork();
     if (child == 0) {
         KeepForProgram(*result.Handle->Lent());
-        const bool kept = ::fcntl(result.Handle->Lent()->Disk.Get(), F_GETFD) == 0;
+        const LentDisk& handed = *result.Handle->Lent();
+        const bool kept = ::fcntl(handed.Disk.Get(), F_GETFD) + ::fcntl(handed.Turns.Get(), F_GETFD) == 0;
         LentDisk lent = LentDiskOf(word);
         const bool ours = ::fcntl(lent.Turns.Get(), F_GETFD) == FD_CLOEXEC;
         const MediumResult same = OpenMediumOn(std::move(lent.Disk), loop->Path(), std::move(lent.Turns));
@@ -137,6 +138,14 @@ TEST_F(MediumTest, ALentDiskIsReadByTwoProcesses) {
     EXPECT_EQ(status, 0);
     ::fcntl(result.Handle->Lent()->Disk.Get(), F_SETFL, O_DIRECT); // as one that is killed leaves it
     ExpectPattern(*result.Handle, 777, 9000);
+    pattern_[600] ^= 0xFFU; // behind the cache's back
+    WriteFileBytes(image_, pattern_);
+    ExpectPattern(*result.Handle, 512, 512);
+    EXPECT_EQ(::fcntl(result.Handle->Lent()->Disk.Get(), F_GETFL) & O_DIRECT, 0)
+        << "who writes by it isn't asked";
+    const auto other = LoopDevice::Attach(image_, "--read-only");
+    EXPECT_EQ(OpenMediumOn(OpenDescriptor(other->Path().c_str(), O_RDONLY), loop->Path()).Error,
+              kErrorInvalidHandle);
 }
 
 } // namespace
