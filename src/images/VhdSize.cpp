@@ -26,16 +26,16 @@ bool IsFooter(Medium& file, std::uint64_t offset, VhdFooter& footer) {
 
 class ResizedVhd final : public Medium {
 public:
-    ResizedVhd(std::unique_ptr<Medium> file, const VhdFooter& footer, bool hasCopyInFront)
+    ResizedVhd(std::unique_ptr<Medium> file, const VhdFooter& footer)
         : file_(std::move(file))
-        , footer_(footer)
-        , hasCopyInFront_(hasCopyInFront) {}
+        , footer_(footer) {}
 
     ErrorCode ReadAt(std::uint64_t offset, Bytes buffer) override {
         const ErrorCode code = file_->ReadAt(offset, buffer);
-        ShowFooter(SizeBytes() - kVhdFooterBytes, offset, buffer);
-        if (hasCopyInFront_) {
-            ShowFooter(0, offset, buffer);
+        const std::uint64_t place = SizeBytes() - kVhdFooterBytes;
+        for (std::uint64_t at = std::max(offset, place); at < std::min(offset + buffer.size(), SizeBytes());
+             ++at) {
+            buffer[static_cast<std::size_t>(at - offset)] = footer_[static_cast<std::size_t>(at - place)];
         }
         return code;
     }
@@ -43,16 +43,8 @@ public:
     [[nodiscard]] std::uint32_t DeviceSectorBytes() const override { return 0; }
 
 private:
-    void ShowFooter(std::uint64_t place, std::uint64_t offset, Bytes buffer) const {
-        const std::uint64_t end = std::min(offset + buffer.size(), place + kVhdFooterBytes);
-        for (std::uint64_t at = std::max(offset, place); at < end; ++at) {
-            buffer[static_cast<std::size_t>(at - offset)] = footer_[static_cast<std::size_t>(at - place)];
-        }
-    }
-
     std::unique_ptr<Medium> file_;
     VhdFooter footer_;
-    bool hasCopyInFront_;
 };
 
 // The sum is the complement of all other bytes' one.
@@ -73,7 +65,6 @@ bool HasRightSum(const VhdFooter& footer) {
 } // namespace
 
 std::unique_ptr<Medium> ShowPresentVhdSize(std::unique_ptr<Medium> file) {
-    VhdFooter front{};
     VhdFooter footer{};
     if (file->SizeBytes() < kVhdFooterBytes ||
         !IsFooter(*file, file->SizeBytes() - kVhdFooterBytes, footer) || !HasRightSum(footer) ||
@@ -83,8 +74,7 @@ std::unique_ptr<Medium> ShowPresentVhdSize(std::unique_ptr<Medium> file) {
     }
     std::copy_n(footer.begin() + kPresentSizeOffset, kSizeBytes, footer.begin() + kFirstSizeOffset);
     PutSum(footer);
-    const bool hasCopyInFront = IsFooter(*file, 0, front);
-    return std::make_unique<ResizedVhd>(std::move(file), footer, hasCopyInFront);
+    return std::make_unique<ResizedVhd>(std::move(file), footer);
 }
 
 } // namespace thntfs
