@@ -1,6 +1,7 @@
 #pragma once
 
 #include "content/ContentOutcome.h"
+#include "platform/system/ReadBuffer.h"
 
 #include <cstdint>
 #include <vector>
@@ -24,7 +25,7 @@ private:
     [[nodiscard]] bool MayGoOn() const;
 
     ContentDigest* digest_ = nullptr;
-    std::vector<std::uint8_t> buffer_;
+    ReadBuffer buffer_;
     ContentOutcome outcome_;  ///< of the stream in hand; its Written is the offset reached
     std::uint64_t begun_ = 0; ///< up to here the bytes are on their way to the device
 };

@@ -6,6 +6,7 @@
 #include "engine/Host.h"
 #include "engine/SectorReader.h"
 #include "platform/files/File.h"
+#include "platform/system/ReadBuffer.h"
 
 #include <algorithm>
 #include <optional>
@@ -144,7 +145,7 @@ private:
     std::uint32_t perTransfer_;
     CopyLedger& ledger_;
     TargetFlow flow_;
-    std::vector<std::uint8_t> buffer_;
+    ReadBuffer buffer_;
     std::uint64_t position_ = 0; ///< sectors behind the last piece
 };
 

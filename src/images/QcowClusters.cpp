@@ -16,12 +16,12 @@ constexpr std::uint64_t kZerosFlag = 1;
 
 ClusterPlace PlaceOfEntry(std::uint64_t entry, std::uint32_t version) {
     if ((entry & kCompressedFlag) != 0) {
-        return ClusterPlace::Here;
+        return ClusterPlace::Packed;
     }
     if (version >= 3 && (entry & kZerosFlag) != 0) {
         return ClusterPlace::Zeros;
     }
-    return (entry & kOffsetMask) != 0 ? ClusterPlace::Here : ClusterPlace::Below;
+    return (entry & kOffsetMask) != 0 ? ClusterPlace::Stored : ClusterPlace::Below;
 }
 
 } // namespace
@@ -65,7 +65,9 @@ ClusterStretch QcowClusters::StretchAt(std::uint64_t offset, std::uint64_t most)
     ClusterStretch stretch = PlaceOf(offset);
     while (stretch.Bytes < most) {
         const ClusterStretch next = PlaceOf(offset + stretch.Bytes);
-        if (next.Place != stretch.Place) {
+        const bool inRow =
+            next.Place != ClusterPlace::Stored || next.FileOffset == stretch.FileOffset + stretch.Bytes;
+        if (next.Place != stretch.Place || !inRow) {
             break;
         }
         stretch.Bytes += next.Bytes;
@@ -94,9 +96,13 @@ ClusterStretch QcowClusters::PlaceOf(std::uint64_t offset) {
         const auto at = static_cast<std::size_t>(cluster % entriesInTable * kTableEntryBytes);
         const auto entry = BigNumberAt<std::uint64_t>(*table, at);
         stretch.Place = PlaceOfEntry(entry, header_.Version);
-        if (stretch.Place == ClusterPlace::Here && !IsInFile(entry)) {
+        const bool here = stretch.Place == ClusterPlace::Stored || stretch.Place == ClusterPlace::Packed;
+        if (here && !IsInFile(entry)) {
             stretch.Place = ClusterPlace::Unknown;
             stretch.Error = kErrorCrc; // the file is cut
+        }
+        if (stretch.Place == ClusterPlace::Stored) {
+            stretch.FileOffset = (entry & kOffsetMask) + offset % ClusterBytes();
         }
     }
     return stretch;

@@ -10,7 +10,8 @@ namespace thntfs {
 
 /// Where the bytes of a cluster are.
 enum class ClusterPlace : std::uint8_t {
-    Here,   ///< in the image
+    Stored, ///< in the image, as they are
+    Packed, ///< in the image, compressed
     Zeros,  ///< nowhere: they are zeros, whatever the image builds on
     Below,  ///< in the image that it builds on; zeros where it doesn't
     Unknown ///< its table can't be read
@@ -20,6 +21,7 @@ enum class ClusterPlace : std::uint8_t {
 struct ClusterStretch {
     ClusterPlace Place = ClusterPlace::Unknown;
     std::uint64_t Bytes = 0;      ///< from the asked offset on, at least 1
+    std::uint64_t FileOffset = 0; ///< of stored ones, in bytes: they lie in a row
     ErrorCode Error = kErrorNone; ///< why it is unknown
 };
 
@@ -37,8 +39,8 @@ struct QcowHeader {
 
 QcowHeader ReadQcowHeader(Medium& file);
 
-/// The cluster tables of an image. The library that reads the clusters doesn't know those that are told to be
-/// zeros (version 3), and stands still where an image builds on one that isn't a QCOW2.
+/// The cluster tables of an image. The library that reads packed clusters doesn't know those that are told to
+/// be zeros (version 3), and stands still where an image builds on one that isn't a QCOW2.
 class QcowClusters {
 public:
     /// The file outlives it. `header` is of version 2 or 3.

@@ -94,7 +94,10 @@ protected:
         const ClusterStretch stretch = clusters_.StretchAt(offset, buffer.size());
         const Bytes part = buffer.first(static_cast<std::size_t>(stretch.Bytes));
         switch (stretch.Place) {
-        case ClusterPlace::Here:
+        case ClusterPlace::Stored:
+            Reads.Code = source_.File->ReadAt(stretch.FileOffset, part);
+            return Reads.Code == kErrorNone ? static_cast<ssize_t>(part.size()) : -1;
+        case ClusterPlace::Packed:
             return libqcow_file_read_buffer_at_offset(handle_, part.data(), part.size(),
                                                       static_cast<off64_t>(offset), nullptr);
         case ClusterPlace::Below:

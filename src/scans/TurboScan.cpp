@@ -6,6 +6,7 @@
 #include "engine/Host.h"
 #include "engine/RecordTable.h"
 #include "engine/SectorReader.h"
+#include "platform/system/ReadBuffer.h"
 #include "scans/AddedRecords.h"
 #include "scans/ConditionAccount.h"
 #include "scans/PassedSectors.h"
@@ -61,7 +62,7 @@ private:
 
     SpanSize span_;
     std::size_t spansAtATime_;
-    std::vector<std::uint8_t> buffer_; ///< the spans of one read
+    ReadBuffer buffer_; ///< the spans of one read
     std::size_t spansRead_ = 0;
     std::uint64_t firstSector_;
     std::uint64_t spanSector_;

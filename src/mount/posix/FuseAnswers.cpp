@@ -1,6 +1,7 @@
 #include "mount/posix/FuseAnswers.h"
 
 #include "mount/MountedVolume.h"
+#include "platform/system/ReadBuffer.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -243,7 +244,7 @@ void CloseFile(fuse_req_t request, fuse_ino_t /*number*/, fuse_file_info* file) 
 void ReadFile(fuse_req_t request, fuse_ino_t /*number*/, std::size_t size, off_t offset,
               fuse_file_info* file) {
     Answered(request, [&] {
-        std::vector<std::uint8_t> buffer(size);
+        ReadBuffer buffer(size);
         const MountedPiece piece =
             TreeOf(request).Volume.Read(*FileOf(file), static_cast<std::uint64_t>(offset), buffer);
         const bool pastCache = (file->flags & O_DIRECT) != 0;
