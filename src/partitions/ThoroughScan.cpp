@@ -7,6 +7,7 @@
 #include "partitions/LostStarts.h"
 #include "partitions/MftEvidence.h"
 #include "partitions/PartitionSearch.h"
+#include "platform/system/ReadBuffer.h"
 
 #include <algorithm>
 #include <new>
@@ -19,13 +20,6 @@ namespace {
 constexpr std::uint64_t kBatchSectors = 128;
 constexpr std::uint32_t kMaxRecordBytes = 8192;
 constexpr std::uint8_t kNopOfJump = 0x90;
-constexpr std::size_t kPageBytes = 4096;
-
-// What of some memory begins at a page's border, to which the system copies several times as fast.
-Bytes FromPageBorder(std::vector<std::uint8_t>& memory) {
-    const auto place = reinterpret_cast<std::uintptr_t>(memory.data());
-    return Bytes(memory).subspan((kPageBytes - place % kPageBytes) % kPageBytes);
-}
 
 class SectorWalk {
 public:
@@ -34,8 +28,7 @@ public:
         , position_(firstSector)
         , end_(endSector)
         , sectorBytes_(Engine.SourceDisk.BytesPerSector)
-        , memory_(kBatchSectors * sectorBytes_ + kPageBytes)
-        , buffer_(FromPageBorder(memory_).first(kBatchSectors * sectorBytes_)) {}
+        , buffer_(kBatchSectors * sectorBytes_) {}
 
     void Run() {
         while (position_ < end_ && JobMayGoOn()) {
@@ -74,7 +67,7 @@ private:
             if (!JobMayGoOn()) {
                 return slot;
             }
-            ReadAndCount(buffer_.subspan(slot * sectorBytes_, sectorBytes_), position_ + slot);
+            ReadAndCount(Bytes(buffer_).subspan(slot * sectorBytes_, sectorBytes_), position_ + slot);
         }
         return slots;
     }
@@ -111,8 +104,7 @@ private:
     std::uint64_t position_;
     std::uint64_t end_;
     std::size_t sectorBytes_;
-    std::vector<std::uint8_t> memory_;
-    Bytes buffer_; ///< part of it
+    ReadBuffer buffer_;
     std::vector<std::uint8_t> record_;
     CandidateIndex index_;
     EvidenceCollector evidence_;
