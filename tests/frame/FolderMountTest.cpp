@@ -62,6 +62,9 @@ TEST_F(FolderMountTest, ShowsTheFolderAndEndsTheOtherProgram) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return Shown.size() == 3; })) << "and once more";
     EXPECT_EQ(Shown[2], Shown[0] + " (2)");
     fs::remove(Shown[0]);
+    Mount.End();
+    Mount.Open(Program("exec cat > /dev/null"));
+    Mount.End(); // before it is mounted
     EXPECT_TRUE(Answers.Boxes.empty());
 }
 
