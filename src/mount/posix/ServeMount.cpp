@@ -3,6 +3,7 @@
 #include "mount/Mount.h"
 #include "mount/posix/FuseAnswers.h"
 #include "mount/posix/MountWatch.h"
+#include "platform/files/posix/FileDescriptor.h"
 #include "platform/system/Interrupt.h"
 
 #include <array>
@@ -59,19 +60,6 @@ std::string OptionsFor(const MountPlace& place) {
     return "ro,nosuid,nodev,noexec,default_permissions,subtype=th-ntfs,fsname=" + OptionValue(place.Source);
 }
 
-class Descriptor {
-public:
-    explicit Descriptor(int number)
-        : number_(number) {}
-    ~Descriptor() { ::close(number_); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] int Number() const { return number_; }
-
-private:
-    int number_;
-};
-
 struct EndSession {
     void operator()(fuse_session* session) const { fuse_session_destroy(session); }
 };
@@ -97,7 +85,7 @@ public:
         ::fcntl(questions, F_SETFL, ::fcntl(questions, F_GETFL) | O_NONBLOCK);
         Await(EPOLL_CTL_ADD, questions, EPOLLIN | EPOLLONESHOT);
         Await(EPOLL_CTL_ADD, InterruptDescriptor(), EPOLLIN);
-        Await(EPOLL_CTL_ADD, end_.Number(), EPOLLIN);
+        Await(EPOLL_CTL_ADD, end_.Get(), EPOLLIN);
     }
 
     void Run() {
@@ -110,7 +98,7 @@ public:
 private:
     void Await(int how, int descriptor, std::uint32_t events) const {
         epoll_event event{.events = events, .data = {}};
-        ::epoll_ctl(waits_.Number(), how, descriptor, &event);
+        ::epoll_ctl(waits_.Get(), how, descriptor, &event);
     }
 
     void Work() {
@@ -120,7 +108,7 @@ private:
         }
         std::free(question.mem); // NOLINT: the library allocates it so
         constexpr std::uint64_t kEnded = 1;
-        [[maybe_unused]] const auto written = ::write(end_.Number(), &kEnded, sizeof kEnded);
+        [[maybe_unused]] const auto written = ::write(end_.Get(), &kEnded, sizeof kEnded);
     }
 
     // A program that walks through folders asks again within microseconds of an answer. To sleep and be woken
@@ -150,7 +138,7 @@ private:
             told = got == -EAGAIN;
             if (told) {
                 epoll_event event{};
-                ::epoll_wait(waits_.Number(), &event, 1, -1);
+                ::epoll_wait(waits_.Get(), &event, 1, -1);
             } else if (got != -EINTR) {
                 fuse_session_exit(session_);
             }
@@ -159,8 +147,8 @@ private:
     }
 
     fuse_session* session_;
-    Descriptor waits_{::epoll_create1(EPOLL_CLOEXEC)};
-    Descriptor end_{::eventfd(0, EFD_CLOEXEC)}; ///< readable when one thread has ended, so that all do
+    FileDescriptor waits_{::epoll_create1(EPOLL_CLOEXEC)};
+    FileDescriptor end_{::eventfd(0, EFD_CLOEXEC)}; ///< readable when one thread has ended, so that all do
 };
 
 } // namespace
