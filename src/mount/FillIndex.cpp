@@ -127,6 +127,7 @@ private:
 
     static std::vector<std::uint32_t> IdsOf(const std::vector<CatalogueItem>& chain) {
         std::vector<std::uint32_t> ids;
+        ids.reserve(chain.size());
         for (const CatalogueItem& item : chain) {
             ids.push_back(item.EntryId);
         }
